@@ -1,0 +1,21 @@
+# rondo_subsystem(<name> DEPENDS <targets...> [LIBS <extra libs>])
+# Builds the static library rondo_<name> from the *.cpp of the calling folder
+# (tests excluded), and the test program <name>_tests from its *_test.cpp.
+function(rondo_subsystem name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;LIBS;TEST_LIBS" ${ARGN})
+  file(GLOB _all CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB _tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+  set(_src ${_all})
+  if(_tests)
+    list(REMOVE_ITEM _src ${_tests})
+  endif()
+  add_library(rondo_${name} STATIC ${_src})
+  target_include_directories(rondo_${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_link_libraries(rondo_${name} PUBLIC ${ARG_DEPENDS} ${ARG_LIBS})
+  if(_tests)
+    add_executable(${name}_tests ${_tests})
+    target_link_libraries(${name}_tests PRIVATE rondo_${name} rondo_testing_main ${ARG_TEST_LIBS} GTest::gtest)
+    gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST
+      PROPERTIES ENVIRONMENT "RONDO_SOURCE_DIR=${CMAKE_SOURCE_DIR};RONDO_BINARY_DIR=${CMAKE_BINARY_DIR}")
+  endif()
+endfunction()
