@@ -19,13 +19,16 @@ void reformatInt64(vString& format);
 // True when the list is consecutive ascending numbers (an empty list is not).
 bool isListARange(std::vector<unsigned int> const& list);
 
-// --- Environment and host (vUtlSystem.cpp) --------------------------------
+// --- Environment (vUtlEnv.cpp) ------------------------------------------
 // True and the value when the variable is set; otherwise false and cleared.
 bool getenv(char const* name, vString& value);
 void putenv(char const* name, vString const& value);
 // The host name cut at the first '.'.
 vString gethostname();
 bool gethostname(char* buffer, unsigned size);
+vString homeDirectory();
+
+// --- Host, installation and commands (vUtlSystem.cpp) ---------------------
 vString getIPAddress(vString const& host);
 vString getDomainName();
 vString releaseDirectory();
@@ -33,7 +36,6 @@ vString supportFilesDirectory();
 vString systemFilesDirectory();
 vString sourceDirectory();
 vString documentationDirectory();
-vString homeDirectory();
 vString which(vString const& program);
 vString getMachineType();
 vString systemCommand(char const* command, vString const* host, int flags);
