@@ -45,8 +45,20 @@ vString getDefaultDevServer();
 vString enterc(char const* prompt, vString const& defaultValue);
 
 // --- Diagnostics (vUtlDorn.cpp) -------------------------------------------
+// Process start-up: umask(0) and the default memory-mapping limit at every
+// call; on the first call PELLIN_FONT_PATH and, when asked, the crash
+// signal handlers; noMoreMemory as the allocation failure handler.
 void startDorn(bool installSignals);
+// Prints the call stack of the caller on standard error.
 void printStack();
+// The allocation failure handler: reports and throws std::bad_alloc.
+void noMoreMemory();
+// The crash handler: reports the signal and the stack, then ends the process
+// (abort() for SIGSEGV, exit(status) otherwise).
+void signalHandler(int status);
+// The report text of a signal, such as "SIGSEGV Invalid memory reference.",
+// or null when none is listed for it.
+char const* signalText(int status);
 
 }  // namespace vUtl
 

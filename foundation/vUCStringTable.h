@@ -1,0 +1,57 @@
+#ifndef FOUNDATION_VUCSTRINGTABLE_H
+#define FOUNDATION_VUCSTRINGTABLE_H
+
+// vUCStringTable interns upper-case names. An entry's id is its rank in
+// lexical order, so comparing two ids compares two names without touching
+// text. Ids move when a name is inserted before them; entry pointers never
+// move, so whoever needs a stable key keeps the pointer.
+//
+// The table is shared by every attribute of every thread and is therefore the
+// one string class that always locks.
+
+#include "foundation/vUCString.h"
+
+class vUCStringTableData {
+ public:
+  vUCStringTableData() : m_id(-1) {}
+  explicit vUCStringTableData(vUCString const& s, int id = -1) : m_string(s), m_id(id) {}
+
+  vUCString const& getString() const { return m_string; }
+  int getID() const { return m_id; }
+
+ private:
+  friend class vUCStringTable;
+  vUCString m_string;
+  int m_id;
+};
+
+class vUCStringTable {
+ public:
+  static const int invalidID = -1;
+
+  vUCStringTable();
+  ~vUCStringTable();
+  vUCStringTable(vUCStringTable const&) = delete;
+  vUCStringTable& operator=(vUCStringTable const&) = delete;
+
+  // Interns the name and returns its entry; the pointer stays valid until
+  // clear() or the table's end.
+  vUCStringTableData const* add(vUCString const& s);
+  vUCStringTableData const* add(char const* s);
+  // True when the name is interned; its entry goes to *entry when given.
+  bool exists(vUCString const& s, vUCStringTableData const** entry = nullptr) const;
+  // The lexical rank of an interned name; fatal for an unknown one.
+  int getID(vUCString const& s) const;
+  // The entry of rank id, or null when id is out of range.
+  vUCStringTableData const* at(int id) const;
+  int size() const;
+  void clear();
+  // One line per entry on standard output: id and name.
+  void dumpTable() const;
+
+ private:
+  struct Record;
+  Record* m_record;
+};
+
+#endif
