@@ -74,8 +74,12 @@ class vLCString : public vString {
   // The lower-case form of c (locale fold).
   static char fold(char c);
 
+ protected:
+  void myFold() override;
+
  private:
-  void myFold();
+  // Folds what an append added; the rest is folded already.
+  void myFoldFrom(unsigned int from);
 };
 
 std::istream& operator>>(std::istream& in, vLCString& s);

@@ -8,6 +8,7 @@
 // Allocation failures throw UtlExcept directly (not through Message), since
 // the message path itself builds strings.
 
+#include <cstdarg>
 #include <cstdint>
 #include <iosfwd>
 
@@ -143,6 +144,14 @@ class vString {
   void myDeallocate();
   void myAssign(char const* text, unsigned int length);
   void myAppend(char const* text, unsigned int length);
+  // Formats into a 10240-byte stack buffer and assigns; overflow, a C library
+  // failure or an exception while formatting are fatal under the given
+  // method names. The format passes vUtl::reformatInt64 first.
+  void myVPrintf(char const* method, char const* errorMethod, char const* format, va_list args);
+  // Restores the class invariant after a change made behind the virtual
+  // operations (moves, swaps): nothing for a plain vString, case folding for
+  // the folding strings.
+  virtual void myFold();
 
   char* m_data;
   uint32_t m_length;
