@@ -29,19 +29,55 @@ bool gethostname(char* buffer, unsigned size);
 vString homeDirectory();
 
 // --- Host, installation and commands (vUtlSystem.cpp) ---------------------
+// The dotted IPv4 address of a host; a name that does not resolve is fatal.
 vString getIPAddress(vString const& host);
+// DORN_DOMAIN, or the system's domain (the NIS domain, else the part of this
+// host's canonical name after its first '.'); none is fatal:
+// "Unable to get domain name, errno=%d".
 vString getDomainName();
+// The release tree, ending in '/': VREL names it; otherwise RLITE or, after
+// it, cor_root names an installation root holding the release at
+// <root>/<RELEASE>/rondolite/ (at <root>/rondolite/ without RELEASE); with
+// none of them, "./".
 vString releaseDirectory();
+// releaseDirectory() + "SupportFiles/" and + "SystemFiles/".
 vString supportFilesDirectory();
 vString systemFilesDirectory();
+// VSRC and VDOC as set, or empty.
 vString sourceDirectory();
 vString documentationDirectory();
+// The first line of "which <program>", or empty. MISCUTL_WHICHDEBUG=1
+// prints the result.
 vString which(vString const& program);
+// MACHINE, or fatal "MACHINE environment variable not defined!".
 vString getMachineType();
+// Runs the ping command of the system property UTL/PING (default
+// "vping %s", the %s taking the host) and tells whether it exited with 0.
+// A property without text is fatal.
+bool ping(vString const& host);
+// True for a blank host, "localhost", or a name whose part before the first
+// '.' is this host's name (in any case).
+bool isThisHost(vString const& host);
+// Flags of systemCommand and system.
+enum SystemFlags {
+  // Runs the command in the background: system() returns at once.
+  SystemBackground = 1
+};
+// The shell text that runs `command` on `host`: the command itself for this
+// host, otherwise "rsh <host>[ -l <VUSER>] -n  <command>".
 vString systemCommand(char const* command, vString const* host, int flags);
+// Runs systemCommand's text by the shell and returns its exit status (128 +
+// the signal for a command killed by one). A shell that cannot be started is
+// fatal: "Error executing command '%s', errno=%d".
 int system(char const* command, vString const* host = nullptr, int flags = 0);
+// DORNSERVER, or the server this domain's entry names in the section
+// [DornServer] of the system file "DomainServers.ini"; none is fatal:
+// "Unknown domain name %s. Try setenv DORNSERVER servername.".
 vString getDefaultServer();
+// The same with DORNDEVSERVER and the section [DornDevServer].
 vString getDefaultDevServer();
+// Prompts on standard output and reads one line from standard input; an
+// empty line or the end of the input gives the default.
 vString enterc(char const* prompt, vString const& defaultValue);
 
 // --- Diagnostics (vUtlDorn.cpp) -------------------------------------------

@@ -1,0 +1,419 @@
+#include "foundation/SystemProperty.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/SystemFileLoader.h"
+#include "foundation/SystemPropertyEnvironment.h"
+#include "foundation/SystemPropertyLoader.h"
+#include "foundation/SystemPropertyManager.h"
+#include "foundation/SystemPropertyTable.h"
+#include "foundation/TestReleaseTree.h"
+#include "foundation/UtlExcept.h"
+#include "foundation/vDatabases.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+SystemProperty readOne(std::string const& text) {
+  std::istringstream in(text);
+  SystemProperty p;
+  in >> p;
+  return p;
+}
+
+std::string record(char const* section, char const* name, char const* value) {
+  return std::string("<SystemProperty name= ") + name + " package= " + section + " description= \"test\" value= " +
+         value + " SystemProperty>\n";
+}
+
+// A loader that keeps what it was handed, to see what load() passes on.
+class RecordingLoader : public SystemFileLoader {
+ public:
+  std::string contents;
+  std::string text;
+
+ protected:
+  void doLoad(std::istream& in, vString const& t) override {
+    std::ostringstream all;
+    all << in.rdbuf();
+    contents = all.str();
+    text = str(t);
+  }
+};
+
+}  // namespace
+
+// --- One property --------------------------------------------------------
+
+TEST(SystemProperty, ValuesAndConversions) {
+  SystemProperty p("commchan", "port_range", "ports", {"5000", " 2.5 ", "Enabled", "off", "12abc"});
+  EXPECT_EQ("COMMCHAN", str(p.getSection()));
+  EXPECT_EQ("PORT_RANGE", str(p.getName()));
+  EXPECT_EQ("ports", str(p.getDescription()));
+  EXPECT_EQ(5, p.getNValues());
+  EXPECT_EQ(5000, p.getInt32Value(0));
+  EXPECT_DOUBLE_EQ(2.5, p.getFloat64Value(1));
+  EXPECT_TRUE(p.getBoolValue(2));
+  EXPECT_FALSE(p.getBoolValue(3));
+  vString out;
+  p.getValue(4, out);
+  EXPECT_EQ("12abc", str(out));
+
+  expectFatal([&] { p.getValue(5); }, "SystemProperty::getValue", "The value at index 5 does not exists! ");
+  expectFatal([&] { p.getInt32Value(-1); }, "SystemProperty::getInt32Value", "The value at index -1 does not exists! ");
+  expectFatal([&] { p.getBoolValue(9); }, "SystemProperty::getBoolValue", "The value at index 9 does not exists! ");
+  expectFatal([&] { p.getInt32Value(4); }, "SystemProperty::getInt32Value",
+              "The value '12abc' at index 4 is not a 32-bit integer! ");
+  expectFatal([&] { p.getFloat64Value(2); }, "SystemProperty::getFloat64Value",
+              "The value 'Enabled' at index 2 is not a number! ");
+  SystemProperty big("a", "b", "", {"4294967296"});
+  expectFatal([&] { big.getInt32Value(0); }, "SystemProperty::getInt32Value",
+              "The value '4294967296' at index 0 is not a 32-bit integer! ");
+}
+
+TEST(SystemProperty, TrueTextsInAnyCase) {
+  for (char const* t : {"y", "YES", "t", "True", "e", "ENABLED", "On", " yes "})
+    EXPECT_TRUE(SystemProperty::isTrueText(t)) << t;
+  for (char const* t : {"", "n", "no", "false", "1", "0", "off", "disabled", "yess"})
+    EXPECT_FALSE(SystemProperty::isTrueText(t)) << t;
+}
+
+TEST(SystemProperty, CopyCompareAndSetComponents) {
+  SystemProperty a("s", "n", "d", {"1"});
+  SystemProperty b(a);
+  EXPECT_TRUE(a == b);
+  b.addValue("2");
+  EXPECT_TRUE(a != b);
+  EXPECT_FALSE(a < b);
+  EXPECT_FALSE(b < a);
+  SystemProperty c;
+  c = b;
+  EXPECT_TRUE(c == b);
+  c.setComponents("t", "m", "other", {});
+  EXPECT_EQ("T", str(c.getSection()));
+  EXPECT_EQ(0, c.getNValues());
+  EXPECT_TRUE(a < c);
+  SystemProperty d("s", "o", "", {});
+  EXPECT_TRUE(a < d);
+  c.clear();
+  EXPECT_TRUE(c == SystemProperty());
+}
+
+// --- Record text ---------------------------------------------------------
+
+TEST(SystemPropertyRecord, ReadsTokensInAnyCaseWithQuotesAndRepeatedValues) {
+  SystemProperty p = readOne(
+      "  <systemproperty NAME= Verbose\n package= CommChan description= \"trace the \\\"channel\\\"\"\n"
+      "  value= \"verbose=yes\" Value= filename=/tmp/x systemproperty>");
+  EXPECT_EQ("COMMCHAN", str(p.getSection()));
+  EXPECT_EQ("VERBOSE", str(p.getName()));
+  EXPECT_EQ("trace the \"channel\"", str(p.getDescription()));
+  ASSERT_EQ(2, p.getNValues());
+  EXPECT_EQ("verbose=yes", str(p.getValue(0)));
+  EXPECT_EQ("filename=/tmp/x", str(p.getValue(1)));
+}
+
+TEST(SystemPropertyRecord, WriteThenReadGivesTheSameProperty) {
+  SystemProperty p("utl", "ping", "the \"ping\" command\\", {"vping %s", "", "a\tb"});
+  std::stringstream io;
+  io << p << "\n" << SystemProperty("x", "y", "", {}) << "\n";
+  SystemProperty back, second, none;
+  io >> back >> second;
+  EXPECT_TRUE(back == p);
+  EXPECT_TRUE(second == SystemProperty("x", "y", "", {}));
+  EXPECT_FALSE(io >> none);  // the end of the stream is not an error
+}
+
+TEST(SystemPropertyRecord, ExpandsEnvironmentInValues) {
+  TestReleaseTree tree;
+  tree.setEnv("SPTEST_HOST", "alpha");
+  SystemProperty p = readOne(record("s", "n", "${SPTEST_HOST}:9000"));
+  EXPECT_EQ("alpha:9000", str(p.getValue(0)));
+}
+
+TEST(SystemPropertyRecord, CommentLinesBetweenRecords) {
+  std::istringstream in("# site table\n" + record("a", "one", "1") + "  # retired:\n#" + record("a", "two", "2") +
+                        record("a", "three", "3"));
+  SystemProperty p;
+  in >> p;
+  EXPECT_EQ("ONE", str(p.getName()));
+  in >> p;
+  EXPECT_EQ("THREE", str(p.getName()));
+  EXPECT_FALSE(in >> p);
+}
+
+TEST(SystemPropertyRecord, BadRecordsAreFatal) {
+  char const* m = "SystemProperty::operator>>";
+  expectFatal([] { readOne("<SystemProperty name= a package= b colour= red SystemProperty>"); }, m,
+              "Unknown token 'colour=' in the system property record.");
+  expectFatal([] { readOne("SystemProperty name= a"); }, m,
+              "Unknown token 'SystemProperty' where a system property record should start.");
+  expectFatal([] { readOne("<SystemProperty name= a package= b value= 1"); }, m,
+              "The system property record ended before 'SystemProperty>'.");
+  expectFatal([] { readOne("<SystemProperty name= a package= b value="); }, m,
+              "The system property record ended before 'SystemProperty>'.");
+  expectFatal([] { readOne("<SystemProperty name= a package= b value= \"open quote SystemProperty>"); }, m,
+              "The system property record ended before 'SystemProperty>'.");
+  expectFatal([] { readOne("<SystemProperty package= b value= 1 SystemProperty>"); }, m,
+              "The system property record has no name.");
+  expectFatal([] { readOne("<SystemProperty name= a value= 1 SystemProperty>"); }, m,
+              "The system property record 'A' has no package.");
+  expectFatal([] { readOne("<SystemProperty name= a \"package=\" b SystemProperty>"); }, m,
+              "Unknown token 'package=' in the system property record.");
+}
+
+// --- Finding system files -----------------------------------------------
+
+TEST(SystemFileLoader, WorkingDirectoryFirstThenSystemFiles) {
+  TestReleaseTree tree;
+  tree.writeSystemFile("Both.txt", "release");
+  tree.writeSystemFile("Release.txt", "release only");
+  tree.writeWorkFile("Both.txt", "working");
+
+  RecordingLoader loader;
+  loader.load("Both.txt", "Check Name");
+  EXPECT_EQ("working", loader.contents);
+  EXPECT_EQ("Check Name", loader.text);
+  EXPECT_EQ("Both.txt", str(loader.getPath()));
+
+  loader.load("Release.txt", "");
+  EXPECT_EQ("release only", loader.contents);
+  EXPECT_EQ(tree.systemFilesDir() + "Release.txt", str(loader.getPath()));
+
+  std::string absolute = tree.root() + "/elsewhere.txt";
+  TestReleaseTree::write(absolute, "absolute");
+  loader.load(absolute.c_str(), "");
+  EXPECT_EQ("absolute", loader.contents);
+}
+
+TEST(SystemFileLoader, MissingFileIsFatal) {
+  TestReleaseTree tree;
+  RecordingLoader loader;
+  expectFatal([&] { loader.load("NoSuchTable.txt", ""); }, "SystemFileLoader::myOpen()",
+              "File NoSuchTable.txt was not found in ./ or " + tree.systemFilesDir() + ".");
+  // A directory of that name is not a file.
+  std::filesystem::create_directories(tree.workDir() + "Dir.txt");
+  expectFatal([&] { loader.load("Dir.txt", ""); }, "SystemFileLoader::myOpen()",
+              "File Dir.txt was not found in ./ or " + tree.systemFilesDir() + ".");
+  vString path;
+  EXPECT_FALSE(SystemFileLoader::find("NoSuchTable.txt", path));
+  EXPECT_TRUE(path.isEmpty());
+}
+
+// --- The table -----------------------------------------------------------
+
+TEST(SystemPropertyTable, LaterTablesReplaceEarlierRecords) {
+  TestReleaseTree tree;
+  std::string host = str(vUtl::gethostname());
+  tree.writeSystemFile("SystemPropertyTable2.txt",
+                       record("site", "a", "general") + record("site", "b", "general") + record("site", "c", "general"));
+  tree.writeSystemFile("testdomain.exampleSystemPropertyTable2.txt",
+                       record("site", "b", "domain") + record("site", "c", "domain"));
+  tree.writeSystemFile(host + "SystemPropertyTable2.txt", record("SITE", "C", "host"));
+
+  SystemPropertyTable& table = SystemPropertyTable::instance();
+  vDatabases::clearCache();
+  table.reload();
+  EXPECT_EQ("SystemPropertyTable2.txt", str(table.getTableName()));
+  EXPECT_EQ(host + "SystemPropertyTable2.txt", str(table.getLocalTableName()));
+  EXPECT_EQ("testdomain.exampleSystemPropertyTable2.txt", str(table.getDomainTableName()));
+  EXPECT_EQ(3, table.size());
+  EXPECT_EQ("general", str(table.getSystemProperty("Site", "a").getValue(0)));
+  EXPECT_EQ("domain", str(table.getSystemProperty("site", "B").getValue(0)));
+  EXPECT_EQ("host", str(table.getSystemProperty("site", "c").getValue(0)));
+  EXPECT_TRUE(table.hasSystemProperty("site", "a"));
+  EXPECT_FALSE(table.hasSystemProperty("site", "d"));
+  EXPECT_FALSE(table.hasSystemProperty("other", "a"));
+  std::vector<SystemProperty> all = table.getSystemProperties();
+  ASSERT_EQ(3u, all.size());
+  EXPECT_EQ("A", str(all[0].getName()));
+
+  table.addSystemProperty(SystemProperty("site", "a", "", {"added"}));
+  EXPECT_EQ("added", str(table.getSystemProperty("site", "a").getValue(0)));
+  table.clear();
+  EXPECT_EQ(0, table.size());
+}
+
+TEST(SystemPropertyTable, DomainTableFollowsTheDatabaseConfiguration) {
+  TestReleaseTree tree;
+  tree.writeSystemFile("DatabaseConfig.ini", "[aliases]\ntestdomain.example = Houston\n[houston]\nProductionDatabase = hp\n");
+  tree.writeSystemFile("SystemPropertyTable2.txt", record("site", "a", "general"));
+  tree.writeSystemFile("houstonSystemPropertyTable2.txt", record("site", "a", "houston"));
+  tree.writeSystemFile("testdomain.exampleSystemPropertyTable2.txt", record("site", "a", "domain"));
+  vDatabases::clearCache();
+  SystemPropertyTable& table = SystemPropertyTable::instance();
+  table.reload();
+  EXPECT_EQ("houstonSystemPropertyTable2.txt", str(table.getDomainTableName()));
+  EXPECT_EQ("houston", str(table.getSystemProperty("site", "a").getValue(0)));
+  vDatabases::clearCache();
+}
+
+TEST(SystemPropertyTable, WorkingDirectoryCopyOverridesTheRelease) {
+  TestReleaseTree tree;
+  tree.writeSystemFile("SystemPropertyTable2.txt", record("site", "a", "release"));
+  tree.writeWorkFile("SystemPropertyTable2.txt", record("site", "a", "working"));
+  vDatabases::clearCache();
+  SystemPropertyTable::instance().reload();
+  EXPECT_EQ("working", str(SystemPropertyTable::instance().getSystemProperty("site", "a").getValue(0)));
+}
+
+TEST(SystemPropertyTable, AbsentPropertyIsFatal) {
+  TestReleaseTree tree;
+  vDatabases::clearCache();
+  SystemPropertyTable::instance().reload();
+  EXPECT_EQ(0, SystemPropertyTable::instance().size());
+  expectFatal([] { SystemPropertyTable::instance().getSystemProperty("nowhere", "nothing"); },
+              "SystemPropertyTable::getSystemProperty",
+              "The system property NOWHERE/NOTHING was not found in the system property tables.");
+}
+
+TEST(SystemPropertyTable, BadRecordIsFatalQuietlyAndNamesTheFile) {
+  TestReleaseTree tree;
+  std::string path = tree.writeSystemFile(
+      "SystemPropertyTable2.txt", record("site", "a", "1") + "<SystemProperty name= b package= site valeu= 2 SystemProperty>\n");
+  vDatabases::clearCache();
+  testing::internal::CaptureStderr();
+  try {
+    SystemPropertyTable::instance().reload();
+    ADD_FAILURE() << "a bad record must be fatal";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("SystemProperty::operator>>", str(e.getMethod()));
+    EXPECT_EQ("Unknown token 'valeu=' in the system property record.", str(e.getReason()));
+    EXPECT_EQ(path, str(e.getFileName()));
+  }
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+  SystemPropertyTable::instance().clear();
+}
+
+TEST(SystemPropertyTable, FirstUseLoadsTheTables) {
+  // A fresh process, so that the table is made here for the first time.
+  EXPECT_EXIT(
+      {
+        TestReleaseTree tree;
+        tree.writeSystemFile("SystemPropertyTable2.txt", record("site", "a", "general"));
+        tree.writeSystemFile(str(vUtl::gethostname()) + "SystemPropertyTable2.txt", record("site", "a", "host"));
+        bool ok = SystemPropertyTable::instance().getSystemProperty("site", "a").getValue(0) == "host" &&
+                  SystemPropertyManager::getSystemProperty("site", "a").getValue(0) == "host";
+        std::exit(ok ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(SystemPropertyTable, FailedFirstLoadIsTriedAgain) {
+  EXPECT_EXIT(
+      {
+        TestReleaseTree tree;
+        tree.writeSystemFile("SystemPropertyTable2.txt", "<SystemProperty name= a");
+        bool failed = false;
+        try {
+          MessageHandling quiet;
+          SystemPropertyTable::instance();
+        } catch (UtlExcept const&) {
+          failed = true;
+        }
+        tree.writeSystemFile("SystemPropertyTable2.txt", record("site", "a", "fixed"));
+        bool ok = failed && SystemPropertyTable::instance().getSystemProperty("site", "a").getValue(0) == "fixed";
+        std::exit(ok ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// --- The environment and the manager --------------------------------------
+
+TEST(SystemPropertyEnvironment, NameAndValues) {
+  vString name;
+  SystemPropertyEnvironment::myMakeEnvironmentName("CommChan", "use_port_range", name);
+  EXPECT_EQ("SP_COMMCHAN_USE_PORT_RANGE", str(name));
+
+  TestReleaseTree tree;
+  tree.setEnv("SP_COMMCHAN_VERBOSE", "  verbose=yes\tfilename=\"/tmp/a b\"  ");
+  SystemProperty p = SystemPropertyEnvironment::getSystemProperty("commchan", "verbose");
+  EXPECT_EQ("COMMCHAN", str(p.getSection()));
+  EXPECT_EQ("VERBOSE", str(p.getName()));
+  EXPECT_EQ("SP_COMMCHAN_VERBOSE", str(p.getDescription()));
+  ASSERT_EQ(2, p.getNValues());
+  EXPECT_EQ("verbose=yes", str(p.getValue(0)));
+  EXPECT_EQ("filename=/tmp/a b", str(p.getValue(1)));
+
+  tree.setEnv("SP_COMMCHAN_EMPTY", "");
+  EXPECT_TRUE(SystemPropertyEnvironment::hasSystemProperty("commchan", "empty"));
+  EXPECT_EQ(0, SystemPropertyEnvironment::getSystemProperty("commchan", "empty").getNValues());
+
+  tree.unsetEnv("SP_COMMCHAN_NONE");
+  EXPECT_FALSE(SystemPropertyEnvironment::hasSystemProperty("commchan", "none"));
+  expectFatal([] { SystemPropertyEnvironment::getSystemProperty("commchan", "none"); },
+              "SystemPropertyEnvironment::getSystemProperty",
+              "The system property COMMCHAN/NONE is not set: environment variable SP_COMMCHAN_NONE is not defined.");
+}
+
+TEST(SystemPropertyManager, EnvironmentOverridesTheTables) {
+  TestReleaseTree tree;
+  tree.writeSystemFile("SystemPropertyTable2.txt", record("capi", "translations", "yes") + record("capi", "other", "1"));
+  vDatabases::clearCache();
+  SystemPropertyTable::instance().reload();
+
+  EXPECT_EQ("yes", str(SystemPropertyManager::getSystemProperty("capi", "translations").getValue(0)));
+  tree.setEnv("SP_CAPI_TRANSLATIONS", "no");
+  EXPECT_EQ("no", str(SystemPropertyManager::getSystemProperty("capi", "translations").getValue(0)));
+  EXPECT_EQ("1", str(SystemPropertyManager::getSystemProperty("capi", "other").getValue(0)));
+
+  tree.setEnv("SP_CAPI_ENVONLY", "a b");
+  EXPECT_TRUE(SystemPropertyManager::hasSystemProperty("capi", "envonly"));
+  EXPECT_EQ(2, SystemPropertyManager::getSystemProperty("capi", "envonly").getNValues());
+  EXPECT_FALSE(SystemPropertyManager::hasSystemProperty("capi", "missing"));
+  expectFatal([] { SystemPropertyManager::getSystemProperty("capi", "missing"); },
+              "SystemPropertyTable::getSystemProperty",
+              "The system property CAPI/MISSING was not found in the system property tables.");
+}
+
+TEST(SystemPropertyManager, PortRangeFromTheEnvironmentWithoutAnyTable) {
+  EXPECT_EXIT(
+      {
+        TestReleaseTree tree;  // no table file anywhere
+        tree.setEnv("SP_COMMCHAN_USE_PORT_RANGE", "6000 6100");
+        bool ok = SystemPropertyManager::hasSystemProperty("CommChan", "Use_Port_Range");
+        SystemProperty p = SystemPropertyManager::getSystemProperty("COMMCHAN", "USE_PORT_RANGE");
+        ok = ok && p.getNValues() == 2 && p.getInt32Value(0) == 6000 && p.getInt32Value(1) == 6100;
+        ok = ok && SystemPropertyTable::instance().size() == 0 &&
+             !SystemPropertyManager::hasSystemProperty("CommChan", "Other");
+        std::exit(ok ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// --- Quiet scope ---------------------------------------------------------
+
+TEST(MessageHandling, QuietScopeStillThrowsButPrintsNothing) {
+  testing::internal::CaptureStderr();
+  try {
+    MessageHandling quiet;
+    Message::info("Test::quiet", 0, "not shown");
+    Message::error("Test::quiet", 0, "not shown either");
+    {
+      MessageHandling nested;
+    }
+    Message::fatal("Test::quiet", 7, "quiet failure %d", 42);
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("quiet failure 42", str(e.getReason()));
+    EXPECT_EQ("Test::quiet", str(e.getMethod()));
+  }
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+
+  // Outside the scope the default report is back.
+  testing::internal::CaptureStderr();
+  try {
+    Message::fatal("Test::loud", 0, "loud failure");
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("loud failure", str(e.getReason()));
+  }
+  std::string report = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos, report.find("FATAL")) << report;
+  EXPECT_NE(std::string::npos, report.find("loud failure")) << report;
+}

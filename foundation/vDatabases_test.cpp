@@ -1,0 +1,150 @@
+#include "foundation/vDatabases.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "foundation/vDatabase.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+char const* const kConfig =
+    "; the site's databases\n"
+    "[aliases]\n"
+    "testdomain.example = Houston\n"
+    "branch.example = london\n"
+    "dangling.example = nowhere\n"
+    "[Houston]\n"
+    "ProductionDatabase = HPROD \n"
+    "DevelopmentDatabase = hdev\n"
+    "micoNameServiceAddress = corbaloc::hns:2809\n"
+    "taoNameServiceAddress = corbaloc::hns:2810\n"
+    "description = Houston centre\n"
+    "[london]\n"
+    "ProductionDatabase = lprod\n"
+    "[lab]\n"
+    "description = no databases at all\n";
+
+}  // namespace
+
+TEST(vDatabases, EntriesAliasesAndKeys) {
+  vDatabases dbs;
+  dbs.loadFromMemory(kConfig, "memory.ini");
+  ASSERT_EQ(3u, dbs.get().size());
+  EXPECT_EQ("houston", str(dbs.get()[0].getName()));
+  EXPECT_EQ(3u, dbs.getAliases().size());
+
+  vDatabase const& h = dbs.get("TestDomain.Example");
+  EXPECT_EQ("houston", str(h.getName()));
+  EXPECT_EQ("houston", str(h.getDomain()));
+  EXPECT_EQ("HPROD", str(h.getProductionDatabase()));
+  EXPECT_EQ("hdev", str(h.getDevelopmentDatabase()));
+  EXPECT_EQ("corbaloc::hns:2809", str(h.getMicoNameServiceAddress()));
+  EXPECT_EQ("corbaloc::hns:2810", str(h.getTaoNameServiceAddress()));
+  EXPECT_EQ("Houston centre", str(h.getDescription()));
+  EXPECT_TRUE(h.hasKey("productiondatabase"));
+  EXPECT_EQ("hdev", str(h.getKeyValue("DEVELOPMENTDATABASE")));
+  EXPECT_FALSE(h.hasKey("colour"));
+  expectFatal([&] { h.getKeyValue("colour"); }, "vDatabase::getKeyValue",
+              "The key 'colour' is not defined for the database 'houston'!");
+
+  EXPECT_EQ(&h, &dbs.get("houston"));
+  EXPECT_EQ("london", str(dbs.get("branch.example").getName()));
+  EXPECT_EQ("", str(dbs.get("london").getDevelopmentDatabase()));
+
+  EXPECT_EQ("houston", str(dbs.getTrueDomain("testdomain.example")));
+  EXPECT_EQ("lab", str(dbs.getTrueDomain("LAB")));
+  EXPECT_TRUE(dbs.exists("branch.example"));
+  EXPECT_TRUE(dbs.exists("lab"));
+  EXPECT_FALSE(dbs.exists("dangling.example"));
+  EXPECT_FALSE(dbs.exists("aliases"));
+
+  EXPECT_TRUE(dbs.isValidProductionDatabase("hprod"));
+  EXPECT_FALSE(dbs.isValidProductionDatabase("hdev"));
+  EXPECT_TRUE(dbs.isValidDevelopmentDatabase("HDEV"));
+  EXPECT_FALSE(dbs.isValidDevelopmentDatabase(""));
+  EXPECT_TRUE(dbs.isValidDatabase("houston"));
+  EXPECT_TRUE(dbs.isValidDatabase("branch.example"));
+  EXPECT_TRUE(dbs.isValidDatabase("lprod"));
+  EXPECT_FALSE(dbs.isValidDatabase("rondo"));
+  EXPECT_FALSE(dbs.isValidDatabase(""));
+}
+
+TEST(vDatabases, UnknownDomainIsFatal) {
+  vDatabases dbs;
+  dbs.loadFromMemory(kConfig, "/site/DatabaseConfig.ini");
+  expectFatal([&] { dbs.get("mars.example"); }, "vDatabases::get",
+              "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
+  expectFatal([&] { dbs.get("dangling.example"); }, "vDatabases::get",
+              "Domain 'dangling.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
+  expectFatal([&] { dbs.getTrueDomain("mars.example"); }, "vDatabases::getTrueDomain",
+              "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
+}
+
+TEST(vDatabases, LoadFindsTheConfigurationFile) {
+  TestReleaseTree tree;
+  std::string inRelease = tree.writeSystemFile("DatabaseConfig.ini", "[houston]\nProductionDatabase = a\n");
+  vDatabases dbs;
+  dbs.load();
+  EXPECT_EQ(inRelease, str(dbs.getFileName()));
+  EXPECT_EQ("a", str(dbs.get("houston").getProductionDatabase()));
+
+  std::string chosen = tree.writeWorkFile("chosen.ini", "[paris]\nProductionDatabase = b\n");
+  tree.setEnv("VDATABASES_DATABASECONFIG", chosen);
+  EXPECT_EQ(chosen, str(vDatabases::getConfigFileName()));
+  dbs.load();  // replaces what was there
+  EXPECT_EQ(1u, dbs.get().size());
+  EXPECT_FALSE(dbs.exists("houston"));
+  EXPECT_EQ("b", str(dbs.get("paris").getProductionDatabase()));
+}
+
+TEST(vDatabases, MissingConfigurationIsFatal) {
+  TestReleaseTree tree;
+  vDatabases dbs;
+  expectFatal([&] { dbs.load(); }, "vDatabases::load",
+              "The database config file '" + tree.systemFilesDir() + "DatabaseConfig.ini' cannot be found!");
+  tree.setEnv("VDATABASES_DATABASECONFIG", tree.workDir() + "gone.ini");
+  expectFatal([&] { dbs.load(); }, "vDatabases::load",
+              "The database config file '" + tree.workDir() + "gone.ini' cannot be found!");
+  expectFatal([&] { dbs.loadFromFile(tree.workDir().c_str()); }, "vDatabases::load",
+              "The database config file '" + tree.workDir() + "' cannot be found!");
+}
+
+TEST(vDatabases, DefaultEntryOfThisDomain) {
+  TestReleaseTree tree;
+  tree.writeSystemFile("DatabaseConfig.ini", kConfig);
+  vDatabases::clearCache();
+  EXPECT_EQ("houston", str(vDatabases::getDefaultDatabaseEntry().getName()));
+  EXPECT_TRUE(vDatabases::haveDefaultProductionDB());
+  EXPECT_TRUE(vDatabases::haveDefaultDevelopmentDB());
+  EXPECT_TRUE(vDatabases::isOracleAvailable());
+
+  tree.setEnv("DORN_DOMAIN", "branch.example");
+  EXPECT_EQ("london", str(vDatabases::getDefaultDatabaseEntry().getName()));
+  EXPECT_TRUE(vDatabases::haveDefaultProductionDB());
+  EXPECT_FALSE(vDatabases::haveDefaultDevelopmentDB());
+
+  tree.setEnv("DORN_DOMAIN", "lab");
+  EXPECT_FALSE(vDatabases::isOracleAvailable());
+
+  tree.setEnv("DORN_DOMAIN", "mars.example");
+  EXPECT_FALSE(vDatabases::haveDefaultProductionDB());
+  expectFatal([] { vDatabases::getDefaultDatabaseEntry(); }, "vDatabases::get",
+              "Domain 'mars.example' not found in the database configuration file '" + tree.systemFilesDir() +
+                  "DatabaseConfig.ini'!");
+
+  // The configuration is read once and kept, until replaced or forgotten.
+  tree.writeSystemFile("DatabaseConfig.ini", "[mars.example]\nProductionDatabase = m\n");
+  EXPECT_FALSE(vDatabases::getDefault().exists("mars.example"));
+  vDatabases other;
+  other.loadFromMemory("[mars.example]\nDevelopmentDatabase = d\n");
+  vDatabases::setCache(other);
+  EXPECT_TRUE(vDatabases::haveDefaultDevelopmentDB());
+  EXPECT_FALSE(vDatabases::haveDefaultProductionDB());
+  vDatabases::clearCache();
+  EXPECT_EQ("m", str(vDatabases::getDefaultDatabaseEntry().getProductionDatabase()));
+  vDatabases::clearCache();
+}

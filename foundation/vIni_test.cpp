@@ -1,0 +1,166 @@
+#include "foundation/vIni.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+std::string keys(vIni const& ini, char const* section) {
+  std::string all;
+  for (vLCString const& k : ini.getKeys(section)) all += "[" + str(k) + "]";
+  return all;
+}
+
+}  // namespace
+
+TEST(vIni, LineRules) {
+  vIni ini;
+  ini.loadFromMemory(
+      "before = ignored\n"
+      "[Main]\n"
+      "  Name = first \n"
+      "name = second\n"
+      "    ; indented comment = no\n"
+      "\t# indented hash = no\n"
+      "\n"
+      "   \t \n"
+      "=empty key\n"
+      "novalue\n"
+      "[]\n"
+      "a=b=c\r\n"
+      "[ Other ]\n"
+      "x = 1\n"
+      "[main]\n"
+      "late = resumed\n"
+      "NAME = third\n"
+      "[ab\n");
+  EXPECT_EQ(2u, ini.getSections().size());
+  EXPECT_EQ("main", str(ini.getSections()[0]));
+  EXPECT_EQ("other", str(ini.getSections()[1]));
+  EXPECT_FALSE(ini.doesKeyExist("main", "before"));
+
+  // Keys stripped and folded, first value kept, values as written.
+  EXPECT_EQ("[name][][novalue][[]][a][late][[ab]", keys(ini, "MAIN"));
+  EXPECT_EQ(" first ", str(ini.getString("main", "name")));
+  EXPECT_EQ("empty key", str(ini.getString("main", "")));
+  EXPECT_TRUE(ini.doesKeyExist("main", "novalue"));
+  EXPECT_EQ("", str(ini.getString("main", "novalue", "default")));
+  EXPECT_TRUE(ini.doesKeyExist("main", "[]"));
+  EXPECT_EQ("b=c", str(ini.getString("main", "a")));
+  EXPECT_EQ(" resumed", str(ini.getString("Main", "LATE")));
+  EXPECT_FALSE(ini.doesKeyExist("main", "; indented comment"));
+  EXPECT_EQ(7, ini.getNKeys("main"));
+  EXPECT_EQ(1, ini.getNKeys("other"));
+  EXPECT_EQ(0, ini.getNKeys("absent"));
+  EXPECT_TRUE(ini.doesSectionExist("OTHER"));
+  EXPECT_FALSE(ini.doesSectionExist("absent"));
+  EXPECT_EQ("fallback", str(ini.getString("absent", "x", "fallback")));
+}
+
+TEST(vIni, TwoCharacterBracketLineIsAKeyNotASection) {
+  vIni ini;
+  ini.loadFromMemory("[s]\n[]\nafter = 1\n");
+  ASSERT_EQ(1u, ini.getSections().size());
+  EXPECT_EQ("[[]][after]", keys(ini, "s"));
+  // Outside any section it is dropped like any other key line.
+  vIni outside;
+  outside.loadFromMemory("[]\n[x]\n");
+  EXPECT_EQ(0, outside.getNKeys("x"));
+  EXPECT_EQ(1u, outside.getSections().size());
+}
+
+TEST(vIni, LongLinesAreKeptWhole) {
+  std::string value(3000, 'v');
+  vIni ini;
+  ini.loadFromMemory(vString(("[s]\nk=" + value + "\nnext=1\n").c_str()));
+  EXPECT_EQ(value, str(ini.getString("s", "k")));
+  EXPECT_EQ(1, ini.getInt32("s", "next"));
+}
+
+TEST(vIni, TypedValues) {
+  vIni ini;
+  ini.loadFromMemory(
+      "[t]\n"
+      "i = 42 \n"
+      "neg=-7\n"
+      "hex = 0x10\n"
+      "big = 9000000000\n"
+      "f = 2.5\n"
+      "tiny = 1e-3\n"
+      "huge = 1e39\n"
+      "yes = Enabled\n"
+      "no = 0\n"
+      "list = a, b ,,c ;d\n"
+      "text = abc\n");
+  EXPECT_EQ(42, ini.getInt32("t", "i"));
+  EXPECT_EQ(-7, ini.getInt32("t", "neg"));
+  EXPECT_EQ(16, ini.getInt32("t", "hex"));
+  EXPECT_EQ(9000000000LL, ini.getInt64("t", "big"));
+  EXPECT_FLOAT_EQ(2.5f, ini.getFloat32("t", "f"));
+  EXPECT_DOUBLE_EQ(1e-3, ini.getFloat64("t", "tiny"));
+  EXPECT_DOUBLE_EQ(1e39, ini.getFloat64("t", "huge"));
+  EXPECT_TRUE(ini.getBool("t", "yes"));
+  EXPECT_FALSE(ini.getBool("t", "no", true));
+  EXPECT_TRUE(ini.getBool("t", "absent", true));
+  EXPECT_EQ(-1, ini.getInt32("t", "absent", -1));
+  EXPECT_EQ(-2, ini.getInt64("u", "absent", -2));
+  EXPECT_FLOAT_EQ(0.5f, ini.getFloat32("t", "absent", 0.5f));
+
+  std::vector<vString> parts = ini.getStringDelimited("t", "list");
+  ASSERT_EQ(3u, parts.size());
+  EXPECT_EQ("a", str(parts[0]));
+  EXPECT_EQ("b", str(parts[1]));
+  EXPECT_EQ("c ;d", str(parts[2]));
+  parts = ini.getStringDelimited("t", "list", ",;");
+  ASSERT_EQ(4u, parts.size());
+  EXPECT_EQ("d", str(parts[3]));
+  EXPECT_TRUE(ini.getStringDelimited("t", "absent").empty());
+
+  expectFatal([&] { ini.getInt32("t", "big"); }, "vIni::getInt32",
+              "The value '9000000000' of key 'big' in section 't' is not a valid 32-bit integer!");
+  expectFatal([&] { ini.getInt64("t", "text"); }, "vIni::getInt64",
+              "The value 'abc' of key 'text' in section 't' is not a valid 64-bit integer!");
+  expectFatal([&] { ini.getFloat32("t", "huge"); }, "vIni::getFloat32",
+              "The value '1e39' of key 'huge' in section 't' is not a valid 32-bit float!");
+  expectFatal([&] { ini.getFloat64("t", "list"); }, "vIni::getFloat64",
+              "The value 'a, b ,,c ;d' of key 'list' in section 't' is not a valid 64-bit float!");
+}
+
+TEST(vIni, ListsInFileOrder) {
+  vIni ini;
+  ini.loadFromMemory("[s]\nb = 2\na = 1\nc\n");
+  std::vector<vString> values = ini.getValues("s");
+  ASSERT_EQ(3u, values.size());
+  EXPECT_EQ(" 2", str(values[0]));
+  EXPECT_EQ("", str(values[2]));
+  std::vector<vIni::KeyValue> kv = ini.getKeysAndValues("s");
+  ASSERT_EQ(3u, kv.size());
+  EXPECT_EQ("a", str(kv[1].first));
+  EXPECT_EQ(" 1", str(kv[1].second));
+  EXPECT_TRUE(ini.getKeysAndValues("none").empty());
+  EXPECT_TRUE(ini.getValues("none").empty());
+}
+
+TEST(vIni, FilesAndStreamsAddUp) {
+  TestReleaseTree tree;
+  std::string path = tree.writeWorkFile("site.ini", "[a]\nk = file\n");
+  vIni ini;
+  ini.loadFromFile(path.c_str());
+  std::istringstream more("[A]\nk = stream\nj = stream\n[b]\n");
+  ini.loadFromStream(more);
+  EXPECT_EQ(" file", str(ini.getString("a", "k")));
+  EXPECT_EQ(" stream", str(ini.getString("a", "j")));
+  EXPECT_EQ(2u, ini.getSections().size());
+  ini.clear();
+  EXPECT_TRUE(ini.getSections().empty());
+
+  std::string missing = tree.workDir() + "missing.ini";
+  expectFatal([&] { ini.loadFromFile(missing.c_str()); }, "vIni::loadFromFile",
+              "Unable to open the INI file '" + missing + "'!");
+}

@@ -1,0 +1,183 @@
+// vUtl: host, installation and commands.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "foundation/vString.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+}  // namespace
+
+TEST(vUtlSystem, ReleaseTreeFromTheEnvironment) {
+  TestReleaseTree tree;
+  for (char const* v : {"VREL", "RLITE", "cor_root", "RELEASE"}) tree.unsetEnv(v);
+  EXPECT_EQ("./", str(vUtl::releaseDirectory()));
+  EXPECT_EQ("./SystemFiles/", str(vUtl::systemFilesDirectory()));
+
+  tree.setEnv("cor_root", "/opt/cor");
+  EXPECT_EQ("/opt/cor/rondolite/", str(vUtl::releaseDirectory()));
+  tree.setEnv("RELEASE", "r42");
+  EXPECT_EQ("/opt/cor/r42/rondolite/", str(vUtl::releaseDirectory()));
+  tree.setEnv("RLITE", "/opt/lite/");
+  EXPECT_EQ("/opt/lite/r42/rondolite/", str(vUtl::releaseDirectory()));
+  tree.setEnv("VREL", "/opt/rel");
+  EXPECT_EQ("/opt/rel/", str(vUtl::releaseDirectory()));
+  EXPECT_EQ("/opt/rel/SupportFiles/", str(vUtl::supportFilesDirectory()));
+  EXPECT_EQ("/opt/rel/SystemFiles/", str(vUtl::systemFilesDirectory()));
+  tree.setEnv("VREL", "/opt/rel/");
+  EXPECT_EQ("/opt/rel/SystemFiles/", str(vUtl::systemFilesDirectory()));
+
+  tree.setEnv("VSRC", "/src");
+  tree.setEnv("VDOC", "/doc");
+  EXPECT_EQ("/src", str(vUtl::sourceDirectory()));
+  EXPECT_EQ("/doc", str(vUtl::documentationDirectory()));
+  tree.unsetEnv("VSRC");
+  EXPECT_EQ("", str(vUtl::sourceDirectory()));
+}
+
+TEST(vUtlSystem, DomainAndMachine) {
+  TestReleaseTree tree;
+  tree.setEnv("DORN_DOMAIN", "corp.example.com");
+  EXPECT_EQ("corp.example.com", str(vUtl::getDomainName()));
+
+  tree.setEnv("MACHINE", "i686");
+  EXPECT_EQ("i686", str(vUtl::getMachineType()));
+  tree.unsetEnv("MACHINE");
+  expectFatal([] { vUtl::getMachineType(); }, "vUtl::getMachineType", "MACHINE environment variable not defined!");
+}
+
+TEST(vUtlSystem, IPAddress) {
+  EXPECT_EQ("127.0.0.1", str(vUtl::getIPAddress("127.0.0.1")));
+  EXPECT_EQ("127.0.0.1", str(vUtl::getIPAddress("localhost")));
+  try {
+    MessageHandling quiet;
+    vUtl::getIPAddress("");
+    ADD_FAILURE() << "an empty host name cannot resolve";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("vUtl::getIPAddress", str(e.getMethod()));
+    EXPECT_EQ(0, std::string(e.getReason().c_str()).find("Unable to get the IP address of host '':"));
+  }
+}
+
+TEST(vUtlSystem, CommandTextForThisAndOtherHosts) {
+  TestReleaseTree tree;
+  tree.unsetEnv("VUSER");
+  vString self = vUtl::gethostname();
+  vString selfLong = self;
+  selfLong += ".some.domain";
+  vString blank("  ");
+  vString local("localhost");
+  vString other("elsewhere-host");
+
+  EXPECT_EQ("ls -l", str(vUtl::systemCommand("ls -l", nullptr, 0)));
+  EXPECT_EQ("ls -l", str(vUtl::systemCommand("ls -l", &blank, 0)));
+  EXPECT_EQ("ls -l", str(vUtl::systemCommand("ls -l", &self, 0)));
+  EXPECT_EQ("ls -l", str(vUtl::systemCommand("ls -l", &selfLong, 0)));
+  EXPECT_EQ("ls -l", str(vUtl::systemCommand("ls -l", &local, 0)));
+  EXPECT_EQ("ls -l &", str(vUtl::systemCommand("ls -l", &self, vUtl::SystemBackground)));
+
+  EXPECT_EQ("rsh elsewhere-host -n  ls -l", str(vUtl::systemCommand("ls -l", &other, 0)));
+  tree.setEnv("VUSER", "seis");
+  EXPECT_EQ("rsh elsewhere-host -l seis -n  DataServer <$COBADDRESS$> &",
+            str(vUtl::systemCommand("DataServer <$COBADDRESS$>", &other, vUtl::SystemBackground)));
+
+  EXPECT_TRUE(vUtl::isThisHost(self));
+  EXPECT_FALSE(vUtl::isThisHost(other));
+}
+
+TEST(vUtlSystem, SystemRunsTheCommandOnThisHost) {
+  TestReleaseTree tree;
+  vString self = vUtl::gethostname();
+  EXPECT_EQ(0, vUtl::system("true"));
+  EXPECT_EQ(3, vUtl::system("exit 3", &self));
+  std::string marker = tree.workDir() + "ran";
+  EXPECT_EQ(0, vUtl::system(("echo x > " + marker).c_str()));
+  struct stat st;
+  EXPECT_EQ(0, ::stat(marker.c_str(), &st));
+  EXPECT_EQ(128 + 9, vUtl::system("kill -9 $$"));
+}
+
+TEST(vUtlSystem, Which) {
+  TestReleaseTree tree;
+  tree.unsetEnv("MISCUTL_WHICHDEBUG");
+  std::string sh = str(vUtl::which("sh"));
+  ASSERT_FALSE(sh.empty());
+  EXPECT_EQ('/', sh[0]);
+  EXPECT_EQ("/sh", sh.substr(sh.size() - 3));
+  EXPECT_EQ(0, ::access(sh.c_str(), X_OK));
+  EXPECT_EQ("", str(vUtl::which("no-such-program-rondo")));
+
+  tree.setEnv("MISCUTL_WHICHDEBUG", "1");
+  testing::internal::CaptureStdout();
+  vString found = vUtl::which("sh");
+  EXPECT_EQ("\nFILENAME: '" + sh + "'\n", testing::internal::GetCapturedStdout());
+  EXPECT_EQ(sh, str(found));
+}
+
+TEST(vUtlSystem, PingThroughTheSystemProperty) {
+  TestReleaseTree tree;
+  tree.setEnv("SP_UTL_PING", "true %s");
+  EXPECT_TRUE(vUtl::ping("anyhost"));
+  tree.setEnv("SP_UTL_PING", "false");
+  EXPECT_FALSE(vUtl::ping("anyhost"));
+  // The host takes the place of %s.
+  std::string seen = tree.workDir() + "pinged";
+  tree.setEnv("SP_UTL_PING", "echo %s >" + seen);
+  EXPECT_TRUE(vUtl::ping("target-host"));
+  std::ifstream in(seen);
+  std::string line;
+  std::getline(in, line);
+  EXPECT_EQ("target-host", line);
+
+  tree.setEnv("SP_UTL_PING", "  ");
+  expectFatal([] { vUtl::ping("anyhost"); }, "vUtl::ping", "The system property ping command (UTL/PING) is empty!");
+}
+
+TEST(vUtlSystem, DefaultServersFromTheEnvironmentOrTheSiteTable) {
+  TestReleaseTree tree;
+  tree.setEnv("DORN_DOMAIN", "Corp.Example");
+  expectFatal([] { vUtl::getDefaultServer(); }, "vUtl::getDefaultServer",
+              "Unknown domain name Corp.Example. Try setenv DORNSERVER servername.");
+  expectFatal([] { vUtl::getDefaultDevServer(); }, "vUtl::getDefaultDevServer",
+              "Unknown domain name Corp.Example. Try setenv DORNDEVSERVER servername.");
+
+  tree.writeSystemFile("DomainServers.ini",
+                       "[DornServer]\ncorp.example = prodhost \nother.example = o1\n"
+                       "[DornDevServer]\nother.example = o2\n");
+  EXPECT_EQ("prodhost", str(vUtl::getDefaultServer()));
+  expectFatal([] { vUtl::getDefaultDevServer(); }, "vUtl::getDefaultDevServer",
+              "Unknown domain name Corp.Example. Try setenv DORNDEVSERVER servername.");
+  tree.setEnv("DORN_DOMAIN", "other.example");
+  EXPECT_EQ("o2", str(vUtl::getDefaultDevServer()));
+
+  tree.setEnv("DORNSERVER", "chosen");
+  tree.setEnv("DORNDEVSERVER", "devchosen");
+  EXPECT_EQ("chosen", str(vUtl::getDefaultServer()));
+  EXPECT_EQ("devchosen", str(vUtl::getDefaultDevServer()));
+}
+
+TEST(vUtlSystem, EntercReadsALineOrGivesTheDefault) {
+  std::streambuf* oldIn = std::cin.rdbuf();
+  std::istringstream answers("  typed \n\n");
+  std::cin.rdbuf(answers.rdbuf());
+  testing::internal::CaptureStdout();
+  vString first = vUtl::enterc("Server?", "dflt");
+  vString second = vUtl::enterc("Server?", "dflt");
+  vString third = vUtl::enterc("Server?", "dflt");  // end of input
+  std::string shown = testing::internal::GetCapturedStdout();
+  std::cin.rdbuf(oldIn);
+  EXPECT_EQ("typed", str(first));
+  EXPECT_EQ("dflt", str(second));
+  EXPECT_EQ("dflt", str(third));
+  EXPECT_EQ("Server? [dflt]: Server? [dflt]: Server? [dflt]: ", shown);
+}
