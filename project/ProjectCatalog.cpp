@@ -1,0 +1,5 @@
+#include "project/ProjectCatalog.h"
+
+ProjectCatalog::~ProjectCatalog() {}
+
+vString ProjectCatalog::getServer() const { return vString(); }

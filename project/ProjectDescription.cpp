@@ -1,0 +1,105 @@
+#include "project/ProjectDescription.h"
+
+#include "foundation/Message.h"
+#include "project/Project.h"
+#include "project/ProjectFactory.h"
+
+namespace {
+
+// Blank parts take the default project's.
+void completeFromDefault(vString& server, vString& host, vLCString& project) {
+  if (!ProjectFactory::hasDefaultProject()) return;
+  vHandle<Project> def = ProjectFactory::getDefaultProject();
+  if (server.isBlank()) server = def->getServerHost();
+  if (host.isBlank()) host = def->getProjectHost();
+  if (project.isBlank()) project = def->getName();
+}
+
+// The field up to the next ':' (the rest when there is none), consumed.
+vString nextField(vString& rest) {
+  int pos = rest.search(':');
+  vString field;
+  if (pos < 0) {
+    field = rest;
+    rest.erase();
+  } else {
+    unsigned int p = static_cast<unsigned int>(pos);
+    field = p > 0 ? rest.substr(0, p) : vString();
+    rest = rest.substr(p + 1);
+  }
+  return field;
+}
+
+}  // namespace
+
+ProjectDescription::ProjectDescription() {}
+
+ProjectDescription::ProjectDescription(vString const& text) {
+  vString rest(text);
+  vString typeText = nextField(rest);
+  ProjectType::PROJECT_TYPE type;
+  ProjectType::isValidProjectType(typeText, type);
+
+  switch (type) {
+    case ProjectType::RONDO:
+    case ProjectType::KELP:
+    case ProjectType::DORN:
+    case ProjectType::UNITTEST:
+    case ProjectType::ZONMESH: {
+      vString server = nextField(rest);
+      vString host = nextField(rest);
+      vLCString project(rest);
+      completeFromDefault(server, host, project);
+      setCapi(type, server, host);
+      m_projectName = project;
+      break;
+    }
+    case ProjectType::FLATFILE: {
+      if (rest.length() > 0 && rest[rest.length() - 1] == ':') rest = rest.substr(0, rest.length() - 1);
+      setFlatFile(vFilename(rest));
+      break;
+    }
+    case ProjectType::INMEMORY:
+      setCapi(ProjectType::INMEMORY, vString(), vString());
+      break;
+    case ProjectType::NOTYPE: {
+      FullProjectName name(text);
+      vString server = name.getServerName();
+      vString host = name.getHostName();
+      vLCString project = name.getProject();
+      completeFromDefault(server, host, project);
+      setCapi(name.getProjectType(), server, host);
+      m_projectName = project;
+      break;
+    }
+    default:
+      Message::fatal("ProjectDescription(vString)", 0, "Unknown project type '%s'.", typeText.c_str());
+  }
+}
+
+ProjectDescription::~ProjectDescription() {}
+
+void ProjectDescription::setFlatFile(vFilename const& file) {
+  ProjectCatalogDescription::setFlatFile(file);
+  m_projectName = file.getDirectory();
+}
+
+FullProjectName ProjectDescription::getFullProjectName() const {
+  return FullProjectName(m_type, m_serverHost, m_dataHost, m_projectName);
+}
+
+vString ProjectDescription::toString() const {
+  vString text = ProjectCatalogDescription::toString();
+  text += m_projectName;
+  return text;
+}
+
+bool ProjectDescription::operator==(ProjectDescription const& other) const {
+  return ProjectCatalogDescription::operator==(other) && m_projectName == other.m_projectName;
+}
+
+bool ProjectDescription::operator<(ProjectDescription const& other) const {
+  if (ProjectCatalogDescription::operator<(other)) return true;
+  if (other.ProjectCatalogDescription::operator<(*this)) return false;
+  return m_projectName < other.m_projectName;
+}

@@ -1,0 +1,25 @@
+#ifndef PROJECT_PROJECTLISTENTRY_H
+#define PROJECT_PROJECTLISTENTRY_H
+
+// ProjectListEntry: one project that a catalog offers.
+
+#include "foundation/vLCString.h"
+
+class ProjectListEntry {
+ public:
+  ProjectListEntry() {}
+  explicit ProjectListEntry(vLCString const& name) : m_name(name) {}
+  virtual ~ProjectListEntry() {}
+
+  vLCString const& getName() const { return m_name; }
+  void setName(vLCString const& name) { m_name = name; }
+
+  bool operator==(ProjectListEntry const& other) const { return m_name == other.m_name; }
+  bool operator!=(ProjectListEntry const& other) const { return !(*this == other); }
+  bool operator<(ProjectListEntry const& other) const { return m_name < other.m_name; }
+
+ protected:
+  vLCString m_name;
+};
+
+#endif

@@ -1,0 +1,74 @@
+#include "registry/RondoRegistry.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "foundation/Message.h"
+#include "foundation/vTokenizer.h"
+#include "project/ProjectCatalogFactory.h"
+#include "project/ProjectFactory.h"
+#include "project/StoreDetails.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+namespace {
+
+ProjectCatalog* makeUnitTestClientCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
+  return new UTProjectCatalog(host, type);
+}
+
+// One scripted store: "name.version[:class[:subclass]]".
+StoreDetails parseScriptedStore(vString const& entry, ProjectType::PROJECT_TYPE type) {
+  vTokenizer fields(entry, ":");
+  vString nameAndVersion;
+  vString storeClass;
+  vString subClass;
+  fields.next(nameAndVersion);
+  fields.next(storeClass);
+  fields.next(subClass);
+
+  int dot = 0;
+  if (nameAndVersion.searchForLast('.', dot) != 0 || dot == 0)
+    Message::fatal("registerRondoClasses", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
+                   entry.c_str());
+  vString version = nameAndVersion.substr(static_cast<unsigned int>(dot) + 1);
+  if (!version.isInteger())
+    Message::fatal("registerRondoClasses", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
+                   entry.c_str());
+  StoreDetails details(type, vString(), vLCString(nameAndVersion.substr(0, static_cast<unsigned int>(dot))),
+                       version.readi());
+  details.setClass(vLCString(storeClass));
+  details.setSubClass(vLCString(subClass));
+  return details;
+}
+
+Project* makeUnitTestClientProject(vHandle<ProjectCatalog> const& catalog) {
+  UTProject* project = new UTProject(catalog);
+  char const* stores = std::getenv("RONDO_UNITTEST_STORES");
+  if (stores == nullptr) return project;
+  try {
+    vTokenizer entries(vString(stores), " \t\n");
+    vString entry;
+    while (entries.next(entry)) project->addStore(parseScriptedStore(entry, catalog->getProjectType()));
+  } catch (...) {
+    delete project;
+    throw;
+  }
+  return project;
+}
+
+}  // namespace
+
+bool rondoClientIsUnitTest() {
+  char const* seam = std::getenv("RONDO_CLIENT_CATALOG_IS_UNITTEST");
+  return seam != nullptr && std::strcmp(seam, "1") == 0;
+}
+
+void registerRondoClasses() {
+  // The remote client proxies and the database projects register here as
+  // their layers are linked in.
+  if (rondoClientIsUnitTest()) {
+    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeUnitTestClientCatalog);
+    ProjectFactory::registerMaker("ClientProject", &makeUnitTestClientProject);
+  }
+}
