@@ -5,8 +5,11 @@
 // a class so that each group lives in the source file of its topic.
 // None of these functions is thread-safe unless said so.
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
+
+#include "foundation/DataType.h"
 
 class vString;
 
@@ -95,6 +98,48 @@ void signalHandler(int status);
 // The report text of a signal, such as "SIGSEGV Invalid memory reference.",
 // or null when none is listed for it.
 char const* signalText(int status);
+
+// --- Data types (vUtlDataType.cpp) ----------------------------------------
+// Codes and flags are those of DataType (foundation/DataType.h); the functions
+// take a whole type byte, flags included. The base type decides the size.
+//
+// Bytes of one element in memory: vSTRING is one vString object, vDATE one
+// vDate object. An unknown base raises "Unknown DataType %d.".
+int dataTypeSize(int type);
+// "vINT32", "ArrayOfvINT32", "AddressOfArrayOfvINT32", ...; an unknown base
+// raises "Unknown DataType %d.".
+vString dataTypeName(int type);
+// The code of an upper-case name such as "VINT32" or "VSTRINGARRAY" (the
+// text is upper-cased first); vNOTYPE for a name that is not known.
+DataType dataTypeFromName(vString const& name);
+// True for a byte with 0x40 set and 0x20 clear: an entry that refers to
+// caller memory instead of holding the data.
+inline bool dataTypeIsAddressOf(int type) { return (type & 96) == 64; }
+
+// --- Byte order (vUtlSwap.cpp) ----------------------------------------------
+// Pure loops over caller buffers: no allocation, no state. Unaligned data is
+// fine. The contiguous forms are what file stores and the Packer spend their
+// time in, so they are written for the vectoriser.
+//
+// Reverses each of n elements of size 2, 4 or 8 bytes in place. Any other
+// size raises "Invalid datatype, datasize =%d." from "ByteSwap::swapBytes()".
+void swapBytes(void* data, int size, int n);
+// Swapping copy in groups: nGroups groups of groupLength elements of size
+// bytes each. The elements of a group lie back to back; group g starts at
+// source + g * sourceStride and goes to target + g * targetStride (strides
+// in bytes). With groupLength 1 it is the plain strided form, with strides
+// equal to size * groupLength it is one contiguous run. Source and target
+// may be the same memory when the strides are equal; other overlaps are not
+// allowed. Sizes other than 2, 4 and 8 raise as above.
+void swapBytes(void const* source, int size, int sourceStride, unsigned int nGroups, int groupLength,
+               void* target, int targetStride);
+// The contiguous kernels behind both forms; n is a count of elements.
+void swapBytes16(void* data, std::size_t n);
+void swapBytes32(void* data, std::size_t n);
+void swapBytes64(void* data, std::size_t n);
+void swapBytes16(void const* source, void* target, std::size_t n);
+void swapBytes32(void const* source, void* target, std::size_t n);
+void swapBytes64(void const* source, void* target, std::size_t n);
 
 }  // namespace vUtl
 

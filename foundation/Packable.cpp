@@ -1,0 +1,3 @@
+#include "foundation/Packable.h"
+
+Packable::~Packable() = default;
