@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "foundation/UtlExcept.h"
+#include "foundation/vDate.h"
+#include "foundation/vString.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+template <class F>
+std::string fatalText(F f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return str(e.getMethod()) + ": " + str(e.getReason());
+  }
+  return "(nothing raised)";
+}
+
+struct Row {
+  int code;
+  char const* name;
+  int size;
+};
+
+// Fixed-size codes; vSTRING and vDATE are checked against their objects.
+Row const kRows[] = {
+    {0, "vNOTYPE", 0},      {1, "vINT8", 1},          {2, "vUINT8", 1},       {3, "vINT16", 2},
+    {4, "vUINT16", 2},      {5, "vINT32", 4},         {6, "vUINT32", 4},      {7, "vINT64", 8},
+    {8, "vUINT64", 8},      {9, "vINT128", 16},       {10, "vUINT128", 16},   {11, "vFLOAT32", 4},
+    {12, "vFLOAT64", 8},    {13, "vFLOAT128", 16},    {14, "vCHAR8", 1},      {15, "vUCHAR8", 1},
+    {16, "vBOOL8", 1},      {19, "vLOB", 1},          {20, "vCLOB", 1},       {21, "vCOMPLEX32", 8},
+    {22, "vCOMPLEX64", 16}, {23, "vFLOAT16", 2},      {24, "vIBMFLOAT32", 4}, {126, "vENDFRAME", 0},
+    {127, "vPACKFRAME", 2},
+};
+
+TEST(vUtlDataType, SizesAndNamesOfEveryCode) {
+  for (Row const& r : kRows) {
+    SCOPED_TRACE(r.name);
+    EXPECT_EQ(vUtl::dataTypeSize(r.code), r.size);
+    EXPECT_EQ(str(vUtl::dataTypeName(r.code)), r.name);
+    // The flags never change the size.
+    EXPECT_EQ(vUtl::dataTypeSize(r.code | vARRAYOF), r.size);
+  }
+  EXPECT_EQ(str(vUtl::dataTypeName(vSTRING)), "vSTRING");
+  EXPECT_EQ(str(vUtl::dataTypeName(vDATE)), "vDATE");
+  EXPECT_EQ(vUtl::dataTypeSize(vSTRING), static_cast<int>(sizeof(vString)));
+  EXPECT_EQ(vUtl::dataTypeSize(vDATE), static_cast<int>(sizeof(vDate)));
+  if (sizeof(void*) == 4) {
+    // The sizes of the 32-bit build, which attribute layouts assume.
+    EXPECT_EQ(vUtl::dataTypeSize(vSTRING), 12);
+    EXPECT_EQ(vUtl::dataTypeSize(vDATE), 60);
+  }
+}
+
+TEST(vUtlDataType, FlagsPrefixTheName) {
+  EXPECT_EQ(str(vUtl::dataTypeName(vARRAYOF | vINT32)), "ArrayOfvINT32");
+  EXPECT_EQ(str(vUtl::dataTypeName(vARRAYOF | vADDRESSOF | vFLOAT32)), "AddressOfArrayOfvFLOAT32");
+  EXPECT_EQ(str(vUtl::dataTypeName(vADDRESSOF | vINT16)), "AddressOfvINT16");
+  EXPECT_EQ(vUtl::dataTypeSize(vARRAYOF | vADDRESSOF | vFLOAT64), 8);
+  // The frame codes carry bit 0x40 but are not address-of codes.
+  EXPECT_EQ(str(vUtl::dataTypeName(vARRAYOF | vENDFRAME)), "ArrayOfvENDFRAME");
+}
+
+TEST(vUtlDataType, UnknownCodesRaise) {
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(25); }), "vUtl::dataTypeSize: Unknown DataType 25.");
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeName(100); }), "vUtl::dataTypeName: Unknown DataType 100.");
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(0x80 | 60); }), "vUtl::dataTypeSize: Unknown DataType 188.");
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(0x40 | 25); }), "vUtl::dataTypeSize: Unknown DataType 89.");
+}
+
+TEST(vUtlDataType, AddressOfIsBit64WithoutBit32) {
+  EXPECT_TRUE(vUtl::dataTypeIsAddressOf(0xC5));
+  EXPECT_TRUE(vUtl::dataTypeIsAddressOf(0x45));
+  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(0x85));
+  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(vENDFRAME));
+  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(vPACKFRAME));
+  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(0x60));
+}
+
+TEST(vUtlDataType, FromName) {
+  struct Named {
+    char const* name;
+    int code;
+  } const names[] = {
+      {"VINT32", 5},       {"VFLOAT16", 23},    {"VFLOAT32", 11},       {"VIBMFLOAT32", 24},  {"VFLOAT64", 12},
+      {"VINT16", 3},       {"VINT8", 1},        {"VINT64", 7},          {"VUINT32", 6},       {"VUINT16", 4},
+      {"VUINT8", 2},       {"VUINT64", 8},      {"VINT128", 9},         {"VUINT128", 10},     {"VFLOAT128", 13},
+      {"VCHAR8", 14},      {"VUCHAR8", 15},     {"VBOOL8", 16},         {"VSTRING", 17},      {"VDATE", 18},
+      {"VLOB", 19},        {"VCLOB", 20},       {"VCOMPLEX32", 21},     {"VCOMPLEX64", 22},   {"VENDFRAME", 126},
+      {"VPACKFRAME", 127}, {"VARRAYOF", 0x80},  {"VSTRINGARRAY", 0x91}, {"VNUMBERARRAY", 0x8C},
+      {"VBOOLEANARRAY", 0x90},
+  };
+  for (Named const& n : names) {
+    SCOPED_TRACE(n.name);
+    EXPECT_EQ(vUtl::dataTypeFromName(vString(n.name)), n.code);
+  }
+  // The printed names read back, whatever their case.
+  EXPECT_EQ(vUtl::dataTypeFromName(vString("vFloat32")), vFLOAT32);
+  EXPECT_EQ(vUtl::dataTypeFromName(vUtl::dataTypeName(vINT64)), vINT64);
+  EXPECT_EQ(vUtl::dataTypeFromName(vString("FLOAT")), vNOTYPE);
+  EXPECT_EQ(vUtl::dataTypeFromName(vString("")), vNOTYPE);
+  EXPECT_EQ(vUtl::dataTypeFromName(vString("VINT32X")), vNOTYPE);
+}
+
+}  // namespace

@@ -1,0 +1,176 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "foundation/UtlExcept.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes pattern(std::size_t n, unsigned seed) {
+  Bytes b(n);
+  uint32_t x = seed * 2654435761u + 1;
+  for (auto& c : b) {
+    x = x * 1664525u + 1013904223u;
+    c = static_cast<unsigned char>(x >> 24);
+  }
+  return b;
+}
+
+// The obvious byte-by-byte reversal the kernels must agree with.
+Bytes reference(Bytes const& in, std::size_t offset, int size, std::size_t n) {
+  Bytes out(in);
+  for (std::size_t i = 0; i < n; ++i)
+    for (int k = 0; k < size; ++k) out[offset + i * size + k] = in[offset + i * size + (size - 1 - k)];
+  return out;
+}
+
+std::string fatalText(void (*f)()) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
+  }
+  return "(nothing raised)";
+}
+
+TEST(vUtlSwap, InPlaceMatchesReferenceAtEveryLengthAndAlignment) {
+  // Lengths around the vector widths, and odd offsets so that loads are
+  // unaligned; the bytes around the run must stay untouched.
+  for (int size : {2, 4, 8}) {
+    for (std::size_t n : {0u, 1u, 3u, 7u, 8u, 15u, 16u, 17u, 31u, 64u, 257u, 1000u}) {
+      for (std::size_t offset : {0u, 1u, 3u}) {
+        SCOPED_TRACE(std::to_string(size) + " x " + std::to_string(n) + " at " + std::to_string(offset));
+        Bytes data = pattern(offset + n * size + 5, static_cast<unsigned>(n + size));
+        Bytes const expected = reference(data, offset, size, n);
+        vUtl::swapBytes(data.data() + offset, size, static_cast<int>(n));
+        EXPECT_EQ(data, expected);
+      }
+    }
+  }
+}
+
+TEST(vUtlSwap, TypedKernelsInPlaceAndCopying) {
+  Bytes const src = pattern(8 * 333 + 2, 7);
+  for (int size : {2, 4, 8}) {
+    std::size_t const n = 333;
+    Bytes const expected = reference(src, 1, size, n);
+    Bytes inPlace = src;
+    Bytes copied(src.size(), 0xEE);
+    copied[0] = src[0];
+    switch (size) {
+      case 2:
+        vUtl::swapBytes16(inPlace.data() + 1, n);
+        vUtl::swapBytes16(src.data() + 1, copied.data() + 1, n);
+        break;
+      case 4:
+        vUtl::swapBytes32(inPlace.data() + 1, n);
+        vUtl::swapBytes32(src.data() + 1, copied.data() + 1, n);
+        break;
+      default:
+        vUtl::swapBytes64(inPlace.data() + 1, n);
+        vUtl::swapBytes64(src.data() + 1, copied.data() + 1, n);
+        break;
+    }
+    EXPECT_EQ(Bytes(inPlace.begin(), inPlace.begin() + 1 + n * size),
+              Bytes(expected.begin(), expected.begin() + 1 + n * size));
+    EXPECT_EQ(Bytes(copied.begin(), copied.begin() + 1 + n * size),
+              Bytes(expected.begin(), expected.begin() + 1 + n * size));
+    // Nothing written beyond the run.
+    EXPECT_EQ(copied[1 + n * size], 0xEE);
+  }
+}
+
+TEST(vUtlSwap, KnownValues) {
+  uint16_t a[2] = {0x0102, 0xA0B0};
+  uint32_t b[2] = {0x01020304u, 0xDEADBEEFu};
+  uint64_t c[1] = {0x0102030405060708ull};
+  vUtl::swapBytes(a, 2, 2);
+  vUtl::swapBytes(b, 4, 2);
+  vUtl::swapBytes(c, 8, 1);
+  EXPECT_EQ(a[0], 0x0201);
+  EXPECT_EQ(a[1], 0xB0A0);
+  EXPECT_EQ(b[0], 0x04030201u);
+  EXPECT_EQ(b[1], 0xEFBEADDEu);
+  EXPECT_EQ(c[0], 0x0807060504030201ull);
+  float f = 1.0f;  // 0x3F800000
+  vUtl::swapBytes(&f, 4, 1);
+  uint32_t bits;
+  std::memcpy(&bits, &f, 4);
+  EXPECT_EQ(bits, 0x0000803Fu);
+}
+
+TEST(vUtlSwap, GroupedStridedCopy) {
+  // Records of 20 bytes holding a vector of three 4-byte values at offset 6:
+  // gathered into a contiguous block, then scattered back.
+  int const recordLength = 20;
+  unsigned const nRecords = 9;
+  Bytes records = pattern(recordLength * nRecords, 3);
+  Bytes gathered(12 * nRecords, 0);
+  vUtl::swapBytes(records.data() + 6, 4, recordLength, nRecords, 3, gathered.data(), 12);
+  for (unsigned r = 0; r < nRecords; ++r)
+    for (int v = 0; v < 3; ++v)
+      for (int k = 0; k < 4; ++k)
+        ASSERT_EQ(gathered[r * 12 + v * 4 + k], records[r * recordLength + 6 + v * 4 + (3 - k)]) << r << " " << v;
+  Bytes back(records.size(), 0);
+  vUtl::swapBytes(gathered.data(), 4, 12, nRecords, 3, back.data() + 6, recordLength);
+  for (unsigned r = 0; r < nRecords; ++r)
+    EXPECT_EQ(0, std::memcmp(back.data() + r * recordLength + 6, records.data() + r * recordLength + 6, 12));
+
+  // One value per record, 8 bytes, and the contiguous case in place.
+  Bytes one = pattern(16 * 5, 11);
+  Bytes column(8 * 5);
+  vUtl::swapBytes(one.data() + 3, 8, 16, 5, 1, column.data(), 8);
+  for (int r = 0; r < 5; ++r)
+    for (int k = 0; k < 8; ++k) EXPECT_EQ(column[r * 8 + k], one[r * 16 + 3 + 7 - k]);
+  Bytes run = pattern(2 * 100, 5);
+  Bytes const expected = reference(run, 0, 2, 100);
+  vUtl::swapBytes(run.data(), 2, 20, 10, 10, run.data(), 20);
+  EXPECT_EQ(run, expected);
+  // Equal strides with gaps, in place: the gaps stay.
+  Bytes gaps = pattern(12 * 4, 9);
+  Bytes gapsExpected = gaps;
+  for (int r = 0; r < 4; ++r) {
+    Bytes const one4(gaps.begin() + r * 12, gaps.begin() + r * 12 + 4);
+    for (int k = 0; k < 4; ++k) gapsExpected[r * 12 + k] = one4[3 - k];
+  }
+  vUtl::swapBytes(gaps.data(), 4, 12, 4, 1, gaps.data(), 12);
+  EXPECT_EQ(gaps, gapsExpected);
+}
+
+TEST(vUtlSwap, SwappingTwiceRestores) {
+  Bytes const original = pattern(4096 + 8, 21);
+  for (int size : {2, 4, 8}) {
+    Bytes data = original;
+    vUtl::swapBytes(data.data() + 3, size, 4096 / size);
+    EXPECT_NE(data, original);
+    vUtl::swapBytes(data.data() + 3, size, 4096 / size);
+    EXPECT_EQ(data, original);
+  }
+}
+
+TEST(vUtlSwap, OtherSizesRaise) {
+  EXPECT_EQ(fatalText([] {
+              char x[6] = {};
+              vUtl::swapBytes(x, 3, 2);
+            }),
+            "ByteSwap::swapBytes(): Invalid datatype, datasize =3.");
+  EXPECT_EQ(fatalText([] {
+              char x[16] = {};
+              vUtl::swapBytes(x, 16, 0);
+            }),
+            "ByteSwap::swapBytes(): Invalid datatype, datasize =16.");
+  EXPECT_EQ(fatalText([] {
+              char x[8] = {};
+              char y[8] = {};
+              vUtl::swapBytes(x, 1, 1, 8, 1, y, 1);
+            }),
+            "ByteSwap::swapBytes(): Invalid datatype, datasize =1.");
+}
+
+}  // namespace
