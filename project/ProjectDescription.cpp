@@ -15,8 +15,9 @@ void completeFromDefault(vString& server, vString& host, vLCString& project) {
   if (project.isBlank()) project = def->getName();
 }
 
-// The field up to the next ':' (the rest when there is none), consumed.
-vString nextField(vString& rest) {
+// The field before the first ':' (the whole text when there is none),
+// consumed.
+vString firstField(vString& rest) {
   int pos = rest.search(':');
   vString field;
   if (pos < 0) {
@@ -30,13 +31,30 @@ vString nextField(vString& rest) {
   return field;
 }
 
+// The field behind the last ':' (the whole text when there is none),
+// consumed. Fields are read from the right, as in a FullProjectName, so
+// that "r::survey" names a project and not a host.
+vString lastField(vString& rest) {
+  int pos = 0;
+  vString field;
+  if (rest.searchForLast(':', pos) != 0) {
+    field = rest;
+    rest.erase();
+  } else {
+    unsigned int p = static_cast<unsigned int>(pos);
+    field = rest.substr(p + 1);
+    rest = p > 0 ? rest.substr(0, p) : vString();
+  }
+  return field;
+}
+
 }  // namespace
 
 ProjectDescription::ProjectDescription() {}
 
 ProjectDescription::ProjectDescription(vString const& text) {
   vString rest(text);
-  vString typeText = nextField(rest);
+  vString typeText = firstField(rest);
   ProjectType::PROJECT_TYPE type;
   ProjectType::isValidProjectType(typeText, type);
 
@@ -46,9 +64,9 @@ ProjectDescription::ProjectDescription(vString const& text) {
     case ProjectType::DORN:
     case ProjectType::UNITTEST:
     case ProjectType::ZONMESH: {
-      vString server = nextField(rest);
-      vString host = nextField(rest);
-      vLCString project(rest);
+      vLCString project(lastField(rest));
+      vString host = lastField(rest);
+      vString server = rest;
       completeFromDefault(server, host, project);
       setCapi(type, server, host);
       m_projectName = project;

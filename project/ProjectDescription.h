@@ -4,7 +4,7 @@
 // ProjectDescription: a catalog description and the project in it, read
 // from the text a user types:
 //
-//     type:server:host:project    (Rondo, Kelp, Dorn, UnitTest, Zonmesh)
+//     type:[[server:]host:]project (Rondo, Kelp, Dorn, UnitTest, Zonmesh)
 //     f:/path/file.ext[:]          (a flat file; its directory is the project)
 //     i:                           (in memory)
 //     [[[type:]server:]host:]project  (any other text, as a FullProjectName)

@@ -1,5 +1,6 @@
 #include "project/ProjectType.h"
 
+#include <cctype>
 #include <istream>
 #include <ostream>
 #include <string>

@@ -1,0 +1,199 @@
+// Project and store names: the text grammar both ways.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "project/FullProjectName.h"
+#include "project/FullStoreName.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+void expectProject(FullProjectName const& n, ProjectType::PROJECT_TYPE type, char const* server, char const* host,
+                   char const* project) {
+  EXPECT_EQ(type, n.getProjectType());
+  EXPECT_EQ(server, str(n.getServerName()));
+  EXPECT_EQ(host, str(n.getHostName()));
+  EXPECT_EQ(project, str(n.getProject()));
+}
+
+TEST(FullProjectName, FieldsAreReadFromTheRight) {
+  expectProject(FullProjectName(vString("Survey")), ProjectType::NOTYPE, "", "", "survey");
+  expectProject(FullProjectName(vString("hostA:survey")), ProjectType::NOTYPE, "", "hostA", "survey");
+  expectProject(FullProjectName(vString("srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
+  expectProject(FullProjectName(vString("rondo:srv:hostA:survey")), ProjectType::RONDO, "srv", "hostA", "survey");
+  expectProject(FullProjectName(vString("Z:srv::survey")), ProjectType::ZONMESH, "srv", "", "survey");
+  // An empty type name is no type.
+  expectProject(FullProjectName(vString(":srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
+  expectProject(FullProjectName(vString(":::")), ProjectType::NOTYPE, "", "", "");
+  expectProject(FullProjectName(vString("")), ProjectType::NOTYPE, "", "", "");
+}
+
+TEST(FullProjectName, BadTypeAndServerNames) {
+  expectFatal([] { FullProjectName n(vString("bogus:srv:h:p")); }, "ProjectType::getProjectType",
+              "Unknown PROJECT_TYPE name bogus.");
+  // A fifth field makes the type name hold a colon.
+  expectFatal([] { FullProjectName n(vString("r:x:srv:h:p")); }, "ProjectType::getProjectType",
+              "Unknown PROJECT_TYPE name r:x.");
+
+  try {
+    FullProjectName n(ProjectType::RONDO, "srv:1", "h", "p");
+    ADD_FAILURE() << "a colon in a server name";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("Invalid serverName for Store Name", str(e.getReason()));
+    EXPECT_EQ("FullProjectName::FullProjectName()", str(e.getMethod()));
+  }
+  EXPECT_THROW(FullProjectName n(vString("kelp"), "a:b", "h", "p"), UtlExcept);
+}
+
+TEST(FullProjectName, FullNameLeavesOutBlankParts) {
+  EXPECT_EQ("survey", str(FullProjectName(ProjectType::NOTYPE, "", "", "Survey").getFullName()));
+  EXPECT_EQ("h:survey", str(FullProjectName(ProjectType::NOTYPE, "", "h", "survey").getFullName()));
+  EXPECT_EQ("s::survey", str(FullProjectName(ProjectType::NOTYPE, "s", "", "survey").getFullName()));
+  EXPECT_EQ("s:h:survey", str(FullProjectName(ProjectType::NOTYPE, "s", "h", "survey").getFullName()));
+  EXPECT_EQ("Rondo:::survey", str(FullProjectName(ProjectType::RONDO, "", "", "survey").getFullName()));
+  EXPECT_EQ("Kelp:s:h:survey", str(FullProjectName(vString("k"), "s", "h", "survey").getFullName()));
+  EXPECT_EQ("h:", str(FullProjectName(ProjectType::NOTYPE, "", "h", "").getFullName()));
+  EXPECT_EQ("", str(FullProjectName().getFullName()));
+}
+
+TEST(FullProjectName, TextRoundTrip) {
+  FullProjectName const names[] = {
+      FullProjectName(ProjectType::NOTYPE, "", "", "p"),       FullProjectName(ProjectType::NOTYPE, "", "h", "p"),
+      FullProjectName(ProjectType::NOTYPE, "s", "", "p"),      FullProjectName(ProjectType::NOTYPE, "s", "h", "p"),
+      FullProjectName(ProjectType::RONDO, "", "", "p"),        FullProjectName(ProjectType::KELP, "s", "h", "p"),
+      FullProjectName(ProjectType::UNITTEST, "s", "", ""),     FullProjectName(ProjectType::FLATFILE, "", "h", "p"),
+      FullProjectName(ProjectType::INMEMORY, "s", "h", "p"),   FullProjectName(ProjectType::ZONMESH, "s", "h", "p"),
+      FullProjectName(ProjectType::DORN, "s", "h", "p"),       FullProjectName(ProjectType::MEMORY, "", "", "")};
+  for (FullProjectName const& n : names) {
+    FullProjectName back(n.getFullName());
+    EXPECT_EQ(n, back) << n.getFullName().c_str();
+  }
+}
+
+TEST(FullProjectName, ComparisonIsFieldByField) {
+  FullProjectName a(ProjectType::RONDO, "s", "h", "p");
+  EXPECT_EQ(a, FullProjectName(vString("r:s:h:P")));
+  EXPECT_NE(a, FullProjectName(ProjectType::KELP, "s", "h", "p"));
+  EXPECT_NE(a, FullProjectName(ProjectType::RONDO, "S", "h", "p"));
+  EXPECT_NE(a, FullProjectName(ProjectType::RONDO, "s", "H", "p"));
+  EXPECT_NE(a, FullProjectName(ProjectType::RONDO, "s", "h", "q"));
+  EXPECT_TRUE(FullProjectName(ProjectType::ZONMESH, "a", "z", "z") < FullProjectName(ProjectType::RONDO, "b", "a", "a"));
+  EXPECT_TRUE(FullProjectName(ProjectType::RONDO, "a", "h", "p") < FullProjectName(ProjectType::KELP, "a", "h", "p"));
+  EXPECT_FALSE(a < a);
+}
+
+// --- FullStoreName ----------------------------------------------------------
+
+void expectStore(FullStoreName const& n, char const* project, char const* store, int version, char const* set) {
+  EXPECT_EQ(project, str(n.getFullProjectName().getFullName()));
+  EXPECT_EQ(store, str(n.getStoreName()));
+  EXPECT_EQ(version, n.getVersion());
+  EXPECT_EQ(set, str(n.getAttributeSetName()));
+}
+
+TEST(FullStoreName, TextForms) {
+  expectStore(FullStoreName(vString("Line12")), "", "line12", 0, "");
+  expectStore(FullStoreName(vString("line12.3")), "", "line12", 3, "");
+  expectStore(FullStoreName(vString("line12.3/Picks")), "", "line12", 3, "picks");
+  expectStore(FullStoreName(vString("line12/picks")), "", "line12", 0, "picks");
+  expectStore(FullStoreName(vString("survey:line12.3")), "survey", "line12", 3, "");
+  expectStore(FullStoreName(vString("r:srv:h:survey:line12.3/set")), "Rondo:srv:h:survey", "line12", 3, "set");
+  expectStore(FullStoreName(vString("h:survey:")), "h:survey", "", 0, "");
+  // The version comes from the last '.': digits before it stay in the name.
+  expectStore(FullStoreName(vString("a_1-2,3.12")), "", "a_1-2,3", 12, "");
+  expectStore(FullStoreName(vString("s.-1")), "", "s", -1, "");
+}
+
+TEST(FullStoreName, NonNumericTailStaysInTheNameAndFailsTheCharacterSet) {
+  expectFatal([] { FullStoreName n(vString("seis.abc")); }, "FullStoreName::FullStoreName()",
+              "Invalid store name 'seis.abc'");
+  expectFatal([] { FullStoreName n(vString("p:seis.1x/set")); }, "FullStoreName::FullStoreName()",
+              "Invalid store name 'seis.1x'");
+  expectFatal([] { FullStoreName n(vString("seis line")); }, "FullStoreName::FullStoreName()",
+              "Invalid store name 'seis line'");
+  // The name is folded before it is checked.
+  expectStore(FullStoreName(vString("SEIS")), "", "seis", 0, "");
+}
+
+TEST(FullStoreName, GivenVersionTakesTheNameWhole) {
+  expectStore(FullStoreName(vString("p:line12"), 7), "p", "line12", 7, "");
+  expectFatal([] { FullStoreName n(vString("p:line12.3"), 7); }, "FullStoreName::FullStoreName()",
+              "Invalid store name 'line12.3'");
+  expectFatal([] { FullStoreName n(vString("line/set"), 1); }, "FullStoreName::FullStoreName()",
+              "Invalid store name 'line/set'");
+}
+
+TEST(FullStoreName, PartsSplitAVersionOffAnInvalidName) {
+  FullProjectName project(ProjectType::RONDO, "srv", "h", "survey");
+  expectStore(FullStoreName(project, "line12", 4, "set"), "Rondo:srv:h:survey", "line12", 4, "set");
+  expectStore(FullStoreName(project, "line12.5"), "Rondo:srv:h:survey", "line12", 5, "");
+  expectStore(FullStoreName(ProjectType::KELP, "srv", "h", "survey", "line12.5"), "Kelp:srv:h:survey", "line12", 5, "");
+  expectStore(FullStoreName(vString("unittest"), "", "", "p", "x.2"), "UnitTest:::p", "x", 2, "");
+  // With a version given, a dotted name is not split.
+  expectFatal([&] { FullStoreName n(project, "line12.5", 2); }, "FullStoreName::FullStoreName()",
+              "Invalid dataset name 'line12.5' ");
+  expectFatal([&] { FullStoreName n(project, "line.x"); }, "FullStoreName::FullStoreName()",
+              "Invalid dataset name 'line.x' ");
+  expectFatal([&] { FullStoreName n(project, "bad name.2"); }, "FullStoreName::FullStoreName()",
+              "Invalid dataset name 'bad name.2' ");
+}
+
+TEST(FullStoreName, BriefAndFullNames) {
+  FullProjectName project(ProjectType::NOTYPE, "", "h", "survey");
+  EXPECT_EQ("line", str(FullStoreName(project, "line", 0).getBriefName()));
+  EXPECT_EQ("line.3", str(FullStoreName(project, "line", 3).getBriefName()));
+  EXPECT_EQ("", str(FullStoreName(project, "line", -2).getBriefName()));
+  EXPECT_EQ("h:survey:line.3/set", str(FullStoreName(project, "line", 3, "set").getFullName()));
+  // No leading ':' for a store without a project.
+  EXPECT_EQ("line.3", str(FullStoreName(vString("line.3")).getFullName()));
+  EXPECT_EQ("line/set", str(FullStoreName(vString("line/set")).getFullName()));
+  EXPECT_EQ("Rondo:::survey:line", str(FullStoreName(vString("r:::survey:line")).getFullName()));
+}
+
+TEST(FullStoreName, TextRoundTrip) {
+  char const* texts[] = {"line",          "line.3",           "line.3/set",        "survey:line.3",
+                         "h:survey:line", "s::survey:line.2", "Rondo:s:h:p:x.1/y", "Zonmesh:::p:a,b,c,d.9"};
+  for (char const* t : texts) {
+    FullStoreName n{vString(t)};
+    EXPECT_EQ(t, str(n.getFullName()));
+    EXPECT_EQ(n, FullStoreName(n.getFullName()));
+  }
+  EXPECT_NE(FullStoreName(vString("p:a.1")), FullStoreName(vString("p:a.2")));
+  EXPECT_NE(FullStoreName(vString("p:a.1/x")), FullStoreName(vString("p:a.1")));
+  EXPECT_TRUE(FullStoreName(vString("p:a.1")) < FullStoreName(vString("p:a.2")));
+  EXPECT_TRUE(FullStoreName(vString("p:a.9")) < FullStoreName(vString("p:b.1")));
+}
+
+// The character set and the permission for bad names are read once per
+// process, so each setting is tried in a child of its own.
+TEST(FullStoreNameDeathTest, CharacterSetFromTheSiteConfiguration) {
+  EXPECT_EXIT(
+      {
+        setenv("SP_CAPI_FULLSTORENAMECHARSET", "abc.", 1);
+        bool ok = FullStoreName::myIsValidStoreName("a.b") && !FullStoreName::myIsValidStoreName("d") &&
+                  FullStoreName(vString("ab.c")).getStoreName() == "ab.c";
+        std::exit(ok ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        setenv("SP_CAPI_ALLOWBADNAMES", "YES", 1);
+        bool ok = FullStoreName::myIsValidStoreName("Bad Name!") &&
+                  FullStoreName(vString("seis.abc")).getStoreName() == "seis.abc";
+        std::exit(ok ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        setenv("SP_CAPI_ALLOWBADNAMES", "y", 1);
+        std::exit(FullStoreName::myIsValidStoreName("bad name") ? 1 : 0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace

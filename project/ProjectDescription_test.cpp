@@ -1,0 +1,281 @@
+// Catalog and project descriptions: parsing, completion from the default
+// project, checks, ordering and text; and the user's default project.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "foundation/vDatabases.h"
+#include "foundation/vUtl.h"
+#include "project/CapiProject.h"
+#include "project/ProjectDescription.h"
+#include "project/ProjectFactory.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+// A default project on host "defhost" named "defproj" while it lives (none
+// when `withDefault` is false); the former default comes back afterwards.
+class DefaultProject {
+ public:
+  explicit DefaultProject(bool withDefault) {
+    vHandle<Project> project;
+    if (withDefault) {
+      project = vHandle<Project>(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("defhost", ProjectType::UNITTEST))));
+      project->open("defproj");
+    }
+    m_saved = ProjectFactory::setDefaultProject(project);
+  }
+  ~DefaultProject() { ProjectFactory::setDefaultProject(m_saved); }
+
+ private:
+  vHandle<Project> m_saved;
+};
+
+// The site's databases for Dorn servers, while it lives.
+class SiteDatabases {
+ public:
+  SiteDatabases() {
+    vDatabases dbs;
+    dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
+    vDatabases::setCache(dbs);
+  }
+  ~SiteDatabases() { vDatabases::clearCache(); }
+};
+
+void expectCatalog(ProjectDescription const& d, ProjectType::PROJECT_TYPE type, std::string const& server,
+                   std::string const& host, char const* project) {
+  EXPECT_EQ(type, d.getProjectType());
+  EXPECT_EQ(server, str(d.getServerHost()));
+  EXPECT_EQ(host, str(d.getDataHost()));
+  EXPECT_EQ(project, str(d.getProjectName()));
+}
+
+TEST(ProjectDescription, CatalogTypesReadServerHostAndProject) {
+  DefaultProject none(false);
+  expectCatalog(ProjectDescription(vString("rondo:srv:hostA:Survey")), ProjectType::RONDO, "srv", "hostA", "survey");
+  expectCatalog(ProjectDescription(vString("k:srv:hostA:survey")), ProjectType::KELP, "srv", "hostA", "survey");
+  expectCatalog(ProjectDescription(vString("unittest:srv:hostA:survey")), ProjectType::UNITTEST, "srv", "hostA",
+                "survey");
+  expectCatalog(ProjectDescription(vString("z:centre:hostA:survey")), ProjectType::ZONMESH, "centre", "hostA",
+                "survey");
+  // Fields are read from the right; a blank host is this host.
+  expectCatalog(ProjectDescription(vString("r::survey")), ProjectType::RONDO, "", str(vUtl::gethostname()), "survey");
+  expectCatalog(ProjectDescription(vString("r:hostB:survey")), ProjectType::RONDO, "", "hostB", "survey");
+  expectCatalog(ProjectDescription(vString("r:::")), ProjectType::RONDO, "", str(vUtl::gethostname()), "");
+  // A Kelp catalog without a server is served from its data host.
+  expectCatalog(ProjectDescription(vString("kelp::hostK:p")), ProjectType::KELP, "hostK", "hostK", "p");
+}
+
+TEST(ProjectDescription, BlankFieldsComeFromTheDefaultProject) {
+  DefaultProject def(true);
+  expectCatalog(ProjectDescription(vString("r:srv::")), ProjectType::RONDO, "srv", "defhost", "defproj");
+  expectCatalog(ProjectDescription(vString("r:srv:hostA:")), ProjectType::RONDO, "srv", "hostA", "defproj");
+  expectCatalog(ProjectDescription(vString("survey")), ProjectType::NOTYPE, "", "defhost", "survey");
+}
+
+TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
+  DefaultProject none(false);
+  ProjectDescription d(vString("srv:hostA:survey"));
+  expectCatalog(d, ProjectType::NOTYPE, "srv", "hostA", "survey");
+  EXPECT_TRUE(d.isCapi());
+  EXPECT_EQ("NoType:srv:hostA:survey", str(d.toString()));
+  expectCatalog(ProjectDescription(vString(":srv:hostA:p")), ProjectType::NOTYPE, "srv", "hostA", "p");
+  expectCatalog(ProjectDescription(vString("hostA:p")), ProjectType::NOTYPE, "", "hostA", "p");
+  expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectType::getProjectType",
+              "Unknown PROJECT_TYPE name venus.");
+}
+
+TEST(ProjectDescription, FlatFilesAndMemory) {
+  DefaultProject none(false);
+  ProjectDescription f(vString("f:/data/lines/a.sgy:"));
+  EXPECT_EQ(ProjectType::FLATFILE, f.getProjectType());
+  EXPECT_TRUE(f.isFlatFile());
+  EXPECT_FALSE(f.isCapi());
+  EXPECT_EQ("/data/lines/a.sgy", str(f.getFlatFileName().getFilename()));
+  EXPECT_EQ("/data/lines", str(f.getPath()));
+  EXPECT_EQ("/data/lines", str(f.getProjectName()));
+  EXPECT_EQ("", str(f.getServerHost()));
+  EXPECT_EQ("", str(f.getDataHost()));
+  EXPECT_EQ("FlatFile:/data/lines/a.sgy:/data/lines", str(f.toString()));
+
+  ProjectDescription remote(vString("flatfile:hostF:/data/b.txt"));
+  EXPECT_EQ("hostF", str(remote.getDataHost()));
+  EXPECT_EQ("/data", str(remote.getProjectName()));
+
+  ProjectDescription m(vString("i:"));
+  EXPECT_TRUE(m.isInMemory());
+  EXPECT_FALSE(m.isCapi());
+  EXPECT_EQ("InMemory:", str(m.toString()));
+
+  expectFatal([] { ProjectDescription d(vString("m:x")); }, "ProjectDescription(vString)",
+              "Unknown project type 'm'.");
+  expectFatal([] { ProjectDescription d(vString("memory")); }, "ProjectDescription(vString)",
+              "Unknown project type 'memory'.");
+}
+
+TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
+  DefaultProject none(false);
+  TestReleaseTree tree;
+  SiteDatabases site;
+  expectCatalog(ProjectDescription(vString("dorn:hprod:hostA:p")), ProjectType::DORN, "hprod", "hostA", "p");
+  expectCatalog(ProjectDescription(vString("d:Houston:hostA:p")), ProjectType::DORN, "Houston", "hostA", "p");
+  // A type word as server: the user dropped a colon.
+  expectFatal([] { ProjectDescription d(vString("d:r:hostA:p")); }, "ProjectCatalogDescription::setCapi",
+              "Invalid server 'r', maybe you meant r::hostA:<project>:<store> (missing colon after r)");
+  expectFatal([] { ProjectDescription d(vString("d:kelp:hostA:p")); }, "ProjectCatalogDescription::setCapi",
+              "Invalid server 'kelp', maybe you meant kelp::hostA:<project>:<store> (missing colon after kelp)");
+  expectFatal([] { ProjectDescription d(vString("d:mars:hostA:p")); }, "ProjectCatalogDescription::setCapi",
+              "Unrecognised server 'mars'.");
+  // A blank server is the site's default server.
+  tree.setEnv("DORNSERVER", "hdev");
+  expectCatalog(ProjectDescription(vString("d::hostA:p")), ProjectType::DORN, "hdev", "hostA", "p");
+}
+
+TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
+  DefaultProject none(false);
+  for (char const* text : {"kelp:kelpdata:hostA:p", "k::KelpArchive:p"}) {
+    try {
+      ProjectDescription d{vString(text)};
+      ADD_FAILURE() << text;
+    } catch (UtlExcept const& e) {
+      EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
+      EXPECT_NE(std::string::npos, str(e.getReason()).find("Kelp data server 'kelpserver'")) << str(e.getReason());
+    }
+  }
+  EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
+  EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
+}
+
+TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
+  DefaultProject none(false);
+  ProjectCatalogDescription d;
+  for (ProjectType::PROJECT_TYPE t : {ProjectType::FLATFILE, ProjectType::MEMORY}) {
+    try {
+      d.setCapi(t, "s", "h");
+      ADD_FAILURE() << t;
+    } catch (UtlExcept const& e) {
+      EXPECT_EQ("ProjectType must be either DORN, RONDO or KELP", str(e.getReason()));
+      EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
+    }
+  }
+  d.setFlatFile(vFilename("/x/y.txt"));
+  d.setCapi(ProjectType::UNITTEST, "s", "h");
+  EXPECT_EQ("", str(d.getFlatFileName().getFilename()));
+  EXPECT_EQ("UnitTest:s:h:", str(d.toString()));
+  // A catalog description takes no project from a flat file.
+  d.setFlatFile(vFilename("/x/y.txt"));
+  EXPECT_EQ("FlatFile:/x/y.txt:", str(d.toString()));
+  ProjectCatalogDescription none2;
+  EXPECT_EQ("NoType:::", str(none2.toString()));
+  none2.setDefaultProjectType();
+  EXPECT_EQ(ProjectType::RONDO, none2.getProjectType());
+}
+
+TEST(ProjectCatalogDescription, EqualityAndOrder) {
+  DefaultProject none(false);
+  TestReleaseTree tree;
+  SiteDatabases site;
+  auto cat = [](ProjectType::PROJECT_TYPE t, char const* server, char const* host) {
+    ProjectCatalogDescription d;
+    d.setCapi(t, server, host);
+    return d;
+  };
+  // Rondo, Kelp, UnitTest: the data host places the catalog.
+  EXPECT_EQ(cat(ProjectType::RONDO, "s1", "h"), cat(ProjectType::RONDO, "s2", "h"));
+  EXPECT_NE(cat(ProjectType::RONDO, "s", "h1"), cat(ProjectType::RONDO, "s", "h2"));
+  // Dorn and Zonmesh: the server.
+  EXPECT_EQ(cat(ProjectType::DORN, "hprod", "h1"), cat(ProjectType::DORN, "hprod", "h2"));
+  EXPECT_NE(cat(ProjectType::DORN, "hprod", "h"), cat(ProjectType::DORN, "hdev", "h"));
+  EXPECT_EQ(cat(ProjectType::ZONMESH, "c", "h1"), cat(ProjectType::ZONMESH, "c", "h2"));
+  EXPECT_NE(cat(ProjectType::RONDO, "s", "h"), cat(ProjectType::KELP, "s", "h"));
+  // Memory descriptions of a type are all equal.
+  EXPECT_EQ(cat(ProjectType::INMEMORY, "", "a"), cat(ProjectType::INMEMORY, "", "b"));
+  ProjectCatalogDescription f1, f2;
+  f1.setFlatFile(vFilename("/a/x.txt"));
+  f2.setFlatFile(vFilename("/a/y.txt"));
+  EXPECT_NE(f1, f2);
+  f2.setFlatFile(vFilename("/a/x.txt"));
+  EXPECT_EQ(f1, f2);
+
+  // By type name first: Dorn < FlatFile < Kelp < Rondo < UnitTest < Zonmesh.
+  EXPECT_TRUE(cat(ProjectType::DORN, "hprod", "z") < f1);
+  EXPECT_TRUE(f1 < cat(ProjectType::KELP, "a", "a"));
+  EXPECT_TRUE(cat(ProjectType::KELP, "z", "z") < cat(ProjectType::RONDO, "a", "a"));
+  EXPECT_TRUE(cat(ProjectType::ZONMESH, "a", "a") < cat(ProjectType::ZONMESH, "b", "a"));
+  EXPECT_TRUE(cat(ProjectType::RONDO, "z", "a") < cat(ProjectType::RONDO, "a", "b"));
+  EXPECT_FALSE(cat(ProjectType::RONDO, "a", "b") < cat(ProjectType::RONDO, "z", "b"));
+
+  ProjectDescription p1(vString("r:s:h:alpha")), p2(vString("r:s:h:beta"));
+  EXPECT_NE(p1, p2);
+  EXPECT_TRUE(p1 < p2);
+  EXPECT_FALSE(p2 < p1);
+  EXPECT_EQ("Rondo:s:h:alpha", str(p1.toString()));
+  EXPECT_EQ(FullProjectName(vString("rondo:s:h:alpha")), p1.getFullProjectName());
+}
+
+// --- the user's default project --------------------------------------------
+
+TEST(Capi, DefaultProjectStringFromVprojectThenProject) {
+  TestReleaseTree tree;
+  tree.setEnv("HOME", tree.root());
+  EXPECT_EQ("r:::", str(Capi::getDefaultProjectString()));
+
+  tree.writeWorkFile(".project", "  survey7 trailing words\nsecond line\n");
+  EXPECT_EQ("r::survey7", str(Capi::getDefaultProjectString()));
+  tree.writeWorkFile(".project", "k:srv:h:p more\n");
+  EXPECT_EQ("k:srv:h:p", str(Capi::getDefaultProjectString()));
+
+  TestReleaseTree::write(tree.root() + "/.vproject", "unittest:s:h:home project\nignored\n");
+  EXPECT_EQ("unittest:s:h:home project", str(Capi::getDefaultProjectString()));
+}
+
+TEST(Capi, DefaultProjectName) {
+  DefaultProject none(false);
+  TestReleaseTree tree;
+  tree.setEnv("HOME", tree.root());
+  tree.writeWorkFile(".project", "survey7\n");
+  ProjectDescription d = Capi::getDefaultProjectName();
+  expectCatalog(d, ProjectType::RONDO, "", str(vUtl::gethostname()), "survey7");
+
+  // No type: the default type.
+  TestReleaseTree::write(tree.root() + "/.vproject", "  srv:hostA:p  \n");
+  d = Capi::getDefaultProjectName();
+  expectCatalog(d, ProjectType::RONDO, "srv", "hostA", "p");
+
+  TestReleaseTree::write(tree.root() + "/.vproject", "   \n");
+  d = Capi::getDefaultProjectName();
+  EXPECT_EQ(ProjectType::NOTYPE, d.getProjectType());
+  EXPECT_EQ("", str(d.getDataHost()));
+  EXPECT_EQ("", str(d.getProjectName()));
+}
+
+// The switch is read once per process: each value is tried in a child.
+TEST(CapiDeathTest, DisableRondoDataServerIsANonZeroInteger) {
+  struct {
+    char const* value;
+    int disabled;
+  } const cases[] = {{"1", 1}, {"-3", 1}, {"0", 0}, {"", 0}, {"yes", 0}, {nullptr, 0}};
+  for (auto const& c : cases) {
+    EXPECT_EXIT(
+        {
+          if (c.value)
+            setenv("CAPI_DISABLERONDODATASERVER", c.value, 1);
+          else
+            unsetenv("CAPI_DISABLERONDODATASERVER");
+          bool first = Capi::disableRondoDataServer();
+          // Later changes are not seen.
+          setenv("CAPI_DISABLERONDODATASERVER", first ? "0" : "1", 1);
+          std::exit(Capi::disableRondoDataServer() == first ? (first ? 1 : 0) : 2);
+        },
+        ::testing::ExitedWithCode(c.disabled), "")
+        << (c.value ? c.value : "(unset)");
+  }
+}
+
+}  // namespace

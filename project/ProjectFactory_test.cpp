@@ -1,0 +1,552 @@
+// Catalog and project factories: caching, defaults, the deferred project and
+// the classes that higher layers register.
+//
+// The caches are process-wide. Each test works on hosts of its own (numeric
+// loopback addresses resolve without a name service) and sets the default
+// project itself, so that the tests pass in any order and in one process.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <sstream>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "project/CapiMaker.h"
+#include "project/CapiProject.h"
+#include "project/JITProjectDecorator.h"
+#include "project/ProjectCatalogFactory.h"
+#include "project/ProjectFactory.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+int nCatalogsMade = 0;
+int nProjectsMade = 0;
+
+ProjectCatalog* makeClientCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
+  ++nCatalogsMade;
+  return new UTProjectCatalog(host, type);
+}
+
+Project* makeClientProject(vHandle<ProjectCatalog> const& catalog) {
+  ++nProjectsMade;
+  return new UTProject(catalog);
+}
+
+// Stands in for the remote client classes while it lives.
+class ClientStandIn {
+ public:
+  ClientStandIn()
+      : m_catalog(ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog)),
+        m_project(ProjectFactory::registerMaker("ClientProject", &makeClientProject)) {}
+  ~ClientStandIn() {
+    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_catalog);
+    ProjectFactory::registerMaker("ClientProject", m_project);
+  }
+
+ private:
+  ProjectCatalogFactory::Maker m_catalog;
+  ProjectFactory::Maker m_project;
+};
+
+// Restores the default project a test changed.
+class DefaultProjectGuard {
+ public:
+  DefaultProjectGuard() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {}
+  ~DefaultProjectGuard() { ProjectFactory::setDefaultProject(m_saved); }
+
+ private:
+  vHandle<Project> m_saved;
+};
+
+// --- catalogs ----------------------------------------------------------------
+
+TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
+  ClientStandIn client;
+  int before = nCatalogsMade;
+  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
+  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
+  vHandle<ProjectCatalog> c = ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11");
+  EXPECT_EQ(1, nCatalogsMade - before);
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ(a.get(), c.get());
+  EXPECT_EQ("127.0.0.11", str(a->getHost()));
+  EXPECT_EQ(ProjectType::RONDO, a->getProjectType());
+
+  // Another host is another catalog.
+  vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA");
+  EXPECT_NE(a.get(), d.get());
+  EXPECT_EQ(2, nCatalogsMade - before);
+}
+
+TEST(ProjectCatalogFactory, OtherTypesMatchOnServerToo) {
+  unsigned int before = ProjectCatalogFactory::getCacheSize();
+  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "");
+  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "");
+  EXPECT_EQ(a.get(), b.get());
+  // A unit-test catalog has no server, so one asked for with a server is
+  // never found again.
+  vHandle<ProjectCatalog> c = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "srv");
+  vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "srv");
+  EXPECT_NE(a.get(), c.get());
+  EXPECT_NE(c.get(), d.get());
+  EXPECT_EQ(before + 3, ProjectCatalogFactory::getCacheSize());
+  // Unit-test catalogs are never resolved: the host need not exist.
+  EXPECT_EQ("uthostA", str(a->getHost()));
+  EXPECT_EQ(0u, a->getProjectList()->size());
+  EXPECT_EQ("", str(a->getServer()));
+}
+
+TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalog) {
+  TestReleaseTree tree;
+  tree.setEnv("FS_CLUSTERS", "uthostC1=utcluster uthostC2=utcluster");
+  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
+  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "");
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ("utcluster", str(a->getHost()));
+}
+
+TEST(ProjectCatalogFactory, AMisspeltHostFailsBeforeAnythingIsMade) {
+  ClientStandIn client;
+  int before = nCatalogsMade;
+  unsigned int cached = ProjectCatalogFactory::getCacheSize();
+  try {
+    MessageHandling quiet;
+    ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::RONDO, "");
+    ADD_FAILURE() << "the host cannot resolve";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("vUtl::getIPAddress", str(e.getMethod()));
+  }
+  EXPECT_EQ(before, nCatalogsMade);
+  EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
+}
+
+TEST(ProjectCatalogFactory, ClassesOfHigherLayersMustBeRegistered) {
+  ProjectCatalogFactory::Maker saved = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
+  unsigned int cached = ProjectCatalogFactory::getCacheSize();
+  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::RONDO, "srv"); },
+              "ProjectCatalogFactory::createEx",
+              "Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::KELP, "127.0.0.21"); },
+              "ProjectCatalogFactory::createEx",
+              "Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::ZONMESH, "centre"); },
+              "ProjectCatalogFactory::createEx",
+              "Class ZonProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([] { CapiMaker::projectCatalog("127.0.0.21"); }, "CapiMaker::projectCatalog",
+              "Class ZonProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
+  ProjectCatalogFactory::registerMaker("ClientProjectCatalog", saved);
+}
+
+TEST(ProjectCatalogFactory, ThisBuildServesZonmeshInProcess) {
+  EXPECT_EQ(ProjectType::ZONMESH, CapiMaker::getProjectType());
+  EXPECT_EQ("Zonmesh", str(CapiMaker::getDataBaseName()));
+  EXPECT_TRUE(Capi::haveCapiZon());
+}
+
+// --- projects ----------------------------------------------------------------
+
+TEST(ProjectFactory, CreateAlwaysMakesANewProject) {
+  DefaultProjectGuard guard;
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostP1", ProjectType::UNITTEST, "");
+  unsigned int cached = ProjectFactory::getCacheSize();
+  vHandle<Project> a = ProjectFactory::create(catalog);
+  vHandle<Project> b = ProjectFactory::create(catalog);
+  EXPECT_NE(a.get(), b.get());
+  EXPECT_EQ(cached + 2, ProjectFactory::getCacheSize());
+  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(a.get()));
+  EXPECT_EQ(catalog.get(), a->getProjectCatalog().get());
+  // The first project made while there is no default becomes it.
+  ASSERT_TRUE(ProjectFactory::hasDefaultProject());
+  EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
+  EXPECT_EQ(catalog.get(), ProjectFactory::getDefaultCatalog().get());
+}
+
+TEST(ProjectFactory, ClientProjectsForRondoCatalogs) {
+  ClientStandIn client;
+  DefaultProjectGuard guard;
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("127.0.0.31", ProjectType::RONDO, "");
+  int before = nProjectsMade;
+  vHandle<Project> p = ProjectFactory::create(catalog);
+  EXPECT_EQ(1, nProjectsMade - before);
+  EXPECT_EQ(ProjectType::RONDO, p->getProjectType());
+}
+
+TEST(ProjectFactory, ClassesOfHigherLayersMustBeRegistered) {
+  ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", nullptr);
+  unsigned int cached = ProjectFactory::getCacheSize();
+  vHandle<ProjectCatalog> rondo(new UTProjectCatalog("127.0.0.41", ProjectType::RONDO));
+  vHandle<ProjectCatalog> kelp(new UTProjectCatalog("127.0.0.41", ProjectType::KELP));
+  vHandle<ProjectCatalog> zon(new UTProjectCatalog("127.0.0.41", ProjectType::ZONMESH));
+  char const* client = "Class ClientProject is not available: no maker is registered for it (see registerRondoClasses).";
+  expectFatal([&] { ProjectFactory::create(rondo); }, "ProjectFactory::myCreate", client);
+  expectFatal([&] { ProjectFactory::create(kelp); }, "ProjectFactory::myCreate", client);
+  expectFatal([&] { ProjectFactory::create(zon); }, "ProjectFactory::myCreate",
+              "Class ZonProject is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([&] { CapiMaker::project(zon); }, "CapiMaker::project",
+              "Class ZonProject is not available: no maker is registered for it (see registerRondoClasses).");
+  EXPECT_EQ(cached, ProjectFactory::getCacheSize());
+  ProjectFactory::registerMaker("ClientProject", saved);
+}
+
+TEST(ProjectFactory, AnEmptyCatalogIsANullPointer) {
+  expectFatal([] { ProjectFactory::create(vHandle<ProjectCatalog>()); }, "vHandle::get()",
+              "Trying to get a NULL pointer");
+}
+
+TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
+  DefaultProjectGuard guard;
+  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
+  vHandle<Project> b = ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey")));
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_TRUE(a->isOpen());
+  EXPECT_EQ("survey", str(a->getName()));
+  EXPECT_EQ("uthostO1", str(a->getProjectHost()));
+
+  // The type does not take part in the search: the project is where it is.
+  vHandle<Project> c = ProjectFactory::openProject(ProjectType::RONDO, "", "uthostO1", "survey");
+  EXPECT_EQ(a.get(), c.get());
+
+  // Another name, another project; a closed one is not found again.
+  vHandle<Project> d = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "other");
+  EXPECT_NE(a.get(), d.get());
+  a->close();
+  vHandle<Project> e = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
+  EXPECT_NE(a.get(), e.get());
+  EXPECT_TRUE(e->isOpen());
+  // Both were made on the one catalog of the host.
+  EXPECT_EQ(a->getProjectCatalog().get(), e->getProjectCatalog().get());
+}
+
+TEST(ProjectFactory, ProjectsAreFoundByCluster) {
+  TestReleaseTree tree;
+  tree.setEnv("FS_CLUSTERS", "uthostK1=utclusterK uthostK2=utclusterK");
+  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostK1", "survey");
+  vHandle<Project> b = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostK2", "survey");
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ("utclusterK", str(b->getProjectHost()));
+}
+
+TEST(ProjectFactory, AProjectThatFailsToOpenIsNotCached) {
+  ClientStandIn client;
+  unsigned int cached = ProjectFactory::getCacheSize();
+  unsigned int catalogs = ProjectCatalogFactory::getCacheSize();
+  ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", nullptr);
+  expectFatal([] { ProjectFactory::openProject(ProjectType::RONDO, "srv", "127.0.0.51", "survey"); },
+              "ProjectFactory::myCreate",
+              "Class ClientProject is not available: no maker is registered for it (see registerRondoClasses).");
+  ProjectFactory::registerMaker("ClientProject", saved);
+  EXPECT_EQ(cached, ProjectFactory::getCacheSize());
+  // The catalog made on the way stays.
+  EXPECT_EQ(catalogs + 1, ProjectCatalogFactory::getCacheSize());
+}
+
+TEST(ProjectFactory, DefaultProjectSetAndCleared) {
+  DefaultProjectGuard guard;
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
+  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
+              "There is no default Project.");
+
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
+  vHandle<Project> first = ProjectFactory::create(catalog);
+  vHandle<Project> second = ProjectFactory::create(catalog);
+  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
+
+  vHandle<Project> former = ProjectFactory::setDefaultProject(second);
+  EXPECT_EQ(first.get(), former.get());
+  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
+  EXPECT_EQ(catalog.get(), ProjectFactory::getDefaultCatalog().get());
+
+  // emptyCache forgets the projects but keeps the default.
+  ProjectFactory::emptyCache();
+  EXPECT_EQ(0u, ProjectFactory::getCacheSize());
+  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
+
+  ProjectFactory::clearDefaultProject();
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
+}
+
+TEST(ProjectFactory, EmptiedCacheMakesOpenProjectMakeANewOne) {
+  DefaultProjectGuard guard;
+  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostE1", "survey");
+  ProjectFactory::emptyCache();
+  vHandle<Project> b = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostE1", "survey");
+  EXPECT_NE(a.get(), b.get());
+  // The default survived the emptying and is still the first project.
+  EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
+}
+
+// --- the deferred project ----------------------------------------------------
+
+TEST(JITProjectDecorator, DeferredProjectIsOpenBeforeAnyConnection) {
+  DefaultProjectGuard guard;
+  vHandle<Project> p = ProjectFactory::openProjectDeferred(ProjectType::UNITTEST, "", "uthostJ1", "survey");
+  JITProjectDecorator* jit = dynamic_cast<JITProjectDecorator*>(p.get());
+  ASSERT_NE(nullptr, jit);
+  EXPECT_TRUE(p->isOpen());
+  EXPECT_FALSE(jit->isReallyOpen());
+  EXPECT_EQ("survey", str(p->getName()));
+
+  // Where it is and what it is answer without opening.
+  UTProject* inner = dynamic_cast<UTProject*>(jit->getDecoratedProject().get());
+  ASSERT_NE(nullptr, inner);
+  EXPECT_EQ("uthostJ1", str(p->getProjectHost()));
+  EXPECT_EQ("", str(p->getServerHost()));
+  EXPECT_EQ(ProjectType::UNITTEST, p->getProjectType());
+  EXPECT_EQ(inner->getProjectCatalog().get(), p->getProjectCatalog().get());
+  EXPECT_FALSE(jit->isReallyOpen());
+  EXPECT_EQ("getProjectCatalog", str(inner->getLastCall()));
+
+  // The contents open it, under the remembered name, once.
+  EXPECT_EQ(0u, p->getStoreList("", "")->size());
+  EXPECT_TRUE(jit->isReallyOpen());
+  EXPECT_EQ("survey", str(inner->getName()));
+  EXPECT_FALSE(p->hasStore("x", 1));
+  EXPECT_EQ("hasStore", str(inner->getLastCall()));
+
+  // Deferred projects are found again like any other.
+  vHandle<Project> q = ProjectFactory::openProjectDeferred(FullProjectName(vString("unittest::uthostJ1:survey")));
+  EXPECT_EQ(p.get(), q.get());
+
+  p->close();
+  EXPECT_FALSE(p->isOpen());
+  EXPECT_FALSE(jit->isReallyOpen());
+  EXPECT_EQ("", str(p->getName()));
+  EXPECT_EQ("close", str(inner->getLastCall()));
+  EXPECT_FALSE(inner->isOpen());
+}
+
+TEST(JITProjectDecorator, ContentsNeedAName) {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostJ2", ProjectType::UNITTEST));
+  vHandle<Project> inner(new UTProject(catalog));
+  JITProjectDecorator jit(inner);
+  EXPECT_FALSE(jit.isOpen());
+  EXPECT_EQ(catalog.get(), jit.getProjectCatalog().get());
+  char const* reason =
+      "Cannot open the project since the open method has not been called so we don't know what to open!";
+  expectFatal([&] { jit.makeSureIsOpen(); }, "JITProjectDecorator::makeSureIsOpen", reason);
+  expectFatal([&] { jit.getStoreList("", ""); }, "JITProjectDecorator::makeSureIsOpen", reason);
+  expectFatal([&] { jit.getStoreDetails("x", 0); }, "JITProjectDecorator::makeSureIsOpen", reason);
+  expectFatal([&] { jit.deleteStore("x", 1, "", ""); }, "JITProjectDecorator::makeSureIsOpen", reason);
+  // Closing what was never opened leaves the wrapped project alone.
+  jit.close();
+  EXPECT_EQ("getProjectCatalog", str(static_cast<UTProject*>(inner.get())->getLastCall()));
+
+  jit.open("p2");
+  jit.makeSureIsOpen();
+  EXPECT_TRUE(jit.isReallyOpen());
+  EXPECT_EQ("p2", str(inner->getName()));
+}
+
+// --- the unit-test project ---------------------------------------------------
+
+TEST(UTProject, RecordsItsLastCallAndHoldsNothing) {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostU1", ProjectType::UNITTEST));
+  UTProject p(catalog);
+  EXPECT_EQ("UTPoject", str(p.getLastCall()));
+  // Open from construction under its own name.
+  EXPECT_TRUE(p.isOpen());
+  EXPECT_EQ("isOpen", str(p.getLastCall()));
+  EXPECT_EQ("unittest", str(p.getName()));
+  EXPECT_EQ("getName", str(p.getLastCall()));
+
+  struct {
+    std::function<void()> call;
+    char const* name;
+  } const calls[] = {
+      {[&] { p.open("Survey"); }, "open"},
+      {[&] { EXPECT_EQ("", str(p.getServerHost())); }, "getServerHost"},
+      {[&] { EXPECT_EQ("uthostU1", str(p.getProjectHost())); }, "getProjectHost"},
+      {[&] { EXPECT_EQ(ProjectType::UNITTEST, p.getProjectType()); }, "getProjectType"},
+      {[&] { EXPECT_EQ(catalog.get(), p.getProjectCatalog().get()); }, "getProjectCatalog"},
+      {[&] { EXPECT_EQ(0u, p.getStoreList("", "")->size()); }, "getStoreList"},
+      {[&] { EXPECT_EQ(0u, p.getStoreDetailsList("seismic", "")->size()); }, "getStoreDetailsList"},
+      {[&] { EXPECT_FALSE(p.hasStore("x", 0)); }, "hasStore"},
+      {[&] { EXPECT_FALSE(p.deleteStore("x", 1, "", "")); }, "deleteStore"},
+      {[&] { EXPECT_FALSE(p.purgeStore(1, "x", "", "")); }, "purgeStore"},
+      {[&] { EXPECT_EQ(StoreDetails(), p.getStoreDetails("x", 1)); }, "getStoreDetails"},
+      {[&] { EXPECT_TRUE(p.getAttributeSetDetails("x", 1).empty()); }, "getStoreAttributeSets"},
+      {[&] { p.close(); }, "close"},
+  };
+  for (auto const& c : calls) {
+    c.call();
+    EXPECT_EQ(c.name, str(p.getLastCall()));
+  }
+  EXPECT_FALSE(p.isOpen());
+  EXPECT_EQ("", str(p.getName()));
+  EXPECT_TRUE(p.getLightStoreDetailsList("", "")->empty());
+
+  expectFatal([&] { p.gift(1, "x", 1); }, "Project::gift", "Function not supported by this project!");
+  expectFatal([&] { p.rift(1, "x", 1, "y"); }, "Project::rift", "Function not supported by this project!");
+  std::list<StoreDetails> global(1);
+  EXPECT_FALSE(p.getGlobalStoreDetailsList(ProjectType::RONDO, "", "", global));
+  EXPECT_TRUE(global.empty());
+}
+
+TEST(UTProject, ScriptedStoresAreListedByClass) {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostU2", ProjectType::UNITTEST));
+  UTProject p(catalog);
+  StoreDetails line(ProjectType::UNITTEST, "", "line12", 3);
+  line.setClass("seismic");
+  line.setSubClass("2d");
+  StoreDetails wells(ProjectType::UNITTEST, "", "wells", 1);
+  wells.setClass("well");
+  StoreDetails grid(ProjectType::UNITTEST, "", "grid", 2);
+  grid.setClass("seismic");
+  p.addStore(line);
+  p.addStore(wells);
+  p.addStore(grid);
+
+  auto names = [&](char const* cls, char const* sub) {
+    std::string all;
+    vHandle<Project::StoreList> list = p.getStoreList(cls, sub);
+    for (vLCString const& n : *list) all += str(n) + " ";
+    return all;
+  };
+  EXPECT_EQ("line12.3 wells.1 grid.2 ", names("", ""));
+  EXPECT_EQ("line12.3 grid.2 ", names("Seismic", ""));
+  EXPECT_EQ("line12.3 ", names("seismic", "2d"));
+  EXPECT_EQ("", names("horizon", ""));
+  EXPECT_EQ(2u, p.getStoreDetailsList("seismic", "")->size());
+
+  EXPECT_TRUE(p.hasStore("wells", 0));
+  EXPECT_TRUE(p.hasStore("wells", 1));
+  EXPECT_FALSE(p.hasStore("wells", 2));
+  EXPECT_EQ(line, p.getStoreDetails("line12", 3));
+  EXPECT_FALSE(p.deleteStore("line12", 2, "", ""));
+  EXPECT_TRUE(p.deleteStore("line12", 3, "seismic", ""));
+  EXPECT_EQ("wells.1 grid.2 ", names("", ""));
+}
+
+TEST(StoreDetails, FieldsComparisonAndText) {
+  StoreDetails d("line12", 3, "seismic", "2d", 480u, "first", "second", vDate(1000000000L, false), "me", 1LL << 33, 2,
+                 ProjectType::RONDO);
+  StoreDetails e(d);
+  e.setProjectType(ProjectType::KELP);
+  // The project type does not take part.
+  EXPECT_EQ(d, e);
+  e.setSize(1);
+  EXPECT_NE(d, e);
+  EXPECT_TRUE(StoreDetails(ProjectType::RONDO, "", "a", 9) < StoreDetails(ProjectType::RONDO, "", "b", 1));
+  EXPECT_TRUE(StoreDetails(ProjectType::RONDO, "", "a", 1) < StoreDetails(ProjectType::RONDO, "", "a", 2));
+  StoreDetails def;
+  EXPECT_FALSE(def.getDate().isValid());
+  EXPECT_EQ(0, def.getVersion());
+
+  std::ostringstream out;
+  StoreDetails brief(ProjectType::UNITTEST, "srv", "Wells", 4);
+  out << brief;
+  EXPECT_EQ("wells:4:::0:::::0:0:UnitTest", out.str());
+}
+
+TEST(ProjectList, OrderSearchAndComparison) {
+  ProjectList list;
+  list.add(ProjectListEntry("north"));
+  list.add(ProjectListEntry("Alpha"));
+  list.add(ProjectListEntry("mid"));
+  EXPECT_EQ(3u, list.size());
+  EXPECT_EQ("north", str(list.begin()->getName()));
+  ASSERT_NE(list.end(), list.find("alpha"));
+  EXPECT_EQ("alpha", str(list.find("ALPHA")->getName()));
+  EXPECT_EQ(list.end(), list.find("south"));
+
+  ProjectList other(list);
+  EXPECT_EQ(list, other);
+  list.sort();
+  EXPECT_NE(list, other);
+  std::string order;
+  for (ProjectListEntry const& e : list) order += str(e.getName()) + " ";
+  EXPECT_EQ("alpha mid north ", order);
+  list.erase(list.find("mid"));
+  EXPECT_EQ(2u, list.size());
+  EXPECT_EQ(list.end(), list.find("mid"));
+}
+
+}  // namespace
+
+namespace {
+
+ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
+  return new UTProjectCatalog(host, type);
+}
+
+void listCentres(std::list<vString>& servers) {
+  for (char const* s : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(s);
+}
+
+// Feeds a terminal session to std::cin and keeps what is written to
+// std::cout, while it lives.
+class Terminal {
+ public:
+  explicit Terminal(std::string const& input)
+      : m_in(input), m_oldIn(std::cin.rdbuf(m_in.rdbuf())), m_oldOut(std::cout.rdbuf(m_out.rdbuf())) {}
+  ~Terminal() {
+    std::cin.rdbuf(m_oldIn);
+    std::cout.rdbuf(m_oldOut);
+    std::cin.clear();
+  }
+  std::string output() const { return m_out.str(); }
+
+ private:
+  std::istringstream m_in;
+  std::ostringstream m_out;
+  std::streambuf* m_oldIn;
+  std::streambuf* m_oldOut;
+};
+
+TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
+  DefaultProjectGuard guard;
+  ProjectCatalogFactory::Maker savedMaker = ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
+  ProjectCatalogFactory::ServerLister savedLister = ProjectCatalogFactory::registerServerLister(&listCentres);
+  vHandle<ProjectCatalog> catalog;
+  std::string output;
+  {
+    Terminal terminal("zon\n-l\ncentre2\nuthostZ\n");
+    catalog = ProjectCatalogFactory::enter(ProjectType::RONDO, "", "uthostY");
+    output = terminal.output();
+  }
+  ProjectCatalogFactory::registerServerLister(savedLister);
+  ProjectCatalogFactory::registerMaker("ZonProjectCatalog", savedMaker);
+
+  EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
+  EXPECT_EQ("uthostZ", str(catalog->getHost()));
+  EXPECT_EQ(
+      "type of project Rondo, Kelp, Zon [Rondo]: "
+      "KVS centre name [-l for list] []: "
+      "             c1             c2             c3             c4             c5\n"
+      "             c6             c7\n"
+      "KVS centre name [-l for list] []: "
+      "data host name [uthostY]: ",
+      output);
+}
+
+TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {
+  DefaultProjectGuard guard;
+  vHandle<Project> def = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey");
+  ProjectFactory::setDefaultProject(def);
+  ClientStandIn client;
+  vHandle<ProjectCatalog> catalog;
+  std::string output;
+  {
+    Terminal terminal("kelp\n127.0.0.71\n127.0.0.72\n");
+    catalog = ProjectCatalogFactory::enter(ProjectType::NOTYPE, "", "");
+    output = terminal.output();
+  }
+  EXPECT_EQ(
+      "type of project Rondo, Kelp, Zon [UnitTest]: "
+      "server name []: "
+      "data host name [uthostX]: ",
+      output);
+  // A Kelp client is made on its server, with the data host beside it.
+  EXPECT_EQ(ProjectType::KELP, catalog->getProjectType());
+  EXPECT_EQ("127.0.0.71", str(catalog->getHost()));
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+// Project types: names, accepted spellings and the interactive prompt.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "project/ProjectType.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+TEST(ProjectType, NamesOfAllTypes) {
+  char const* names[] = {"NoType", "Rondo", "Kelp", "Dorn", "UnitTest", "FlatFile", "Memory", "InMemory", "Zonmesh"};
+  for (int t = 0; t <= 8; ++t) {
+    EXPECT_EQ(names[t], str(ProjectType::getProjectTypeName(t)));
+    // Every name reads back as its own type.
+    EXPECT_EQ(t, ProjectType::getProjectType(ProjectType::getProjectTypeName(t)));
+  }
+  EXPECT_EQ("Zonmesh", str(ProjectType::getProjectTypeName(ProjectType::ZONMESH)));
+  expectFatal([] { ProjectType::getProjectTypeName(9); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 9.");
+  expectFatal([] { ProjectType::getProjectTypeName(-1); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE -1.");
+}
+
+TEST(ProjectType, AcceptedSpellingsIgnoreCase) {
+  struct {
+    char const* text;
+    ProjectType::PROJECT_TYPE type;
+  } const cases[] = {
+      {"", ProjectType::NOTYPE},          {"NoType", ProjectType::NOTYPE},     {"rondo", ProjectType::RONDO},
+      {"R", ProjectType::RONDO},          {"Rondo3", ProjectType::RONDO},      {"KELP", ProjectType::KELP},
+      {"k", ProjectType::KELP},           {"dorn", ProjectType::DORN},         {"D", ProjectType::DORN},
+      {"RondoV", ProjectType::DORN},      {"unitTest", ProjectType::UNITTEST}, {"flat_file", ProjectType::FLATFILE},
+      {"F", ProjectType::FLATFILE},       {"FlatFile", ProjectType::FLATFILE}, {"Flat File", ProjectType::FLATFILE},
+      {"memory", ProjectType::MEMORY},    {"m", ProjectType::MEMORY},          {"InMemory", ProjectType::INMEMORY},
+      {"i", ProjectType::INMEMORY},       {"zon", ProjectType::ZONMESH},       {"Z", ProjectType::ZONMESH},
+      {"ZonMesh", ProjectType::ZONMESH},
+  };
+  for (auto const& c : cases) {
+    EXPECT_EQ(c.type, ProjectType::getProjectType(c.text)) << c.text;
+    ProjectType::PROJECT_TYPE t = ProjectType::KELP;
+    EXPECT_TRUE(ProjectType::isValidProjectType(vString(c.text), t)) << c.text;
+    EXPECT_EQ(c.type, t);
+  }
+  EXPECT_EQ(ProjectType::NOTYPE, ProjectType::getProjectType(static_cast<char const*>(nullptr)));
+}
+
+TEST(ProjectType, UnknownSpellings) {
+  for (char const* text : {"rondo4", "flat-file", " rondo", "zonmeshes", "x"}) {
+    ProjectType::PROJECT_TYPE t = ProjectType::RONDO;
+    EXPECT_FALSE(ProjectType::isValidProjectType(vString(text), t)) << text;
+    EXPECT_EQ(ProjectType::NOTYPE, t);
+    expectFatal([text] { ProjectType::getProjectType(text); }, "ProjectType::getProjectType",
+                std::string("Unknown PROJECT_TYPE name ") + text + ".");
+  }
+}
+
+TEST(ProjectType, EnterTakesTheFirstLetterAndOffersTheCurrentType) {
+  struct {
+    char const* answer;
+    ProjectType::PROJECT_TYPE type;
+  } const cases[] = {{"rondo\n", ProjectType::RONDO},  {"  Kelp  \n", ProjectType::KELP},
+                     {"f\n", ProjectType::FLATFILE},   {"memory\n", ProjectType::MEMORY},
+                     {"inmem\n", ProjectType::INMEMORY}, {"Zon\n", ProjectType::ZONMESH}};
+  for (auto const& c : cases) {
+    std::istringstream in(c.answer);
+    std::ostringstream out;
+    ProjectType::PROJECT_TYPE t = ProjectType::DORN;
+    ProjectType::enter(t, in, out);
+    EXPECT_EQ(c.type, t) << c.answer;
+    EXPECT_EQ("type of project Rondo, Kelp, Zon [Dorn]: ", out.str());
+  }
+
+  // A blank answer takes the offered type.
+  std::istringstream in("\n");
+  std::ostringstream out;
+  ProjectType::PROJECT_TYPE t = ProjectType::KELP;
+  ProjectType::enter(t, in, out);
+  EXPECT_EQ(ProjectType::KELP, t);
+}
+
+TEST(ProjectType, EnterAsksAgainAfterAnUnknownAnswer) {
+  std::istringstream in("dorn\nzon\n");
+  std::ostringstream out;
+  ProjectType::PROJECT_TYPE t = ProjectType::RONDO;
+  ProjectType::enter(t, in, out);
+  EXPECT_EQ(ProjectType::ZONMESH, t);
+  EXPECT_EQ(
+      "type of project Rondo, Kelp, Zon [Rondo]: "
+      "Unknown project Type:dorn\nChoose rondo or kelp.\n    or f for flatfile\n"
+      "type of project Rondo, Kelp, Zon [Rondo]: ",
+      out.str());
+}
+
+TEST(ProjectType, EnterEndsAtTheEndOfInput) {
+  std::istringstream in("x\n");
+  std::ostringstream out;
+  ProjectType::PROJECT_TYPE t = ProjectType::NOTYPE;
+  expectFatal([&] { ProjectType::enter(t, in, out); }, "ProjectType::enter",
+              "No answer to the question for the type of project.");
+  EXPECT_EQ(ProjectType::NOTYPE, t);
+}
+
+}  // namespace
