@@ -289,7 +289,6 @@ TEST(SystemPropertyTable, BadRecordIsFatalQuietlyAndNamesTheFile) {
     EXPECT_EQ(path, str(e.getFileName()));
   }
   EXPECT_EQ("", testing::internal::GetCapturedStderr());
-  SystemPropertyTable::instance().clear();
 }
 
 TEST(SystemPropertyTable, FirstUseLoadsTheTables) {
