@@ -1,0 +1,3 @@
+#include "attribute/AttributeDataHandler.h"
+
+AttributeDataHandler::~AttributeDataHandler() {}
