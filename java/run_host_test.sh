@@ -1,0 +1,168 @@
+#!/usr/bin/env bash
+# Runs the Java test host in a real virtual machine against librondo.so and
+# compares what it prints, byte for byte, with what the scenario expects.
+#
+#   run_host_test.sh SCENARIO LIBRARY WORKDIR
+#
+# Scenarios:
+#   exports  the library exports exactly the seven native methods
+#   seam     the client catalog stood in for by the unit-test catalog: open,
+#            list by class, the four data methods (not there yet: false)
+#   no_seam  without a data server the connection fails with the report
+#   order    calls out of order: an empty map entry, and contents of a
+#            project that was never opened, which ends the host
+# Exit 0 on a match, 1 on a mismatch, 77 when no JVM of the library's width
+# is at hand.
+set -euo pipefail
+
+scenario=$1
+library=$2
+work=$3
+here=$(cd "$(dirname "$0")" && pwd)
+JAVA=${JAVA:-java}
+JAVAC=${JAVAC:-javac}
+
+fail() { echo "FAIL: $*" >&2; exit 1; }
+
+if [ "$scenario" = exports ]; then
+  expected=$(for m in RondoGetContents RondoGetDataInfo RondoLoadAttributeF RondoLoadAttributeFromTabindexF \
+                      RondoLoadAttributeI RondoOpenConnection RondoOpenProject; do
+               echo "Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_$m"
+             done)
+  actual=$(nm -D --defined-only "$library" | awk '{print $3}' | sort)
+  if [ "$actual" != "$expected" ]; then
+    diff <(echo "$expected") <(echo "$actual") >&2 || true
+    fail "exported symbols differ"
+  fi
+  echo "exports: the seven native methods, nothing else"
+  exit 0
+fi
+
+# A library of another width than the JVM cannot be loaded: not a failure
+# of the library, so the test is skipped.
+lib_bits=$(od -An -j4 -N1 -tu1 "$library" | tr -d ' ')   # ELF class: 1 = 32-bit, 2 = 64-bit
+jvm_bits=$("$JAVA" -XshowSettings:properties -version 2>&1 | awk -F'= ' '/sun.arch.data.model/ {print $2}')
+if { [ "$lib_bits" = 1 ] && [ "$jvm_bits" != 32 ]; } || { [ "$lib_bits" = 2 ] && [ "$jvm_bits" != 64 ]; }; then
+  echo "SKIP: the JVM is ${jvm_bits}-bit, the library is not"
+  exit 77
+fi
+
+rm -rf "$work"
+mkdir -p "$work/classes"
+"$JAVAC" -d "$work/classes" $(find "$here/com" -name '*.java')
+
+# A sanitized library needs its run-time loaded first, and the JVM's own
+# use of signals and memory left alone.
+if [ "${RONDO_SANITIZE:-0}" = 1 ]; then
+  runtime=$(ldd "$library" | awk '/libasan/ {print $3}')
+  if [ -z "$runtime" ]; then
+    runtime=$("${CXX:-c++}" -print-file-name=libclang_rt.asan-x86_64.so)
+  fi
+  export LD_PRELOAD="$runtime"
+  export ASAN_OPTIONS=handle_segv=0:allow_user_segv_handler=1:detect_leaks=0:use_sigaltstack=0
+fi
+
+# Runs the host with the given commands; leaves stdout in $work/out and the
+# exit code in $status.
+run_host() {
+  set +e
+  (cd "$work" && "$JAVA" -Xshare:off -Djava.library.path="$(dirname "$library")" -cp classes \
+     com.nyx.orda.business.io.protocols.rondo.RondoHost "$@") >"$work/out" 2>"$work/err"
+  status=$?
+  set -e
+}
+
+expect_output() {
+  local want_status=$1
+  printf '%s' "$2" >"$work/expected"
+  if ! cmp -s "$work/expected" "$work/out"; then
+    echo "--- expected / +++ actual standard output:" >&2
+    diff -u "$work/expected" "$work/out" >&2 || true
+    echo "--- standard error:" >&2
+    cat "$work/err" >&2
+    fail "standard output differs"
+  fi
+  [ "$status" = "$want_status" ] || { cat "$work/err" >&2; fail "exit code $status, expected $want_status"; }
+}
+
+banner='====================== EXCEPTION TRACEBACK ======================='
+rule='=================================================================='
+report() {  # reason, method
+  printf '\n\n%s\n%s\n   (Method=%s)\n%s\n' "$banner" "$1" "$2" "$rule"
+}
+
+unset RONDO_CLIENT_CATALOG_IS_UNITTEST RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER
+
+case "$scenario" in
+  seam)
+    export RONDO_CLIENT_CATALOG_IS_UNITTEST=1
+    export RONDO_UNITTEST_STORES="line12.3:seismic wells.1:well:log grid_a.2:seismic line12.4:seismic"
+    # The server is a name of its own, on the cluster of this machine.
+    export FS_CLUSTERS="seisserver=localhost"
+    run_host connect SeisServer connect SeisServer connect SEISSERVER project SeisServer survey \
+      contents SeisServer survey - contents SeisServer survey Seismic contents SeisServer survey horizon \
+      contents-without-append SeisServer survey - \
+      datainfo SeisServer survey line12 loadi SeisServer survey line12 CDP \
+      loadf SeisServer survey line12 TRACE 0 2 loadtab SeisServer survey line12 TRACE
+    # Five calls answer false: the sink without append and the four data
+    # methods.
+    expect_output 5 'RondoOpenConnection("SeisServer") = true
+RondoOpenConnection("SeisServer") = true
+RondoOpenConnection("SEISSERVER") = true
+RondoOpenProject("SeisServer", "survey") = true
+append(line12)
+append(wells)
+append(grid_a)
+append(line12)
+RondoGetContents("SeisServer", "survey", "") stores=4 = true
+append(line12)
+append(grid_a)
+append(line12)
+RondoGetContents("SeisServer", "survey", "Seismic") stores=3 = true
+RondoGetContents("SeisServer", "survey", "horizon") stores=0 = true
+RondoGetContents("SeisServer", "survey", "") = false
+RondoGetDataInfo("line12") = false
+RondoLoadAttributeI("line12", "CDP") = false
+RondoLoadAttributeF("line12", "TRACE", 0, 2) = false
+RondoLoadAttributeFromTabindexF("line12", "TRACE") = false
+'
+    ;;
+  no_seam)
+    run_host connect localhost project localhost survey
+    expect_output 2 "$(report 'Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).' 'ProjectCatalogFactory::createEx')
+Unable to Open Connection!!!!!!!!!!!
+RondoOpenConnection(\"localhost\") = false
+$(report 'Trying to get a NULL pointer' 'vHandle::get()')
+Unable to Open Project!!!!!!!!!!!
+RondoOpenProject(\"localhost\", \"survey\") = false
+"
+    ;;
+  order)
+    export RONDO_CLIENT_CATALOG_IS_UNITTEST=1
+    export RONDO_UNITTEST_STORES="line12.3"
+    # A project asked for before its connection leaves an empty catalog in
+    # the map under that spelling, which the connection then finds; another
+    # spelling of the server connects. Contents of a project never opened
+    # end the host with the report.
+    run_host project localhost survey connect localhost project localhost survey \
+      connect LocalHost project LocalHost survey contents LocalHost survey - \
+      contents localhost survey -
+    expect_output 255 "$(report 'Trying to get a NULL pointer' 'vHandle::get()')
+Unable to Open Project!!!!!!!!!!!
+RondoOpenProject(\"localhost\", \"survey\") = false
+RondoOpenConnection(\"localhost\") = true
+$(report 'Trying to get a NULL pointer' 'vHandle::get()')
+Unable to Open Project!!!!!!!!!!!
+RondoOpenProject(\"localhost\", \"survey\") = false
+RondoOpenConnection(\"LocalHost\") = true
+RondoOpenProject(\"LocalHost\", \"survey\") = true
+append(line12)
+RondoGetContents(\"LocalHost\", \"survey\", \"\") stores=1 = true
+$(report 'Trying to get a NULL pointer' 'vHandle::get()')
+"
+    ;;
+  *)
+    fail "unknown scenario $scenario"
+    ;;
+esac
+echo "$scenario: standard output and exit code as expected"
