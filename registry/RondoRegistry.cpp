@@ -29,11 +29,11 @@ StoreDetails parseScriptedStore(vString const& entry, ProjectType::PROJECT_TYPE 
 
   int dot = 0;
   if (nameAndVersion.searchForLast('.', dot) != 0 || dot == 0)
-    Message::fatal("registerRondoClasses", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
+    Message::fatal("RondoRegistry::makeUnitTestClientProject", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
                    entry.c_str());
   vString version = nameAndVersion.substr(static_cast<unsigned int>(dot) + 1);
   if (!version.isInteger())
-    Message::fatal("registerRondoClasses", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
+    Message::fatal("RondoRegistry::makeUnitTestClientProject", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
                    entry.c_str());
   StoreDetails details(type, vString(), vLCString(nameAndVersion.substr(0, static_cast<unsigned int>(dot))),
                        version.readi());
