@@ -308,11 +308,11 @@ void Packer::myAddData(int type, void const* data, long long count, long long nB
   PackState const next = myNextState(PACKOP_PACK, label);
   if (m_writePos == 0) myStartMessage();
   if (addressOf) {
-    long long const wire = static_cast<long long>(m_writePos) + 5 - kAddressOfExtra * m_nAddressOf +
-                           m_addressOfBytes + nBytes;
-    if (wire > kMaxBytes)
-      Message::fatal(label, 0, "Packer cannot handle >2gig. Has %d, wanted another %lld.",
-                     static_cast<int>(wire - nBytes), nBytes);
+    // What the message will take on the way out, where the data are copied.
+    long long const wire =
+        static_cast<long long>(m_writePos) - static_cast<long long>(kAddressOfExtra) * m_nAddressOf + m_addressOfBytes;
+    if (wire + 5 + nBytes > kMaxBytes)
+      Message::fatal(label, 0, "Packer cannot handle >2gig. Has %lld, wanted another %lld.", wire, nBytes);
     myCheckCapacity(kAddressOfExtra, label);
     unsigned char* p = m_buffer + m_writePos;
     p[0] = static_cast<unsigned char>(type | vARRAYOF | vADDRESSOF);
@@ -1000,7 +1000,7 @@ void Packer::mySwapBody(unsigned char* buffer, int end, bool countsForeign, char
     int const t = buffer[pos];
     long long const avail = static_cast<long long>(end) - (pos + 1);
     if (vUtl::dataTypeIsAddressOf(t))
-      Message::fatal(label, 0, "Corrupt message: an address-of entry at offset %d cannot travel.", pos);
+      Message::fatal(label, 0, "Corrupt message: the address-of entry at offset %d does not belong to this message.", pos);
     if (t == vENDFRAME) {
       pos += 1;
       continue;

@@ -1,0 +1,1439 @@
+#include "foundation/Packer.h"
+
+#include <gtest/gtest.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <iterator>
+#include <list>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "foundation/ExceptionErrorHandler.h"
+#include "foundation/Packable.h"
+#include "foundation/RaiseError.h"
+#include "foundation/UtlExcept.h"
+#include "foundation/vDate.h"
+#include "foundation/vString.h"
+#include "foundation/vUCString.h"
+
+// The expected bytes below are written for the little-endian hosts this
+// system runs on (x86 and x86-64).
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "expected bytes are little-endian");
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+// Raises like the default handlers, without the printed reports, and keeps
+// the info messages so that the tests can see them.
+class RecordingHandler : public ExceptionErrorHandler {
+ public:
+  std::vector<std::string> infos;
+
+ protected:
+  void doInfo(char const* label, int, char const* text) override { infos.push_back(std::string(label) + ": " + text); }
+};
+
+class PackerTest : public ::testing::Test {
+ protected:
+  void SetUp() override { RaiseError::getInstance()->install(&m_handler); }
+  void TearDown() override { RaiseError::getInstance()->uninstall(&m_handler); }
+  std::vector<std::string>& infos() { return m_handler.infos; }
+
+ private:
+  RecordingHandler m_handler;
+};
+
+// "method: reason" of the UtlExcept that f raises.
+std::string fatalText(std::function<void()> const& f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return str(e.getMethod()) + ": " + str(e.getReason());
+  }
+  return "(nothing raised)";
+}
+
+std::string reasonOf(std::function<void()> const& f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return str(e.getReason());
+  }
+  return "(nothing raised)";
+}
+
+Bytes finish(Packer& p, int tag = 0) {
+  unsigned char const* b = nullptr;
+  int n = 0;
+  p.getBuffer(&b, n, tag);
+  return Bytes(b, b + n);
+}
+
+Bytes bodyOf(Packer& p) {
+  Bytes m = finish(p);
+  return Bytes(m.begin() + 16, m.end());
+}
+
+void put32(Bytes& b, uint32_t v) {
+  for (int i = 0; i < 4; ++i) b.push_back(static_cast<unsigned char>(v >> (8 * i)));
+}
+
+// A whole little-endian message around the body.
+Bytes message(Bytes const& body, int tag = 0) {
+  Bytes m;
+  put32(m, 40506070);
+  put32(m, 1);
+  put32(m, static_cast<uint32_t>(body.size()));
+  put32(m, static_cast<uint32_t>(tag));
+  m.insert(m.end(), body.begin(), body.end());
+  return m;
+}
+
+Packer fromBytes(Bytes const& m) { return Packer(static_cast<int>(m.size()), m.data()); }
+
+// --- Byte layouts ----------------------------------------------------------------
+
+TEST_F(PackerTest, HeaderAndTheRemoteReadExample) {
+  Packer p(1000);
+  p.pack(224);
+  p.pack(vString("CDP"));
+  p.pack(10u);
+  p.pack(5u);
+  Bytes const expected = {0xD6, 0x12, 0x6A, 0x02, 0x01, 0x00, 0x00, 0x00, 0x18, 0x00, 0x00, 0x00, 0x03, 0x00,
+                          0x00, 0x00, 0x05, 0xE0, 0x00, 0x00, 0x00, 0x8E, 0x04, 0x00, 0x00, 0x00, 0x43, 0x44,
+                          0x50, 0x00, 0x06, 0x0A, 0x00, 0x00, 0x00, 0x06, 0x05, 0x00, 0x00, 0x00};
+  EXPECT_EQ(finish(p, 3), expected);
+  EXPECT_EQ(p.getSize(), 40);
+  EXPECT_EQ(p.getMessageTag(), 3);
+  EXPECT_EQ(p.getState(), Packer::PACKSENT);
+}
+
+TEST_F(PackerTest, ScalarOfEachType) {
+  struct Case {
+    std::function<void(Packer&)> pack;
+    Bytes body;
+  };
+  std::vector<Case> const cases = {
+      {[](Packer& p) { p.pack(static_cast<signed char>(-2)); }, {0x01, 0xFE}},
+      {[](Packer& p) { p.pack('A'); }, {0x0E, 0x41}},
+      {[](Packer& p) { p.pack(static_cast<unsigned char>(200)); }, {0x02, 0xC8}},
+      {[](Packer& p) { p.pack(static_cast<short>(-2)); }, {0x03, 0xFE, 0xFF}},
+      {[](Packer& p) { p.pack(static_cast<unsigned short>(0x1234)); }, {0x04, 0x34, 0x12}},
+      {[](Packer& p) { p.pack(-2); }, {0x05, 0xFE, 0xFF, 0xFF, 0xFF}},
+      {[](Packer& p) { p.pack(0x01020304u); }, {0x06, 0x04, 0x03, 0x02, 0x01}},
+      {[](Packer& p) { p.pack(-2LL); }, {0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
+      {[](Packer& p) { p.pack(0x0102030405060708ULL); }, {0x08, 0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01}},
+      {[](Packer& p) { p.pack(1.0f); }, {0x0B, 0x00, 0x00, 0x80, 0x3F}},
+      {[](Packer& p) { p.pack(1.0); }, {0x0C, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF0, 0x3F}},
+      // The fixed-width names map to the same codes on 32- and 64-bit hosts.
+      {[](Packer& p) { p.pack(static_cast<int64_t>(-2)); }, {0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
+      {[](Packer& p) { p.pack(static_cast<uint64_t>(1)); }, {0x08, 0x01, 0, 0, 0, 0, 0, 0, 0}},
+      {[](Packer& p) { p.pack(static_cast<int32_t>(1)); }, {0x05, 0x01, 0, 0, 0}},
+      {[](Packer& p) { p.packBool(true); }, {0x10, 0x01}},
+      {[](Packer& p) { p.packBool(false); }, {0x10, 0x00}},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    SCOPED_TRACE(i);
+    Packer p(0);
+    cases[i].pack(p);
+    Bytes const m = finish(p, 9);
+    EXPECT_EQ(Bytes(m.begin() + 16, m.end()), cases[i].body);
+    EXPECT_EQ(m, message(cases[i].body, 9));
+  }
+}
+
+TEST_F(PackerTest, ArraysAndEmptyArrays) {
+  Packer p(0);
+  short const s[] = {1, -2};
+  p.pack(s, 2);
+  double const d[] = {2.0};
+  p.pack(d, 1);  // a count of 1 is still an array
+  p.pack(static_cast<int const*>(nullptr), 0);
+  char const text[] = "xyz";
+  p.pack(text, 0);  // no bytes: an empty array, not a scalar
+  bool const flags[] = {true, false, true};
+  p.packBool(flags, 3);
+  unsigned char const u[] = {7, 8, 9};
+  p.pack(u, 3);
+  Bytes const expected = {0x83, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0xFE, 0xFF,                    // int16[2]
+                          0x8C, 0x01, 0x00, 0x00, 0x00, 0, 0, 0, 0, 0, 0, 0x00, 0x40,              // double[1]
+                          0x85, 0x00, 0x00, 0x00, 0x00,                                            // int32[0]
+                          0x8E, 0x00, 0x00, 0x00, 0x00,                                            // char8[0]
+                          0x90, 0x03, 0x00, 0x00, 0x00, 0x01, 0x00, 0x01,                          // bool8[3]
+                          0x82, 0x03, 0x00, 0x00, 0x00, 0x07, 0x08, 0x09};                         // uint8[3]
+  EXPECT_EQ(bodyOf(p), expected);
+}
+
+TEST_F(PackerTest, BoolsAreNormalised) {
+  // Any non-zero byte in a bool goes out as 1.
+  unsigned char raw[3] = {0, 1, 0x40};
+  bool flags[3];
+  std::memcpy(flags, raw, 3);
+  Packer p(0);
+  p.packBool(flags, 3);
+  EXPECT_EQ(bodyOf(p), (Bytes{0x90, 0x03, 0, 0, 0, 0x00, 0x01, 0x01}));
+  // Only the byte 1 reads as true.
+  Packer q = fromBytes(message({0x10, 0x02, 0x10, 0x01, 0x90, 0x02, 0, 0, 0, 0x01, 0xFF}));
+  bool b = true;
+  q.unpackBool(b);
+  EXPECT_FALSE(b);
+  q.unpackBool(b);
+  EXPECT_TRUE(b);
+  bool two[2] = {false, true};
+  EXPECT_EQ(q.unpackBool(two), 2u);
+  EXPECT_TRUE(two[0]);
+  EXPECT_FALSE(two[1]);
+}
+
+TEST_F(PackerTest, StringsAndStringArrays) {
+  Packer p(0);
+  p.pack(vString(""));
+  p.pack(vString("CDP"));
+  p.pack("ab");
+  vString const texts[] = {vString("ab"), vString(""), vString("c")};
+  p.pack(texts, 3);
+  p.pack(texts, 0);
+  Bytes const expected = {0x8E, 0x00, 0x00, 0x00, 0x00,                                // ""
+                          0x8E, 0x04, 0x00, 0x00, 0x00, 0x43, 0x44, 0x50, 0x00,        // "CDP"
+                          0x8E, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00,              // "ab"
+                          0x91, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00, 0x00, 0x63, 0x00,
+                          0x91, 0x00, 0x00, 0x00, 0x00};
+  EXPECT_EQ(bodyOf(p), expected);
+
+  Packer q(p);
+  vString a("junk");
+  vString b;
+  vString c;
+  q.unpack(a);
+  q.unpack(b);
+  q.unpack(c);
+  EXPECT_TRUE(a.isEmpty());
+  EXPECT_EQ(str(b), "CDP");
+  EXPECT_EQ(str(c), "ab");
+  ASSERT_EQ(q.getNElements(), 3u);
+  std::vector<vString> back(3);
+  EXPECT_EQ(q.unpack(back.data()), 3u);
+  EXPECT_EQ(str(back[0]), "ab");
+  EXPECT_TRUE(back[1].isEmpty());
+  EXPECT_EQ(str(back[2]), "c");
+  EXPECT_EQ(q.getNElements(), 0u);
+  EXPECT_EQ(q.unpack(static_cast<vString*>(nullptr)), 0u);
+  EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
+}
+
+TEST_F(PackerTest, FoldingStringsFoldOnUnpack) {
+  Packer p(0);
+  p.pack(vString("MixedCase"));
+  p.pack(vUCString("abc"));
+  finish(p);
+  Packer q(p);
+  vUCString upper;
+  vString plain;
+  q.unpack(upper);
+  q.unpack(plain);
+  EXPECT_EQ(str(upper), "MIXEDCASE");
+  EXPECT_EQ(str(plain), "ABC");
+}
+
+TEST_F(PackerTest, DatesAndDateArrays) {
+  vDate const valid(0x01020304L);
+  vDate const invalid(vDate::Invalid);
+  Packer p(0);
+  p.pack(valid);
+  p.pack(invalid);
+  vDate const dates[] = {valid, invalid};
+  p.pack(dates, 2);
+  Bytes const expected = {0x12, 0x00, 0x04, 0x03, 0x02, 0x01,  // valid
+                          0x12, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,  // not valid: flag 1, seconds -1
+                          0x92, 0x02, 0x00, 0x00, 0x00, 0x00, 0x04, 0x03, 0x02, 0x01, 0x01, 0xFF, 0xFF, 0xFF, 0xFF};
+  EXPECT_EQ(bodyOf(p), expected);
+
+  Packer q(p);
+  vDate a(vDate::Invalid);
+  vDate b;
+  q.unpack(a);
+  q.unpack(b);
+  EXPECT_TRUE(a.isValid());
+  EXPECT_EQ(a.getSeconds(), 0x01020304L);
+  EXPECT_FALSE(b.isValid());
+  vDate back[2];
+  EXPECT_EQ(q.unpack(back), 2u);
+  EXPECT_EQ(back[0].getSeconds(), 0x01020304L);
+  EXPECT_TRUE(back[0].isValid());
+  EXPECT_FALSE(back[1].isValid());
+}
+
+TEST_F(PackerTest, DateFlagIsAppliedAfterTheSeconds) {
+  // Seconds that would make a valid date, with the flag set: not valid.
+  Packer q = fromBytes(message({0x12, 0x01, 0x10, 0x00, 0x00, 0x00, 0x12, 0x02, 0x10, 0x00, 0x00, 0x00}));
+  vDate d;
+  q.unpack(d);
+  EXPECT_FALSE(d.isValid());
+  // Only bit 0 of the flag counts.
+  q.unpack(d);
+  EXPECT_TRUE(d.isValid());
+  EXPECT_EQ(d.getSeconds(), 16L);
+}
+
+TEST_F(PackerTest, Frames) {
+  Packer p(0);
+  p.packFrame(1241, 5);
+  p.pack(1);
+  p.packFrame(-2, -1);
+  p.endFrame();
+  p.endFrame();
+  EXPECT_EQ(bodyOf(p), (Bytes{0x7F, 0xD9, 0x04, 0x05, 0x00, 0x05, 0x01, 0, 0, 0, 0x7F, 0xFE, 0xFF, 0xFF, 0xFF,
+                              0x7E, 0x7E}));
+  short magic = 0;
+  short version = 0;
+  p.unpackFrame(magic, version);
+  EXPECT_EQ(magic, 1241);
+  EXPECT_EQ(version, 5);
+  EXPECT_EQ(p.getFrameDepth(), 1);
+  int one = 0;
+  p.unpack(one);
+  EXPECT_EQ(one, 1);
+  p.unpackFrame(magic, version);
+  EXPECT_EQ(magic, -2);
+  EXPECT_EQ(version, -1);
+  p.endFrame();
+  p.endFrame();
+  EXPECT_EQ(p.getFrameDepth(), 0);
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  EXPECT_EQ(fatalText([&] { p.endFrame(); }), "Packer::endFrame: No more data to unpack.");
+}
+
+TEST_F(PackerTest, AddressOfGoesOutAsAnOrdinaryArray) {
+  std::vector<float> data = {1.0f, 2.0f};
+  std::vector<short> empty;
+  Packer p(0);
+  p.pack(7);
+  p.packAddressOf(data.data(), 2);
+  p.packAddressOf(empty.data(), 0);
+  p.pack(8);
+  EXPECT_EQ(p.getNAddressOf(), 2);
+  // Not copied: a change before the message is finished goes out.
+  data[1] = 2.5f;
+  Bytes const body = {0x05, 0x07, 0, 0, 0,                                   //
+                      0x8B, 0x02, 0, 0, 0, 0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x20, 0x40,  //
+                      0x83, 0x00, 0, 0, 0,                                   //
+                      0x05, 0x08, 0, 0, 0};
+  EXPECT_EQ(finish(p, 4), message(body, 4));
+  EXPECT_EQ(p.getSize(), 16 + static_cast<int>(body.size()));
+
+  // The gather list gives the same bytes, with the caller's memory as one
+  // of its pieces.
+  std::vector<Packer::Segment> segments;
+  p.getSegments(segments, 99);
+  Bytes joined;
+  bool sawCallerMemory = false;
+  for (Packer::Segment const& s : segments) {
+    joined.insert(joined.end(), s.data, s.data + s.size);
+    if (s.data == reinterpret_cast<unsigned char const*>(data.data())) sawCallerMemory = true;
+  }
+  EXPECT_EQ(joined, message(body, 4));
+  EXPECT_TRUE(sawCallerMemory);
+
+  // Reading in the same process goes through the address.
+  int a = 0;
+  p.unpack(a);
+  EXPECT_EQ(a, 7);
+  EXPECT_EQ(p.getNextDataType(), vADDRESSOF | vARRAYOF | vFLOAT32);
+  ASSERT_EQ(p.getNElements(), 2u);
+  float back[2] = {};
+  EXPECT_EQ(p.unpack(back), 2u);
+  EXPECT_EQ(back[0], 1.0f);
+  EXPECT_EQ(back[1], 2.5f);
+  EXPECT_EQ(p.unpack(static_cast<short*>(nullptr)), 0u);
+  p.unpack(a);
+  EXPECT_EQ(a, 8);
+
+  // A message read from the bytes holds an ordinary array.
+  Packer q = fromBytes(message(body, 4));
+  q.unpack(a);
+  EXPECT_EQ(q.getNextDataType(), vARRAYOF | vFLOAT32);
+}
+
+TEST_F(PackerTest, DumpBytes) {
+  Packer p(0);
+  p.pack(1);
+  std::ostringstream out;
+  p.dumpBytes(out);
+  EXPECT_EQ(out.str(),
+            "\n 0xd6, 0x12, 0x6a, 0x2, 0x1, 0x0, 0x0, 0x0, 0x5, 0x0,"
+            "\n 0x0, 0x0, 0x0, 0x0, 0x0, 0x0, 0x5, 0x1, 0x0, 0x0,"
+            "\n 0x0,");
+  EXPECT_EQ(p.getMessageTag(), 0);
+  // The stream's own format is left as it was.
+  out.str("");
+  out << 10;
+  EXPECT_EQ(out.str(), "10");
+}
+
+// --- Round trips -----------------------------------------------------------------
+
+// Writes one of every entry form; readAll checks them back.
+void packAll(Packer& p, std::vector<double> const& big) {
+  p.packFrame(500, 3);
+  p.pack(static_cast<signed char>(-5));
+  p.pack('z');
+  p.pack(static_cast<unsigned char>(250));
+  p.pack(static_cast<short>(-12345));
+  p.pack(static_cast<unsigned short>(54321));
+  p.pack(-123456789);
+  p.pack(3123456789u);
+  p.pack(-1234567890123LL);
+  p.pack(12345678901234567890ULL);
+  p.pack(3.5f);
+  p.pack(-2.25);
+  p.packBool(true);
+  int const ints[] = {1, -2, 3};
+  p.pack(ints, 3);
+  long long const longs[] = {-1, 1LL << 40};
+  p.pack(longs, 2);
+  unsigned short const shorts[] = {1, 65535};
+  p.pack(shorts, 2);
+  p.pack(static_cast<float const*>(nullptr), 0);
+  p.pack(vString("hello"));
+  p.pack(vString(""));
+  vString const texts[] = {vString("one"), vString(""), vString("three")};
+  p.pack(texts, 3);
+  p.pack(vDate(86400L * 365));
+  vDate const dates[] = {vDate(1000L), vDate(vDate::Invalid), vDate(2000L)};
+  p.pack(dates, 3);
+  p.packFrame(501, 1);
+  p.pack(big.data(), static_cast<unsigned>(big.size()));
+  p.endFrame();
+  p.endFrame();
+}
+
+void readAll(Packer& p, std::vector<double> const& big) {
+  short magic = 0;
+  short version = 0;
+  p.unpackFrame(magic, version);
+  EXPECT_EQ(magic, 500);
+  EXPECT_EQ(version, 3);
+  signed char sc = 0;
+  char c = 0;
+  unsigned char uc = 0;
+  short s = 0;
+  unsigned short us = 0;
+  int i = 0;
+  unsigned int ui = 0;
+  long long ll = 0;
+  unsigned long long ull = 0;
+  float f = 0;
+  double d = 0;
+  bool b = false;
+  p.unpack(sc);
+  p.unpack(c);
+  p.unpack(uc);
+  p.unpack(s);
+  p.unpack(us);
+  p.unpack(i);
+  p.unpack(ui);
+  p.unpack(ll);
+  p.unpack(ull);
+  p.unpack(f);
+  p.unpack(d);
+  p.unpackBool(b);
+  EXPECT_EQ(sc, -5);
+  EXPECT_EQ(c, 'z');
+  EXPECT_EQ(uc, 250);
+  EXPECT_EQ(s, -12345);
+  EXPECT_EQ(us, 54321);
+  EXPECT_EQ(i, -123456789);
+  EXPECT_EQ(ui, 3123456789u);
+  EXPECT_EQ(ll, -1234567890123LL);
+  EXPECT_EQ(ull, 12345678901234567890ULL);
+  EXPECT_EQ(f, 3.5f);
+  EXPECT_EQ(d, -2.25);
+  EXPECT_TRUE(b);
+  ASSERT_EQ(p.getNElements(), 3u);
+  int ints[3] = {};
+  EXPECT_EQ(p.unpack(ints), 3u);
+  EXPECT_EQ(ints[1], -2);
+  long long longs[2] = {};
+  EXPECT_EQ(p.unpack(longs), 2u);
+  EXPECT_EQ(longs[1], 1LL << 40);
+  unsigned short shorts[2] = {};
+  EXPECT_EQ(p.unpack(shorts), 2u);
+  EXPECT_EQ(shorts[1], 65535);
+  EXPECT_EQ(p.unpack(static_cast<float*>(nullptr)), 0u);
+  vString text;
+  p.unpack(text);
+  EXPECT_EQ(str(text), "hello");
+  p.unpack(text);
+  EXPECT_TRUE(text.isEmpty());
+  vString texts[3];
+  EXPECT_EQ(p.unpack(texts), 3u);
+  EXPECT_EQ(str(texts[0]), "one");
+  EXPECT_TRUE(texts[1].isEmpty());
+  EXPECT_EQ(str(texts[2]), "three");
+  vDate date;
+  p.unpack(date);
+  EXPECT_EQ(date.getSeconds(), 86400L * 365);
+  vDate dates[3];
+  EXPECT_EQ(p.unpack(dates), 3u);
+  EXPECT_EQ(dates[0].getSeconds(), 1000L);
+  EXPECT_FALSE(dates[1].isValid());
+  EXPECT_EQ(dates[2].getSeconds(), 2000L);
+  p.unpackFrame(magic, version);
+  EXPECT_EQ(magic, 501);
+  ASSERT_EQ(p.getNElements(), big.size());
+  std::vector<double> back(big.size());
+  EXPECT_EQ(p.unpack(back.data()), big.size());
+  EXPECT_EQ(back, big);
+  p.endFrame();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
+  p.endFrame();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+}
+
+std::vector<double> bigArray() {
+  std::vector<double> big(5000);
+  for (std::size_t k = 0; k < big.size(); ++k) big[k] = static_cast<double>(k) * 1.5 - 7;
+  return big;
+}
+
+TEST_F(PackerTest, RoundTripThroughEveryWayIn) {
+  std::vector<double> const big = bigArray();
+  Packer p(10);
+  packAll(p, big);
+  Bytes const m = finish(p, 77);
+
+  {
+    SCOPED_TRACE("the sender reads its own message");
+    readAll(p, big);
+  }
+  {
+    SCOPED_TRACE("copied from a buffer");
+    Packer q = fromBytes(m);
+    EXPECT_EQ(q.getState(), Packer::PACKUNPACKING);
+    EXPECT_EQ(q.getMessageTag(), 77);
+    EXPECT_FALSE(q.isSwapped());
+    readAll(q, big);
+    q.first();
+    readAll(q, big);
+  }
+  {
+    SCOPED_TRACE("adopted buffer");
+    unsigned char* raw = new unsigned char[m.size()];
+    std::memcpy(raw, m.data(), m.size());
+    Packer q(static_cast<int>(m.size()), raw);
+    readAll(q, big);
+  }
+  {
+    SCOPED_TRACE("copy and assignment");
+    Packer q = fromBytes(m);
+    Packer copy(q);
+    Packer assigned(5);
+    assigned.pack(1);
+    assigned = q;
+    assigned = assigned;
+    readAll(copy, big);
+    readAll(assigned, big);
+    readAll(q, big);
+  }
+}
+
+TEST_F(PackerTest, AddressOfRoundTripAndCopies) {
+  std::vector<float> trace(1000);
+  for (std::size_t k = 0; k < trace.size(); ++k) trace[k] = static_cast<float>(k) / 4;
+  Packer p(100);
+  p.pack(vString("TRACE"));
+  p.packAddressOf(trace.data(), static_cast<unsigned>(trace.size()));
+  p.pack(3);
+  // A copy refers to the same caller memory and goes out the same.
+  Packer copy(p);
+  Bytes const m = finish(p, 1);
+  EXPECT_EQ(finish(copy, 1), m);
+  EXPECT_EQ(static_cast<int>(m.size()), 16 + 11 + 5 + 4000 + 5);
+  Packer q = fromBytes(m);
+  vString name;
+  q.unpack(name);
+  std::vector<float> back(q.getNElements());
+  q.unpack(back.data());
+  int three = 0;
+  q.unpack(three);
+  EXPECT_EQ(back, trace);
+  EXPECT_EQ(three, 3);
+}
+
+TEST_F(PackerTest, ThroughAPipeWithGatheredWrites) {
+  // The sender writes the pieces with writev, the receiver reads the header,
+  // then the body into the Packer's own buffer.
+  std::vector<float> trace(300000);
+  for (std::size_t k = 0; k < trace.size(); ++k) trace[k] = static_cast<float>(k);
+  Packer out(0);
+  out.pack(vString("x"));
+  out.packAddressOf(trace.data(), static_cast<unsigned>(trace.size()));
+  out.pack(-1);
+  std::vector<Packer::Segment> segments;
+  out.getSegments(segments, 12);
+  std::vector<iovec> iov;
+  for (auto const& s : segments) iov.push_back(iovec{const_cast<unsigned char*>(s.data), s.size});
+
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  std::thread writer([&] {
+    std::size_t first = 0;
+    while (first < iov.size()) {
+      ssize_t n = writev(fds[1], iov.data() + first, static_cast<int>(iov.size() - first));
+      if (n <= 0) break;
+      while (first < iov.size() && static_cast<std::size_t>(n) >= iov[first].iov_len) {
+        n -= static_cast<ssize_t>(iov[first].iov_len);
+        ++first;
+      }
+      if (first < iov.size()) {
+        iov[first].iov_base = static_cast<char*>(iov[first].iov_base) + n;
+        iov[first].iov_len -= static_cast<std::size_t>(n);
+      }
+    }
+    close(fds[1]);
+  });
+  auto readFully = [&](unsigned char* to, std::size_t n) {
+    while (n > 0) {
+      ssize_t const got = read(fds[0], to, n);
+      if (got <= 0) return false;
+      to += got;
+      n -= static_cast<std::size_t>(got);
+    }
+    return true;
+  };
+  unsigned char header[16];
+  ASSERT_TRUE(readFully(header, 16));
+  Packer in(0);
+  int const length = in.beginReceive(header);
+  EXPECT_EQ(length, out.getSize() - 16);
+  ASSERT_TRUE(readFully(in.getReceiveBuffer(), static_cast<std::size_t>(length)));
+  in.endReceive();
+  writer.join();
+  close(fds[0]);
+
+  EXPECT_EQ(in.getMessageTag(), 12);
+  vString x;
+  in.unpack(x);
+  std::vector<float> back(in.getNElements());
+  in.unpack(back.data());
+  int last = 0;
+  in.unpack(last);
+  EXPECT_EQ(back, trace);
+  EXPECT_EQ(last, -1);
+  EXPECT_EQ(in.getState(), Packer::PACKUNPACKED);
+}
+
+// --- The other byte order ------------------------------------------------------------
+
+TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
+  Bytes const m = {
+      0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,  // magic, version
+      0x00, 0x00, 0x00, 0x52, 0x00, 0x00, 0x01, 0x02,  // body length 82, tag 258
+      0x7F, 0x04, 0xD9, 0x00, 0x05,                    // frame 1241, 5
+      0x05, 0xFF, 0xFF, 0xFF, 0xFE,                    // int32 -2
+      0x83, 0x00, 0x00, 0x00, 0x02, 0x00, 0x01, 0xFF, 0xFE,  // int16[2] {1, -2}
+      0x0B, 0x3F, 0x80, 0x00, 0x00,                    // float 1
+      0x0C, 0x40, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,  // double 2
+      0x08, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08,  // uint64
+      0x8E, 0x00, 0x00, 0x00, 0x03, 0x61, 0x62, 0x00,  // "ab"
+      0x91, 0x00, 0x00, 0x00, 0x02, 0x78, 0x00, 0x79, 0x7A, 0x00,  // {"x", "yz"}
+      0x12, 0x00, 0x01, 0x02, 0x03, 0x04,              // date
+      0x92, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x00, 0x10, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,  // dates
+      0x7E};
+  ASSERT_EQ(m.size(), 16u + 82u);
+  Packer p = fromBytes(m);
+  EXPECT_TRUE(p.isSwapped());
+  EXPECT_EQ(p.getMessageTag(), 258);
+  short magic = 0;
+  short version = 0;
+  p.unpackFrame(magic, version);
+  EXPECT_EQ(magic, 1241);
+  EXPECT_EQ(version, 5);
+  int i = 0;
+  p.unpack(i);
+  EXPECT_EQ(i, -2);
+  short s[2];
+  EXPECT_EQ(p.unpack(s), 2u);
+  EXPECT_EQ(s[0], 1);
+  EXPECT_EQ(s[1], -2);
+  float f = 0;
+  p.unpack(f);
+  EXPECT_EQ(f, 1.0f);
+  double d = 0;
+  p.unpack(d);
+  EXPECT_EQ(d, 2.0);
+  unsigned long long u = 0;
+  p.unpack(u);
+  EXPECT_EQ(u, 0x0102030405060708ULL);
+  vString text;
+  p.unpack(text);
+  EXPECT_EQ(str(text), "ab");
+  vString texts[2];
+  EXPECT_EQ(p.unpack(texts), 2u);
+  EXPECT_EQ(str(texts[0]), "x");
+  EXPECT_EQ(str(texts[1]), "yz");
+  vDate date;
+  p.unpack(date);
+  EXPECT_EQ(date.getSeconds(), 0x01020304L);
+  vDate dates[2];
+  EXPECT_EQ(p.unpack(dates), 2u);
+  EXPECT_EQ(dates[0].getSeconds(), 16L);
+  EXPECT_FALSE(dates[1].isValid());
+  p.endFrame();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+
+  // Resending the message sends it in this host's order.
+  Packer q(p);
+  Bytes const again = finish(q, 0);
+  EXPECT_EQ(Bytes(again.begin(), again.begin() + 4), (Bytes{0xD6, 0x12, 0x6A, 0x02}));
+  Packer r = fromBytes(again);
+  EXPECT_FALSE(r.isSwapped());
+  r.unpackFrame(magic, version);
+  r.unpack(i);
+  EXPECT_EQ(i, -2);
+}
+
+TEST_F(PackerTest, SwappedTwinReadsBackTheSame) {
+  std::vector<double> const big = bigArray();
+  Packer p(0);
+  packAll(p, big);
+  Bytes const m = finish(p, 0x01020304);
+  Bytes twin = m;
+  Packer::reverseByteOrder(twin.data(), static_cast<int>(twin.size()));
+  EXPECT_EQ(Bytes(twin.begin(), twin.begin() + 16),
+            (Bytes{0x02, 0x6A, 0x12, 0xD6, 0, 0, 0, 1, m[11], m[10], m[9], m[8], 0x01, 0x02, 0x03, 0x04}));
+  EXPECT_NE(twin, m);
+  Packer q = fromBytes(twin);
+  EXPECT_TRUE(q.isSwapped());
+  EXPECT_EQ(q.getMessageTag(), 0x01020304);
+  readAll(q, big);
+  // Reversing twice gives the original bytes.
+  Packer::reverseByteOrder(twin.data(), static_cast<int>(twin.size()));
+  EXPECT_EQ(twin, m);
+}
+
+TEST_F(PackerTest, VersionWordInTheOtherOrderIsAccepted) {
+  Bytes m = message({0x05, 0x2A, 0, 0, 0});
+  m[4] = 0;
+  m[7] = 1;  // 0x01000000
+  Packer p = fromBytes(m);
+  int v = 0;
+  p.unpack(v);
+  EXPECT_EQ(v, 42);
+}
+
+// --- State table -------------------------------------------------------------------
+
+struct StateRow {
+  char const* name;
+  std::function<std::unique_ptr<Packer>()> make;
+};
+
+Bytes twoInts() { return message({0x05, 0x01, 0, 0, 0, 0x05, 0x02, 0, 0, 0}, 6); }
+
+std::vector<StateRow> stateRows() {
+  return {
+      {"PACKINIT", [] { return std::make_unique<Packer>(100); }},
+      {"PACKPACKING",
+       [] {
+         auto p = std::make_unique<Packer>(100);
+         p->pack(1);
+         p->pack(2);
+         return p;
+       }},
+      {"PACKSENT",
+       [] {
+         auto p = std::make_unique<Packer>(100);
+         p->pack(1);
+         p->pack(2);
+         unsigned char const* b;
+         int n;
+         p->getBuffer(&b, n, 6);
+         return p;
+       }},
+      {"PACKUNPACKING",
+       [] {
+         Bytes const m = twoInts();
+         return std::make_unique<Packer>(static_cast<int>(m.size()), m.data());
+       }},
+      {"PACKUNPACKED",
+       [] {
+         Bytes const m = twoInts();
+         auto p = std::make_unique<Packer>(static_cast<int>(m.size()), m.data());
+         int v;
+         p->unpack(v);
+         p->unpack(v);
+         return p;
+       }},
+  };
+}
+
+struct StateOp {
+  int code;
+  std::function<void(Packer&)> apply;
+};
+
+std::vector<StateOp> stateOps() {
+  static Bytes const header = twoInts();
+  return {
+      {100, [](Packer& p) { p.pack(3); }},
+      {101,
+       [](Packer& p) {
+         unsigned char const* b;
+         int n;
+         p.getBuffer(&b, n, 6);
+       }},
+      {102,
+       [](Packer& p) {
+         int const n = p.beginReceive(header.data());
+         std::memcpy(p.getReceiveBuffer(), header.data() + 16, static_cast<std::size_t>(n));
+         p.endReceive();
+       }},
+      {103,
+       [](Packer& p) {
+         int v;
+         p.unpack(v);
+       }},
+      {104, [](Packer& p) { p.discard(); }},
+      {105, nullptr},
+      {106, [](Packer& p) { p.first(); }},
+      {107, [](Packer& p) { EXPECT_EQ(p.getMessageTag(), 6); }},
+  };
+}
+
+TEST_F(PackerTest, EveryCellOfTheStateTable) {
+  // Expected new state, or the exact message of an illegal pair. Delete is
+  // checked below through the destructor.
+  using S = Packer::PackState;
+  struct Cell {
+    int state;  // 0 when the operation raises
+    char const* text;
+  };
+  auto ill = [](char const* t) { return Cell{0, t}; };
+  auto to = [](S s) { return Cell{s, nullptr}; };
+  std::vector<std::vector<Cell>> const table = {
+      // pack, send, receive, unpack, discard, delete, first, read tag
+      {to(S::PACKPACKING), ill("Illegal operation 101 for state PACKINIT."), to(S::PACKUNPACKING),
+       ill("Illegal operation 103 for state PACKINIT."), ill("Illegal operation 104 for state PACKINIT."), {},
+       ill("Illegal operation 106 for state PACKINIT."), ill("Illegal operation 107 for state PACKINIT.")},
+      {to(S::PACKPACKING), to(S::PACKSENT), ill("Illegal operation 102 for state PACKPACKING."),
+       ill("Illegal operation 103 for state PACKPACKING."), ill("Illegal operation 104 for state PACKPACKING."), {},
+       ill("Illegal operation 106 for state PACKPACKING."), ill("Illegal operation 107 for state PACKPACKING.")},
+      {to(S::PACKPACKING), to(S::PACKSENT), to(S::PACKUNPACKING), to(S::PACKUNPACKING),
+       ill("Illegal operation 104 for state PACKSENT."), {}, ill("Illegal operation 106 for state PACKSENT."),
+       to(S::PACKSENT)},
+      {ill("Illegal operation 100 for state PACKUNPACKING."), to(S::PACKUNPACKING),
+       ill("Illegal operation 102 for state PACKUNPACKING."), to(S::PACKUNPACKING), to(S::PACKUNPACKED), {},
+       to(S::PACKUNPACKING), to(S::PACKUNPACKING)},
+      {to(S::PACKPACKING), to(S::PACKUNPACKED), to(S::PACKUNPACKING), ill("No more data to unpack."),
+       to(S::PACKUNPACKED), {}, to(S::PACKUNPACKING), to(S::PACKUNPACKED)},
+  };
+  std::vector<StateRow> const rows = stateRows();
+  std::vector<StateOp> const ops = stateOps();
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    for (std::size_t o = 0; o < ops.size(); ++o) {
+      if (!ops[o].apply) continue;
+      SCOPED_TRACE(std::string(rows[r].name) + " op " + std::to_string(ops[o].code));
+      std::unique_ptr<Packer> p = rows[r].make();
+      Packer::PackState const before = p->getState();
+      Cell const& cell = table[r][o];
+      if (cell.text != nullptr) {
+        EXPECT_EQ(reasonOf([&] { ops[o].apply(*p); }), cell.text);
+        EXPECT_EQ(p->getState(), before);
+      } else {
+        ops[o].apply(*p);
+        EXPECT_EQ(p->getState(), cell.state);
+      }
+      try {
+        p->discard();  // where legal, so that the destructor stays quiet
+      } catch (UtlExcept const&) {
+      }
+    }
+  }
+}
+
+TEST_F(PackerTest, DeleteInEachState) {
+  std::vector<StateRow> const rows = stateRows();
+  for (StateRow const& row : rows) {
+    infos().clear();
+    row.make().reset();
+    std::string const name = row.name;
+    if (name == "PACKPACKING" || name == "PACKUNPACKING") {
+      ASSERT_EQ(infos().size(), 1u) << name;
+      EXPECT_EQ(infos()[0], "Packer::~Packer: Packer object deleted while in " + name + " state.");
+    } else {
+      EXPECT_TRUE(infos().empty()) << name;
+    }
+  }
+}
+
+TEST_F(PackerTest, ReuseForAWholeExchange) {
+  Packer p(0);
+  p.pack(1);
+  Bytes const request = finish(p, 1);
+  // The answer comes into the same object.
+  Packer answer(0);
+  answer.pack(vString("reply"));
+  Bytes const reply = finish(answer, 2);
+  int n = p.beginReceive(reply.data());
+  std::memcpy(p.getReceiveBuffer(), reply.data() + 16, static_cast<std::size_t>(n));
+  p.endReceive();
+  vString text;
+  p.unpack(text);
+  EXPECT_EQ(str(text), "reply");
+  EXPECT_EQ(p.getMessageTag(), 2);
+  // And is filled again.
+  p.pack(2);
+  EXPECT_EQ(finish(p, 3), message({0x05, 0x02, 0, 0, 0}, 3));
+}
+
+// --- Edge cases --------------------------------------------------------------------
+
+TEST_F(PackerTest, SendingNothingIsIllegal) {
+  Packer p(10);
+  EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Illegal operation 101 for state PACKINIT.");
+  std::vector<Packer::Segment> segments;
+  EXPECT_EQ(reasonOf([&] { p.getSegments(segments, 0); }), "Illegal operation 101 for state PACKINIT.");
+  std::ostringstream out;
+  EXPECT_EQ(reasonOf([&] { p.dumpBytes(out); }), "Illegal operation 101 for state PACKINIT.");
+}
+
+TEST_F(PackerTest, SecondFinishResendsTheSameBytes) {
+  Packer p(0);
+  p.pack(5);
+  Bytes const first = finish(p, 1);
+  Bytes const second = finish(p, 2);
+  EXPECT_EQ(first, second);
+  EXPECT_EQ(p.getMessageTag(), 1);
+}
+
+TEST_F(PackerTest, UnbalancedFramesAreRefusedAtTheFinish) {
+  Packer p(0);
+  p.packFrame(1, 1);
+  p.packFrame(2, 1);
+  p.endFrame();
+  EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Number of packframes does not match endframes");
+  EXPECT_EQ(p.getState(), Packer::PACKPACKING);
+  p.endFrame();
+  EXPECT_EQ(bodyOf(p), (Bytes{0x7F, 1, 0, 1, 0, 0x7F, 2, 0, 1, 0, 0x7E, 0x7E}));
+
+  // A message whose frame does not end raises when its last entry is read.
+  Packer q = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
+  short m;
+  short v;
+  q.unpackFrame(m, v);
+  int i = 0;
+  EXPECT_EQ(reasonOf([&] { q.unpack(i); }), "Number of packframes does not match endframes");
+}
+
+TEST_F(PackerTest, MismatchedTypes) {
+  Packer p(0);
+  int const ints[] = {1, 2};
+  p.pack(ints, 2);
+  p.pack(7);
+  p.pack(vString("s"));
+  finish(p);
+  int i = 0;
+  EXPECT_EQ(fatalText([&] { p.unpack(i); }),
+            "Packer::unpack: Mismatched data type. Data is ArrayOfvINT32, asked for vINT32.");
+  float f[2];
+  EXPECT_EQ(reasonOf([&] { p.unpack(f); }), "Mismatched data type. Data is ArrayOfvINT32, asked for ArrayOfvFLOAT32.");
+  vString s;
+  EXPECT_EQ(reasonOf([&] { p.unpack(s); }), "Mismatched data type. Data is 133, should be vARRAYOF|vCHAR8.");
+  vString texts[2];
+  EXPECT_EQ(reasonOf([&] { p.unpack(texts); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vSTRING|ARRAYOF.");
+  vDate dates[2];
+  EXPECT_EQ(reasonOf([&] { p.unpack(dates); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vDATE|ARRAYOF.");
+  short fm;
+  short fv;
+  EXPECT_EQ(fatalText([&] { p.unpackFrame(fm, fv); }),
+            "Packer::unpackFrame: Mismatched data type. Data is 133, asked for 127.");
+  bool b;
+  EXPECT_EQ(reasonOf([&] { p.unpackBool(b); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vBOOL8.");
+  // A failed read consumes nothing.
+  int back[2];
+  EXPECT_EQ(p.unpack(back), 2u);
+  EXPECT_EQ(fatalText([&] { p.endFrame(); }), "Packer::endFrame: Mismatched data type. Data is 5, asked for 126.");
+  long long wide;
+  EXPECT_EQ(reasonOf([&] { p.unpack(wide); }), "Mismatched data type. Data is vINT32, asked for vINT64.");
+  p.unpack(i);
+  EXPECT_EQ(i, 7);
+  EXPECT_EQ(reasonOf([&] { p.unpack(i); }), "Mismatched data type. Data is ArrayOfvCHAR8, asked for vINT32.");
+}
+
+TEST_F(PackerTest, EndOfMessage) {
+  Packer p = fromBytes(twoInts());
+  int v = 0;
+  p.unpack(v);
+  // Stepping over the last entry leaves nothing.
+  EXPECT_FALSE(p.next());
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  EXPECT_EQ(fatalText([&] { p.unpack(v); }), "Packer::unpack: No more data to unpack.");
+  EXPECT_FALSE(p.next());
+  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
+  EXPECT_EQ(p.getNElements(), 0u);
+  p.first();
+  p.unpack(v);
+  EXPECT_EQ(v, 1);
+  p.unpack(v);
+  EXPECT_EQ(v, 2);
+
+  // A message without entries.
+  Packer empty = fromBytes(message({}));
+  EXPECT_EQ(reasonOf([&] { empty.unpack(v); }), "No more data to unpack.");
+  EXPECT_FALSE(empty.next());
+  EXPECT_EQ(empty.getState(), Packer::PACKUNPACKED);
+}
+
+TEST_F(PackerTest, NextStepsOverEveryForm) {
+  std::vector<double> const big = bigArray();
+  Packer p(0);
+  packAll(p, big);
+  p.pack(99);
+  Bytes const m = finish(p, 0);
+  Packer q = fromBytes(m);
+  int steps = 1;
+  while (q.next()) ++steps;
+  EXPECT_EQ(steps, 27);
+  EXPECT_EQ(q.getFrameDepth(), 0);
+  q.first();
+  for (int k = 0; k < 26; ++k) q.next();
+  int last = 0;
+  q.unpack(last);
+  EXPECT_EQ(last, 99);
+}
+
+TEST_F(PackerTest, Inspection) {
+  Packer p(0);
+  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
+  EXPECT_EQ(p.getNElements(), 0u);
+  p.pack(1.5f);
+  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
+  float const fs[] = {1, 2, 3, 4};
+  p.pack(fs, 4);
+  p.packFrame(3, 4);
+  p.endFrame();
+  finish(p);
+  EXPECT_EQ(p.getNextDataType(), vFLOAT32);
+  EXPECT_EQ(p.getNElements(), 1u);
+  p.next();
+  EXPECT_EQ(p.getNextDataType(), vARRAYOF | vFLOAT32);
+  EXPECT_EQ(p.getNElements(), 4u);
+  p.next();
+  EXPECT_EQ(p.getNextDataType(), vPACKFRAME);
+  EXPECT_EQ(p.getNElements(), 2u);
+  p.next();
+  EXPECT_EQ(p.getNextDataType(), vENDFRAME);
+  EXPECT_EQ(p.getNElements(), 0u);
+  EXPECT_EQ(p.getNRemainingBytes(), 1);
+  p.discard();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  EXPECT_EQ(p.getFrameDepth(), 0);
+  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
+}
+
+TEST_F(PackerTest, CapacityAndGrowth) {
+  Packer p(0);
+  EXPECT_EQ(p.getCapacity(), 0);
+  // needed 16 + 4 + 5 = 25, grown by half to 37, rounded as setCapacity does.
+  p.pack(1);
+  EXPECT_EQ(p.getCapacity(), 24);
+  Packer big(0);
+  std::vector<unsigned char> block(1000000);
+  big.pack(block.data(), static_cast<unsigned>(block.size()));
+  // needed 1000021, grown by the capped step of 100000.
+  EXPECT_EQ(big.getCapacity(), 1100008);
+
+  Packer q(5);
+  EXPECT_EQ(q.getCapacity(), 8);
+  q.setCapacity(0);
+  EXPECT_EQ(q.getCapacity(), 0);
+  EXPECT_EQ(fatalText([&] { q.setCapacity(-1); }), "Packer::setCapacity: Capacity cannot be negative, -1 was supplied.");
+  int const ints[] = {1, 2, 3, 4, 5, 6, 7, 8};
+  q.pack(ints, 8);  // 16 + 5 + 32 = 53 bytes in use
+  EXPECT_EQ(reasonOf([&] { q.setCapacity(36); }),
+            "Cannot set capacity to less than already used.Used=53 Supplied=36.");
+  q.setCapacity(37);
+  EXPECT_EQ(q.getCapacity(), 40);
+  q.pack(9);
+  int back[8];
+  finish(q);
+  q.unpack(back);
+  EXPECT_EQ(back[7], 8);
+}
+
+TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
+  Packer p(0);
+  char const c = 0;
+  // Refused before anything is read from the pointer.
+  EXPECT_EQ(fatalText([&] { p.pack(reinterpret_cast<double const*>(&c), 0x80000000u); }),
+            "Packer::pack: Requested number of bytes (17179869184) was invalid.");
+  EXPECT_EQ(reasonOf([&] { p.packAddressOf(reinterpret_cast<double const*>(&c), 0x10000000u); }),
+            "Requested number of bytes (2147483648) was invalid.");
+  EXPECT_EQ(p.getState(), Packer::PACKINIT);
+  EXPECT_EQ(reasonOf([&] { p.packAddressOf(static_cast<float const*>(nullptr), 3); }),
+            "Null data given for 3 elements of vFLOAT32.");
+  // Many address-of entries may not add up beyond what a message can say.
+  for (int k = 0; k < 3; ++k) p.packAddressOf(reinterpret_cast<double const*>(&c), 75000000u);
+  EXPECT_EQ(reasonOf([&] { p.packAddressOf(reinterpret_cast<double const*>(&c), 75000000u); }),
+            "Packer cannot handle >2gig. Has 1800000031, wanted another 600000000.");
+}
+
+// --- skipFrame and schema evolution ----------------------------------------------
+
+// A class at two versions: version 2 added a field.
+class Sample : public Packable {
+ public:
+  static constexpr short Magic = 4321;
+  explicit Sample(short version) : m_version(version) {}
+  void pack(Packer& p) const override {
+    p.packFrame(Magic, m_version);
+    p.pack(a);
+    p.pack(name);
+    if (m_version >= 2) {
+      p.pack(extra);
+      // A nested object and a frame of its own, unknown to version 1.
+      p.packFrame(77, 1);
+      double const ds[] = {1, 2};
+      p.pack(ds, 2);
+      p.endFrame();
+    }
+    p.endFrame();
+  }
+  void unpack(Packer& p) override {
+    short magic;
+    short version;
+    p.unpackFrame(magic, version);
+    if (magic != Magic) Message::fatal("Sample::unpack", 0, "Bad magic value %d, expected %d.", magic, Magic);
+    p.unpack(a);
+    p.unpack(name);
+    if (version >= 2 && m_version >= 2) {
+      p.unpack(extra);
+      short nestedMagic;
+      short nestedVersion;
+      p.unpackFrame(nestedMagic, nestedVersion);
+      std::vector<double> ds(p.getNElements());
+      p.unpack(ds.data());
+      p.endFrame();
+    }
+    if (version > m_version) {
+      p.skipFrame();
+    } else {
+      p.endFrame();
+    }
+  }
+  int a = 0;
+  vString name;
+  double extra = -1;
+
+ private:
+  short m_version;
+};
+
+TEST_F(PackerTest, OlderReaderSkipsANewerFrame) {
+  Sample v2(2);
+  v2.a = 5;
+  v2.name = "five";
+  v2.extra = 2.5;
+  Packer p(0);
+  p.pack(v2);
+  p.pack(11);
+  p.pack(v2);
+  finish(p);
+  Sample v1(1);
+  p.unpack(v1);
+  EXPECT_EQ(v1.a, 5);
+  EXPECT_EQ(str(v1.name), "five");
+  EXPECT_EQ(v1.extra, -1);
+  int eleven = 0;
+  p.unpack(eleven);
+  EXPECT_EQ(eleven, 11);
+  EXPECT_EQ(p.getFrameDepth(), 0);
+  // The newer frame at the very end: the skip ends the message cleanly.
+  Sample last(1);
+  p.unpack(last);
+  EXPECT_EQ(last.a, 5);
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+}
+
+TEST_F(PackerTest, NewerReaderKeepsDefaultsForAnOlderFrame) {
+  Sample v1(1);
+  v1.a = 3;
+  v1.name = "three";
+  Packer p(0);
+  p.pack(v1);
+  Sample v2(2);
+  v2.extra = 9;
+  Packer q(p);
+  finish(q);
+  q.unpack(v2);
+  EXPECT_EQ(v2.a, 3);
+  EXPECT_EQ(v2.extra, 9);
+  EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
+}
+
+TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
+  Packer p(0);
+  p.packFrame(1, 1);
+  p.pack(1);
+  p.packFrame(2, 1);
+  p.pack(2);
+  p.endFrame();
+  p.endFrame();
+  p.pack(3);
+  p.pack(4);
+  finish(p);
+  p.skipFrame();
+  int v = 0;
+  p.unpack(v);
+  EXPECT_EQ(v, 3);
+  // After a frame end the skip takes the next single entry.
+  Packer q(0);
+  q.packFrame(1, 1);
+  q.endFrame();
+  q.pack(5);
+  q.pack(6);
+  finish(q);
+  short m;
+  short ver;
+  q.unpackFrame(m, ver);
+  q.endFrame();
+  q.skipFrame();
+  q.unpack(v);
+  EXPECT_EQ(v, 6);
+}
+
+TEST_F(PackerTest, SkipFrameOffTheEndIsQuiet) {
+  Packer p = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
+  short m;
+  short v;
+  p.unpackFrame(m, v);
+  p.skipFrame();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+}
+
+// --- STL ranges --------------------------------------------------------------------
+
+TEST_F(PackerTest, StlRanges) {
+  std::vector<int> const ints = {7, -8};
+  std::list<vString> const names = {vString("a"), vString("bc")};
+  std::vector<bool> const flags = {true, false};
+  Packer p(0);
+  pack(p, ints.begin(), ints.end());
+  pack(p, names.begin(), names.end());
+  pack(p, flags.cbegin(), flags.cend());
+  std::vector<int> const none;
+  pack(p, none.begin(), none.end());
+  Bytes const m = finish(p);
+  Bytes const firstRange = {0x7F, 0x43, 0x00, 0x01, 0x00, 0x05, 0x02, 0, 0, 0, 0x05, 0x07, 0, 0, 0,
+                            0x05, 0xF8, 0xFF, 0xFF, 0xFF, 0x7E};
+  EXPECT_EQ(Bytes(m.begin() + 16, m.begin() + 16 + firstRange.size()), firstRange);
+
+  std::vector<int> intsBack;
+  std::set<vString> namesBack;
+  std::vector<bool> flagsBack;
+  std::vector<int> noneBack;
+  unpack(p, std::back_inserter(intsBack), 0);
+  unpack(p, std::inserter(namesBack, namesBack.end()), vString());
+  unpack(p, std::back_inserter(flagsBack), false);
+  unpack(p, std::back_inserter(noneBack), 0);
+  EXPECT_EQ(intsBack, ints);
+  ASSERT_EQ(namesBack.size(), 2u);
+  EXPECT_EQ(str(*namesBack.begin()), "a");
+  EXPECT_EQ(flagsBack, flags);
+  EXPECT_TRUE(noneBack.empty());
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+
+  EXPECT_EQ(fatalText([&] { pack(p, ints.end(), ints.begin()); }),
+            "Packer::pack(STL): InputIterators appear to be in the wrong order.");
+}
+
+TEST_F(PackerTest, StlRangeChecks) {
+  std::vector<int> out;
+  Packer badMagic = fromBytes(message({0x7F, 0x44, 0, 1, 0, 0x05, 0, 0, 0, 0, 0x7E}));
+  EXPECT_EQ(fatalText([&] { unpack(badMagic, std::back_inserter(out), 0); }),
+            "Packer::unpack(STL): Bad magic number 68, expected 67.");
+  Packer badVersion = fromBytes(message({0x7F, 0x43, 0, 2, 0, 0x05, 0, 0, 0, 0, 0x7E}));
+  EXPECT_EQ(fatalText([&] { unpack(badVersion, std::back_inserter(out), 0); }),
+            "Packer::unpack(STL): Bad version number 2, expected 1.");
+  // A count beyond what the message can hold is not believed.
+  Packer forged = fromBytes(message({0x7F, 0x43, 0, 1, 0, 0x05, 0xFF, 0xFF, 0xFF, 0x7F, 0x05, 1, 0, 0, 0, 0x7E}));
+  EXPECT_EQ(fatalText([&] { unpack(forged, std::back_inserter(out), 0); }),
+            "Packer::unpack(STL): Bad element count 2147483647 with 6 bytes left.");
+  EXPECT_TRUE(out.empty());
+}
+
+// --- Untrusted input -----------------------------------------------------------------
+
+TEST_F(PackerTest, MalformedHeaders) {
+  Bytes m = twoInts();
+  m[0] = 1;
+  EXPECT_EQ(fatalText([&] { fromBytes(m); }),
+            "Packer::Packer(size,const buf): Bad message received. Magic was 40505857 expected 40506070.");
+  m = twoInts();
+  m[4] = 2;
+  EXPECT_EQ(fatalText([&] { fromBytes(m); }), "Packer::Packer(size,const buf): Bad version received.");
+  m = twoInts();
+  m[8] = 11;
+  EXPECT_EQ(reasonOf([&] { fromBytes(m); }),
+            "Bad message received. Body length 11 does not fit a message of 26 bytes.");
+  EXPECT_EQ(reasonOf([&] { Packer(10, static_cast<unsigned char const*>(m.data())); }),
+            "Bad message received. Message of 10 bytes is shorter than its header.");
+  m = twoInts();
+  m[0] = 0;
+  unsigned char* raw = new unsigned char[m.size()];
+  std::memcpy(raw, m.data(), m.size());
+  // The adopted buffer is freed when the constructor raises.
+  EXPECT_EQ(fatalText([&] { Packer(static_cast<int>(m.size()), raw); }),
+            "Packer::Packer(size,buf): Bad message received. Magic was 40505856 expected 40506070.");
+}
+
+TEST_F(PackerTest, ForgedEntries) {
+  struct Case {
+    Bytes body;
+    char const* text;
+  };
+  std::vector<Case> const cases = {
+      {{0x05, 1, 0}, "Corrupt message: the entry at offset 16 runs past the end of the message (19 bytes)."},
+      {{0x85, 0xFF, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4},
+       "Corrupt message: the entry at offset 16 runs past the end of the message (25 bytes)."},
+      {{0x91, 0x00, 0x00, 0x00, 0x40, 0x61, 0x00},
+       "Corrupt message: the entry at offset 16 runs past the end of the message (23 bytes)."},
+      {{0x91, 0x02, 0x00, 0x00, 0x00, 0x61, 0x00, 0x62},
+       "Corrupt message: the entry at offset 16 runs past the end of the message (24 bytes)."},
+      {{0x92, 0x02, 0x00, 0x00, 0x00, 0, 1, 2, 3, 4},
+       "Corrupt message: the entry at offset 16 runs past the end of the message (26 bytes)."},
+      {{0x32}, "Unknown DataType 50."},
+      {{0x11, 0, 0, 0, 0}, "Corrupt message: the vSTRING entry at offset 16 is not an array."},
+      {{0x80, 0xFF, 0xFF, 0xFF, 0xFF}, "Corrupt message: the entry at offset 16 is an array of ArrayOfvNOTYPE."},
+      {{0xFE, 0x05, 0x00, 0x00, 0x00}, "Corrupt message: the entry at offset 16 is an array of ArrayOfvENDFRAME."},
+      {{0xCB, 0x01, 0, 0, 0, 0, 0, 0, 0, 0x04, 0, 0, 0},
+       "Corrupt message: the address-of entry at offset 16 does not belong to this message."},
+      {{0x7F, 0x01}, "Corrupt message: the entry at offset 16 runs past the end of the message (18 bytes)."},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.text);
+    Packer p = fromBytes(message(c.body));
+    // Each way of looking at the entry refuses it.
+    EXPECT_EQ(reasonOf([&] { p.getNElements(); }), c.text);
+    EXPECT_EQ(reasonOf([&] { p.next(); }), c.text);
+    // And so does the byte order walk, with the header in the other order.
+    Bytes swapped = message(c.body);
+    for (int w = 0; w < 4; ++w) std::reverse(swapped.begin() + 4 * w, swapped.begin() + 4 * w + 4);
+    EXPECT_EQ(reasonOf([&] { fromBytes(swapped); }), c.text);
+  }
+}
+
+// Reads whatever the message holds, by its type bytes, the way a generic
+// reader would; returns the number of entries read.
+int readAnything(Packer& p) {
+  int n = 0;
+  while (p.getState() == Packer::PACKUNPACKING) {
+    int const t = p.getNextDataType();
+    unsigned int const count = p.getNElements();
+    switch (t) {
+      case vARRAYOF | vCHAR8: {
+        vString s;
+        p.unpack(s);
+        break;
+      }
+      case vARRAYOF | vSTRING: {
+        std::vector<vString> v(count);
+        p.unpack(v.data());
+        break;
+      }
+      case vARRAYOF | vDATE: {
+        std::vector<vDate> v(count);
+        p.unpack(v.data());
+        break;
+      }
+      case vDATE: {
+        vDate d;
+        p.unpack(d);
+        break;
+      }
+      case vARRAYOF | vFLOAT64: {
+        std::vector<double> v(count);
+        p.unpack(v.data());
+        break;
+      }
+      case vINT32: {
+        int i;
+        p.unpack(i);
+        break;
+      }
+      case vPACKFRAME: {
+        short m;
+        short v;
+        p.unpackFrame(m, v);
+        break;
+      }
+      case vENDFRAME:
+        p.endFrame();
+        break;
+      default:
+        p.next();
+        break;
+    }
+    ++n;
+  }
+  return n;
+}
+
+TEST_F(PackerTest, EveryTruncationEndsInAnErrorOrAShorterMessage) {
+  std::vector<double> const big(20, 1.0);
+  Packer p(0);
+  packAll(p, big);
+  Bytes const m = finish(p);
+  int clean = 0;
+  for (std::size_t length = 16; length < m.size(); ++length) {
+    Bytes cut(m.begin(), m.begin() + static_cast<std::ptrdiff_t>(length));
+    uint32_t const body = static_cast<uint32_t>(length - 16);
+    std::memcpy(cut.data() + 8, &body, 4);
+    for (bool swapped : {false, true}) {
+      Bytes in = cut;
+      if (swapped) {
+        // Header words only: the body stays as it was, which is garbage in
+        // the other order.
+        for (int w = 0; w < 4; ++w) std::reverse(in.begin() + 4 * w, in.begin() + 4 * w + 4);
+      }
+      try {
+        // A copy the exact size, so that the sanitizers see any overrun.
+        std::unique_ptr<unsigned char[]> exact(new unsigned char[in.size()]);
+        std::memcpy(exact.get(), in.data(), in.size());
+        Packer q(static_cast<int>(in.size()), static_cast<unsigned char const*>(exact.get()));
+        readAnything(q);
+        ++clean;
+      } catch (UtlExcept const&) {
+      }
+    }
+  }
+  // Cuts at entry boundaries outside frames read cleanly: there are few.
+  EXPECT_GE(clean, 1);
+}
+
+TEST_F(PackerTest, ForgedCountsAreRefusedBeforeAllocation) {
+  // An array count of four thousand million elements in a 30-byte message.
+  Packer p = fromBytes(message({0x8C, 0x00, 0x00, 0x00, 0xF0, 1, 2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(reasonOf([&] { p.getNElements(); }),
+            "Corrupt message: the entry at offset 16 runs past the end of the message (29 bytes).");
+  EXPECT_EQ(reasonOf([&] {
+              double d[1];
+              p.unpack(d);
+            }),
+            "Corrupt message: the entry at offset 16 runs past the end of the message (29 bytes).");
+}
+
+}  // namespace
