@@ -121,11 +121,7 @@ class vHandle {
     // handle assigned to itself): nothing changes.
     if (m_data == other.m_data) return *this;
     if (m_data->m_object != nullptr && m_data->m_object == other.m_data->m_object) return *this;
-    myRelease();
-    m_data = other.m_data;
-    m_isSlave = false;
-    m_multiThreaded = m_data->m_multiThreaded;
-    m_data->addReference(false);
+    myReleaseAndAttach(other.m_data);
     return *this;
   }
 
@@ -156,8 +152,9 @@ class vHandle {
   // its own. A slave cannot release.
   void release() {
     if (m_isSlave) vHandleHelper::throwit("vHandle::release", "A slave cannot release a vHandle!", 0, "vHandle");
-    myRelease();
-    m_data = new vHandleData(nullptr, vHandleEnum::DeleteObject, m_multiThreaded, &vHandleDestroy<T>);
+    vHandleData* empty = new vHandleData(nullptr, vHandleEnum::DeleteObject, m_multiThreaded, &vHandleDestroy<T>);
+    empty->m_masters = 0;  // myAttach counts this handle
+    myReleaseAndAttach(empty);
   }
 
   bool operator==(vHandle const& o) const { return m_data->m_object == o.m_data->m_object; }
@@ -168,18 +165,51 @@ class vHandle {
   template <class To, class From>
   friend vHandle<To>& vHandle_cast(vHandle<To>& to, vHandle<From> const& from);
 
+  // Gives back this handle's reference and leaves m_data null. A deletion
+  // that throws (the reserved policy) still frees a record nobody sees.
   void myRelease() {
+    vHandleData* d = m_data;
+    m_data = nullptr;
     int remaining;
     if (m_multiThreaded) {
-      vMutex* m = m_data->m_mutex;
+      vMutex* m = d->m_mutex;
       vHandleHelper::lockMutex(m);
-      remaining = m_data->decrementCount(m_isSlave);
+      try {
+        remaining = d->decrementCount(m_isSlave);
+      } catch (...) {
+        vHandleHelper::unlockMutex(m);
+        if (d->m_masters + d->m_slaves == 0) delete d;
+        throw;
+      }
       vHandleHelper::unlockMutex(m);
     } else {
-      remaining = m_data->decrementCount(m_isSlave);
+      try {
+        remaining = d->decrementCount(m_isSlave);
+      } catch (...) {
+        if (d->m_masters + d->m_slaves == 0) delete d;
+        throw;
+      }
     }
-    if (remaining == 0) delete m_data;
-    m_data = nullptr;
+    if (remaining == 0) delete d;
+  }
+
+  // Releases and then becomes a master of record, also when the release
+  // throws.
+  void myReleaseAndAttach(vHandleData* record) {
+    try {
+      myRelease();
+    } catch (...) {
+      myAttach(record);
+      throw;
+    }
+    myAttach(record);
+  }
+
+  void myAttach(vHandleData* record) {
+    m_data = record;
+    m_isSlave = false;
+    m_multiThreaded = record->m_multiThreaded;
+    record->addReference(false);
   }
 
   vHandleData* m_data;
@@ -200,11 +230,7 @@ vHandle<To>& vHandle_cast(vHandle<To>& to, vHandle<From> const& from) {
   To* target = dynamic_cast<To*>(source);
   if (target == nullptr || static_cast<void const*>(target) != static_cast<void const*>(source))
     vHandleHelper::throwExcept("vHandle::assign", "Could not convert class with dynamic_cast.", 590, "vHandle");
-  to.myRelease();
-  to.m_data = from.m_data;
-  to.m_isSlave = false;
-  to.m_multiThreaded = from.m_multiThreaded;
-  to.m_data->addReference(false);
+  to.myReleaseAndAttach(from.m_data);
   return to;
 }
 

@@ -104,6 +104,8 @@ void applyStreamFlags(std::ostringstream& os, long flags, char fill, int width) 
   if (flags & 512) os << std::uppercase;
   if (flags & 1024) os << std::showpos;
   if (fill) os.fill(fill);
+  // Zeros go between the sign or base and the digits, as report columns want.
+  if (fill == '0') os << std::internal;
   if (width > 0) os.width(width);
 }
 

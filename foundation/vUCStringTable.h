@@ -27,7 +27,7 @@ class vUCStringTableData {
 
 class vUCStringTable {
  public:
-  static const int invalidID = -1;
+  static constexpr int invalidID = -1;
 
   vUCStringTable();
   ~vUCStringTable();

@@ -1,0 +1,148 @@
+#include "foundation/DornDebug.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+std::string readFile(std::string const& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+class DornDebugTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    path = std::string(::testing::TempDir()) + "dorndebug_" + std::to_string(::getpid()) + ".log";
+    std::remove(path.c_str());
+  }
+  void TearDown() override {
+    DornDebug::terminate();
+    ::unsetenv("DORNDEBUGOUTPUT");
+    ::unsetenv("DORNDEBUGLEVEL");
+    ::unsetenv("DORNDEBUGFLAGS");
+    std::remove(path.c_str());
+  }
+  void configure(char const* level, char const* flags) {
+    ::setenv("DORNDEBUGOUTPUT", path.c_str(), 1);
+    if (level) ::setenv("DORNDEBUGLEVEL", level, 1);
+    else ::unsetenv("DORNDEBUGLEVEL");
+    if (flags) ::setenv("DORNDEBUGFLAGS", flags, 1);
+    else ::unsetenv("DORNDEBUGFLAGS");
+    DornDebug::initialize();
+  }
+  std::string path;
+};
+
+}  // namespace
+
+TEST_F(DornDebugTest, TraceGoesToTheFileNamedByTheEnvironment) {
+  configure("1", "0");
+  ASSERT_TRUE(DornDebug::isEnabled());
+  EXPECT_EQ(path, DornDebug::getFilename());
+  EXPECT_EQ(0u, DornDebug::getFlags());
+  DornDebug::entry("load %d", 1);
+  DornDebug::printf("reading %s", "x.sgy");
+  DornDebug::entry("inner");
+  DornDebug::exit("inner done");
+  DornDebug::exit();
+  DornDebug::where("checkpoint", "Store.cpp", 120L);
+  DornDebug::exception("Load", UtlExcept("no such file", "Store::open"));
+  DornDebug::terminate();
+  EXPECT_FALSE(DornDebug::isEnabled());
+  EXPECT_EQ(
+      "load 1\n"
+      "  reading x.sgy\n"
+      "  inner\n"
+      "    inner done\n"
+      "  (exit)\n"
+      "checkpoint  [Store.cpp:120]\n"
+      "*Load EXCEPTION* Store::open - no such file\n",
+      readFile(path));
+}
+
+TEST_F(DornDebugTest, DumpShowsOffsetsHexAndAscii) {
+  configure("2", nullptr);
+  unsigned char bytes[20];
+  for (int i = 0; i < 20; ++i) bytes[i] = static_cast<unsigned char>('A' + i);
+  bytes[3] = 0;
+  DornDebug::dump(bytes, sizeof bytes, "header block");
+  DornDebug::terminate();
+  EXPECT_EQ(
+      "header block\n"
+      "Offset   -----------------  Hex Codes  -----------------  --ASCII Values--\n"
+      "000000   41 42 43 00 45 46 47 48 49 4a 4b 4c 4d 4e 4f 50  ABC.EFGHIJKLMNOP\n"
+      "000010   51 52 53 54                                      QRST\n",
+      readFile(path));
+}
+
+TEST_F(DornDebugTest, LevelZeroOrUnsetWritesNothing) {
+  configure("0", nullptr);
+  EXPECT_FALSE(DornDebug::isEnabled());
+  DornDebug::printf("invisible");
+  DornDebug::terminate();
+  configure(nullptr, nullptr);
+  EXPECT_FALSE(DornDebug::isEnabled());
+  DornDebug::printf("invisible");
+  DornDebug::terminate();
+  EXPECT_EQ("", readFile(path));
+}
+
+TEST_F(DornDebugTest, FlagsAddTimeAndSetLevelSwitches) {
+  configure("1", "3");
+  EXPECT_EQ(3u, DornDebug::getFlags());
+  DornDebug::printf("stamped");
+  DornDebug::setLevel(0);
+  DornDebug::printf("dropped");
+  DornDebug::setLevel(4);
+  EXPECT_EQ(4u, DornDebug::getLevel());
+  DornDebug d;
+  d++;
+  d++;
+  DornDebug::printf("deeper");
+  EXPECT_EQ(2, DornDebug::getIndent());
+  d--;
+  DornDebug::setIndent(-3);
+  EXPECT_EQ(0, DornDebug::getIndent());
+  DornDebug::terminate();
+  std::string const text = readFile(path);
+  EXPECT_TRUE(std::regex_match(text, std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2} stamped\n"
+                                                "[0-9]{2}:[0-9]{2}:[0-9]{2}     deeper\n")))
+      << text;
+}
+
+TEST_F(DornDebugTest, AppendFlagKeepsEarlierTrace) {
+  configure("1", "4");
+  DornDebug::printf("first");
+  DornDebug::terminate();
+  DornDebug::initialize();
+  DornDebug::printf("second");
+  DornDebug::terminate();
+  EXPECT_EQ("first\nsecond\n", readFile(path));
+  configure("1", "0");
+  DornDebug::printf("third");
+  DornDebug::terminate();
+  EXPECT_EQ("third\n", readFile(path));
+}
+
+TEST_F(DornDebugTest, DirectInitialisationToStandardError) {
+  DornDebug::initializeDirect(true, nullptr, 1, 0);
+  ::testing::internal::CaptureStderr();
+  DornDebug::printf("to stderr %d", 5);
+  std::fflush(stderr);
+  std::string const err = ::testing::internal::GetCapturedStderr();
+  DornDebug::terminate();
+  EXPECT_EQ("to stderr 5\n", err);
+  EXPECT_STREQ("", DornDebug::getFilename());
+}

@@ -1,0 +1,261 @@
+#include "foundation/Message.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "foundation/ExceptionErrorHandler.h"
+#include "foundation/LogErrorHandler.h"
+#include "foundation/PrintErrorHandler.h"
+#include "foundation/RaiseError.h"
+#include "foundation/TracebackErrorHandler.h"
+#include "foundation/UtlExcept.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+// Remembers what reaches it, then passes on (or not, when it is last).
+class RecordingHandler : public ErrorHandler {
+ public:
+  explicit RecordingHandler(ErrorHandler* next = nullptr) : ErrorHandler(next) {}
+  std::vector<std::string> seen;
+
+ protected:
+  void doFatal(char const* label, int code, char const* text) override { record("F", label, code, text); }
+  void doError(char const* label, int code, char const* text) override { record("E", label, code, text); }
+  void doInfo(char const* label, int code, char const* text) override { record("I", label, code, text); }
+
+ private:
+  void record(char const* kind, char const* label, int code, char const* text) {
+    seen.push_back(std::string(kind) + "|" + label + "|" + std::to_string(code) + "|" + text);
+  }
+};
+
+// Raises a second fatal message from within the first.
+class ReentrantHandler : public ErrorHandler {
+ protected:
+  void doFatal(char const*, int, char const*) override { Message::fatal("Inner::op", 4, "second %s", "failure"); }
+  void doError(char const*, int, char const*) override {}
+  void doInfo(char const*, int, char const*) override {}
+};
+
+std::string readFile(std::string const& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+std::string tempPath(char const* stem) {
+  return std::string(::testing::TempDir()) + stem + "_" + std::to_string(::getpid());
+}
+
+}  // namespace
+
+TEST(MessageDefaultChain, FatalPrintsAReportAndThrowsWithTheLabelAsMethod) {
+  ::testing::internal::CaptureStderr();
+  try {
+    Message::fatal("CMPBasicGrid::myCheckup", 0, "bin %lld of %d is outside", 5000000000LL, 7);
+    FAIL() << "fatal returned";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "bin 5000000000 of 7 is outside");
+    EXPECT_EQ(e.getMethod(), "CMPBasicGrid::myCheckup");
+    EXPECT_EQ(-1, e.getLineNumber());
+    EXPECT_EQ(e.getFileName(), "");
+    EXPECT_EQ(e.getStack(), "");
+  }
+  std::string const err = ::testing::internal::GetCapturedStderr();
+  std::string const stars(60, '*');
+  std::string const head = stars + "\n(Next FATAL from foundation_tests running on " + vUtl::gethostname().c_str() + " at ";
+  EXPECT_EQ(0u, err.find(head)) << err;
+  EXPECT_NE(std::string::npos, err.find("CMPBasicGrid::myCheckup")) << err;
+  EXPECT_NE(std::string::npos, err.find("bin 5000000000 of 7 is outside\n" + stars + "\n")) << err;
+  EXPECT_EQ(std::string::npos, err.find("(code")) << err;
+}
+
+TEST(MessageDefaultChain, ErrorsAndInfosPrintButDoNotThrow) {
+  ::testing::internal::CaptureStderr();
+  Message::error("Store::open", 12, "cannot read %s", "x.sgy");
+  Message::info("Store::open", 0, "opened");
+  std::string const err = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos, err.find(std::string(60, '+') + "\n(Next ERROR from ")) << err;
+  EXPECT_NE(std::string::npos, err.find("Store::open (code 12)")) << err;
+  EXPECT_NE(std::string::npos, err.find("cannot read x.sgy")) << err;
+  EXPECT_NE(std::string::npos, err.find(std::string(60, '.') + "\n(Next INFO from ")) << err;
+}
+
+TEST(MessageDefaultChain, FirstFatalInstallsPrintThenException) {
+  EXPECT_EXIT(
+      {
+        RaiseError* r = RaiseError::getInstance();
+        if (r->getCurrentHandler() != nullptr) std::exit(2);
+        try {
+          Message::fatal("A::b", 0, "x");
+        } catch (UtlExcept const&) {
+        }
+        PrintErrorHandler* print = dynamic_cast<PrintErrorHandler*>(r->getCurrentHandler());
+        if (!print) std::exit(3);
+        if (!dynamic_cast<ExceptionErrorHandler*>(print->getNext())) std::exit(4);
+        if (print->getNext()->getNext() != nullptr) std::exit(5);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+TEST(MessageCounters, CountByKindAndClear) {
+  Message::clearNErrors();
+  Message::clearNFatals();
+  RecordingHandler quiet(new ExceptionErrorHandler);
+  RaiseError::getInstance()->install(&quiet);
+  for (int i = 0; i < 2; ++i) EXPECT_THROW(Message::fatal("L", 0, "f%d", i), UtlExcept);
+  for (int i = 0; i < 3; ++i) Message::error("L", 0, "e%d", i);
+  Message::info("L", 0, "i");
+  RaiseError::getInstance()->uninstall(&quiet);
+  EXPECT_EQ(2, Message::getNFatals());
+  EXPECT_EQ(3, Message::getNErrors());
+  Message::clearNFatals();
+  EXPECT_EQ(0, Message::getNFatals());
+  EXPECT_EQ(3, Message::getNErrors());
+  Message::clearNErrors();
+  EXPECT_EQ(0, Message::getNErrors());
+  ASSERT_EQ(6u, quiet.seen.size());
+  EXPECT_EQ("F|L|0|f0", quiet.seen[0]);
+  EXPECT_EQ("E|L|0|e2", quiet.seen[4]);
+  EXPECT_EQ("I|L|0|i", quiet.seen[5]);
+}
+
+TEST(MessageHandlers, InstalledHandlerComesFirstUntilUninstalled) {
+  RaiseError* r = RaiseError::getInstance();
+  RecordingHandler first(new ExceptionErrorHandler);
+  RecordingHandler second;
+  r->install(&first);
+  r->install(&second);
+  EXPECT_EQ(&second, r->getCurrentHandler());
+  Message::info("X::y", 1, "to second");
+  r->uninstall(&second);
+  EXPECT_EQ(&first, r->getCurrentHandler());
+  try {
+    Message::fatal("X::z", 2, "to first");
+    FAIL() << "fatal returned";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getMethod(), "X::z");
+  }
+  r->uninstall(&first);
+  EXPECT_NE(&first, r->getCurrentHandler());
+  ASSERT_EQ(1u, second.seen.size());
+  EXPECT_EQ("I|X::y|1|to second", second.seen[0]);
+  ASSERT_EQ(1u, first.seen.size());
+  EXPECT_EQ("F|X::z|2|to first", first.seen[0]);
+  // The handler outlives its uninstall: uninstall never deletes it.
+  EXPECT_EQ(nullptr, second.getNext());
+}
+
+TEST(MessageHandlers, LogHandlerWritesOneLinePerMessage) {
+  std::string const path = tempPath("rondo_log");
+  std::remove(path.c_str());
+  {
+    LogErrorHandler log(path.c_str(), new ExceptionErrorHandler);
+    ASSERT_TRUE(log.isOpen());
+    RaiseError::getInstance()->install(&log);
+    Message::info("Loader::run", 0, "started");
+    Message::error("Loader::run", 3, "line with its own end\n");
+    EXPECT_THROW(Message::fatal("Loader::run", 9, "gave up"), UtlExcept);
+    RaiseError::getInstance()->uninstall(&log);
+  }
+  EXPECT_EQ(
+      "INFO :Loader::run:0:started\n"
+      "ERROR:Loader::run:3:line with its own end\n"
+      "FATAL:Loader::run:9:gave up\n",
+      readFile(path));
+  std::remove(path.c_str());
+}
+
+TEST(MessageHandlers, TracebackHandlerPrintsTheStackBeforePassingOn) {
+  RecordingHandler tail(new ExceptionErrorHandler);
+  TracebackErrorHandler trace(&tail);
+  RaiseError::getInstance()->install(&trace);
+  ::testing::internal::CaptureStderr();
+  EXPECT_THROW(Message::fatal("T::t", 0, "traced"), UtlExcept);
+  Message::error("T::t", 0, "not traced");
+  std::string const err = ::testing::internal::GetCapturedStderr();
+  RaiseError::getInstance()->uninstall(&trace);
+  trace.setNext(nullptr);
+  EXPECT_NE(std::string::npos, err.find("----- stack -----")) << err;
+  EXPECT_EQ(err.find("----- stack -----"), err.rfind("----- stack -----")) << err;
+  ASSERT_EQ(2u, tail.seen.size());
+}
+
+TEST(MessageHandlers, TracebackVariableWrapsInstalledHandlersOnce) {
+  EXPECT_EXIT(
+      {
+        ::setenv("SP_UTL_TRACEBACK", "1", 1);
+        RaiseError* r = RaiseError::getInstance();
+        if (!r->isTracebackEnabled()) std::exit(2);
+        RecordingHandler* h = new RecordingHandler(new ExceptionErrorHandler);
+        r->install(h);
+        TracebackErrorHandler* wrapper = dynamic_cast<TracebackErrorHandler*>(r->getCurrentHandler());
+        if (!wrapper || wrapper->getNext() != h) std::exit(3);
+        TracebackErrorHandler* own = new TracebackErrorHandler;
+        r->install(own);
+        if (r->getCurrentHandler() != own) std::exit(4);
+        r->uninstall(own);
+        if (r->getCurrentHandler() != wrapper) std::exit(5);
+        try {
+          Message::fatal("W::w", 0, "wrapped");
+        } catch (UtlExcept const&) {
+        }
+        if (h->seen.size() != 1) std::exit(6);
+        r->uninstall(h);
+        if (r->getCurrentHandler() != nullptr) std::exit(7);
+        if (h->seen.size() != 1 || h->getNext() == nullptr) std::exit(8);
+        std::fprintf(stderr, "checked\n");
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "----- stack -----(.|\n)*checked");
+}
+
+TEST(MessageHandlers, WithoutTheVariableHandlersAreNotWrapped) {
+  EXPECT_EXIT(
+      {
+        ::unsetenv("SP_UTL_TRACEBACK");
+        RaiseError* r = RaiseError::getInstance();
+        RecordingHandler h;
+        r->install(&h);
+        std::exit(r->getCurrentHandler() == &h && !r->isTracebackEnabled() ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+TEST(MessageDeathTest, HandlerThatReturnsLeadsToAbort) {
+  EXPECT_EXIT(
+      {
+        RaiseError::getInstance()->install(new RecordingHandler);
+        Message::fatal("Quiet::op", 0, "nobody throws");
+      },
+      ::testing::KilledBySignal(SIGABRT), "----- stack -----");
+}
+
+TEST(MessageDeathTest, RecursiveFatalAborts) {
+  EXPECT_EXIT(
+      {
+        RaiseError::getInstance()->install(new ReentrantHandler);
+        Message::fatal("Outer::op", 3, "first");
+      },
+      ::testing::KilledBySignal(SIGABRT), "RECURSIVE [^\n]*Inner::op[^\n]*4\nMessage=second failure\n(.|\n)*----- stack -----");
+}
+
+TEST(MessageFatal, FlagIsClearedAfterAnException) {
+  // Two fatal messages one after the other are not recursive.
+  for (int i = 0; i < 3; ++i) {
+    ::testing::internal::CaptureStderr();
+    EXPECT_THROW(Message::fatal("Again::op", 0, "round %d", i), UtlExcept);
+    std::string const err = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::string::npos, err.find("RECURSIVE")) << err;
+  }
+}

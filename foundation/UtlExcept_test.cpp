@@ -1,0 +1,141 @@
+#include "foundation/UtlExcept.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+std::list<vString> tokensOf(char const* format) {
+  UtlExcept e("r", "m");
+  std::list<vString> tokens;
+  e.tokenize(vString(format), tokens);
+  return tokens;
+}
+
+std::string joined(std::list<vString> const& tokens) {
+  std::string out;
+  for (vString const& t : tokens) out += "[" + std::string(t.c_str()) + "]";
+  return out;
+}
+
+}  // namespace
+
+TEST(UtlExceptTraceBack, ReasonOnly) {
+  UtlExcept e("just the reason", "");
+  EXPECT_EQ(e.getTraceBack(), "just the reason\n");
+  EXPECT_EQ(-1, e.getLineNumber());
+  EXPECT_EQ(e.getFileName(), "");
+  EXPECT_EQ(e.getStack(), "");
+}
+
+TEST(UtlExceptTraceBack, MethodFileAndLine) {
+  UtlExcept e("bad things", "Grid::check", 3, "Grid.cpp");
+  EXPECT_EQ(e.getTraceBack(), "bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n");
+  EXPECT_STREQ("bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n", e.what());
+}
+
+TEST(UtlExceptTraceBack, EachPartOnlyWhenPresent) {
+  EXPECT_EQ(UtlExcept("r", "M::m").getTraceBack(), "r\n   (Method=M::m)\n");
+  EXPECT_EQ(UtlExcept("r", "", -1, "f.cpp").getTraceBack(), "r\n   (File=f.cpp)\n");
+  EXPECT_EQ(UtlExcept("r", "", 12).getTraceBack(), "r\n   (Line=12)\n");
+  EXPECT_EQ(UtlExcept(vString("r"), vString("M"), 0).getTraceBack(), "r\n   (Method=M   Line=0)\n");
+}
+
+TEST(UtlExceptTraceBack, StackConstructorKeepsTheStack) {
+  UtlExcept e("#0 main", "reason", "method", -1, nullptr);
+  EXPECT_EQ(e.getStack(), "#0 main");
+  EXPECT_EQ(e.getReason(), "reason");
+  EXPECT_EQ(e.getTraceBack(), "reason\n   (Method=method)\n");
+  EXPECT_EQ(e.toString("%K|%R"), "#0 main|reason");
+}
+
+TEST(UtlExceptFormat, Specifiers) {
+  UtlExcept e("why", "Who::what", 42, "where.cpp");
+  e.setStack("stack text");
+  // Blanks between specifiers only lead a following literal; none follows.
+  EXPECT_EQ(e.toString("%R %M %F %L"), "whyWho::whatwhere.cpp42");
+  EXPECT_EQ(e.toString("R=%R, M=%M, F=%F, L=%L"), "R=why, M=Who::what, F=where.cpp, L=42");
+  EXPECT_EQ(e.toString("%K"), "stack text");
+  EXPECT_EQ(e.toString("%T"), e.getTraceBack());
+  EXPECT_EQ(e.toString("\nReason: '%R in method '%M'"), "\nReason: 'why in method 'Who::what'");
+}
+
+TEST(UtlExceptFormat, UnknownSpecifierEmitsTheBareLetter) {
+  UtlExcept e("why", "m");
+  EXPECT_EQ(e.toString("a%xb"), "axb");
+  EXPECT_EQ(e.toString("%x"), "x");
+  EXPECT_EQ(e.toString("%Q%R"), "Qwhy");
+}
+
+TEST(UtlExceptFormat, DoublePercentEmitsNothingAndLeavesTheFlagSet) {
+  UtlExcept e("why", "m");
+  // "%%" emits nothing; the flag stays, so the next token is read as a
+  // specifier: here the literal "Rest" starts with R.
+  EXPECT_EQ(e.toString("100%%Rest"), "100why");
+  EXPECT_EQ(e.toString("100%%"), "100");
+  EXPECT_EQ(e.toString("%%%M"), "m");
+}
+
+TEST(UtlExceptFormat, BlankBetweenSpecifiersIsCarriedIntoTheNextLiteral) {
+  EXPECT_EQ(joined(tokensOf("%R  %M")), "[%][R][%][M]");
+  EXPECT_EQ(joined(tokensOf("%R  %M  x")), "[%][R][%][M][    x]");
+  EXPECT_EQ(joined(tokensOf("a %R b")), "[a ][%][R][ b]");
+  EXPECT_EQ(joined(tokensOf("%R   ")), "[%][R]");
+  EXPECT_EQ(joined(tokensOf("end%")), "[end][%]");
+  UtlExcept e("why", "m");
+  EXPECT_EQ(e.toString("%R  %M  x"), "whym    x");
+}
+
+TEST(UtlExceptOperators, CopyAssignAndAppend) {
+  UtlExcept a("first", "A::a", 1, "a.cpp");
+  a.setStack("sa");
+  UtlExcept b("second", "B::b");
+  UtlExcept c(a);
+  EXPECT_EQ(c.getReason(), "first");
+  EXPECT_EQ(c.getMethod(), "A::a");
+  EXPECT_EQ(1, c.getLineNumber());
+  EXPECT_EQ(c.getFileName(), "a.cpp");
+  EXPECT_EQ(c.getStack(), "sa");
+  EXPECT_EQ(c.getTraceBack(), a.getTraceBack());
+  c = b;
+  EXPECT_EQ(c.getReason(), "second");
+  EXPECT_EQ(-1, c.getLineNumber());
+  EXPECT_EQ(c.getFileName(), "");
+  EXPECT_EQ(c.getStack(), "");
+
+  UtlExcept sum = a + b;
+  EXPECT_EQ(sum.getReason(), "first");
+  EXPECT_EQ(sum.getMethod(), "A::a");
+  EXPECT_EQ(sum.getTraceBack(), a.getTraceBack() + b.getTraceBack());
+  a += b;
+  EXPECT_EQ(a.getTraceBack(), sum.getTraceBack());
+  EXPECT_EQ(b.getTraceBack(), "second\n   (Method=B::b)\n");
+}
+
+TEST(UtlExceptOperators, Setters) {
+  UtlExcept e("r", "m");
+  e.setReason("R2");
+  e.setMethod("M2");
+  e.setLineNumber(9);
+  e.setFileName("F2");
+  e.setTraceBack("T2");
+  EXPECT_EQ(e.toString("%R/%M/%L/%F/%T"), "R2/M2/9/F2/T2");
+}
+
+TEST(UtlExceptStream, BannerAroundTheTraceBack) {
+  UtlExcept e("broken", "X::y", 7, "x.cpp");
+  std::ostringstream out;
+  out << e;
+  EXPECT_EQ(out.str(),
+            "\n\n====================== EXCEPTION TRACEBACK =======================\n"
+            "broken\n   (Method=X::y   File=x.cpp   Line=7)\n"
+            "==================================================================\n");
+  UtlExcept empty("r", "");
+  empty.setTraceBack("");
+  std::ostringstream out2;
+  out2 << empty;
+  EXPECT_EQ(out2.str(),
+            "\n\n====================== EXCEPTION TRACEBACK =======================\n"
+            "==================================================================\n");
+}

@@ -1,0 +1,250 @@
+#include "foundation/vDate.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+// 2023-11-14 22:13:20 UTC, a Tuesday.
+long const kSample = 1700000000L;
+
+class MonthTable : public vDate {
+ public:
+  static vString name(int m) { return myGetMonthName(m); }
+  static int number(vString const& s) { return myGetMonthNumber(s); }
+};
+
+template <class F>
+UtlExcept catchUtl(F f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return e;
+  }
+  ADD_FAILURE() << "no UtlExcept was thrown";
+  return UtlExcept("", "");
+}
+
+// Runs the body with TZ set, then restores it.
+class ZoneScope {
+ public:
+  explicit ZoneScope(char const* zone) {
+    char const* old = std::getenv("TZ");
+    had_ = old != nullptr;
+    if (had_) old_ = old;
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+  }
+  ~ZoneScope() {
+    if (had_) ::setenv("TZ", old_.c_str(), 1);
+    else ::unsetenv("TZ");
+    ::tzset();
+  }
+
+ private:
+  bool had_;
+  std::string old_;
+};
+
+}  // namespace
+
+TEST(vDateFields, UtcGetters) {
+  vDate d(kSample, false);
+  EXPECT_TRUE(d.isValid());
+  EXPECT_FALSE(d.isLocalTime());
+  EXPECT_EQ(kSample, d.getSeconds());
+  EXPECT_EQ(2023, d.getYear());
+  EXPECT_EQ(20, d.getCentury());
+  EXPECT_EQ(2000, d.getCenturyFull());
+  EXPECT_EQ(23, d.getCenturyYear());
+  EXPECT_EQ(11, d.getMonth());
+  EXPECT_EQ(14, d.getDay());
+  EXPECT_EQ(22, d.getHour());
+  EXPECT_EQ(13, d.getMinute());
+  EXPECT_EQ(20, d.getSecond());
+  EXPECT_FALSE(d.isDST());
+}
+
+TEST(vDateFields, LocalTimeFollowsTheZone) {
+  ZoneScope zone("EST5");
+  vDate d(kSample);
+  EXPECT_TRUE(d.isLocalTime());
+  EXPECT_EQ(17, d.getHour());
+  d.setLocalTime(false);
+  EXPECT_EQ(22, d.getHour());
+  EXPECT_EQ(kSample, d.getSeconds());
+  vDate local(kSample);
+  local.set(0, 0, 12, 1, 1, 2000);
+  EXPECT_EQ(946746000L, local.getSeconds());  // 2000-01-01 17:00 UTC
+}
+
+TEST(vDateFormat, LongAndRondo) {
+  vDate d(kSample, false);
+  EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20231114221320");
+  EXPECT_EQ(d.getFormatted(vDate::formatRONDO), "14-NOV-2023 22:13:20");
+  vString out;
+  d.getFormatted(vDate::formatRONDO, out);
+  EXPECT_EQ(20u, out.length());
+  vDate early(3 * 86400L + 5, false);
+  EXPECT_EQ(early.getFormatted(vDate::formatRONDO), "04-JAN-1970 00:00:05");
+  EXPECT_EQ(early.getFormatted(vDate::formatLONG), "19700104000005");
+}
+
+TEST(vDateFormat, OtherTexts) {
+  vDate d(kSample, false);
+  EXPECT_EQ(d.getDate(), "14-Nov-23");
+  EXPECT_EQ(d.getTime(), "22:13:20");
+  EXPECT_EQ(d.getDateTime(), "14-Nov-23 22:13:20");
+  EXPECT_EQ(d.getCTime(), "Tue Nov 14 22:13:20 2023");
+  EXPECT_EQ(d.getUnixDateTime(), "Nov 14  2023");
+  char buffer[32];
+  d.get(buffer);
+  EXPECT_STREQ("14-Nov-23 22:13:20", buffer);
+  vDate now(vDate::Valid);
+  vString unix = now.getUnixDateTime();
+  EXPECT_EQ(12u, unix.length()) << unix.c_str();
+  EXPECT_EQ(':', unix[9]);
+  EXPECT_EQ(20u, vDate::getNowFormatted().length());
+  EXPECT_TRUE(vDate::getNow().isValid());
+}
+
+TEST(vDateFormat, SetFormattedRoundTrips) {
+  vDate d(0L, false);
+  d.setFormatted(vDate::formatRONDO, vString("05-MAR-2021 01:02:03"));
+  EXPECT_EQ(1614906123L, d.getSeconds());
+  EXPECT_EQ(d.getFormatted(vDate::formatRONDO), "05-MAR-2021 01:02:03");
+  d.setFormatted(vDate::formatLONG, vString("19991231235959"));
+  EXPECT_EQ(946684799L, d.getSeconds());
+  EXPECT_EQ(d.getFormatted(vDate::formatLONG), "19991231235959");
+  d.setFormatted(vDate::formatRONDO, vString("01-dec-2001 00:00:00"));
+  EXPECT_EQ(12, d.getMonth());
+}
+
+TEST(vDateFormat, SetFormattedErrors) {
+  vDate d(kSample, false);
+  UtlExcept longLen = catchUtl([&] { d.setFormatted(vDate::formatLONG, vString("2023")); });
+  EXPECT_EQ(longLen.getReason(), "formatLONG length must = 14 characters!");
+  UtlExcept rondoLen = catchUtl([&] { d.setFormatted(vDate::formatRONDO, vString("5-MAR-2021 01:02:03")); });
+  EXPECT_EQ(rondoLen.getReason(), "formatRONDO length must = 20 characters!");
+  UtlExcept unknown = catchUtl([&] { d.setFormatted(static_cast<vDate::Format>(7), vString("x")); });
+  EXPECT_EQ(unknown.getReason(), "Invalid format specified!");
+  UtlExcept month = catchUtl([&] { d.setFormatted(vDate::formatRONDO, vString("05-XYZ-2021 01:02:03")); });
+  EXPECT_EQ(month.getReason(), "Month not found!");
+  EXPECT_EQ(month.getMethod(), "vDate::myGetMonthValue()");
+  UtlExcept digits = catchUtl([&] { d.setFormatted(vDate::formatLONG, vString("2023111422135x")); });
+  EXPECT_EQ(digits.getReason(), "Second parameter is out of range!");
+  EXPECT_FALSE(d.isValid());
+}
+
+TEST(vDateMonths, NamesAndNumbers) {
+  EXPECT_EQ(MonthTable::name(1), "JAN");
+  EXPECT_EQ(MonthTable::name(12), "DEC");
+  EXPECT_EQ(7, MonthTable::number(vString("jul")));
+  EXPECT_EQ(9, MonthTable::number(vString("September")));
+  UtlExcept range = catchUtl([] { MonthTable::name(13); });
+  EXPECT_EQ(range.getReason(), "Month requested is out of range!");
+  EXPECT_THROW(MonthTable::name(0), UtlExcept);
+  // Only whole table entries match, not a run across two of them.
+  EXPECT_THROW(MonthTable::number(vString("ANF")), UtlExcept);
+  EXPECT_THROW(MonthTable::number(vString("JA")), UtlExcept);
+}
+
+TEST(vDateRanges, EachFieldIsChecked) {
+  struct Case {
+    int s, mi, h, d, mo, y;
+    char const* reason;
+  } const cases[] = {
+      {60, -1, -1, -1, -1, -1, "Second parameter is out of range!"},
+      {-2, -1, -1, -1, -1, -1, "Second parameter is out of range!"},
+      {-1, 60, -1, -1, -1, -1, "Minute parameter is out of range!"},
+      {-1, -1, 24, -1, -1, -1, "Hour parameter is out of range!"},
+      {-1, -1, -1, 0, -1, -1, "Day parameter is out of range!"},
+      {-1, -1, -1, 32, -1, -1, "Day parameter is out of range!"},
+      {-1, -1, -1, -1, 13, -1, "Month parameter is out of range!"},
+      {-1, -1, -1, -1, 0, -1, "Month parameter is out of range!"},
+      {-1, -1, -1, -1, -1, 1969, "Year parameter is out of range!"},
+  };
+  for (Case const& c : cases) {
+    vDate d(kSample, false);
+    UtlExcept e = catchUtl([&] { d.set(c.s, c.mi, c.h, c.d, c.mo, c.y); });
+    EXPECT_EQ(e.getReason(), c.reason);
+    EXPECT_EQ(e.getMethod(), "vDate::set()");
+    EXPECT_EQ(e.getFileName(), "vDate");
+    EXPECT_FALSE(d.isValid());
+    EXPECT_EQ(-1, d.getSeconds());
+  }
+}
+
+TEST(vDateRanges, SettersLeaveOtherFieldsAlone) {
+  vDate d(kSample, false);
+  d.setYear(2020);
+  d.setMonth(2);
+  d.setDay(29);
+  d.setHour(1);
+  d.setMinute(2);
+  d.setSecond(3);
+  EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20200229010203");
+  d.set(-1, -1, -1, 31, 4, -1);  // 31 April rolls over
+  EXPECT_EQ(5, d.getMonth());
+  EXPECT_EQ(1, d.getDay());
+  vDate invalid(vDate::Invalid);
+  invalid.setLocalTime(false);
+  invalid.set(0, 0, 0, 2, 1, 1970);
+  EXPECT_EQ(86400L, invalid.getSeconds());
+}
+
+TEST(vDateState, InvalidDates) {
+  vDate a(vDate::Invalid);
+  EXPECT_FALSE(a.isValid());
+  EXPECT_EQ(-1, a.getSeconds());
+  EXPECT_EQ(a.getFormatted(vDate::formatLONG), "");
+  vDate b(-5L);
+  EXPECT_FALSE(b.isValid());
+  EXPECT_EQ(-1, b.getSeconds());
+  vDate c(kSample, false);
+  c.setInvalid();
+  EXPECT_FALSE(c.isValid());
+  c.setSeconds(10);
+  EXPECT_TRUE(c.isValid());
+}
+
+TEST(vDateArithmetic, SecondsAndDates) {
+  vDate d(kSample, false);
+  vDate later = d + 3600L;
+  EXPECT_EQ(23, later.getHour());
+  EXPECT_TRUE(later > d);
+  EXPECT_TRUE(later >= d);
+  EXPECT_TRUE(d < later);
+  EXPECT_TRUE(d <= later);
+  EXPECT_TRUE(d != later);
+  EXPECT_TRUE(later - 3600L == d);
+  EXPECT_TRUE(d == kSample);
+  EXPECT_TRUE(d < kSample + 1);
+  EXPECT_TRUE(d >= kSample);
+  EXPECT_TRUE(d > kSample - 1);
+  EXPECT_TRUE(d <= kSample);
+  EXPECT_TRUE(d != 0L);
+  vDate span(3600L, false);
+  EXPECT_EQ(kSample, (later - span).getSeconds());
+  EXPECT_EQ(kSample + 7200L, (later + span).getSeconds());
+  d += 60L;
+  EXPECT_EQ(14, d.getMinute());
+  d -= 120L;
+  EXPECT_EQ(12, d.getMinute());
+  d += span;
+  d -= span;
+  EXPECT_EQ(kSample - 60L, d.getSeconds());
+}
+
+TEST(vDateArithmetic, AddNormalisesFields) {
+  vDate d(kSample, false);
+  d.add(0, 0, 0, 20, 0, 0);
+  EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20231204221320");
+  d.add(40, 46, 1, 0, 1, 1);
+  EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20250105000000");
+}

@@ -1,0 +1,251 @@
+#include "foundation/vHandle.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+struct Counted {
+  static int alive;
+  Counted() { ++alive; }
+  virtual ~Counted() { --alive; }
+  virtual int kind() const { return 0; }
+};
+int Counted::alive = 0;
+
+struct Derived : Counted {
+  int kind() const override { return 1; }
+};
+
+struct Other : Counted {
+  int kind() const override { return 2; }
+};
+
+struct Element {
+  static int destroyed;
+  ~Element() { ++destroyed; }
+};
+int Element::destroyed = 0;
+
+struct Mixin {
+  virtual ~Mixin() {}
+  int tag = 7;
+};
+struct Both : Counted, Mixin {};
+
+class vHandleTest : public ::testing::Test {
+ protected:
+  void SetUp() override { Counted::alive = 0; }
+  void TearDown() override { EXPECT_EQ(0, Counted::alive); }
+};
+
+}  // namespace
+
+TEST_F(vHandleTest, MastersShareOneCountAndTheLastDeletes) {
+  {
+    vHandle<Counted> a(new Counted);
+    EXPECT_EQ(1, a.getMasterCount());
+    EXPECT_EQ(0, a.getSlaveCount());
+    EXPECT_TRUE(a.isMaster());
+    EXPECT_FALSE(a.isSlave());
+    {
+      vHandle<Counted> b(a);
+      vHandle<Counted> c;
+      c = b;
+      EXPECT_EQ(3, a.getMasterCount());
+      EXPECT_EQ(a.get(), c.get());
+      EXPECT_TRUE(a == c);
+    }
+    EXPECT_EQ(1, a.getMasterCount());
+    EXPECT_EQ(1, Counted::alive);
+  }
+  EXPECT_EQ(0, Counted::alive);
+}
+
+TEST_F(vHandleTest, SelfAssignmentAndSameObjectChangeNoCount) {
+  vHandle<Counted> a(new Counted);
+  vHandle<Counted> b(a);
+  vHandle<Counted>& alias = a;
+  a = alias;
+  EXPECT_EQ(2, a.getMasterCount());
+  a = b;
+  b = a;
+  EXPECT_EQ(2, a.getMasterCount());
+  vHandle<Counted> empty;
+  vHandle<Counted>& emptyAlias = empty;
+  empty = emptyAlias;
+  EXPECT_TRUE(empty.isEmpty());
+  EXPECT_EQ(1, empty.getMasterCount());
+}
+
+TEST_F(vHandleTest, AssignmentReleasesTheOldObject) {
+  vHandle<Counted> a(new Counted);
+  vHandle<Counted> b(new Counted);
+  EXPECT_EQ(2, Counted::alive);
+  a = b;
+  EXPECT_EQ(1, Counted::alive);
+  EXPECT_EQ(2, b.getMasterCount());
+}
+
+TEST_F(vHandleTest, TwoEmptyHandlesAreNotMerged) {
+  vHandle<Counted> a;
+  vHandle<Counted> b;
+  a = b;
+  EXPECT_EQ(2, b.getMasterCount());
+  vHandle<Counted> c;
+  EXPECT_EQ(1, c.getMasterCount());
+  EXPECT_TRUE(a.isEmpty());
+}
+
+TEST_F(vHandleTest, NullHandleIsEmptyAndGetIsFatal) {
+  vHandle<Counted> h(nullptr);
+  EXPECT_TRUE(h.isEmpty());
+  EXPECT_EQ(nullptr, h.pointer());
+  try {
+    h->kind();
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "Trying to get a NULL pointer");
+    EXPECT_EQ(e.getMethod(), "vHandle::get()");
+  }
+}
+
+TEST_F(vHandleTest, SlavesKeepTheRecordButNotTheObject) {
+  vHandle<Counted>* master = new vHandle<Counted>(new Counted);
+  vHandle<Counted> slave(*master, true);
+  EXPECT_TRUE(slave.isSlave());
+  EXPECT_EQ(1, master->getMasterCount());
+  EXPECT_EQ(1, master->getSlaveCount());
+  EXPECT_EQ(0, slave->kind());
+  delete master;
+  EXPECT_EQ(0, Counted::alive);
+  EXPECT_TRUE(slave.isEmpty());
+  EXPECT_EQ(0, slave.getMasterCount());
+  EXPECT_EQ(1, slave.getSlaveCount());
+  try {
+    slave.get();
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "A slave vHandle is trying to get a NULL pointer");
+    EXPECT_EQ(e.getMethod(), "vHandle::get()");
+  }
+}
+
+TEST_F(vHandleTest, ACopyOfASlaveIsAMaster) {
+  vHandle<Counted> master(new Counted);
+  vHandle<Counted> slave(master, true);
+  vHandle<Counted> copy(slave);
+  EXPECT_TRUE(copy.isMaster());
+  EXPECT_EQ(2, master.getMasterCount());
+  EXPECT_EQ(1, master.getSlaveCount());
+  master = vHandle<Counted>();
+  EXPECT_EQ(1, Counted::alive);
+  EXPECT_FALSE(slave.isEmpty());
+}
+
+TEST_F(vHandleTest, SlaveCannotRelease) {
+  vHandle<Counted> master(new Counted);
+  vHandle<Counted> slave(master, true);
+  try {
+    slave.release();
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "A slave cannot release a vHandle!");
+    EXPECT_EQ(e.getMethod(), "vHandle::release");
+  }
+  master.release();
+  EXPECT_TRUE(master.isEmpty());
+  EXPECT_TRUE(slave.isEmpty());
+  EXPECT_EQ(0, Counted::alive);
+}
+
+TEST_F(vHandleTest, CastSharesTheRecord) {
+  vHandle<Counted> base(new Derived);
+  vHandle<Derived> derived;
+  vHandle_cast(derived, base);
+  EXPECT_EQ(1, derived->kind());
+  EXPECT_EQ(2, base.getMasterCount());
+  base = vHandle<Counted>();
+  EXPECT_EQ(1, Counted::alive);
+  EXPECT_EQ(1, derived.getMasterCount());
+  vHandle<Derived> fromEmpty = vHandle_cast<Derived>(vHandle<Counted>());
+  EXPECT_TRUE(fromEmpty.isEmpty());
+}
+
+TEST_F(vHandleTest, FailedCastThrowsDirectly) {
+  vHandle<Counted> base(new Other);
+  try {
+    vHandle<Derived> d = vHandle_cast<Derived>(base);
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "Could not convert class with dynamic_cast.");
+    EXPECT_EQ(e.getMethod(), "vHandle::assign");
+    EXPECT_EQ(590, e.getLineNumber());
+    EXPECT_EQ(e.getFileName(), "vHandle");
+  }
+  EXPECT_EQ(1, base.getMasterCount());
+}
+
+TEST_F(vHandleTest, CastThatWouldMoveThePointerIsRefused) {
+  vHandle<Counted> base(new Both);
+  EXPECT_THROW(vHandle_cast<Mixin>(base), UtlExcept);
+  vHandle<Both> both = vHandle_cast<Both>(base);
+  EXPECT_EQ(7, both->tag);
+}
+
+TEST_F(vHandleTest, DeletionPolicies) {
+  Element::destroyed = 0;
+  { vHandle<Element> arr(new Element[3], vHandleEnum::DeleteArray); }
+  EXPECT_EQ(3, Element::destroyed);
+  {
+    char* raw = static_cast<char*>(std::malloc(16));
+    std::strcpy(raw, "malloced");
+    vHandle<char> c(raw, vHandleEnum::FreeC);
+    EXPECT_STREQ("malloced", c.get());
+  }
+  {
+    // An unknown policy behaves as a plain delete.
+    vHandle<Counted> odd(new Counted, static_cast<vHandleEnum::DeletionPolicy>(9));
+  }
+  EXPECT_EQ(0, Counted::alive);
+}
+
+TEST_F(vHandleTest, ReservedPolicyIsFatalWhenTheObjectGoes) {
+  char* block = static_cast<char*>(std::malloc(8));
+  vHandle<char> h(block, vHandleEnum::FreeUT);
+  try {
+    h.release();
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "Not implemented yet!");
+    EXPECT_EQ(e.getMethod(), "vHandleHelper::freeDataUT");
+  }
+  std::free(block);
+}
+
+TEST_F(vHandleTest, MultiThreadedHandlesCountUnderTheirMutex) {
+  vHandle<Counted> shared(new Counted, vHandleEnum::DeleteObject, vHandleEnum::MultiThreaded);
+  EXPECT_TRUE(shared.isMultiThreaded());
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&shared] {
+      for (int i = 0; i < 2000; ++i) {
+        vHandle<Counted> copy(shared);
+        vHandle<Counted> other;
+        other = copy;
+        EXPECT_TRUE(other.isMultiThreaded());
+      }
+    });
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(1, shared.getMasterCount());
+  EXPECT_EQ(1, Counted::alive);
+  vHandle<Counted> single(new Counted);
+  EXPECT_FALSE(single.isMultiThreaded());
+}

@@ -1,0 +1,95 @@
+#include "foundation/vMutex.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <thread>
+#include <vector>
+
+#include "foundation/UtlExcept.h"
+
+TEST(vMutex, CreatedOnDemand) {
+  vMutex m;
+  EXPECT_FALSE(m.hasInitialized());
+  EXPECT_EQ(vMutex::Recursive, m.getLockPolicy());
+  EXPECT_TRUE(m.lock());
+  EXPECT_TRUE(m.hasInitialized());
+  EXPECT_TRUE(m.isLocked());
+  EXPECT_TRUE(m.unlock());
+  EXPECT_FALSE(m.isLocked());
+  EXPECT_EQ(0, m.getLastError());
+  vMutex now(true, vMutex::Normal);
+  EXPECT_TRUE(now.hasInitialized());
+  EXPECT_EQ(vMutex::Normal, now.getLockPolicy());
+}
+
+TEST(vMutex, InitializeOnlyOnce) {
+  vMutex m;
+  m.initialize(vMutex::ErrorCheck);
+  EXPECT_EQ(vMutex::ErrorCheck, m.getLockPolicy());
+  m.initialize(vMutex::Recursive);
+  EXPECT_EQ(vMutex::ErrorCheck, m.getLockPolicy());
+}
+
+TEST(vMutex, RecursivePolicyLocksTwice) {
+  vMutex m(true, vMutex::Recursive);
+  EXPECT_TRUE(m.lock());
+  EXPECT_TRUE(m.tryLock());
+  EXPECT_TRUE(m.unlock());
+  EXPECT_TRUE(m.unlock());
+  // A third unlock is refused: the mutex is not owned any more.
+  EXPECT_FALSE(m.unlock());
+  EXPECT_EQ(EPERM, m.getLastError());
+}
+
+TEST(vMutex, ErrorCheckPolicyRefusesRelocking) {
+  vMutex m(true, vMutex::ErrorCheck);
+  EXPECT_TRUE(m.lock());
+  EXPECT_FALSE(m.lock());
+  EXPECT_EQ(EDEADLK, m.getLastError());
+  EXPECT_FALSE(m.spinLock(3));
+  EXPECT_TRUE(m.unlock());
+  EXPECT_TRUE(m.spinLock(0));
+  EXPECT_TRUE(m.unlock());
+}
+
+TEST(vMutex, TryLockFailsWhileAnotherThreadHoldsIt) {
+  vMutex m(true, vMutex::Normal);
+  ASSERT_TRUE(m.lock());
+  bool got = true;
+  int error = 0;
+  std::thread other([&] {
+    got = m.tryLock();
+    error = m.getLastError();
+  });
+  other.join();
+  EXPECT_FALSE(got);
+  EXPECT_EQ(EBUSY, error);
+  EXPECT_TRUE(m.unlock());
+}
+
+TEST(vMutex, ProtectsACounter) {
+  vMutex m;
+  long counter = 0;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&] {
+      for (int i = 0; i < 10000; ++i) {
+        vMutexLocker lock(m);
+        ++counter;
+      }
+    });
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(40000, counter);
+}
+
+TEST(vMutex, UnlockOfANeverCreatedMutexIsFatal) {
+  vMutex m;
+  try {
+    m.unlock();
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "Calling unlock on a non-allocated mutex!");
+    EXPECT_EQ(e.getMethod(), "vMutex::unlock");
+  }
+}

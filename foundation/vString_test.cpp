@@ -1,0 +1,587 @@
+#include "foundation/vString.h"
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <sstream>
+#include <vector>
+
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+// Runs f, which must raise a fatal message or throw UtlExcept, and returns
+// the exception.
+template <class F>
+UtlExcept catchUtl(F f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return e;
+  }
+  ADD_FAILURE() << "no UtlExcept was thrown";
+  return UtlExcept("", "");
+}
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define RONDO_ASAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define RONDO_ASAN 1
+#endif
+
+}  // namespace
+
+// --- empty strings -------------------------------------------------------------
+
+TEST(vStringEmpty, NullAndEmptyTextShareTheStaticBuffer) {
+  vString a(static_cast<char const*>(nullptr));
+  vString b("");
+  vString c;
+  EXPECT_TRUE(a.isSharedEmpty());
+  EXPECT_TRUE(b.isSharedEmpty());
+  EXPECT_TRUE(c.isSharedEmpty());
+  EXPECT_EQ(a.c_str(), b.c_str());
+  EXPECT_EQ(b.c_str(), c.c_str());
+  EXPECT_EQ(0u, a.length());
+  EXPECT_EQ(a, b);
+}
+
+TEST(vStringEmpty, OperationsThatEmptyAStringGiveBackTheSharedBuffer) {
+  vString s("text");
+  EXPECT_FALSE(s.isSharedEmpty());
+  s.erase();
+  EXPECT_TRUE(s.isSharedEmpty());
+  s = "abc";
+  s.truncate(0);
+  EXPECT_TRUE(s.isSharedEmpty());
+  s = "aaa";
+  s.removeAll('a');
+  EXPECT_TRUE(s.isSharedEmpty());
+  s = "x";
+  s = "";
+  EXPECT_TRUE(s.isSharedEmpty());
+  s = 'x';
+  s = static_cast<char const*>(nullptr);
+  EXPECT_TRUE(s.isSharedEmpty());
+  vString moved("abc");
+  vString target(std::move(moved));
+  EXPECT_TRUE(moved.isSharedEmpty());
+  EXPECT_EQ(target, "abc");
+  EXPECT_TRUE(vString("abc").substr(5).isSharedEmpty());
+}
+
+#ifndef RONDO_ASAN
+// The heap in use must not grow while many empty strings are made and
+// copied. (The sanitizer's allocator does not report through mallinfo2.)
+TEST(vStringEmpty, ManyEmptyStringsAllocateNothing) {
+  size_t const before = mallinfo2().uordblks;
+  {
+    std::vector<char> storage(sizeof(vString) * 1000);
+    vString* strings = reinterpret_cast<vString*>(storage.data());
+    size_t const afterVector = mallinfo2().uordblks;
+    for (int i = 0; i < 1000; ++i) new (&strings[i]) vString(i % 2 ? "" : static_cast<char const*>(nullptr));
+    for (int i = 0; i < 1000; ++i) strings[i] = vString(strings[(i + 1) % 1000]);
+    EXPECT_EQ(afterVector, mallinfo2().uordblks);
+    for (int i = 0; i < 1000; ++i) strings[i].~vString();
+  }
+  EXPECT_EQ(before, mallinfo2().uordblks);
+}
+#endif
+
+// --- construction and comparison ------------------------------------------------
+
+TEST(vStringConstruct, CountedConstructorPadsWithZeros) {
+  vString s(5, "ab");
+  EXPECT_EQ(5u, s.length());
+  EXPECT_EQ(2u, std::strlen(s.c_str()));
+  EXPECT_EQ(0, s[4]);
+  vString t(2, "abcdef");
+  EXPECT_EQ(t, vString("ab"));
+  EXPECT_TRUE(vString(-3, "abc").isSharedEmpty());
+  EXPECT_TRUE(vString(0, "abc").isSharedEmpty());
+  vString z(3, nullptr);
+  EXPECT_EQ(3u, z.length());
+  EXPECT_EQ(0, z[0]);
+}
+
+TEST(vStringCompare, EqualityChecksLengthFirstButTextFormsUseStrcmp) {
+  vString padded(5, "ab");
+  vString plain("ab");
+  EXPECT_FALSE(padded == plain);
+  EXPECT_TRUE(padded != plain);
+  EXPECT_TRUE(padded == "ab");
+  EXPECT_TRUE("ab" == padded);
+  EXPECT_FALSE(padded < plain);
+  EXPECT_FALSE(plain < padded);
+  EXPECT_TRUE(padded <= plain);
+  EXPECT_TRUE(padded >= plain);
+  EXPECT_TRUE(vString("abc") < "abd");
+  EXPECT_TRUE(vString("b") > vString("abc"));
+  EXPECT_TRUE("abc" < vString("abd"));
+}
+
+TEST(vStringCompare, StricmpFoldsAsciiOnly) {
+  EXPECT_EQ(0, vString("HeLLo").stricmp("hello"));
+  EXPECT_EQ(0, vString::stricmp("ABC", "abc"));
+  EXPECT_EQ('a' - 'b', vString::stricmp("A", "b"));
+  EXPECT_GT(vString("abd").stricmp(vString("ABC")), 0);
+  EXPECT_LT(vString::stricmp("ab", "abc"), 0);
+  // Bytes outside 'A'..'Z' are compared as they are.
+  EXPECT_NE(0, vString::stricmp("\xC9", "\xE9"));
+}
+
+// --- blank and integer tests ------------------------------------------------------
+
+TEST(vStringTests, BlankMeansOnlySpacesAndTabs) {
+  EXPECT_TRUE(vString("").isBlank());
+  EXPECT_TRUE(vString(" \t ").isBlank());
+  EXPECT_FALSE(vString("\n\n").isBlank());
+  EXPECT_FALSE(vString(" x ").isBlank());
+  EXPECT_TRUE(vString(4, " ").isBlank());
+  EXPECT_TRUE(vString(" \t").isEmpty());
+  EXPECT_FALSE(vString("\n").isEmpty());
+  EXPECT_FALSE(vString("a").isEmpty());
+}
+
+TEST(vStringTests, IsIntegerAllowsOneSignAndDigitsOnly) {
+  EXPECT_TRUE(vString("123").isInteger());
+  EXPECT_TRUE(vString("-12").isInteger());
+  EXPECT_TRUE(vString("+7").isInteger());
+  EXPECT_TRUE(vString("-").isInteger());
+  EXPECT_FALSE(vString("").isInteger());
+  EXPECT_FALSE(vString("  ").isInteger());
+  EXPECT_FALSE(vString("+-1").isInteger());
+  EXPECT_FALSE(vString("12a").isInteger());
+  EXPECT_FALSE(vString(" 12").isInteger());
+  EXPECT_FALSE(vString("1.5").isInteger());
+}
+
+// --- trimming ------------------------------------------------------------------
+
+TEST(vStringTrim, StripTakesOnlySpacesAndTabs) {
+  vString s(" \tab\n \t");
+  s.strip();
+  EXPECT_EQ(s, "ab\n");
+  vString t(" \t\n ab \n\t");
+  t.trimRight();
+  EXPECT_EQ(t, " \t\n ab");
+  t.trimLeft();
+  EXPECT_EQ(t, "ab");
+}
+
+TEST(vStringTrim, TrimFromATextAssignsTheTrimmedText) {
+  vString s("old");
+  s.trimRight(vString("  value \n"));
+  EXPECT_EQ(s, "  value");
+  s.trimLeft(vString(" \t value  "));
+  EXPECT_EQ(s, "value  ");
+}
+
+// --- extraction ----------------------------------------------------------------
+
+TEST(vStringGet, RangeIsInclusiveAndClipped) {
+  vString s("abcdef");
+  EXPECT_EQ(s.get(1, 3), "bcd");
+  EXPECT_EQ(s.get(4, 100), "ef");
+  EXPECT_EQ(s.get(2, 2), "c");
+  EXPECT_TRUE(s.get(10, 12).isSharedEmpty());
+}
+
+TEST(vStringGet, BadRangesAreFatal) {
+  vString s("abc");
+  UtlExcept neg = catchUtl([&] { s.get(-1, 2); });
+  EXPECT_EQ(neg.getReason(), "negative startIndex -1 for string abc");
+  EXPECT_EQ(neg.getMethod(), "vString::get");
+  UtlExcept order = catchUtl([&] { s.get(3, 1); });
+  EXPECT_EQ(order.getReason(), "startIndex 3 greater than endIndex 1 for string abc");
+  EXPECT_EQ(order.getMethod(), "vString::get");
+}
+
+TEST(vStringGet, BetweenTwoTokens) {
+  vString s("key=[value] rest");
+  EXPECT_EQ(s.get(vString("["), vString("]")), "value");
+  EXPECT_TRUE(s.get(vString("<"), vString(">")).isSharedEmpty());
+  EXPECT_EQ(s.get(vString("key="), vString(" ")), "[value]");
+}
+
+TEST(vStringGet, SubstrAndFriends) {
+  vString s("abcdef");
+  EXPECT_TRUE(s.substr(2, 0).isSharedEmpty());
+  EXPECT_TRUE(s.substr(6).isSharedEmpty());
+  EXPECT_EQ(s.substr(2), "cdef");
+  EXPECT_EQ(s.substr(2, 0xFFFFFFFFu), "cdef");
+  EXPECT_EQ(s.substr(4, 10), "ef");
+  EXPECT_EQ(s.substr(1, 2), "bc");
+  EXPECT_EQ(s.getLeft(2), "ab");
+  EXPECT_EQ(s.getRight(2), "ef");
+  EXPECT_EQ(s.getRight(20), "abcdef");
+  EXPECT_EQ(s.getMid(1, 3), "bcd");
+  char buf[4];
+  s.get(buf, 2, sizeof buf);
+  EXPECT_STREQ("cde", buf);
+}
+
+TEST(vStringGet, PopTakesTheHeadAndKeepsTheRest) {
+  vString s("a,b,c");
+  EXPECT_EQ(s.pop(vString(",")), "a");
+  EXPECT_EQ(s, "b,c");
+  EXPECT_EQ(s.pop(vString(",")), "b");
+  EXPECT_EQ(s.pop(vString(",")), "c");
+  EXPECT_TRUE(s.isSharedEmpty());
+}
+
+// --- searching -------------------------------------------------------------------
+
+TEST(vStringSearch, PositionsAndOffsets) {
+  vString s("abcabc");
+  EXPECT_EQ(1, s.search('b'));
+  EXPECT_EQ(-1, s.search('z'));
+  EXPECT_EQ(2, s.count('b') + s.count('z'));
+  EXPECT_EQ(0, s.search(vString("abc")));
+  EXPECT_EQ(3, s.search(vString("abc"), 1));
+  EXPECT_EQ(3, s.search("ab", 2));
+  EXPECT_EQ(-1, s.search("abc", 4));
+  EXPECT_EQ(-1, s.search("abc", 100));
+  EXPECT_EQ(2, s.find_first_of(vString("xc")));
+  EXPECT_EQ(5, s.find_first_of(vString("c"), 3));
+  EXPECT_EQ(2, s.find_first_not_of(vString("ab")));
+  EXPECT_EQ(-1, vString("aaa").find_first_not_of(vString("a")));
+}
+
+TEST(vStringSearch, SearchForLastReturnsZeroAndStoresThePosition) {
+  int pos = 99;
+  EXPECT_EQ(0, vString("a:b").searchForLast(':', pos));
+  EXPECT_EQ(1, pos);
+  pos = 99;
+  EXPECT_EQ(-1, vString("abc").searchForLast(':', pos));
+  EXPECT_EQ(0, pos);
+  pos = 99;
+  EXPECT_EQ(0, vString("x.y.z").searchForLast(vString("."), pos));
+  EXPECT_EQ(3, pos);
+  EXPECT_EQ(-1, vString("xyz").searchForLast(vString(".."), pos));
+  EXPECT_EQ(0, pos);
+}
+
+TEST(vStringSearch, SearchIntegerSkipsPartsOfLargerNumbers) {
+  vString s("x12 2 123");
+  EXPECT_EQ(4, s.searchInteger(vString("2")));
+  EXPECT_EQ(1, s.searchInteger(vString("12")));
+  EXPECT_EQ(-1, s.searchInteger(vString("23")));
+  EXPECT_EQ(-1, s.searchInteger(vString("2"), 5));
+}
+
+// --- splitting -------------------------------------------------------------------
+
+TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
+  vString left("l"), right("r");
+  EXPECT_FALSE(vString("abc").splitAtToken(left, right, ':'));
+  EXPECT_EQ(left, "abc");
+  EXPECT_TRUE(right.isSharedEmpty());
+  EXPECT_TRUE(vString(":abc").splitAtToken(left, right, ':'));
+  EXPECT_TRUE(left.isSharedEmpty());
+  EXPECT_EQ(right, "abc");
+  EXPECT_TRUE(vString("abc:").splitAtToken(left, right, ':'));
+  EXPECT_EQ(left, "abc");
+  EXPECT_TRUE(right.isSharedEmpty());
+  EXPECT_TRUE(vString("a::b::c").splitAtToken(left, right, vString("::")));
+  EXPECT_EQ(left, "a");
+  EXPECT_EQ(right, "b::c");
+  EXPECT_TRUE(vString("a::b::c").splitAtLastToken(left, right, vString("::")));
+  EXPECT_EQ(left, "a::b");
+  EXPECT_EQ(right, "c");
+  EXPECT_TRUE(vString("a.b.c").splitAtLastToken(left, right, '.'));
+  EXPECT_EQ(left, "a.b");
+  EXPECT_EQ(right, "c");
+  EXPECT_FALSE(vString("abc").splitAtLastToken(left, right, '.'));
+  EXPECT_EQ(left, "abc");
+  EXPECT_TRUE(right.isSharedEmpty());
+}
+
+TEST(vStringSplit, OutputMayBeTheSourceItself) {
+  vString s("key=value");
+  vString right;
+  s.splitAtToken(s, right, '=');
+  EXPECT_EQ(s, "key");
+  EXPECT_EQ(right, "value");
+}
+
+// --- sizing ----------------------------------------------------------------------
+
+TEST(vStringSize, TruncateAndSetSize) {
+  vString s("abcdef");
+  EXPECT_EQ(-1, s.truncate(-1));
+  EXPECT_EQ(s, "abcdef");
+  EXPECT_EQ(0, s.truncate(6));
+  EXPECT_EQ(0, s.truncate(60));
+  EXPECT_EQ(s, "abcdef");
+  EXPECT_EQ(0, s.truncate(3));
+  EXPECT_EQ(s, "abc");
+  EXPECT_EQ(3, s.setSize(3));
+  EXPECT_EQ(s, "abc");
+  EXPECT_EQ(-1, s.setSize(0));
+  EXPECT_EQ(s, "abc");
+  EXPECT_EQ(8, s.setSize(8));
+  EXPECT_EQ(8u, s.length());
+  EXPECT_EQ(8, s.getSize());
+  EXPECT_EQ(0, s[0]);
+}
+
+TEST(vStringSize, CenterRightExtendFill) {
+  vString s("  ab ");
+  s.center(6, '*');
+  EXPECT_EQ(s, "**ab**");
+  vString odd("ab");
+  odd.center(5, '-');
+  EXPECT_EQ(odd, "-ab--");
+  vString keep(" ab ");
+  keep.center(6, 0);
+  EXPECT_EQ(keep, " ab ");
+  keep.center(0, '*');
+  EXPECT_EQ(keep, " ab ");
+  vString r("7");
+  r.right(3, '0');
+  EXPECT_EQ(r, "007");
+  r.extendTo(5, '.');
+  EXPECT_EQ(r, "007..");
+  r.extendTo(2, '.');
+  EXPECT_EQ(r, "007..");
+  r.fill('x');
+  EXPECT_EQ(r, "xxxxx");
+  r.fill(2, 'y');
+  EXPECT_EQ(r, "yy");
+}
+
+// --- conversions -------------------------------------------------------------------
+
+TEST(vStringRead, NumbersAndEmptyStrings) {
+  EXPECT_EQ(0, vString().readi());
+  EXPECT_EQ(0.0f, vString().readf());
+  EXPECT_EQ(0.0, vString().readd());
+  EXPECT_EQ(0LL, vString().readi64());
+  EXPECT_EQ(-42, vString("-42").readi());
+  EXPECT_DOUBLE_EQ(2.5, vString("2.5").readd());
+  EXPECT_FLOAT_EQ(0.25f, vString("0.25").readf());
+  EXPECT_EQ(9000000000LL, vString("9000000000").readi64());
+}
+
+TEST(vStringRead, Booleans) {
+  EXPECT_FALSE(vString().readb());
+  EXPECT_FALSE(vString("  ").readb());
+  for (char const* f : {"f", "F", "n", "N", "0", " n ", "no", "NO", "No", "false", "negative", "disabled"})
+    EXPECT_FALSE(vString(f).readb()) << f;
+  for (char const* t : {"t", "y", "1", "x", "yes", "true", "on", "FALSE", "enabled", "nope"})
+    EXPECT_TRUE(vString(t).readb()) << t;
+}
+
+TEST(vStringWrite, StreamOperatorsUseFixedFormats) {
+  vString s;
+  s << 0.1;
+  EXPECT_EQ(s, "0.1");
+  s.erase();
+  s << 1.0e20;
+  EXPECT_EQ(s, "1E+20");
+  s.erase();
+  s << 3.14159265358979;
+  EXPECT_EQ(s, "3.14159265358979");
+  s.erase();
+  s << 3.14159265f;
+  EXPECT_EQ(s, "3.141593");
+  s.erase();
+  s << 12 << ' ' << 9000000000LL << "/" << vString("x");
+  EXPECT_EQ(s, "12 9000000000/x");
+  EXPECT_EQ(vString::number(-5), "-5");
+  EXPECT_EQ(vString::number(1234567890123LL), "1234567890123");
+  EXPECT_EQ(vString::number(0.5), "0.5");
+  EXPECT_EQ(vString::number(0.5f), "0.5");
+}
+
+TEST(vStringWrite, NumberIntoAField) {
+  vString s("|....|....|");
+  EXPECT_EQ(4, s.write(42, 1, 4, 0, ' ', 0, 0));
+  EXPECT_EQ(s, "|  42|....|");
+  EXPECT_EQ(4, s.write(123456, 6, 9, 0, ' ', 0, 0));
+  EXPECT_EQ(s, "|  42|9999|");
+  EXPECT_EQ(4, s.write(-123456, 1, 4, 0, ' ', 0, 0));
+  EXPECT_EQ(s, "|-999|9999|");
+  EXPECT_EQ(4, s.write(255, 6, 9, 64 | 512, '0', 0, 0));
+  EXPECT_EQ(s, "|-999|00FF|");
+  EXPECT_EQ(-1, s.write(1, 8, 20, 0, ' ', 0, 0));
+  EXPECT_EQ(-1, s.write(1, -1, 2, 0, ' ', 0, 0));
+  EXPECT_EQ(-1, s.write(1, 5, 2, 0, ' ', 0, 0));
+  vString a("x=");
+  EXPECT_EQ(4, a.write(7, 0, -1, 1024, '0', 4, 0));
+  EXPECT_EQ(a, "x=+007");
+  vString f("[      ]");
+  EXPECT_EQ(6, f.write(3.14159f, 1, 6, 0, ' ', 0, 2));
+  EXPECT_EQ(f, "[  3.14]");
+}
+
+// --- changing the content ----------------------------------------------------------
+
+TEST(vStringChange, ReplaceRemoveReverse) {
+  vString s("a.b.c");
+  s.replace('.', '/');
+  EXPECT_EQ(s, "a/b/c");
+  s.replace(vString("/"), vString("::"));
+  EXPECT_EQ(s, "a::b::c");
+  s.replace(vString("::"), vString(""));
+  EXPECT_EQ(s, "abc");
+  vString noRescan("aa");
+  noRescan.replace(vString("a"), vString("aa"));
+  EXPECT_EQ(noRescan, "aaaa");
+  vString r("hello world");
+  r.replace(0, 5, vString("xxGOODBYExx"), 2, 7);
+  EXPECT_EQ(r, "GOODBYE world");
+  r.removeAll('o');
+  EXPECT_EQ(r, "GOODBYE wrld");
+  r.reverse();
+  EXPECT_EQ(r, "dlrw EYBDOOG");
+}
+
+TEST(vStringChange, ReplaceNonAsciiStopsAtACarriageReturn) {
+  vString s("a\x01" "b\xff" "c\rd\x02");
+  s.replaceNonAscii();
+  EXPECT_EQ(8u, s.length());
+  EXPECT_STREQ("a b c", s.c_str());
+  EXPECT_EQ('d', s[6]);
+  EXPECT_EQ('\x02', s[7]);
+  vString keep("tab\there\nline");
+  keep.replaceNonAscii();
+  EXPECT_EQ(keep, "tab\there\nline");
+}
+
+TEST(vStringChange, CaseOperations) {
+  vString s("hELLO wORLD");
+  s.capitalize();
+  EXPECT_EQ(s, "Hello world");
+  vString w("hELLO wORLD-foo 3rd x_y \xe9t\xe9");
+  w.capitalizeEveryWord();
+  EXPECT_EQ(w, "Hello World-Foo 3rd X_Y \xe9T\xe9");
+  vString u("MiXed 1");
+  u.toUpperCase();
+  EXPECT_EQ(u, "MIXED 1");
+  u.toLowerCase();
+  EXPECT_EQ(u, "mixed 1");
+}
+
+TEST(vStringChange, AppendingToItself) {
+  vString s("ab");
+  s += s;
+  EXPECT_EQ(s, "abab");
+  s.append(s);
+  EXPECT_EQ(s, "abababab");
+  vString t("xyz");
+  t = t.c_str() + 1;
+  EXPECT_EQ(t, "yz");
+  EXPECT_EQ(vString("a") + vString("b"), "ab");
+  vString const c("c");
+  EXPECT_EQ(c + vString("d"), "cd");
+  EXPECT_EQ(c, "c");
+}
+
+TEST(vStringChange, SwapContents) {
+  vString a("first"), b;
+  a.swapContents(b);
+  EXPECT_TRUE(a.isSharedEmpty());
+  EXPECT_EQ(b, "first");
+}
+
+// --- index checks -------------------------------------------------------------------
+
+TEST(vStringAt, OutOfRangeThrowsDirectly) {
+  vString s("abc");
+  EXPECT_EQ('b', s.at(1));
+  UtlExcept e = catchUtl([&] { s.at(3); });
+  EXPECT_EQ(e.getReason(), "Trying to index beyond end of string");
+  EXPECT_EQ(e.getMethod(), "vString::at()");
+  vString const& cs = s;
+  UtlExcept ce = catchUtl([&] { cs.at(7); });
+  EXPECT_EQ(ce.getReason(), "Requested position is out of range.");
+  EXPECT_EQ(ce.getMethod(), "vString::at()");
+}
+
+// --- patterns -----------------------------------------------------------------------
+
+TEST(vStringMatch, ShellPatterns) {
+  vString s("trace_042.sgy");
+  EXPECT_TRUE(s.match(vString("*")));
+  EXPECT_TRUE(s.match(vString("trace*")));
+  EXPECT_TRUE(s.match(vString("*.sgy")));
+  EXPECT_TRUE(s.match(vString("trace_???.sgy")));
+  EXPECT_FALSE(s.match(vString("trace_??.sgy")));
+  EXPECT_TRUE(s.match(vString("trace_[0-9][0-9][0-9].*")));
+  EXPECT_FALSE(s.match(vString("trace_[^0]*")));
+  EXPECT_TRUE(s.match(vString("trace_[^1-9]*")));
+  EXPECT_TRUE(s.match(vString("*_*2.s*y")));
+  EXPECT_FALSE(s.match(vString("TRACE*")));
+  EXPECT_FALSE(s.match(vString("trace")));
+  EXPECT_TRUE(vString("-").match(vString("[-a]")));
+  EXPECT_TRUE(vString("-").match(vString("[a-]")));
+  EXPECT_FALSE(vString("b").match(vString("[-a]")));
+  EXPECT_TRUE(vString("").match(vString("*")));
+  EXPECT_FALSE(vString("").match(vString("?")));
+}
+
+// --- environment -------------------------------------------------------------------
+
+TEST(vStringEnv, ExpandKnownNamesOnly) {
+  ::setenv("VSTRING_TEST_A", "alpha", 1);
+  ::setenv("VSTRING_TEST_LOOP", "${VSTRING_TEST_A}", 1);
+  ::unsetenv("VSTRING_TEST_NONE");
+  vString s("x/${VSTRING_TEST_A}/${VSTRING_TEST_NONE}/${VSTRING_TEST_LOOP}/${open");
+  s.expandEnvironment();
+  EXPECT_EQ(s, "x/alpha/${VSTRING_TEST_NONE}/${VSTRING_TEST_A}/${open");
+}
+
+// --- printf ------------------------------------------------------------------------
+
+TEST(vStringPrintf, FormatsAndLimits) {
+  vString s("old");
+  s.printf("%s=%d %lld %.2f", "n", 7, 5000000000LL, 0.5);
+  EXPECT_EQ(s, "n=7 5000000000 0.50");
+  UtlExcept over = catchUtl([&] { s.printf("%10240d", 1); });
+  EXPECT_EQ(over.getReason(), "Message buffer overflow for format '%10240d'");
+  EXPECT_EQ(over.getMethod(), "vString::printf");
+  EXPECT_EQ(s, "n=7 5000000000 0.50");
+}
+
+TEST(vStringPrintf, CLibraryFailureUsesItsOwnMethodName) {
+  // A wide character that the C locale cannot encode makes vsnprintf fail.
+  vString s;
+  UtlExcept e = catchUtl([&] { s.printf("%ls", L"\u00e9"); });
+  EXPECT_EQ(e.getReason(), "Error writing message with format '%ls'");
+  EXPECT_EQ(e.getMethod(), "vStrinf::printf");
+}
+
+// --- streams -----------------------------------------------------------------------
+
+TEST(vStringStream, QuotedAndPlainWords) {
+  std::istringstream in("  \"two words\" plain\t'single q' \"unterminated");
+  vString s;
+  s.getQuotedString(in, false);
+  EXPECT_EQ(s, "two words");
+  in >> s;
+  EXPECT_EQ(s, "plain");
+  in >> s;
+  EXPECT_EQ(s, "single q");
+  in >> s;
+  EXPECT_EQ(s, "unterminated");
+  EXPECT_FALSE(in >> s);
+  EXPECT_TRUE(s.isSharedEmpty());
+}
+
+TEST(vStringStream, IgnoringQuotesKeepsTheMark) {
+  std::istringstream in("\"a b\"");
+  vString s;
+  s.getQuotedString(in, true);
+  EXPECT_EQ(s, "\"a");
+  std::ostringstream out;
+  out << vString("written") << '|' << vString();
+  EXPECT_EQ("written|", out.str());
+}

@@ -1,0 +1,66 @@
+#include "foundation/vTokenizer.h"
+
+#include <gtest/gtest.h>
+
+#include <list>
+
+namespace {
+
+std::list<std::string> all(vTokenizer& t) {
+  std::list<vString> tokens;
+  t.getAllTokens(tokens);
+  std::list<std::string> out;
+  for (vString const& s : tokens) out.push_back(s.c_str());
+  return out;
+}
+
+}  // namespace
+
+TEST(vTokenizer, RunsOfDelimitersGiveNoEmptyTokens) {
+  vTokenizer t(vString("a,,b, c,"), vString(", "));
+  EXPECT_EQ((std::list<std::string>{"a", "b", "c"}), all(t));
+  vTokenizer only(vString(",,,"), vString(","));
+  vString token("x");
+  EXPECT_FALSE(only.next(token));
+  EXPECT_TRUE(token.isSharedEmpty());
+}
+
+TEST(vTokenizer, NextStopsOnTheDelimiterAndTailLooksAhead) {
+  vTokenizer t(vString("  key = some value  "), vString(" ="));
+  vString token;
+  ASSERT_TRUE(t.next(token));
+  EXPECT_EQ(token, "key");
+  EXPECT_EQ(5, t.getCurrentPosition());
+  EXPECT_EQ(t.tail(), "some value  ");
+  EXPECT_EQ(5, t.getCurrentPosition());
+  ASSERT_TRUE(t.next(token));
+  EXPECT_EQ(token, "some");
+  ASSERT_TRUE(t.next(token));
+  EXPECT_EQ(token, "value");
+  EXPECT_FALSE(t.next(token));
+  EXPECT_TRUE(t.tail().isSharedEmpty());
+}
+
+TEST(vTokenizer, DefaultsAndResets) {
+  vTokenizer t;
+  t.setString(vString("one\ttwo\nthree"));
+  EXPECT_EQ((std::list<std::string>{"one", "two", "three"}), all(t));
+  t.setCurrentPosition(4);
+  vString token;
+  ASSERT_TRUE(t.next(token));
+  EXPECT_EQ(token, "two");
+  t.setDelimiters(vString("o"));
+  t.setCurrentPosition(0);
+  EXPECT_EQ((std::list<std::string>{"ne\ttw", "\nthree"}), all(t));
+  t.setString(vString("x;y"));
+  EXPECT_EQ(0, t.getCurrentPosition());
+  t.setDelimiters(vString(";"));
+  EXPECT_EQ((std::list<std::string>{"x", "y"}), all(t));
+}
+
+TEST(vTokenizer, HighBytesAreDelimitersOfTheirOwn) {
+  vTokenizer t(vString("a\xb7" "b\xb7\xb7" "c\x37" "d"), vString("\xb7"));
+  EXPECT_EQ((std::list<std::string>{"a", "b", "c\x37" "d"}), all(t));
+  EXPECT_TRUE(t.isDelimiter('\xb7'));
+  EXPECT_FALSE(t.isDelimiter('\x37'));
+}

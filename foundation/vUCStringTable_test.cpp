@@ -1,0 +1,98 @@
+#include "foundation/vUCStringTable.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "foundation/UtlExcept.h"
+
+TEST(vUCStringTable, IdsAreLexicalRanksAndPointersStay) {
+  vUCStringTable t;
+  vUCStringTableData const* m = t.add("midpoint");
+  EXPECT_EQ(0, m->getID());
+  EXPECT_EQ(m->getString(), "MIDPOINT");
+  vUCStringTableData const* z = t.add(vUCString("Zeta"));
+  vUCStringTableData const* a = t.add("alpha");
+  EXPECT_EQ(0, a->getID());
+  EXPECT_EQ(1, m->getID());
+  EXPECT_EQ(2, z->getID());
+  vUCStringTableData const* b = t.add("BETA");
+  EXPECT_EQ(1, b->getID());
+  EXPECT_EQ(2, m->getID());
+  EXPECT_EQ(3, z->getID());
+  EXPECT_EQ(4, t.size());
+  // Adding again gives the same entry and changes nothing.
+  EXPECT_EQ(m, t.add("MidPoint"));
+  EXPECT_EQ(4, t.size());
+  EXPECT_EQ(2, t.getID(vUCString("midpoint")));
+  EXPECT_EQ(a, t.at(0));
+  EXPECT_EQ(z, t.at(3));
+  EXPECT_EQ(nullptr, t.at(4));
+  EXPECT_EQ(nullptr, t.at(-1));
+}
+
+TEST(vUCStringTable, ExistsAndUnknownNames) {
+  vUCStringTable t;
+  vUCStringTableData const* x = t.add("X_COORD");
+  vUCStringTableData const* found = nullptr;
+  EXPECT_TRUE(t.exists(vUCString("x_coord"), &found));
+  EXPECT_EQ(x, found);
+  EXPECT_FALSE(t.exists(vUCString("Y_COORD"), &found));
+  EXPECT_EQ(nullptr, found);
+  EXPECT_FALSE(t.exists(vUCString("Y_COORD")));
+  try {
+    t.getID(vUCString("y_coord"));
+    FAIL() << "no exception";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(e.getReason(), "The string 'Y_COORD' is not within the table!");
+    EXPECT_EQ(e.getMethod(), "vUCStringTableIDTable::getID");
+  }
+  EXPECT_EQ(vUCStringTable::invalidID, -1);
+  t.clear();
+  EXPECT_EQ(0, t.size());
+  EXPECT_FALSE(t.exists(vUCString("X_COORD")));
+}
+
+TEST(vUCStringTable, IdOrderIsNameOrder) {
+  vUCStringTable t;
+  std::vector<std::string> names;
+  std::vector<vUCStringTableData const*> entries;
+  for (int i = 0; i < 200; ++i) {
+    std::string n = "attr" + std::to_string((i * 7919) % 1000);
+    names.push_back(n);
+    entries.push_back(t.add(n.c_str()));
+  }
+  for (size_t i = 0; i < entries.size(); ++i)
+    for (size_t j = 0; j < entries.size(); j += 17) {
+      bool const byId = entries[i]->getID() < entries[j]->getID();
+      bool const byName = entries[i]->getString() < entries[j]->getString();
+      ASSERT_EQ(byName, byId) << names[i] << " " << names[j];
+    }
+  for (int id = 0; id < t.size(); ++id) EXPECT_EQ(id, t.at(id)->getID());
+}
+
+TEST(vUCStringTable, ConcurrentAddsInternEachNameOnce) {
+  vUCStringTable t;
+  std::vector<std::thread> threads;
+  std::vector<std::vector<vUCStringTableData const*> > seen(4);
+  for (int k = 0; k < 4; ++k)
+    threads.emplace_back([&t, &seen, k] {
+      for (int i = 0; i < 300; ++i) seen[k].push_back(t.add(("name" + std::to_string(i)).c_str()));
+    });
+  for (std::thread& th : threads) th.join();
+  EXPECT_EQ(300, t.size());
+  for (int k = 1; k < 4; ++k) EXPECT_EQ(seen[0], seen[k]);
+}
+
+TEST(vUCStringTable, DumpListsIdAndName) {
+  vUCStringTable t;
+  t.add("b");
+  t.add("a");
+  ::testing::internal::CaptureStdout();
+  t.dumpTable();
+  std::string const out = ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ("vUCStringTable: 2 entries\n     0  A\n     1  B\n", out);
+}

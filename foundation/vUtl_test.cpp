@@ -1,0 +1,95 @@
+#include "foundation/vUtl.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "foundation/vString.h"
+
+namespace {
+
+vString reformatted(char const* format) {
+  vString f(format);
+  vUtl::reformatInt64(f);
+  return f;
+}
+
+}  // namespace
+
+TEST(vUtlFormat, Int64ConversionsReadALongLong) {
+  EXPECT_EQ(reformatted("%lld of %llu"), "%lld of %llu");
+  EXPECT_EQ(reformatted("%I64d|%-8I64u|%I64x"), "%lld|%-8llu|%llx");
+  EXPECT_EQ(reformatted("%qd"), "%lld");
+  EXPECT_EQ(reformatted("100%% %d %s"), "100%% %d %s");
+  EXPECT_EQ(reformatted("%%I64d"), "%%I64d");
+  EXPECT_EQ(reformatted("no conversions"), "no conversions");
+  // The rewritten format really does read 64 bits on this build.
+  vString f("%I64d/%I64d");
+  vUtl::reformatInt64(f);
+  char buffer[64];
+  std::snprintf(buffer, sizeof buffer, f.c_str(), -5000000000LL, 7LL);
+  EXPECT_STREQ("-5000000000/7", buffer);
+}
+
+TEST(vUtlFormat, PrintfEntryPointsGoThroughTheReformat) {
+  // A format from elsewhere, unknown to the compiler's format checks.
+  char const* foreign = "%I64d";
+  vString s;
+  s.printf(foreign, 6000000000LL);
+  EXPECT_EQ(s, "6000000000");
+}
+
+TEST(vUtlFormat, ListIsARange) {
+  EXPECT_FALSE(vUtl::isListARange({}));
+  EXPECT_TRUE(vUtl::isListARange({5}));
+  EXPECT_TRUE(vUtl::isListARange({3, 4, 5, 6}));
+  EXPECT_FALSE(vUtl::isListARange({3, 4, 4, 5}));
+  EXPECT_FALSE(vUtl::isListARange({3, 5}));
+  EXPECT_FALSE(vUtl::isListARange({6, 5}));
+  EXPECT_FALSE(vUtl::isListARange({0xFFFFFFFFu, 0u}));
+}
+
+TEST(vUtlEnv, GetAndPut) {
+  vString value("stale");
+  ::unsetenv("RONDO_VUTL_TEST");
+  EXPECT_FALSE(vUtl::getenv("RONDO_VUTL_TEST", value));
+  EXPECT_TRUE(value.isSharedEmpty());
+  vUtl::putenv("RONDO_VUTL_TEST", vString("some value"));
+  EXPECT_STREQ("some value", std::getenv("RONDO_VUTL_TEST"));
+  EXPECT_TRUE(vUtl::getenv("RONDO_VUTL_TEST", value));
+  EXPECT_EQ(value, "some value");
+  vUtl::putenv("RONDO_VUTL_TEST", vString());
+  EXPECT_TRUE(vUtl::getenv("RONDO_VUTL_TEST", value));
+  EXPECT_TRUE(value.isSharedEmpty());
+  ::unsetenv("RONDO_VUTL_TEST");
+}
+
+TEST(vUtlEnv, HostNameIsCutAtTheFirstDot) {
+  char raw[256];
+  ASSERT_EQ(0, ::gethostname(raw, sizeof raw));
+  std::string expected(raw);
+  expected = expected.substr(0, expected.find('.'));
+  EXPECT_EQ(vUtl::gethostname(), expected.c_str());
+  char buffer[256];
+  ASSERT_TRUE(vUtl::gethostname(buffer, sizeof buffer));
+  EXPECT_EQ(expected, buffer);
+  EXPECT_EQ(nullptr, std::strchr(buffer, '.'));
+  char tiny[3];
+  ASSERT_TRUE(vUtl::gethostname(tiny, sizeof tiny));
+  EXPECT_EQ(expected.substr(0, 2), tiny);
+  EXPECT_FALSE(vUtl::gethostname(tiny, 0));
+}
+
+TEST(vUtlEnv, HomeDirectoryFollowsHome) {
+  char const* old = std::getenv("HOME");
+  std::string saved = old ? old : "";
+  ::setenv("HOME", "/some/home", 1);
+  EXPECT_EQ(vUtl::homeDirectory(), "/some/home");
+  ::unsetenv("HOME");
+  // Falls back on the password database.
+  EXPECT_FALSE(vUtl::homeDirectory().isBlank());
+  if (old) ::setenv("HOME", saved.c_str(), 1);
+}
