@@ -1,0 +1,267 @@
+// The connection entry points, called directly with the environment of a
+// real virtual machine that the test process starts, so that the maps and
+// the factories behind them can be looked at. The Java classes are those of
+// the test host (java/), compiled into the build tree.
+//
+// Servers are loopback addresses or names mapped onto them by FS_CLUSTERS,
+// and each test uses its own, because the maps live as long as the process.
+
+#include <gtest/gtest.h>
+#include <jni.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+#include "native/RondoNativeMaps.h"
+#include "project/ProjectCatalogFactory.h"
+#include "project/ProjectFactory.h"
+#include "project/StoreDetails.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+#define RONDO_JNI(name) Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_##name
+
+extern "C" {
+jboolean RONDO_JNI(RondoOpenConnection)(JNIEnv*, jobject, jstring);
+jboolean RONDO_JNI(RondoOpenProject)(JNIEnv*, jobject, jstring, jstring);
+jboolean RONDO_JNI(RondoGetContents)(JNIEnv*, jobject, jstring, jstring, jstring, jobject);
+jboolean RONDO_JNI(RondoGetDataInfo)(JNIEnv*, jobject, jobject, jobject);
+jboolean RONDO_JNI(RondoLoadAttributeI)(JNIEnv*, jobject, jobject, jstring, jintArray);
+jboolean RONDO_JNI(RondoLoadAttributeF)(JNIEnv*, jobject, jobject, jstring, jfloatArray, jint, jint);
+jboolean RONDO_JNI(RondoLoadAttributeFromTabindexF)(JNIEnv*, jobject, jobject, jstring, jintArray, jint,
+                                                     jfloatArray);
+
+// The virtual machine uses memory faults on purpose and keeps its memory to
+// the end; a sanitized test process must leave both to it.
+char const* __asan_default_options() { return "handle_segv=0:allow_user_segv_handler=1:detect_leaks=0"; }
+}
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+JNIEnv* jvm() {
+  static JNIEnv* env = [] {
+    char const* build = std::getenv("RONDO_BINARY_DIR");
+    std::string classPath = std::string("-Djava.class.path=") + (build ? build : ".") + "/java/classes";
+    JavaVMOption options[2];
+    options[0].optionString = const_cast<char*>(classPath.c_str());
+    options[1].optionString = const_cast<char*>("-Xrs");
+    JavaVMInitArgs args;
+    args.version = JNI_VERSION_1_8;
+    args.nOptions = 2;
+    args.options = options;
+    args.ignoreUnrecognized = JNI_FALSE;
+    JavaVM* vm = nullptr;
+    JNIEnv* made = nullptr;
+    if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&made), &args) != JNI_OK) return static_cast<JNIEnv*>(nullptr);
+    return made;
+  }();
+  return env;
+}
+
+jstring jstr(char const* text) { return jvm()->NewStringUTF(text); }
+
+int nCatalogs = 0;
+
+ProjectCatalog* makeCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
+  ++nCatalogs;
+  return new UTProjectCatalog(host, type);
+}
+
+// Closed, so that RondoOpenProject has to open it; with three stores.
+Project* makeProject(vHandle<ProjectCatalog> const& catalog) {
+  UTProject* p = new UTProject(catalog);
+  p->close();
+  for (char const* name : {"line12", "wells", "cube"}) {
+    StoreDetails d(ProjectType::RONDO, "", name, 2);
+    d.setClass(std::string(name) == "wells" ? "well" : "seismic");
+    p->addStore(d);
+  }
+  return p;
+}
+
+// A project whose one store has no name before its version.
+Project* makeBadProject(vHandle<ProjectCatalog> const& catalog) {
+  UTProject* p = new UTProject(catalog);
+  p->addStore(StoreDetails(ProjectType::RONDO, "", "", 1));
+  return p;
+}
+
+class RondoNative : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_NE(nullptr, jvm()) << "no virtual machine";
+    m_catalog = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeCatalog);
+    m_project = ProjectFactory::registerMaker("ClientProject", &makeProject);
+  }
+  void TearDown() override {
+    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_catalog);
+    ProjectFactory::registerMaker("ClientProject", m_project);
+  }
+
+  // The names a RondoResultSink received.
+  static std::string received(jobject sink) {
+    JNIEnv* env = jvm();
+    jclass cls = env->GetObjectClass(sink);
+    jobject list = env->CallObjectMethod(sink, env->GetMethodID(cls, "getNames", "()Ljava/util/List;"));
+    jobject text = env->CallObjectMethod(list, env->GetMethodID(env->GetObjectClass(list), "toString",
+                                                                "()Ljava/lang/String;"));
+    char const* chars = env->GetStringUTFChars(static_cast<jstring>(text), nullptr);
+    std::string out(chars);
+    env->ReleaseStringUTFChars(static_cast<jstring>(text), chars);
+    return out;
+  }
+
+  static jobject newObject(char const* className) {
+    JNIEnv* env = jvm();
+    jclass cls = env->FindClass(className);
+    if (cls == nullptr) {
+      env->ExceptionDescribe();
+      env->ExceptionClear();
+      return nullptr;
+    }
+    return env->NewObject(cls, env->GetMethodID(cls, "<init>", "()V"));
+  }
+
+  TestReleaseTree m_tree;
+
+ private:
+  ProjectCatalogFactory::Maker m_catalog = nullptr;
+  ProjectFactory::Maker m_project = nullptr;
+};
+
+TEST_F(RondoNative, KeysJoinTheJavaStringsUnchanged) {
+  EXPECT_EQ("Srv|RONDO", str(createKeyForRondoProjectCatalog(jvm(), jstr("Srv"))));
+  EXPECT_EQ("Srv|RONDO|North Sea", str(createKeyForRondoProject(jvm(), jstr("Srv"), jstr("North Sea"))));
+  EXPECT_EQ("Srv|RONDO|p|Line12.3", str(createKeyForRondoStore(jvm(), jstr("Srv"), jstr("p"), jstr("Line12.3"))));
+  EXPECT_EQ("|RONDO|", str(createKeyForRondoProject(jvm(), nullptr, jstr(""))));
+}
+
+TEST_F(RondoNative, SecondConnectionFindsTheMapEntryWithoutTheFactory) {
+  m_tree.setEnv("FS_CLUSTERS", "srva=127.0.1.1");
+  int made = nCatalogs;
+  size_t entries = map_projectCatalog.size();
+  unsigned int cached = ProjectCatalogFactory::getCacheSize();
+  EXPECT_TRUE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("SrvA")));
+  EXPECT_EQ(made + 1, nCatalogs);
+  vHandle<ProjectCatalog> first = map_projectCatalog["SrvA|RONDO"];
+  EXPECT_EQ("127.0.1.1", str(first->getHost()));
+  EXPECT_EQ(ProjectType::RONDO, first->getProjectType());
+
+  // Were the factory asked again, this cluster would give a new catalog.
+  m_tree.setEnv("FS_CLUSTERS", "srva=127.0.1.2");
+  EXPECT_TRUE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("SrvA")));
+  EXPECT_EQ(made + 1, nCatalogs);
+  EXPECT_EQ(cached + 1, ProjectCatalogFactory::getCacheSize());
+  EXPECT_EQ(entries + 1, map_projectCatalog.size());
+  EXPECT_EQ(first.get(), map_projectCatalog["SrvA|RONDO"].get());
+}
+
+TEST_F(RondoNative, SpellingsOfOneServerShareTheFactorysCatalog) {
+  m_tree.setEnv("FS_CLUSTERS", "srvb=127.0.1.3");
+  int made = nCatalogs;
+  size_t entries = map_projectCatalog.size();
+  EXPECT_TRUE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("SrvB")));
+  EXPECT_TRUE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("SRVB")));
+  EXPECT_EQ(entries + 2, map_projectCatalog.size());
+  EXPECT_EQ(made + 1, nCatalogs);
+  EXPECT_EQ(map_projectCatalog["SrvB|RONDO"].get(), map_projectCatalog["SRVB|RONDO"].get());
+}
+
+TEST_F(RondoNative, OpenProjectOpensOnceAndListsStoresWithoutVersions) {
+  JNIEnv* env = jvm();
+  ASSERT_TRUE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.4")));
+  ASSERT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea")));
+  vHandle<Project> project = map_project["127.0.1.4|RONDO|North_Sea"];
+  ASSERT_FALSE(project.isEmpty());
+  EXPECT_TRUE(project->isOpen());
+  EXPECT_EQ("north_sea", str(project->getName()));
+  EXPECT_EQ(map_projectCatalog["127.0.1.4|RONDO"].get(), project->getProjectCatalog().get());
+
+  // Open already: the second call neither makes nor opens.
+  UTProject* ut = dynamic_cast<UTProject*>(project.get());
+  ASSERT_NE(nullptr, ut);
+  ut->open("renamed");
+  unsigned int cached = ProjectFactory::getCacheSize();
+  EXPECT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea")));
+  EXPECT_EQ(cached, ProjectFactory::getCacheSize());
+  EXPECT_EQ(project.get(), map_project["127.0.1.4|RONDO|North_Sea"].get());
+  EXPECT_EQ("isOpen", str(ut->getLastCall()));
+
+  jobject sink = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
+  ASSERT_NE(nullptr, sink);
+  EXPECT_TRUE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea"), jstr(""), sink));
+  EXPECT_EQ("[line12, wells, cube]", received(sink));
+  jobject seismic = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
+  EXPECT_TRUE(
+      RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea"), jstr("SEISMIC"), seismic));
+  EXPECT_EQ("[line12, cube]", received(seismic));
+  EXPECT_EQ("getStoreList", str(ut->getLastCall()));
+}
+
+TEST_F(RondoNative, SinkWithoutAppendAnswersFalse) {
+  JNIEnv* env = jvm();
+  // StringBuilder has an append of the name, but not of the signature.
+  jobject builder = newObject("java/lang/StringBuilder");
+  ASSERT_NE(nullptr, builder);
+  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), builder));
+  EXPECT_FALSE(env->ExceptionCheck());
+  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), nullptr));
+  // Nothing was looked up in the maps.
+  EXPECT_EQ(0u, map_project.count("127.0.1.5|RONDO|p"));
+}
+
+TEST_F(RondoNative, DataMethodsAnswerFalseUntilTheStoreLayerIsThere) {
+  JNIEnv* env = jvm();
+  jobject info = newObject("com/nyx/orda/business/io/protocols/rondo/RondoInfoSink");
+  ASSERT_NE(nullptr, info);
+  jintArray ints = env->NewIntArray(4);
+  jfloatArray floats = env->NewFloatArray(4);
+  EXPECT_FALSE(RONDO_JNI(RondoGetDataInfo)(env, nullptr, nullptr, info));
+  EXPECT_FALSE(RONDO_JNI(RondoLoadAttributeI)(env, nullptr, nullptr, jstr("CDP"), ints));
+  EXPECT_FALSE(RONDO_JNI(RondoLoadAttributeF)(env, nullptr, nullptr, jstr("TRACE"), floats, 0, 1));
+  EXPECT_FALSE(RONDO_JNI(RondoLoadAttributeFromTabindexF)(env, nullptr, nullptr, jstr("TRACE"), ints, 1, floats));
+}
+
+TEST_F(RondoNative, FailuresAnswerFalseAndKeepNothing) {
+  JNIEnv* env = jvm();
+  ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
+  size_t entries = map_projectCatalog.size();
+  EXPECT_FALSE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.6")));
+  EXPECT_EQ(entries, map_projectCatalog.size());
+  // A project before its connection leaves an empty catalog in the map.
+  EXPECT_FALSE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.7"), jstr("p")));
+  EXPECT_EQ(entries + 1, map_projectCatalog.size());
+  EXPECT_TRUE(map_projectCatalog["127.0.1.7|RONDO"].isEmpty());
+  EXPECT_EQ(0u, map_project.count("127.0.1.7|RONDO|p"));
+}
+
+using RondoNativeDeathTest = RondoNative;
+
+TEST_F(RondoNativeDeathTest, ContentsOfAnUnopenedProjectEndTheHost) {
+  EXPECT_EXIT(
+      {
+        jobject sink = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
+        RONDO_JNI(RondoGetContents)(jvm(), nullptr, jstr("127.0.1.8"), jstr("never"), jstr(""), sink);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(255), "Trying to get a NULL pointer");
+}
+
+TEST_F(RondoNativeDeathTest, AStoreNameWithoutANameEndsTheHost) {
+  EXPECT_EXIT(
+      {
+        ProjectFactory::registerMaker("ClientProject", &makeBadProject);
+        JNIEnv* env = jvm();
+        RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.9"));
+        RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.9"), jstr("p"));
+        jobject sink = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
+        RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.9"), jstr("p"), jstr(""), sink);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(255), "is not of the form name.version");
+}
+
+}  // namespace
