@@ -10,6 +10,7 @@
 #include <jni.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "foundation/TestReleaseTree.h"
@@ -41,10 +42,19 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
+// The build tree: RONDO_BINARY_DIR, or else the one this program was built
+// into (build/bin/native_tests).
+std::string buildTree() {
+  char const* build = std::getenv("RONDO_BINARY_DIR");
+  if (build && *build) return build;
+  std::error_code error;
+  std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? std::string(".") : self.parent_path().parent_path().string();
+}
+
 JNIEnv* jvm() {
   static JNIEnv* env = [] {
-    char const* build = std::getenv("RONDO_BINARY_DIR");
-    std::string classPath = std::string("-Djava.class.path=") + (build ? build : ".") + "/java/classes";
+    std::string classPath = "-Djava.class.path=" + buildTree() + "/java/classes";
     JavaVMOption options[2];
     options[0].optionString = const_cast<char*>(classPath.c_str());
     options[1].optionString = const_cast<char*>("-Xrs");
