@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "foundation/TestReleaseTree.h"
 #include "foundation/vString.h"
@@ -180,4 +182,20 @@ TEST(vUtlSystem, EntercReadsALineOrGivesTheDefault) {
   EXPECT_EQ("dflt", str(second));
   EXPECT_EQ("dflt", str(third));
   EXPECT_EQ("Server? [dflt]: Server? [dflt]: Server? [dflt]: ", shown);
+}
+
+TEST(vUtlSystem, DomainOfTheSystemWithoutDornDomain) {
+  TestReleaseTree tree;
+  tree.unsetEnv("DORN_DOMAIN");
+  // What the system knows differs between machines: either a domain comes
+  // back, or the failure is the one message.
+  try {
+    MessageHandling quiet;
+    vString domain = vUtl::getDomainName();
+    EXPECT_FALSE(domain.isBlank());
+    EXPECT_NE("(none)", str(domain));
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("vUtl::getDomainName", str(e.getMethod()));
+    EXPECT_EQ(0u, std::string(e.getReason().c_str()).find("Unable to get domain name, errno="));
+  }
 }
