@@ -41,12 +41,12 @@ class vString;
 class Attribute : public Packable {
  public:
   // A vector whose length is not set yet.
-  static const int VECTOR_LENGTH = 0;
+  static constexpr int VECTOR_LENGTH = 0;
   // Each instance has its own length (0xF95D3109 as an unsigned word).
-  static const int VARIABLE_LENGTH = -111333111;
+  static constexpr int VARIABLE_LENGTH = -111333111;
 
-  static const short Magic = 1241;
-  static const short Version = 5;
+  static constexpr short Magic = 1241;
+  static constexpr short Version = 5;
 
   // An empty definition: blank name and class, no type, a vector.
   Attribute();

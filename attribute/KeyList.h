@@ -22,8 +22,8 @@ class KeyList : public Packable {
   typedef Keys::reverse_iterator reverse_iterator;
   typedef Keys::const_reverse_iterator const_reverse_iterator;
 
-  static const short Magic = 1501;
-  static const short Version = 1;
+  static constexpr short Magic = 1501;
+  static constexpr short Version = 1;
 
   KeyList();
   KeyList(KeyList const& other);

@@ -23,8 +23,8 @@ class Packer;
 
 class Property : public Packable {
  public:
-  static const short Magic = 1301;
-  static const short Version = 1;
+  static constexpr short Magic = 1301;
+  static constexpr short Version = 1;
 
   // Not initialised: blank name, no type.
   Property();

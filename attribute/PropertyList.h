@@ -27,8 +27,8 @@ class PropertyList : public Packable {
   typedef PropertySet::iterator iterator;
   typedef PropertySet::const_iterator const_iterator;
 
-  static const short Magic = 5629;
-  static const short Version = 1;
+  static constexpr short Magic = 5629;
+  static constexpr short Version = 1;
 
   PropertyList();
   PropertyList(PropertyList const& other);

@@ -1,0 +1,134 @@
+#ifndef ATTRIBUTE_ATTRIBUTETESTING_H
+#define ATTRIBUTE_ATTRIBUTETESTING_H
+
+// Test helpers of the attribute model: a checker of failures by method and
+// text, and a byte builder that writes Packer messages by hand, independent
+// of the Packer, so that packed forms can be compared byte for byte and old
+// frames built as their writers built them.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundation/MessageHandling.h"
+#include "foundation/Packer.h"
+#include "foundation/UtlExcept.h"
+
+namespace attribute_testing {
+
+// Runs f, which must fail with UtlExcept (through Message::fatal or thrown
+// directly) with this method and reason. Reports are kept quiet.
+template <class F>
+void expectFailure(F f, char const* method, std::string const& reason) {
+  try {
+    MessageHandling quiet;
+    f();
+    ADD_FAILURE() << "expected a failure: " << reason;
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(std::string(method), std::string(e.getMethod().c_str())) << "reason: " << e.getReason().c_str();
+    EXPECT_EQ(reason, std::string(e.getReason().c_str()));
+  }
+}
+
+// Appends entries in the Packer's wire layout, in this host's byte order.
+class Bytes {
+ public:
+  Bytes& raw(void const* p, std::size_t n) {
+    unsigned char const* b = static_cast<unsigned char const*>(p);
+    m_body.insert(m_body.end(), b, b + n);
+    return *this;
+  }
+  Bytes& byte(unsigned v) {
+    unsigned char const b = static_cast<unsigned char>(v);
+    return raw(&b, 1);
+  }
+  Bytes& u32(uint32_t v) { return raw(&v, 4); }
+  Bytes& frame(int16_t magic, int16_t version) {
+    byte(0x7F);
+    raw(&magic, 2);
+    return raw(&version, 2);
+  }
+  Bytes& end() { return byte(0x7E); }
+  Bytes& int16(int16_t v) { return byte(3).raw(&v, 2); }
+  Bytes& int32(int32_t v) { return byte(5).raw(&v, 4); }
+  Bytes& uint32(uint32_t v) { return byte(6).raw(&v, 4); }
+  Bytes& int64(int64_t v) { return byte(7).raw(&v, 8); }
+  Bytes& float64(double v) { return byte(12).raw(&v, 8); }
+  Bytes& boolean(bool v) { return byte(16).byte(v ? 1 : 0); }
+  // One vString: an array of vCHAR8 with its NUL, or an empty array.
+  Bytes& text(char const* s) {
+    byte(0x8E);
+    std::size_t const n = std::strlen(s);
+    if (n == 0) return u32(0);
+    u32(static_cast<uint32_t>(n + 1));
+    return raw(s, n + 1);
+  }
+  template <class T>
+  Bytes& array(int type, std::vector<T> const& values) {
+    byte(0x80 | type);
+    u32(static_cast<uint32_t>(values.size()));
+    return values.empty() ? *this : raw(values.data(), values.size() * sizeof(T));
+  }
+  Bytes& boolArray(std::vector<bool> const& values) {
+    byte(0x80 | 16);
+    u32(static_cast<uint32_t>(values.size()));
+    for (bool b : values) byte(b ? 1 : 0);
+    return *this;
+  }
+  Bytes& texts(std::vector<std::string> const& values) {
+    byte(0x91);
+    u32(static_cast<uint32_t>(values.size()));
+    for (std::string const& s : values) raw(s.c_str(), s.size() + 1);
+    return *this;
+  }
+
+  std::vector<unsigned char> const& body() const { return m_body; }
+
+  // The whole message: header and body.
+  std::vector<unsigned char> message(int32_t tag = 0) const {
+    std::vector<unsigned char> m(16);
+    int32_t const magic = 40506070;
+    int32_t const version = 1;
+    int32_t const length = static_cast<int32_t>(m_body.size());
+    std::memcpy(&m[0], &magic, 4);
+    std::memcpy(&m[4], &version, 4);
+    std::memcpy(&m[8], &length, 4);
+    std::memcpy(&m[12], &tag, 4);
+    m.insert(m.end(), m_body.begin(), m_body.end());
+    return m;
+  }
+
+  // A Packer reading this message (from a copy of the bytes).
+  std::unique_ptr<Packer> reader() const {
+    std::vector<unsigned char> const m = message();
+    return std::unique_ptr<Packer>(new Packer(static_cast<int>(m.size()), static_cast<unsigned char const*>(m.data())));
+  }
+
+ private:
+  std::vector<unsigned char> m_body;
+};
+
+// The body of a packed message: everything behind the 16-byte header.
+inline std::vector<unsigned char> bodyOf(Packer& packer) {
+  unsigned char const* buffer = nullptr;
+  int size = 0;
+  packer.getBuffer(&buffer, size, 0);
+  if (buffer == nullptr || size < 16) return std::vector<unsigned char>();
+  return std::vector<unsigned char>(buffer + 16, buffer + size);
+}
+
+// A Packer that reads what `packer` holds, as a receiver would.
+inline std::unique_ptr<Packer> receive(Packer& packer) {
+  unsigned char const* buffer = nullptr;
+  int size = 0;
+  packer.getBuffer(&buffer, size, 0);
+  return std::unique_ptr<Packer>(new Packer(size, buffer));
+}
+
+}  // namespace attribute_testing
+
+#endif

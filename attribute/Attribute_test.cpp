@@ -1,0 +1,510 @@
+// The attribute as a definition and as a block of values: construction,
+// names, comparison, sizes, time arithmetic and element access.
+
+#include "attribute/Attribute.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "attribute/AttributeTesting.h"
+#include "foundation/UtlExcept.h"
+#include "foundation/vString.h"
+
+using attribute_testing::expectFailure;
+
+namespace {
+
+// Reason of the UtlExcept that f raises, for texts that carry a line number.
+template <class F>
+std::string reasonOf(F f, std::string* method = nullptr) {
+  try {
+    MessageHandling quiet;
+    f();
+  } catch (UtlExcept const& e) {
+    if (method) *method = e.getMethod().c_str();
+    return e.getReason().c_str();
+  }
+  return "(no failure)";
+}
+
+}  // namespace
+
+TEST(AttributeDefinition, DefaultIsAnEmptyVectorDefinition) {
+  Attribute a;
+  EXPECT_TRUE(a.getName().isEmpty());
+  EXPECT_TRUE(a.getClass().isEmpty());
+  EXPECT_EQ(vNOTYPE, a.getDataType());
+  EXPECT_EQ(0u, a.getNInstances());
+  EXPECT_EQ(Attribute::VECTOR_LENGTH, a.getLength());
+  EXPECT_TRUE(a.isVector());
+  EXPECT_EQ(0, a.getElementNBytes());
+  EXPECT_EQ(nullptr, a.getLengthsPointer());
+}
+
+TEST(AttributeDefinition, ConstantsAndFieldsOfANewAttribute) {
+  EXPECT_EQ(0, Attribute::VECTOR_LENGTH);
+  EXPECT_EQ(0xF95D3109u, static_cast<unsigned int>(Attribute::VARIABLE_LENGTH));
+  EXPECT_EQ(1241, Attribute::Magic);
+  EXPECT_EQ(5, Attribute::Version);
+
+  Attribute t("trace", "seismic", vFLOAT32, 500, 4.0, 100.0);
+  EXPECT_STREQ("TRACE", t.getName().c_str());
+  EXPECT_STREQ("SEISMIC", t.getClass().c_str());
+  EXPECT_STREQ("TRACE", t.getOriginalName().c_str());
+  EXPECT_STREQ("SEISMIC", t.getOriginalClass().c_str());
+  EXPECT_EQ(vFLOAT32, t.getDataType());
+  EXPECT_EQ(vNOTYPE, t.getOriginalDataType());
+  EXPECT_EQ(500, t.getLength());
+  EXPECT_EQ(4.0, t.getSampleRate());
+  EXPECT_EQ(100.0, t.getFirstTime());
+  EXPECT_EQ(4, t.getElementNBytes());
+  EXPECT_EQ(4, t.getDataTypeSize());
+  EXPECT_EQ(2000, t.getNBytes());
+  EXPECT_EQ(0u, t.getNInstances());
+  EXPECT_EQ(0, t.getTotalLength());
+  EXPECT_FALSE(t.isSortable());
+
+  double mn = 1, mx = 1;
+  long long nz = 1;
+  t.getStatisticValues(mn, mx, nz);
+  EXPECT_EQ(0.0, mn);
+  EXPECT_EQ(0.0, mx);
+  EXPECT_EQ(0, nz);
+}
+
+TEST(AttributeDefinition, AllConstructorFormsStripAndFoldNames) {
+  vUCString const name("  cdp ");
+  vUCString const cls("\tHeader");
+  Attribute a(name, cls, vINT32);
+  Attribute b("cdp", cls, vINT32);
+  Attribute c(name, "header", vINT32);
+  Attribute d(" CDP\t", " HEADER ", vINT32);
+  for (Attribute const* x : {&a, &b, &c, &d}) {
+    EXPECT_STREQ("CDP", x->getName().c_str());
+    EXPECT_STREQ("HEADER", x->getClass().c_str());
+    EXPECT_EQ(a.getNameID(), x->getNameID());
+    EXPECT_EQ(a.getClassID(), x->getClassID());
+  }
+  EXPECT_EQ(1, a.getLength());
+  EXPECT_EQ(0.0, a.getSampleRate());
+}
+
+TEST(AttributeDefinition, VectorFlagFollowsLengthAndSampleRate) {
+  EXPECT_FALSE(Attribute("a", "c", vINT32, 1, 0.0, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, 1, 4.0, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, 2, 0.0, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, Attribute::VECTOR_LENGTH).isVector());
+  EXPECT_FALSE(Attribute("a", "c", vINT32, Attribute::VARIABLE_LENGTH, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, Attribute::VARIABLE_LENGTH, 2.0).isVector());
+}
+
+TEST(AttributeDefinition, OnlySixDataTypesAreAccepted) {
+  for (DataType t : {vINT16, vINT32, vINT64, vFLOAT32, vFLOAT64, vSTRING}) {
+    Attribute a("x", "c", t);
+    EXPECT_EQ(t, a.getDataType());
+  }
+  expectFailure([] { Attribute("x", "c", vUINT16); }, "Attribute::mySetDataType",
+                "Data Type vUINT16 is unsupported at this time for Attribute:X.");
+  expectFailure([] { Attribute("depth", "c", vINT8); }, "Attribute::mySetDataType",
+                "Data Type vINT8 is unsupported at this time for Attribute:DEPTH.");
+  expectFailure([] { Attribute("x", "c", vNOTYPE); }, "Attribute::mySetDataType",
+                "Data Type vNOTYPE is unsupported at this time for Attribute:X.");
+  expectFailure([] { Attribute("x", "c", vBOOL8); }, "Attribute::mySetDataType",
+                "Data Type vBOOL8 is unsupported at this time for Attribute:X.");
+}
+
+TEST(AttributeDefinition, NegativeLengthOtherThanVariableIsRefused) {
+  expectFailure([] { Attribute("offset", "c", vINT32, -2); }, "Attribute::myContructorInitialize",
+                "Attribute (OFFSET) length was -2, it must be >=0 or Attribute::VARIABLE_LENGTH.");
+  Attribute v("v", "c", vINT32, Attribute::VARIABLE_LENGTH);
+  EXPECT_TRUE(v.isVariableLength());
+}
+
+TEST(AttributeNames, InterningMakesEqualNamesOnePointer) {
+  Attribute a("sx", "a", vINT32);
+  Attribute b("SX", "b", vFLOAT64);
+  EXPECT_EQ(a.getNameID(), b.getNameID());
+  EXPECT_TRUE(a == b);
+  EXPECT_FALSE(a != b);
+  EXPECT_EQ(a.getNameID(), Attribute::getNameID(vUCString("sx")));
+  EXPECT_EQ(a.getClassID(), Attribute::getClassID(vUCString(" a ")));
+  // The reference returned is the table's own text.
+  EXPECT_EQ(&a.getName(), &b.getName());
+  vUCStringTableData const* entry = nullptr;
+  EXPECT_TRUE(Attribute::getStringTable().exists(vUCString("SX"), &entry));
+  EXPECT_EQ(a.getNameID(), entry);
+}
+
+TEST(AttributeNames, OrderFollowsNamesAsTheTableGrows) {
+  Attribute m("zz_order_m", "c", vINT32);
+  Attribute z("zz_order_z", "c", vINT32);
+  EXPECT_TRUE(m < z);
+  EXPECT_FALSE(z < m);
+  EXPECT_FALSE(m < m);
+  // Names interned later between and before the two move their ranks; the
+  // order between the two stays right.
+  Attribute a("zz_order_a", "c", vINT32);
+  Attribute n("zz_order_n", "c", vINT32);
+  EXPECT_TRUE(a < m);
+  EXPECT_TRUE(m < n);
+  EXPECT_TRUE(n < z);
+  EXPECT_TRUE(m < z);
+  EXPECT_EQ(m.getNameID()->getID() + 1, n.getNameID()->getID());
+}
+
+TEST(AttributeNames, SetNameAndSetClassIntern) {
+  Attribute a("old", "c", vINT32);
+  a.setName("  new_name ");
+  EXPECT_STREQ("NEW_NAME", a.getName().c_str());
+  EXPECT_STREQ("NEW_NAME", a.getOriginalName().c_str());
+  a.setName(vUCString("other"));
+  EXPECT_EQ(Attribute::getNameID(vUCString("OTHER")), a.getNameID());
+  a.setClass("k2");
+  EXPECT_STREQ("K2", a.getClass().c_str());
+  EXPECT_STREQ("K2", a.getOriginalClass().c_str());
+}
+
+TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
+  Attribute a("amp", "c", vFLOAT64, 3, 2.0, 10.0);
+  a.setOriginalDataType(vINT16);
+  a.setStatisticValues(-1.5, 7.25, 12);
+  a.resize(4);
+  a.getFloat64Pointer(1)[0] = 1.0;
+
+  Attribute b(a);
+  EXPECT_EQ(0u, b.getNInstances());
+  EXPECT_TRUE(b.compare(a));
+  EXPECT_EQ(vINT16, b.getOriginalDataType());
+  double mn, mx;
+  long long nz;
+  b.getStatisticValues(mn, mx, nz);
+  EXPECT_EQ(-1.5, mn);
+  EXPECT_EQ(7.25, mx);
+  EXPECT_EQ(12, nz);
+  EXPECT_EQ(a.isVector(), b.isVector());
+  EXPECT_EQ(10.0, b.getFirstTime());
+
+  // Assignment onto an attribute with data empties it.
+  Attribute c("s", "c", vSTRING, 1);
+  c.resize(3);
+  c.setString(2, "text");
+  c = a;
+  EXPECT_EQ(0u, c.getNInstances());
+  EXPECT_EQ(vFLOAT64, c.getDataType());
+  EXPECT_EQ(a.getNameID(), c.getNameID());
+  EXPECT_TRUE(c.compare(a));
+  EXPECT_EQ(4u, a.getNInstances());  // the source keeps its data
+  Attribute const& self = c;
+  c = self;
+  EXPECT_TRUE(c.compare(a));
+}
+
+TEST(AttributeCopy, CompareLooksAtTheDefinition) {
+  Attribute a("cmp", "k", vINT32, 1, 0.0);
+  EXPECT_TRUE(a.compare(Attribute("cmp", "k", vINT32, 1, 0.0)));
+  EXPECT_FALSE(a.compare(Attribute("cmp2", "k", vINT32, 1, 0.0)));
+  EXPECT_FALSE(a.compare(Attribute("cmp", "k2", vINT32, 1, 0.0)));
+  EXPECT_FALSE(a.compare(Attribute("cmp", "k", vINT64, 1, 0.0)));
+  EXPECT_FALSE(a.compare(Attribute("cmp", "k", vINT32, 2, 0.0)));
+  EXPECT_FALSE(a.compare(Attribute("cmp", "k", vINT32, 1, 1.0)));
+  // First time is not part of it; the original type only when both have one.
+  EXPECT_TRUE(a.compare(Attribute("cmp", "k", vINT32, 1, 0.0, 5.0)));
+  Attribute b("cmp", "k", vINT32, 1, 0.0);
+  b.setOriginalDataType(vINT16);
+  EXPECT_TRUE(a.compare(b));
+  a.setOriginalDataType(vFLOAT32);
+  EXPECT_FALSE(a.compare(b));
+  a.setOriginalDataType(vINT16);
+  EXPECT_TRUE(a.compare(b));
+}
+
+TEST(AttributeLength, SetLengthRules) {
+  Attribute v("vec", "c", vFLOAT32, Attribute::VECTOR_LENGTH, 4.0);
+  v.setLength(250);
+  EXPECT_EQ(250, v.getLength());
+  v.setLength(Attribute::VARIABLE_LENGTH);
+  EXPECT_TRUE(v.isVariableLength());
+  v.setLength(10);
+  expectFailure([&] { v.setLength(0); }, "Attribute::setLength",
+                "Length must be a positive, non-zero number or Attribute::VARIABLE_LENGTH - not 0, for Attribute VEC.");
+  expectFailure([&] { v.setLength(-4); }, "Attribute::setLength",
+                "Length must be a positive, non-zero number or Attribute::VARIABLE_LENGTH - not -4, for Attribute "
+                "VEC.");
+  v.resize(2);
+  expectFailure([&] { v.setLength(11); }, "Attribute::setLength",
+                "Not allowed to change the length os an Attribute 'VEC' with existing instances.");
+  EXPECT_EQ(10, v.getLength());
+  v.setLength(10);  // its own length is no change
+
+  Attribute s("scalar", "c", vINT32, 1);
+  s.setLength(1);
+  expectFailure([&] { s.setLength(2); }, "Attribute::setLength",
+                "Cannot setLength of non vector Attributes, SCALAR is not a vector type.");
+  EXPECT_EQ(1, s.getLength());
+}
+
+TEST(AttributeSizes, FixedAndVariable) {
+  Attribute f("f", "c", vINT16, 3);
+  f.resize(5);
+  EXPECT_EQ(6, f.getNBytes());
+  EXPECT_EQ(6, f.getNBytes(4));
+  EXPECT_EQ(3, f.getLength(5));
+  EXPECT_EQ(15, f.getTotalLength());
+  EXPECT_EQ(30, f.getTotalNBytes());
+  EXPECT_TRUE(Attribute("s", "c", vINT16, 1).isSortable());
+
+  Attribute v("v", "c", vFLOAT64, Attribute::VARIABLE_LENGTH);
+  EXPECT_EQ(Attribute::VARIABLE_LENGTH, v.getNBytes());
+  EXPECT_EQ(0, v.getTotalLength());
+  EXPECT_EQ(0, v.getTotalNBytes());
+  v.resize(3, nullptr, new int[3]{2, 0, 5});
+  EXPECT_EQ(Attribute::VARIABLE_LENGTH, v.getNBytes());
+  EXPECT_EQ(7, v.getTotalLength());
+  EXPECT_EQ(56, v.getTotalNBytes());
+  EXPECT_EQ(2, v.getLength(1));
+  EXPECT_EQ(0, v.getLength(2));
+  EXPECT_EQ(5, v.getLength(3));
+  EXPECT_EQ(40, v.getNBytes(3));
+  EXPECT_FALSE(v.isSortable());
+  ASSERT_NE(nullptr, v.getLengthsPointer());
+  EXPECT_EQ(5, v.getLengthsPointer()[2]);
+}
+
+TEST(AttributeTime, SampleAndTimeArithmetic) {
+  Attribute t("trace", "s", vFLOAT32, 101, 4.0, 100.0);
+  EXPECT_EQ(500.0, t.getLastTime());
+  EXPECT_EQ(1, t.getSampleAtTime(100.0));
+  EXPECT_EQ(2, t.getSampleAtTime(102.0));  // rounds to the nearest sample
+  EXPECT_EQ(1, t.getSampleAtTime(101.9));
+  EXPECT_EQ(101, t.getSampleAtTime(500.0));
+  EXPECT_EQ(1, t.getSampleAtTime(98.5));
+  EXPECT_EQ(100.0, t.getTimeAtSample(1));
+  EXPECT_EQ(104.0, t.getTimeAtSample(2));
+  EXPECT_EQ(500.0, t.getTimeAtSample(101));
+  EXPECT_EQ(3, t.getSamplesInGate(10.0));
+  EXPECT_EQ(2, t.getSamplesInGate(9.9));
+  EXPECT_EQ(40.0, t.getTimeLengthOfGate(10));
+
+  expectFailure([&] { t.getSampleAtTime(503.0); }, "Attribute::getSampleAtTime",
+                "Time 503 is outside the range 100 - 500 for Attribute TRACE.");
+  // Truncation goes toward zero, so up to a sample and a half before the
+  // first time still counts as sample 1.
+  EXPECT_EQ(1, t.getSampleAtTime(95.0));
+  expectFailure([&] { t.getSampleAtTime(94.0); }, "Attribute::getSampleAtTime",
+                "Time 94 is outside the range 100 - 500 for Attribute TRACE.");
+  expectFailure([&] { t.getTimeAtSample(0); }, "Attribute::getTimeAtSample",
+                "Sample 0 outside the range 1 - 101 for Attribute TRACE.");
+  expectFailure([&] { t.getTimeAtSample(102); }, "Attribute::getTimeAtSample",
+                "Sample 102 outside the range 1 - 101 for Attribute TRACE.");
+}
+
+TEST(AttributeTime, VariableLengthUsesTheFirstInstance) {
+  Attribute v("var", "s", vFLOAT32, Attribute::VARIABLE_LENGTH, 2.0, 10.0);
+  v.resize(2, nullptr, new int[2]{6, 3});
+  EXPECT_EQ(20.0, v.getLastTime());
+  EXPECT_EQ(6, v.getSampleAtTime(20.0));
+  EXPECT_EQ(20.0, v.getTimeAtSample(6));
+}
+
+TEST(AttributeAccess, ScalarsAreOneBlockAddressedByInstance) {
+  Attribute a("cdp", "h", vINT32);
+  a.resize(1000);
+  int* block = a.getInt32Pointer(1);
+  for (unsigned int i = 1; i <= 1000; ++i) a.setInt32(i, static_cast<int>(i * 3));
+  for (unsigned int i = 1; i <= 1000; ++i) {
+    EXPECT_EQ(block + (i - 1), a.getInt32Pointer(i));
+    EXPECT_EQ(static_cast<int>(i * 3), block[i - 1]);
+  }
+  EXPECT_EQ(2997, a.getInt32(999));
+  EXPECT_EQ(2997.0, a.getValue(999));
+  EXPECT_EQ(2997.0, a.getValue(999, 1));
+}
+
+TEST(AttributeAccess, EveryTypeGetsAndSets) {
+  Attribute i16("a16", "c", vINT16);
+  Attribute i32("a32", "c", vINT32);
+  Attribute i64("a64", "c", vINT64);
+  Attribute f32("f32", "c", vFLOAT32);
+  Attribute f64("f64", "c", vFLOAT64);
+  Attribute str("str", "c", vSTRING);
+  for (Attribute* a : {&i16, &i32, &i64, &f32, &f64, &str}) a->resize(2);
+  i16.setInt16(2, -7);
+  i32.setInt32(2, 70000);
+  i64.setInt64(2, 1LL << 40);
+  f32.setFloat32(2, 2.5f);
+  f64.setFloat64(2, -0.125);
+  str.setString(2, "hello");
+  EXPECT_EQ(-7, i16.getInt16(2));
+  EXPECT_EQ(70000, i32.getInt32(2));
+  EXPECT_EQ(1LL << 40, i64.getInt64(2));
+  EXPECT_EQ(2.5f, f32.getFloat32(2));
+  EXPECT_EQ(-0.125, f64.getFloat64(2));
+  EXPECT_STREQ("hello", str.getString(2).c_str());
+  EXPECT_EQ(-7.0, i16.getValue(2));
+  EXPECT_EQ(1099511627776.0, i64.getValue(2));
+  EXPECT_EQ(2.5, f32.getValue(2));
+  EXPECT_EQ(i16.getInt16Pointer(2), i16.getPointer(2));
+  EXPECT_EQ(i64.getInt64Pointer(2), i64.getPointer(2));
+  EXPECT_EQ(f32.getFloat32Pointer(2), f32.getPointer(2));
+  EXPECT_EQ(f64.getFloat64Pointer(2), f64.getPointer(2));
+  EXPECT_STREQ("hello", str.getStringPointer(2)->c_str());
+  Attribute const& cstr = str;
+  EXPECT_STREQ("hello", cstr.getStringPointer(2)->c_str());
+  EXPECT_EQ(static_cast<void const*>(cstr.getStringPointer(2)), cstr.getPointer(2));
+
+  // setValue converts by C rules: integers truncate.
+  i32.setValue(1, 3.9);
+  EXPECT_EQ(3, i32.getInt32(1));
+  i32.setValue(1, -3.9);
+  EXPECT_EQ(-3, i32.getInt32(1));
+  i16.setValue(1, 12.7);
+  EXPECT_EQ(12, i16.getInt16(1));
+  i64.setValue(1, 5e12);
+  EXPECT_EQ(5000000000000LL, i64.getInt64(1));
+  f32.setValue(1, 0.5);
+  EXPECT_EQ(0.5f, f32.getFloat32(1));
+  f64.setValue(1, 1e300);
+  EXPECT_EQ(1e300, f64.getFloat64(1));
+  str.setValue(1, vString("via value"));
+  EXPECT_STREQ("via value", str.getString(1).c_str());
+  // Beyond the integer range: the nearest end, never undefined behaviour.
+  i16.setValue(2, 1e9);
+  EXPECT_EQ(32767, i16.getInt16(2));
+  i32.setValue(2, -1e20);
+  EXPECT_EQ(-2147483647 - 1, i32.getInt32(2));
+}
+
+TEST(AttributeAccess, VectorValuesByPosition) {
+  Attribute t("trc", "s", vFLOAT32, 4, 2.0);
+  t.resize(3);
+  float* p = t.getFloat32Pointer(1);
+  for (int i = 0; i < 12; ++i) p[i] = static_cast<float>(i);
+  EXPECT_EQ(p + 4, t.getFloat32Pointer(2));
+  EXPECT_EQ(p + 8, t.getFloat32Pointer(3));
+  EXPECT_EQ(5.0, t.getValue(2, 2));
+  EXPECT_EQ(11.0, t.getValue(3, 4));
+  expectFailure([&] { t.getValue(2, 5); }, "Attribute::getValue", "Position 5 is out of range 1 - 4 for Attribute TRC.");
+  expectFailure([&] { t.getValue(2, 0); }, "Attribute::getValue", "Position 0 is out of range 1 - 4 for Attribute TRC.");
+  expectFailure([&] { t.getValue(2); }, "Attribute::getValue", "Can't use this method on vector type attribute: TRC.");
+  expectFailure([&] { t.setValue(2, 1.0); }, "Attribute::setValue",
+                "Can't use this method on vector type attribute: TRC.");
+  expectFailure([&] { t.getFloat32(1); }, "Attribute::getFloat32",
+                "Can't use this method on vector type attribute: TRC.");
+
+  std::vector<double> values(2, -1.0);
+  t.getValues(values);
+  ASSERT_EQ(12u, values.size());
+  for (int i = 0; i < 12; ++i) EXPECT_EQ(static_cast<double>(i), values[i]);
+
+  // A length-1 attribute with a sample rate is a vector of one value; it is
+  // still a scalar to the scalar accessors.
+  Attribute one("one", "s", vINT16, 1, 4.0);
+  one.resize(1);
+  one.setInt16(1, 9);
+  EXPECT_TRUE(one.isVector());
+  EXPECT_EQ(9, one.getInt16(1));
+}
+
+TEST(AttributeAccess, VariableLengthAccess) {
+  Attribute v("v", "s", vINT64, Attribute::VARIABLE_LENGTH);
+  v.resize(3, nullptr, new int[3]{1, 3, 2});
+  long long* p = v.getInt64Pointer(1);
+  for (int i = 0; i < 6; ++i) p[i] = 10 * i;
+  EXPECT_EQ(p + 1, v.getInt64Pointer(2));
+  EXPECT_EQ(p + 4, v.getInt64Pointer(3));
+  EXPECT_EQ(30.0, v.getValue(2, 3));
+  expectFailure([&] { v.getValue(2, 4); }, "Attribute::getValue", "Position 4 is out of range 1 - 3 for Attribute V.");
+  expectFailure([&] { v.getValue(2); }, "Attribute::getValue",
+                "Can't call this method on variable length attribute: V.");
+  expectFailure([&] { v.setInt64(1, 3); }, "Attribute::setInt64",
+                "Can't call this method on variable length attribute: V.");
+  std::vector<double> values;
+  v.getValues(values);
+  EXPECT_EQ((std::vector<double>{0, 10, 20, 30, 40, 50}), values);
+
+  // Without lengths the offsets are gone too: instance 1 still needs none.
+  v.releaseLengths();
+  EXPECT_EQ(p, v.getPointer(1));
+  expectFailure([&] { v.getPointer(2); }, "Attribute::getPointer",
+                "Offsets array not initialized in variable length Attribute V... supplied a lengths array?");
+}
+
+TEST(AttributeAccess, InstanceOneIsTheShortPath) {
+  Attribute a("short_path", "c", vFLOAT32, 8);
+  expectFailure([&] { a.getPointer(1); }, "Attribute::getPointer", "Attribute SHORT_PATH has no data");
+  a.resize(2);
+  Attribute const& c = a;
+  EXPECT_EQ(a.getFloat32Pointer(1), c.getPointer(1));
+  EXPECT_EQ(c.getFloat32Pointer(2), static_cast<float const*>(c.getPointer(1)) + 8);
+}
+
+TEST(AttributeAccess, InstanceOutOfRange) {
+  Attribute a("range", "c", vINT32);
+  a.resize(3);
+  std::string method;
+  std::string const r0 = reasonOf([&] { a.getInt32(0); }, &method);
+  EXPECT_EQ("Attribute::getInt32", method);
+  EXPECT_EQ(0u, r0.find("Instance 0 is out of range 1:3 for RANGE (Attribute - line ")) << r0;
+  EXPECT_EQ(')', r0.back());
+  std::string const r4 = reasonOf([&] { a.getPointer(4); }, &method);
+  EXPECT_EQ("Attribute::getPointer", method);
+  EXPECT_EQ(0u, r4.find("Instance 4 is out of range 1:3 for RANGE (Attribute - line ")) << r4;
+  std::string const r5 = reasonOf([&] { a.setValue(5, 1.0); }, &method);
+  EXPECT_EQ("Attribute::setValue", method);
+  EXPECT_EQ(0u, r5.find("Instance 5 is out of range 1:3 for RANGE (")) << r5;
+  // The text carries a real line number.
+  std::size_t const at = r4.find("line ");
+  EXPECT_GT(std::stoi(r4.substr(at + 5)), 0);
+  std::string const rv = reasonOf([&] { a.getValue(4, 1); }, &method);
+  EXPECT_EQ(0u, rv.find("Instance 4 is out of range 1:3 for RANGE")) << rv;
+}
+
+TEST(AttributeAccess, WrongTypeAccessorsAreRefused) {
+  Attribute a("typed", "c", vFLOAT32);
+  a.resize(1);
+  expectFailure([&] { a.getInt32Pointer(1); }, "Attribute::getInt32Pointer",
+                "Data type of Attribute TYPED is not vINT32, it's vFLOAT32. Not allowed to call this method");
+  expectFailure([&] { a.getInt16(1); }, "Attribute::getInt16",
+                "Data type of Attribute TYPED is not vINT16, it's vFLOAT32. Not allowed to call this method");
+  expectFailure([&] { a.setFloat64(1, 1.0); }, "Attribute::setFloat64",
+                "Data type of Attribute TYPED is not vFLOAT64, it's vFLOAT32. Not allowed to call this method");
+  expectFailure([&] { a.getString(1); }, "Attribute::getString",
+                "Data type of Attribute TYPED is not vSTRING, it's vFLOAT32. Not allowed to call this method");
+  Attribute const& c = a;
+  expectFailure([&] { c.getStringPointer(1); }, "Attribute::getStringPointer",
+                "Data type of Attribute TYPED is not vSTRING, it's vFLOAT32. Not allowed to call this method");
+  expectFailure([&] { a.setValue(1, vString("x")); }, "Attribute::setValue",
+                "Unsupported data type vFLOAT32 - This is the overloaded String version! Attribute:TYPED.");
+
+  Attribute s("words", "c", vSTRING);
+  s.resize(1);
+  expectFailure([&] { s.getValue(1); }, "Attribute::getValue", "Unsupported data type vSTRING for WORDS.");
+  expectFailure([&] { s.setValue(1, 2.0); }, "Attribute::setValue", "Unsupported data type vSTRING for WORDS.");
+  std::vector<double> values;
+  expectFailure([&] { s.getValues(values); }, "Attribute::getValues",
+                "Unexpected DataType vSTRING for Attribute WORDS.");
+}
+
+TEST(AttributeAccess, GetValuesOfADefinitionIsEmpty) {
+  Attribute a("def", "c", vINT16, 5);
+  std::vector<double> values(3, 1.0);
+  a.getValues(values);
+  EXPECT_TRUE(values.empty());
+}
+
+TEST(AttributePrint, InserterShowsTheLabels) {
+  Attribute a("printed", "cls", vINT32, Attribute::VARIABLE_LENGTH, 2.0, 1.0);
+  a.setStatisticValues(1.0, 9.0, 3);
+  std::ostringstream out;
+  out << a;
+  std::string const s = out.str();
+  for (char const* label : {" Attribute Name:PRINTED", "          Class:CLS", "       DataType:vINT32",
+                            "  Orig DataType:vNOTYPE", "         Length:Variable Length", "     SampleRate:2",
+                            "     First Time:1", "      Last Time:", "    N Instances:0", "      Min Value:1",
+                            "        N Zeros:3"})
+    EXPECT_NE(std::string::npos, s.find(label)) << label << " in\n" << s;
+}
