@@ -1,0 +1,212 @@
+// DataPtr: blocks in transit, who owns them, and how they move.
+
+#include "attribute/DataPtr.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "attribute/AttributeTesting.h"
+
+using attribute_testing::expectFailure;
+
+TEST(DataPtr, EmptyByDefault) {
+  DataPtr d;
+  EXPECT_EQ(0u, d.getNElements());
+  EXPECT_EQ(vNOTYPE, d.getDataType());
+  EXPECT_EQ(nullptr, d.getData());
+  EXPECT_EQ(nullptr, d.getLengths());
+  EXPECT_FALSE(d.isVariableLength());
+  EXPECT_EQ(0, d.getTotalLength());
+  EXPECT_EQ(0, d.getTotalNBytes());
+  EXPECT_TRUE(d.ownsData());
+  EXPECT_TRUE(d.ownsLengths());
+  EXPECT_EQ(vNOTYPE, d.getOriginalDataType());
+}
+
+TEST(DataPtr, TransferTakesThePointersOver) {
+  int32_t* data = new int32_t[5]{1, 2, 3, 4, 5};
+  unsigned int* lengths = new unsigned int[2]{2, 3};
+  DataPtr d(vINT32, 2, data, lengths, DataPtr::TRANSFER);
+  EXPECT_EQ(data, d.getData());
+  EXPECT_EQ(lengths, d.getLengths());
+  EXPECT_TRUE(d.isVariableLength());
+  EXPECT_EQ(5, d.getTotalLength());
+  EXPECT_EQ(20, d.getTotalNBytes());
+  EXPECT_EQ(DataPtr::TRANSFER, d.getTransferMethod());
+  // Freed by d: AddressSanitizer would report a leak otherwise.
+}
+
+TEST(DataPtr, CopyAndAllocateOwnFreshMemory) {
+  double const values[3] = {1.5, 2.5, 3.5};
+  DataPtr c(vFLOAT64, 3, values);
+  ASSERT_NE(static_cast<void const*>(values), c.getData());
+  EXPECT_EQ(0, std::memcmp(values, c.getData(), sizeof values));
+  EXPECT_FALSE(c.isVariableLength());
+  EXPECT_EQ(3, c.getTotalLength());
+  EXPECT_EQ(24, c.getTotalNBytes());
+
+  unsigned int lengths[2] = {1, 2};
+  double mine[3] = {9, 9, 9};
+  DataPtr m(vFLOAT64, 2, mine, lengths, DataPtr::COPY);
+  EXPECT_NE(static_cast<void*>(mine), m.getData());
+  EXPECT_NE(lengths, m.getLengths());
+  EXPECT_EQ(2u, m.getLengths()[1]);
+  EXPECT_EQ(9.0, static_cast<double*>(m.getData())[2]);
+
+  DataPtr a(vINT16, 2, mine, lengths, DataPtr::ALLOCATE);
+  EXPECT_NE(static_cast<void*>(mine), a.getData());
+  EXPECT_EQ(3, a.getTotalLength());
+  EXPECT_EQ(6, a.getTotalNBytes());
+  EXPECT_EQ(0, static_cast<int16_t*>(a.getData())[2]);  // zeroed
+
+  DataPtr z(vBOOL8, 4);
+  EXPECT_EQ(4, z.getTotalNBytes());
+  EXPECT_EQ(0, static_cast<uint8_t*>(z.getData())[3]);
+}
+
+TEST(DataPtr, BorrowNeverFrees) {
+  float block[2] = {1.0f, 2.0f};
+  {
+    DataPtr b(vFLOAT32, 2, block, nullptr, DataPtr::BORROW);
+    EXPECT_EQ(static_cast<void*>(block), b.getData());
+    EXPECT_FALSE(b.ownsData());
+  }
+  EXPECT_EQ(2.0f, block[1]);  // a stack block freed would have crashed
+}
+
+TEST(DataPtr, EveryBlockTypeAllocates) {
+  for (DataType t : {vINT8, vUINT8, vINT16, vUINT16, vINT32, vUINT32, vINT64, vFLOAT32, vFLOAT64, vBOOL8}) {
+    DataPtr d(t, 3);
+    EXPECT_NE(nullptr, d.getData());
+    DataPtr e;
+    e = d;
+    EXPECT_EQ(t, e.getDataType());
+  }
+  expectFailure([] { DataPtr d(vSTRING, 3); }, "DataPtr::DataPtr()", "Unsupported data type vSTRING.");
+  expectFailure([] { DataPtr d(vUINT64, 1); }, "DataPtr::DataPtr()", "Unsupported data type vUINT64.");
+  int x = 0;
+  expectFailure([&] { DataPtr d(vCOMPLEX32, 1, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr()",
+                "Unsupported data type vCOMPLEX32.");
+}
+
+TEST(DataPtr, ZeroElementsWithPointersIsRefused) {
+  int32_t x = 1;
+  unsigned int l = 1;
+  expectFailure([&] { DataPtr d(vINT32, 0, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr(...)",
+                "Given nElements=0, but mData or myLength!=0");
+  expectFailure([&] { DataPtr d(vINT32, 0, nullptr, &l); }, "DataPtr::DataPtr(...)",
+                "Given nElements=0, but mData or myLength!=0");
+  DataPtr fine(vINT32, 0);
+  EXPECT_EQ(nullptr, fine.getData());
+}
+
+TEST(DataPtr, ReleaseHandsOutOnce) {
+  DataPtr d(vINT32, 3);
+  void* block = d.getData();
+  void* got = d.releaseData();
+  EXPECT_EQ(block, got);
+  EXPECT_FALSE(d.ownsData());
+  expectFailure([&] { d.getData(); }, "DataPtr::getData()", "Illegal after releaseData!.");
+  expectFailure([&] { d.releaseData(); }, "DataPtr::releaseData()", "Illegal to make second call!.");
+  delete[] static_cast<int32_t*>(got);
+
+  DataPtr v(vINT16, 2, nullptr, new unsigned int[2]{1, 1}, DataPtr::TRANSFER);
+  unsigned int* lengths = v.releaseLengths();
+  ASSERT_NE(nullptr, lengths);
+  expectFailure([&] { v.getLengths(); }, "DataPtr::getLengths()", "Illegal after releaseLengths!.");
+  expectFailure([&] { v.releaseLengths(); }, "DataPtr::releaseLengths()", "Illegal to make second call!.");
+  delete[] lengths;
+  EXPECT_NE(nullptr, v.getData());  // the data are still its own
+}
+
+TEST(DataPtr, AssignmentMoves) {
+  DataPtr a(vFLOAT32, 2, nullptr, new unsigned int[2]{1, 2}, DataPtr::TRANSFER);
+  a.setOriginalDataType(vINT32);
+  void* block = a.getData();
+  unsigned int* lengths = a.getLengths();
+  DataPtr b(vINT64, 7);
+  b = a;
+  EXPECT_EQ(block, b.getData());
+  EXPECT_EQ(lengths, b.getLengths());
+  EXPECT_EQ(2u, b.getNElements());
+  EXPECT_EQ(vFLOAT32, b.getDataType());
+  EXPECT_EQ(vINT32, b.getOriginalDataType());
+  EXPECT_EQ(0u, a.getNElements());
+  EXPECT_EQ(nullptr, a.getData());
+  EXPECT_EQ(nullptr, a.getLengths());
+
+  DataPtr c(vINT32, 1);
+  c.releaseData();
+  DataPtr d;
+  expectFailure([&] { d = c; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
+  DataPtr e(vINT32, 1, nullptr, new unsigned int[1]{3}, DataPtr::TRANSFER);
+  delete[] e.releaseLengths();
+  expectFailure([&] { d = e; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
+}
+
+TEST(DataPtr, CopyConstructionIsDeep) {
+  int32_t values[3] = {4, 5, 6};
+  unsigned int lengths[1] = {3};
+  DataPtr a(vINT32, 1, values, lengths);
+  DataPtr b(a);
+  EXPECT_NE(a.getData(), b.getData());
+  EXPECT_NE(a.getLengths(), b.getLengths());
+  EXPECT_EQ(6, static_cast<int32_t*>(b.getData())[2]);
+  DataPtr c;
+  c.deepCopy(b);
+  EXPECT_EQ(3, c.getTotalLength());
+  b.releaseData();
+  expectFailure([&] { DataPtr d(b); }, "DataPtr::deepCopy()", "rhs is in the middle of releasing its data");
+}
+
+TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgree) {
+  float* block = new float[3]{1.5f, 2.5f, -3.5f};
+  DataPtr in(vFLOAT32, 3, block, nullptr, DataPtr::TRANSFER);
+  in.setOriginalDataType(vINT16);
+  DataPtr out(vINT32, 0);
+  out.prepare(in);
+  EXPECT_TRUE(out.isInPlace());
+  EXPECT_EQ(static_cast<void*>(block), out.getData());
+  EXPECT_TRUE(out.ownsData());
+  EXPECT_FALSE(in.ownsData());
+  EXPECT_EQ(3u, out.getNElements());
+  EXPECT_EQ(vINT16, out.getOriginalDataType());
+  // A conversion may now overwrite the block element by element.
+  int32_t* o = static_cast<int32_t*>(out.getData());
+  float const* i = static_cast<float const*>(in.getData());
+  for (int k = 0; k < 3; ++k) {
+    float const v = i[k];
+    o[k] = static_cast<int32_t>(v);
+  }
+  EXPECT_EQ(-3, o[2]);
+  // Only out frees the block.
+}
+
+TEST(DataPtr, PrepareAllocatesWhenSizesDifferOrNotOwned) {
+  unsigned int lengths[2] = {2, 1};
+  int16_t values[3] = {1, 2, 3};
+  DataPtr in(vINT16, 2, values, lengths, DataPtr::BORROW);
+  DataPtr out(vFLOAT64, 0);
+  out.prepare(in);
+  EXPECT_FALSE(out.isInPlace());
+  EXPECT_NE(static_cast<void*>(values), out.getData());
+  EXPECT_NE(in.getLengths(), out.getLengths());
+  EXPECT_EQ(1u, out.getLengths()[1]);
+  EXPECT_EQ(24, out.getTotalNBytes());
+
+  DataPtr owned(vINT16, 3);
+  DataPtr wider(vINT64, 0);
+  wider.prepare(owned);
+  EXPECT_NE(owned.getData(), wider.getData());
+  EXPECT_TRUE(owned.ownsData());
+
+  DataPtr const constant(vINT32, 2);
+  DataPtr copy(vFLOAT32, 0);
+  copy.prepare(constant);
+  EXPECT_NE(constant.getData(), copy.getData());
+
+  DataPtr untyped;
+  expectFailure([&] { untyped.prepare(owned); }, "DataPtr::prepare()", "Unsupported data type vNOTYPE.");
+}

@@ -1,0 +1,151 @@
+// KeyList: ordered sort keys, found by name, and their packed form.
+
+#include "attribute/KeyList.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "attribute/AttributeTesting.h"
+#include "foundation/Packer.h"
+
+using attribute_testing::Bytes;
+using attribute_testing::bodyOf;
+using attribute_testing::expectFailure;
+using attribute_testing::receive;
+
+namespace {
+
+std::vector<std::string> namesOf(KeyList const& k) {
+  std::vector<std::string> out;
+  for (KeyList::const_iterator i = k.begin(); i != k.end(); ++i) out.push_back(i->getName().c_str());
+  return out;
+}
+
+}  // namespace
+
+TEST(KeyList, KeysKeepInsertionOrder) {
+  KeyList k;
+  k.addKey(Attribute("shot", "h", vINT32));
+  k.addKey(Attribute("channel", "h", vINT32));
+  k.addKey(Attribute("azimuth", "h", vFLOAT32));
+  EXPECT_EQ(3u, k.getNKeys());
+  EXPECT_EQ((std::vector<std::string>{"SHOT", "CHANNEL", "AZIMUTH"}), namesOf(k));
+  EXPECT_STREQ("AZIMUTH", k.rbegin()->getName().c_str());
+  EXPECT_EQ(3, std::distance(k.rbegin(), k.rend()));
+  EXPECT_EQ(k.begin(), k.beginKey());
+  EXPECT_EQ(k.end(), k.endKey());
+
+  // A key is a definition: data do not come along.
+  Attribute withData("offset", "h", vINT32);
+  withData.resize(10);
+  k.addKey(withData);
+  EXPECT_EQ(0u, k.findKey(withData)->getNInstances());
+
+  expectFailure([&] { k.addKey(Attribute("Shot", "other", vINT64)); }, "KeyList::addKey()",
+                "SHOT already exists in this KeyList.");
+  expectFailure([&] { k.addKey(Attribute()); }, "KeyList::addKey()",
+                "Not allowed to add an empty Attribute to the KeyList");
+  EXPECT_EQ(4u, k.getNKeys());
+}
+
+TEST(KeyList, FindingKeys) {
+  KeyList k;
+  k.addKey(Attribute("inline", "h", vINT32));
+  k.addKey(Attribute("xline", "h", vINT32));
+  EXPECT_EQ(2u, k.determineKeyNumber(Attribute("XLINE", "any", vFLOAT64)));
+  EXPECT_EQ(1u, k.determineKeyNumber(Attribute("inline", "h", vINT32)));
+  EXPECT_EQ(0u, k.determineKeyNumber(Attribute("cdp", "h", vINT32)));
+  EXPECT_EQ(k.end(), k.findKey(Attribute("cdp", "h", vINT32)));
+  KeyList const& c = k;
+  EXPECT_STREQ("XLINE", c.findKey(Attribute("xline", "h", vINT32))->getName().c_str());
+
+  EXPECT_STREQ("INLINE", k.findKey(1)->getName().c_str());
+  EXPECT_STREQ("XLINE", c.findKey(2)->getName().c_str());
+  vString message;
+  EXPECT_EQ(k.end(), k.findKey(3, &message));
+  EXPECT_STREQ("Requested key number '3' outside valid range (1-2)", message.c_str());
+  EXPECT_EQ(c.end(), c.findKey(0, &message));
+  EXPECT_STREQ("Requested key number '0' outside valid range (1-2)", message.c_str());
+  expectFailure([&] { k.findKey(3); }, "KeyList::findKey(int)", "Requested key number '3' outside valid range (1-2)");
+
+  EXPECT_STREQ("XLINE", k.findName(2).c_str());
+  vString m2;
+  EXPECT_TRUE(k.findName(5, &m2).isEmpty());
+  EXPECT_STREQ("Requested key number '5' outside valid range (1-2)", m2.c_str());
+
+  k.removeKey(vUCString("inline"));
+  EXPECT_EQ((std::vector<std::string>{"XLINE"}), namesOf(k));
+  k.removeKey(vUCString("not_a_key"));
+  EXPECT_EQ(1u, k.getNKeys());
+  k.clear();
+  EXPECT_EQ(0u, k.getNKeys());
+}
+
+TEST(KeyList, EqualityIsByNamesInOrder) {
+  KeyList a;
+  a.addKey(Attribute("k1", "h", vINT32));
+  a.addKey(Attribute("k2", "h", vINT32));
+  KeyList b;
+  b.addKey(Attribute("k1", "other", vFLOAT64));
+  b.addKey(Attribute("k2", "h", vINT16));
+  EXPECT_TRUE(a == b);
+  KeyList c;
+  c.addKey(Attribute("k2", "h", vINT32));
+  c.addKey(Attribute("k1", "h", vINT32));
+  EXPECT_FALSE(a == c);
+  EXPECT_TRUE(a != c);
+  KeyList d(a);
+  d.removeKey(vUCString("k2"));
+  EXPECT_FALSE(a == d);
+  d = a;
+  EXPECT_TRUE(a == d);
+}
+
+TEST(KeyList, PackedFormByteExact) {
+  KeyList k;
+  k.addKey(Attribute("ffid", "hdr", vINT32));
+  k.addKey(Attribute("chan", "hdr", vINT16));
+  Packer p(0);
+  k.pack(p);
+
+  Bytes b;
+  b.frame(1501, 1).int32(2);
+  for (auto const& key : {std::make_pair("FFID", vINT32), std::make_pair("CHAN", vINT16)}) {
+    b.frame(1241, 5).text(key.first).text("HDR").int32(key.second).int32(1).float64(0).float64(0);
+    b.boolean(false).int64(0).float64(0).float64(0).int64(0).int32(0).end();
+  }
+  b.end();
+  EXPECT_EQ(b.body(), bodyOf(p));
+
+  std::unique_ptr<Packer> r = receive(p);
+  KeyList back(*r);
+  EXPECT_TRUE(back == k);
+  EXPECT_EQ((std::vector<std::string>{"FFID", "CHAN"}), namesOf(back));
+  EXPECT_EQ(vINT16, back.findKey(2)->getDataType());
+}
+
+TEST(KeyList, ReadsOldAttributeFramesInside) {
+  Bytes b;
+  b.frame(1501, 1).int32(1);
+  b.frame(1241, 1).text("OLDKEY").text("H").int32(vINT32).int32(1).float64(0).float64(0).int32(0).end();
+  b.end();
+  KeyList k(*b.reader());
+  EXPECT_STREQ("OLDKEY", k.findName(1).c_str());
+}
+
+TEST(KeyList, UnpackRefusals) {
+  KeyList k;
+  k.addKey(Attribute("before", "h", vINT32));
+  Bytes magic;
+  magic.frame(1500, 1).int32(0).end();
+  expectFailure([&] { k.unpack(*magic.reader()); }, "KeyList::unpack()", "Bad magic value, not a KeyList.");
+  EXPECT_EQ(0u, k.getNKeys());  // cleared first
+  Bytes version;
+  version.frame(1501, 2).int32(0).end();
+  expectFailure([&] { k.unpack(*version.reader()); }, "KeyList::unpack()", "Bad KeyList Version, not supported.");
+  Bytes forged;
+  forged.frame(1501, 1).int32(1000000).end();
+  expectFailure([&] { k.unpack(*forged.reader()); }, "KeyList::unpack()", "Bad number of keys 1000000 with 1 bytes left.");
+}

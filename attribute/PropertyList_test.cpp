@@ -1,0 +1,218 @@
+// PropertyList and the lazily made list behind PropertyI.
+
+#include "attribute/PropertyList.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "attribute/AttributeTesting.h"
+#include "attribute/PropertyI.h"
+#include "foundation/Packer.h"
+
+using attribute_testing::Bytes;
+using attribute_testing::bodyOf;
+using attribute_testing::expectFailure;
+using attribute_testing::receive;
+
+namespace {
+
+std::vector<std::string> namesOf(PropertyList const& l) {
+  std::vector<std::string> out;
+  for (PropertyList::const_iterator i = l.beginProperty(); i != l.endProperty(); ++i)
+    out.push_back(i->getName().c_str());
+  return out;
+}
+
+}  // namespace
+
+TEST(PropertyList, OneProperyPerNameInNameOrder) {
+  PropertyList l;
+  l.addProperty(Property(vUCString("zeta"), 1));
+  l.addProperty(Property(vUCString("alpha"), "a"));
+  l.addProperty(Property(vUCString("mid"), 2.0));
+  EXPECT_EQ(3u, l.getNProperties());
+  EXPECT_EQ((std::vector<std::string>{"ALPHA", "MID", "ZETA"}), namesOf(l));
+  EXPECT_TRUE(l.hasProperty(vUCString("mid")));
+  EXPECT_TRUE(l.hasProperty(Property(vUCString("Mid"), 0)));
+  EXPECT_FALSE(l.hasProperty(vUCString("nope")));
+  ASSERT_NE(l.endProperty(), l.findProperty(vUCString("ZETA")));
+  EXPECT_EQ(1, l.findProperty(vUCString("zeta"))->getInt32());
+  EXPECT_EQ(2.0, l.findProperty(Property(vUCString("mid"), 0))->getFloat64());
+  EXPECT_EQ(l.endProperty(), l.findProperty(vUCString("absent")));
+  PropertyList const& c = l;
+  EXPECT_STREQ("a", c.findProperty(vUCString("alpha"))->getString().c_str());
+  EXPECT_EQ(c.endProperty(), c.findProperty(Property(vUCString("absent"), 0)));
+
+  // Names fold, so a second property differing only in case is refused.
+  expectFailure([&] { l.addProperty(Property(vUCString("Alpha"), 5)); }, "PropertyList::addProperty()",
+                "Error trying to add property ALPHA. Already exists.");
+  EXPECT_STREQ("a", l.findProperty(vUCString("alpha"))->getString().c_str());
+  expectFailure([&] { l.addProperty(Property()); }, "PropertyList::addProperty()",
+                "Error trying to add an uninitialized property");
+  EXPECT_EQ(3u, l.getNProperties());
+}
+
+TEST(PropertyList, ReplaceRemoveAndMerge) {
+  PropertyList l;
+  l.addProperty(Property(vUCString("a"), 1));
+  l.addOrReplaceProperty(Property(vUCString("a"), 2));
+  EXPECT_EQ(2, l.findProperty(vUCString("a"))->getInt32());
+  l.addOrReplaceProperty(*l.findProperty(vUCString("a")));  // itself
+  EXPECT_EQ(2, l.findProperty(vUCString("a"))->getInt32());
+  l.addOrReplaceProperty(Property(vUCString("b"), 3));
+  EXPECT_EQ(2u, l.getNProperties());
+
+  PropertyList m;
+  m.addProperty(Property(vUCString("c"), 4));
+  m.addProperty(Property(vUCString("b"), 30));
+  expectFailure([&] { l.addProperties(m); }, "PropertyList::addProperty()",
+                "Error trying to add property B. Already exists.");
+  l.addOrReplaceProperties(m);
+  EXPECT_EQ((std::vector<std::string>{"A", "B", "C"}), namesOf(l));
+  EXPECT_EQ(30, l.findProperty(vUCString("b"))->getInt32());
+  PropertyList n;
+  n.addProperties(m);
+  EXPECT_EQ(2u, n.getNProperties());
+
+  l.removeProperty(vUCString("b"));
+  EXPECT_FALSE(l.hasProperty(vUCString("b")));
+  l.removeProperty(l.findProperty(vUCString("a")));
+  EXPECT_EQ((std::vector<std::string>{"C"}), namesOf(l));
+  expectFailure([&] { l.removeProperty(vUCString("b")); }, "PropertyList::removeProperty()",
+                "Error trying to remove a Property that doesn't exist");
+  PropertyList copy(l);
+  l.clearProperties();
+  EXPECT_EQ(0u, l.getNProperties());
+  EXPECT_EQ(1u, copy.getNProperties());
+  l = copy;
+  EXPECT_EQ(1u, l.getNProperties());
+}
+
+TEST(PropertyList, PackedFormByteExact) {
+  PropertyList l;
+  l.addProperty(Property(vUCString("b"), 2));
+  l.addProperty(Property(vUCString("a"), "x"));
+  Packer p(0);
+  l.pack(p);
+  PropertyList().pack(p);
+
+  Bytes b;
+  b.frame(5629, 1).frame(67, 1).int32(2);
+  b.frame(1301, 1).text("A").int32(vSTRING).int32(1).text("x").end();
+  b.frame(1301, 1).text("B").int32(vINT32).int32(1).array<int32_t>(vINT32, {2}).end();
+  b.end().end();
+  b.frame(5629, 1).frame(67, 1).int32(0).end().end();
+  EXPECT_EQ(b.body(), bodyOf(p));
+
+  std::unique_ptr<Packer> r = receive(p);
+  PropertyList back;
+  back.addProperty(Property(vUCString("stale"), 1));
+  back.unpack(*r);
+  EXPECT_EQ((std::vector<std::string>{"A", "B"}), namesOf(back));
+  EXPECT_TRUE(back.findProperty(vUCString("b"))->compare(Property(vUCString("b"), 2)));
+  PropertyList empty;
+  empty.unpack(*r);
+  EXPECT_EQ(0u, empty.getNProperties());
+}
+
+TEST(PropertyList, UnpackRefusals) {
+  PropertyList l;
+  l.addProperty(Property(vUCString("gone"), 1));
+  Bytes magic;
+  magic.frame(5628, 1).end();
+  expectFailure([&] { l.unpack(*magic.reader()); }, "PropertyList::unpack()", "Bad magic value, not a Property.");
+  EXPECT_EQ(0u, l.getNProperties());  // emptied first
+  Bytes version;
+  version.frame(5629, 2).end();
+  expectFailure([&] { l.unpack(*version.reader()); }, "PropertyList::unpack()",
+                "Bad Property Version, not supported.");
+}
+
+TEST(PropertyI, UnsetInterfaceMakesNoList) {
+  PropertyI i;
+  EXPECT_FALSE(i.isSet());
+  EXPECT_FALSE(i.hasProperty(vUCString("x")));
+  EXPECT_FALSE(i.hasProperty(Property(vUCString("x"), 1)));
+  EXPECT_EQ(0u, i.getNProperties());
+  i.clearProperties();
+  EXPECT_FALSE(i.isSet());
+  expectFailure([&] { i.removeProperty(vUCString("x")); }, "PropertyI::removeProperty",
+                "No Property List has been set yet.");
+  PropertyI const& c = i;
+  EXPECT_FALSE(c.isSet());
+  // Iteration needs a list.
+  EXPECT_EQ(i.beginProperty(), i.endProperty());
+  EXPECT_TRUE(i.isSet());
+}
+
+TEST(PropertyI, AddingMakesTheList) {
+  PropertyI i;
+  i.addProperty(Property(vUCString("k"), 1));
+  EXPECT_TRUE(i.isSet());
+  EXPECT_EQ(1u, i.getNProperties());
+  EXPECT_TRUE(i.hasProperty(vUCString("K")));
+  EXPECT_EQ(1, i.findProperty(vUCString("k"))->getInt32());
+  EXPECT_NE(i.endProperty(), i.findProperty(Property(vUCString("k"), 0)));
+  PropertyI const& c = i;
+  EXPECT_NE(c.endProperty(), c.findProperty(vUCString("k")));
+  EXPECT_NE(c.endProperty(), c.findProperty(Property(vUCString("k"), 0)));
+  EXPECT_EQ(1, std::distance(c.beginProperty(), c.endProperty()));
+  i.removeProperty(i.findProperty(vUCString("k")));
+  EXPECT_EQ(0u, i.getNProperties());
+  i.addProperty(Property(vUCString("k"), 2));
+  i.removeProperty(vUCString("k"));
+  expectFailure([&] { i.removeProperty(vUCString("k")); }, "PropertyList::removeProperty()",
+                "Error trying to remove a Property that doesn't exist");
+}
+
+TEST(PropertyI, CopiesShareTheList) {
+  PropertyI a;
+  a.addProperty(Property(vUCString("shared"), 1));
+  PropertyI b(a);
+  PropertyI c;
+  c = a;
+  PropertyI d;
+  d.setPropertyList(a);
+  b.addProperty(Property(vUCString("more"), 2));
+  EXPECT_EQ(2u, a.getNProperties());
+  EXPECT_EQ(2u, c.getNProperties());
+  EXPECT_EQ(2u, d.getNProperties());
+  d.clearProperties();
+  EXPECT_EQ(0u, a.getNProperties());
+
+  // addProperties copies into this interface's own list.
+  PropertyI e;
+  e.addProperty(Property(vUCString("e"), 5));
+  PropertyI f;
+  f.addProperties(e);
+  f.addProperties(PropertyI());
+  EXPECT_EQ(1u, f.getNProperties());
+  f.addProperty(Property(vUCString("f"), 6));
+  EXPECT_EQ(1u, e.getNProperties());
+}
+
+TEST(PropertyI, PacksThroughTheList) {
+  PropertyI unset;
+  Packer p(0);
+  unset.packProperties(p);  // an empty list frame
+  PropertyI set;
+  set.addProperty(Property(vUCString("p"), 1.5));
+  set.packProperties(p);
+  Bytes b;
+  b.frame(5629, 1).frame(67, 1).int32(0).end().end();
+  b.frame(5629, 1).frame(67, 1).int32(1);
+  b.frame(1301, 1).text("P").int32(vFLOAT64).int32(1).array<double>(vFLOAT64, {1.5}).end();
+  b.end().end();
+  EXPECT_EQ(b.body(), bodyOf(p));
+
+  std::unique_ptr<Packer> r = receive(p);
+  PropertyI first;
+  first.unpackProperties(*r);
+  EXPECT_TRUE(first.isSet());
+  EXPECT_EQ(0u, first.getNProperties());
+  PropertyI second;
+  second.unpackProperties(*r);
+  EXPECT_EQ(1.5, second.findProperty(vUCString("p"))->getFloat64());
+}

@@ -1,0 +1,383 @@
+// Property: typed values with conversions between all types, and the packed
+// form byte for byte.
+
+#include "attribute/Property.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "attribute/AttributeTesting.h"
+#include "foundation/Packer.h"
+
+using attribute_testing::Bytes;
+using attribute_testing::bodyOf;
+using attribute_testing::expectFailure;
+using attribute_testing::receive;
+
+TEST(Property, ConstructorsGiveTypeAndValue) {
+  Property d(vUCString("d"), 2.5);
+  Property f(vUCString("f"), 1.25f);
+  Property i(vUCString("i"), -3);
+  Property u(vUCString("u"), 7u);
+  Property s(vUCString("s"), static_cast<short>(-2));
+  Property us(vUCString("us"), static_cast<unsigned short>(65535));
+  Property b(vUCString("b"), static_cast<unsigned char>(5));
+  Property t(vUCString("t"), vString("text"));
+  Property c(vUCString("c"), "chars");
+  EXPECT_EQ(vFLOAT64, d.getDataType());
+  EXPECT_EQ(vFLOAT32, f.getDataType());
+  EXPECT_EQ(vINT32, i.getDataType());
+  EXPECT_EQ(vUINT32, u.getDataType());
+  EXPECT_EQ(vINT16, s.getDataType());
+  EXPECT_EQ(vUINT16, us.getDataType());
+  EXPECT_EQ(vBOOL8, b.getDataType());
+  EXPECT_EQ(vSTRING, t.getDataType());
+  EXPECT_EQ(vSTRING, c.getDataType());
+  for (Property const* p : {&d, &f, &i, &u, &s, &us, &b, &t, &c}) {
+    EXPECT_EQ(1u, p->getNElements());
+    EXPECT_TRUE(p->isInitialized());
+  }
+  EXPECT_STREQ("D", d.getName().c_str());
+  EXPECT_EQ(2.5, d.getFloat64());
+  EXPECT_EQ(1.25f, f.getFloat32());
+  EXPECT_EQ(-3, i.getInt32());
+  EXPECT_EQ(7u, u.getUInt32());
+  EXPECT_EQ(-2, s.getInt16());
+  EXPECT_EQ(65535, us.getUInt16());
+  EXPECT_TRUE(b.getBool8());
+  EXPECT_EQ(1, *static_cast<uint8_t const*>(b.getData()));  // stored as 0 or 1
+  EXPECT_STREQ("text", t.getString().c_str());
+  EXPECT_STREQ("chars", c.getString(1).c_str());
+
+  Property none;
+  EXPECT_FALSE(none.isInitialized());
+  EXPECT_EQ(vNOTYPE, none.getDataType());
+  EXPECT_EQ(0u, none.getNElements());
+}
+
+TEST(Property, ArrayForms) {
+  double const dv[3] = {1.0, 2.0, 3.0};
+  Property d(vUCString("dv"), 3, dv);
+  EXPECT_EQ(3u, d.getNElements());
+  EXPECT_EQ(3.0, d.getFloat64(3));
+  vString const sv[2] = {vString("a"), vString("b")};
+  Property s(vUCString("sv"), 2, sv);
+  EXPECT_STREQ("b", s.getString(2).c_str());
+  unsigned char const bv[3] = {0, 2, 1};
+  Property b(vUCString("bv"), 3, bv);
+  EXPECT_FALSE(b.getBool8(1));
+  EXPECT_TRUE(b.getBool8(2));
+  float const fv[1] = {0.5f};
+  int const iv[2] = {1, -1};
+  unsigned int const uv[1] = {4000000000u};
+  short const sh[1] = {-5};
+  unsigned short const ush[1] = {5};
+  EXPECT_EQ(0.5f, Property(vUCString("fv"), 1, fv).getFloat32());
+  EXPECT_EQ(-1, Property(vUCString("iv"), 2, iv).getInt32(2));
+  EXPECT_EQ(4000000000u, Property(vUCString("uv"), 1, uv).getUInt32());
+  EXPECT_EQ(-5, Property(vUCString("sh"), 1, sh).getInt16());
+  EXPECT_EQ(5, Property(vUCString("ush"), 1, ush).getUInt16());
+
+  int8_t const raw[2] = {-1, 7};
+  Property g(vUCString("g"), vINT8, 2, raw);
+  EXPECT_EQ(-1, g.getInt32(1));
+  EXPECT_STREQ("7", g.getString(2).c_str());
+  Property z(vUCString("z"), vUINT16, 4, nullptr);
+  EXPECT_EQ(0, z.getUInt16(4));
+}
+
+TEST(Property, RedefineAndResize) {
+  Property p(vUCString("p"), 5);
+  p.redefine(vUCString("q"), vFLOAT32, 2, nullptr);
+  EXPECT_STREQ("Q", p.getName().c_str());
+  EXPECT_EQ(vFLOAT32, p.getDataType());
+  EXPECT_EQ(0.0f, p.getFloat32(2));
+  p.setFloat32(3.5f, 1);
+  p.resize(4);
+  EXPECT_EQ(3.5f, p.getFloat32(1));
+  EXPECT_EQ(0.0f, p.getFloat32(4));
+  p.resize(1);
+  EXPECT_EQ(1u, p.getNElements());
+  EXPECT_EQ(3.5f, p.getFloat32());
+
+  vString const sv[2] = {vString("x"), vString("y")};
+  p.redefine(vUCString("r"), 2, sv);
+  p.resize(3);
+  EXPECT_STREQ("y", p.getString(2).c_str());
+  EXPECT_STREQ("", p.getString(3).c_str());
+
+  expectFailure([&] { p.redefine(vUCString("  "), vINT32, 1, nullptr); }, "Property::redefine(generic)",
+                "Can't redefine with a blank name.");
+  expectFailure([&] { p.redefine(vUCString(""), 1, sv); }, "Property::redefine(strings)",
+                "Can't redefine with a blank name.");
+  expectFailure([&] { Property bad(vUCString(" "), 1.0); }, "Property::redefine(generic)",
+                "Can't redefine with a blank name.");
+  // A type a property cannot hold: refused, the property unchanged.
+  expectFailure([&] { p.redefine(vUCString("w"), vINT64, 1, nullptr); }, "Property::resize()", "Invalid datatype");
+  EXPECT_STREQ("R", p.getName().c_str());
+  EXPECT_EQ(3u, p.getNElements());
+
+  Property none;
+  expectFailure([&] { none.resize(2); }, "Property::resize()", "Trying to resize an uninitialized Property.");
+}
+
+TEST(Property, ElementRange) {
+  Property p(vUCString("range"), 1.0);
+  expectFailure([&] { p.getFloat64(2); }, "Property::myGetOffset()",
+                "Requesting element 2 in property RANGE ... valid range is 1..1");
+  expectFailure([&] { p.setInt32(1, 0); }, "Property::myGetOffset()",
+                "Requesting element 0 in property RANGE ... valid range is 1..1");
+  expectFailure([&] { p.getString(3); }, "Property::myGetOffset()",
+                "Requesting element 3 in property RANGE ... valid range is 1..1");
+}
+
+TEST(Property, NumericConversionsFollowC) {
+  Property d(vUCString("d"), 3.99);
+  EXPECT_EQ(3, d.getInt32());
+  EXPECT_EQ(3, d.getInt16());
+  EXPECT_EQ(3u, d.getUInt32());
+  EXPECT_EQ(3.99f, d.getFloat32());
+  EXPECT_TRUE(d.getBool8());
+  Property n(vUCString("n"), -2.7f);
+  EXPECT_EQ(-2, n.getInt32());
+  Property big(vUCString("big"), 1e12);
+  EXPECT_EQ(2147483647, big.getInt32());  // pinned, not undefined
+  Property i(vUCString("i"), 70000);
+  EXPECT_EQ(static_cast<short>(70000), i.getInt16());  // integers wrap as in C
+  EXPECT_EQ(70000.0, i.getFloat64());
+  Property zero(vUCString("zero"), 0.0);
+  EXPECT_FALSE(zero.getBool8());
+  Property tiny(vUCString("tiny"), 0.25);
+  EXPECT_TRUE(tiny.getBool8());
+  Property b(vUCString("b"), static_cast<unsigned char>(1));
+  EXPECT_EQ(1, b.getInt32());
+  EXPECT_EQ(1.0, b.getFloat64());
+
+  // Setters store into the property's own type.
+  Property s(vUCString("s"), static_cast<short>(0));
+  s.setFloat64(12.9);
+  EXPECT_EQ(12, s.getInt16());
+  s.setBool8(true);
+  EXPECT_EQ(1, s.getInt16());
+  s.setUInt16(65535);
+  EXPECT_EQ(-1, s.getInt16());
+  Property f(vUCString("f"), 0.0f);
+  f.setInt32(-4);
+  EXPECT_EQ(-4.0f, f.getFloat32());
+  f.setUInt32(9u);
+  EXPECT_EQ(9.0f, f.getFloat32());
+  f.setInt16(2);
+  f.setFloat32(0.5f);
+  EXPECT_EQ(0.5, f.getFloat64());
+  Property bb(vUCString("bb"), static_cast<unsigned char>(0));
+  bb.setFloat64(0.1);
+  EXPECT_TRUE(bb.getBool8());
+  bb.setInt32(0);
+  EXPECT_FALSE(bb.getBool8());
+}
+
+TEST(Property, TextConversions) {
+  EXPECT_STREQ("-3", Property(vUCString("a"), static_cast<short>(-3)).getString().c_str());
+  EXPECT_STREQ("65535", Property(vUCString("a"), static_cast<unsigned short>(65535)).getString().c_str());
+  EXPECT_STREQ("-7", Property(vUCString("a"), -7).getString().c_str());
+  EXPECT_STREQ("4000000000", Property(vUCString("a"), 4000000000u).getString().c_str());
+  EXPECT_STREQ("1.500000", Property(vUCString("a"), 1.5f).getString().c_str());
+  EXPECT_STREQ("2.250000", Property(vUCString("a"), 2.25).getString().c_str());
+  EXPECT_STREQ("true", Property(vUCString("a"), static_cast<unsigned char>(1)).getString().c_str());
+  EXPECT_STREQ("false", Property(vUCString("a"), static_cast<unsigned char>(0)).getString().c_str());
+
+  Property t(vUCString("t"), " 42 ");
+  EXPECT_EQ(42, t.getInt32());
+  EXPECT_EQ(42u, t.getUInt32());
+  EXPECT_EQ(42, t.getInt16());
+  EXPECT_EQ(42, t.getUInt16());
+  EXPECT_EQ(42.0f, t.getFloat32());
+  EXPECT_EQ(42.0, t.getFloat64());
+  EXPECT_TRUE(t.getBool8());
+  EXPECT_TRUE(Property(vUCString("t"), "TRUE").getBool8());
+  EXPECT_FALSE(Property(vUCString("t"), "False").getBool8());
+  EXPECT_FALSE(Property(vUCString("t"), "0").getBool8());
+
+  Property word(vUCString("name"), "abc");
+  expectFailure([&] { word.getInt32(); }, "Property::getInt32()",
+                "Unable to convert string value (abc) to Int32 in property NAME");
+  expectFailure([&] { word.getInt16(); }, "Property::getInt16()",
+                "Unable to convert string value (abc) to Int16 in property NAME");
+  expectFailure([&] { word.getUInt16(); }, "Property::getUInt16()",
+                "Unable to convert string value (abc) to UInt16 in property NAME");
+  expectFailure([&] { word.getUInt32(); }, "Property::getUInt32()",
+                "Unable to convert string value (abc) to UInt32 in property NAME");
+  expectFailure([&] { word.getFloat32(); }, "Property::getFloat32()",
+                "Unable to convert string value (abc) to Float32 in property NAME");
+  expectFailure([&] { word.getFloat64(); }, "Property::getFloat64()",
+                "Unable to convert string value (abc) to Float64 in property NAME");
+  expectFailure([&] { word.getBool8(); }, "Property::getBool8()",
+                "Unable to convert string value (abc) to Bool8 in property NAME");
+  Property blank(vUCString("blank"), "");
+  expectFailure([&] { blank.getInt32(); }, "Property::getInt32()",
+                "Unable to convert string value () to Int32 in property BLANK");
+  expectFailure([&] { Property(vUCString("x"), "12abc").getFloat64(); }, "Property::getFloat64()",
+                "Unable to convert string value (12abc) to Float64 in property X");
+
+  // Setters into text format as the getters do.
+  Property s(vUCString("s"), "");
+  s.setInt32(-12);
+  EXPECT_STREQ("-12", s.getString().c_str());
+  s.setUInt32(5u);
+  EXPECT_STREQ("5", s.getString().c_str());
+  s.setInt16(-1);
+  EXPECT_STREQ("-1", s.getString().c_str());
+  s.setUInt16(7);
+  EXPECT_STREQ("7", s.getString().c_str());
+  s.setFloat32(0.5f);
+  EXPECT_STREQ("0.500000", s.getString().c_str());
+  s.setFloat64(-1.25);
+  EXPECT_STREQ("-1.250000", s.getString().c_str());
+  s.setBool8(false);
+  EXPECT_STREQ("false", s.getString().c_str());
+  s.setString("free text");
+  EXPECT_STREQ("free text", s.getString().c_str());
+
+  // setString parses into the property's type.
+  Property n(vUCString("num"), 0);
+  n.setString("  17 ");
+  EXPECT_EQ(17, n.getInt32());
+  n.setString("3.9");
+  EXPECT_EQ(3, n.getInt32());
+  expectFailure([&] { n.setString("seventeen"); }, "Property::setString()",
+                "Unable to convert string value (seventeen) to Int32 in property NUM");
+  EXPECT_EQ(3, n.getInt32());
+  Property fl(vUCString("fl"), 0.0f);
+  expectFailure([&] { fl.setString("x"); }, "Property::setString()",
+                "Unable to convert string value (x) to Float32 in property FL");
+  Property us(vUCString("us"), static_cast<unsigned short>(0));
+  expectFailure([&] { us.setString("x"); }, "Property::setString()",
+                "Unable to convert string value (x) to UInt16 in property US");
+  Property bo(vUCString("bo"), static_cast<unsigned char>(0));
+  bo.setString("TRUE");
+  EXPECT_TRUE(bo.getBool8());
+  bo.setString("false");
+  EXPECT_FALSE(bo.getBool8());
+  bo.setString("2");
+  EXPECT_TRUE(bo.getBool8());
+  expectFailure([&] { bo.setString("maybe"); }, "Property::setString()",
+                "Unable to convert string value (maybe) to Bool8 in property BO");
+}
+
+TEST(Property, UninitialisedPropertyHasNoType) {
+  Property none;
+  expectFailure([&] { none.getString(); }, "Property::getString()", "Invalid data type.");
+  expectFailure([&] { none.setString("1"); }, "Property::setString()", "Invalid data type.");
+  expectFailure([&] { none.getInt32(); }, "Property::getInt32()", "Invalid data type.");
+  expectFailure([&] { none.setFloat64(1.0); }, "Property::setFloat64()", "Invalid data type.");
+  // setBool8 reports as setInt16.
+  expectFailure([&] { none.setBool8(true); }, "Property::setInt16()", "Invalid data type.");
+}
+
+TEST(Property, ComparisonByNameAndDeep) {
+  Property a(vUCString("same"), 1);
+  Property b(vUCString("SAME"), 2.0);
+  EXPECT_TRUE(a == b);
+  EXPECT_FALSE(a != b);
+  EXPECT_FALSE(a.compare(b));
+  EXPECT_TRUE(Property(vUCString("a"), 1) < Property(vUCString("b"), 1));
+  EXPECT_TRUE(a.compare(Property(vUCString("same"), 1)));
+  EXPECT_FALSE(a.compare(Property(vUCString("same"), 2)));
+  int const two[2] = {1, 2};
+  EXPECT_FALSE(a.compare(Property(vUCString("same"), 2, two)));
+  EXPECT_TRUE(Property(vUCString("s"), "x").compare(Property(vUCString("s"), "x")));
+  EXPECT_FALSE(Property(vUCString("s"), "x").compare(Property(vUCString("s"), "y")));
+
+  Property c(a);
+  EXPECT_TRUE(c.compare(a));
+  c.setInt32(9);
+  EXPECT_EQ(1, a.getInt32());  // copies are deep
+  c = b;
+  EXPECT_TRUE(c.compare(b));
+  Property d;
+  d = Property();
+  EXPECT_FALSE(d.isInitialized());
+}
+
+TEST(Property, PackedFormByteExact) {
+  Packer p(0);
+  unsigned short const us[2] = {1, 65535};
+  unsigned int const ui[1] = {4000000000u};
+  unsigned char const flags[3] = {1, 0, 1};
+  Property(vUCString("i16"), static_cast<short>(-2)).pack(p);
+  Property(vUCString("u16"), 2, us).pack(p);
+  Property(vUCString("i32"), 7).pack(p);
+  Property(vUCString("u32"), 1, ui).pack(p);
+  Property(vUCString("f32"), 0.5f).pack(p);
+  Property(vUCString("f64"), -0.25).pack(p);
+  Property(vUCString("b8"), 3, flags).pack(p);
+  vString const texts[2] = {vString("ab"), vString("")};
+  Property(vUCString("str"), 2, texts).pack(p);
+  Property(vUCString("none"), vINT32, 0, nullptr).pack(p);
+
+  Bytes b;
+  b.frame(1301, 1).text("I16").int32(vINT16).int32(1).array<int16_t>(vINT16, {-2}).end();
+  b.frame(1301, 1).text("U16").int32(vUINT16).int32(2).array<uint16_t>(vUINT16, {1, 65535}).end();
+  b.frame(1301, 1).text("I32").int32(vINT32).int32(1).array<int32_t>(vINT32, {7}).end();
+  b.frame(1301, 1).text("U32").int32(vUINT32).int32(1).array<uint32_t>(vUINT32, {4000000000u}).end();
+  b.frame(1301, 1).text("F32").int32(vFLOAT32).int32(1).array<float>(vFLOAT32, {0.5f}).end();
+  b.frame(1301, 1).text("F64").int32(vFLOAT64).int32(1).array<double>(vFLOAT64, {-0.25}).end();
+  b.frame(1301, 1).text("B8").int32(vBOOL8).int32(3).boolArray({true, false, true}).end();
+  b.frame(1301, 1).text("STR").int32(vSTRING).int32(2).text("ab").text("").end();
+  b.frame(1301, 1).text("NONE").int32(vINT32).int32(0).end();
+  EXPECT_EQ(b.body(), bodyOf(p));
+
+  // And back.
+  std::unique_ptr<Packer> r = receive(p);
+  char const* names[] = {"I16", "U16", "I32", "U32", "F32", "F64", "B8", "STR", "NONE"};
+  std::vector<Property> read;
+  for (char const* n : names) {
+    Property q;
+    q.unpack(*r);
+    EXPECT_STREQ(n, q.getName().c_str());
+    read.push_back(q);
+  }
+  EXPECT_EQ(65535, read[1].getUInt16(2));
+  EXPECT_EQ(4000000000u, read[3].getUInt32());
+  EXPECT_TRUE(read[6].getBool8(3));
+  EXPECT_FALSE(read[6].getBool8(2));
+  EXPECT_STREQ("ab", read[7].getString(1).c_str());
+  EXPECT_STREQ("", read[7].getString(2).c_str());
+  EXPECT_EQ(0u, read[8].getNElements());
+  EXPECT_TRUE(read[5].compare(Property(vUCString("f64"), -0.25)));
+}
+
+TEST(Property, PackRefusals) {
+  int8_t const raw[1] = {1};
+  Property small(vUCString("small"), vINT8, 1, raw);
+  Packer p(0);
+  expectFailure([&] { small.pack(p); }, "Property::pack()", "Unsupported data type.");
+  Property none;
+  expectFailure([&] { none.pack(p); }, "Property::pack()", "Unsupported data type.");
+
+  Bytes magic;
+  magic.frame(1300, 1).text("X").end();
+  Property q(vUCString("keep"), 1);
+  expectFailure([&] { q.unpack(*magic.reader()); }, "Property::unpack()", "Bad magic value, not a Property.");
+  Bytes version;
+  version.frame(1301, 2).text("X").end();
+  expectFailure([&] { q.unpack(*version.reader()); }, "Property::unpack()", "Bad Property Version, not supported.");
+  Bytes type;
+  type.frame(1301, 1).text("X").int32(vINT64).int32(1).array<int64_t>(vINT64, {1}).end();
+  expectFailure([&] { q.unpack(*type.reader()); }, "Property::unpack()", "Unsupported data type.");
+  Bytes i8;
+  i8.frame(1301, 1).text("X").int32(vINT8).int32(1).array<int8_t>(vINT8, {1}).end();
+  expectFailure([&] { q.unpack(*i8.reader()); }, "Property::unpack()", "Unsupported data type.");
+  Bytes count;
+  count.frame(1301, 1).text("X").int32(vINT32).int32(1000000).array<int32_t>(vINT32, {1}).end();
+  expectFailure([&] { q.unpack(*count.reader()); }, "Property::unpack()", "Bad element count 1000000 for Property X.");
+  Bytes blank;
+  blank.frame(1301, 1).text("").int32(vINT32).int32(0).end();
+  expectFailure([&] { q.unpack(*blank.reader()); }, "Property::redefine(generic)", "Can't redefine with a blank name.");
+  // Every failed read left the property alone.
+  EXPECT_STREQ("KEEP", q.getName().c_str());
+  EXPECT_EQ(1, q.getInt32());
+}
