@@ -2,19 +2,28 @@
 #define PROJECT_PROJECTLIST_H
 
 // ProjectList: the projects of a catalog, in the order the catalog gives
-// them until sort() is called.
+// them until sort() is called. Packed as a frame holding the number of
+// entries and then each entry's name.
 
 #include <vector>
 
+#include "foundation/Packable.h"
 #include "project/ProjectListEntry.h"
 
-class ProjectList {
+class ProjectList : public Packable {
  public:
+  static short const Magic = 1020;
+  static short const Version = 1;
+
   typedef std::vector<ProjectListEntry>::iterator iterator;
   typedef std::vector<ProjectListEntry>::const_iterator const_iterator;
 
   ProjectList() {}
-  virtual ~ProjectList() {}
+  ~ProjectList() override {}
+
+  void pack(Packer& packer) const override;
+  // Replaces the entries; a foreign frame is fatal.
+  void unpack(Packer& packer) override;
 
   void add(ProjectListEntry const& entry) { m_entries.push_back(entry); }
   iterator erase(iterator position) { return m_entries.erase(position); }

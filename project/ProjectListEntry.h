@@ -1,15 +1,20 @@
 #ifndef PROJECT_PROJECTLISTENTRY_H
 #define PROJECT_PROJECTLISTENTRY_H
 
-// ProjectListEntry: one project that a catalog offers.
+// ProjectListEntry: one project that a catalog offers. Packed as its name
+// alone, inside the frame of its ProjectList.
 
+#include "foundation/Packable.h"
 #include "foundation/vLCString.h"
 
-class ProjectListEntry {
+class ProjectListEntry : public Packable {
  public:
   ProjectListEntry() {}
   explicit ProjectListEntry(vLCString const& name) : m_name(name) {}
-  virtual ~ProjectListEntry() {}
+  ~ProjectListEntry() override {}
+
+  void pack(Packer& packer) const override;
+  void unpack(Packer& packer) override;
 
   vLCString const& getName() const { return m_name; }
   void setName(vLCString const& name) { m_name = name; }
