@@ -126,6 +126,7 @@ Packer::Packer(int capacity)
       m_nEntries(0),
       m_lastType(vNOTYPE),
       m_end(0),
+      m_wireCapacity(0),
       m_wireValid(false) {
   setCapacity(capacity);
 }
@@ -170,6 +171,7 @@ Packer::Packer(Packer const& other)
       m_nEntries(0),
       m_lastType(vNOTYPE),
       m_end(0),
+      m_wireCapacity(0),
       m_wireValid(false) {
   *this = other;
 }
@@ -198,6 +200,7 @@ Packer& Packer::operator=(Packer const& other) {
   m_swap = false;
   m_wireHeads.clear();
   m_wire.reset();
+  m_wireCapacity = 0;
   m_wireValid = false;
   return *this;
 }
@@ -295,7 +298,6 @@ void Packer::myStartMessage() {
   m_nEntries = 0;
   m_addresses.clear();
   m_wireHeads.clear();
-  m_wire.reset();
   m_wireValid = false;
 }
 
@@ -817,7 +819,6 @@ void Packer::myPrepareToSend(char const* label, int tag) {
   storeI32(m_buffer + 8, m_size - HEADER_SIZE);
   storeI32(m_buffer + 12, tag);
   m_wireHeads.clear();
-  m_wire.reset();
   m_wireValid = false;
   m_state = next;
 }
@@ -857,9 +858,17 @@ void Packer::myBuildWire(char const* label) {
   PackState const state = m_state;
   getSegments(segments, 0);
   m_state = state;
-  unsigned char* wire = new (std::nothrow) unsigned char[static_cast<std::size_t>(m_size)];
-  if (wire == nullptr) Message::fatal(label, 0, "Cannot allocate buffer of size %d.", m_size);
-  m_wire.reset(wire);
+  // The memory is kept from message to message: fresh pages would cost
+  // more than the copy itself.
+  if (m_wireCapacity < m_size) {
+    m_wire.reset();
+    m_wireCapacity = 0;
+    unsigned char* fresh = new (std::nothrow) unsigned char[static_cast<std::size_t>(m_size)];
+    if (fresh == nullptr) Message::fatal(label, 0, "Cannot allocate buffer of size %d.", m_size);
+    m_wire.reset(fresh);
+    m_wireCapacity = m_size;
+  }
+  unsigned char* wire = m_wire.get();
   for (Segment const& s : segments) {
     std::memcpy(wire, s.data, s.size);
     wire += s.size;

@@ -357,6 +357,7 @@ class Packer {
   // for getSegments, the whole message for getBuffer.
   std::vector<unsigned char> m_wireHeads;
   std::unique_ptr<unsigned char[]> m_wire;
+  int32_t m_wireCapacity;
   bool m_wireValid;
 };
 
