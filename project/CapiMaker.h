@@ -11,8 +11,10 @@
 #include "foundation/vString.h"
 #include "project/ProjectType.h"
 
+class AttributeSet;
 class Project;
 class ProjectCatalog;
+class vLCString;
 
 class CapiMaker {
  public:
@@ -24,6 +26,16 @@ class CapiMaker {
   static vHandle<ProjectCatalog> projectCatalog(vString const& host);
   // A ZonProject on that catalog.
   static vHandle<Project> project(vHandle<ProjectCatalog> const& catalog);
+
+  // The attribute set of a store of the in-process back end, of the class
+  // and subclass given, made by the maker that the back end registers; the
+  // maker gets the project itself, out of any deferred-open wrapper. Without
+  // a maker this is fatal. (Defined in CapiAttributeSetW.cpp.)
+  typedef vHandle<AttributeSet> (*AttributeSetMaker)(vHandle<Project> const& project, vLCString const& storeClass,
+                                                     vLCString const& subClass);
+  static AttributeSetMaker registerAttributeSetMaker(AttributeSetMaker maker);
+  static vHandle<AttributeSet> attributeSet(vHandle<Project> const& project, vLCString const& storeClass,
+                                            vLCString const& subClass);
 };
 
 #endif

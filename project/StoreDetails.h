@@ -5,16 +5,29 @@
 // The two description strings are whatever the project that fills them
 // means by them; they are passed through unchanged. The date is invalid
 // when the store's date is not known.
+//
+// Packed form: frame 6654, version 7: name, version (int32), class,
+// subclass, instance count (int64, high word 0), the two descriptions, the
+// date's seconds (int32), owner, size (int64), attribute set count and
+// project type (int32), and a bool that is true when the date is invalid.
+// unpack reads every older version: the instance count of old writers is a
+// 32-bit entry; fields that a version lacks take fixed values (date invalid
+// before 2, owner "D" before 3, size and set count -1 before 5, project type
+// NoType before 6).
 
 #include <iosfwd>
 
+#include "foundation/Packable.h"
 #include "foundation/vDate.h"
 #include "foundation/vLCString.h"
 #include "foundation/vString.h"
 #include "project/ProjectType.h"
 
-class StoreDetails {
+class StoreDetails : public Packable {
  public:
+  static const short Magic = 6654;
+  static const short Version = 7;
+
   StoreDetails();
   StoreDetails(vLCString const& name, int version, vLCString const& storeClass, vLCString const& subClass,
                unsigned int nInstances, vString const& description1, vString const& description2,
@@ -23,7 +36,12 @@ class StoreDetails {
   // The rest takes its defaults. The server is not kept: a record belongs to
   // the project that made it.
   StoreDetails(ProjectType::PROJECT_TYPE projectType, vString const& server, vLCString const& name, int version);
-  virtual ~StoreDetails();
+  StoreDetails(StoreDetails const& other) = default;
+  StoreDetails& operator=(StoreDetails const& other) = default;
+  ~StoreDetails() override;
+
+  void pack(Packer& packer) const override;
+  void unpack(Packer& packer) override;
 
   vLCString const& getName() const { return m_name; }
   int getVersion() const { return m_version; }

@@ -1,0 +1,144 @@
+#ifndef TESTING_STORECONFORMANCE_H
+#define TESTING_STORECONFORMANCE_H
+
+// The shared conformance suite of the store contract. Every back end and
+// every view instantiates it once, with a factory that hands out a store
+// holding the reference content below, and the suite checks reads by range,
+// by list, by selector (group) attribute and by key list, group questions,
+// matching by class, the failures of bad ranges and lists with their exact
+// texts, refused writes on a read-only store and, when the factory can open
+// the store for update, writes.
+//
+// The reference content (StoreConformance::populate writes it through the
+// contract into a freshly created store): 12 instances and
+//
+//   CDP     vINT32   length 1, class "CDP"     1 1 1 2 2 2 3 3 3 4 4 4
+//   OFFSET  vINT32   length 1, class "OFFSET"  100 200 300, repeated
+//   ELEV    vFLOAT64 length 1, class blank     1000 + 0.5 * instance
+//   TRACE   vFLOAT32 length 5, rate 4, class "TRACE"
+//                                              10 * instance + sample (1-5)
+//
+// with the key list CDP, OFFSET. A store that cannot hold all of these
+// names the ones it holds in StoreConformanceCase::attributes; CDP is
+// always needed (group and key reads use it), and OFFSET for key reads.
+//
+// How a back end or a view instantiates the suite: in its test program,
+//
+//   #include "testing/StoreConformance.h"
+//
+//   StoreConformanceCase myCase() {
+//     StoreConformanceCase c("MyBackEnd");
+//     c.openForReading = [] { ... return a handle of a store opened for
+//                             reading that holds the reference content ... };
+//     c.openForUpdate = [] { ... the same opened for update ... };  // optional
+//     c.makeUnopened = [] { ... a store not yet opened ... };       // optional
+//     return c;
+//   }
+//   INSTANTIATE_TEST_SUITE_P(MyBackEnd, StoreConformance, ::testing::Values(myCase()),
+//                            StoreConformance::caseName);
+//
+// and in its CMakeLists.txt: rondo_subsystem(<name> ... TEST_LIBS
+// rondo_testing_conformance). Each factory call must give a store of its
+// own (writes change it). Where a back end's failure texts differ from the
+// defaults in StoreConformanceTexts, the case sets its own; the suite
+// compares the reason of each failure exactly, not its method.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "attribute/Attribute.h"
+#include "attribute/KeyList.h"
+#include "foundation/vHandle.h"
+#include "project/AttributeSet.h"
+
+// The failure texts the suite expects, as printf formats; the arguments
+// are given in the order noted.
+struct StoreConformanceTexts {
+  // (first)
+  std::string firstIsZero = "first instance must be >0, yours was %lld";
+  // (first, last)
+  std::string firstAfterLast = "first instance %lld must be <= last instance %lld.";
+  // (last, number of instances)
+  std::string lastPastEnd = "last instance %lld must be <= number of instances %lld.";
+  // (attribute)
+  std::string listHasZero = "Attribute '%s': the vInstanceList has a zero in it, coont read from instance 0.";
+  // (number of instances + 1, attribute, largest instance of the list)
+  std::string listPastEnd = "Instance numbers must be <%lld, list for '%s' contained %lld.";
+  // (attribute, set name)
+  std::string unknownAttribute = "Attribute %s is not in the AttributeSet %s.";
+  // (set name, tuples wanted, tuples found)
+  std::string keysMissing =
+      "Key list has duplicate or missing values in AttributeSet %s. Wanted %lld value(s) but found %lld.";
+  // (store name) a write to a store opened for reading
+  std::string notWritable = "The store '%s' has not been opened for modification!";
+  // (attribute) a read from a store that was never opened
+  std::string notOpen = "The store has not been opened yet ... %s";
+  // (attribute, instances given, last - first + 1)
+  std::string writeCount = "The Attribute '%s' to be written has %lld instances, but last-first+1 is %lld.";
+};
+
+struct StoreConformanceCase {
+  explicit StoreConformanceCase(std::string caseName = "Store") : name(std::move(caseName)) {}
+
+  // Letters, digits and '_': it names the instantiation's tests.
+  std::string name;
+  // A store holding the reference content, opened for reading.
+  std::function<vHandle<AttributeSet>()> openForReading;
+  // The same, opened for update; without it the write tests are skipped.
+  std::function<vHandle<AttributeSet>()> openForUpdate;
+  // A store made but never opened; without it that test is skipped.
+  std::function<vHandle<AttributeSet>()> makeUnopened;
+  // The reference attributes the store holds.
+  std::vector<std::string> attributes = {"CDP", "OFFSET", "ELEV", "TRACE"};
+  // Whether the store keeps the key list CDP, OFFSET.
+  bool hasKeyList = true;
+  // Whether the store keeps attribute classes.
+  bool hasClasses = true;
+  StoreConformanceTexts texts;
+};
+
+void PrintTo(StoreConformanceCase const& c, std::ostream* out);
+
+class StoreConformance : public ::testing::TestWithParam<StoreConformanceCase> {
+ public:
+  static constexpr unsigned int kNInstances = 12;
+
+  // The reference value of an attribute at an instance and a 1-based
+  // position (1 for scalars).
+  static double referenceValue(std::string const& attribute, unsigned int instance, int position = 1);
+  // The definition of a reference attribute, and the same with all its
+  // reference values.
+  static Attribute referenceDefinition(std::string const& attribute);
+  static Attribute referenceAttribute(std::string const& attribute);
+  // CDP, OFFSET (definitions).
+  static KeyList referenceKeys();
+  // Writes the reference content, all of it or the attributes named, into a
+  // store just created (open for writing, empty).
+  static void populate(AttributeSet& created,
+                       std::vector<std::string> const& attributes = {"CDP", "OFFSET", "ELEV", "TRACE"});
+
+  // The name of an instantiation's tests.
+  static std::string caseName(::testing::TestParamInfo<StoreConformanceCase> const& info);
+
+  // Referenced by this header, so that a program that includes it links the
+  // suite's tests out of the static library.
+  static int linkAnchor();
+
+ protected:
+  void SetUp() override;
+
+  bool holds(std::string const& attribute) const;
+  // The expected text of a failure, from a format of the case's texts.
+  static std::string text(char const* format, ...);
+
+  vHandle<AttributeSet> m_store;
+};
+
+namespace {
+[[maybe_unused]] int const storeConformanceLinked = StoreConformance::linkAnchor();
+}
+
+#endif
