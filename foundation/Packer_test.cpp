@@ -572,6 +572,23 @@ TEST_F(PackerTest, AddressOfRoundTripAndCopies) {
   EXPECT_EQ(three, 3);
 }
 
+TEST_F(PackerTest, EachMessageIsAssembledAfresh) {
+  // A large message with an address-of entry, then a smaller one: the
+  // second must not carry anything of the first.
+  std::vector<int> big(1000, 7);
+  std::vector<int> small = {1, 2};
+  Packer p(0);
+  p.packAddressOf(big.data(), static_cast<unsigned>(big.size()));
+  EXPECT_EQ(finish(p, 1).size(), 16u + 5u + 4000u);
+  p.pack(9);
+  p.packAddressOf(small.data(), 2);
+  EXPECT_EQ(finish(p, 2), message({0x05, 0x09, 0, 0, 0, 0x85, 0x02, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0}, 2));
+  // Without address-of entries the buffer goes out as it stands.
+  p.pack(3);
+  EXPECT_EQ(finish(p, 3), message({0x05, 0x03, 0, 0, 0}, 3));
+  EXPECT_EQ(p.getNAddressOf(), 0);
+}
+
 TEST_F(PackerTest, ThroughAPipeWithGatheredWrites) {
   // The sender writes the pieces with writev, the receiver reads the header,
   // then the body into the Packer's own buffer.
