@@ -58,7 +58,10 @@ if [ "${RONDO_SANITIZE:-0}" = 1 ]; then
   if [ -z "$runtime" ]; then
     runtime=$("${CXX:-c++}" -print-file-name=libclang_rt.asan-x86_64.so)
   fi
-  export LD_PRELOAD="$runtime"
+  # The C++ run-time too: the sanitizer finds the real exception throw only
+  # in libraries that are there when it starts, and java itself has none.
+  cxxrt=$(ldd "$library" | awk '/libstdc\+\+/ {print $3}')
+  export LD_PRELOAD="$runtime${cxxrt:+:$cxxrt}"
   export ASAN_OPTIONS=handle_segv=0:allow_user_segv_handler=1:detect_leaks=0:use_sigaltstack=0
 fi
 
