@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "foundation/DataType.h"
@@ -140,6 +141,100 @@ void swapBytes64(void* data, std::size_t n);
 void swapBytes16(void const* source, void* target, std::size_t n);
 void swapBytes32(void const* source, void* target, std::size_t n);
 void swapBytes64(void const* source, void* target, std::size_t n);
+
+
+// --- Numeric conversion, checksums, limits (vUtlConvert.cpp) --------------
+// Nearest integer, halves away from zero: 2.5 gives 3, -2.5 gives -3.
+// Values beyond the result's range saturate at its limits and NaN gives 0,
+// so no input is undefined. Inline and without branches or floating-point
+// comparisons (the range is told from the bit pattern, and the limit is
+// merged by masks), so that loops over them vectorise.
+inline int nint(double x) {
+  uint64_t bits;
+  std::memcpy(&bits, &x, sizeof bits);
+  uint64_t const magnitude = bits & 0x7FFFFFFFFFFFFFFFULL;
+  // From |x| = 2^31 - 0.5 on (infinities and NaN too) the result is a limit,
+  // and 0 stands in for x in the arithmetic.
+  bool const outside = magnitude >= 0x41DFFFFFFFE00000ULL;
+  uint64_t const insideBits = bits & (static_cast<uint64_t>(outside) - 1u);
+  double inside;
+  std::memcpy(&inside, &insideBits, sizeof inside);
+  int i = static_cast<int>(inside);
+  // The remainder is exact and lies in (-1, 1): twice it truncates to the
+  // step of rounding, -1, 0 or 1.
+  i += static_cast<int>(2.0 * (inside - static_cast<double>(i)));
+  // INT_MAX, one more (INT_MIN) for a negative x, 0 for NaN.
+  uint32_t const limit = (0x7FFFFFFFu + static_cast<uint32_t>(bits >> 63)) &
+                         (0u - static_cast<uint32_t>(magnitude <= 0x7FF0000000000000ULL));
+  uint32_t const pick = 0u - static_cast<uint32_t>(outside);
+  return static_cast<int>((static_cast<uint32_t>(i) & ~pick) | (limit & pick));
+}
+// The 64-bit form.
+inline long long nint64(double x) {
+  uint64_t bits;
+  std::memcpy(&bits, &x, sizeof bits);
+  uint64_t const magnitude = bits & 0x7FFFFFFFFFFFFFFFULL;
+  // From 2^62 on every double is an integer, so only |x| >= 2^63 is out.
+  bool const outside = magnitude >= 0x43E0000000000000ULL;
+  uint64_t const insideBits = bits & (static_cast<uint64_t>(outside) - 1u);
+  double inside;
+  std::memcpy(&inside, &insideBits, sizeof inside);
+  long long i = static_cast<long long>(inside);
+  i += static_cast<long long>(2.0 * (inside - static_cast<double>(i)));
+  uint64_t const limit = (0x7FFFFFFFFFFFFFFFULL + (bits >> 63)) &
+                         (0u - static_cast<uint64_t>(magnitude <= 0x7FF0000000000000ULL));
+  uint64_t const pick = 0u - static_cast<uint64_t>(outside);
+  return static_cast<long long>((static_cast<uint64_t>(i) & ~pick) | (limit & pick));
+}
+
+// Flags of copyConvert.
+enum ConvertFlags {
+  // Integer results outside the target's range saturate at its limits, and
+  // vFLOAT64 to vFLOAT32 saturates at the largest float instead of going to
+  // infinity. Without it integers narrow by keeping their low bits.
+  ConvertClip = 1,
+  // Floating point to integer truncates toward zero instead of rounding to
+  // the nearest integer (halves away from zero, as nint).
+  ConvertTruncate = 2,
+  // The source elements are in the other byte order: each is swapped as it
+  // is read, in the same pass.
+  ConvertSwapSource = 4
+};
+// Converts n values of sourceType at source into targetType at target.
+// Types: vINT8, vUINT8, vINT16, vUINT16, vINT32, vUINT32, vINT64, vUINT64,
+// vFLOAT32, vFLOAT64, and vCHAR8, vUCHAR8, vBOOL8 as 8-bit integers; any
+// other is fatal from "vUtl::copyConvert()": "Cannot convert %s data to %s."
+// Floating point goes to integers by rounding (or ConvertTruncate); NaN
+// gives 0, and out-of-range values saturate when the target has 64 bits or
+// ConvertClip is set, else go through the saturated 64-bit integer and keep
+// its low bits as any integer does. Integers go to floating point by plain
+// conversion. Buffers need no alignment. source and target may be the very
+// same address when both types have the same size; other overlaps are not
+// allowed.
+void copyConvert(void const* source, int sourceType, void* target, int targetType, std::size_t n, int flags = 0);
+
+// IBM System/360 single precision (the SEG-Y sample format 1) to IEEE 754
+// single precision and back, n values. With swap the IBM words are in the
+// other byte order than the machine's (true for the big-endian words of a
+// file read on x86). source and target may be the same address.
+//
+// IBM to IEEE is exact but for results below the smallest normal float,
+// which round to nearest (ties to even) and may become 0; magnitudes above
+// the largest float become infinity. IEEE to IBM rounds the fraction to
+// nearest (ties to even) where the hexadecimal exponent drops up to three
+// bits; infinity becomes the largest IBM magnitude of its sign and NaN 0.
+void ibmToIeee(void const* source, void* target, std::size_t n, bool swap);
+void ieeeToIbm(void const* source, void* target, std::size_t n, bool swap);
+
+// CRC-32 (the polynomial of zlib and Ethernet, reflected 0xEDB88320) of n
+// bytes. Chained: calculateCRC(b, nb, calculateCRC(a, na, 0)) is the CRC of
+// a followed by b. Start from 0.
+uint32_t calculateCRC(void const* data, std::size_t n, uint32_t crc = 0);
+
+// The smallest and largest value of a list; false (and both left alone)
+// for an empty list.
+bool getLimits(std::vector<unsigned int> const& list, unsigned int& smallest, unsigned int& largest);
+bool getLimits(std::vector<int> const& list, int& smallest, int& largest);
 
 }  // namespace vUtl
 

@@ -1,0 +1,482 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "foundation/UtlExcept.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+std::string fatalText(std::function<void()> const& f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
+  }
+  return "(nothing raised)";
+}
+
+uint32_t bitsOf(float f) {
+  uint32_t b;
+  std::memcpy(&b, &f, 4);
+  return b;
+}
+
+float floatOf(uint32_t b) {
+  float f;
+  std::memcpy(&f, &b, 4);
+  return f;
+}
+
+template <class T>
+std::vector<unsigned char> bytesOf(std::vector<T> const& v) {
+  std::vector<unsigned char> b(v.size() * sizeof(T));
+  if (!v.empty()) std::memcpy(b.data(), v.data(), b.size());
+  return b;
+}
+
+template <class T>
+std::vector<unsigned char> swappedBytesOf(std::vector<T> const& v) {
+  std::vector<unsigned char> b = bytesOf(v);
+  for (std::size_t i = 0; i < v.size(); ++i)
+    for (std::size_t k = 0; k < sizeof(T) / 2; ++k) std::swap(b[i * sizeof(T) + k], b[i * sizeof(T) + sizeof(T) - 1 - k]);
+  return b;
+}
+
+template <class D, class S>
+std::vector<D> convert(std::vector<S> const& in, int sType, int dType, int flags = 0) {
+  std::vector<D> out(in.size());
+  vUtl::copyConvert(in.data(), sType, out.data(), dType, in.size(), flags);
+  return out;
+}
+
+// nint as the C library states it: round (halves away from zero), then the
+// saturation and NaN rule.
+long long referenceRound(double x, long long lo, long long hi) {
+  if (std::isnan(x)) return 0;
+  double const r = std::round(x);
+  if (r <= static_cast<double>(lo)) return lo;
+  if (r >= static_cast<double>(hi)) return hi;
+  return static_cast<long long>(r);
+}
+
+uint64_t lcg(uint64_t& state) {
+  state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+  return state;
+}
+
+// ---------------------------------------------------------------------------
+
+TEST(vUtlNint, RoundsHalvesAwayFromZero) {
+  EXPECT_EQ(3, vUtl::nint(2.5));
+  EXPECT_EQ(-3, vUtl::nint(-2.5));
+  EXPECT_EQ(2, vUtl::nint(2.4999999));
+  EXPECT_EQ(-2, vUtl::nint(-1.5000001));
+  EXPECT_EQ(0, vUtl::nint(0.49999999999999994));  // naive x + 0.5 gives 1
+  EXPECT_EQ(0, vUtl::nint(-0.49999999999999994));
+  EXPECT_EQ(1, vUtl::nint(0.5));
+  EXPECT_EQ(0, vUtl::nint(-0.0));
+  EXPECT_EQ(4503599627370496LL, vUtl::nint64(4503599627370495.5));  // 2^52 - 0.5
+  EXPECT_EQ(3LL, vUtl::nint64(2.5));
+  EXPECT_EQ(-3LL, vUtl::nint64(-2.5));
+}
+
+TEST(vUtlNint, SaturatesAndMapsNaNToZero) {
+  double const inf = std::numeric_limits<double>::infinity();
+  double const nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(INT32_MAX, vUtl::nint(1e10));
+  EXPECT_EQ(INT32_MIN, vUtl::nint(-1e10));
+  EXPECT_EQ(INT32_MAX, vUtl::nint(inf));
+  EXPECT_EQ(INT32_MIN, vUtl::nint(-inf));
+  EXPECT_EQ(0, vUtl::nint(nan));
+  EXPECT_EQ(INT32_MAX, vUtl::nint(2147483646.5));  // rounds up to the limit itself
+  EXPECT_EQ(INT32_MAX, vUtl::nint(2147483647.49));
+  EXPECT_EQ(INT32_MAX, vUtl::nint(2147483647.5));
+  EXPECT_EQ(INT32_MIN, vUtl::nint(-2147483647.5));
+  EXPECT_EQ(INT32_MIN, vUtl::nint(-2147483648.49));
+  EXPECT_EQ(-2147483647, vUtl::nint(-2147483647.4));
+  EXPECT_EQ(INT64_MAX, vUtl::nint64(9.3e18));
+  EXPECT_EQ(INT64_MIN, vUtl::nint64(-9.3e18));
+  EXPECT_EQ(INT64_MIN, vUtl::nint64(-9223372036854775808.0));
+  EXPECT_EQ(9223372036854774784LL, vUtl::nint64(9223372036854774784.0));
+  EXPECT_EQ(0LL, vUtl::nint64(nan));
+  EXPECT_EQ(INT64_MAX, vUtl::nint64(inf));
+}
+
+TEST(vUtlNint, AgreesWithTheLibraryRoundingOverManyValues) {
+  uint64_t state = 99;
+  for (int i = 0; i < 200000; ++i) {
+    uint64_t const r = lcg(state);
+    // Magnitudes up to about 2^40, with halves and near-halves well mixed.
+    double const x = static_cast<double>(static_cast<int64_t>(r) >> 22) / static_cast<double>(1 << (r & 7));
+    ASSERT_EQ(referenceRound(x, INT32_MIN, INT32_MAX), vUtl::nint(x)) << x;
+    ASSERT_EQ(referenceRound(x, INT64_MIN, INT64_MAX), vUtl::nint64(x)) << x;
+  }
+}
+
+// ---------------------------------------------------------------------------
+
+TEST(vUtlCopyConvert, IntegersNarrowByLowBitsOrSaturateWhenClipped) {
+  std::vector<int64_t> const wide = {0x123456789LL, -1, 5, INT64_MIN, 0x7FFFFFFFLL + 1};
+  EXPECT_EQ((std::vector<int32_t>{0x23456789, -1, 5, 0, INT32_MIN}), convert<int32_t>(wide, vINT64, vINT32));
+  EXPECT_EQ((std::vector<int32_t>{INT32_MAX, -1, 5, INT32_MIN, INT32_MAX}),
+            convert<int32_t>(wide, vINT64, vINT32, vUtl::ConvertClip));
+
+  std::vector<int16_t> const small = {-5, 300, 255, 0, -32768};
+  EXPECT_EQ((std::vector<uint8_t>{251, 44, 255, 0, 0}), convert<uint8_t>(small, vINT16, vUINT8));
+  EXPECT_EQ((std::vector<uint8_t>{0, 255, 255, 0, 0}), convert<uint8_t>(small, vINT16, vUINT8, vUtl::ConvertClip));
+  // vCHAR8 is a signed byte and vBOOL8 an unsigned one.
+  EXPECT_EQ((std::vector<int8_t>{-5, 127, 127, 0, -128}), convert<int8_t>(small, vINT16, vCHAR8, vUtl::ConvertClip));
+  EXPECT_EQ((std::vector<uint8_t>{0, 255, 255, 0, 0}), convert<uint8_t>(small, vINT16, vBOOL8, vUtl::ConvertClip));
+
+  std::vector<uint64_t> const huge = {UINT64_MAX, 7};
+  EXPECT_EQ((std::vector<int64_t>{INT64_MAX, 7}), convert<int64_t>(huge, vUINT64, vINT64, vUtl::ConvertClip));
+  EXPECT_EQ((std::vector<int64_t>{-1, 7}), convert<int64_t>(huge, vUINT64, vINT64));
+  std::vector<int32_t> const negative = {-1, 70000};
+  EXPECT_EQ((std::vector<uint16_t>{0, 65535}), convert<uint16_t>(negative, vINT32, vUINT16, vUtl::ConvertClip));
+  EXPECT_EQ((std::vector<uint64_t>{0, 70000}), convert<uint64_t>(negative, vINT32, vUINT64, vUtl::ConvertClip));
+  EXPECT_EQ((std::vector<uint64_t>{UINT64_MAX, 70000}), convert<uint64_t>(negative, vINT32, vUINT64));
+}
+
+TEST(vUtlCopyConvert, FloatsGoToIntegersByRoundingOrTruncation) {
+  std::vector<float> const f = {2.5f, -2.5f, 2.9f, -2.9f, 0.49999997f, 1e20f, -1e20f,
+                                std::numeric_limits<float>::quiet_NaN()};
+  EXPECT_EQ((std::vector<int32_t>{3, -3, 3, -3, 0, INT32_MAX, INT32_MIN, 0}),
+            convert<int32_t>(f, vFLOAT32, vINT32, vUtl::ConvertClip));
+  EXPECT_EQ((std::vector<int32_t>{2, -2, 2, -2, 0, INT32_MAX, INT32_MIN, 0}),
+            convert<int32_t>(f, vFLOAT32, vINT32, vUtl::ConvertClip | vUtl::ConvertTruncate));
+  // Without clipping a narrower target keeps the low bits of the saturated
+  // 64-bit value, as integers do.
+  EXPECT_EQ((std::vector<int32_t>{3, -3, 3, -3, 0, -1, 0, 0}), convert<int32_t>(f, vFLOAT32, vINT32));
+  EXPECT_EQ((std::vector<int64_t>{3, -3, 3, -3, 0, INT64_MAX, INT64_MIN, 0}), convert<int64_t>(f, vFLOAT32, vINT64));
+  EXPECT_EQ((std::vector<int16_t>{3, -3, 3, -3, 0, 32767, -32768, 0}),
+            convert<int16_t>(f, vFLOAT32, vINT16, vUtl::ConvertClip));
+
+  std::vector<double> const d = {-0.4, -0.6, 1.8e19, 2e19, 4294967295.4, 4294967295.5, -1.0};
+  EXPECT_EQ((std::vector<uint64_t>{0, 0, 18000000000000000000ULL, UINT64_MAX, 4294967295ULL, 4294967296ULL, 0}),
+            convert<uint64_t>(d, vFLOAT64, vUINT64));
+  EXPECT_EQ((std::vector<uint32_t>{0, 0, UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX, 0}),
+            convert<uint32_t>(d, vFLOAT64, vUINT32, vUtl::ConvertClip));
+  // 2^31 - 128 is the largest float below 2^31: it converts, 2^31 saturates.
+  std::vector<float> const edge = {2147483520.0f, 2147483648.0f, -2147483648.0f, -2147483904.0f};
+  EXPECT_EQ((std::vector<int32_t>{2147483520, INT32_MAX, INT32_MIN, INT32_MIN}),
+            convert<int32_t>(edge, vFLOAT32, vINT32, vUtl::ConvertClip));
+  EXPECT_EQ((std::vector<int32_t>{2147483520, INT32_MAX, INT32_MIN, INT32_MIN}),
+            convert<int32_t>(edge, vFLOAT32, vINT32, vUtl::ConvertClip | vUtl::ConvertTruncate));
+}
+
+TEST(vUtlCopyConvert, BetweenFloatsAndFromIntegers) {
+  double const inf = std::numeric_limits<double>::infinity();
+  std::vector<double> const d = {1e300, -1e300, 1.5, inf, 3.4028235e38, std::numeric_limits<double>::quiet_NaN()};
+  std::vector<float> plain = convert<float>(d, vFLOAT64, vFLOAT32);
+  EXPECT_EQ(std::numeric_limits<float>::infinity(), plain[0]);
+  EXPECT_EQ(-std::numeric_limits<float>::infinity(), plain[1]);
+  EXPECT_EQ(1.5f, plain[2]);
+  EXPECT_EQ(std::numeric_limits<float>::max(), plain[4]);
+  EXPECT_TRUE(std::isnan(plain[5]));
+  std::vector<float> clipped = convert<float>(d, vFLOAT64, vFLOAT32, vUtl::ConvertClip);
+  EXPECT_EQ(std::numeric_limits<float>::max(), clipped[0]);
+  EXPECT_EQ(-std::numeric_limits<float>::max(), clipped[1]);
+  EXPECT_EQ(std::numeric_limits<float>::max(), clipped[3]);
+  EXPECT_TRUE(std::isnan(clipped[5]));
+
+  std::vector<int32_t> const i = {16777217, -7, 0};
+  EXPECT_EQ((std::vector<float>{16777216.0f, -7.0f, 0.0f}), convert<float>(i, vINT32, vFLOAT32));
+  EXPECT_EQ((std::vector<double>{16777217.0, -7.0, 0.0}), convert<double>(i, vINT32, vFLOAT64));
+  std::vector<int16_t> const s = {-32768, 12};
+  EXPECT_EQ((std::vector<float>{-32768.0f, 12.0f}), convert<float>(s, vINT16, vFLOAT32));
+  EXPECT_EQ((std::vector<int32_t>{-32768, 12}), convert<int32_t>(s, vINT16, vINT32));
+}
+
+// The fused kernels and the generic loops must agree with the value-by-value
+// rule at every length around the vector widths and on unaligned buffers.
+TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
+  uint64_t state = 7;
+  for (std::size_t n : {0u, 1u, 3u, 7u, 8u, 9u, 15u, 16u, 17u, 31u, 33u, 64u, 100u}) {
+    for (std::size_t offset : {0u, 1u, 3u}) {
+      SCOPED_TRACE(std::to_string(n) + " at " + std::to_string(offset));
+      std::vector<int32_t> ints(n);
+      std::vector<float> floats(n);
+      std::vector<int16_t> shorts(n);
+      for (std::size_t k = 0; k < n; ++k) {
+        uint64_t const r = lcg(state);
+        ints[k] = static_cast<int32_t>(r >> 32);
+        shorts[k] = static_cast<int16_t>(r >> 16);
+        floats[k] = static_cast<float>(static_cast<int32_t>(r >> 40)) / 4.0f;
+      }
+      std::vector<unsigned char> in(offset + n * 8 + 8);
+      std::vector<unsigned char> out(offset + n * 8 + 8);
+
+      // int32 -> float32, plain and swapped
+      for (bool swap : {false, true}) {
+        std::vector<unsigned char> const src = swap ? swappedBytesOf(ints) : bytesOf(ints);
+        std::copy(src.begin(), src.end(), in.begin() + offset);
+        vUtl::copyConvert(in.data() + offset, vINT32, out.data() + offset, vFLOAT32, n,
+                          swap ? vUtl::ConvertSwapSource : 0);
+        for (std::size_t k = 0; k < n; ++k) {
+          float got;
+          std::memcpy(&got, out.data() + offset + 4 * k, 4);
+          ASSERT_EQ(static_cast<float>(ints[k]), got) << k;
+        }
+      }
+      // int16 -> float32 swapped
+      {
+        std::vector<unsigned char> const src = swappedBytesOf(shorts);
+        std::copy(src.begin(), src.end(), in.begin() + offset);
+        vUtl::copyConvert(in.data() + offset, vINT16, out.data() + offset, vFLOAT32, n, vUtl::ConvertSwapSource);
+        for (std::size_t k = 0; k < n; ++k) {
+          float got;
+          std::memcpy(&got, out.data() + offset + 4 * k, 4);
+          ASSERT_EQ(static_cast<float>(shorts[k]), got) << k;
+        }
+      }
+      // float32 -> int32 rounding, swapped, and in place
+      for (bool swap : {false, true}) {
+        std::vector<unsigned char> const src = swap ? swappedBytesOf(floats) : bytesOf(floats);
+        std::copy(src.begin(), src.end(), in.begin() + offset);
+        vUtl::copyConvert(in.data() + offset, vFLOAT32, in.data() + offset, vINT32, n,
+                          vUtl::ConvertClip | (swap ? vUtl::ConvertSwapSource : 0));
+        for (std::size_t k = 0; k < n; ++k) {
+          int32_t got;
+          std::memcpy(&got, in.data() + offset + 4 * k, 4);
+          ASSERT_EQ(vUtl::nint(floats[k]), got) << k;
+        }
+      }
+      // float32 -> float64 -> float32 through the fused kernels
+      {
+        std::vector<double> wide = convert<double>(floats, vFLOAT32, vFLOAT64);
+        EXPECT_EQ(floats, convert<float>(wide, vFLOAT64, vFLOAT32));
+      }
+    }
+  }
+}
+
+TEST(vUtlCopyConvert, SwappedSourcesOfEveryKindAcrossTheBlockSize) {
+  // 5000 values cross the internal block of the pairs without a fused
+  // kernel more than once.
+  std::size_t const n = 5000;
+  std::vector<int64_t> v(n);
+  for (std::size_t k = 0; k < n; ++k) v[k] = static_cast<int64_t>(k) * 1000003 - 2500000000LL;
+  std::vector<unsigned char> const swapped = swappedBytesOf(v);
+  std::vector<int16_t> out(n);
+  vUtl::copyConvert(swapped.data(), vINT64, out.data(), vINT16, n, vUtl::ConvertSwapSource | vUtl::ConvertClip);
+  for (std::size_t k = 0; k < n; ++k) {
+    int64_t const want = v[k] < -32768 ? -32768 : (v[k] > 32767 ? 32767 : v[k]);
+    ASSERT_EQ(want, out[k]) << k;
+  }
+  // Same type: the swap alone; a 1-byte type ignores the swap.
+  std::vector<int64_t> back(n);
+  vUtl::copyConvert(swapped.data(), vINT64, back.data(), vINT64, n, vUtl::ConvertSwapSource);
+  EXPECT_EQ(v, back);
+  std::vector<uint8_t> bytes = {1, 2, 3};
+  std::vector<uint8_t> copy(3);
+  vUtl::copyConvert(bytes.data(), vUINT8, copy.data(), vUINT8, 3, vUtl::ConvertSwapSource);
+  EXPECT_EQ(bytes, copy);
+  // In place with a swap, on a pair without a fused kernel.
+  std::vector<unsigned char> block = swappedBytesOf(std::vector<double>{1.5, -2.5, 1e19});
+  vUtl::copyConvert(block.data(), vFLOAT64, block.data(), vINT64, 3, vUtl::ConvertSwapSource);
+  std::vector<int64_t> inPlace(3);
+  std::memcpy(inPlace.data(), block.data(), 24);
+  EXPECT_EQ((std::vector<int64_t>{2, -3, INT64_MAX}), inPlace);
+}
+
+TEST(vUtlCopyConvert, RefusesWhatItCannotDo) {
+  std::vector<unsigned char> buffer(64);
+  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vSTRING data to vFLOAT32.",
+            fatalText([&] { vUtl::copyConvert(buffer.data(), vSTRING, buffer.data() + 32, vFLOAT32, 1); }));
+  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vINT32 data to vIBMFLOAT32.",
+            fatalText([&] { vUtl::copyConvert(buffer.data(), vINT32, buffer.data() + 32, vIBMFLOAT32, 1); }));
+  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vINT16 data to vINT32 in place.",
+            fatalText([&] { vUtl::copyConvert(buffer.data(), vINT16, buffer.data(), vINT32, 4); }));
+  // Nothing to do is no error for supported types, and touches nothing.
+  vUtl::copyConvert(nullptr, vINT16, nullptr, vFLOAT32, 0);
+}
+
+// ---------------------------------------------------------------------------
+
+struct IbmCase {
+  uint32_t ibm;
+  uint32_t ieee;
+};
+
+TEST(vUtlIbmFloat, HandComputedValuesBothWays) {
+  // Exactly representable in both: each converts to the other unchanged.
+  IbmCase const exact[] = {
+      {0x00000000u, 0x00000000u},  // zero
+      {0x80000000u, 0x80000000u},  // negative zero
+      {0x41100000u, 0x3F800000u},  // 1.0 = 0.1(hex) * 16^1
+      {0xC1100000u, 0xBF800000u},  // -1.0
+      {0x42640000u, 0x42C80000u},  // 100.0 = 0.64(hex) * 16^2
+      {0xC276A000u, 0xC2ED4000u},  // -118.625
+      {0x40800000u, 0x3F000000u},  // 0.5
+      {0x60FFFFFFu, 0x7F7FFFFFu},  // the largest float, (2^24 - 1) * 2^104
+      {0x1B800000u, 0x00000001u},  // the smallest denormal, 2^-149 = 0.8(hex) * 16^-37
+      {0x1C100000u, 0x00000002u},  // 2^-148 = 0.1(hex) * 16^-36
+      {0x21400000u, 0x00800000u},  // the smallest normal float, 2^-126 = 0.4(hex) * 16^-31
+  };
+  for (IbmCase const& c : exact) {
+    SCOPED_TRACE(std::to_string(c.ibm));
+    uint32_t out = 0;
+    vUtl::ibmToIeee(&c.ibm, &out, 1, false);
+    EXPECT_EQ(c.ieee, out);
+    vUtl::ieeeToIbm(&c.ieee, &out, 1, false);
+    EXPECT_EQ(c.ibm, out);
+  }
+}
+
+TEST(vUtlIbmFloat, RangeAndPrecisionLimits) {
+  auto toIeee = [](uint32_t w) {
+    uint32_t out;
+    vUtl::ibmToIeee(&w, &out, 1, false);
+    return out;
+  };
+  auto toIbm = [](uint32_t f) {
+    uint32_t out;
+    vUtl::ieeeToIbm(&f, &out, 1, false);
+    return out;
+  };
+  // The IBM range is far wider: its extremes leave the float range.
+  EXPECT_EQ(0x7F800000u, toIeee(0x7FFFFFFFu));  // about 7.2e75
+  EXPECT_EQ(0xFF800000u, toIeee(0xFFFFFFFFu));
+  EXPECT_EQ(0x7F800000u, toIeee(0x61100000u));  // 16^32 = 2^128
+  EXPECT_EQ(0x00000000u, toIeee(0x00100000u));  // 16^-65, about 5.4e-79
+  EXPECT_EQ(0x80000000u, toIeee(0x80100000u));
+  // Below the normal floats the result rounds: 7 * 2^-150 is 3.5 of the
+  // smallest step, a tie that goes to the even 4.
+  EXPECT_EQ(0x00000004u, toIeee(0x1C1C0000u));
+  // An unnormalised IBM fraction carries the same value.
+  EXPECT_EQ(0x3F800000u, toIeee(0x42010000u));  // 0.01(hex) * 16^2 = 1
+
+  // Float to IBM loses up to three bits where the hexadecimal exponent
+  // falls: 1 + 2^-23 keeps 21 bits after the leading 1 and rounds down to 1.
+  EXPECT_EQ(0x41100000u, toIbm(0x3F800001u));
+  // The IBM step there is 2^-20, eight float steps: 1 + 5 * 2^-23 lies
+  // above the half and rounds up to 1 + 2^-20.
+  EXPECT_EQ(0x41100001u, toIbm(0x3F800005u));
+  // Exactly half: ties to even, so 1 + 4 * 2^-23 (0x100000 + 0.5) goes down,
+  // 1 + 12 * 2^-23 (0x100001 + 0.5) goes up.
+  EXPECT_EQ(0x41100000u, toIbm(0x3F800004u));
+  EXPECT_EQ(0x41100002u, toIbm(0x3F80000Cu));
+  // Just below 2 all float bits are set and rounding carries up to 2.
+  EXPECT_EQ(0x41200000u, toIbm(bitsOf(std::nextafter(2.0f, 0.0f))));
+  // Just below 16 the IBM fraction has all 24 bits and nothing is lost.
+  EXPECT_EQ(0x41FFFFFFu, toIbm(bitsOf(std::nextafter(16.0f, 0.0f))));
+  // Infinities become the largest IBM magnitude; NaN becomes zero.
+  EXPECT_EQ(0x7FFFFFFFu, toIbm(0x7F800000u));
+  EXPECT_EQ(0xFFFFFFFFu, toIbm(0xFF800000u));
+  EXPECT_EQ(0x00000000u, toIbm(0x7FC00000u));
+}
+
+TEST(vUtlIbmFloat, RoundTripsEveryFloatExactly) {
+  // Every float survives IEEE -> IBM -> IEEE when its last bits fit the IBM
+  // fraction, and otherwise comes back within the lost bits; the IBM side
+  // always has at least 21 bits, so the relative error is at most 2^-21.
+  uint64_t state = 3;
+  std::vector<uint32_t> floats;
+  for (int i = 0; i < 100000; ++i) {
+    uint32_t b = static_cast<uint32_t>(lcg(state) >> 32);
+    if ((b & 0x7F800000u) == 0x7F800000u) continue;
+    floats.push_back(b);
+  }
+  std::vector<uint32_t> ibm(floats.size());
+  std::vector<uint32_t> back(floats.size());
+  vUtl::ieeeToIbm(floats.data(), ibm.data(), floats.size(), false);
+  vUtl::ibmToIeee(ibm.data(), back.data(), floats.size(), false);
+  for (std::size_t k = 0; k < floats.size(); ++k) {
+    double const want = floatOf(floats[k]);
+    double const got = floatOf(back[k]);
+    if ((floats[k] & 7u) == 0 && (floats[k] & 0x7F800000u) != 0) {
+      ASSERT_EQ(floats[k], back[k]) << k;  // 21 bits always fit
+    }
+    ASSERT_LE(std::fabs(got - want), std::fabs(want) * std::ldexp(1.0, -21) + 1e-45) << k;
+  }
+}
+
+TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {
+  // The big-endian bytes of a SEG-Y trace: 100.0 and -118.625.
+  unsigned char file[8] = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
+  bool const little = [] {
+    uint16_t one = 1;
+    unsigned char c;
+    std::memcpy(&c, &one, 1);
+    return c == 1;
+  }();
+  float out[2];
+  vUtl::ibmToIeee(file, out, 2, little);
+  EXPECT_EQ(100.0f, out[0]);
+  EXPECT_EQ(-118.625f, out[1]);
+  // In place, then back to the file's bytes in place.
+  vUtl::ibmToIeee(file, file, 2, little);
+  float inPlace[2];
+  std::memcpy(inPlace, file, 8);
+  EXPECT_EQ(100.0f, inPlace[0]);
+  EXPECT_EQ(-118.625f, inPlace[1]);
+  vUtl::ieeeToIbm(file, file, 2, little);
+  unsigned char const expected[8] = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
+  EXPECT_EQ(0, std::memcmp(expected, file, 8));
+  // Vector lengths with unaligned buffers agree with one at a time.
+  std::vector<unsigned char> words(4 * 37 + 1);
+  uint64_t state = 11;
+  for (auto& c : words) c = static_cast<unsigned char>(lcg(state) >> 56);
+  std::vector<unsigned char> all(4 * 37 + 1);
+  vUtl::ibmToIeee(words.data() + 1, all.data() + 1, 37, true);
+  for (int k = 0; k < 37; ++k) {
+    uint32_t one;
+    vUtl::ibmToIeee(words.data() + 1 + 4 * k, &one, 1, true);
+    ASSERT_EQ(0, std::memcmp(&one, all.data() + 1 + 4 * k, 4)) << k;
+  }
+}
+
+// ---------------------------------------------------------------------------
+
+TEST(vUtlCRC, KnownValueChainingAndChangeDetection) {
+  char const text[] = "123456789";
+  EXPECT_EQ(0xCBF43926u, vUtl::calculateCRC(text, 9));
+  EXPECT_EQ(0u, vUtl::calculateCRC(text, 0));
+  // Chained in pieces of every split gives the value of the whole.
+  std::vector<unsigned char> data(1000);
+  uint64_t state = 5;
+  for (auto& c : data) c = static_cast<unsigned char>(lcg(state) >> 56);
+  uint32_t const whole = vUtl::calculateCRC(data.data(), data.size());
+  for (std::size_t split : {0u, 1u, 7u, 8u, 9u, 500u, 999u, 1000u}) {
+    uint32_t const first = vUtl::calculateCRC(data.data(), split);
+    EXPECT_EQ(whole, vUtl::calculateCRC(data.data() + split, data.size() - split, first)) << split;
+  }
+  // Unaligned starts give the same value as an aligned copy.
+  std::vector<unsigned char> shifted(data.size() + 3);
+  std::copy(data.begin(), data.end(), shifted.begin() + 3);
+  EXPECT_EQ(whole, vUtl::calculateCRC(shifted.data() + 3, data.size()));
+  // Every single-bit change is seen.
+  for (std::size_t bit = 0; bit < 64; ++bit) {
+    std::vector<unsigned char> changed(data);
+    changed[bit * 13 % data.size()] ^= static_cast<unsigned char>(1u << (bit % 8));
+    EXPECT_NE(whole, vUtl::calculateCRC(changed.data(), changed.size())) << bit;
+  }
+}
+
+TEST(vUtlLimits, SmallestAndLargest) {
+  unsigned int lo = 42;
+  unsigned int hi = 43;
+  EXPECT_FALSE(vUtl::getLimits(std::vector<unsigned int>(), lo, hi));
+  EXPECT_EQ(42u, lo);
+  EXPECT_EQ(43u, hi);
+  EXPECT_TRUE(vUtl::getLimits(std::vector<unsigned int>{7, 3, 9, 3}, lo, hi));
+  EXPECT_EQ(3u, lo);
+  EXPECT_EQ(9u, hi);
+  int slo = 0;
+  int shi = 0;
+  EXPECT_TRUE(vUtl::getLimits(std::vector<int>{-4, 12, 0}, slo, shi));
+  EXPECT_EQ(-4, slo);
+  EXPECT_EQ(12, shi);
+  EXPECT_TRUE(vUtl::getLimits(std::vector<int>{5}, slo, shi));
+  EXPECT_EQ(5, slo);
+  EXPECT_EQ(5, shi);
+}
+
+}  // namespace
