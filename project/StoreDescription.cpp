@@ -4,6 +4,8 @@
 #include <map>
 #include <ostream>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "foundation/Message.h"
 
@@ -36,7 +38,9 @@ void registerInMemoryStore(vHandle<Store> const& store) {
   }
   int64_t address = addressOf(store.pointer());
   stores.erase(address);
-  stores.emplace(address, vHandle<Store>(store, true));
+  // Made in place: a copy of a slave handle would be a master, and would
+  // keep the store alive.
+  stores.emplace(std::piecewise_construct, std::forward_as_tuple(address), std::forward_as_tuple(store, true));
 }
 
 // --- text helpers -------------------------------------------------------------

@@ -1,0 +1,373 @@
+// Store names: every form parsed and printed back, the validation report
+// with its markers, ordering and equality, flat-file limits and in-memory
+// stores.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "foundation/vDatabases.h"
+#include "foundation/vUtl.h"
+#include "project/ProjectFactory.h"
+#include "project/StoreDescription.h"
+#include "project/StoreTesting.h"
+#include "testing/TestMemoryStore.h"
+
+using store_testing::expectFailure;
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+// No default project, "houston" a known database and the default Dorn
+// server, while it lives.
+class NameSetting {
+ public:
+  NameSetting() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {
+    vDatabases dbs;
+    dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
+    vDatabases::setCache(dbs);
+    char const* server = std::getenv("DORNSERVER");
+    m_hadServer = server != nullptr;
+    if (m_hadServer) m_server = server;
+    setenv("DORNSERVER", "houston", 1);
+  }
+  ~NameSetting() {
+    if (m_hadServer)
+      setenv("DORNSERVER", m_server.c_str(), 1);
+    else
+      unsetenv("DORNSERVER");
+    vDatabases::clearCache();
+    ProjectFactory::setDefaultProject(m_saved);
+  }
+
+ private:
+  vHandle<Project> m_saved;
+  bool m_hadServer;
+  std::string m_server;
+};
+
+// "H" in an expected text stands for this host.
+std::string withHost(std::string text) {
+  std::string host = str(vUtl::gethostname());
+  for (std::size_t pos = text.find("@H"); pos != std::string::npos; pos = text.find("@H", pos + host.size()))
+    text.replace(pos, 2, host);
+  return text;
+}
+
+}  // namespace
+
+// --- parsing and printing ---------------------------------------------------------------
+
+TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
+  NameSetting setting;
+  struct Case {
+    char const* name;
+    char const* text;
+  } const cases[] = {
+      // A bare name is a Dorn store.
+      {"foo", "Dorn:houston:@H::foo.0##"},
+      {"dorn:foo", "Dorn:houston:@H::foo.0##"},
+      {"DORN:houston:hostA:proj:Line1.3/Headers#Seismic#", "Dorn:houston:hostA:proj:line1.3/headers#seismic#"},
+      {"d::hostA:proj:line1", "Dorn:houston:hostA:proj:line1.0##"},
+      {"rondo:srv:hostA:proj:store.2", "Rondo:srv:hostA:proj:store.2##"},
+      {"r:store", "Rondo::@H::store.0##"},
+      {"kelp:ksrv:hostK:a#b/c:store.1#horizon#", "Kelp:ksrv:hostK:a#b/c:store.1#horizon#"},
+      // A Kelp catalog without a server is served from its data host.
+      {"k:store", "Kelp:@H:@H::store.0##"},
+      {"zonmesh::hostZ:proj:store", "Zonmesh::hostZ:proj:store.0##"},
+      {"z::hostZ:proj:type,1,ident,domain", "Zonmesh::hostZ:proj:type,1,ident,domain.0##"},
+      {"proj:store.4", "NoType::@H:proj:store.4##"},
+      {"unittest:srv:h:p:store", "UnitTest:srv:h:p:store.0##"},
+      {"notype:srv:h:p:s", "NoType:srv:h:p:s.0##"},
+      // A '.' followed by no integer belongs to the name.
+      {"r::h:p:name.v2", "Rondo::h:p:name.v2.0##"},
+      {"file:/data/line1.sgy", "FlatFile:/data/line1.sgy:"},
+      {"F:/data/line1.sgy#segy#", "FlatFile:/data/line1.sgy:#segy#"},
+      {"flatfile:/data/line1.sgy#segy:/fmt/line1.syf#", "FlatFile:/data/line1.sgy:#segy:/fmt/line1.syf#"},
+      {"file:hostF:/data/a.txt", "FlatFile:hostF:/data/a.txt:"},
+      // A single trailing '#' is dropped, and a trailing ':' too.
+      {"file:/data/a.sgy#", "FlatFile:/data/a.sgy:"},
+      {"file:/data/a.sgy:", "FlatFile:/data/a.sgy:"},
+      {"file:nyx=/d/a.cst,/d/b.cst", "FlatFile:nyx=/d/a.cst,/d/b.cst:"},
+      {"inmemory:foo.1234", "InMemory:foo.1234"},
+      {"i:foo.bar.99", "InMemory:foo.bar.99"},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.name);
+    StoreDescription d{vString(c.name)};
+    std::string printed = str(d.toString());
+    EXPECT_EQ(withHost(c.text), printed);
+    // The printed form is canonical: it parses to the same description.
+    StoreDescription again{vString(printed.c_str())};
+    EXPECT_TRUE(again == d) << printed;
+    EXPECT_EQ(printed, str(again.toString()));
+    std::ostringstream out;
+    out << d;
+    EXPECT_EQ(printed, out.str());
+  }
+}
+
+TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
+  NameSetting setting;
+  StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
+  EXPECT_EQ(ProjectType::RONDO, d.getProjectType());
+  EXPECT_TRUE(d.isCapi());
+  EXPECT_FALSE(d.isFlatFile());
+  EXPECT_FALSE(d.isInMemory());
+  EXPECT_EQ("srv", str(d.getServerHost()));
+  EXPECT_EQ("hostA", str(d.getDataHost()));
+  EXPECT_EQ("proj", str(d.getProjectName()));
+  EXPECT_EQ("line1", str(d.getStoreName()));
+  EXPECT_EQ(3, d.getVersion());
+  EXPECT_EQ("headers", str(d.getAttributeSetName()));
+  EXPECT_EQ("seismic", str(d.getStoreClass()));
+  EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
+  FullStoreName full = d.getFullStoreName();
+  EXPECT_EQ("line1", str(full.getStoreName()));
+  EXPECT_EQ(3, full.getVersion());
+  EXPECT_EQ("headers", str(full.getAttributeSetName()));
+  EXPECT_EQ("proj", str(full.getProject()));
+  // A store class without its closing mark is no class.
+  StoreDescription open(vString("r:srv:h:p:name#seismic"));
+  EXPECT_EQ("name", str(open.getStoreName()));
+  EXPECT_TRUE(open.getStoreClass().isEmpty());
+}
+
+TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
+  NameSetting setting;
+  StoreDescription d(vString("file:/data/survey/line1.sgy#segy:/fmt/line1.syf#"));
+  EXPECT_TRUE(d.isFlatFile());
+  EXPECT_EQ(ProjectType::FLATFILE, d.getProjectType());
+  EXPECT_EQ("line1.sgy", str(d.getStoreName()));
+  EXPECT_EQ("/data/survey", str(d.getProjectName()));
+  EXPECT_EQ("segy", str(d.getFileFormat()));
+  EXPECT_EQ("/fmt/line1.syf", str(d.getFormatSpec()));
+  EXPECT_EQ(0, d.getVersion());
+  EXPECT_EQ("/data/survey/line1.sgy", str(d.getTitle()));
+
+  StoreDescription f{vFilename("/data/x/wells.txt")};
+  EXPECT_TRUE(f.isFlatFile());
+  EXPECT_EQ("wells.txt", str(f.getStoreName()));
+  EXPECT_EQ("FlatFile:/data/x/wells.txt:", str(f.toString()));
+  f.setFileFormat("ascii");
+  f.setFormatSpec("");
+  EXPECT_EQ("FlatFile:/data/x/wells.txt:#ascii#", str(f.toString()));
+
+  // setFlatFile forgets class and version.
+  StoreDescription r(vString("r:srv:h:p:store.5#seismic#"));
+  r.setFlatFile(vFilename("/a/b.sgy"));
+  EXPECT_EQ("b.sgy", str(r.getStoreName()));
+  EXPECT_EQ(0, r.getVersion());
+  EXPECT_TRUE(r.getStoreClass().isEmpty());
+}
+
+TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
+  NameSetting setting;
+  std::string path128 = "/" + std::string(123, 'a') + ".sgy";
+  ASSERT_EQ(128u, path128.size());
+  vString message("stale");
+  EXPECT_TRUE(StoreDescription(vFilename(path128.c_str())).isValid(message));
+  EXPECT_TRUE(message.isEmpty());
+  std::string path129 = "/" + std::string(124, 'a') + ".sgy";
+  EXPECT_FALSE(StoreDescription(vFilename(path129.c_str())).isValid(message));
+  EXPECT_EQ("The full file name is too long: " + path129, str(message));
+  // Only flat files are limited.
+  std::string longStore = "r:srv:h:p:" + std::string(200, 'a');
+  EXPECT_TRUE(StoreDescription(vString(longStore.c_str())).isValid(message));
+}
+
+TEST(StoreDescription, OtherConstructorsAndSetters) {
+  NameSetting setting;
+  FullStoreName full(ProjectType::RONDO, "srv", "hostA", "proj", "line", 7, "set");
+  StoreDescription fromFull(full);
+  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set##", str(fromFull.toString()));
+  StoreDescription parts(ProjectType::RONDO, "srv", "hostA", "proj", "line", "seismic", 7, "set");
+  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
+  StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
+  EXPECT_TRUE(fromProject == parts);
+  parts.setStoreName("Other");
+  parts.setVersion(2);
+  parts.setStoreClass("shapes");
+  parts.setAttributeSetName("");
+  EXPECT_EQ("Rondo:srv:hostA:proj:other.2#shapes#", str(parts.toString()));
+
+  StoreDescription empty;
+  EXPECT_TRUE(empty.isEmpty());
+  EXPECT_FALSE(parts.isEmpty());
+  empty.setStoreName("x");
+  EXPECT_FALSE(empty.isEmpty());
+}
+
+// --- equality and order -------------------------------------------------------------------
+
+TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
+  NameSetting setting;
+  StoreDescription a(vString("file:/d/a.sgy#segy#"));
+  StoreDescription b(vString("file:/d/a.sgy#segd#"));
+  EXPECT_FALSE(a == b);
+  EXPECT_TRUE(a != b);
+  EXPECT_FALSE(a < b);
+  EXPECT_FALSE(b < a);
+
+  char const* ordered[] = {
+      "dorn:houston:h:p:zzz",  // "Dorn" before "Rondo"
+      "r:srv:h:p:abc.9",       "r:srv:h:p:abc.1#b#", "r:srv:h:p:abc.2#b#",
+      "r:srv:h:p:abc.2/s#b#",  "r:srv:h:p:abd",
+  };
+  for (std::size_t i = 0; i + 1 < sizeof ordered / sizeof *ordered; ++i) {
+    StoreDescription lo{vString(ordered[i])};
+    StoreDescription hi{vString(ordered[i + 1])};
+    EXPECT_TRUE(lo < hi) << ordered[i] << " < " << ordered[i + 1];
+    EXPECT_FALSE(hi < lo) << ordered[i + 1] << " < " << ordered[i];
+    EXPECT_TRUE(lo != hi);
+  }
+  // The project part comes first: another data host orders before the store.
+  EXPECT_TRUE(StoreDescription(vString("r:srv:a:p:zzz")) < StoreDescription(vString("r:srv:b:p:aaa")));
+}
+
+// --- validation -----------------------------------------------------------------------------
+
+TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
+  std::string const d40(40, 'd');
+  std::string const r17(17, 'r');
+  struct Case {
+    std::string name;
+    bool ok;
+    std::string message;
+  } const cases[] = {
+      {"", false, " <- ERROR empty name"},
+      {"foo", true, ""},
+      {"fo$o", false, "fo <- ERROR store contains invalid character ...o"},
+      {"$foo", false, " <- ERROR store contains invalid character ...$foo"},
+      // An empty word is Dorn, but reports the missing store.
+      {":", false, ":::: <- ERROR expected store ..."},
+      {"dorn:", false, "dorn: <- ERROR no store name or server"},
+      {"dorn::::foo", true, ""},
+      {"DORN:s:h:p:store", true, ""},
+      {"dorn:srv:store", false, "dorn:srv: <- ERROR expected host  ...store"},
+      {"dorn:srv:host:store", false, "dorn:srv:host: <- ERROR expected project:store  ...store"},
+      {"dorn:s$v:h:p:store", false, "dorn:s$v <- ERROR server contains invalid characters ...:h:p:store"},
+      {"rondo:s$v:h:p:store", true, ""},
+      {"dorn:s:h$:p:store", false, "dorn:s:h$ <- ERROR host contains invalid character ...:p:store"},
+      {"dorn:s:h:p$:store", false, "dorn:s:h:p$ <- ERROR invalid project name  ...store"},
+      {"dorn:s:h:a/b:store", false, "dorn:s:h:a/b <- ERROR invalid project name  ...store"},
+      {"kelp:s:h:a#b/c:store", true, ""},
+      {"kelp:s:h:a#b#c#d:store", false, "kelp:s:h:a#b#c#d <- ERROR invalid project name  ...store"},
+      {"dorn:s:h:p:", false, "dorn:s:h:p: <- ERROR expected store ..."},
+      {"dorn:s:h:p::store", false, "dorn:s:h:p:: <- ERROR too many : ... store"},
+      // The second '.' fails, and is shown on neither side.
+      {"dorn:s:h:p:name.1.2", false, "dorn:s:h:p:name.1 <- ERROR store contains invalid character ...2"},
+      {"dorn:s:h:p:_name", false, "dorn:s:h:p: <- ERROR store contains invalid character ..._name"},
+      {"dorn:" + d40, true, ""},
+      {"dorn:" + d40 + "d", false,
+       "dorn::::" + d40 + "d <- ERROR a Dorn store name can't be longer than 40 characters ..."},
+      {"dorn:s:h:p:" + d40 + ".12", true, ""},
+      {"rondo:s:h:p:" + r17, true, ""},
+      {"rondo:s:h:p:" + r17 + "r.1", false,
+       "rondo:s:h:p:" + r17 + "r.1 <- ERROR a Rondo store name can't be longer than 17 characters ..."},
+      // The short form of Rondo and Kelp has no length limit.
+      {"rondo:" + r17 + r17, true, ""},
+      {"kelp:s:h:p:" + d40 + d40, true, ""},
+      {"rondo:fo$o", false, "rondo:fo <- ERROR store contains invalid character ...o"},
+      {"k:fo$o", false, "k:fo <- ERROR store contains invalid character ...o"},
+      {"dorn:s:h:p:name#seismic", false, "dorn:s:h:p:name#seismic <- ERROR store class should terminate with #"},
+      {"dorn:s:h:p:name.2/set#seismic#", true, ""},
+      {"zonmesh:abc", false, "zonmesh:abcZonmesh has no server so \"abc\" is invalid"},
+      {"zonmesh::h:p:s", true, ""},
+      {"zon::h:p:s$", true, ""},
+      {"zonmesh:", false, "zonmesh:: <- ERROR expected host (which may be null) ..."},
+      {"zonmesh::h", false, "zonmesh:: <- ERROR expected host (which may be null) ...h"},
+      {"z::h:p", false, "z:h: <- ERROR expected project  ...p"},
+      {"zonmesh::h:p:", false, "zonmesh:h:p: <- ERROR expected store name  ..."},
+      {"inmemory:foo.0", true, ""},
+      {"inmemory:foo", true, ""},
+      {"inmemory:foo.12ab", false, "inmemory:foo.12ab <- ERROR invalid address ..."},
+      {"inmemory:.123", false, "inmemory: <- ERROR invalid store name ...123"},
+      {"i:f$o.1", false, "i:f$o <- ERROR invalid store name ...1"},
+      {"file:", false, "file: <- ERROR no file name"},
+      {"file:#segy#", false, "file: <- ERROR no filename before format ...#segy#"},
+      {"file:/data/a.sgy#segy:/f/a.syf#", true, ""},
+      {"f:hostA:/data/a.sgy", true, ""},
+      {"file:/data/a b.sgy", false, "file::/data/a b.sgy <- ERROR filename contains illegal characters .../data/a b.sgy"},
+      {"file:ho$t:/a", false, "file:ho$t <- ERROR unrecognised hostname ...ho$t:/a"},
+      // The faults of a file name add up.
+      {"flatfile:ho$t:/a b", false,
+       "flatfile:ho$t <- ERROR unrecognised hostname ...ho$t:/a bflatfile:ho$t:/a b <- ERROR filename contains "
+       "illegal characters ...ho$t:/a b"},
+      {"file:nyx=/d/a.cst,/d/b.cst", true, ""},
+      {"file:nyx=/d/a cst", false, "/d/a cst <- ERROR filename contains illegal characters ...nyx=/d/a cst"},
+      {"foo:bar:baz", false, "foo: <- ERROR unrecognised type  ...bar:baz"},
+      {"proj:store", true, ""},
+      {"Proj:store.2", true, ""},
+      {"pr$j:store", false, "pr$j <- ERROR project contains invalid character ...:store"},
+      {"proj:", false, "proj: <- ERROR expected project:store"},
+      {"proj:st$re", false, "proj:st <- ERROR store contains invalid character ...re"},
+      {"notype:any$thing goes", true, ""},
+      {"UnitTest:x", true, ""},
+      {"sharedmemory::::", true, ""},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.name);
+    vString message("stale");
+    EXPECT_EQ(c.ok, StoreDescription::validateStoreName(c.name.c_str(), message));
+    EXPECT_EQ(c.message, str(message));
+  }
+}
+
+// --- in-memory stores ------------------------------------------------------------------------
+
+TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
+  vString message;
+  EXPECT_TRUE(StoreDescription::validateStoreName("inmemory:foo.0", message));
+  expectFailure([] { StoreDescription d(vString("inmemory:foo.0")); }, "StoreDescription::StoreDescription",
+                "An InMemoryStore must have an address!");
+  expectFailure([] { StoreDescription d(vString("i:foo")); }, "StoreDescription::StoreDescription",
+                "An InMemoryStore must have an address!");
+  StoreDescription d(vString("inmemory:foo.1234"));
+  EXPECT_TRUE(d.isInMemory());
+  EXPECT_FALSE(d.isCapi());
+  EXPECT_EQ(1234, d.getAddress());
+  EXPECT_EQ("foo", str(d.getStoreName()));
+  EXPECT_TRUE(d.getServerHost().isEmpty());
+  EXPECT_TRUE(d.getDataHost().isEmpty());
+  EXPECT_EQ("InMemory::foo.0", str(d.getTitle()));
+  // No live store answers to that address: it is refused, never followed.
+  expectFailure([&] { d.getStore(); }, "StoreDescription::getStore",
+                "There is no InMemoryStore at address 1234 in this process.");
+}
+
+TEST(StoreDescription, ALiveStoreIsFoundAgainByItsPrintedName) {
+  std::string printed;
+  {
+    TestMemoryStore* raw = new TestMemoryStore(vHandle<Project>());
+    vHandle<Store> store(raw);
+    store->create("scratch", "seismic", "3d", KeyList(), nullptr);
+    StoreDescription held(store);
+    EXPECT_TRUE(held.isInMemory());
+    EXPECT_EQ("scratch", str(held.getStoreName()));
+    EXPECT_EQ(static_cast<long long>(reinterpret_cast<uintptr_t>(raw)), held.getAddress());
+    printed = str(held.toString());
+    EXPECT_EQ("InMemory:scratch." + std::to_string(held.getAddress()), printed);
+    EXPECT_TRUE(held.getStore() == store);
+
+    StoreDescription parsed(vString(printed.c_str()));
+    EXPECT_TRUE(parsed == held);
+    vLCString name;
+    vHandle<Store> found = parsed.getAddressAndName(name);
+    EXPECT_TRUE(found == store);
+    EXPECT_EQ("scratch", str(name));
+    EXPECT_EQ(3, store.getMasterCount()) << "store, held, found";
+
+    vHandle<TestMemoryStore> derived(new TestMemoryStore(vHandle<Project>()));
+    StoreDescription named(derived, "Other");
+    EXPECT_EQ("other", str(named.getStoreName()));
+    EXPECT_TRUE(named.getStore() == vHandle_cast<Store>(derived));
+  }
+  // The store is gone: its address names nothing any more.
+  StoreDescription stale(vString(printed.c_str()));
+  MessageHandling quiet;
+  EXPECT_THROW(stale.getStore(), UtlExcept);
+}

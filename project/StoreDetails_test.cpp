@@ -1,0 +1,214 @@
+// The catalogue records of stores and attribute sets: their packed forms
+// byte for byte, and the frames of every older writer, whose fields were
+// fewer or narrower.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "project/AttributeSetDetails.h"
+#include "project/StoreDetails.h"
+#include "project/StoreTesting.h"
+
+using store_testing::Bytes;
+using store_testing::bodyOf;
+using store_testing::expectFailure;
+using store_testing::receive;
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+StoreDetails sample() {
+  return StoreDetails("line12", 3, "seismic", "2d", 4000000000u, "first", "second", vDate(1000000000L), "me",
+                      (1LL << 33) + 5, 2, ProjectType::ZONMESH);
+}
+
+// The fields that every version holds, as version 1 wrote them.
+Bytes& firstFields(Bytes& b, bool wideCount) {
+  b.text("line12").int32(3).text("seismic").text("2d");
+  if (wideCount)
+    b.int64(480);
+  else
+    b.uint32(480);
+  return b.text("first").text("second");
+}
+
+}  // namespace
+
+TEST(StoreDetails, PacksAllFieldsInAVersionSevenFrame) {
+  Packer p;
+  sample().pack(p);
+  Bytes expected;
+  expected.frame(6654, 7).text("line12").int32(3).text("seismic").text("2d").int64(4000000000LL);
+  expected.text("first").text("second").int32(1000000000).text("me").int64((1LL << 33) + 5).int32(2).int32(8);
+  expected.boolean(false).end();
+  EXPECT_EQ(expected.body(), bodyOf(p));
+
+  StoreDetails back;
+  back.unpack(*receive(p));
+  EXPECT_EQ(sample(), back);
+  EXPECT_EQ(ProjectType::ZONMESH, back.getProjectType());
+  EXPECT_EQ(4000000000u, back.getNInstances());
+  EXPECT_TRUE(back.getDate().isValid());
+  EXPECT_EQ(1000000000L, back.getDate().getSeconds());
+}
+
+TEST(StoreDetails, AnUnknownDateTravelsAsInvalid) {
+  StoreDetails d(ProjectType::RONDO, "srv", "wells", 4);
+  EXPECT_FALSE(d.getDate().isValid());
+  Packer p;
+  d.pack(p);
+  StoreDetails back = sample();
+  back.unpack(*receive(p));
+  EXPECT_FALSE(back.getDate().isValid());
+  EXPECT_EQ(d, back);
+  EXPECT_EQ(ProjectType::RONDO, back.getProjectType());
+}
+
+TEST(StoreDetails, ReadsTheFramesOfOlderWriters) {
+  // Version 1: a 32-bit count and nothing after the descriptions.
+  {
+    Bytes b;
+    b.frame(6654, 1);
+    firstFields(b, false).end();
+    StoreDetails d = sample();
+    d.unpack(*b.reader());
+    EXPECT_EQ("line12", str(d.getName()));
+    EXPECT_EQ(3, d.getVersion());
+    EXPECT_EQ(480u, d.getNInstances());
+    EXPECT_EQ("second", str(d.getDescription2()));
+    EXPECT_FALSE(d.getDate().isValid());
+    EXPECT_EQ("D", str(d.getOwner()));
+    EXPECT_EQ(-1, d.getSize());
+    EXPECT_EQ(-1, d.getNAttributeSets());
+    EXPECT_EQ(ProjectType::NOTYPE, d.getProjectType());
+  }
+  // Version 2: the date follows; the count was a signed 32-bit entry.
+  {
+    Bytes b;
+    b.frame(6654, 2).text("line12").int32(3).text("seismic").text("2d").int32(480).text("first").text("second");
+    b.int32(1000000000).end();
+    StoreDetails d;
+    d.unpack(*b.reader());
+    EXPECT_EQ(480u, d.getNInstances());
+    EXPECT_TRUE(d.getDate().isValid());
+    EXPECT_EQ(1000000000L, d.getDate().getSeconds());
+    EXPECT_EQ("D", str(d.getOwner()));
+  }
+  // Version 3 adds the owner; 4 is the same.
+  for (short version : {3, 4}) {
+    Bytes b;
+    b.frame(6654, version);
+    firstFields(b, false).int32(1000000000).text("owner").end();
+    StoreDetails d;
+    d.unpack(*b.reader());
+    EXPECT_EQ("owner", str(d.getOwner())) << version;
+    EXPECT_EQ(-1, d.getSize()) << version;
+  }
+  // Version 5 adds size and set count, with the wide count.
+  {
+    Bytes b;
+    b.frame(6654, 5);
+    firstFields(b, true).int32(1000000000).text("owner").int64(123456789012LL).int32(3).end();
+    StoreDetails d;
+    d.unpack(*b.reader());
+    EXPECT_EQ(480u, d.getNInstances());
+    EXPECT_EQ(123456789012LL, d.getSize());
+    EXPECT_EQ(3, d.getNAttributeSets());
+    EXPECT_EQ(ProjectType::NOTYPE, d.getProjectType());
+  }
+  // Version 6 adds the project type; its date counts as valid.
+  {
+    Bytes b;
+    b.frame(6654, 6);
+    firstFields(b, true).int32(1000000000).text("owner").int64(7).int32(1).int32(4).end();
+    StoreDetails d;
+    d.unpack(*b.reader());
+    EXPECT_EQ(ProjectType::UNITTEST, d.getProjectType());
+    EXPECT_TRUE(d.getDate().isValid());
+  }
+}
+
+TEST(StoreDetails, ANewerFrameIsReadAndSkipped) {
+  Bytes b;
+  b.frame(6654, 8);
+  firstFields(b, true).int32(1000000000).text("owner").int64(7).int32(1).int32(3).boolean(true);
+  b.text("a later field").frame(1, 1).int32(5).end().end();
+  b.int32(31337);
+  std::unique_ptr<Packer> reader = b.reader();
+  StoreDetails d;
+  d.unpack(*reader);
+  EXPECT_FALSE(d.getDate().isValid());
+  EXPECT_EQ(ProjectType::DORN, d.getProjectType());
+  int after = 0;
+  reader->unpack(after);
+  EXPECT_EQ(31337, after);
+}
+
+TEST(StoreDetails, RefusesForeignFrames) {
+  Bytes magic;
+  magic.frame(6655, 7).end();
+  StoreDetails d;
+  expectFailure([&] { d.unpack(*magic.reader()); }, "StoreDetails::unpack",
+                "Expected 6654 as a magic number, but found 6655. Not a StoreDetails object here.");
+  Bytes version;
+  version.frame(6654, -1).end();
+  expectFailure([&] { d.unpack(*version.reader()); }, "StoreDetails::unpack",
+                "Expected a version number >= 0 ... not -1!");
+  Bytes type;
+  type.frame(6654, 6);
+  firstFields(type, true).int32(0).text("o").int64(0).int32(0).int32(42).end();
+  expectFailure([&] { d.unpack(*type.reader()); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 42.");
+  Bytes wide;
+  wide.frame(6654, 7).text("n").int32(1).text("c").text("s").int64(1LL << 32).end();
+  expectFailure([&] { d.unpack(*wide.reader()); }, "StoreDetails::unpack",
+                "Instance count 4294967296 of store 'n' is out of range.");
+}
+
+TEST(StoreDetails, ComparesPrintsAndOrders) {
+  StoreDetails a = sample();
+  StoreDetails b = sample();
+  b.setProjectType(ProjectType::RONDO);
+  EXPECT_EQ(a, b) << "the project type takes no part";
+  b.setOwner("you");
+  EXPECT_NE(a, b);
+  EXPECT_TRUE(StoreDetails(ProjectType::RONDO, "", "a", 9) < StoreDetails(ProjectType::RONDO, "", "b", 1));
+  std::ostringstream out;
+  out << StoreDetails("x", 1, "c", "s", 2, "d1", "d2", vDate(vDate::Invalid), "o", 5, 1, ProjectType::KELP);
+  EXPECT_EQ("x:1:c:s:2:d1:d2::o:5:1:Kelp", out.str());
+}
+
+// --- AttributeSetDetails ------------------------------------------------------------
+
+TEST(AttributeSetDetails, PacksNameAndA32BitCount) {
+  Packer p;
+  AttributeSetDetails("Headers", 4000000000u).pack(p);
+  Bytes expected;
+  expected.frame(8765, 1).text("headers").uint32(4000000000u).end();
+  EXPECT_EQ(expected.body(), bodyOf(p));
+  AttributeSetDetails back;
+  back.unpack(*receive(p));
+  EXPECT_EQ(AttributeSetDetails("headers", 4000000000u), back);
+}
+
+TEST(AttributeSetDetails, ReadsTheWideCountOfLaterVersions) {
+  Bytes b;
+  b.frame(8765, 2).text("set").int64(12).text("later").end().int32(7);
+  std::unique_ptr<Packer> reader = b.reader();
+  AttributeSetDetails d;
+  d.unpack(*reader);
+  EXPECT_EQ(AttributeSetDetails("set", 12), d);
+  int after = 0;
+  reader->unpack(after);
+  EXPECT_EQ(7, after);
+
+  Bytes wrongWidth;
+  wrongWidth.frame(8765, 1).text("set").int64(12).end();
+  expectFailure([&] { d.unpack(*wrongWidth.reader()); }, "Packer::unpack",
+                "Mismatched data type. Data is vINT64, asked for vUINT32.");
+  Bytes bad;
+  bad.frame(8766, 1).end();
+  expectFailure([&] { d.unpack(*bad.reader()); }, "AttributeSetDetails::unpack",
+                "Wrong magic number 8766, expected 8765.");
+}

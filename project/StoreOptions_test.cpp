@@ -1,0 +1,294 @@
+// The option records that travel with an open and a create: defaults,
+// accessors, their packed forms byte for byte, and frames of older and
+// newer writers.
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+
+#include "project/StoreCreationOptions.h"
+#include "project/StoreOpenOptions.h"
+#include "project/StoreTesting.h"
+
+using store_testing::Bytes;
+using store_testing::bodyOf;
+using store_testing::expectFailure;
+using store_testing::receive;
+
+namespace {
+
+struct OpenFlags {
+  bool kelp, dorn, sparse, decompress, mute, cst;
+};
+
+OpenFlags flagsOf(StoreOpenOptions const& o) {
+  return {o.hasKelpCrossDomainAttributes(), o.hasDornOnlyDealWithOneAttributeSet(), o.getSparseReadOfAttributes(),
+          o.getAutoDecompress(), o.getRestoreMute(), o.getAutoSpecifyCSTFiles()};
+}
+
+void expectFlags(OpenFlags const& want, StoreOpenOptions const& o) {
+  OpenFlags got = flagsOf(o);
+  EXPECT_EQ(want.kelp, got.kelp);
+  EXPECT_EQ(want.dorn, got.dorn);
+  EXPECT_EQ(want.sparse, got.sparse);
+  EXPECT_EQ(want.decompress, got.decompress);
+  EXPECT_EQ(want.mute, got.mute);
+  EXPECT_EQ(want.cst, got.cst);
+}
+
+// All six flags the other way round from their defaults.
+StoreOpenOptions allTurned() {
+  StoreOpenOptions o;
+  o.setKelpCrossDomainAttributes();
+  o.setDornOnlyDealWithOneAttributeSet();
+  o.setSparseReadOfAttributes();
+  o.setAutoDecompress(false);
+  o.setRestoreMute(true);
+  o.setAutoSpecifyCSTFiles(true);
+  return o;
+}
+
+}  // namespace
+
+// --- StoreOpenOptions ------------------------------------------------------------
+
+TEST(StoreOpenOptions, DefaultsAndTheFlagsThatCanOnlyBeRaised) {
+  StoreOpenOptions o;
+  expectFlags({false, false, false, true, false, false}, o);
+  o.setAutoDecompress(false);
+  o.setRestoreMute(true);
+  o.setAutoSpecifyCSTFiles(true);
+  expectFlags({false, false, false, false, true, true}, o);
+  o.setAutoSpecifyCSTFiles(false);
+  o.setKelpCrossDomainAttributes();
+  o.setKelpCrossDomainAttributes();
+  expectFlags({true, false, false, false, true, false}, o);
+  EXPECT_TRUE(allTurned() == allTurned());
+  EXPECT_TRUE(allTurned() != StoreOpenOptions());
+}
+
+TEST(StoreOpenOptions, PacksSixBooleansInAFrame) {
+  Packer p;
+  allTurned().pack(p);
+  Bytes expected;
+  expected.frame(6673, 5).boolean(true).boolean(true).boolean(true).boolean(false).boolean(true).boolean(true).end();
+  EXPECT_EQ(expected.body(), bodyOf(p));
+
+  StoreOpenOptions back;
+  back.unpack(*receive(p));
+  EXPECT_TRUE(back == allTurned());
+}
+
+TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
+  // Version 1: the Kelp flag alone. The others keep what they were.
+  {
+    Bytes b;
+    b.frame(6673, 1).boolean(true).end();
+    StoreOpenOptions o;
+    o.setRestoreMute(true);
+    o.unpack(*b.reader());
+    expectFlags({true, false, false, true, true, false}, o);
+  }
+  // Version 0 holds no flag, and the first flag is cleared all the same.
+  {
+    Bytes b;
+    b.frame(6673, 0).end();
+    StoreOpenOptions o = allTurned();
+    o.unpack(*b.reader());
+    expectFlags({false, true, true, false, true, true}, o);
+  }
+  // Version 3: flags one to four.
+  {
+    Bytes b;
+    b.frame(6673, 3).boolean(false).boolean(true).boolean(false).boolean(false).end();
+    StoreOpenOptions o;
+    o.setAutoSpecifyCSTFiles(true);
+    o.unpack(*b.reader());
+    expectFlags({false, true, false, false, false, true}, o);
+  }
+}
+
+TEST(StoreOpenOptions, ANewerFrameIsReadAndSkippedToItsEnd) {
+  Bytes b;
+  b.frame(6673, 6).boolean(true).boolean(false).boolean(true).boolean(true).boolean(false).boolean(true);
+  b.int32(77).text("later field").end();
+  b.int32(4242);
+  std::unique_ptr<Packer> reader = b.reader();
+  StoreOpenOptions o;
+  o.unpack(*reader);
+  expectFlags({true, false, true, true, false, true}, o);
+  int after = 0;
+  reader->unpack(after);
+  EXPECT_EQ(4242, after);
+}
+
+TEST(StoreOpenOptions, RefusesAnotherMagicNumber) {
+  Bytes b;
+  b.frame(6674, 5).end();
+  StoreOpenOptions o;
+  expectFailure([&] { o.unpack(*b.reader()); }, "StoreOpenOptions::unpack", "Bad magic number 6674,expected 6673");
+}
+
+// --- StoreCreationOptions --------------------------------------------------------
+
+TEST(StoreCreationOptions, DefaultsAndSetters) {
+  StoreCreationOptions o;
+  EXPECT_TRUE(o.getPrimaryAttributeSetName().isEmpty());
+  EXPECT_FALSE(o.isCompressed());
+  EXPECT_FALSE(o.hasOffsets());
+  EXPECT_FALSE(o.hasGrid());
+  EXPECT_FALSE(o.hasFilename());
+  EXPECT_TRUE(o.getFilename().getFilename().isEmpty());
+  EXPECT_TRUE(o.getAttributeList().empty());
+  EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType());
+
+  o.setPrimaryAttributeSetName("Headers");
+  EXPECT_EQ("headers", std::string(o.getPrimaryAttributeSetName().c_str()));
+  o.setCompressed();
+  EXPECT_TRUE(o.isCompressed());
+  o.setOffsets(-50.5, 3000.25, 61);
+  EXPECT_TRUE(o.hasOffsets());
+  double lo = 0, hi = 0;
+  int n = 0;
+  o.getOffsets(lo, hi, n);
+  EXPECT_EQ(-50.5, lo);
+  EXPECT_EQ(3000.25, hi);
+  EXPECT_EQ(61, n);
+  o.setGrid(1, 2, 3, 4, 5, 6, 12.5f, 25.0f);
+  EXPECT_TRUE(o.hasGrid());
+  int g[6] = {};
+  float f1 = 0, f2 = 0;
+  o.getGrid(g[0], g[1], g[2], g[3], g[4], g[5], f1, f2);
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(i + 1, g[i]);
+  EXPECT_EQ(12.5f, f1);
+  EXPECT_EQ(25.0f, f2);
+  o.setFilename(vFilename("/data/line1.sgy"));
+  EXPECT_TRUE(o.hasFilename());
+  EXPECT_EQ("/data/line1.sgy", std::string(o.getFilename().getFilename().c_str()));
+}
+
+TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypes) {
+  StoreCreationOptions o;
+  for (int type : {1, 2, 3}) {
+    o.setKelpDataType(type);
+    EXPECT_EQ(type, static_cast<int>(o.getKelpDataType()));
+  }
+  for (int type : {0, 4, -1, 100}) {
+    o.setKelpDataType(3);
+    o.setKelpDataType(type);
+    EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType()) << type;
+  }
+}
+
+TEST(StoreCreationOptions, CopiesOwnTheirFileName) {
+  StoreCreationOptions a;
+  a.setFilename(vFilename("/data/a.sgy"));
+  StoreCreationOptions b(a);
+  a.setFilename(vFilename("/data/other.sgy"));
+  EXPECT_EQ("/data/a.sgy", std::string(b.getFilename().getFilename().c_str()));
+  b = StoreCreationOptions();
+  EXPECT_FALSE(b.hasFilename());
+  EXPECT_TRUE(a != b);
+}
+
+TEST(StoreCreationOptions, PacksTheRecordInItsOrder) {
+  StoreCreationOptions o;
+  o.setPrimaryAttributeSetName("prime");
+  o.setGrid(1, 2, 3, 4, 5, 6, 12.5f, 25.0f);
+  o.setOffsets(-50.5, 3000.25, 61);
+  o.setCompressed();
+  o.setFilename(vFilename("/data/line1.sgy"));
+  o.setKelpDataType(2);
+  Packer p;
+  o.pack(p);
+
+  Bytes expected;
+  expected.frame(6653, 5).text("prime").boolean(true);
+  for (int i = 1; i <= 6; ++i) expected.int32(i);
+  expected.float32(12.5f).float32(25.0f).boolean(true).float64(-50.5).float64(3000.25).int32(61).boolean(true);
+  expected.boolean(false).boolean(true).text("/data/line1.sgy").int32(2).end();
+  EXPECT_EQ(expected.body(), bodyOf(p));
+
+  StoreCreationOptions back;
+  back.unpack(*receive(p));
+  EXPECT_TRUE(back == o);
+}
+
+TEST(StoreCreationOptions, AnAttributeListTravelsAsARange) {
+  StoreCreationOptions o;
+  std::list<Attribute> attributes;
+  attributes.push_back(Attribute("INLINE", "INLINE", vINT32));
+  attributes.push_back(Attribute("TRACE", "TRACE", vFLOAT32, 1500, 2.0, 0.0));
+  o.setAttributeList(attributes);
+  Packer p;
+  o.pack(p);
+
+  // The list is the generic range frame: magic 67, version 1, the count,
+  // the attributes.
+  Packer list;
+  pack(list, attributes.begin(), attributes.end());
+  Bytes expected;
+  expected.frame(6653, 5).text("").boolean(false);
+  for (int i = 0; i < 6; ++i) expected.int32(0);
+  expected.float32(0).float32(0).boolean(false).float64(0).float64(0).int32(0).boolean(false);
+  expected.boolean(true).append(bodyOf(list)).boolean(false).int32(0).end();
+  EXPECT_EQ(expected.body(), bodyOf(p));
+
+  StoreCreationOptions back;
+  back.unpack(*receive(p));
+  ASSERT_EQ(2u, back.getAttributeList().size());
+  EXPECT_TRUE(back.getAttributeList().back().compare(attributes.back()));
+  EXPECT_TRUE(back == o);
+}
+
+TEST(StoreCreationOptions, OlderFramesResetWhatTheyLack) {
+  StoreCreationOptions full;
+  full.setCompressed();
+  full.setFilename(vFilename("/x/y"));
+  full.setKelpDataType(3);
+  // Version 1: the primary set's name only.
+  {
+    Bytes b;
+    b.frame(6653, 1).text("Prime").end();
+    StoreCreationOptions o(full);
+    o.unpack(*b.reader());
+    StoreCreationOptions want;
+    want.setPrimaryAttributeSetName("prime");
+    EXPECT_TRUE(o == want);
+  }
+  // Version 4: everything up to the file name, no Kelp data type.
+  {
+    Bytes b;
+    b.frame(6653, 4).text("p").boolean(false);
+    for (int i = 0; i < 6; ++i) b.int32(0);
+    b.float32(0).float32(0).boolean(true).float64(1).float64(2).int32(3).boolean(false);
+    b.boolean(false).boolean(true).text("/f").end();
+    StoreCreationOptions o(full);
+    o.unpack(*b.reader());
+    EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType());
+    EXPECT_FALSE(o.isCompressed());
+    EXPECT_TRUE(o.hasOffsets());
+    EXPECT_EQ("/f", std::string(o.getFilename().getFilename().c_str()));
+  }
+}
+
+TEST(StoreCreationOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
+  Bytes b;
+  b.frame(6653, 6).text("p").boolean(false);
+  for (int i = 0; i < 6; ++i) b.int32(0);
+  b.float32(0).float32(0).boolean(false).float64(0).float64(0).int32(0).boolean(true);
+  b.boolean(false).boolean(false).int32(1).text("a later field").end().int32(99);
+  std::unique_ptr<Packer> reader = b.reader();
+  StoreCreationOptions o;
+  o.unpack(*reader);
+  EXPECT_TRUE(o.isCompressed());
+  EXPECT_EQ(StoreCreationOptions::KELP_SEISMIC, o.getKelpDataType());
+  int after = 0;
+  reader->unpack(after);
+  EXPECT_EQ(99, after);
+
+  Bytes bad;
+  bad.frame(6673, 5).end();
+  expectFailure([&] { o.unpack(*bad.reader()); }, "StoreCreationOptions::unpack",
+                "Bad magic number 6673,expected 6653");
+}
