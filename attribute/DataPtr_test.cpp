@@ -138,7 +138,7 @@ TEST(DataPtr, AssignmentMoves) {
   EXPECT_EQ(nullptr, a.getLengths());
 
   DataPtr c(vINT32, 1);
-  c.releaseData();
+  delete[] static_cast<int32_t*>(c.releaseData());
   DataPtr d;
   expectFailure([&] { d = c; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
   DataPtr e(vINT32, 1, nullptr, new unsigned int[1]{3}, DataPtr::TRANSFER);
@@ -157,7 +157,7 @@ TEST(DataPtr, CopyConstructionIsDeep) {
   DataPtr c;
   c.deepCopy(b);
   EXPECT_EQ(3, c.getTotalLength());
-  b.releaseData();
+  delete[] static_cast<int32_t*>(b.releaseData());
   expectFailure([&] { DataPtr d(b); }, "DataPtr::deepCopy()", "rhs is in the middle of releasing its data");
 }
 
