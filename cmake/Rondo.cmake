@@ -21,7 +21,9 @@ function(rondo_subsystem name)
   if(_tests)
     add_executable(${name}_tests ${_tests})
     target_link_libraries(${name}_tests PRIVATE rondo_${name} rondo_testing_main ${ARG_TEST_LIBS} GTest::gtest)
-    gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST
-      PROPERTIES ENVIRONMENT "RONDO_SOURCE_DIR=${CMAKE_SOURCE_DIR};RONDO_BINARY_DIR=${CMAKE_BINARY_DIR}")
+    # Tests that need files of the checkout or the build tree find them here.
+    target_compile_definitions(${name}_tests PRIVATE
+      RONDO_TEST_SOURCE_DIR="${CMAKE_SOURCE_DIR}" RONDO_TEST_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST)
   endif()
 endfunction()

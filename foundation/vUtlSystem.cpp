@@ -81,8 +81,9 @@ vString getIPAddress(vString const& host) {
   struct addrinfo* info = nullptr;
   int rc = ::getaddrinfo(host.c_str(), nullptr, &hints, &info);
   if (rc != 0 || !info)
-    Message::fatal("vUtl::getIPAddress", 0, "Unable to get the IP address of host '%s': %s", host.c_str(),
-                   ::gai_strerror(rc));
+    Message::fatal("vUtl::getIPAddress", 0,
+                   "Unable to get host %s's IP Address. Check host spelling, watch out for l instead of 1 in host name.",
+                   host.c_str());
   char text[INET_ADDRSTRLEN] = {0};
   struct sockaddr_in const* address = reinterpret_cast<struct sockaddr_in const*>(info->ai_addr);
   ::inet_ntop(AF_INET, &address->sin_addr, text, sizeof(text));

@@ -67,7 +67,8 @@ TEST(vUtlSystem, IPAddress) {
     ADD_FAILURE() << "an empty host name cannot resolve";
   } catch (UtlExcept const& e) {
     EXPECT_EQ("vUtl::getIPAddress", str(e.getMethod()));
-    EXPECT_EQ(0, std::string(e.getReason().c_str()).find("Unable to get the IP address of host '':"));
+    EXPECT_EQ("Unable to get host 's IP Address. Check host spelling, watch out for l instead of 1 in host name.",
+              str(e.getReason()));
   }
 }
 

@@ -120,6 +120,9 @@ TEST(ProjectCatalogFactory, AMisspeltHostFailsBeforeAnythingIsMade) {
     ADD_FAILURE() << "the host cannot resolve";
   } catch (UtlExcept const& e) {
     EXPECT_EQ("vUtl::getIPAddress", str(e.getMethod()));
+    EXPECT_EQ("Unable to get host no-such-host.invalid's IP Address. Check host spelling, watch out for l instead of 1 "
+              "in host name.",
+              str(e.getReason()));
   }
   EXPECT_EQ(before, nCatalogsMade);
   EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
