@@ -1,0 +1,154 @@
+// The wrapper that opens one attribute set of the in-process back end:
+// the real set made through the registered maker, its class asked of the
+// project when left blank, and the refusal of everything before opening.
+
+#include <gtest/gtest.h>
+
+#include "project/CapiAttributeSetW.h"
+#include "project/CapiMaker.h"
+#include "project/JITProjectDecorator.h"
+#include "project/StoreTesting.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+#include "testing/TestMemoryStore.h"
+
+using store_testing::expectFailure;
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+// What the maker was asked for, and the shelf its sets use.
+struct MakerLog {
+  vHandle<Project> project;
+  std::string storeClass;
+  std::string subClass;
+  int calls = 0;
+  std::shared_ptr<TestMemoryShelf> shelf;
+};
+
+MakerLog& log() {
+  static MakerLog l;
+  return l;
+}
+
+vHandle<AttributeSet> recordingMaker(vHandle<Project> const& project, vLCString const& storeClass,
+                                     vLCString const& subClass) {
+  MakerLog& l = log();
+  l.project = project;
+  l.storeClass = str(storeClass);
+  l.subClass = str(subClass);
+  ++l.calls;
+  return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, l.shelf));
+}
+
+// Installs the recording maker over a shelf with set "lines" (class
+// seismic/2d, one instance), and a project that lists it.
+class WrapperSetting {
+ public:
+  WrapperSetting() : m_saved(CapiMaker::registerAttributeSetMaker(recordingMaker)) {
+    log() = MakerLog();
+    log().shelf = std::make_shared<TestMemoryShelf>();
+    TestMemoryAttributeSet writer(vHandle<Project>(), log().shelf);
+    writer.create("lines", "seismic", "2d", KeyList(), nullptr);
+    writer.addInstances(1);
+    writer.close();
+    m_utProject = new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST)));
+    m_project = vHandle<Project>(m_utProject);
+    m_project->open("survey");
+    StoreDetails details(ProjectType::UNITTEST, "", "lines", 1);
+    details.setClass("seismic");
+    details.setSubClass("2d");
+    m_utProject->addStore(details);
+  }
+  ~WrapperSetting() {
+    CapiMaker::registerAttributeSetMaker(m_saved);
+    log() = MakerLog();
+  }
+
+  vHandle<Project> project() const { return m_project; }
+  UTProject& utProject() const { return *m_utProject; }
+
+ private:
+  CapiMaker::AttributeSetMaker m_saved;
+  UTProject* m_utProject;
+  vHandle<Project> m_project;
+};
+
+}  // namespace
+
+TEST(CapiAttributeSetW, RefusesEverythingBeforeASetIsMade) {
+  WrapperSetting setting;
+  CapiAttributeSetW w(setting.project());
+  EXPECT_FALSE(w.isOpen());
+  EXPECT_TRUE(w.getProject() == setting.project());
+  EXPECT_TRUE(w.getAttributeSet().isEmpty());
+  std::string const text = "The AttributeSet has not been opened yet.";
+  Attribute a("CDP", "", vINT32);
+  expectFailure([&] { w.read(a, 1, 1); }, "CapiAttributeSetW::read(range)", text);
+  expectFailure([&] { w.read(a, std::vector<unsigned int>{1}); }, "CapiAttributeSetW::read(list)", text);
+  expectFailure([&] { w.write(a, 1, 1); }, "CapiAttributeSetW::write(range)", text);
+  expectFailure([&] { w.getNInstances(); }, "CapiAttributeSetW::getNInstances", text);
+  expectFailure([&] { w.getName(); }, "CapiAttributeSetW::getName", text);
+  expectFailure([&] { w.getAttributeList(); }, "CapiAttributeSetW::getAttributeList", text);
+  expectFailure([&] { w.close(); }, "CapiAttributeSetW::close", text);
+  EXPECT_EQ(0, log().calls);
+}
+
+TEST(CapiAttributeSetW, AsksTheProjectForABlankClass) {
+  WrapperSetting setting;
+  CapiAttributeSetW w(setting.project());
+  w.open("lines", 1, "", "", nullptr);
+  EXPECT_EQ("getStoreDetails", str(setting.utProject().getLastCall()));
+  EXPECT_EQ(1, log().calls);
+  EXPECT_EQ("seismic", log().storeClass);
+  EXPECT_EQ("2d", log().subClass);
+  EXPECT_TRUE(log().project == setting.project());
+  EXPECT_TRUE(w.isOpen());
+  EXPECT_EQ("lines", str(w.getName()));
+  EXPECT_EQ(1u, w.getNInstances());
+  // A second open reaches the set, which refuses it.
+  expectFailure([&] { w.open("lines", 1, "", "", nullptr); }, "TestMemoryAttributeSet::open",
+                "AttributeSet is already open as 'lines'.");
+  EXPECT_EQ(1, log().calls);
+  w.close();
+  EXPECT_FALSE(w.isOpen());
+  EXPECT_TRUE(w.getAttributeSet().isEmpty());
+  expectFailure([&] { w.getName(); }, "CapiAttributeSetW::getName", "The AttributeSet has not been opened yet.");
+}
+
+TEST(CapiAttributeSetW, AGivenClassNeedsNoQuestion) {
+  WrapperSetting setting;
+  CapiAttributeSetW w(setting.project());
+  setting.utProject().isOpen();  // marks the last call
+  w.update("lines", 0, "seismic", "2d", nullptr);
+  EXPECT_EQ("isOpen", str(setting.utProject().getLastCall()));
+  w.addInstances(2);
+  EXPECT_EQ(3u, w.getNInstances());
+  w.close();
+  // A created set takes the class given.
+  w.create("new", "shapes", "polygon", KeyList(), nullptr);
+  EXPECT_EQ("shapes", log().storeClass);
+  EXPECT_EQ("shapes", str(w.getClass()));
+  w.close();
+}
+
+TEST(CapiAttributeSetW, TheMakerGetsTheProjectOutOfADeferredWrapper) {
+  WrapperSetting setting;
+  vHandle<Project> inner(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST))));
+  JITProjectDecorator* deferred = new JITProjectDecorator(inner);
+  vHandle<Project> outer(deferred);
+  outer->open("survey");
+  EXPECT_FALSE(deferred->isReallyOpen());
+  vHandle<AttributeSet> set = CapiMaker::attributeSet(outer, "seismic", "3d");
+  EXPECT_TRUE(log().project == inner);
+  EXPECT_TRUE(deferred->isReallyOpen());
+  EXPECT_FALSE(set.isEmpty());
+}
+
+TEST(CapiAttributeSetW, WithoutAMakerTheBackEndIsNotAvailable) {
+  CapiMaker::AttributeSetMaker saved = CapiMaker::registerAttributeSetMaker(nullptr);
+  expectFailure([] { CapiMaker::attributeSet(vHandle<Project>(), "seismic", "3d"); }, "CapiMaker::attributeSet",
+                "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
+  CapiMaker::registerAttributeSetMaker(saved);
+}

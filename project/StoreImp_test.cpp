@@ -1,0 +1,361 @@
+// StoreImp over the in-memory test sets: lazy sets, the guards and their
+// texts, secondary attribute sets and their bookkeeping properties, the
+// shared property list, and the operations a StoreImp refuses.
+
+#include <gtest/gtest.h>
+
+#include "attribute/Property.h"
+#include "project/FullStoreName.h"
+#include "project/Project.h"
+#include "project/StoreTesting.h"
+#include "testing/TestMemoryStore.h"
+
+using store_testing::expectFailure;
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+Attribute ints(char const* name, std::vector<int> const& values) {
+  Attribute a(name, "", vINT32);
+  a.copyData(static_cast<unsigned int>(values.size()), values.data());
+  return a;
+}
+
+std::vector<int> readInts(Store const& store, char const* name) {
+  Attribute a = store.getAttribute(name);
+  store.read(a, 1, store.getNInstances());
+  std::vector<int> values;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i) values.push_back(a.getInt32(i));
+  return values;
+}
+
+// A shelf with store "a": three instances of CDP 1 2 3, key CDP.
+std::shared_ptr<TestMemoryShelf> shelfWithStoreA() {
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  TestMemoryStore store(vHandle<Project>(), shelf);
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  store.create("a", "seismic", "3d", keys, nullptr);
+  store.addInstances(3);
+  store.write(ints("CDP", {1, 2, 3}), 1, 3);
+  store.close();
+  return shelf;
+}
+
+std::vector<std::string> setList(Store const& store) {
+  std::vector<std::string> names;
+  vHandle<Store::AttributeSetList> list = store.getAttributeSetList();
+  for (vLCString const& n : *list) names.push_back(str(n));
+  return names;
+}
+
+// Exposes what derived classes of StoreImp see.
+class OpenStore : public TestMemoryStore {
+ public:
+  using TestMemoryStore::TestMemoryStore;
+  using StoreImp::doCreateAttributeSetClone;
+  using Store::myWriteSetList;
+  using Store::myWriteSetRange;
+};
+
+}  // namespace
+
+// --- life cycle and guards -----------------------------------------------------------
+
+TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeeded) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  EXPECT_FALSE(store.isOpen());
+  EXPECT_TRUE(store.getProject().isEmpty());
+  EXPECT_EQ(0, store.getNSetsMade());
+  store.open("a", 0, "", "", nullptr);
+  EXPECT_EQ(1, store.getNSetsMade());
+  EXPECT_TRUE(store.getActiveSet() == store.getPrimarySet());
+  EXPECT_EQ(3u, store.getNInstances());
+  store.close();
+  store.open("a", 0, "", "", nullptr);
+  EXPECT_EQ(1, store.getNSetsMade()) << "the primary set is kept across a close";
+}
+
+TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  Attribute cdp("CDP", "", vINT32);
+  expectFailure([&] { store.read(cdp, 1, 2); }, "StoreImp::read(range)", "The store has not been opened yet ... CDP");
+  expectFailure([&] { store.read(cdp, std::vector<unsigned int>{1}); }, "StoreImp::read(list)",
+                "The store has not been opened yet ... CDP");
+  expectFailure([&] { store.read(cdp, KeyList()); }, "StoreImp::read(keys)",
+                "The store has not been opened yet ... CDP");
+  expectFailure([&] { store.getAttribute("TRACE"); }, "StoreImp::getAttribute",
+                "The store has not been opened yet ... TRACE");
+  expectFailure([&] { store.getNInstances(); }, "StoreImp::getNInstances", "The store has not been opened yet!");
+  expectFailure([&] { store.getName(); }, "StoreImp::getName", "The store has not been opened yet!");
+  expectFailure([&] { store.getAttributeSetList(); }, "StoreImp::getAttributeSetList",
+                "The store has not been opened yet!");
+  expectFailure([&] { store.close(); }, "StoreImp::close", "The store has not been opened yet!");
+  expectFailure([&] { store.write(cdp, 1, 1); }, "StoreImp::write(range)",
+                "The store '' has not been opened for modification!");
+  expectFailure([&] { store.openAttributeSet("b"); }, "StoreImp::openAttributeSet",
+                "The store has not been opened yet!");
+}
+
+TEST(StoreImp, OpensOnceAndForReadingOnly) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  store.open("a", 0, "", "", nullptr);
+  EXPECT_EQ("a", str(store.getName()));
+  EXPECT_EQ(1, store.getVersion());
+  EXPECT_EQ("seismic", str(store.getClass()));
+  EXPECT_EQ("3d", str(store.getSubClass()));
+  EXPECT_EQ(1u, store.getKeyList().getNKeys());
+  expectFailure([&] { store.open("a", 0, "", "", nullptr); }, "StoreImp::open",
+                "The store 'a' has already been opened!");
+  expectFailure([&] { store.update("a", 0, "", "", nullptr); }, "StoreImp::update",
+                "The store 'a' has already been opened!");
+  std::string refused = "The store 'a' has not been opened for modification!";
+  expectFailure([&] { store.write(ints("CDP", {9}), 1, 1); }, "StoreImp::write(range)", refused);
+  expectFailure([&] { store.write(ints("CDP", {9}), std::vector<unsigned int>{2}); }, "StoreImp::write(list)",
+                refused);
+  expectFailure([&] { store.addInstances(1); }, "StoreImp::addInstances", refused);
+  expectFailure([&] { store.addAttribute(Attribute("X", "", vINT32)); }, "StoreImp::addAttribute", refused);
+  expectFailure([&] { store.setAttributeClass("CDP", "BIN"); }, "StoreImp::setAttributeClass", refused);
+  expectFailure([&] { store.createAttributeSet("b", KeyList()); }, "StoreImp::createAttributeSet", refused);
+  expectFailure([&] { store.addProperty(Property("P", 1)); }, "StoreImp::addProperty", refused);
+  expectFailure([&] { store.clearProperties(); }, "StoreImp::clearProperties", refused);
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), readInts(store, "CDP"));
+
+  store.close();
+  store.update("a", 0, "", "", nullptr);
+  store.write(ints("CDP", {9}), 2, 2);
+  EXPECT_EQ((std::vector<int>{1, 9, 3}), readInts(store, "CDP"));
+}
+
+TEST(StoreImp, AFailedOpenLeavesTheStoreClosed) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  expectFailure([&] { store.open("nosuch", 0, "", "", nullptr); }, "TestMemoryAttributeSet::open",
+                "AttributeSet 'nosuch' does not exist.");
+  EXPECT_FALSE(store.isOpen());
+  store.open("a", 0, "", "", nullptr);
+  EXPECT_TRUE(store.isOpen());
+}
+
+TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
+  auto shelf = shelfWithStoreA();
+  TestMemoryStore store(vHandle<Project>(), shelf);
+  store.open("a", 0, "", "", nullptr);
+  expectFailure([&] { store.create("other", "seismic", "3d", KeyList(), nullptr); }, "StoreImp::create",
+                "Store is already open as a");
+  // Under its own name the store starts again, as version 2.
+  store.create("a", "seismic", "2d", KeyList(), nullptr);
+  EXPECT_EQ(2, store.getVersion());
+  EXPECT_EQ(0u, store.getNInstances());
+  EXPECT_EQ("2d", str(store.getSubClass()));
+  store.close();
+  TestMemoryStore other(vHandle<Project>(), shelf);
+  other.create(FullStoreName(vString("proj:b.4")), "seismic", "3d", KeyList(), nullptr);
+  EXPECT_EQ("b", str(other.getName()));
+}
+
+TEST(StoreImp, TheConcreteDestructorClosesAnOpenStore) {
+  vHandle<AttributeSet> primary;
+  {
+    TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+    store.open("a", 0, "", "", nullptr);
+    primary = store.getPrimarySet();
+    EXPECT_TRUE(primary->isOpen());
+  }
+  EXPECT_FALSE(primary->isOpen());
+}
+
+// --- secondary attribute sets ---------------------------------------------------------
+
+TEST(StoreImp, NamesOfSecondarySets) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  store.update("a", 0, "", "", nullptr);
+  EXPECT_EQ("a_b", str(store.myConstructSetName("b")));
+  EXPECT_EQ("x", str(StoreImp::myDeconstructSetName("x_")));
+  EXPECT_EQ("foo", str(StoreImp::myDeconstructSetName("aset_foo")));
+  EXPECT_EQ("a_b", str(StoreImp::myDeconstructSetName("a_b")));
+  EXPECT_EQ("plain", str(StoreImp::myDeconstructSetName("plain")));
+  // A store with no secondary sets lists its primary set alone.
+  EXPECT_EQ(std::vector<std::string>{"a"}, setList(store));
+  EXPECT_EQ("a", str(store.getPrimaryAttributeSetName()));
+  EXPECT_EQ("a", str(store.getAttributeSetName()));
+}
+
+TEST(StoreImp, CreatesSwitchesAndKeepsSecondarySets) {
+  auto shelf = shelfWithStoreA();
+  {
+    TestMemoryStore store(vHandle<Project>(), shelf);
+    store.update("a", 0, "", "", nullptr);
+    store.createAttributeSet("b", KeyList());
+    // The constructed name is only partly undone.
+    EXPECT_EQ("a_b", str(store.getAttributeSetName()));
+    EXPECT_EQ("attributeset", str(store.getClass()));
+    EXPECT_EQ("set", str(store.getSubClass()));
+    EXPECT_EQ("a", str(store.getName())) << "the store's name is the primary set's";
+    store.addAttribute(Attribute("AMP", "", vINT32));
+    store.addInstances(2);
+    store.write(ints("AMP", {7, 8}), 1, 2);
+    EXPECT_EQ(2u, store.getNInstances());
+
+    // The bookkeeping sits on the primary set.
+    AttributeSet& primary = *store.getPrimarySet();
+    ASSERT_TRUE(primary.hasProperty(Store::ATTRIBUTESET_NAMES));
+    EXPECT_EQ("b", str(primary.findProperty(Store::ATTRIBUTESET_NAMES)->getString(1)));
+    EXPECT_EQ(1, primary.findProperty(Store::ATTRIBUTESET_VERSIONS)->getInt32(1));
+    EXPECT_EQ((std::vector<std::string>{"a", "b"}), setList(store));
+
+    vHandle<AttributeSet> b = store.getActiveSet();
+    store.openAttributeSet("a");
+    EXPECT_FALSE(b->isOpen()) << "switching closes the former secondary set";
+    EXPECT_EQ((std::vector<int>{1, 2, 3}), readInts(store, "CDP"));
+    store.createAttributeSet("c", KeyList());
+    EXPECT_EQ((std::vector<std::string>{"a", "b", "c"}), setList(store));
+    store.updateAttributeSet("b");
+    EXPECT_EQ((std::vector<int>{7, 8}), readInts(store, "AMP"));
+    store.close();
+  }
+  // Closed and opened again, the store still knows its sets.
+  TestMemoryStore store(vHandle<Project>(), shelf);
+  store.open(FullStoreName(vString("proj:a/b")), "", "", nullptr);
+  EXPECT_EQ("a_b", str(store.getAttributeSetName()));
+  EXPECT_EQ((std::vector<int>{7, 8}), readInts(store, "AMP"));
+  store.openAttributeSet("c");
+  EXPECT_EQ(0u, store.getNInstances());
+  store.openAttributeSet("c");  // again: opened afresh
+  EXPECT_EQ("a_c", str(store.getAttributeSetName()));
+  ASSERT_TRUE(shelf->find("a_c") != nullptr);
+  EXPECT_EQ("attributeset", str(shelf->find("a_c")->className));
+  store.close();
+  store.update(FullStoreName(vString("proj:a/c")), "", "", nullptr);
+  EXPECT_EQ("a_c", str(store.getAttributeSetName()));
+  store.addInstances(1);
+  EXPECT_EQ(1u, store.getNInstances());
+}
+
+TEST(StoreImp, RefusesSetsThatCannotBeOrAreNot) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  store.update("a", 0, "", "", nullptr);
+  expectFailure([&] { store.createAttributeSet("a", KeyList()); }, "StoreImp::createAttributeSet",
+                "Cannot create an AttributeSet that has that same name as the Store 'a'.");
+  store.createAttributeSet("b", KeyList());
+  expectFailure([&] { store.createAttributeSet("b", KeyList()); }, "StoreImp::createAttributeSet",
+                "Cannot create an AttributeSet called 'b' in Store 'a' because one already exists.");
+  expectFailure([&] { store.openAttributeSet("c"); }, "StoreImp::openAttributeSet",
+                "The AttributeSet 'c' is not a member of the Store 'a'.");
+
+  // A failed switch leaves the former set active.
+  AttributeSet& primary = *store.getPrimarySet();
+  Property versions(*primary.findProperty(Store::ATTRIBUTESET_VERSIONS));
+  versions.setInt32(99, 1);
+  primary.removeProperty(Store::ATTRIBUTESET_VERSIONS);
+  primary.addProperty(versions);
+  store.openAttributeSet("a");
+  expectFailure([&] { store.openAttributeSet("b"); }, "TestMemoryAttributeSet::open",
+                "AttributeSet 'a_b' has no version 99.");
+  EXPECT_EQ("a", str(store.getAttributeSetName()));
+
+  primary.removeProperty(Store::ATTRIBUTESET_VERSIONS);
+  expectFailure([&] { store.updateAttributeSet("b"); }, "StoreImp::updateAttributeSet",
+                "The required Property 'ATTRIBUTESET_VERSIONS' does not exist in Store 'a'.");
+  // A name listed without a version.
+  int const one = 1;
+  primary.addProperty(Property(Store::ATTRIBUTESET_VERSIONS, 1u, &one));
+  Property names(*primary.findProperty(Store::ATTRIBUTESET_NAMES));
+  names.resize(2);
+  names.setString("d", 2);
+  primary.removeProperty(Store::ATTRIBUTESET_NAMES);
+  primary.addProperty(names);
+  expectFailure([&] { store.openAttributeSet("d"); }, "StoreImp::openAttributeSet",
+                "The Store 'a' does not have an AttributeSet named 'd'.");
+}
+
+// --- properties ---------------------------------------------------------------------------
+
+TEST(StoreImp, PropertiesAreThoseOfTheActiveSet) {
+  auto shelf = shelfWithStoreA();
+  {
+    TestMemoryStore store(vHandle<Project>(), shelf);
+    store.update("a", 0, "", "", nullptr);
+    EXPECT_FALSE(store.hasProperty("UNITS"));
+    store.addProperty(Property("UNITS", vString("ms")));
+    EXPECT_TRUE(store.hasProperty("UNITS"));
+    EXPECT_TRUE(store.getPrimarySet()->hasProperty("UNITS"));
+
+    store.createAttributeSet("b", KeyList());
+    EXPECT_FALSE(store.hasProperty("UNITS")) << "a new set has its own list";
+    store.addProperty(Property("GAIN", 2.5));
+    EXPECT_TRUE(store.getActiveSet()->hasProperty("GAIN"));
+    EXPECT_FALSE(store.getPrimarySet()->hasProperty("GAIN"));
+
+    store.openAttributeSet("a");
+    EXPECT_TRUE(store.hasProperty("UNITS"));
+    EXPECT_TRUE(store.hasProperty(Store::ATTRIBUTESET_NAMES));
+    // The bookkeeping of the sets survives a clear.
+    store.clearProperties();
+    EXPECT_FALSE(store.hasProperty("UNITS"));
+    EXPECT_EQ(2u, store.getNProperties());
+    EXPECT_EQ((std::vector<std::string>{"a", "b"}), setList(store));
+    store.addProperty(Property("UNITS", vString("m")));
+    store.removeProperty(vUCString("UNITS"));
+    store.addProperty(Property("UNITS", vString("ft")));
+    store.close();
+  }
+  TestMemoryStore store(vHandle<Project>(), shelf);
+  store.open("a", 0, "", "", nullptr);
+  ASSERT_TRUE(store.hasProperty("UNITS"));
+  EXPECT_EQ("ft", str(store.findProperty(vUCString("UNITS"))->getString()));
+  store.openAttributeSet("b");
+  EXPECT_TRUE(store.hasProperty("GAIN"));
+}
+
+TEST(StoreImp, SetPropertyListAndAddPropertiesActOnTheActiveSet) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  store.update("a", 0, "", "", nullptr);
+  TestMemoryAttributeSet source(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
+  source.addProperty(Property("A", 1));
+  store.addProperties(source);
+  EXPECT_TRUE(store.getPrimarySet()->hasProperty("A"));
+  source.addProperty(Property("B", 2));
+  store.setPropertyList(source);
+  EXPECT_TRUE(store.hasProperty("B"));
+  EXPECT_TRUE(store.getPrimarySet()->hasProperty("B"));
+}
+
+// --- what a StoreImp refuses, and what it leaves to its class ---------------------------------
+
+TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
+  TestMemoryStore a{vHandle<Project>()};
+  TestMemoryStore b{vHandle<Project>()};
+  std::string const text = "This operation is not implemented for StoreImp.";
+  expectFailure([&] { (void)(a == b); }, "StoreImp::operator==()", text);
+  expectFailure([&] { (void)(a != b); }, "StoreImp::operator==()", text);
+  Store& asStore = a;
+  expectFailure([&] { asStore = static_cast<PropertyI const&>(b); }, "StoreImp::operator=()", text);
+  OpenStore open{vHandle<Project>()};
+  TestMemoryAttributeSet set(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
+  expectFailure([&] { open.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
+                "Need code, what does this mean?");
+}
+
+TEST(Store, WritesEveryAttributeOfAnotherSet) {
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  TestMemoryAttributeSet source(vHandle<Project>(), shelf);
+  source.create("source", "seismic", "3d", KeyList(), nullptr);
+  source.addAttribute(Attribute("CDP", "", vINT32));
+  source.addAttribute(Attribute("AMP", "", vINT32));
+  source.addInstances(2);
+  source.write(ints("CDP", {20, 30}), 1, 2);
+  source.write(ints("AMP", {-1, -2}), 1, 2);
+
+  OpenStore store(vHandle<Project>(), shelfWithStoreA());
+  store.update("a", 0, "", "", nullptr);
+  store.addAttribute(Attribute("AMP", "", vINT32));
+  store.myWriteSetRange(source, 2, 3);
+  EXPECT_EQ((std::vector<int>{1, 20, 30}), readInts(store, "CDP"));
+  EXPECT_EQ((std::vector<int>{0, -1, -2}), readInts(store, "AMP"));
+  store.myWriteSetList(source, std::vector<unsigned int>{3, 1});
+  EXPECT_EQ((std::vector<int>{30, 20, 20}), readInts(store, "CDP"));
+  EXPECT_EQ((std::vector<int>{-2, -1, -1}), readInts(store, "AMP"));
+  // No in-memory store class is linked into this program.
+  EXPECT_EQ(nullptr, Store::setInMemoryStoreView(nullptr));
+}
