@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -72,7 +73,8 @@ TEST(MessageDefaultChain, FatalPrintsAReportAndThrowsWithTheLabelAsMethod) {
   }
   std::string const err = ::testing::internal::GetCapturedStderr();
   std::string const stars(60, '*');
-  std::string const head = stars + "\n(Next FATAL from foundation_tests running on " + vUtl::gethostname().c_str() + " at ";
+  std::string const head = stars + "\n(Next FATAL from " + program_invocation_short_name + " running on " +
+                           vUtl::gethostname().c_str() + " at ";
   EXPECT_EQ(0u, err.find(head)) << err;
   EXPECT_NE(std::string::npos, err.find("CMPBasicGrid::myCheckup")) << err;
   EXPECT_NE(std::string::npos, err.find("bin 5000000000 of 7 is outside\n" + stars + "\n")) << err;
