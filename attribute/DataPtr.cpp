@@ -45,6 +45,8 @@ DataPtr::DataPtr()
 
 DataPtr::DataPtr(DataPtr const& other) : DataPtr() { deepCopy(other); }
 
+DataPtr::DataPtr(DataPtr&& other) : DataPtr() { operator=(static_cast<DataPtr&>(other)); }
+
 DataPtr::DataPtr(DataType type, unsigned int nElements, void* data, unsigned int* lengths,
                  TransferMethodType method)
     : DataPtr() {

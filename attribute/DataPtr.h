@@ -39,6 +39,8 @@ class DataPtr {
   DataPtr();
   // A deep copy.
   DataPtr(DataPtr const& other);
+  // Takes everything from other, as operator= does.
+  DataPtr(DataPtr&& other);
   DataPtr(DataType type, unsigned int nElements, void* data, unsigned int* lengths, TransferMethodType method);
   // Copies of what is given; a missing block is allocated (zeroed).
   DataPtr(DataType type, unsigned int nElements, void const* data = nullptr, unsigned int const* lengths = nullptr);

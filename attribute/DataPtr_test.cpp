@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "attribute/AttributeTesting.h"
 
@@ -144,6 +145,16 @@ TEST(DataPtr, AssignmentMoves) {
   DataPtr e(vINT32, 1, nullptr, new unsigned int[1]{3}, DataPtr::TRANSFER);
   delete[] e.releaseLengths();
   expectFailure([&] { d = e; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
+}
+
+TEST(DataPtr, MoveConstructionTakesTheBlock) {
+  DataPtr a(vINT32, 4);
+  void* block = a.getData();
+  DataPtr b(std::move(a));
+  EXPECT_EQ(block, b.getData());
+  EXPECT_EQ(nullptr, a.getData());
+  EXPECT_EQ(0u, a.getNElements());
+  EXPECT_EQ(4u, b.getNElements());
 }
 
 TEST(DataPtr, CopyConstructionIsDeep) {
