@@ -524,39 +524,31 @@ void Attribute::resize(unsigned int nInstances, void* data, int* lengths, Attrib
   myFreeLengths();
 
   long long const nValues = static_cast<long long>(m_length) * nInstances;
-  if (nInstances > 0 && nInstances == m_nInstances) {
+  if (data == nullptr) {
     // A repeated read of the same count reuses the block. A block lent
     // through a handler is not ours to overwrite, though: it is replaced by
     // a private one.
-    void* block = data;
-    if (block == nullptr && m_dataHandler != nullptr) block = myAllocateMemory(nValues);
-    if (block != nullptr && (block != m_data || m_dataHandler != nullptr)) {
-      if (block == m_data) {
-        // Same memory, new keeper: only the old handler goes.
-        delete m_dataHandler;
-        m_dataHandler = nullptr;
-      } else {
-        myFreeData();
-      }
-      m_data = block;
-      m_nInstances = nInstances;
-    }
-    if (handler != nullptr) m_dataHandler = handler;
+    if (nInstances > 0 && nInstances == m_nInstances && m_dataHandler == nullptr) return;
+    void* block = myAllocateMemory(nValues);
+    myFreeData();
+    m_data = block;
+    m_nInstances = nInstances;
     return;
   }
-
-  void* block = data != nullptr ? data : myAllocateMemory(nValues);
-  if (block != m_data || m_dataHandler != nullptr) {
-    if (block == m_data) {
+  if (data == m_data) {
+    // The memory held already: only the count and, when one is given, the
+    // keeper change.
+    if (handler != nullptr && handler != m_dataHandler) {
       delete m_dataHandler;
-      m_dataHandler = nullptr;
-    } else {
-      myFreeData();
+      m_dataHandler = handler;
     }
+    m_nInstances = nInstances;
+    return;
   }
+  myFreeData();
+  m_data = data;
   m_dataHandler = handler;
   m_nInstances = nInstances;
-  m_data = block;
 }
 
 void Attribute::transferData(Attribute& source) {

@@ -260,6 +260,14 @@ TEST(AttributeHandler, RereadIntoLentDataGetsAPrivateBlock) {
   a.resize(2, other->values, nullptr, makeAttributeDataHandler(other));
   EXPECT_EQ(2, other.getMasterCount());
   EXPECT_EQ(other->values, a.getFloat32Pointer(1));
+  // Same memory and no keeper given: the one in place stays, the count may
+  // change; the block is still not the attribute's to free.
+  a.resize(1, other->values);
+  EXPECT_TRUE(a.hasDataHandler());
+  EXPECT_EQ(1u, a.getNInstances());
+  EXPECT_EQ(2, other.getMasterCount());
+  a.resize(0);
+  EXPECT_EQ(1, other.getMasterCount());
 }
 
 TEST(AttributeHandler, OriginalDataTypeRidesOnTheHandler) {

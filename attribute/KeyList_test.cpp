@@ -149,3 +149,14 @@ TEST(KeyList, UnpackRefusals) {
   forged.frame(1501, 1).int32(1000000).end();
   expectFailure([&] { k.unpack(*forged.reader()); }, "KeyList::unpack()", "Bad number of keys 1000000 with 1 bytes left.");
 }
+
+TEST(KeyList, ThrownFormsNameTheirFileAndLine) {
+  KeyList k;
+  try {
+    k.addKey(Attribute());
+    ADD_FAILURE() << "an empty key was accepted";
+  } catch (UtlExcept const& e) {
+    EXPECT_STREQ("KeyList", e.getFileName().c_str());
+    EXPECT_GT(e.getLineNumber(), 0);
+  }
+}

@@ -381,3 +381,19 @@ TEST(Property, PackRefusals) {
   EXPECT_STREQ("KEEP", q.getName().c_str());
   EXPECT_EQ(1, q.getInt32());
 }
+
+TEST(Property, ThrownFormsNameTheirFileAndLine) {
+  try {
+    Property bad(vUCString(""), 1);
+    ADD_FAILURE() << "a blank name was accepted";
+  } catch (UtlExcept const& e) {
+    EXPECT_STREQ("Property", e.getFileName().c_str());
+    EXPECT_GT(e.getLineNumber(), 0);
+  }
+  try {
+    Property(vUCString("n"), "x").getFloat32();
+    ADD_FAILURE() << "text read as a number";
+  } catch (UtlExcept const& e) {
+    EXPECT_STREQ("Property", e.getFileName().c_str());
+  }
+}
