@@ -1,0 +1,318 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "attribute/AttributeTesting.h"
+#include "attribute/ByteSwappedRecordBuffer.h"
+#include "attribute/RecordBuffer.h"
+
+using attribute_testing::expectFailure;
+
+namespace {
+
+template <class T>
+T fieldOf(RecordBuffer const& b, unsigned int instance, int offset) {
+  T v;
+  std::memcpy(&v, b.getBuffer(instance, offset), sizeof v);
+  return v;
+}
+
+template <class T>
+void setField(RecordBuffer& b, unsigned int instance, int offset, T v) {
+  std::memcpy(b.getBuffer(instance, offset), &v, sizeof v);
+}
+
+TEST(RecordBuffer, EmptyBufferRefusesMoves) {
+  RecordBuffer b(12);
+  EXPECT_TRUE(b.isEmpty());
+  EXPECT_EQ(0, b.getBufferSize());
+  EXPECT_EQ(12, b.getRecordLength());
+  EXPECT_FALSE(b.inside(1u));
+  int v = 5;
+  expectFailure([&] { b.insertRange(&v, 4, 1, 0, 1); }, "RecordBuffer::insertRange", "buffer has not been allocated yet");
+  expectFailure([&] { b.extractList(&v, 4, 1, 0, {1}); }, "RecordBuffer::extractList",
+                "buffer has not been allocated yet");
+}
+
+TEST(RecordBuffer, RangeFormFieldsAndChecks) {
+  RecordBuffer b(15);
+  b.allocate(3, 7);
+  EXPECT_FALSE(b.isEmpty());
+  EXPECT_TRUE(b.isRange());
+  EXPECT_FALSE(b.isDirty());
+  EXPECT_EQ(5u, b.getNInstances());
+  EXPECT_EQ(75, b.getBufferSize());
+  EXPECT_EQ(3u, b.getFirstRecord());
+  EXPECT_EQ(7u, b.getLastRecord());
+  EXPECT_TRUE(b.inside(3u));
+  EXPECT_TRUE(b.inside(7u));
+  EXPECT_FALSE(b.inside(8u));
+  EXPECT_FALSE(b.inside(2u));
+  EXPECT_TRUE(b.inside(3u, 7u));
+  EXPECT_FALSE(b.inside(2u, 4u));
+  EXPECT_TRUE(b.inside(std::vector<unsigned int>{7, 3, 5}));
+  EXPECT_FALSE(b.inside(std::vector<unsigned int>{7, 8}));
+  expectFailure([&] { b.inside(0u); }, "RecordBuffer::inside", "Instance 0 was less than 1.");
+  std::vector<unsigned int> list;
+  b.getInstanceList(list);
+  EXPECT_EQ((std::vector<unsigned int>{3, 4, 5, 6, 7}), list);
+
+  // 4-, 8- and 3-byte fields at their offsets, each record one on.
+  int const ints[] = {11, 12, 13};
+  b.insertRange(ints, 4, 3, 8, 4);
+  EXPECT_TRUE(b.isDirty());
+  EXPECT_EQ(11, fieldOf<int>(b, 4, 8));
+  EXPECT_EQ(13, fieldOf<int>(b, 6, 8));
+  EXPECT_EQ(0, fieldOf<int>(b, 7, 8));
+  EXPECT_EQ(b.getBuffer(4, 8), static_cast<unsigned char*>(b.getBuffer(3, 8)) + 15);
+  double const doubles[] = {1.5, -2.5};
+  b.insertRange(doubles, 8, 2, 0, 3);
+  unsigned char const bytes[] = {1, 2, 3, 4, 5, 6};
+  b.insertRange(bytes, 3, 2, 12, 6);  // ends exactly at the record's end
+  double outD[2];
+  b.extractRange(outD, 8, 2, 0, 3);
+  EXPECT_EQ(1.5, outD[0]);
+  EXPECT_EQ(-2.5, outD[1]);
+  int outI[3];
+  b.extractRange(outI, 4, 3, 8, 4);
+  EXPECT_EQ(0, std::memcmp(ints, outI, sizeof ints));
+  unsigned char outB[6];
+  b.extractRange(outB, 3, 2, 12, 6);
+  EXPECT_EQ(0, std::memcmp(bytes, outB, 6));
+  // Whole records too.
+  std::vector<unsigned char> record(15 * 5);
+  b.extractRange(record.data(), 15, 5, 0, 3);
+  EXPECT_EQ(0, std::memcmp(record.data(), b.getBuffer(3, 0), record.size()));
+
+  expectFailure([&] { b.insertRange(bytes, 3, 1, 13, 3); }, "RecordBuffer::insertRange",
+                "offset(13)+elementSize(3)>myRecordLength(15)");
+  expectFailure([&] { b.extractRange(outB, 1, 1, -1, 3); }, "RecordBuffer::extractRange",
+                "offset(-1) value less than zero.");
+  expectFailure([&] { b.insertRange(ints, 4, 3, 0, 6); }, "RecordBuffer::insertRange",
+                "Instances 6 to 8 are not all in this RecordBuffer.");
+  expectFailure([&] { b.extractRange(outI, 4, 1, 0, 0); }, "RecordBuffer::inside", "Instance 0 was less than 1.");
+  // A new allocation is clean and zero.
+  b.allocate(1, 2);
+  EXPECT_FALSE(b.isDirty());
+  EXPECT_EQ(0, fieldOf<int>(b, 2, 8));
+  b.empty();
+  EXPECT_EQ(0, b.getBufferSize());
+}
+
+TEST(RecordBuffer, ListFormGoesThroughTheMap) {
+  RecordBuffer b(8);
+  b.allocate(std::vector<unsigned int>{9, 2, 5, 3, 4});
+  EXPECT_FALSE(b.isRange());
+  EXPECT_EQ(5u, b.getNInstances());
+  EXPECT_TRUE(b.inside(5u));
+  EXPECT_FALSE(b.inside(6u));
+  EXPECT_TRUE(b.inside(2u, 5u));
+  EXPECT_FALSE(b.inside(4u, 6u));
+  std::vector<unsigned int> list;
+  b.getInstanceList(list);
+  EXPECT_EQ((std::vector<unsigned int>{9, 2, 5, 3, 4}), list);
+  // Records lie in list order.
+  EXPECT_EQ(static_cast<unsigned char*>(b.getBuffer(9, 0)) + 8, b.getBuffer(2, 0));
+  EXPECT_EQ(static_cast<unsigned char*>(b.getBuffer(9, 0)) + 32, b.getBuffer(4, 0));
+
+  long long const v[] = {90, 50};
+  b.insertList(v, 8, 2, 0, {9, 5});
+  EXPECT_EQ(90, fieldOf<long long>(b, 9, 0));
+  EXPECT_EQ(50, fieldOf<long long>(b, 5, 0));
+  int const r[] = {2, 3, 4};
+  b.insertRange(r, 4, 3, 4, 2);  // instances 2, 3, 4 through the map
+  EXPECT_EQ(3, fieldOf<int>(b, 3, 4));
+  int out[3];
+  b.extractList(out, 4, 3, 4, {4, 2, 3});
+  EXPECT_EQ(4, out[0]);
+  EXPECT_EQ(2, out[1]);
+  EXPECT_EQ(3, out[2]);
+  b.extractRange(out, 4, 3, 4, 2);
+  EXPECT_EQ(0, std::memcmp(r, out, sizeof r));
+
+  expectFailure([&] { b.extractList(out, 4, 1, 0, {6}); }, "RecordBuffer::extractList",
+                "Instance 6 is not in this RecordBuffer.");
+  expectFailure([&] { b.extractList(out, 4, 2, 0, {2}); }, "RecordBuffer::extractList",
+                "count(2) is larger than the instance list (1).");
+  expectFailure([&] { b.addInstances(1); }, "RecordBuffer::addInstances",
+                "Instances can only be added to a range RecordBuffer.");
+  expectFailure([&] { b.deleteInstances(1); }, "RecordBuffer::deleteInstances",
+                "Instances can only be deleted from a range RecordBuffer.");
+  expectFailure([&] { b.allocate(std::vector<unsigned int>{1, 2, 1}); }, "RecordBuffer::allocate",
+                "Instance 1 is twice in the instance list.");
+  EXPECT_EQ(5u, b.getNInstances());
+}
+
+TEST(RecordBuffer, AddAndDeleteInstancesKeepRecordsAndFlags) {
+  RecordBuffer b(4);
+  b.allocate(1, 5);
+  for (unsigned int i = 1; i <= 5; ++i) {
+    setField<int>(b, i, 0, static_cast<int>(i * 10));
+    b.setInstanceFlag(i, i + 100);
+  }
+  b.addInstances(10);
+  EXPECT_EQ(15u, b.getNInstances());
+  EXPECT_EQ(1u, b.getFirstRecord());
+  EXPECT_EQ(15u, b.getLastRecord());
+  for (unsigned int i = 1; i <= 5; ++i) {
+    EXPECT_EQ(static_cast<int>(i * 10), fieldOf<int>(b, i, 0));
+    EXPECT_EQ(i + 100, b.getInstanceFlag(i));
+  }
+  for (unsigned int i = 6; i <= 15; ++i) {
+    EXPECT_EQ(0, fieldOf<int>(b, i, 0));
+    EXPECT_EQ(0u, b.getInstanceFlag(i));
+  }
+  b.deleteInstances(12);
+  EXPECT_EQ(3u, b.getNInstances());
+  EXPECT_EQ(30, fieldOf<int>(b, 3, 0));
+  EXPECT_EQ(103u, b.getInstanceFlag(3));
+  EXPECT_FALSE(b.inside(4u));
+  expectFailure([&] { b.deleteInstances(4); }, "RecordBuffer::deleteInstances",
+                "Cannot delete 4 instances from a RecordBuffer of 3.");
+  // A range that does not start at 1 grows at its end.
+  RecordBuffer c(4);
+  c.allocate(10, 11);
+  c.addInstances(2);
+  EXPECT_EQ(10u, c.getFirstRecord());
+  EXPECT_EQ(13u, c.getLastRecord());
+}
+
+TEST(RecordBuffer, InstanceFlags) {
+  RecordBuffer b(4);
+  b.allocate(1, 5);
+  EXPECT_FALSE(b.hasInstanceFlags());
+  EXPECT_EQ(0u, b.getInstanceFlag(2));
+  EXPECT_FALSE(b.hasInstanceFlags());
+  b.setInstanceFlag(2, 7);
+  EXPECT_TRUE(b.hasInstanceFlags());
+  EXPECT_EQ(7u, b.getInstanceFlag(2));
+  EXPECT_EQ(0u, b.getInstanceFlag(5));
+  expectFailure([&] { b.setInstanceFlag(0, 1); }, "RecordBuffer::setInstanceFlag", "first instance 0 was less than 1.");
+  expectFailure([&] { b.setInstanceFlag(9, 1); }, "RecordBuffer::setInstanceFlag",
+                "The instance 9 was outwith the range 1:5!");
+  RecordBuffer l(4);
+  l.allocate(std::vector<unsigned int>{3, 8});
+  l.setInstanceFlag(8, 2);
+  EXPECT_EQ(2u, l.getInstanceFlag(8));
+  expectFailure([&] { l.setInstanceFlag(4, 1); }, "RecordBuffer::setInstanceFlag",
+                "The instance 4 is not within this instance list record buffer!");
+  expectFailure([&] { l.getInstanceFlag(4); }, "RecordBuffer::getInstanceFlag",
+                "The instance 4 is not within this instance list record buffer!");
+}
+
+TEST(RecordBuffer, CopiesAreDeep) {
+  RecordBuffer b(4);
+  b.allocate(2, 3);
+  setField<int>(b, 2, 0, 42);
+  b.setInstanceFlag(3, 9);
+  RecordBuffer copy(b);
+  setField<int>(b, 2, 0, 43);
+  b.setInstanceFlag(3, 10);
+  EXPECT_EQ(42, fieldOf<int>(copy, 2, 0));
+  EXPECT_EQ(9u, copy.getInstanceFlag(3));
+  std::unique_ptr<RecordBuffer> clone(b.clone());
+  EXPECT_EQ(43, fieldOf<int>(*clone, 2, 0));
+  EXPECT_EQ(2u, clone->getFirstRecord());
+  std::unique_ptr<RecordBuffer> fresh(b.createNew());
+  EXPECT_TRUE(fresh->isEmpty());
+  EXPECT_EQ(4, fresh->getRecordLength());
+}
+
+// ---------------------------------------------------------------------------
+
+TEST(ByteSwappedRecordBuffer, FieldsSwapByTheirTypes) {
+  ByteSwappedRecordBuffer b(20);
+  b.setType(0, vINT32);
+  b.setType(4, vCHAR8);
+  b.setType(8, vINT16);
+  b.setType(12, vFLOAT64);
+  b.allocate(1, 3);
+  // The records hold the file's words as they are.
+  setField<uint32_t>(b, 2, 0, 0x01020304u);
+  setField<uint32_t>(b, 2, 4, 0x01020304u);
+  setField<uint32_t>(b, 2, 8, 0x01020304u);
+  uint32_t word = 0;
+  b.extractRange(&word, 4, 1, 0, 2);
+  EXPECT_EQ(0x04030201u, word);
+  b.extractRange(&word, 4, 1, 4, 2);  // 1-byte values move unchanged
+  EXPECT_EQ(0x01020304u, word);
+  b.extractRange(&word, 4, 1, 8, 2);  // two 16-bit values, each swapped
+  EXPECT_EQ(0x02010403u, word);
+
+  // Inserting swaps back: a round trip is the identity, the records hold
+  // the other order.
+  double const values[] = {1.0, -3.25, 1e300};
+  b.insertRange(values, 8, 3, 12, 1);
+  EXPECT_TRUE(b.isDirty());
+  uint64_t raw = fieldOf<uint64_t>(b, 2, 12);
+  double native;
+  uint64_t swapped = __builtin_bswap64(raw);
+  std::memcpy(&native, &swapped, 8);
+  EXPECT_EQ(-3.25, native);
+  double out[3];
+  b.extractRange(out, 8, 3, 12, 1);
+  EXPECT_EQ(0, std::memcmp(values, out, sizeof values));
+
+  expectFailure([&] { b.extractRange(out, 4, 1, 16, 1); }, "ByteSwappedRecordBuffer::getType",
+                "Offset (16) to attribute does not exist.");
+  expectFailure([&] { b.getSize(3); }, "ByteSwappedRecordBuffer::getType", "Offset (3) to attribute does not exist.");
+  expectFailure([&] { b.extractRange(out, 6, 1, 0, 1); }, "ByteSwappedRecordBuffer::extractRange",
+                "elementSize(6) is not a multiple of the size (4) of the field's values.");
+  EXPECT_EQ(8, b.getSize(12));
+  EXPECT_EQ(1, b.getSize(4));
+}
+
+TEST(ByteSwappedRecordBuffer, ListFormCreateNewAndExternalData) {
+  ByteSwappedRecordBuffer b(8);
+  b.setType(0, vINT32);
+  b.setType(4, vFLOAT32);
+  b.allocate(std::vector<unsigned int>{7, 3});
+  int const ints[] = {0x11223344, 0x55667788};
+  b.insertList(ints, 4, 2, 0, {3, 7});
+  EXPECT_EQ(0x44332211u, fieldOf<uint32_t>(b, 3, 0));
+  EXPECT_EQ(0x88776655u, fieldOf<uint32_t>(b, 7, 0));
+  int out[2];
+  b.extractList(out, 4, 2, 0, {7, 3});
+  EXPECT_EQ(0x55667788, out[0]);
+  EXPECT_EQ(0x11223344, out[1]);
+  b.extractRange(out, 4, 1, 0, 3);
+  EXPECT_EQ(0x11223344, out[0]);
+  float const f[] = {2.5f, -1.0f};
+  b.insertRange(f, 4, 1, 4, 7);
+  b.insertRange(f + 1, 4, 1, 4, 3);
+
+  // Records copied out as they are, then put in this machine's order.
+  std::vector<unsigned char> records(16);
+  std::memcpy(records.data(), b.getBuffer(7, 0), 8);
+  std::memcpy(records.data() + 8, b.getBuffer(3, 0), 8);
+  b.fixExternalData(records.data(), 2, 8);
+  int i0;
+  float f0;
+  std::memcpy(&i0, records.data(), 4);
+  std::memcpy(&f0, records.data() + 4, 4);
+  EXPECT_EQ(0x55667788, i0);
+  EXPECT_EQ(2.5f, f0);
+  std::memcpy(&f0, records.data() + 12, 4);
+  EXPECT_EQ(-1.0f, f0);
+
+  // A new buffer of the same kind knows the types.
+  std::unique_ptr<RecordBuffer> fresh(b.createNew());
+  fresh->allocate(1, 1);
+  setField<uint32_t>(*fresh, 1, 0, 0x01020304u);
+  uint32_t word;
+  fresh->extractRange(&word, 4, 1, 0, 1);
+  EXPECT_EQ(0x04030201u, word);
+  std::unique_ptr<RecordBuffer> clone(b.clone());
+  clone->extractRange(out, 4, 1, 0, 7);
+  EXPECT_EQ(0x55667788, out[0]);
+  // The plain buffer leaves outside data alone.
+  RecordBuffer plain(8);
+  std::vector<unsigned char> before(records);
+  plain.fixExternalData(records.data(), 2, 8);
+  EXPECT_EQ(before, records);
+}
+
+}  // namespace
