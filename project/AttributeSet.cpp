@@ -1,5 +1,6 @@
 #include "project/AttributeSet.h"
 
+#include "foundation/Message.h"
 #include "project/Project.h"
 
 AttributeSet::AttributeSet() {}
@@ -14,5 +15,9 @@ void AttributeSet::getAttributeList(std::list<Attribute>& attributes) const { at
 
 bool AttributeSet::prepareBuffer(AttributeSetBuffer&) const { return false; }
 
-// PENDING(record buffers): the loop over the buffer's attributes.
-void AttributeSet::readBufferRange(AttributeSetBuffer&, unsigned int, unsigned int) const {}
+// Refused rather than left empty: a caller must never take an untouched
+// buffer for data read.
+void AttributeSet::readBufferRange(AttributeSetBuffer&, unsigned int first, unsigned int last) const {
+  Message::fatal("AttributeSet::readBufferRange", 0,
+                 "Reading instances %u-%u into an AttributeSetBuffer is not available in this build.", first, last);
+}
