@@ -556,6 +556,10 @@ void Attribute::transferData(Attribute& source) {
   if (!isSupportedType(source.m_dataType))
     Message::fatal("Attribute::transferData", 0, "Unsupported data type %s for %s.",
                    typeName(source.m_dataType).c_str(), source.getName().c_str());
+  myTakeOver(source);
+}
+
+void Attribute::myTakeOver(Attribute& source) {
   resize(0, nullptr, nullptr, nullptr);
   operator=(source);
   // The pointers move as they are; the offsets go along, being those of
@@ -1059,7 +1063,10 @@ void Attribute::myUnpack(Packer& packer) {
   int32_t type = 0;
   int32_t length = 0;
   packer.unpack(type);
-  if (!isSupportedType(type))
+  // A default attribute (no type yet) travels too, as long as it holds
+  // nothing.
+  bool const untyped = type == vNOTYPE;
+  if (!untyped && !isSupportedType(type))
     Message::fatal("Attribute::unpack", 0, "Unsupported data type '%s' for Attribute %s.", typeName(type).c_str(),
                    vUCString(name).c_str());
   packer.unpack(length);
@@ -1093,8 +1100,21 @@ void Attribute::myUnpack(Packer& packer) {
     nInstances = static_cast<unsigned int>(n);
   }
 
-  Attribute scratch(vUCString(name), vUCString(className), static_cast<DataType>(type), length, sampleRate,
-                    firstTime);
+  if (untyped && nInstances > 0)
+    Message::fatal("Attribute::unpack", 0, "Unsupported data type '%s' for Attribute %s.", typeName(type).c_str(),
+                   vUCString(name).c_str());
+  Attribute scratch;
+  if (untyped) {
+    scratch.setName(vUCString(name));
+    scratch.setClass(vUCString(className));
+    scratch.m_length = length;
+    scratch.m_sampleRate = sampleRate;
+    scratch.m_firstTime = firstTime;
+    scratch.myContructorInitialize();
+  } else {
+    scratch.myInit(vUCString(name), vUCString(className), static_cast<DataType>(type), length, sampleRate,
+                   firstTime);
+  }
   scratch.m_isVector = isVector;
 
   double minValue = 0.0;
@@ -1176,7 +1196,7 @@ void Attribute::myUnpack(Packer& packer) {
   scratch.m_maxValue = maxValue;
   scratch.m_nZeros = nZeros;
   scratch.m_originalDataType = static_cast<DataType>(originalType);
-  transferData(scratch);
+  myTakeOver(scratch);
 }
 
 // ---------------------------------------------------------------------------

@@ -225,6 +225,8 @@ class Attribute : public Packable {
   void myInit(vUCString const& name, vUCString const& className, DataType type, int length, double sampleRate,
               double firstTime);
   void myUnpack(Packer& packer);
+  // transferData without the type check.
+  void myTakeOver(Attribute& source);
 
   DataType m_dataType;
   DataType m_originalDataType;

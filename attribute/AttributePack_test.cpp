@@ -194,6 +194,30 @@ TEST(AttributePack, RoundTripOfEveryShape) {
   EXPECT_EQ(77, tail);
 }
 
+TEST(AttributePack, DefaultAttributeTravelsWithoutData) {
+  Attribute d;
+  d.setName("untyped");
+  Bytes b;
+  head(b, 5, "UNTYPED", "", vNOTYPE, 0, 0.0, 0.0)
+      .boolean(true)
+      .int64(0)
+      .float64(0)
+      .float64(0)
+      .int64(0)
+      .int32(0)
+      .end();
+  EXPECT_EQ(b.body(), packed(d));
+  Attribute back(*b.reader());
+  EXPECT_STREQ("UNTYPED", back.getName().c_str());
+  EXPECT_EQ(vNOTYPE, back.getDataType());
+  EXPECT_TRUE(back.compare(d));
+
+  Bytes filled;
+  head(filled, 5, "UNTYPED", "", vNOTYPE, 0, 0.0, 0.0).boolean(true).int64(2).end();
+  expectFailure([&] { Attribute a(*filled.reader()); }, "Attribute::unpack",
+                "Unsupported data type 'vNOTYPE' for Attribute UNTYPED.");
+}
+
 TEST(AttributePack, ReadsVersion1) {
   // No vector flag, a 32-bit count, no statistics, no original type.
   Bytes b;

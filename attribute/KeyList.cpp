@@ -44,7 +44,11 @@ void KeyList::addKey(Attribute const& key) {
 }
 
 void KeyList::removeKey(vUCString const& name) {
-  vUCStringTableData const* id = Attribute::getNameID(name);
+  // A name nobody interned cannot be a key; looking it up must not add it.
+  vUCString key(name);
+  key.strip();
+  vUCStringTableData const* id = nullptr;
+  if (!Attribute::getStringTable().exists(key, &id)) return;
   for (iterator i = m_keys.begin(); i != m_keys.end(); ++i) {
     if (i->getNameID() == id) {
       m_keys.erase(i);
