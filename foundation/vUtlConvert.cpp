@@ -21,7 +21,8 @@
 #include "foundation/vString.h"
 #include "foundation/vUtl.h"
 
-#if (defined(__x86_64__) || defined(__i386__)) && defined(__linux__) && !defined(RONDO_NO_TARGET_CLONES)
+// Not on i386: position-independent code there cannot call a local ifunc.
+#if defined(__x86_64__) && defined(__linux__) && !defined(RONDO_NO_TARGET_CLONES)
 #if defined(__clang__)
 #define RONDO_CONVERT_HOT __attribute__((target_clones("avx2", "ssse3", "default")))
 #else
