@@ -34,8 +34,10 @@ bool gethostname(char* buffer, unsigned size) {
   host[sizeof host - 1] = 0;
   char* dot = std::strchr(host, '.');
   if (dot) *dot = 0;
-  std::strncpy(buffer, host, size - 1);
-  buffer[size - 1] = 0;
+  size_t n = std::strlen(host);
+  if (n > size - 1) n = size - 1;
+  std::memcpy(buffer, host, n);
+  buffer[n] = 0;
   return true;
 }
 
