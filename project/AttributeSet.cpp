@@ -1,6 +1,6 @@
 #include "project/AttributeSet.h"
 
-#include "foundation/Message.h"
+#include "attribute/AttributeSetBuffer.h"
 #include "project/Project.h"
 
 AttributeSet::AttributeSet() {}
@@ -15,9 +15,14 @@ void AttributeSet::getAttributeList(std::list<Attribute>& attributes) const { at
 
 bool AttributeSet::prepareBuffer(AttributeSetBuffer&) const { return false; }
 
-// Refused rather than left empty: a caller must never take an untouched
-// buffer for data read.
-void AttributeSet::readBufferRange(AttributeSetBuffer&, unsigned int first, unsigned int last) const {
-  Message::fatal("AttributeSet::readBufferRange", 0,
-                 "Reading instances %u-%u into an AttributeSetBuffer is not available in this build.", first, last);
+// Attribute by attribute: a set that keeps its data in records of its own
+// does better by moving records.
+void AttributeSet::readBufferRange(AttributeSetBuffer& buffer, unsigned int first, unsigned int last) const {
+  for (Attribute const& definition : buffer.getAttributeList()) {
+    Attribute data(definition);
+    read(data, first, last);
+    buffer.setAttributeAndData(data);
+  }
+  // Fields of record buffers go back into their records.
+  buffer.multiplex();
 }

@@ -109,7 +109,9 @@ class AttributeSet : public PropertyI {
   // Lays the buffer out as this set's own, when the set keeps its data in
   // one; true when it did. Nothing here.
   virtual bool prepareBuffer(AttributeSetBuffer& buffer) const;
-  // Reads instances first to last into every attribute of the buffer.
+  // Reads instances first to last into every attribute of the buffer,
+  // which must hold as many instances; here by read(), one attribute after
+  // the other.
   virtual void readBufferRange(AttributeSetBuffer& buffer, unsigned int first, unsigned int last) const;
 
  protected:

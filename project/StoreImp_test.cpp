@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "attribute/AttributeSetBuffer.h"
 #include "attribute/Property.h"
+#include "attribute/RecordBuffer.h"
 #include "project/FullStoreName.h"
 #include "project/Project.h"
 #include "project/StoreTesting.h"
@@ -358,4 +360,45 @@ TEST(Store, WritesEveryAttributeOfAnotherSet) {
   EXPECT_EQ((std::vector<int>{-2, -1, -1}), readInts(store, "AMP"));
   // No in-memory store class is linked into this program.
   EXPECT_EQ(nullptr, Store::setInMemoryStoreView(nullptr));
+}
+
+TEST(AttributeSet, ReadsARangeIntoABufferAttributeByAttribute) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  store.update("a", 0, "", "", nullptr);
+  store.addAttribute(Attribute("AMP", "", vINT32));
+  store.addAttribute(Attribute("TRACE", "", vFLOAT32, 2));
+  store.write(ints("AMP", {10, 20, 30}), 1, 3);
+  Attribute trace("TRACE", "", vFLOAT32, 2);
+  float const samples[] = {1.5f, 2.5f, 3.5f, 4.5f, 5.5f, 6.5f};
+  trace.copyData(3, samples);
+  store.write(trace, 1, 3);
+
+  // TRACE a plain attribute, CDP and AMP fields of one record.
+  AttributeSetBuffer buffer;
+  buffer.addAttribute(Attribute("TRACE", "", vFLOAT32, 2));
+  AttributeSetBuffer::Layout layout;
+  layout.push_back(std::make_pair(Attribute("CDP", "", vINT32), 0));
+  layout.push_back(std::make_pair(Attribute("AMP", "", vINT32), 4));
+  buffer.addRecordBuffer("headers", RecordBuffer(8), layout);
+  buffer.setNInstances(2);
+  EXPECT_FALSE(store.prepareBuffer(buffer)) << "the test sets keep no buffer of their own";
+
+  store.readBufferRange(buffer, 2, 3);
+  Attribute const& t = buffer.readAttributeAndData("TRACE");
+  ASSERT_EQ(2u, t.getNInstances());
+  EXPECT_EQ(3.5f, t.getFloat32Pointer(1)[0]);
+  EXPECT_EQ(6.5f, t.getFloat32Pointer(2)[1]);
+  // The fields are back in their records.
+  EXPECT_FALSE(buffer.isDirty("CDP"));
+  int32_t records[4] = {};
+  buffer.exportRange(reinterpret_cast<char*>(records), 1, 2, "headers");
+  EXPECT_EQ(2, records[0]);
+  EXPECT_EQ(20, records[1]);
+  EXPECT_EQ(3, records[2]);
+  EXPECT_EQ(30, records[3]);
+
+  // A buffer of another size is refused by the buffer.
+  buffer.setNInstances(5);
+  expectFailure([&] { store.readBufferRange(buffer, 1, 3); }, "AttributeSetBuffer::setAttributeAndData",
+                "New attribute 'AMP' has 3 instances, but the buffer has 5. They must be the same.");
 }
