@@ -492,7 +492,8 @@ int vString::setSize(int n) {
   if (n == static_cast<int>(m_length)) return n;
   if (n < 1) return -1;
   myReallocate(static_cast<unsigned int>(n));
-  m_data[0] = 0;
+  // The content is lost; zero all of it so that no byte is left undefined.
+  std::memset(m_data, 0, static_cast<size_t>(n));
   return n;
 }
 
