@@ -91,13 +91,3 @@ Project::AttributeSetDetailsList JITProjectDecorator::getAttributeSetDetails(vLC
   makeSureIsOpen();
   return m_project->getAttributeSetDetails(name, version);
 }
-
-void JITProjectDecorator::gift(int type, vLCString const& name, int version) {
-  makeSureIsOpen();
-  m_project->gift(type, name, version);
-}
-
-void JITProjectDecorator::rift(int type, vLCString const& name, int version, vLCString const& text) {
-  makeSureIsOpen();
-  m_project->rift(type, name, version, text);
-}

@@ -31,8 +31,8 @@ class JITProjectDecorator : public Project {
   bool hasStore(vLCString const& name, int version) override;
   StoreDetails getStoreDetails(vLCString const& name, int version) const override;
   AttributeSetDetailsList getAttributeSetDetails(vLCString const& name, int version) override;
-  void gift(int type, vLCString const& name, int version) override;
-  void rift(int type, vLCString const& name, int version, vLCString const& text) override;
+  // gift and rift are not passed on: the wrapper answers for them as any
+  // project does, whatever the project beneath could do.
 
   // True once the wrapped project has been opened.
   virtual bool isReallyOpen() const;

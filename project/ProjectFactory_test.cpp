@@ -10,8 +10,11 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <vector>
 
+#include "foundation/Message.h"
 #include "foundation/TestReleaseTree.h"
+#include "foundation/vUtl.h"
 #include "project/CapiMaker.h"
 #include "project/CapiProject.h"
 #include "project/JITProjectDecorator.h"
@@ -550,6 +553,315 @@ TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {
   // A Kelp client is made on its server, with the data host beside it.
   EXPECT_EQ(ProjectType::KELP, catalog->getProjectType());
   EXPECT_EQ("127.0.0.71", str(catalog->getHost()));
+}
+
+}  // namespace
+
+// --- which class each request makes ----------------------------------------
+
+namespace {
+
+// What a maker of a higher layer was asked for: class, arguments.
+struct Made {
+  std::string cls;
+  std::string first;
+  int type;
+  std::string second;
+};
+std::vector<Made> madeLog;
+
+std::string describe(Made const& m) {
+  return m.cls + "(" + m.first + ", " + std::to_string(m.type) + ", " + m.second + ")";
+}
+std::string lastMade() { return madeLog.empty() ? std::string("nothing") : describe(madeLog.back()); }
+
+// Names its hosts as the client catalog does: for Kelp the first is the
+// server and the second the data host, otherwise the reverse.
+class RecordedCatalog : public UTProjectCatalog {
+ public:
+  RecordedCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second, bool serverFirst)
+      : UTProjectCatalog(serverFirst ? second : first, type), m_server(serverFirst ? first : second) {}
+  vString getServer() const override { return m_server; }
+
+ private:
+  vString m_server;
+};
+
+ProjectCatalog* recordClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second) {
+  madeLog.push_back({"ClientProjectCatalog", str(first), type, str(second)});
+  return new RecordedCatalog(first, type, second, type == ProjectType::KELP);
+}
+
+ProjectCatalog* recordZonCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const& server) {
+  madeLog.push_back({"ZonProjectCatalog", str(host), type, str(server)});
+  return new RecordedCatalog(host, type, server, false);
+}
+
+Project* recordClientProject(vHandle<ProjectCatalog> const& catalog) {
+  madeLog.push_back({"ClientProject", str(catalog->getHost()), catalog->getProjectType(), str(catalog->getServer())});
+  return new UTProject(catalog);
+}
+
+Project* recordZonProject(vHandle<ProjectCatalog> const& catalog) {
+  madeLog.push_back({"ZonProject", str(catalog->getHost()), catalog->getProjectType(), str(catalog->getServer())});
+  return new UTProject(catalog);
+}
+
+// A project that no server has: open fails.
+class AbsentProject : public UTProject {
+ public:
+  explicit AbsentProject(vHandle<ProjectCatalog> const& catalog) : UTProject(catalog) { UTProject::close(); }
+  void open(vLCString const& name) override {
+    Message::fatal("AbsentProject::open", 0, "No project %s here.", name.c_str());
+  }
+};
+
+Project* makeAbsentProject(vHandle<ProjectCatalog> const& catalog) { return new AbsentProject(catalog); }
+
+// Records every class of the higher layers while it lives.
+class Recorder {
+ public:
+  Recorder()
+      : m_client(ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &recordClientCatalog)),
+        m_zon(ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &recordZonCatalog)),
+        m_clientProject(ProjectFactory::registerMaker("ClientProject", &recordClientProject)),
+        m_zonProject(ProjectFactory::registerMaker("ZonProject", &recordZonProject)) {
+    madeLog.clear();
+  }
+  ~Recorder() {
+    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_client);
+    ProjectCatalogFactory::registerMaker("ZonProjectCatalog", m_zon);
+    ProjectFactory::registerMaker("ClientProject", m_clientProject);
+    ProjectFactory::registerMaker("ZonProject", m_zonProject);
+  }
+
+ private:
+  ProjectCatalogFactory::Maker m_client;
+  ProjectCatalogFactory::Maker m_zon;
+  ProjectFactory::Maker m_clientProject;
+  ProjectFactory::Maker m_zonProject;
+};
+
+TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
+  Recorder recorder;
+  std::string here = str(vUtl::gethostname());
+
+  // Rondo and the types without a class of their own: a client on the host,
+  // without the server.
+  struct {
+    ProjectType::PROJECT_TYPE type;
+    char const* made;
+  } const clients[] = {
+      {ProjectType::RONDO, "ClientProjectCatalog(127.0.0.61, 1, )"},
+      {ProjectType::NOTYPE, "ClientProjectCatalog(127.0.0.61, 0, )"},
+      {ProjectType::DORN, "ClientProjectCatalog(127.0.0.61, 3, )"},
+      {ProjectType::FLATFILE, "ClientProjectCatalog(127.0.0.61, 5, )"},
+      {ProjectType::MEMORY, "ClientProjectCatalog(127.0.0.61, 6, )"},
+      {ProjectType::INMEMORY, "ClientProjectCatalog(127.0.0.61, 7, )"},
+  };
+  for (auto const& c : clients) {
+    vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("127.0.0.61", c.type, "srv");
+    EXPECT_EQ(c.made, lastMade());
+    EXPECT_EQ(c.type, catalog->getProjectType());
+  }
+
+  // Kelp: a client on the server, with the data host beside it; found again
+  // by both.
+  vHandle<ProjectCatalog> kelp = ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "127.0.0.63");
+  EXPECT_EQ("ClientProjectCatalog(127.0.0.63, 2, 127.0.0.62)", lastMade());
+  size_t n = madeLog.size();
+  EXPECT_EQ(kelp.get(), ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "127.0.0.63").get());
+  EXPECT_EQ(n, madeLog.size());
+  // Without a server, this host serves.
+  ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "");
+  EXPECT_EQ("ClientProjectCatalog(" + here + ", 2, 127.0.0.62)", lastMade());
+
+  // Zonmesh: the database catalog, with the server as given; found again by
+  // server and host.
+  vHandle<ProjectCatalog> zon = ProjectCatalogFactory::create("127.0.0.64", ProjectType::ZONMESH, "centre");
+  EXPECT_EQ("ZonProjectCatalog(127.0.0.64, 8, centre)", lastMade());
+  n = madeLog.size();
+  EXPECT_EQ(zon.get(), ProjectCatalogFactory::create("127.0.0.64", ProjectType::ZONMESH, "centre").get());
+  EXPECT_EQ(n, madeLog.size());
+  EXPECT_NE(zon.get(), ProjectCatalogFactory::create("127.0.0.64", ProjectType::ZONMESH, "centre2").get());
+  EXPECT_EQ("ZonProjectCatalog(127.0.0.64, 8, centre2)", lastMade());
+  // The in-process catalog: the default server.
+  CapiMaker::projectCatalog("127.0.0.65");
+  EXPECT_EQ("ZonProjectCatalog(127.0.0.65, 8, )", lastMade());
+
+  // Unit-test catalogs need no maker.
+  n = madeLog.size();
+  vHandle<ProjectCatalog> ut = ProjectCatalogFactory::create("127.0.0.66", ProjectType::UNITTEST, "");
+  EXPECT_NE(nullptr, dynamic_cast<UTProjectCatalog*>(ut.get()));
+  EXPECT_EQ(n, madeLog.size());
+}
+
+TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
+  Recorder recorder;
+  char const* reason =
+      "Unable to get host no-such-host.invalid's IP Address. Check host spelling, watch out for l instead of 1 in "
+      "host name.";
+  for (ProjectType::PROJECT_TYPE type :
+       {ProjectType::NOTYPE, ProjectType::RONDO, ProjectType::KELP, ProjectType::DORN, ProjectType::INMEMORY}) {
+    unsigned int cached = ProjectCatalogFactory::getCacheSize();
+    expectFatal([type] { ProjectCatalogFactory::create("no-such-host.invalid", type, "127.0.0.67"); },
+                "vUtl::getIPAddress", reason);
+    EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
+  }
+  EXPECT_EQ("nothing", lastMade());
+
+  // The database and unit-test catalogs do not resolve their host.
+  ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::ZONMESH, "centre");
+  EXPECT_EQ("ZonProjectCatalog(no-such-host.invalid, 8, centre)", lastMade());
+  EXPECT_EQ("no-such-host.invalid",
+            str(ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::UNITTEST, "")->getHost()));
+
+  // Nor does a blank host.
+  vHandle<ProjectCatalog> blank = ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
+  EXPECT_EQ("ClientProjectCatalog(, 1, )", lastMade());
+  EXPECT_EQ("", str(blank->getHost()));
+  ProjectCatalogFactory::create("", ProjectType::KELP, "127.0.0.68");
+  EXPECT_EQ("ClientProjectCatalog(127.0.0.68, 2, )", lastMade());
+}
+
+TEST(ProjectFactory, TheCatalogsTypeChoosesTheClass) {
+  Recorder recorder;
+  for (ProjectType::PROJECT_TYPE type : {ProjectType::NOTYPE, ProjectType::RONDO, ProjectType::KELP, ProjectType::DORN,
+                                         ProjectType::FLATFILE, ProjectType::MEMORY, ProjectType::INMEMORY}) {
+    vHandle<ProjectCatalog> catalog(new RecordedCatalog("127.0.0.69", type, "srv", false));
+    ProjectFactory::create(catalog);
+    EXPECT_EQ("ClientProject(127.0.0.69, " + std::to_string(type) + ", srv)", lastMade());
+  }
+  vHandle<ProjectCatalog> zon(new RecordedCatalog("127.0.0.69", ProjectType::ZONMESH, "centre", false));
+  ProjectFactory::create(zon);
+  EXPECT_EQ("ZonProject(127.0.0.69, 8, centre)", lastMade());
+  madeLog.clear();
+  CapiMaker::project(zon);
+  EXPECT_EQ("ZonProject(127.0.0.69, 8, centre)", lastMade());
+
+  madeLog.clear();
+  vHandle<ProjectCatalog> ut(new UTProjectCatalog("127.0.0.69", ProjectType::UNITTEST));
+  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(ProjectFactory::create(ut).get()));
+  EXPECT_EQ("nothing", lastMade());
+}
+
+TEST(ProjectFactory, OpenProjectMatchesTheServerToo) {
+  DefaultProjectGuard guard;
+  // A unit-test project has no server, so one asked for with a server is
+  // never the one found.
+  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
+  vHandle<Project> b = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
+  EXPECT_NE(a.get(), b.get());
+  EXPECT_EQ("", str(a->getServerHost()));
+  // Asked for without one, the oldest of the two is found.
+  vHandle<Project> c = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS1", "survey");
+  EXPECT_EQ(a.get(), c.get());
+  // Nor is a project on another host.
+  EXPECT_NE(c.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS2", "survey").get());
+}
+
+TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
+  Recorder recorder;
+  DefaultProjectGuard guard;
+  ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", &makeAbsentProject);
+  unsigned int projects = ProjectFactory::getCacheSize();
+  unsigned int catalogs = ProjectCatalogFactory::getCacheSize();
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    expectFatal([] { ProjectFactory::openProject(ProjectType::RONDO, "srv", "127.0.0.70", "Survey"); },
+                "AbsentProject::open", "No project survey here.");
+    EXPECT_EQ(projects, ProjectFactory::getCacheSize());
+    // The catalog made at the first attempt serves the second.
+    EXPECT_EQ(catalogs + 1, ProjectCatalogFactory::getCacheSize());
+    EXPECT_EQ(1u, madeLog.size());
+    // Nor does the failed project become the default.
+    EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  }
+
+  // Deferred, the same project opens at no cost, is cached and is the
+  // default; its first content call meets the failure.
+  vHandle<Project> p = ProjectFactory::openProjectDeferred(ProjectType::RONDO, "srv", "127.0.0.70", "survey");
+  EXPECT_TRUE(p->isOpen());
+  EXPECT_EQ(projects + 1, ProjectFactory::getCacheSize());
+  EXPECT_EQ(p.get(), ProjectFactory::getDefaultProject().get());
+  expectFatal([&] { p->getStoreList("", ""); }, "AbsentProject::open", "No project survey here.");
+  EXPECT_FALSE(dynamic_cast<JITProjectDecorator*>(p.get())->isReallyOpen());
+  ProjectFactory::registerMaker("ClientProject", saved);
+}
+
+TEST(JITProjectDecorator, ContentCallsOpenFirstAndPlaceCallsDoNot) {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostJ3", ProjectType::UNITTEST));
+  char const* reason =
+      "Cannot open the project since the open method has not been called so we don't know what to open!";
+  struct {
+    std::function<void(Project&)> call;
+    char const* inner;
+  } const contents[] = {
+      {[](Project& p) { p.getStoreList("", ""); }, "getStoreList"},
+      {[](Project& p) { p.getStoreDetailsList("", ""); }, "getStoreDetailsList"},
+      // The unit-test project leaves this one to its base, which records
+      // nothing: the open is the last thing it saw.
+      {[](Project& p) { p.getLightStoreDetailsList("", ""); }, "open"},
+      {[](Project& p) { p.getStoreDetails("x", 1); }, "getStoreDetails"},
+      {[](Project& p) { p.hasStore("x", 1); }, "hasStore"},
+      {[](Project& p) { p.purgeStore(1, "x", "", ""); }, "purgeStore"},
+      {[](Project& p) { p.deleteStore("x", 1, "", ""); }, "deleteStore"},
+      {[](Project& p) { p.getAttributeSetDetails("x", 1); }, "getStoreAttributeSets"},
+  };
+  for (auto const& c : contents) {
+    vHandle<Project> inner(new UTProject(catalog));
+    UTProject* ut = static_cast<UTProject*>(inner.get());
+    JITProjectDecorator jit(inner);
+    expectFatal([&] { c.call(jit); }, "JITProjectDecorator::makeSureIsOpen", reason);
+    EXPECT_EQ("getProjectCatalog", str(ut->getLastCall())) << c.inner;
+
+    jit.open("Deferred");
+    EXPECT_EQ("getProjectCatalog", str(ut->getLastCall())) << c.inner;
+    c.call(jit);
+    EXPECT_TRUE(jit.isReallyOpen()) << c.inner;
+    EXPECT_EQ(c.inner, str(ut->getLastCall()));
+    EXPECT_EQ("deferred", str(ut->getName()));
+  }
+
+  // Where and what it is: passed on at once, never opening.
+  struct {
+    std::function<void(Project&)> call;
+    char const* inner;
+  } const places[] = {
+      {[](Project& p) { EXPECT_EQ("uthostJ3", str(p.getProjectHost())); }, "getProjectHost"},
+      {[](Project& p) { EXPECT_EQ("", str(p.getServerHost())); }, "getServerHost"},
+      {[](Project& p) { EXPECT_EQ(ProjectType::UNITTEST, p.getProjectType()); }, "getProjectType"},
+      {[&](Project& p) { EXPECT_EQ(catalog.get(), p.getProjectCatalog().get()); }, "getProjectCatalog"},
+  };
+  vHandle<Project> inner(new UTProject(catalog));
+  UTProject* ut = static_cast<UTProject*>(inner.get());
+  JITProjectDecorator jit(inner);
+  for (auto const& c : places) {
+    c.call(jit);
+    EXPECT_EQ(c.inner, str(ut->getLastCall()));
+    EXPECT_FALSE(jit.isReallyOpen());
+  }
+  // Name and state are the wrapper's own.
+  EXPECT_FALSE(jit.isOpen());
+  EXPECT_EQ("", str(jit.getName()));
+  EXPECT_EQ("getProjectCatalog", str(ut->getLastCall()));
+
+  // gift and rift are not passed on.
+  jit.open("a");
+  expectFatal([&] { jit.gift(1, "x", 1); }, "Project::gift", "Function not supported by this project!");
+  expectFatal([&] { jit.rift(1, "x", 1, "y"); }, "Project::rift", "Function not supported by this project!");
+  EXPECT_FALSE(jit.isReallyOpen());
+
+  // A new open forgets the connection, and the next content call opens the
+  // new name.
+  jit.makeSureIsOpen();
+  EXPECT_EQ("a", str(inner->getName()));
+  jit.open("b");
+  EXPECT_FALSE(jit.isReallyOpen());
+  EXPECT_EQ("b", str(jit.getName()));
+  jit.hasStore("x", 0);
+  EXPECT_EQ("b", str(inner->getName()));
+  jit.makeSureIsOpen();
+  EXPECT_EQ("getName", str(ut->getLastCall()));
 }
 
 }  // namespace
