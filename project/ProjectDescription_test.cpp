@@ -130,8 +130,18 @@ TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
               "Invalid server 'r', maybe you meant r::hostA:<project>:<store> (missing colon after r)");
   expectFatal([] { ProjectDescription d(vString("d:kelp:hostA:p")); }, "ProjectCatalogDescription::setCapi",
               "Invalid server 'kelp', maybe you meant kelp::hostA:<project>:<store> (missing colon after kelp)");
+  for (char const* word : {"r", "rondo", "d", "dorn", "k", "kelp"}) {
+    std::string w(word);
+    expectFatal([&] { ProjectDescription d(vString(("dorn:" + w + ":hostB:p").c_str())); },
+                "ProjectCatalogDescription::setCapi",
+                "Invalid server '" + w + "', maybe you meant " + w + "::hostB:<project>:<store> (missing colon after " + w +
+                    ")");
+  }
+  // Only those words, and only as spelt there.
   expectFatal([] { ProjectDescription d(vString("d:mars:hostA:p")); }, "ProjectCatalogDescription::setCapi",
               "Unrecognised server 'mars'.");
+  expectFatal([] { ProjectDescription d(vString("d:Kelp:hostA:p")); }, "ProjectCatalogDescription::setCapi",
+              "Unrecognised server 'Kelp'.");
   // A blank server is the site's default server.
   tree.setEnv("DORNSERVER", "hdev");
   expectCatalog(ProjectDescription(vString("d::hostA:p")), ProjectType::DORN, "hdev", "hostA", "p");
@@ -175,6 +185,63 @@ TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
   EXPECT_EQ("NoType:::", str(none2.toString()));
   none2.setDefaultProjectType();
   EXPECT_EQ(ProjectType::RONDO, none2.getProjectType());
+}
+
+TEST(ProjectCatalogDescription, SetCapiCompletesABlankHost) {
+  ProjectCatalogDescription d;
+  {
+    DefaultProject def(true);
+    d.setCapi(ProjectType::RONDO, "s", "");
+    EXPECT_EQ("defhost", str(d.getDataHost()));
+    d.setCapi(ProjectType::UNITTEST, "s", "  ");
+    EXPECT_EQ("defhost", str(d.getDataHost()));
+    d.setCapi(ProjectType::RONDO, "s", "hostA");
+    EXPECT_EQ("hostA", str(d.getDataHost()));
+    // A Kelp server left blank is the completed host.
+    d.setCapi(ProjectType::KELP, "", "");
+    EXPECT_EQ("defhost", str(d.getServerHost()));
+    EXPECT_EQ("defhost", str(d.getDataHost()));
+  }
+  {
+    DefaultProject none(false);
+    d.setCapi(ProjectType::ZONMESH, "centre", "");
+    EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
+    EXPECT_EQ("centre", str(d.getServerHost()));
+    EXPECT_EQ(ProjectType::ZONMESH, d.getProjectType());
+  }
+}
+
+TEST(ProjectCatalogDescription, KindsOfDescription) {
+  DefaultProject none(false);
+  TestReleaseTree tree;
+  SiteDatabases site;
+  struct {
+    ProjectType::PROJECT_TYPE type;
+    bool capi;
+    char const* text;
+  } const cases[] = {
+      {ProjectType::NOTYPE, true, "NoType:hprod:h:"},     {ProjectType::RONDO, true, "Rondo:hprod:h:"},
+      {ProjectType::KELP, true, "Kelp:hprod:h:"},         {ProjectType::DORN, true, "Dorn:hprod:h:"},
+      {ProjectType::UNITTEST, true, "UnitTest:hprod:h:"}, {ProjectType::INMEMORY, false, "InMemory:"},
+      {ProjectType::ZONMESH, true, "Zonmesh:hprod:h:"},
+  };
+  for (auto const& c : cases) {
+    ProjectCatalogDescription d;
+    d.setCapi(c.type, "hprod", "h");
+    EXPECT_EQ(c.capi, d.isCapi()) << c.text;
+    EXPECT_FALSE(d.isFlatFile()) << c.text;
+    EXPECT_EQ(c.type == ProjectType::INMEMORY, d.isInMemory()) << c.text;
+    EXPECT_EQ(c.text, str(d.toString()));
+  }
+  ProjectCatalogDescription f;
+  f.setCapi(ProjectType::RONDO, "s", "h");
+  f.setFlatFile(vFilename("/data/x.sgy"));
+  EXPECT_TRUE(f.isFlatFile());
+  EXPECT_FALSE(f.isCapi());
+  EXPECT_FALSE(f.isInMemory());
+  EXPECT_EQ("", str(f.getServerHost()));
+  EXPECT_EQ("/data/x.sgy", str(f.getFlatFileName().getFilename()));
+  EXPECT_EQ("/data", str(f.getPath()));
 }
 
 TEST(ProjectCatalogDescription, EqualityAndOrder) {
