@@ -8,6 +8,7 @@
 #include "foundation/TestReleaseTree.h"
 #include "project/FullProjectName.h"
 #include "project/FullStoreName.h"
+#include "project/NameDetails.h"
 
 namespace {
 
@@ -194,6 +195,63 @@ TEST(FullStoreNameDeathTest, CharacterSetFromTheSiteConfiguration) {
         std::exit(FullStoreName::myIsValidStoreName("bad name") ? 1 : 0);
       },
       ::testing::ExitedWithCode(0), "");
+}
+
+// --- database store names ---------------------------------------------------
+
+void expectParts(NameDetails const& n, char const* type, char const* version, char const* ident, char const* domain) {
+  EXPECT_EQ(type, str(n.getType()));
+  EXPECT_EQ(version, str(n.getVersion()));
+  EXPECT_EQ(ident, str(n.getIdent()));
+  EXPECT_EQ(domain, str(n.getDomain()));
+}
+
+TEST(NameDetails, PartsAreUpperCaseAndReadBack) {
+  NameDetails n(vString("sgy,1,Line12,north"));
+  expectParts(n, "SGY", "1", "LINE12", "NORTH");
+  EXPECT_EQ("SGY,1,LINE12,NORTH", str(n.getName()));
+  EXPECT_EQ(nullptr, n.getProject());
+
+  // Only SGD may end after its ident.
+  n.load("sgd,2,wells");
+  expectParts(n, "SGD", "2", "WELLS", "");
+  vString text("old");
+  n.getName(text);
+  EXPECT_EQ("SGD,2,WELLS", str(text));
+  n.load("SGD,2,wells,");
+  EXPECT_EQ("SGD,2,WELLS", str(n.getName()));
+
+  // Empty parts stay in their place; a fifth stays with the domain.
+  n.load(",,,d");
+  expectParts(n, "", "", "", "D");
+  EXPECT_EQ(",,,D", str(n.getName()));
+  n.load("a,b,c,d,e");
+  expectParts(n, "A", "B", "C", "D,E");
+  EXPECT_EQ("A,B,C,D,E", str(n.getName()));
+
+  n.load("");
+  expectParts(n, "", "", "", "");
+  EXPECT_EQ(NameDetails(), n);
+
+  vString built;
+  NameDetails::buildName("HZ", "3", "TOP", "SOUTH", built);
+  EXPECT_EQ("HZ,3,TOP,SOUTH", str(built));
+  NameDetails::buildName("hz", "3", "top", "", built);
+  EXPECT_EQ("hz,3,top", str(built));
+}
+
+TEST(NameDetails, ADomainIsNeededButForSGD) {
+  char const* format =
+      "Store names for Zonmesh have to have 4 parts separated by ,. Type,version,ident,domain. '%s' does not do "
+      "this.";
+  for (char const* name : {"sgy,1,line12", "sgy,1,line12,", "sgy,1,line12,  ", "sgy", "sgdx,1,a", " sgd,1,a"}) {
+    NameDetails n(vString("hz,1,top,north"));
+    std::string reason(format);
+    reason.replace(reason.find("%s"), 2, name);
+    expectFatal([&] { n.load(name); }, "NameDetails::load", reason);
+    // A refused name leaves the parts as they were.
+    expectParts(n, "HZ", "1", "TOP", "NORTH");
+  }
 }
 
 }  // namespace
