@@ -5,6 +5,8 @@
 
 #include "native/RondoNativeMaps.h"
 
+jint rondoAttributeKind(DataType type) { return type == vFLOAT32 || type == vFLOAT64 ? 2 : 1; }
+
 extern "C" {
 
 JNIEXPORT jboolean JNICALL Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_RondoGetDataInfo(

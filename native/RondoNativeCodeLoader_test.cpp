@@ -248,6 +248,14 @@ TEST_F(RondoNative, FailuresAnswerFalseAndKeepNothing) {
   EXPECT_EQ(0u, map_project.count("127.0.1.7|RONDO|p"));
 }
 
+TEST(RondoNativeKind, FloatingAttributesAreOfKindTwo) {
+  EXPECT_EQ(2, rondoAttributeKind(vFLOAT32));
+  EXPECT_EQ(2, rondoAttributeKind(vFLOAT64));
+  for (DataType other : {vNOTYPE, vINT8, vINT16, vINT32, vUINT32, vINT64, vFLOAT16, vFLOAT128, vIBMFLOAT32, vCOMPLEX32,
+                         vSTRING, vDATE, vBOOL8})
+    EXPECT_EQ(1, rondoAttributeKind(other)) << other;
+}
+
 using RondoNativeDeathTest = RondoNative;
 
 TEST_F(RondoNativeDeathTest, ContentsOfAnUnopenedProjectEndTheHost) {

@@ -12,6 +12,7 @@
 
 #include <map>
 
+#include "foundation/DataType.h"
 #include "foundation/vHandle.h"
 #include "foundation/vString.h"
 #include "project/Project.h"
@@ -37,6 +38,10 @@ vString createKeyForRondoStore(JNIEnv* env, jstring server, jstring project, jst
 // handle, which fails at its first use.
 vHandle<ProjectCatalog> getRondoProjectCatalog(JNIEnv* env, jstring server);
 vHandle<Project> getRondoProject(JNIEnv* env, jstring server, jstring project);
+
+// The kind of an attribute as the host is told it: 2 for floating values
+// (vFLOAT32, vFLOAT64), 1 for any other type.
+jint rondoAttributeKind(DataType type);
 
 // Tells the factories about the classes of the higher layers, once per
 // process; every entry point calls it first.
