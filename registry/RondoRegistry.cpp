@@ -13,8 +13,23 @@
 
 namespace {
 
-ProjectCatalog* makeUnitTestClientCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
-  return new UTProjectCatalog(host, type);
+// Names its two hosts as the client catalog does: for Kelp the first is the
+// server and the second the data host, for any other type the reverse. So a
+// Kelp catalog is found again in the factory's cache by its server.
+class UnitTestClientCatalog : public UTProjectCatalog {
+ public:
+  UnitTestClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second)
+      : UTProjectCatalog(type == ProjectType::KELP ? second : first, type),
+        m_server(type == ProjectType::KELP ? first : second) {}
+  vString getServer() const override { return m_server; }
+
+ private:
+  vString m_server;
+};
+
+ProjectCatalog* makeUnitTestClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type,
+                                          vString const& second) {
+  return new UnitTestClientCatalog(first, type, second);
 }
 
 // One scripted store: "name.version[:class[:subclass]]".

@@ -60,6 +60,25 @@ TEST(RondoRegistry, SeamStandsUnitTestClassesInForTheClients) {
   EXPECT_EQ(ProjectType::RONDO, project->getStoreDetails("wells", 1).getProjectType());
 }
 
+TEST(RondoRegistry, SeamKelpCatalogIsNamedAsTheClientNamesIt) {
+  SavedClientMakers saved;
+  TestReleaseTree tree;
+  tree.setEnv("RONDO_CLIENT_CATALOG_IS_UNITTEST", "1");
+  registerRondoClasses();
+  unsigned int cached = ProjectCatalogFactory::getCacheSize();
+  // Data host, then server: the Kelp catalog stands on its server.
+  vHandle<ProjectCatalog> kelp = ProjectCatalogFactory::create("127.0.0.84", ProjectType::KELP, "127.0.0.85");
+  EXPECT_EQ("127.0.0.84", str(kelp->getHost()));
+  EXPECT_EQ("127.0.0.85", str(kelp->getServer()));
+  EXPECT_EQ(kelp.get(), ProjectCatalogFactory::create("127.0.0.84", ProjectType::KELP, "127.0.0.85").get());
+  EXPECT_EQ(cached + 1, ProjectCatalogFactory::getCacheSize());
+  // Other types stand on their host; a Rondo catalog is asked for without
+  // its server.
+  vHandle<ProjectCatalog> rondo = ProjectCatalogFactory::create("127.0.0.84", ProjectType::RONDO, "127.0.0.85");
+  EXPECT_EQ("127.0.0.84", str(rondo->getHost()));
+  EXPECT_EQ("", str(rondo->getServer()));
+}
+
 TEST(RondoRegistry, SeamOnlyWithTheSwitchSetToOne) {
   TestReleaseTree tree;
   tree.unsetEnv("RONDO_CLIENT_CATALOG_IS_UNITTEST");
