@@ -3,9 +3,9 @@
 
 // Float32DataConverter converts to vFLOAT32: vINT32, vINT64 and vFLOAT64 by
 // plain conversion (to the nearest float; beyond the float range, infinity),
-// vFLOAT32 passes on. There is no vINT16 input. Any other input type is
-// fatal. Length information passes along; the const
-// form copies where the plain form hands the input on.
+// vFLOAT32 passes on. There is no vINT16 input. Any other input type is fatal.
+// Length information passes along; the const form copies where the plain form
+// hands the input on.
 
 #include "attribute/DataConverterDecorator.h"
 

@@ -3,8 +3,8 @@
 
 // Float64DataConverter converts to vFLOAT64: vINT16, vINT32, vINT64 and
 // vFLOAT32 by plain conversion, vFLOAT64 passes on. Any other input type is
-// fatal. Length information passes along; the const
-// form copies where the plain form hands the input on.
+// fatal. Length information passes along; the const form copies where the
+// plain form hands the input on.
 
 #include "attribute/DataConverterDecorator.h"
 

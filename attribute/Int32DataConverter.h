@@ -4,8 +4,8 @@
 // Int32DataConverter converts to vINT32: vINT16 widens, vINT64 keeps its low
 // 32 bits, vFLOAT32 and vFLOAT64 round to the nearest integer (vUtl::nint,
 // halves away from zero, saturating), vINT32 passes on. Any other input type
-// is fatal. Length information passes along; the const
-// form copies where the plain form hands the input on.
+// is fatal. Length information passes along; the const form copies where the
+// plain form hands the input on.
 
 #include "attribute/DataConverterDecorator.h"
 
