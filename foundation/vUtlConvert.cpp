@@ -535,8 +535,14 @@ inline uint32_t floatBitsToIbmWord(uint32_t b) {
   // up never reaches the next hexadecimal digit.
   uint32_t const frac = (x + 3u + ((x >> 3) & 1u)) >> 3;
   uint32_t const word = sign | (static_cast<uint32_t>(h + 64) << 24) | frac;
-  uint32_t const special = mag == 0x7F800000u ? (sign | 0x7FFFFFFFu) : (mag == 0 ? sign : 0u);
-  return mag != 0 && mag < 0x7F800000u ? word : special;
+  // Zero keeps its sign, infinity is the largest magnitude, NaN is 0. The
+  // choice is merged by masks: a selection would let the compiler move the
+  // arithmetic above into a branch of its own, and the loop would not
+  // vectorise.
+  uint32_t const special = (sign & (0u - static_cast<uint32_t>(mag == 0 || mag == 0x7F800000u))) |
+                           (0x7FFFFFFFu & (0u - static_cast<uint32_t>(mag == 0x7F800000u)));
+  uint32_t const pick = 0u - static_cast<uint32_t>(mag - 1u < 0x7F7FFFFFu);  // finite, not zero
+  return (word & pick) | (special & ~pick);
 }
 
 inline void ibmToIeeeCopy(Byte const* __restrict s, Byte* __restrict t, std::size_t n, bool swap) {
