@@ -182,12 +182,14 @@ bool validateInMemory(std::string const& t, std::string const& r, std::string& m
   std::string address = dot == std::string::npos ? std::string() : r.substr(dot + 1);
   std::string prefix;
   std::string rest;
+  // Once the store part is split off, the address is the text not yet
+  // read: both reports end with it.
   if (store.empty() || !isStoreCharacters(store, prefix, rest)) {
     message = t + ":" + store + " <- ERROR invalid store name ..." + address;
     return false;
   }
   if (!isNumeric(address)) {
-    message = t + ":" + store + "." + address + " <- ERROR invalid address ...";
+    message = t + ":" + store + "." + address + " <- ERROR invalid address ..." + address;
     return false;
   }
   return true;

@@ -67,8 +67,10 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
     char const* name;
     char const* text;
   } const cases[] = {
-      // A bare name is a Dorn store.
+      // A bare name is a Dorn store, also when it is a type word.
       {"foo", "Dorn:houston:@H::foo.0##"},
+      {"f", "Dorn:houston:@H::f.0##"},
+      {"i", "Dorn:houston:@H::i.0##"},
       {"dorn:foo", "Dorn:houston:@H::foo.0##"},
       {"DORN:houston:hostA:proj:Line1.3/Headers#Seismic#", "Dorn:houston:hostA:proj:line1.3/headers#seismic#"},
       {"d::hostA:proj:line1", "Dorn:houston:hostA:proj:line1.0##"},
@@ -91,6 +93,10 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       // A single trailing '#' is dropped, and a trailing ':' too.
       {"file:/data/a.sgy#", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy:", "FlatFile:/data/a.sgy:"},
+      // A format without its closing mark goes with the mark; the last
+      // marked format counts.
+      {"file:/data/a.sgy#segy", "FlatFile:/data/a.sgy:"},
+      {"file:/data/a.sgy#segy#x", "FlatFile:/data/a.sgy:#segy#"},
       {"file:nyx=/d/a.cst,/d/b.cst", "FlatFile:nyx=/d/a.cst,/d/b.cst:"},
       {"inmemory:foo.1234", "InMemory:foo.1234"},
       {"i:foo.bar.99", "InMemory:foo.bar.99"},
@@ -245,6 +251,16 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       // An empty word is Dorn, but reports the missing store.
       {":", false, ":::: <- ERROR expected store ..."},
       {"dorn:", false, "dorn: <- ERROR no store name or server"},
+      // The whole name is echoed as typed; the type word is lower-cased.
+      {"DORN:", false, "DORN: <- ERROR no store name or server"},
+      {"k:", false, "k: <- ERROR no store name or server"},
+      {":foo", true, ""},
+      // A bare name is checked as a Dorn store: its limit and its echo.
+      {d40 + "d", false, "dorn::::" + d40 + "d <- ERROR a Dorn store name can't be longer than 40 characters ..."},
+      {"f", true, ""},
+      {"kelp:k$:h:p:store", false, "kelp:k$ <- ERROR server contains invalid characters ...:h:p:store"},
+      // The short form checks store characters alone: no class marks.
+      {"kelp:name#seismic", true, ""},
       {"dorn::::foo", true, ""},
       {"DORN:s:h:p:store", true, ""},
       {"dorn:srv:store", false, "dorn:srv: <- ERROR expected host  ...store"},
@@ -277,6 +293,8 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"dorn:s:h:p:name.2/set#seismic#", true, ""},
       {"zonmesh:abc", false, "zonmesh:abcZonmesh has no server so \"abc\" is invalid"},
       {"zonmesh::h:p:s", true, ""},
+      // Only a name without a second colon is told it has a server.
+      {"zonmesh:srv:h:p:s", true, ""},
       {"zon::h:p:s$", true, ""},
       {"zonmesh:", false, "zonmesh:: <- ERROR expected host (which may be null) ..."},
       {"zonmesh::h", false, "zonmesh:: <- ERROR expected host (which may be null) ...h"},
@@ -284,10 +302,15 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"zonmesh::h:p:", false, "zonmesh:h:p: <- ERROR expected store name  ..."},
       {"inmemory:foo.0", true, ""},
       {"inmemory:foo", true, ""},
-      {"inmemory:foo.12ab", false, "inmemory:foo.12ab <- ERROR invalid address ..."},
+      // The address is what was not read when the store part was split off.
+      {"inmemory:foo.12ab", false, "inmemory:foo.12ab <- ERROR invalid address ...12ab"},
+      {"inmemory:foo.", true, ""},
       {"inmemory:.123", false, "inmemory: <- ERROR invalid store name ...123"},
       {"i:f$o.1", false, "i:f$o <- ERROR invalid store name ...1"},
       {"file:", false, "file: <- ERROR no file name"},
+      {"FILE:", false, "file: <- ERROR no file name"},
+      {"file::", false, "file:: <- ERROR no filename found ...:"},
+      {"file:/data/a.sgy:#segy#", true, ""},
       {"file:#segy#", false, "file: <- ERROR no filename before format ...#segy#"},
       {"file:/data/a.sgy#segy:/f/a.syf#", true, ""},
       {"f:hostA:/data/a.sgy", true, ""},
@@ -300,6 +323,7 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"file:nyx=/d/a.cst,/d/b.cst", true, ""},
       {"file:nyx=/d/a cst", false, "/d/a cst <- ERROR filename contains illegal characters ...nyx=/d/a cst"},
       {"foo:bar:baz", false, "foo: <- ERROR unrecognised type  ...bar:baz"},
+      {"Foo:bar:baz", false, "foo: <- ERROR unrecognised type  ...bar:baz"},
       {"proj:store", true, ""},
       {"Proj:store.2", true, ""},
       {"pr$j:store", false, "pr$j <- ERROR project contains invalid character ...:store"},
