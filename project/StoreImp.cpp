@@ -50,17 +50,16 @@ vHandle<AttributeSet> StoreImp::doCreateAttributeSetClone(AttributeSet const&) {
 
 // --- guards ----------------------------------------------------------------
 
+// The format decides the form, not what it yields: an attribute with a
+// blank name still gets the " ... " form.
 void StoreImp::myMustBeOpenError(char const* method, char const* format, ...) const {
+  if (format == nullptr || format[0] == '\0') Message::fatal(method, 0, "The store has not been opened yet!");
   char detail[1024] = "";
-  if (format != nullptr) {
-    va_list args;
-    va_start(args, format);
-    std::vsnprintf(detail, sizeof detail, format, args);
-    va_end(args);
-  }
-  if (detail[0] != '\0')
-    Message::fatal(method, 0, "The store has not been opened yet ... %s", detail);
-  Message::fatal(method, 0, "The store has not been opened yet!");
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(detail, sizeof detail, format, args);
+  va_end(args);
+  Message::fatal(method, 0, "The store has not been opened yet ... %s", detail);
 }
 
 void StoreImp::myMustBeWritableError(char const* method) const {

@@ -100,6 +100,50 @@ TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
                 "The store has not been opened yet!");
 }
 
+TEST(StoreImp, EveryGuardNamesItsOperation) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  Attribute cdp("CDP", "", vINT32);
+  Attribute key("CDP", "", vINT32);
+  std::vector<unsigned int> sizes;
+  AttributeSetBuffer buffer;
+  std::string const closed = "The store has not been opened yet!";
+  std::string const closedCdp = "The store has not been opened yet ... CDP";
+  expectFailure([&] { store.read(cdp, key, 1, 1); }, "StoreImp::read(groups)", closedCdp);
+  expectFailure([&] { store.getUnique(cdp, vUtlSort::SortOrder::ASCENDING); }, "StoreImp::getUnique", closedCdp);
+  expectFailure([&] { store.getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::DESCENDING); },
+                "StoreImp::getGroupsAndSizes", closedCdp);
+  expectFailure([&] { store.hasAttribute("CDP"); }, "StoreImp::hasAttribute", closedCdp);
+  expectFailure([&] { store.getAttributeList("CDP", AttributeMatch::MATCH_CLASS); }, "StoreImp::getAttributeList",
+                closedCdp);
+  expectFailure([&] { store.getAttributeList(); }, "StoreImp::getAttributeList", closed);
+  expectFailure([&] { store.getClass(); }, "StoreImp::getClass", closed);
+  expectFailure([&] { store.getSubClass(); }, "StoreImp::getSubClass", closed);
+  expectFailure([&] { store.getVersion(); }, "StoreImp::getVersion", closed);
+  expectFailure([&] { store.getKeyList(); }, "StoreImp::getKeyList", closed);
+  expectFailure([&] { store.getNAttributes(); }, "StoreImp::getNAttributes", closed);
+  expectFailure([&] { store.getAttributeSetName(); }, "StoreImp::getAttributeSetName", closed);
+  expectFailure([&] { store.getPrimaryAttributeSetName(); }, "StoreImp::getPrimaryAttributeSetName", closed);
+  expectFailure([&] { store.updateAttributeSet("b"); }, "StoreImp::updateAttributeSet", closed);
+  expectFailure([&] { store.readBufferRange(buffer, 1, 1); }, "StoreImp::readBufferRange", closed);
+  // The detail form follows from the operation, not from the name it is
+  // given: a blank attribute name still gets " ... ".
+  Attribute blank;
+  expectFailure([&] { store.read(blank, 1, 1); }, "StoreImp::read(range)", "The store has not been opened yet ... ");
+  EXPECT_EQ(1, store.getNSetsMade()) << "the guard made the set it looks at";
+
+  store.open("a", 0, "", "", nullptr);
+  std::string const refused = "The store 'a' has not been opened for modification!";
+  Attribute three = ints("CDP", {1, 2, 3});
+  KeyList keys;
+  keys.addKey(ints("CDP", {1}));
+  expectFailure([&] { store.write(three, key, 1, 1); }, "StoreImp::write(groups)", refused);
+  expectFailure([&] { store.write(three, keys); }, "StoreImp::write(keys)", refused);
+  expectFailure([&] { store.addProperties(PropertyI()); }, "StoreImp::addProperties", refused);
+  expectFailure([&] { store.removeProperty(vUCString("X")); }, "StoreImp::removeProperty", refused);
+  expectFailure([&] { store.setPropertyList(PropertyI()); }, "StoreImp::setPropertyList", refused);
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), readInts(store, "CDP"));
+}
+
 TEST(StoreImp, OpensOnceAndForReadingOnly) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   store.open("a", 0, "", "", nullptr);
@@ -232,6 +276,24 @@ TEST(StoreImp, CreatesSwitchesAndKeepsSecondarySets) {
   EXPECT_EQ("a_c", str(store.getAttributeSetName()));
   store.addInstances(1);
   EXPECT_EQ(1u, store.getNInstances());
+}
+
+TEST(StoreImp, NameAndVersionAreThePrimarySetsClassAndCountTheActiveSets) {
+  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  store.update("a", 0, "", "", nullptr);
+  store.close();
+  // Made again, the store is version 2; its new secondary set version 1.
+  store.create("a", "seismic", "3d", KeyList(), nullptr);
+  store.addInstances(4);
+  store.createAttributeSet("b", KeyList());
+  EXPECT_EQ(1, store.getActiveSet()->getVersion());
+  EXPECT_EQ(2, store.getVersion());
+  EXPECT_EQ("a", str(store.getName()));
+  EXPECT_EQ("attributeset", str(store.getClass()));
+  EXPECT_EQ(0u, store.getNInstances());
+  store.openAttributeSet("a");
+  EXPECT_EQ("seismic", str(store.getClass()));
+  EXPECT_EQ(4u, store.getNInstances());
 }
 
 TEST(StoreImp, RefusesSetsThatCannotBeOrAreNot) {
