@@ -300,6 +300,19 @@ TEST_P(StoreConformance, RefusesBadRangesWithTheirTexts) {
   expectSuccess([&] { m_store->read(a, 1, 0); });
 }
 
+TEST_P(StoreConformance, RefusesBadGroupNumbersWithTheirTexts) {
+  // Group numbers are checked as instance numbers are, against the number
+  // of groups (four CDP values), and a last group of 0 stands for the last.
+  StoreConformanceTexts const& t = GetParam().texts;
+  Attribute cdp = m_store->getAttribute("CDP");
+  Attribute a = m_store->getAttribute(GetParam().attributes.back().c_str());
+  expectFailure([&] { m_store->read(a, cdp, 0, 2); }, text(t.firstIsZero.c_str(), 0LL));
+  expectFailure([&] { m_store->read(a, cdp, 2, 5); }, text(t.lastPastEnd.c_str(), 5LL, 4LL));
+  expectFailure([&] { m_store->read(a, cdp, 3, 2); }, text(t.firstAfterLast.c_str(), 3LL, 2LL));
+  expectFailure([&] { m_store->read(a, cdp, 5, 0); }, text(t.firstAfterLast.c_str(), 5LL, 4LL));
+  expectSuccess([&] { m_store->read(a, cdp, 4, 0); });
+}
+
 TEST_P(StoreConformance, RefusesBadListsAndNamesWithTheirTexts) {
   StoreConformanceTexts const& t = GetParam().texts;
   long long const n = kNInstances;
@@ -329,11 +342,29 @@ TEST_P(StoreConformance, RefusesWritesWhenOpenForReading) {
   Attribute cdp = referenceAttribute("CDP");
   expectFailure([&] { m_store->write(cdp, 1, kNInstances); }, refused);
   expectFailure([&] { m_store->write(cdp, range(1, kNInstances)); }, refused);
+  Attribute group = referenceDefinition("CDP");
+  int const three[] = {5, 5, 5};
+  group.copyData(3, three);
+  Attribute cdpKey = m_store->getAttribute("CDP");
+  expectFailure([&] { m_store->write(group, cdpKey, 1, 1); }, refused);
+  if (holds("OFFSET")) {
+    KeyList keys = referenceKeys();
+    int const cdps[] = {1};
+    int const offsets[] = {100};
+    keys.begin()->copyData(1, cdps);
+    (keys.begin() + 1)->copyData(1, offsets);
+    Attribute one = referenceDefinition("CDP");
+    one.copyData(1, three);
+    expectFailure([&] { m_store->write(one, keys); }, refused);
+  }
   expectFailure([&] { m_store->addInstances(1); }, refused);
   expectFailure([&] { m_store->addAttribute(Attribute("NEW", "", vINT32)); }, refused);
   // Nothing changed.
   EXPECT_EQ(kNInstances, m_store->getNInstances());
   EXPECT_FALSE(m_store->hasAttribute("NEW"));
+  Attribute back = m_store->getAttribute("CDP");
+  m_store->read(back, 1, kNInstances);
+  EXPECT_INSTANCES(back, std::string("CDP"), range(1, kNInstances));
 }
 
 TEST_P(StoreConformance, RefusesReadsBeforeOpening) {
@@ -341,8 +372,17 @@ TEST_P(StoreConformance, RefusesReadsBeforeOpening) {
   vHandle<AttributeSet> store = GetParam().makeUnopened();
   ASSERT_FALSE(store.isEmpty());
   EXPECT_FALSE(store->isOpen());
+  std::string const refused = text(GetParam().texts.notOpen.c_str(), "CDP");
   Attribute a = referenceDefinition("CDP");
-  expectFailure([&] { store->read(a, 1, 1); }, text(GetParam().texts.notOpen.c_str(), "CDP"));
+  Attribute key = referenceDefinition("CDP");
+  KeyList keys;
+  keys.addKey(referenceDefinition("CDP"));
+  int const one = 1;
+  keys.begin()->copyData(1, &one);
+  expectFailure([&] { store->read(a, 1, 1); }, refused);
+  expectFailure([&] { store->read(a, std::vector<unsigned int>{1}); }, refused);
+  expectFailure([&] { store->read(a, key, 1, 1); }, refused);
+  expectFailure([&] { store->read(a, keys); }, refused);
 }
 
 // --- writes --------------------------------------------------------------------------
@@ -367,8 +407,13 @@ TEST_P(StoreConformance, WritesRangesListsAndNewInstances) {
     EXPECT_EQ(expected, back.getValue(i)) << "instance " << i;
   }
 
-  expectFailure([&] { store->write(cdp, 1, 3); },
-                text(GetParam().texts.writeCount.c_str(), "CDP", 2LL, 3LL));
+  StoreConformanceTexts const& t = GetParam().texts;
+  long long const n = kNInstances;
+  expectFailure([&] { store->write(cdp, 1, 3); }, text(t.writeCount.c_str(), "CDP", 2LL, 3LL));
+  expectFailure([&] { store->write(cdp, 0, 1); }, text(t.firstIsZero.c_str(), 0LL));
+  expectFailure([&] { store->write(cdp, n, n + 1); }, text(t.lastPastEnd.c_str(), n + 1, n));
+  expectFailure([&] { store->write(cdp, std::vector<unsigned int>{1, n + 2}); },
+                text(t.listPastEnd.c_str(), n + 1, "CDP", n + 2));
 
   store->addInstances(3);
   EXPECT_EQ(kNInstances + 3, store->getNInstances());
@@ -385,4 +430,52 @@ TEST_P(StoreConformance, WritesRangesListsAndNewInstances) {
   // The old instances are untouched.
   store->read(back, 4, 9);
   for (unsigned int i = 4; i <= 9; ++i) EXPECT_EQ(referenceValue("CDP", i), back.getValue(i - 3));
+}
+
+TEST_P(StoreConformance, WritesByGroupsAndByKeys) {
+  if (!GetParam().openForUpdate) GTEST_SKIP() << "the case opens no store for update";
+  if (!holds("OFFSET")) GTEST_SKIP() << "key writes need CDP and OFFSET";
+  StoreConformanceTexts const& t = GetParam().texts;
+  vHandle<AttributeSet> store = GetParam().openForUpdate();
+  ASSERT_FALSE(store.isEmpty());
+  Attribute offset = store->getAttribute("OFFSET");
+  Attribute cdp = store->getAttribute("CDP");
+
+  // Group 2 of CDP is instances 4 to 6.
+  int const grouped[] = {-4, -5, -6};
+  offset.copyData(3, grouped);
+  store->write(offset, cdp, 2, 2);
+  // The group count must match the attribute's.
+  expectFailure([&] { store->write(offset, cdp, 2, 3); }, text(t.groupWriteCount.c_str(), 6, "CDP", 3LL, "OFFSET"));
+
+  // (CDP, OFFSET) = (3, 100) and (1, 300) are instances 7 and 3.
+  KeyList keys = referenceKeys();
+  int const cdps[] = {3, 1};
+  int const offsets[] = {100, 300};
+  keys.begin()->copyData(2, cdps);
+  (keys.begin() + 1)->copyData(2, offsets);
+  Attribute byKeys = store->getAttribute("CDP");
+  int const keyed[] = {70, 30};
+  byKeys.copyData(2, keyed);
+  store->write(byKeys, keys);
+  Attribute three = store->getAttribute("CDP");
+  int const values[] = {1, 2, 3};
+  three.copyData(3, values);
+  expectFailure([&] { store->write(three, keys); }, text(t.keyWriteCount.c_str(), 2LL, 3LL, "CDP"));
+
+  Attribute back = store->getAttribute("OFFSET");
+  store->read(back, 1, kNInstances);
+  for (unsigned int i = 1; i <= kNInstances; ++i) {
+    double expected = referenceValue("OFFSET", i);
+    if (i >= 4 && i <= 6) expected = -static_cast<double>(i);
+    EXPECT_EQ(expected, back.getValue(i)) << "OFFSET instance " << i;
+  }
+  Attribute cdpBack = store->getAttribute("CDP");
+  store->read(cdpBack, 1, kNInstances);
+  for (unsigned int i = 1; i <= kNInstances; ++i) {
+    double expected = referenceValue("CDP", i);
+    if (i == 7) expected = 70;
+    if (i == 3) expected = 30;
+    EXPECT_EQ(expected, cdpBack.getValue(i)) << "CDP instance " << i;
+  }
 }

@@ -1,13 +1,26 @@
 #ifndef TESTING_STORECONFORMANCE_H
 #define TESTING_STORECONFORMANCE_H
 
-// The shared conformance suite of the store contract. Every back end and
-// every view instantiates it once, with a factory that hands out a store
-// holding the reference content below, and the suite checks reads by range,
-// by list, by selector (group) attribute and by key list, group questions,
-// matching by class, the failures of bad ranges and lists with their exact
-// texts, refused writes on a read-only store and, when the factory can open
-// the store for update, writes.
+// The shared conformance suite of the store contract (AttributeSet). Every
+// back end and every view instantiates it once, with factories that hand
+// out stores holding the reference content below. The suite checks:
+//
+//   reads    by range (1-based, inclusive; a last of 0 passes the check as
+//            the last instance), by list (in list order, repeats, empty),
+//            by selector groups (groups counted in ascending order of the
+//            selector's values; a last group of 0 reads through the last
+//            group) and by key values; group questions (getUnique,
+//            getGroupsAndSizes, both orders); matching by class
+//   failures instance 0 and ranges past the end for range, list and group
+//            reads; an unknown attribute; key values not found; each with
+//            its exact reason
+//   guards   every write form (range, list, groups, keys, addInstances,
+//            addAttribute) refused on a store opened for reading, leaving
+//            the data as they were; every read form refused on a store never
+//            opened (when the case makes one)
+//   writes   by range, list, groups and keys, new instances and attributes,
+//            with the range faults of writes (when the case opens a store
+//            for update)
 //
 // The reference content (StoreConformance::populate writes it through the
 // contract into a freshly created store): 12 instances and
@@ -20,28 +33,47 @@
 //
 // with the key list CDP, OFFSET. A store that cannot hold all of these
 // names the ones it holds in StoreConformanceCase::attributes; CDP is
-// always needed (group and key reads use it), and OFFSET for key reads.
+// always needed (group and key reads use it), and OFFSET for key reads and
+// writes, which are skipped without it.
 //
-// How a back end or a view instantiates the suite: in its test program,
+// How a back end or a view instantiates the suite. In one of its
+// *_test.cpp files:
 //
 //   #include "testing/StoreConformance.h"
 //
+//   namespace {
 //   StoreConformanceCase myCase() {
-//     StoreConformanceCase c("MyBackEnd");
-//     c.openForReading = [] { ... return a handle of a store opened for
-//                             reading that holds the reference content ... };
-//     c.openForUpdate = [] { ... the same opened for update ... };  // optional
-//     c.makeUnopened = [] { ... a store not yet opened ... };       // optional
+//     StoreConformanceCase c("MyBackEnd");       // letters, digits, '_'
+//     // Required: a store of its own, opened for reading, holding the
+//     // reference content. A back end that can write makes it with
+//     // create(...), StoreConformance::populate(store) and close(), then
+//     // opens it again; a read-only format writes a reference file in the
+//     // format by other means.
+//     c.openForReading = [] { ...; return handle; };
+//     // Optional: the same opened for update (write tests), and a store
+//     // made but never opened (guard tests). Left empty, those tests are
+//     // skipped, not failed.
+//     c.openForUpdate = [] { ... };
+//     c.makeUnopened = [] { ... };
+//     // Where the back end's reasons differ from the defaults of
+//     // StoreConformanceTexts (those of the in-process attribute sets and
+//     // of StoreImp), set its own formats with the same arguments:
+//     c.texts.notWritable = "...";
 //     return c;
 //   }
+//   }  // namespace
+//
 //   INSTANTIATE_TEST_SUITE_P(MyBackEnd, StoreConformance, ::testing::Values(myCase()),
 //                            StoreConformance::caseName);
 //
-// and in its CMakeLists.txt: rondo_subsystem(<name> ... TEST_LIBS
-// rondo_testing_conformance). Each factory call must give a store of its
-// own (writes change it). Where a back end's failure texts differ from the
-// defaults in StoreConformanceTexts, the case sets its own; the suite
-// compares the reason of each failure exactly, not its method.
+// and in its folder's CMakeLists.txt add the suite to the test program:
+//
+//   rondo_subsystem(<name> DEPENDS ... TEST_LIBS rondo_testing_conformance)
+//
+// The suite's tests live in that library; including this header links them
+// in. Each factory call must give a store of its own, since the write tests
+// change it. The suite compares the reason of each failure exactly, not its
+// method, since every back end labels failures with its own class.
 
 #include <gtest/gtest.h>
 
@@ -55,7 +87,9 @@
 #include "project/AttributeSet.h"
 
 // The failure texts the suite expects, as printf formats; the arguments
-// are given in the order noted.
+// are given in the order noted. Group numbers are checked with the three
+// range formats, the number of groups standing for the number of
+// instances.
 struct StoreConformanceTexts {
   // (first)
   std::string firstIsZero = "first instance must be >0, yours was %lld";
@@ -78,6 +112,14 @@ struct StoreConformanceTexts {
   std::string notOpen = "The store has not been opened yet ... %s";
   // (attribute, instances given, last - first + 1)
   std::string writeCount = "The Attribute '%s' to be written has %lld instances, but last-first+1 is %lld.";
+  // (instances in the groups as an int, selector, instances given, attribute)
+  std::string groupWriteCount =
+      "The number of instances (%d) with groups %s does not match the number of instances (%lld) for Attribute %s "
+      "being written.";
+  // (instances the keys select, instances given, attribute)
+  std::string keyWriteCount =
+      "The number of instances (%lld) with keys does not match the number of instances (%lld) for Attribute %s "
+      "being written.";
 };
 
 struct StoreConformanceCase {

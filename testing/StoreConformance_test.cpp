@@ -52,13 +52,17 @@ vHandle<AttributeSet> testSet(bool update) {
   return set;
 }
 
-// A bare set has the set's own words for a write to a read-only set, and no
-// store guard before opening.
+// A bare set has the set's own words for a write to a read-only set and
+// for a read before opening.
 StoreConformanceCase setCase() {
   StoreConformanceCase c("TestMemoryAttributeSet");
   c.openForReading = [] { return testSet(false); };
   c.openForUpdate = [] { return testSet(true); };
+  c.makeUnopened = [] {
+    return vHandle<AttributeSet>(new TestMemoryAttributeSet(vHandle<Project>(), referenceShelf()));
+  };
   c.texts.notWritable = "AttributeSet '%s' is not open for modification.";
+  c.texts.notOpen = "AttributeSet is not open.";
   return c;
 }
 
