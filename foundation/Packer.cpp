@@ -17,6 +17,9 @@ namespace {
 long long const kMaxBytes = 2100000000LL;
 // Growth is by half the need, but never by more than this in one step.
 long long const kMaxGrowth = 100000LL;
+// Room for a body being received is first made for at most this many
+// bytes, and then grows with what arrives.
+long long const kReceiveStep = 65536LL;
 // Bytes of an address-of entry beyond the 5 of an array head.
 int const kAddressOfExtra = 8;
 uint32_t const kSwappedMagic = 0xD6126A02u;
@@ -127,7 +130,8 @@ Packer::Packer(int capacity)
       m_lastType(vNOTYPE),
       m_end(0),
       m_wireCapacity(0),
-      m_wireValid(false) {
+      m_wireValid(false),
+      m_receiveLength(-1) {
   setCapacity(capacity);
 }
 
@@ -172,7 +176,8 @@ Packer::Packer(Packer const& other)
       m_lastType(vNOTYPE),
       m_end(0),
       m_wireCapacity(0),
-      m_wireValid(false) {
+      m_wireValid(false),
+      m_receiveLength(-1) {
   *this = other;
 }
 
@@ -196,6 +201,7 @@ Packer& Packer::operator=(Packer const& other) {
   m_addresses = other.m_addresses;
   m_nAddressOf = other.m_nAddressOf;
   m_addressOfBytes = other.m_addressOfBytes;
+  m_receiveLength = other.m_receiveLength;
   m_frameDepth = 0;
   m_swap = false;
   m_wireHeads.clear();
@@ -299,6 +305,7 @@ void Packer::myStartMessage() {
   m_addresses.clear();
   m_wireHeads.clear();
   m_wireValid = false;
+  m_receiveLength = -1;
 }
 
 void Packer::myAddData(int type, void const* data, long long count, long long nBytes, bool addressOf,
@@ -539,6 +546,7 @@ void Packer::skipFrame() {
 // --- reading ------------------------------------------------------------------
 
 void Packer::myPrepareNextEntry(Entry& e, char const* label) const {
+  if (m_receiveLength >= 0) Message::fatal(label, 0, "The message is still being received.");
   int const pos = myReadStart();
   int const end = m_end;
   if (pos >= end) Message::fatal(label, 0, "No more data to unpack.");
@@ -741,6 +749,7 @@ void Packer::unpack(Packable& object) { object.unpack(*this); }
 
 unsigned int Packer::getNElements() {
   if (m_state != PACKSENT && m_state != PACKUNPACKING) return 0;
+  if (m_receiveLength >= 0) return 0;
   if (myReadStart() >= m_end) return 0;
   Entry e;
   myPrepareNextEntry(e, "Packer::getNElements");
@@ -749,6 +758,7 @@ unsigned int Packer::getNElements() {
 
 DataType Packer::getNextDataType() const {
   if (m_state != PACKSENT && m_state != PACKUNPACKING) return vNOTYPE;
+  if (m_receiveLength >= 0) return vNOTYPE;
   int const pos = myReadStart();
   if (pos >= m_end) return vNOTYPE;
   return static_cast<DataType>(m_buffer[pos]);
@@ -756,6 +766,7 @@ DataType Packer::getNextDataType() const {
 
 int Packer::getNRemainingBytes() const {
   if (m_state != PACKSENT && m_state != PACKUNPACKING) return 0;
+  if (m_receiveLength >= 0) return 0;
   int const left = m_end - myReadStart();
   return left > 0 ? left : 0;
 }
@@ -764,6 +775,7 @@ bool Packer::next() {
   char const* const label = "Packer::next";
   if (m_state == PACKUNPACKED) return false;
   mySetMyState(PACKOP_UNPACK, label);
+  if (m_receiveLength >= 0) Message::fatal(label, 0, "The message is still being received.");
   if (myReadStart() >= m_end) {
     // A message without entries.
     m_state = PACKUNPACKED;
@@ -960,26 +972,56 @@ void Packer::myFromBuffer(int size, char const* label) {
 int Packer::beginReceive(unsigned char const* header) {
   char const* const label = "Packer::beginReceive";
   PackState const next = myNextState(PACKOP_RECEIVE, label);
+  if (header == nullptr) Message::fatal(label, 0, "Bad message received. No header was given.");
   myInitFromHeader(header, -1, label);
   bool const swap = m_swap;
-  int32_t length = loadI32(header + 8);
-  if (swap) length = static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(length)));
+  uint32_t length = loadU32(header + 8);
+  if (swap) length = __builtin_bswap32(length);
+  // Only a first step: the length is the sender's word, not yet backed by
+  // any bytes.
+  long long const room = HEADER_SIZE + std::min(static_cast<long long>(length), kReceiveStep);
   myStartMessage();
   m_writePos = 0;
   m_swap = swap;
-  if (m_capacity < HEADER_SIZE + static_cast<long long>(length)) setCapacity(length);
+  if (m_capacity < room) myAllocate(room, label);
   std::memcpy(m_buffer, header, HEADER_SIZE);
-  m_size = HEADER_SIZE + length;
-  m_end = m_size;
+  m_end = HEADER_SIZE;
+  m_size = static_cast<int32_t>(HEADER_SIZE + length);
+  m_receiveLength = static_cast<int32_t>(length);
   m_readPos = HEADER_SIZE;
   m_state = next;
-  return length;
+  return m_receiveLength;
 }
 
-unsigned char* Packer::getReceiveBuffer() { return m_buffer + HEADER_SIZE; }
+unsigned char* Packer::getReceiveBuffer(int offset, int n) {
+  char const* const label = "Packer::getReceiveBuffer";
+  if (m_receiveLength < 0) Message::fatal(label, 0, "No message is being received.");
+  long long const last = static_cast<long long>(offset) + n;
+  if (offset < 0 || n < 0 || last > m_receiveLength)
+    Message::fatal(label, 0, "Bytes %d to %lld lie outside the body of %d bytes being received.", offset, last - 1,
+                   m_receiveLength);
+  long long const need = HEADER_SIZE + last;
+  if (need > m_capacity) {
+    // By doubling, so that a body coming in small pieces is copied a few
+    // times at most, and never beyond what the header announced.
+    long long grown = std::max(need, 2LL * m_capacity);
+    grown = std::min(grown, static_cast<long long>(HEADER_SIZE) + m_receiveLength);
+    myAllocate(grown, label);
+  }
+  if (need > m_end) m_end = static_cast<int32_t>(need);
+  return m_buffer + HEADER_SIZE + offset;
+}
 
 void Packer::endReceive() {
   char const* const label = "Packer::endReceive";
+  if (m_receiveLength < 0) Message::fatal(label, 0, "No message is being received.");
+  if (m_end != HEADER_SIZE + m_receiveLength) {
+    int const got = m_end - HEADER_SIZE;
+    int const length = m_receiveLength;
+    abortReceive();
+    Message::fatal(label, 0, "Bad message received. Only %d of its %d body bytes were received.", got, length);
+  }
+  m_receiveLength = -1;
   if (m_swap) {
     try {
       mySwapBody(m_buffer, m_end, true, label);
@@ -990,7 +1032,6 @@ void Packer::endReceive() {
     myNormaliseHeader();
   }
   m_readPos = HEADER_SIZE;
-  if (m_end <= HEADER_SIZE) m_state = PACKUNPACKED;
 }
 
 void Packer::abortReceive() {
@@ -999,6 +1040,7 @@ void Packer::abortReceive() {
   m_size = HEADER_SIZE;
   m_readPos = HEADER_SIZE;
   m_frameDepth = 0;
+  m_receiveLength = -1;
 }
 
 // --- byte order ---------------------------------------------------------------

@@ -281,12 +281,19 @@ class Packer {
   void dumpBytes(std::ostream& out);
 
   // Receiving from a byte stream, for the channels: beginReceive takes the
-  // 16 header bytes as they arrived, checks them, makes room and returns the
-  // body length L; the caller then writes L bytes at getReceiveBuffer() and
-  // calls endReceive(), which puts the body in this host's byte order.
-  // abortReceive() after a failed transfer leaves nothing to read.
+  // 16 header bytes as they arrived, checks them and returns the body length
+  // L. The body then comes in pieces: getReceiveBuffer(offset, n) gives room
+  // for body bytes offset to offset + n - 1, and the caller writes what
+  // arrives there. The buffer grows with the bytes that really come (by
+  // doubling, at most to L), never at once from the length a header claims,
+  // so a forged header costs no memory; a caller may still ask for all L
+  // bytes in one piece. Once room for all L bytes was asked for and filled,
+  // endReceive() puts the body in this host's byte order; before that it
+  // raises. abortReceive() after a failed transfer leaves nothing to read.
+  // The state is PACKUNPACKING from beginReceive on; nothing reads until
+  // endReceive.
   int beginReceive(unsigned char const* header);
-  unsigned char* getReceiveBuffer();
+  unsigned char* getReceiveBuffer(int offset, int n);
   void endReceive();
   void abortReceive();
 
@@ -359,6 +366,9 @@ class Packer {
   std::unique_ptr<unsigned char[]> m_wire;
   int32_t m_wireCapacity;
   bool m_wireValid;
+  // Body length of a message being received (beginReceive to endReceive),
+  // -1 when none is under way.
+  int32_t m_receiveLength;
 };
 
 // --- STL ranges ---------------------------------------------------------------

@@ -635,7 +635,12 @@ TEST_F(PackerTest, ThroughAPipeWithGatheredWrites) {
   Packer in(0);
   int const length = in.beginReceive(header);
   EXPECT_EQ(length, out.getSize() - 16);
-  ASSERT_TRUE(readFully(in.getReceiveBuffer(), static_cast<std::size_t>(length)));
+  // In pieces of the size a socket read might give.
+  for (int got = 0; got < length;) {
+    int const piece = std::min(length - got, 4093);
+    ASSERT_TRUE(readFully(in.getReceiveBuffer(got, piece), static_cast<std::size_t>(piece)));
+    got += piece;
+  }
   in.endReceive();
   writer.join();
   close(fds[0]);
@@ -650,6 +655,97 @@ TEST_F(PackerTest, ThroughAPipeWithGatheredWrites) {
   EXPECT_EQ(back, trace);
   EXPECT_EQ(last, -1);
   EXPECT_EQ(in.getState(), Packer::PACKUNPACKED);
+}
+
+// Receives a whole message the way a channel does: the header, then the body
+// in pieces of at most `piece` bytes.
+void receiveInPieces(Packer& p, Bytes const& m, int piece) {
+  int const length = p.beginReceive(m.data());
+  ASSERT_EQ(length, static_cast<int>(m.size()) - 16);
+  for (int got = 0; got < length;) {
+    int const n = std::min(length - got, piece);
+    std::memcpy(p.getReceiveBuffer(got, n), m.data() + 16 + got, static_cast<std::size_t>(n));
+    got += n;
+  }
+  p.endReceive();
+}
+
+TEST_F(PackerTest, ReceivedBodyGrowsWithWhatArrives) {
+  std::vector<double> const big = bigArray();
+  Packer p(0);
+  packAll(p, big);
+  Bytes const m = finish(p, 21);
+  for (int piece : {1, 7, 1000, 1 << 20}) {
+    SCOPED_TRACE(piece);
+    Packer in(0);
+    receiveInPieces(in, m, piece);
+    EXPECT_EQ(in.getState(), Packer::PACKUNPACKING);
+    EXPECT_EQ(in.getMessageTag(), 21);
+    EXPECT_EQ(in.getSize(), static_cast<int>(m.size()));
+    // Grown by doubling, capped at the message.
+    EXPECT_EQ(in.getCapacity(), static_cast<int>(m.size()) - 16);
+    readAll(in, big);
+  }
+  // A message in the other byte order is turned around when it is complete.
+  Bytes twin = m;
+  Packer::reverseByteOrder(twin.data(), static_cast<int>(twin.size()));
+  Packer in(0);
+  receiveInPieces(in, twin, 333);
+  EXPECT_TRUE(in.isSwapped());
+  EXPECT_EQ(in.getMessageTag(), 21);
+  readAll(in, big);
+  // A message without a body.
+  Packer none(0);
+  receiveInPieces(none, message({}, 4), 10);
+  EXPECT_EQ(none.getState(), Packer::PACKUNPACKING);
+  EXPECT_FALSE(none.next());
+  EXPECT_EQ(none.getState(), Packer::PACKUNPACKED);
+}
+
+TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
+  // A header that claims two thousand million bytes.
+  Bytes header = message({});
+  uint32_t const claimed = 2000000000u;
+  std::memcpy(header.data() + 8, &claimed, 4);
+  Packer p(0);
+  EXPECT_EQ(p.beginReceive(header.data()), 2000000000);
+  EXPECT_LE(p.getCapacity(), 65536);
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
+  // Nothing reads until the body is complete.
+  int v = 0;
+  EXPECT_EQ(fatalText([&] { p.unpack(v); }), "Packer::unpack: The message is still being received.");
+  EXPECT_EQ(reasonOf([&] { p.next(); }), "The message is still being received.");
+  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
+  EXPECT_EQ(p.getNElements(), 0u);
+  EXPECT_EQ(p.getNRemainingBytes(), 0);
+  // Ten bytes come, then the peer goes.
+  std::memcpy(p.getReceiveBuffer(0, 10), "0123456789", 10);
+  EXPECT_LE(p.getCapacity(), 65536);
+  EXPECT_EQ(reasonOf([&] { p.getReceiveBuffer(1999999999, 2); }),
+            "Bytes 1999999999 to 2000000000 lie outside the body of 2000000000 bytes being received.");
+  EXPECT_EQ(reasonOf([&] { p.getReceiveBuffer(-1, 2); }),
+            "Bytes -1 to 0 lie outside the body of 2000000000 bytes being received.");
+  EXPECT_EQ(fatalText([&] { p.endReceive(); }),
+            "Packer::endReceive: Bad message received. Only 10 of its 2000000000 body bytes were received.");
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  EXPECT_EQ(reasonOf([&] { p.unpack(v); }), "No more data to unpack.");
+  EXPECT_EQ(fatalText([&] { p.getReceiveBuffer(0, 1); }), "Packer::getReceiveBuffer: No message is being received.");
+  EXPECT_EQ(fatalText([&] { p.endReceive(); }), "Packer::endReceive: No message is being received.");
+
+  // After a transfer that failed the Packer is reused as ever.
+  p.pack(5);
+  EXPECT_EQ(finish(p, 1), message({0x05, 0x05, 0, 0, 0}, 1));
+  Packer again(0);
+  again.beginReceive(header.data());
+  again.abortReceive();
+  EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
+  EXPECT_FALSE(again.next());
+  // A bad header is refused before anything is made.
+  Bytes bad = message({});
+  bad[0] = 0;
+  EXPECT_EQ(fatalText([&] { again.beginReceive(bad.data()); }),
+            "Packer::beginReceive: Bad message received. Magic was 40505856 expected 40506070.");
+  EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
 }
 
 // --- The other byte order ------------------------------------------------------------
@@ -815,7 +911,7 @@ std::vector<StateOp> stateOps() {
       {102,
        [](Packer& p) {
          int const n = p.beginReceive(header.data());
-         std::memcpy(p.getReceiveBuffer(), header.data() + 16, static_cast<std::size_t>(n));
+         std::memcpy(p.getReceiveBuffer(0, n), header.data() + 16, static_cast<std::size_t>(n));
          p.endReceive();
        }},
       {103,
@@ -905,7 +1001,7 @@ TEST_F(PackerTest, ReuseForAWholeExchange) {
   answer.pack(vString("reply"));
   Bytes const reply = finish(answer, 2);
   int n = p.beginReceive(reply.data());
-  std::memcpy(p.getReceiveBuffer(), reply.data() + 16, static_cast<std::size_t>(n));
+  std::memcpy(p.getReceiveBuffer(0, n), reply.data() + 16, static_cast<std::size_t>(n));
   p.endReceive();
   vString text;
   p.unpack(text);
