@@ -50,12 +50,12 @@ TypeInfo const kPackFrame = {vPACKFRAME, "vPACKFRAME", 2};
 
 // The base code: an address-of byte keeps only its low six bits, any other
 // byte loses the array bit. So 0x7E and 0x7F stay frame codes.
-int baseType(int type) {
-  type &= 0xFF;
-  return vUtl::dataTypeIsAddressOf(type) ? (type & 0x3F) : (type & 0x7F);
-}
+int baseType(int type) { return vUtl::dataTypeIsAddressOf(type) ? (type & 0x3F) : (type & 0x7F); }
 
 TypeInfo const& lookUp(int type, char const* label) {
+  // A type is one byte: anything wider is no code at all, rather than the
+  // code of its low byte.
+  if (type < 0 || type > 0xFF) Message::fatal(label, 0, "Unknown DataType %d.", type);
   int const base = baseType(type);
   if (base >= 0 && base < kNTypes) return kTypes[base];
   if (base == vENDFRAME) return kEndFrame;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "foundation/MessageHandling.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vDate.h"
 #include "foundation/vString.h"
@@ -71,6 +72,30 @@ TEST(vUtlDataType, UnknownCodesRaise) {
   EXPECT_EQ(fatalText([] { vUtl::dataTypeName(100); }), "vUtl::dataTypeName: Unknown DataType 100.");
   EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(0x80 | 60); }), "vUtl::dataTypeSize: Unknown DataType 188.");
   EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(0x40 | 25); }), "vUtl::dataTypeSize: Unknown DataType 89.");
+  // Only a byte is a code: wider values are not read by their low byte.
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(-1); }), "vUtl::dataTypeSize: Unknown DataType -1.");
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeName(0x100 | vINT32); }), "vUtl::dataTypeName: Unknown DataType 261.");
+  EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(0x100); }), "vUtl::dataTypeSize: Unknown DataType 256.");
+  // Every byte that is not listed raises, with both functions.
+  MessageHandling quiet;
+  int known = 0;
+  for (int t = 0; t < 256; ++t) {
+    int const base = vUtl::dataTypeIsAddressOf(t) ? (t & 0x3F) : (t & 0x7F);
+    bool const listed = base <= vIBMFLOAT32 || base == vENDFRAME || base == vPACKFRAME;
+    std::string const size = fatalText([t] { vUtl::dataTypeSize(t); });
+    std::string const name = fatalText([t] { vUtl::dataTypeName(t); });
+    if (listed) {
+      ++known;
+      EXPECT_EQ(size, "(nothing raised)") << t;
+      EXPECT_EQ(name, "(nothing raised)") << t;
+    } else {
+      EXPECT_EQ(size, "vUtl::dataTypeSize: Unknown DataType " + std::to_string(t) + ".");
+      EXPECT_EQ(name, "vUtl::dataTypeName: Unknown DataType " + std::to_string(t) + ".");
+    }
+  }
+  // 27 codes, each plain and as an array, and the 25 base codes (0 to 24)
+  // once more with the address-of bit, plain and as arrays.
+  EXPECT_EQ(known, 27 * 2 + 25 * 2);
 }
 
 TEST(vUtlDataType, AddressOfIsBit64WithoutBit32) {
