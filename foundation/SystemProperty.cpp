@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <istream>
 #include <string>
 #include <ostream>
@@ -15,46 +16,123 @@ char const* const kRead = "SystemProperty::operator>>";
 
 bool isBlankChar(int c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
 
-// Skips white space; false at the end of the stream.
-bool mySkipBlanks(std::istream& in) {
-  for (;;) {
-    int c = in.peek();
-    if (c == std::char_traits<char>::eof()) return false;
-    if (!isBlankChar(c)) return true;
-    in.get();
+// One token of a record: a double-quoted text (backslash escapes the quote
+// and itself) or a run of non-blank characters, with what stood before it.
+struct Token {
+  std::string text;
+  bool quoted = false;
+  bool lineStart = false;  // the first token of its line
+  std::string gap;         // the blanks between it and the token before
+};
+
+// Tokens of a record stream, with one token of look-ahead.
+class RecordLexer {
+ public:
+  explicit RecordLexer(std::istream& in) : m_in(in), m_hasPending(false), m_open(false) {}
+
+  // False at the end of the stream, or inside an open quote (openQuote()).
+  bool next(Token& t) {
+    if (m_hasPending) {
+      t = m_pending;
+      m_hasPending = false;
+      return true;
+    }
+    t = Token();
+    for (;;) {
+      int c = m_in.peek();
+      if (c == std::char_traits<char>::eof()) return false;
+      if (!isBlankChar(c)) break;
+      m_in.get();
+      if (c == '\n') {
+        t.lineStart = true;
+        t.gap.clear();
+      } else {
+        t.gap += static_cast<char>(c);
+      }
+    }
+    if (m_in.peek() == '"') {
+      t.quoted = true;
+      m_in.get();
+      for (;;) {
+        int c = m_in.get();
+        if (c == std::char_traits<char>::eof()) {
+          m_open = true;
+          return false;
+        }
+        if (c == '"') break;
+        if (c == '\\') {
+          int n = m_in.peek();
+          if (n == '"' || n == '\\') c = m_in.get();
+        }
+        t.text += static_cast<char>(c);
+      }
+    } else {
+      for (;;) {
+        int c = m_in.peek();
+        if (c == std::char_traits<char>::eof() || isBlankChar(c)) break;
+        t.text += static_cast<char>(m_in.get());
+      }
+    }
+    return true;
   }
+  void push(Token const& t) {
+    m_pending = t;
+    m_hasPending = true;
+  }
+  bool openQuote() const { return m_open; }
+  // Drops the rest of the current line (a comment).
+  void skipLine() {
+    std::string rest;
+    std::getline(m_in, rest);
+  }
+
+ private:
+  std::istream& m_in;
+  Token m_pending;
+  bool m_hasPending;
+  bool m_open;
+};
+
+char const* const kKeywords[] = {"name=", "package=", "description=", "value="};
+
+bool isKeyword(std::string const& text) {
+  for (char const* k : kKeywords)
+    if (vString::stricmp(text.c_str(), k) == 0) return true;
+  return false;
 }
 
-// One token: a double-quoted text (backslash escapes the quote and itself) or
-// a run of non-blank characters. False when the stream ends first, or inside
-// an open quote.
-bool myReadToken(std::istream& in, vString& token, bool& quoted) {
-  token.erase();
-  quoted = false;
-  if (!mySkipBlanks(in)) return false;
-  std::string text;
-  if (in.peek() == '"') {
-    quoted = true;
-    in.get();
-    for (;;) {
-      int c = in.get();
-      if (c == std::char_traits<char>::eof()) return false;
-      if (c == '"') break;
-      if (c == '\\') {
-        int n = in.peek();
-        if (n == '"' || n == '\\') c = in.get();
-      }
-      text += static_cast<char>(c);
-    }
-  } else {
-    for (;;) {
-      int c = in.peek();
-      if (c == std::char_traits<char>::eof() || isBlankChar(c)) break;
-      text += static_cast<char>(in.get());
-    }
+// The keyword that a token such as "name=PING" begins with, or null.
+char const* attachedKeyword(std::string const& text) {
+  for (char const* k : kKeywords) {
+    std::size_t const n = std::strlen(k);
+    if (text.size() > n && vString::stricmp(text.substr(0, n).c_str(), k) == 0) return k;
   }
-  token = text.c_str();
-  return true;
+  return nullptr;
+}
+
+// A word that ends a value written without quotes: a keyword, any other
+// word ending in '=' (so that a misspelt keyword is still refused), or a
+// record bracket.
+bool endsAValue(Token const& t) {
+  if (t.quoted || t.lineStart) return true;
+  if (t.text.empty() || t.text.back() == '=' || attachedKeyword(t.text) != nullptr) return true;
+  return vString::stricmp(t.text.c_str(), "SystemProperty>") == 0 ||
+         vString::stricmp(t.text.c_str(), "<SystemProperty") == 0;
+}
+
+// Adds to a value written without quotes the further words of its line, as
+// they stand, up to the next keyword: so "description= ping command" is
+// one description.
+void myRestOfValue(RecordLexer& lex, std::string& value) {
+  Token w;
+  while (lex.next(w)) {
+    if (endsAValue(w)) {
+      lex.push(w);
+      return;
+    }
+    value += w.gap;
+    value += w.text;
+  }
 }
 
 void myWriteQuoted(std::ostream& out, vString const& text) {
@@ -179,46 +257,54 @@ bool SystemProperty::operator<(SystemProperty const& other) const {
 }
 
 std::istream& operator>>(std::istream& in, SystemProperty& property) {
-  vString token;
-  bool quoted = false;
+  RecordLexer lex(in);
+  Token token;
   for (;;) {
-    if (!myReadToken(in, token, quoted)) {
-      if (quoted) myEndedEarly();
+    if (!lex.next(token)) {
+      if (lex.openQuote()) myEndedEarly();
       in.setstate(std::ios::failbit);
       return in;
     }
-    if (quoted || token[0] != '#') break;
-    std::string rest;
-    std::getline(in, rest);
+    if (token.quoted || token.text[0] != '#') break;
+    lex.skipLine();
   }
-  if (quoted || token.stricmp("<SystemProperty") != 0)
-    Message::fatal(kRead, 0, "Unknown token '%s' where a system property record should start.", token.c_str());
+  if (token.quoted || vString::stricmp(token.text.c_str(), "<SystemProperty") != 0)
+    Message::fatal(kRead, 0, "Unknown token '%s' where a system property record should start.", token.text.c_str());
 
   vUCString section, name;
   vString description;
   std::vector<vString> values;
   for (;;) {
-    if (!myReadToken(in, token, quoted)) myEndedEarly();
-    if (!quoted && token.stricmp("SystemProperty>") == 0) break;
-    vString value;
+    if (!lex.next(token)) myEndedEarly();
+    if (!token.quoted && vString::stricmp(token.text.c_str(), "SystemProperty>") == 0) break;
+    if (token.quoted) Message::fatal(kRead, 0, "Unknown token '%s' in the system property record.", token.text.c_str());
+    // The keyword, and the value: the next token, or what follows the
+    // keyword within the same token.
+    std::string keyword = token.text;
+    std::string value;
     bool valueQuoted = false;
-    if (quoted) {
-      Message::fatal(kRead, 0, "Unknown token '%s' in the system property record.", token.c_str());
-    } else if (token.stricmp("name=") == 0) {
-      if (!myReadToken(in, value, valueQuoted)) myEndedEarly();
-      name = value;
-    } else if (token.stricmp("package=") == 0) {
-      if (!myReadToken(in, value, valueQuoted)) myEndedEarly();
-      section = value;
-    } else if (token.stricmp("description=") == 0) {
-      if (!myReadToken(in, value, valueQuoted)) myEndedEarly();
-      description = value;
-    } else if (token.stricmp("value=") == 0) {
-      if (!myReadToken(in, value, valueQuoted)) myEndedEarly();
-      value.expandEnvironment();
-      values.push_back(value);
+    if (char const* k = attachedKeyword(token.text)) {
+      keyword = k;
+      value = token.text.substr(std::strlen(k));
+    } else if (isKeyword(token.text)) {
+      Token v;
+      if (!lex.next(v)) myEndedEarly();
+      value = v.text;
+      valueQuoted = v.quoted;
     } else {
-      Message::fatal(kRead, 0, "Unknown token '%s' in the system property record.", token.c_str());
+      Message::fatal(kRead, 0, "Unknown token '%s' in the system property record.", token.text.c_str());
+    }
+    if (!valueQuoted) myRestOfValue(lex, value);
+    vString text(value.c_str());
+    if (vString::stricmp(keyword.c_str(), "name=") == 0) {
+      name = text;
+    } else if (vString::stricmp(keyword.c_str(), "package=") == 0) {
+      section = text;
+    } else if (vString::stricmp(keyword.c_str(), "description=") == 0) {
+      description = text;
+    } else {
+      text.expandEnvironment();
+      values.push_back(text);
     }
   }
   if (name.isEmpty()) Message::fatal(kRead, 0, "The system property record has no name.");

@@ -6,16 +6,22 @@
 // are converted on demand; a bad index or a text that is not a number ends in
 // a fatal message.
 //
-// Text form, as held in the property tables (tokens separated by white space,
-// a value may be quoted with double quotes to hold blanks):
+// Text form, as held in the property tables (tokens separated by white space):
 //
 //   <SystemProperty name= PING package= UTL description= "ping command"
 //                   value= "vping %s" SystemProperty>
 //
-// "<SystemProperty" and the keywords are recognised in any case. "value="
-// may repeat; each adds one value. Values may hold "${NAME}" references to
-// the environment, expanded when read. A '#' where a record could start
-// comments out the rest of that line.
+// "<SystemProperty" and the keywords are recognised in any case. A keyword's
+// value is the token after it, or what follows the '=' in the same token
+// ("name=PING"). A value in double quotes is taken as it stands; one without
+// quotes also takes the further words of its line, up to the next keyword,
+// any other word ending in '=', or "SystemProperty>", so
+//
+//   description= the ping command
+//
+// needs no quotes. "value=" may repeat; each adds one value. Values may hold
+// "${NAME}" references to the environment, expanded when read. A '#' where
+// a record could start comments out the rest of that line.
 
 #include <iosfwd>
 #include <vector>

@@ -120,6 +120,47 @@ TEST(SystemPropertyRecord, ReadsTokensInAnyCaseWithQuotesAndRepeatedValues) {
   EXPECT_EQ("filename=/tmp/x", str(p.getValue(1)));
 }
 
+TEST(SystemPropertyRecord, UnquotedValuesRunToTheNextKeyword) {
+  // One keyword to a line, as a site writes a table by hand.
+  SystemProperty p = readOne(
+      "<SystemProperty\n"
+      "name= PING\n"
+      "package= UTL\n"
+      "description= the ping  command, with\ttabs \n"
+      "value= vping -c 1 %s\n"
+      "value= second one\n"
+      "SystemProperty>\n");
+  EXPECT_EQ("UTL", str(p.getSection()));
+  EXPECT_EQ("PING", str(p.getName()));
+  EXPECT_EQ("the ping  command, with\ttabs", str(p.getDescription()));
+  ASSERT_EQ(2, p.getNValues());
+  EXPECT_EQ("vping -c 1 %s", str(p.getValue(0)));
+  EXPECT_EQ("second one", str(p.getValue(1)));
+
+  // On one line the next keyword ends the value; the keyword may carry its
+  // value in the same token.
+  p = readOne("<SystemProperty name=Verbose package=commchan description= trace it value=yes please "
+              "value= \"x y\" value= 3 SystemProperty>");
+  EXPECT_EQ("VERBOSE", str(p.getName()));
+  EXPECT_EQ("COMMCHAN", str(p.getSection()));
+  EXPECT_EQ("trace it", str(p.getDescription()));
+  ASSERT_EQ(3, p.getNValues());
+  EXPECT_EQ("yes please", str(p.getValue(0)));
+  EXPECT_EQ("x y", str(p.getValue(1)));
+  EXPECT_EQ("3", str(p.getValue(2)));
+
+  // A value on the line after its keyword is still its value.
+  p = readOne("<SystemProperty name=\n  a package= b value=\n  c d\nSystemProperty>");
+  ASSERT_EQ(1, p.getNValues());
+  EXPECT_EQ("c d", str(p.getValue(0)));
+
+  // Expansion works on the whole value.
+  TestReleaseTree tree;
+  tree.setEnv("SPTEST_PORT", "9000");
+  p = readOne("<SystemProperty name= a package= b value= host ${SPTEST_PORT} SystemProperty>");
+  EXPECT_EQ("host 9000", str(p.getValue(0)));
+}
+
 TEST(SystemPropertyRecord, WriteThenReadGivesTheSameProperty) {
   SystemProperty p("utl", "ping", "the \"ping\" command\\", {"vping %s", "", "a\tb"});
   std::stringstream io;
@@ -167,6 +208,15 @@ TEST(SystemPropertyRecord, BadRecordsAreFatal) {
               "The system property record 'A' has no package.");
   expectFatal([] { readOne("<SystemProperty name= a \"package=\" b SystemProperty>"); }, m,
               "Unknown token 'package=' in the system property record.");
+  // A misspelt keyword after an unquoted value is not taken into the value.
+  expectFatal([] { readOne("<SystemProperty name= a package= b valeu= 2 SystemProperty>"); }, m,
+              "Unknown token 'valeu=' in the system property record.");
+  expectFatal([] { readOne("<SystemProperty name= a package= b\nstray words SystemProperty>"); }, m,
+              "Unknown token 'stray' in the system property record.");
+  expectFatal([] { readOne("<SystemProperty name= a package= b value= 1 <SystemProperty name= c"); }, m,
+              "Unknown token '<SystemProperty' in the system property record.");
+  expectFatal([] { readOne("<SystemProperty name= a package= b value= x \"open"); }, m,
+              "The system property record ended before 'SystemProperty>'.");
 }
 
 // --- Finding system files -----------------------------------------------
