@@ -4,6 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -108,6 +112,23 @@ TEST(vUtlSystem, SystemRunsTheCommandOnThisHost) {
   struct stat st;
   EXPECT_EQ(0, ::stat(marker.c_str(), &st));
   EXPECT_EQ(128 + 9, vUtl::system("kill -9 $$"));
+}
+
+TEST(vUtlSystem, SystemThatCannotRunRaises) {
+  // With SIGCHLD ignored the child is reaped by the kernel, so the shell's
+  // status cannot be had and system() gives -1 with ECHILD.
+  struct sigaction ignore;
+  struct sigaction old;
+  std::memset(&ignore, 0, sizeof ignore);
+  ignore.sa_handler = SIG_IGN;
+  ASSERT_EQ(0, ::sigaction(SIGCHLD, &ignore, &old));
+  expectFatal([] { vUtl::system("true"); }, "vUtl::system",
+              "Error executing command 'true', errno=" + std::to_string(ECHILD));
+  // The text named is the command as run.
+  expectFatal([] { vUtl::system("true", nullptr, vUtl::SystemBackground); }, "vUtl::system",
+              "Error executing command 'true &', errno=" + std::to_string(ECHILD));
+  ASSERT_EQ(0, ::sigaction(SIGCHLD, &old, nullptr));
+  EXPECT_EQ(0, vUtl::system("true"));
 }
 
 TEST(vUtlSystem, Which) {
