@@ -173,6 +173,9 @@ TEST_P(StoreConformance, DescribesTheReferenceContent) {
     EXPECT_EQ(4.0, store.getAttribute("TRACE").getSampleRate());
   }
   EXPECT_FALSE(store.hasAttribute("NO_SUCH_ATTRIBUTE"));
+  std::list<Attribute> filledList(1, Attribute("STALE", "", vINT32));
+  store.getAttributeList(filledList);
+  EXPECT_TRUE(filledList == list);
   if (GetParam().hasKeyList) {
     KeyList keys = store.getKeyList();
     ASSERT_EQ(2u, keys.getNKeys());
@@ -430,6 +433,14 @@ TEST_P(StoreConformance, WritesRangesListsAndNewInstances) {
   // The old instances are untouched.
   store->read(back, 4, 9);
   for (unsigned int i = 4; i <= 9; ++i) EXPECT_EQ(referenceValue("CDP", i), back.getValue(i - 3));
+
+  if (GetParam().hasClasses && holds("ELEV")) {
+    store->setAttributeClass("ELEV", "HEIGHT");
+    EXPECT_EQ("HEIGHT", std::string(store->getAttribute("ELEV").getClass().c_str()));
+    std::list<Attribute> heights = store->getAttributeList("HEIGHT", AttributeMatch::MATCH_CLASS);
+    ASSERT_EQ(1u, heights.size());
+    EXPECT_EQ("ELEV", std::string(heights.front().getName().c_str()));
+  }
 }
 
 TEST_P(StoreConformance, WritesByGroupsAndByKeys) {

@@ -19,8 +19,8 @@
 //            the data as they were; every read form refused on a store never
 //            opened (when the case makes one)
 //   writes   by range, list, groups and keys, new instances and attributes,
-//            with the range faults of writes (when the case opens a store
-//            for update)
+//            a new attribute class, with the range faults of writes (when
+//            the case opens a store for update)
 //
 // The reference content (StoreConformance::populate writes it through the
 // contract into a freshly created store): 12 instances and
