@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <sstream>
+#include <vector>
 
 #include "project/AttributeSetDetails.h"
 #include "project/StoreDetails.h"
@@ -173,7 +175,30 @@ TEST(StoreDetails, ComparesPrintsAndOrders) {
   EXPECT_EQ(a, b) << "the project type takes no part";
   b.setOwner("you");
   EXPECT_NE(a, b);
+  // Every other field counts.
+  std::vector<std::function<void(StoreDetails&)>> const changes = {
+      [](StoreDetails& d) { d.setName("other"); },         [](StoreDetails& d) { d.setVersion(4); },
+      [](StoreDetails& d) { d.setClass("shapes"); },       [](StoreDetails& d) { d.setSubClass("3d"); },
+      [](StoreDetails& d) { d.setNInstances(7); },         [](StoreDetails& d) { d.setDescription1("x"); },
+      [](StoreDetails& d) { d.setDescription2("x"); },     [](StoreDetails& d) { d.setDate(vDate(5L)); },
+      [](StoreDetails& d) { d.setDate(vDate(vDate::Invalid)); }, [](StoreDetails& d) { d.setSize(1); },
+      [](StoreDetails& d) { d.setNAttributeSets(9); },
+  };
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    StoreDetails changed = sample();
+    changes[i](changed);
+    EXPECT_NE(sample(), changed) << "change " << i;
+  }
   EXPECT_TRUE(StoreDetails(ProjectType::RONDO, "", "a", 9) < StoreDetails(ProjectType::RONDO, "", "b", 1));
+  EXPECT_FALSE(StoreDetails(ProjectType::RONDO, "", "b", 1) < StoreDetails(ProjectType::RONDO, "", "a", 9));
+  EXPECT_TRUE(StoreDetails(ProjectType::RONDO, "", "a", 1) < StoreDetails(ProjectType::KELP, "", "a", 2));
+  EXPECT_FALSE(StoreDetails(ProjectType::RONDO, "", "a", 2) < StoreDetails(ProjectType::KELP, "", "a", 1));
+  // Equal name and version: neither is less, whatever else differs.
+  StoreDetails described = sample();
+  described.setDescription1("other");
+  EXPECT_FALSE(described < sample());
+  EXPECT_FALSE(sample() < described);
+  EXPECT_NE(sample(), described);
   std::ostringstream out;
   out << StoreDetails("x", 1, "c", "s", 2, "d1", "d2", vDate(vDate::Invalid), "o", 5, 1, ProjectType::KELP);
   EXPECT_EQ("x:1:c:s:2:d1:d2::o:5:1:Kelp", out.str());

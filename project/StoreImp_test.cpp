@@ -401,6 +401,13 @@ TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
                 "Need code, what does this mean?");
 }
 
+TEST(Store, ReservedNamesOfTheSecondarySetsBookkeeping) {
+  EXPECT_EQ("ATTRIBUTESET_NAMES", str(Store::ATTRIBUTESET_NAMES));
+  EXPECT_EQ("ATTRIBUTESET_VERSIONS", str(Store::ATTRIBUTESET_VERSIONS));
+  EXPECT_EQ("attributeset", str(Store::ATTRIBUTESET_CLASS));
+  EXPECT_EQ("set", str(Store::ATTRIBUTESET_SUBCLASS));
+}
+
 TEST(Store, WritesEveryAttributeOfAnotherSet) {
   auto shelf = std::make_shared<TestMemoryShelf>();
   TestMemoryAttributeSet source(vHandle<Project>(), shelf);
