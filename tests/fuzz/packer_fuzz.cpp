@@ -3,14 +3,17 @@
 // The first input byte chooses the mode:
 //   even  the rest is a message to read (with a header made here, in either
 //         byte order, or taken as it stands). It must read, or end in
-//         UtlExcept; when its byte-swapped twin can be made, both must read
-//         the same values.
+//         UtlExcept; received in pieces as a channel does, it must read the
+//         same, and a header's forged length must not make the buffer grow
+//         beyond the bytes that came; when its byte-swapped twin can be made,
+//         both must read the same values.
 //   odd   the rest is a program of pack operations. The message is finished,
 //         read back in this process, from its bytes and from its swapped
 //         twin, and every value must come back as it went in.
 // Any other exception, a crash, or a value that does not come back is a
 // finding.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -241,6 +244,44 @@ std::string readAny(Packer& p, uint32_t seed) {
   return t;
 }
 
+// The same bytes as a channel delivers them: the header, then the body in
+// pieces of sizes chosen by the seed, for as long as bytes remain. The
+// buffer may grow only with what arrived, whatever length the header
+// claims; a body that stops short must be refused.
+std::string receiveAny(Bytes const& m, uint32_t seed) {
+  if (m.size() < 16) return "(short)";
+  Packer p(static_cast<int>(seed % 100));
+  int length = 0;
+  try {
+    length = p.beginReceive(m.data());
+  } catch (UtlExcept const&) {
+    return "(refused)";
+  }
+  std::size_t const want = static_cast<std::size_t>(length);
+  std::size_t const avail = m.size() - 16;
+  std::size_t got = 0;
+  uint32_t x = seed | 1;
+  while (got < want && got < avail) {
+    x ^= x << 13;
+    x ^= x >> 17;
+    x ^= x << 5;
+    std::size_t piece = 1 + x % 5000;
+    piece = std::min(piece, std::min(want - got, avail - got));
+    std::memcpy(p.getReceiveBuffer(static_cast<int>(got), static_cast<int>(piece)), m.data() + 16 + got, piece);
+    got += piece;
+  }
+  std::size_t const bound = std::max<std::size_t>(16 + 65536 + 128, 2 * (16 + got));
+  check(static_cast<std::size_t>(p.getCapacity()) + 16 <= bound, "the receive buffer grew beyond what arrived");
+  try {
+    p.endReceive();
+  } catch (UtlExcept const&) {
+    check(p.getState() == Packer::PACKUNPACKED, "a refused body left something to read");
+    return got < want ? "(short)" : "(refused)";
+  }
+  check(got == want, "an incomplete body was accepted");
+  return readAny(p, seed);
+}
+
 void readMessage(Input& in) {
   uint8_t const how = in.byte();
   uint32_t const seed = in.u32();
@@ -256,6 +297,7 @@ void readMessage(Input& in) {
     put32(m, seed, swap);
     m.insert(m.end(), body.begin(), body.end());
   }
+  std::string const received = receiveAny(m, seed);
   // Exactly sized copies, so that the sanitizers see any overrun.
   std::string original = "(refused)";
   try {
@@ -266,6 +308,8 @@ void readMessage(Input& in) {
   } catch (UtlExcept const&) {
     return;
   }
+  // A whole message reads the same whichever way it came in.
+  if (received != original) finding("a message received in pieces reads differently");
   // The twin in the other byte order must read the same.
   Bytes twin = m;
   try {
