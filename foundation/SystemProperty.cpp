@@ -1,5 +1,6 @@
 #include "foundation/SystemProperty.h"
 
+#include <cctype>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -13,6 +14,14 @@
 namespace {
 
 char const* const kRead = "SystemProperty::operator>>";
+
+// Decimal, or hexadecimal after "0x": a leading zero is no octal mark,
+// since "0900" in a site file means nine hundred.
+int myIntegerBase(char const* text) {
+  while (std::isspace(static_cast<unsigned char>(*text))) ++text;
+  if (*text == '+' || *text == '-') ++text;
+  return (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) ? 16 : 10;
+}
 
 bool isBlankChar(int c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
 
@@ -191,7 +200,7 @@ int32_t SystemProperty::getInt32Value(int index) const {
   char const* begin = text.c_str();
   char* end = nullptr;
   errno = 0;
-  long long v = std::strtoll(begin, &end, 0);
+  long long v = std::strtoll(begin, &end, myIntegerBase(begin));
   while (end && isBlankChar(static_cast<unsigned char>(*end))) ++end;
   if (end == begin || *end != '\0' || errno == ERANGE || v < INT32_MIN || v > INT32_MAX)
     Message::fatal("SystemProperty::getInt32Value", 0, "The value '%s' at index %d is not a 32-bit integer! ",

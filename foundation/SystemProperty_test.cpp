@@ -73,6 +73,15 @@ TEST(SystemProperty, ValuesAndConversions) {
               "The value '12abc' at index 4 is not a 32-bit integer! ");
   expectFatal([&] { p.getFloat64Value(2); }, "SystemProperty::getFloat64Value",
               "The value 'Enabled' at index 2 is not a number! ");
+  // Decimal, whatever the leading zeros; hexadecimal after "0x".
+  SystemProperty numbers("a", "b", "", {"0900", "010", "-0x10", " +0X1f ", "0x", "0"});
+  EXPECT_EQ(900, numbers.getInt32Value(0));
+  EXPECT_EQ(10, numbers.getInt32Value(1));
+  EXPECT_EQ(-16, numbers.getInt32Value(2));
+  EXPECT_EQ(31, numbers.getInt32Value(3));
+  expectFatal([&] { numbers.getInt32Value(4); }, "SystemProperty::getInt32Value",
+              "The value '0x' at index 4 is not a 32-bit integer! ");
+  EXPECT_EQ(0, numbers.getInt32Value(5));
   SystemProperty big("a", "b", "", {"4294967296"});
   expectFatal([&] { big.getInt32Value(0); }, "SystemProperty::getInt32Value",
               "The value '4294967296' at index 0 is not a 32-bit integer! ");

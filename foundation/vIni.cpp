@@ -15,12 +15,20 @@ namespace {
 
 bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
+// Decimal, or hexadecimal after "0x": a leading zero is no octal mark,
+// since "0900" in a site file means nine hundred.
+int myIntegerBase(char const* text) {
+  while (std::isspace(static_cast<unsigned char>(*text))) ++text;
+  if (*text == '+' || *text == '-') ++text;
+  return (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) ? 16 : 10;
+}
+
 // Whole-text conversions: the value (already stripped) must be all number.
 bool myToInt64(vString const& text, int64_t& out) {
   char const* begin = text.c_str();
   char* end = nullptr;
   errno = 0;
-  long long v = std::strtoll(begin, &end, 0);
+  long long v = std::strtoll(begin, &end, myIntegerBase(begin));
   if (end == begin || *end != '\0' || errno == ERANGE) return false;
   out = static_cast<int64_t>(v);
   return true;

@@ -90,6 +90,8 @@ TEST(vIni, TypedValues) {
       "i = 42 \n"
       "neg=-7\n"
       "hex = 0x10\n"
+      "zeros = 0900\n"
+      "negzeros = -008\n"
       "big = 9000000000\n"
       "f = 2.5\n"
       "tiny = 1e-3\n"
@@ -101,6 +103,8 @@ TEST(vIni, TypedValues) {
   EXPECT_EQ(42, ini.getInt32("t", "i"));
   EXPECT_EQ(-7, ini.getInt32("t", "neg"));
   EXPECT_EQ(16, ini.getInt32("t", "hex"));
+  EXPECT_EQ(900, ini.getInt32("t", "zeros"));
+  EXPECT_EQ(-8, ini.getInt64("t", "negzeros"));
   EXPECT_EQ(9000000000LL, ini.getInt64("t", "big"));
   EXPECT_FLOAT_EQ(2.5f, ini.getFloat32("t", "f"));
   EXPECT_DOUBLE_EQ(1e-3, ini.getFloat64("t", "tiny"));
