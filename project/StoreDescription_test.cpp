@@ -217,6 +217,16 @@ TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
   EXPECT_TRUE(a != b);
   EXPECT_FALSE(a < b);
   EXPECT_FALSE(b < a);
+  // The same for a spec, and for the address of an in-memory store.
+  StoreDescription spec1(vString("file:/d/a.sgy#segy:/f/1.syf#"));
+  StoreDescription spec2(vString("file:/d/a.sgy#segy:/f/2.syf#"));
+  EXPECT_TRUE(spec1 != spec2);
+  EXPECT_FALSE(spec1 < spec2 || spec2 < spec1);
+  StoreDescription at1(vString("inmemory:foo.1"));
+  StoreDescription at2(vString("inmemory:foo.2"));
+  EXPECT_TRUE(at1 != at2);
+  EXPECT_FALSE(at1 < at2 || at2 < at1);
+  EXPECT_TRUE(at1 == StoreDescription(vString("i:foo.1")));
 
   char const* ordered[] = {
       "dorn:houston:h:p:zzz",  // "Dorn" before "Rondo"
