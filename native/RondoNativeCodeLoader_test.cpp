@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <string>
 
+#include "foundation/Message.h"
 #include "foundation/TestReleaseTree.h"
 #include "native/RondoNativeMaps.h"
 #include "project/ProjectCatalogFactory.h"
@@ -91,6 +92,21 @@ Project* makeProject(vHandle<ProjectCatalog> const& catalog) {
   }
   return p;
 }
+
+// Not there at the first attempt to open it, there at the second.
+class LateProject : public UTProject {
+ public:
+  explicit LateProject(vHandle<ProjectCatalog> const& catalog) : UTProject(catalog) { UTProject::close(); }
+  void open(vLCString const& name) override {
+    if (m_attempts++ == 0) Message::fatal("LateProject::open", 0, "Project %s is not there yet.", name.c_str());
+    UTProject::open(name);
+  }
+
+ private:
+  int m_attempts = 0;
+};
+
+Project* makeLateProject(vHandle<ProjectCatalog> const& catalog) { return new LateProject(catalog); }
 
 // A project whose one store has no name before its version.
 Project* makeBadProject(vHandle<ProjectCatalog> const& catalog) {
@@ -235,14 +251,31 @@ TEST_F(RondoNative, DataMethodsAnswerFalseUntilTheStoreLayerIsThere) {
   EXPECT_FALSE(RONDO_JNI(RondoLoadAttributeFromTabindexF)(env, nullptr, nullptr, jstr("TRACE"), ints, 1, floats));
 }
 
+// The report of the exception, then the line of the entry point.
+void expectReport(std::string const& out, char const* reason, char const* method, char const* line) {
+  EXPECT_NE(std::string::npos, out.find(std::string("\n") + reason + "\n")) << out;
+  EXPECT_NE(std::string::npos, out.find(std::string("(Method=") + method + ")\n")) << out;
+  std::string tail = std::string(line) + "\n";
+  ASSERT_GE(out.size(), tail.size()) << out;
+  EXPECT_EQ(tail, out.substr(out.size() - tail.size()));
+  EXPECT_EQ(out.find(tail), out.size() - tail.size()) << "the line comes after the report";
+}
+
 TEST_F(RondoNative, FailuresAnswerFalseAndKeepNothing) {
   JNIEnv* env = jvm();
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
   size_t entries = map_projectCatalog.size();
+  ::testing::internal::CaptureStdout();
   EXPECT_FALSE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.6")));
+  expectReport(::testing::internal::GetCapturedStdout(),
+               "Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).",
+               "ProjectCatalogFactory::createEx", "Unable to Open Connection!!!!!!!!!!!");
   EXPECT_EQ(entries, map_projectCatalog.size());
   // A project before its connection leaves an empty catalog in the map.
+  ::testing::internal::CaptureStdout();
   EXPECT_FALSE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.7"), jstr("p")));
+  expectReport(::testing::internal::GetCapturedStdout(), "Trying to get a NULL pointer", "vHandle::get()",
+               "Unable to Open Project!!!!!!!!!!!");
   EXPECT_EQ(entries + 1, map_projectCatalog.size());
   EXPECT_TRUE(map_projectCatalog["127.0.1.7|RONDO"].isEmpty());
   EXPECT_EQ(0u, map_project.count("127.0.1.7|RONDO|p"));
@@ -254,6 +287,29 @@ TEST(RondoNativeKind, FloatingAttributesAreOfKindTwo) {
   for (DataType other : {vNOTYPE, vINT8, vINT16, vINT32, vUINT32, vINT64, vFLOAT16, vFLOAT128, vIBMFLOAT32, vCOMPLEX32,
                          vSTRING, vDATE, vBOOL8})
     EXPECT_EQ(1, rondoAttributeKind(other)) << other;
+}
+
+TEST_F(RondoNative, AProjectThatFailedToOpenStaysInTheMapAndOpensLater) {
+  JNIEnv* env = jvm();
+  ProjectFactory::registerMaker("ClientProject", &makeLateProject);
+  ASSERT_TRUE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.10")));
+  ::testing::internal::CaptureStdout();
+  EXPECT_FALSE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.10"), jstr("Late")));
+  expectReport(::testing::internal::GetCapturedStdout(), "Project late is not there yet.", "LateProject::open",
+               "Unable to Open Project!!!!!!!!!!!");
+  vHandle<Project> project = map_project["127.0.1.10|RONDO|Late"];
+  ASSERT_FALSE(project.isEmpty());
+  EXPECT_FALSE(project->isOpen());
+
+  // The second call takes the closed project from the map and opens it.
+  unsigned int cached = ProjectFactory::getCacheSize();
+  ::testing::internal::CaptureStdout();
+  EXPECT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.10"), jstr("Late")));
+  EXPECT_EQ("", ::testing::internal::GetCapturedStdout());
+  EXPECT_EQ(cached, ProjectFactory::getCacheSize());
+  EXPECT_EQ(project.get(), map_project["127.0.1.10|RONDO|Late"].get());
+  EXPECT_TRUE(project->isOpen());
+  EXPECT_EQ("late", str(project->getName()));
 }
 
 using RondoNativeDeathTest = RondoNative;

@@ -178,6 +178,9 @@ TEST(FullStoreNameDeathTest, CharacterSetFromTheSiteConfiguration) {
         setenv("SP_CAPI_FULLSTORENAMECHARSET", "abc.", 1);
         bool ok = FullStoreName::myIsValidStoreName("a.b") && !FullStoreName::myIsValidStoreName("d") &&
                   FullStoreName(vString("ab.c")).getStoreName() == "ab.c";
+        // Read once: a later setting is not seen.
+        setenv("SP_CAPI_FULLSTORENAMECHARSET", "d", 1);
+        ok = ok && !FullStoreName::myIsValidStoreName("d") && FullStoreName::myIsValidStoreName("a.b");
         std::exit(ok ? 0 : 1);
       },
       ::testing::ExitedWithCode(0), "");
@@ -192,7 +195,10 @@ TEST(FullStoreNameDeathTest, CharacterSetFromTheSiteConfiguration) {
   EXPECT_EXIT(
       {
         setenv("SP_CAPI_ALLOWBADNAMES", "y", 1);
-        std::exit(FullStoreName::myIsValidStoreName("bad name") ? 1 : 0);
+        bool ok = !FullStoreName::myIsValidStoreName("bad name");
+        setenv("SP_CAPI_ALLOWBADNAMES", "yes", 1);
+        ok = ok && !FullStoreName::myIsValidStoreName("bad name");
+        std::exit(ok ? 0 : 1);
       },
       ::testing::ExitedWithCode(0), "");
 }
