@@ -1002,9 +1002,10 @@ unsigned char* Packer::getReceiveBuffer(int offset, int n) {
                    m_receiveLength);
   long long const need = HEADER_SIZE + last;
   if (need > m_capacity) {
-    // By doubling, so that a body coming in small pieces is copied a few
-    // times at most, and never beyond what the header announced.
-    long long grown = std::max(need, 2LL * m_capacity);
+    // Eightfold, so that a body that comes in small pieces is copied little
+    // (fresh pages cost more than the copy), while the room never exceeds
+    // eight times what has arrived, nor what the header announced.
+    long long grown = std::max(need, 8LL * m_capacity);
     grown = std::min(grown, static_cast<long long>(HEADER_SIZE) + m_receiveLength);
     myAllocate(grown, label);
   }

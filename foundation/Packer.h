@@ -284,10 +284,11 @@ class Packer {
   // 16 header bytes as they arrived, checks them and returns the body length
   // L. The body then comes in pieces: getReceiveBuffer(offset, n) gives room
   // for body bytes offset to offset + n - 1, and the caller writes what
-  // arrives there. The buffer grows with the bytes that really come (by
-  // doubling, at most to L), never at once from the length a header claims,
-  // so a forged header costs no memory; a caller may still ask for all L
-  // bytes in one piece. Once room for all L bytes was asked for and filled,
+  // arrives there. The buffer grows with the bytes that really come (to at
+  // most eight times what came, and at most L), never at once from the
+  // length a header claims, so a forged header costs no memory; a caller
+  // may still ask for all L bytes in one piece. A Packer reused for an
+  // exchange keeps its room, so a second large message costs no growth. Once room for all L bytes was asked for and filled,
   // endReceive() puts the body in this host's byte order; before that it
   // raises. abortReceive() after a failed transfer leaves nothing to read.
   // The state is PACKUNPACKING from beginReceive on; nothing reads until

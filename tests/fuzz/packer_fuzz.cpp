@@ -270,7 +270,7 @@ std::string receiveAny(Bytes const& m, uint32_t seed) {
     std::memcpy(p.getReceiveBuffer(static_cast<int>(got), static_cast<int>(piece)), m.data() + 16 + got, piece);
     got += piece;
   }
-  std::size_t const bound = std::max<std::size_t>(16 + 65536 + 128, 2 * (16 + got));
+  std::size_t const bound = std::max<std::size_t>(16 + 65536 + 128, 8 * (16 + got));
   check(static_cast<std::size_t>(p.getCapacity()) + 16 <= bound, "the receive buffer grew beyond what arrived");
   try {
     p.endReceive();
