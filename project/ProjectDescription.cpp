@@ -56,7 +56,11 @@ ProjectDescription::ProjectDescription(vString const& text) {
   vString rest(text);
   vString typeText = firstField(rest);
   ProjectType::PROJECT_TYPE type;
-  ProjectType::isValidProjectType(typeText, type);
+  // A first field that is no type is the server or host of a name without
+  // one, unless three more fields follow it: then it stands where only a type
+  // can stand.
+  if (!ProjectType::isValidProjectType(typeText, type) && rest.count(':') >= 2)
+    Message::fatal("ProjectDescription(vString)", 0, "Unknown project type '%s'.", typeText.c_str());
 
   switch (type) {
     case ProjectType::RONDO:

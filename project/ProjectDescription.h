@@ -7,7 +7,9 @@
 //     type:[[server:]host:]project (Rondo, Kelp, Dorn, UnitTest, Zonmesh)
 //     f:/path/file.ext[:]          (a flat file; its directory is the project)
 //     i:                           (in memory)
-//     [[[type:]server:]host:]project  (any other text, as a FullProjectName)
+//     [[[type:]server:]host:]project  (any other text, as a FullProjectName,
+//                                      where a first field of four must be
+//                                      "notype" or empty)
 //
 // Blank fields take the default project's server, host and name.
 

@@ -87,8 +87,11 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
   EXPECT_EQ("NoType:srv:hostA:survey", str(d.toString()));
   expectCatalog(ProjectDescription(vString(":srv:hostA:p")), ProjectType::NOTYPE, "srv", "hostA", "p");
   expectCatalog(ProjectDescription(vString("hostA:p")), ProjectType::NOTYPE, "", "hostA", "p");
-  expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectType::getProjectType",
-              "Unknown PROJECT_TYPE name venus.");
+  // In the place of a type, only a type.
+  expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectDescription(vString)",
+              "Unknown project type 'venus'.");
+  expectFatal([] { ProjectDescription d2(vString("Venus:a:srv:hostA:p")); }, "ProjectDescription(vString)",
+              "Unknown project type 'Venus'.");
 }
 
 TEST(ProjectDescription, FlatFilesAndMemory) {
