@@ -839,6 +839,41 @@ TEST_F(PackerTest, SwappedTwinReadsBackTheSame) {
   EXPECT_EQ(twin, m);
 }
 
+TEST_F(PackerTest, OtherOrderSwapsOnlyTheListedTypes) {
+  // Counts of every array are turned around; the data only of 16-, 32- and
+  // 64-bit integers, floats, doubles, dates and frames. 128-bit values,
+  // complex pairs, half floats and IBM floats stay as they came.
+  Bytes const body = {
+      0x8F, 0x00, 0x00, 0x00, 0x02, 0xA1, 0xA2,                     // uchar8[2]
+      0x95, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // complex32[1]
+      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,  // int128
+      0x97, 0x00, 0x00, 0x00, 0x02, 0xB1, 0xB2, 0xB3, 0xB4,         // float16[2]
+      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                 // ibmfloat32
+      0x93, 0x00, 0x00, 0x00, 0x04, 0xD1, 0xD2, 0xD3, 0xD4,         // lob[4]
+      0x88, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // uint64[1]
+      0x7F, 0x12, 0x34, 0x56, 0x78, 0x7E};                          // frame 0x1234, 0x5678
+  Bytes m = {0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01, 0, 0, 0, static_cast<unsigned char>(body.size()),
+             0, 0, 0, 0};
+  m.insert(m.end(), body.begin(), body.end());
+  Packer p = fromBytes(m);
+  EXPECT_TRUE(p.isSwapped());
+  int steps = 1;
+  while (p.next()) ++steps;
+  EXPECT_EQ(steps, 9);
+  // Sent again, the message is in this host's order: compare the entries.
+  Bytes const again = finish(p, 0);
+  Bytes const expected = {
+      0x8F, 0x02, 0x00, 0x00, 0x00, 0xA1, 0xA2,                          //
+      0x95, 0x01, 0x00, 0x00, 0x00, 1, 2, 3, 4, 5, 6, 7, 8,              //
+      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,       //
+      0x97, 0x02, 0x00, 0x00, 0x00, 0xB1, 0xB2, 0xB3, 0xB4,              //
+      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                      //
+      0x93, 0x04, 0x00, 0x00, 0x00, 0xD1, 0xD2, 0xD3, 0xD4,              //
+      0x88, 0x01, 0x00, 0x00, 0x00, 8, 7, 6, 5, 4, 3, 2, 1,              //
+      0x7F, 0x34, 0x12, 0x78, 0x56, 0x7E};
+  EXPECT_EQ(Bytes(again.begin() + 16, again.end()), expected);
+}
+
 TEST_F(PackerTest, VersionWordInTheOtherOrderIsAccepted) {
   Bytes m = message({0x05, 0x2A, 0, 0, 0});
   m[4] = 0;
@@ -1200,6 +1235,12 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
   EXPECT_EQ(p.getState(), Packer::PACKINIT);
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(static_cast<float const*>(nullptr), 3); }),
             "Null data given for 3 elements of vFLOAT32.");
+  // Growth that would pass the limit is refused before any memory is taken
+  // or any byte read.
+  EXPECT_EQ(fatalText([&] { p.pack(&c, 2100000000u); }),
+            "Packer::pack: Packer cannot handle >2gig. Has 16, wanted another 2100000000.");
+  EXPECT_EQ(p.getState(), Packer::PACKINIT);
+  EXPECT_EQ(p.getCapacity(), 0);
   // Many address-of entries may not add up beyond what a message can say.
   for (int k = 0; k < 3; ++k) p.packAddressOf(reinterpret_cast<double const*>(&c), 75000000u);
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(reinterpret_cast<double const*>(&c), 75000000u); }),
