@@ -288,10 +288,13 @@ class Packer {
   // most eight times what came, and at most L), never at once from the
   // length a header claims, so a forged header costs no memory; a caller
   // may still ask for all L bytes in one piece. A Packer reused for an
-  // exchange keeps its room, so a second large message costs no growth. Once room for all L bytes was asked for and filled,
-  // endReceive() puts the body in this host's byte order; before that it
-  // raises. abortReceive() after a failed transfer leaves nothing to read.
-  // The state is PACKUNPACKING from beginReceive on; nothing reads until
+  // exchange keeps its room, so a second large message costs no growth.
+  // Once room for all L bytes was asked for and filled, endReceive() puts
+  // the body in this host's byte order; before that it raises. A channel
+  // whose room cannot be made (getReceiveBuffer raises) reads and drops
+  // the rest of the body itself, to stay in step with its peer.
+  // abortReceive() after a failed transfer leaves nothing to read. The
+  // state is PACKUNPACKING from beginReceive on; nothing reads until
   // endReceive.
   int beginReceive(unsigned char const* header);
   unsigned char* getReceiveBuffer(int offset, int n);
