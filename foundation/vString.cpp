@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <new>
 #include <sstream>
 #include <string>
 
@@ -109,6 +110,27 @@ void applyStreamFlags(std::ostringstream& os, long flags, char fill, int width) 
   if (width > 0) os.width(width);
 }
 
+// Set while the exception for a failed allocation is being built. That
+// exception holds strings of its own; when even those cannot be had, the
+// nested failure throws std::bad_alloc instead of recursing until the
+// exception runtime gives up and terminates the process.
+thread_local bool s_reportingAllocationFailure = false;
+
+class ReportingAllocationFailure {
+ public:
+  ReportingAllocationFailure() { s_reportingAllocationFailure = true; }
+  ~ReportingAllocationFailure() { s_reportingAllocationFailure = false; }
+  ReportingAllocationFailure(ReportingAllocationFailure const&) = delete;
+  ReportingAllocationFailure& operator=(ReportingAllocationFailure const&) = delete;
+};
+
+[[noreturn]] void allocationFailed(char const* reason, char const* method, int line) {
+  if (s_reportingAllocationFailure) throw std::bad_alloc();
+  ReportingAllocationFailure reporting;
+  // Built in place as the thrown object: no copy that could fail again.
+  throw UtlExcept(reason, method, line, "vString");
+}
+
 }  // namespace
 
 // --- storage -----------------------------------------------------------------
@@ -120,7 +142,7 @@ void vString::myAllocate(unsigned int length) {
     return;
   }
   char* p = static_cast<char*>(std::malloc(static_cast<size_t>(length) + 1));
-  if (!p) throw UtlExcept("Could not allocate memory for data.", "vString::myAllocate()", __LINE__, "vString");
+  if (!p) allocationFailed("Could not allocate memory for data.", "vString::myAllocate()", __LINE__);
   p[length] = 0;
   m_data = p;
   m_length = length;
@@ -133,7 +155,7 @@ void vString::myReallocate(unsigned int length) {
   }
   char* old = (m_data == s_emptyBuffer) ? nullptr : m_data;
   char* p = static_cast<char*>(std::realloc(old, static_cast<size_t>(length) + 1));
-  if (!p) throw UtlExcept("Could not reallocate memory for data.", "vString::myReallocate()", __LINE__, "vString");
+  if (!p) allocationFailed("Could not reallocate memory for data.", "vString::myReallocate()", __LINE__);
   if (!old) p[0] = 0;
   p[length] = 0;
   m_data = p;
@@ -153,7 +175,7 @@ void vString::myAssign(char const* text, unsigned int length) {
   }
   // Allocate first: text may live in our own buffer.
   char* p = static_cast<char*>(std::malloc(static_cast<size_t>(length) + 1));
-  if (!p) throw UtlExcept("Could not allocate memory for data.", "vString::myAllocate()", __LINE__, "vString");
+  if (!p) allocationFailed("Could not allocate memory for data.", "vString::myAllocate()", __LINE__);
   std::memcpy(p, text, length);
   p[length] = 0;
   myDeallocate();
@@ -633,9 +655,13 @@ std::string fitField(std::string text, unsigned int width, bool negative, char f
   return text;
 }
 
-}  // namespace
-
-namespace {
+// The width of the field first..last of s: 0 for "append" (last is -1), -1
+// for a field that does not lie within s.
+int fieldWidth(vString const& s, int first, int last) {
+  if (last == -1) return 0;
+  if (first < 0 || last < first || static_cast<unsigned int>(last) >= s.length()) return -1;
+  return last - first + 1;
+}
 
 // Writes text into the field first..last of s, or appends it (clipped to a
 // fresh 50-character buffer) when last is -1.
@@ -645,7 +671,6 @@ int placeField(vString& s, std::string const& formatted, int first, int last, bo
     s += text.c_str();
     return static_cast<int>(text.size());
   }
-  if (first < 0 || last < first || static_cast<unsigned int>(last) >= s.length()) return -1;
   unsigned int const width = static_cast<unsigned int>(last - first + 1);
   std::string const text = fitField(formatted, width, negative, fill);
   std::memcpy(s.spointer() + first, text.data(), width);
@@ -654,21 +679,26 @@ int placeField(vString& s, std::string const& formatted, int first, int last, bo
 
 }  // namespace
 
+// The stream pads to the whole field, so that a '0' fill goes between the
+// sign (or base) and the digits rather than in front of the sign.
 int vString::write(float value, int first, int last, long flags, char fill, int width, int precision) {
+  int const field = fieldWidth(*this, first, last);
+  if (field < 0) return -1;
   std::ostringstream os;
-  applyStreamFlags(os, flags, fill, width);
+  applyStreamFlags(os, flags, fill, width > field ? width : field);
   if (precision >= 0) {
     os.setf(std::ios::fixed, std::ios::floatfield);
     os.precision(precision);
   }
   os << value;
-  int const r = placeField(*this, os.str(), first, last, value < 0, fill);
-  return r;
+  return placeField(*this, os.str(), first, last, value < 0, fill);
 }
 
 int vString::write(int value, int first, int last, long flags, char fill, int width, int /*precision*/) {
+  int const field = fieldWidth(*this, first, last);
+  if (field < 0) return -1;
   std::ostringstream os;
-  applyStreamFlags(os, flags, fill, width);
+  applyStreamFlags(os, flags, fill, width > field ? width : field);
   os << value;
   return placeField(*this, os.str(), first, last, value < 0, fill);
 }

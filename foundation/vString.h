@@ -6,7 +6,8 @@
 // one static buffer and never allocates. Not thread-safe.
 //
 // Allocation failures throw UtlExcept directly (not through Message), since
-// the message path itself builds strings.
+// the message path itself builds strings. When memory is so short that not
+// even that exception's own strings can be had, std::bad_alloc goes instead.
 
 #include <cstdarg>
 #include <cstdint>
