@@ -1,6 +1,8 @@
 #include "foundation/Message.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -57,6 +59,54 @@ std::string tempPath(char const* stem) {
   return std::string(::testing::TempDir()) + stem + "_" + std::to_string(::getpid());
 }
 
+// "14-NOV-2023 22:13:20"
+bool isRondoTime(std::string const& t) {
+  if (t.size() != 20) return false;
+  for (size_t i = 0; i < t.size(); ++i) {
+    char const c = t[i];
+    bool ok;
+    if (i == 2 || i == 6)
+      ok = c == '-';
+    else if (i >= 3 && i <= 5)
+      ok = c >= 'A' && c <= 'Z';
+    else if (i == 11)
+      ok = c == ' ';
+    else if (i == 14 || i == 17)
+      ok = c == ':';
+    else
+      ok = c >= '0' && c <= '9';
+    if (!ok) return false;
+  }
+  return true;
+}
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define RONDO_ASAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define RONDO_ASAN 1
+#endif
+
+#ifndef RONDO_ASAN
+// Lowers the soft address-space limit of this process to what it maps now
+// plus `room` bytes, so that a larger allocation fails; `old` gets the limit
+// to put back.
+bool capAddressSpace(size_t room, rlimit& old) {
+  if (::getrlimit(RLIMIT_AS, &old) != 0) return false;
+  std::FILE* f = std::fopen("/proc/self/statm", "r");
+  if (!f) return false;
+  unsigned long pages = 0;
+  int const got = std::fscanf(f, "%lu", &pages);
+  std::fclose(f);
+  if (got != 1) return false;
+  rlimit limit = old;
+  limit.rlim_cur = static_cast<rlim_t>(pages) * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + room;
+  return ::setrlimit(RLIMIT_AS, &limit) == 0;
+}
+#endif
+
 }  // namespace
 
 TEST(MessageDefaultChain, FatalPrintsAReportAndThrowsWithTheLabelAsMethod) {
@@ -91,6 +141,78 @@ TEST(MessageDefaultChain, ErrorsAndInfosPrintButDoNotThrow) {
   EXPECT_NE(std::string::npos, err.find("cannot read x.sgy")) << err;
   EXPECT_NE(std::string::npos, err.find(std::string(60, '.') + "\n(Next INFO from ")) << err;
 }
+
+TEST(MessageHandlers, PrintReportLayout) {
+  PrintErrorHandler print;
+  ::testing::internal::CaptureStderr();
+  print.error("Store::open", 12, "cannot read x.sgy");
+  print.info("Store::open", 0, "two\nlines\n");
+  std::string const err = ::testing::internal::GetCapturedStderr();
+  // Program up to the last '/', host, and the present time, day first.
+  std::string const from = std::string(" from ") + program_invocation_short_name + " running on " +
+                           vUtl::gethostname().c_str() + " at ";
+  std::string const plus(60, '+');
+  std::string const dots(60, '.');
+  std::string::size_type const a = err.find(from);
+  ASSERT_NE(std::string::npos, a) << err;
+  std::string::size_type const b = err.find(from, a + 1);
+  ASSERT_NE(std::string::npos, b) << err;
+  EXPECT_EQ(plus + "\n(Next ERROR", err.substr(0, a)) << err;
+  EXPECT_TRUE(isRondoTime(err.substr(a + from.size(), 20))) << err;
+  EXPECT_EQ(")\nStore::open (code 12):\ncannot read x.sgy\n" + plus + "\n" + dots + "\n(Next INFO",
+            err.substr(a + from.size() + 20, b - a - from.size() - 20))
+      << err;
+  // A zero code is left out, and a text that ends its own line gets no second end.
+  EXPECT_TRUE(isRondoTime(err.substr(b + from.size(), 20))) << err;
+  EXPECT_EQ(")\nStore::open:\ntwo\nlines\n" + dots + "\n", err.substr(b + from.size() + 20)) << err;
+}
+
+#ifndef RONDO_ASAN
+// The one failure inside the formatting step is running out of memory while
+// the format is copied. The report goes to standard error directly and the
+// integer -1 is thrown, since the handlers themselves may be what fails.
+TEST(MessageDeathTest, ExceptionWhileFormattingThrowsMinusOne) {
+  EXPECT_EXIT(
+      {
+        std::string const path = tempPath("rondo_format");
+        size_t const n = 1u << 20;
+        std::string const format = "%%" + std::string(n, 'y');
+        std::string const report = "\nMessage::fatal() Exception while printing format '" + format +
+                                   "'.\n Check for using %d when printing vInstances, use %lld instead.";
+        int const fd = ::open(path.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
+        if (fd < 0 || ::dup2(fd, 2) < 0) std::exit(2);
+        Message::clearNFatals();
+        Message::clearNErrors();
+        int fatalThrew = 0;
+        int errorThrew = 0;
+        rlimit old;
+        if (!capAddressSpace(n / 4, old)) std::exit(3);
+        try {
+          Message::fatal("Fmt::op", 0, format.c_str(), 0);
+        } catch (int v) {
+          fatalThrew = v;
+        } catch (...) {
+          fatalThrew = 1;
+        }
+        try {
+          Message::error("Fmt::op", 0, format.c_str(), 0);
+        } catch (int v) {
+          errorThrew = v;
+        } catch (...) {
+          errorThrew = 1;
+        }
+        ::setrlimit(RLIMIT_AS, &old);
+        std::string const printed = readFile(path);
+        std::remove(path.c_str());
+        if (fatalThrew != -1) std::exit(4);
+        if (errorThrew != -1) std::exit(5);
+        if (Message::getNFatals() != 1 || Message::getNErrors() != 1) std::exit(6);
+        if (printed != report + report) std::exit(7);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+#endif
 
 TEST(MessageDefaultChain, FirstFatalInstallsPrintThenException) {
   EXPECT_EXIT(
