@@ -8,7 +8,8 @@
 //   DORNDEBUGLEVEL   trace level; 0 or unset switches tracing off
 //   DORNDEBUGFLAGS   sum of DornDebug::Flags values
 // Every line carries the current indentation; entry() raises it after its
-// line and exit() lowers it before its line. All operations are static; an
+// line and exit() lowers it after its line, so an exit stands level with the
+// lines of the call it closes. All operations are static; an
 // object exists only for the ++/-- shorthand of indentUp()/indentDown().
 
 #include <cstddef>

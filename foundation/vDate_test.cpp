@@ -113,6 +113,21 @@ TEST(vDateFormat, OtherTexts) {
   EXPECT_TRUE(vDate::getNow().isValid());
 }
 
+TEST(vDateFormat, UnixFormDependsOnTheYear) {
+  // Noon on the first of January of this year: time of day, no year.
+  vDate thisYear(vDate::Valid);
+  thisYear.set(5, 4, 12, 1, 1, -1);
+  EXPECT_EQ(thisYear.getUnixDateTime(), "Jan 01 12:04");
+  // Another year: the year after two blanks, no time.
+  vDate other(thisYear);
+  other.setYear(thisYear.getYear() - 1);
+  EXPECT_EQ(other.getUnixDateTime(), vString("Jan 01  ") + vString::number(thisYear.getYear() - 1));
+  other.setYear(thisYear.getYear() + 1);
+  other.setMonth(7);
+  EXPECT_EQ(other.getUnixDateTime(), vString("Jul 01  ") + vString::number(thisYear.getYear() + 1));
+  EXPECT_EQ(vDate(vDate::Invalid).getUnixDateTime(), "");
+}
+
 TEST(vDateFormat, SetFormattedRoundTrips) {
   vDate d(0L, false);
   d.setFormatted(vDate::formatRONDO, vString("05-MAR-2021 01:02:03"));

@@ -134,6 +134,13 @@ TEST(vFilenameCompare, BlankHostIsThisHostAndDrivesIgnoreCase) {
   EXPECT_TRUE(vFilename("d:\\x\\y.z") == vFilename("D:\\x\\y.z"));
   EXPECT_FALSE(vFilename("d:\\x\\y.z") == vFilename("D:\\x\\y.w"));
   EXPECT_FALSE(vFilename("/x/y.z") == vFilename("/w/y.z"));
+  // Each part on its own makes a difference, except the case of the drive.
+  EXPECT_FALSE(vFilename("E:\\x\\y.z") == vFilename("D:\\x\\y.z"));
+  EXPECT_FALSE(vFilename("/x/w.z") == vFilename("/x/y.z"));
+  EXPECT_FALSE(vFilename("/x/y") == vFilename("/x/y.z"));
+  EXPECT_FALSE(vFilename("/x/Y.z") == vFilename("/x/y.z"));
+  EXPECT_FALSE(vFilename("one:/x/y.z") == vFilename("two:/x/y.z"));
+  EXPECT_TRUE(vFilename("one:/x/y.z") == vFilename("one:/x/y.z"));
   vFilename copy;
   copy = here;
   EXPECT_TRUE(copy == here);
