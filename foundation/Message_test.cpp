@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -17,6 +16,7 @@
 #include "foundation/LogErrorHandler.h"
 #include "foundation/PrintErrorHandler.h"
 #include "foundation/RaiseError.h"
+#include "foundation/TestAddressSpaceCap.h"
 #include "foundation/TracebackErrorHandler.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vUtl.h"
@@ -80,33 +80,6 @@ bool isRondoTime(std::string const& t) {
   return true;
 }
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define RONDO_ASAN 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define RONDO_ASAN 1
-#endif
-
-#ifndef RONDO_ASAN
-// Lowers the soft address-space limit of this process to what it maps now
-// plus `room` bytes, so that a larger allocation fails; `old` gets the limit
-// to put back.
-bool capAddressSpace(size_t room, rlimit& old) {
-  if (::getrlimit(RLIMIT_AS, &old) != 0) return false;
-  std::FILE* f = std::fopen("/proc/self/statm", "r");
-  if (!f) return false;
-  unsigned long pages = 0;
-  int const got = std::fscanf(f, "%lu", &pages);
-  std::fclose(f);
-  if (got != 1) return false;
-  rlimit limit = old;
-  limit.rlim_cur = static_cast<rlim_t>(pages) * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + room;
-  return ::setrlimit(RLIMIT_AS, &limit) == 0;
-}
-#endif
-
 }  // namespace
 
 TEST(MessageDefaultChain, FatalPrintsAReportAndThrowsWithTheLabelAsMethod) {
@@ -167,13 +140,14 @@ TEST(MessageHandlers, PrintReportLayout) {
   EXPECT_EQ(")\nStore::open:\ntwo\nlines\n" + dots + "\n", err.substr(b + from.size() + 20)) << err;
 }
 
-#ifndef RONDO_ASAN
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
 // The one failure inside the formatting step is running out of memory while
 // the format is copied. The report goes to standard error directly and the
 // integer -1 is thrown, since the handlers themselves may be what fails.
 TEST(MessageDeathTest, ExceptionWhileFormattingThrowsMinusOne) {
   EXPECT_EXIT(
       {
+        testMapLargeBlocksExactly();
         std::string const path = tempPath("rondo_format");
         size_t const n = 1u << 20;
         std::string const format = "%%" + std::string(n, 'y');
@@ -185,8 +159,8 @@ TEST(MessageDeathTest, ExceptionWhileFormattingThrowsMinusOne) {
         Message::clearNErrors();
         int fatalThrew = 0;
         int errorThrew = 0;
-        rlimit old;
-        if (!capAddressSpace(n / 4, old)) std::exit(3);
+        TestAddressSpaceCap cap(n / 4);
+        if (!cap.isCapped()) std::exit(3);
         try {
           Message::fatal("Fmt::op", 0, format.c_str(), 0);
         } catch (int v) {
@@ -201,7 +175,7 @@ TEST(MessageDeathTest, ExceptionWhileFormattingThrowsMinusOne) {
         } catch (...) {
           errorThrew = 1;
         }
-        ::setrlimit(RLIMIT_AS, &old);
+        cap.lift();
         std::string const printed = readFile(path);
         std::remove(path.c_str());
         if (fatalThrew != -1) std::exit(4);

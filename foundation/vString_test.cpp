@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/TestAddressSpaceCap.h"
 #include "foundation/UtlExcept.h"
 
 namespace {
@@ -28,32 +27,6 @@ UtlExcept catchUtl(F f) {
   ADD_FAILURE() << "no UtlExcept was thrown";
   return UtlExcept("", "");
 }
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define RONDO_ASAN 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define RONDO_ASAN 1
-#endif
-
-#ifndef RONDO_ASAN
-// Caps the address space of this process at what it maps now plus `room`
-// bytes, so that a larger allocation fails. Only for death-test children:
-// the cap is never lifted.
-bool capAddressSpace(size_t room) {
-  std::FILE* f = std::fopen("/proc/self/statm", "r");
-  if (!f) return false;
-  unsigned long pages = 0;
-  int const got = std::fscanf(f, "%lu", &pages);
-  std::fclose(f);
-  if (got != 1) return false;
-  rlimit limit;
-  limit.rlim_cur = limit.rlim_max = static_cast<rlim_t>(pages) * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + room;
-  return ::setrlimit(RLIMIT_AS, &limit) == 0;
-}
-#endif
 
 }  // namespace
 
@@ -96,7 +69,7 @@ TEST(vStringEmpty, OperationsThatEmptyAStringGiveBackTheSharedBuffer) {
   EXPECT_TRUE(vString("abc").substr(5).isSharedEmpty());
 }
 
-#ifndef RONDO_ASAN
+#ifndef RONDO_TEST_UNDER_ASAN
 // The heap in use must not grow while many empty strings are made and
 // copied. (The sanitizer's allocator does not report through mallinfo2.)
 TEST(vStringEmpty, ManyEmptyStringsAllocateNothing) {
@@ -580,11 +553,13 @@ TEST(vStringAt, OutOfRangeThrowsDirectly) {
   EXPECT_EQ(ce.getMethod(), "vString::at()");
 }
 
-#ifndef RONDO_ASAN
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
 TEST(vStringDeathTest, AllocationFailuresThrowDirectly) {
   EXPECT_EXIT(
       {
-        if (!capAddressSpace(16u << 20)) std::exit(2);
+        testMapLargeBlocksExactly();
+        TestAddressSpaceCap cap(16u << 20);
+        if (!cap.isCapped()) std::exit(2);
         int const huge = 256 << 20;
         try {
           vString s(huge, "x");
@@ -613,7 +588,8 @@ TEST(vStringDeathTest, AllocationFailuresThrowDirectly) {
 TEST(vStringDeathTest, WithNoMemoryAtAllTheFailureIsBadAlloc) {
   EXPECT_EXIT(
       {
-        if (!capAddressSpace(64u << 10)) std::exit(2);
+        TestAddressSpaceCap cap(64u << 10);
+        if (!cap.isCapped()) std::exit(2);
         // Take every block there is, chained through the blocks themselves.
         void* chain = nullptr;
         for (size_t size : {size_t(4096), size_t(256), size_t(16)})
@@ -633,6 +609,8 @@ TEST(vStringDeathTest, WithNoMemoryAtAllTheFailureIsBadAlloc) {
           chain = next;
         }
         // With room again, the failure is the specified exception once more.
+        cap.lift();
+        TestAddressSpaceCap again(16u << 20);
         try {
           vString big(512 << 20, "x");
           outcome = outcome ? outcome : 6;
@@ -712,13 +690,14 @@ TEST(vStringPrintf, FormatsAndLimits) {
   EXPECT_EQ(s, "n=7 5000000000 0.50");
 }
 
-#ifndef RONDO_ASAN
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
 // The one failure inside the formatting step is running out of memory while
 // the format is adapted. A format of a few megabytes whose own copy still
 // fits under the cap, but whose adapted copy does not, provokes it.
 TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
   EXPECT_EXIT(
       {
+        testMapLargeBlocksExactly();
         size_t const n = 4u << 20;
         std::string const format = "%%" + std::string(n, 'x');
         // The reason names the format; the message buffer holds 10239 of it.
@@ -728,7 +707,8 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
                 .substr(0, 10239);
         vString s("old");
         UtlExcept e("", "");
-        if (!capAddressSpace(n + n / 2)) std::exit(2);
+        TestAddressSpaceCap cap(n + n / 2);
+        if (!cap.isCapped()) std::exit(2);
         try {
           s.printf(format.c_str(), 0);
           std::exit(3);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <new>
 #include <vector>
 
 #include "foundation/Message.h"
@@ -51,11 +50,23 @@ vUCStringTable::~vUCStringTable() {
 vUCStringTableData const* vUCStringTable::add(vUCString const& s) {
   vMutexLocker lock(m_record->mutex);
   if (m_record->find(s)) return *m_record->first;
-  vUCStringTableData* entry = new (std::nothrow) vUCStringTableData(s);
-  if (!entry)
-    Message::fatal("vUCStringTableIDTable::add", 0, "Failed to allocate memory for the string '%s'!", s.c_str());
+  // The entry, its copy of the name and its slot in the vector: when any of
+  // them cannot be had, the table stays as it was.
   Record::Entries& v = m_record->entries;
-  Record::Entries::iterator at = v.insert(m_record->first, entry);
+  vUCStringTableData* entry = nullptr;
+  Record::Entries::iterator at;
+  try {
+    entry = new vUCStringTableData(s);
+    at = v.insert(m_record->first, entry);
+  } catch (...) {
+    delete entry;
+    entry = nullptr;
+  }
+  if (!entry) {
+    m_record->first = m_record->last = v.end();
+    m_record->key.m_string.erase();
+    Message::fatal("vUCStringTableIDTable::add", 0, "Failed to allocate memory for the string '%s'!", s.c_str());
+  }
   // Ranks from the new entry on move up by one.
   int id = at == v.begin() ? 0 : (*(at - 1))->m_id + 1;
   for (Record::Entries::iterator i = at; i != v.end(); ++i) (*i)->m_id = id++;
