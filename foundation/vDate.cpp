@@ -196,9 +196,11 @@ void vDate::setFormatted(Format format, vString const& text) {
   throw UtlExcept("Invalid format specified!", "vDate::setFormatted()", -1, "vDate");
 }
 
+// Both look-ups in the month table report under the one method name of the
+// table, myGetMonthValue.
 vString vDate::myGetMonthName(int month) {
   if (month < 1 || month > 12)
-    throw UtlExcept("Month requested is out of range!", "vDate::myGetMonthName()", -1, "vDate");
+    throw UtlExcept("Month requested is out of range!", "vDate::myGetMonthValue()", -1, "vDate");
   return vString(3, s_months + 3 * (month - 1));
 }
 

@@ -163,6 +163,10 @@ TEST(vDateMonths, NamesAndNumbers) {
   EXPECT_EQ(9, MonthTable::number(vString("September")));
   UtlExcept range = catchUtl([] { MonthTable::name(13); });
   EXPECT_EQ(range.getReason(), "Month requested is out of range!");
+  EXPECT_EQ(range.getMethod(), "vDate::myGetMonthValue()");
+  UtlExcept unknown = catchUtl([] { MonthTable::number(vString("XYZ")); });
+  EXPECT_EQ(unknown.getReason(), "Month not found!");
+  EXPECT_EQ(unknown.getMethod(), "vDate::myGetMonthValue()");
   EXPECT_THROW(MonthTable::name(0), UtlExcept);
   // Only whole table entries match, not a run across two of them.
   EXPECT_THROW(MonthTable::number(vString("ANF")), UtlExcept);
