@@ -114,7 +114,15 @@ class vHandle {
 
   // A slave gives back only its slave reference: it never releases the
   // object, but the record must not outlive the last handle that sees it.
-  ~vHandle() { myRelease(); }
+  // A destructor cannot pass an exception on: a release that fails (the
+  // reserved deletion policy) has been reported by then, and the object is
+  // left as it is rather than the process terminated.
+  ~vHandle() {
+    try {
+      myRelease();
+    } catch (...) {
+    }
+  }
 
   vHandle& operator=(vHandle const& other) {
     // Same object, or the very same record (which also covers an empty

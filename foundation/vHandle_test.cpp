@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
 #include "foundation/UtlExcept.h"
 
 namespace {
@@ -228,6 +230,19 @@ TEST_F(vHandleTest, ReservedPolicyIsFatalWhenTheObjectGoes) {
     EXPECT_EQ(e.getMethod(), "vHandleHelper::freeDataUT");
   }
   std::free(block);
+  // The last master going out of scope cannot throw: the failure is
+  // reported, the process goes on and the block is left to its owner.
+  char* kept = static_cast<char*>(std::malloc(8));
+  std::strcpy(kept, "kept");
+  int const fatals = Message::getNFatals();
+  {
+    MessageHandling quiet;
+    vHandle<char> last(kept, vHandleEnum::FreeUT);
+    vHandle<char> slave(last, true);
+  }
+  EXPECT_EQ(fatals + 1, Message::getNFatals());
+  EXPECT_STREQ("kept", kept);
+  std::free(kept);
 }
 
 TEST_F(vHandleTest, MultiThreadedHandlesCountUnderTheirMutex) {
