@@ -98,39 +98,3 @@ TEST(vUCStringTable, DumpListsIdAndName) {
   std::string const out = ::testing::internal::GetCapturedStdout();
   EXPECT_EQ("vUCStringTable: 2 entries\n     0  A\n     1  B\n", out);
 }
-
-#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
-// A name whose search key still fits in memory but whose entry does not: the
-// table reports it under its own text and stays as it was.
-TEST(vUCStringTableDeathTest, EntryThatCannotBeAllocatedIsFatal) {
-  EXPECT_EXIT(
-      {
-        testMapLargeBlocksExactly();
-        vUCStringTable t;
-        t.add("before");
-        size_t const n = 4u << 20;
-        vUCString const name(std::string(n, 'n').c_str());
-        std::string const expected =
-            ("Failed to allocate memory for the string '" + std::string(n, 'N') + "'!").substr(0, 10239);
-        UtlExcept caught("", "");
-        {
-          // Room for the search key's copy of the name, not for the entry's.
-          TestAddressSpaceCap cap(n + n / 2);
-          if (!cap.isCapped()) std::exit(3);
-          try {
-            t.add(name);
-            std::exit(4);
-          } catch (UtlExcept const& e) {
-            caught = e;
-          }
-        }
-        if (caught.getReason() != expected.c_str()) std::exit(5);
-        if (caught.getMethod() != "vUCStringTableIDTable::add") std::exit(6);
-        if (t.size() != 1 || t.exists(name)) std::exit(7);
-        // The table still works.
-        if (t.add("after")->getID() != 0 || t.getID(vUCString("BEFORE")) != 1) std::exit(8);
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(0), "");
-}
-#endif
