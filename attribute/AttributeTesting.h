@@ -1,7 +1,7 @@
 #ifndef ATTRIBUTE_ATTRIBUTETESTING_H
 #define ATTRIBUTE_ATTRIBUTETESTING_H
 
-// Test helpers of the attribute model: a checker of failures by method and
+// Test helpers of the attribute model, shared by the layers above it: a checker of failures by method and
 // text, and a byte builder that writes Packer messages by hand, independent
 // of the Packer, so that packed forms can be compared byte for byte and old
 // frames built as their writers built them.
@@ -57,6 +57,7 @@ class Bytes {
   Bytes& int32(int32_t v) { return byte(5).raw(&v, 4); }
   Bytes& uint32(uint32_t v) { return byte(6).raw(&v, 4); }
   Bytes& int64(int64_t v) { return byte(7).raw(&v, 8); }
+  Bytes& float32(float v) { return byte(11).raw(&v, 4); }
   Bytes& float64(double v) { return byte(12).raw(&v, 8); }
   Bytes& boolean(bool v) { return byte(16).byte(v ? 1 : 0); }
   // One vString: an array of vCHAR8 with its NUL, or an empty array.
@@ -85,6 +86,8 @@ class Bytes {
     for (std::string const& s : values) raw(s.c_str(), s.size() + 1);
     return *this;
   }
+
+  Bytes& append(std::vector<unsigned char> const& bytes) { return raw(bytes.data(), bytes.size()); }
 
   std::vector<unsigned char> const& body() const { return m_body; }
 
