@@ -32,52 +32,53 @@ void formatMessage(char* buffer, size_t size, char const* format, va_list args) 
   }
 }
 
+// Ends a va_list however the caller leaves, so a formatting failure that
+// throws does not skip va_end.
+class VaListEnd {
+ public:
+  explicit VaListEnd(va_list& args) : m_args(args) {}
+  ~VaListEnd() { va_end(m_args); }
+  VaListEnd(VaListEnd const&) = delete;
+  VaListEnd& operator=(VaListEnd const&) = delete;
+
+ private:
+  va_list& m_args;
+};
+
+using Deliver = void (RaiseError::*)(char const*, int, char const*);
+
+// Counts the message, formats it on the stack and hands it to the handlers.
+void report(int& counter, Deliver deliver, char const* label, int code, char const* format, va_list args) {
+  ++counter;
+  char buffer[10240];
+  formatMessage(buffer, sizeof buffer, format, args);
+  (RaiseError::getInstance()->*deliver)(label, code, buffer);
+}
+
 }  // namespace
 
 void Message::fatal(char const* label, int code, char const* format, ...) {
-  ++s_nFatals;
-  char buffer[10240];
   va_list args;
   va_start(args, format);
-  try {
-    formatMessage(buffer, sizeof buffer, format, args);
-  } catch (...) {
-    va_end(args);
-    throw;
+  {
+    VaListEnd end(args);
+    report(s_nFatals, &RaiseError::fatal, label, code, format, args);
   }
-  va_end(args);
-  RaiseError::getInstance()->fatal(label, code, buffer);
   std::abort();  // not reached: RaiseError::fatal either throws or aborts
 }
 
 void Message::error(char const* label, int code, char const* format, ...) {
-  ++s_nErrors;
-  char buffer[10240];
   va_list args;
   va_start(args, format);
-  try {
-    formatMessage(buffer, sizeof buffer, format, args);
-  } catch (...) {
-    va_end(args);
-    throw;
-  }
-  va_end(args);
-  RaiseError::getInstance()->error(label, code, buffer);
+  VaListEnd end(args);
+  report(s_nErrors, &RaiseError::error, label, code, format, args);
 }
 
 void Message::info(char const* label, int code, char const* format, ...) {
-  ++s_nInfos;
-  char buffer[10240];
   va_list args;
   va_start(args, format);
-  try {
-    formatMessage(buffer, sizeof buffer, format, args);
-  } catch (...) {
-    va_end(args);
-    throw;
-  }
-  va_end(args);
-  RaiseError::getInstance()->info(label, code, buffer);
+  VaListEnd end(args);
+  report(s_nInfos, &RaiseError::info, label, code, format, args);
 }
 
 int Message::getNErrors() { return s_nErrors; }
