@@ -1,5 +1,7 @@
 #include "attribute/DataPtr.h"
 
+#include "attribute/TypedBlock.h"
+
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -76,28 +78,8 @@ void* DataPtr::myAllocData(DataType type, long long nValues, char const* label) 
     Message::fatal(label, 0, "Cannot allocate %lld values of %s.", nValues, typeName(type).c_str());
   std::size_t const n = static_cast<std::size_t>(nValues);
   try {
-    switch (type) {
-      case vINT8:
-        return new int8_t[n]();
-      case vUINT8:
-        return new uint8_t[n]();
-      case vINT16:
-        return new int16_t[n]();
-      case vUINT16:
-        return new uint16_t[n]();
-      case vINT32:
-        return new int32_t[n]();
-      case vUINT32:
-        return new uint32_t[n]();
-      case vINT64:
-        return new long long[n]();
-      case vFLOAT32:
-        return new float[n]();
-      case vFLOAT64:
-        return new double[n]();
-      default:
-        return new uint8_t[n]();  // vBOOL8
-    }
+    // Unsupported types were refused above, so a block always comes back.
+    return newTypedBlock(type, n);
   } catch (std::bad_alloc const&) {
     Message::fatal(label, 0, "Cannot allocate %lld values of %s.", nValues, typeName(type).c_str());
   }
@@ -108,39 +90,8 @@ void DataPtr::myDeallocData() {
   bool const owned = m_ownsData && !m_dataReleased;
   m_data = nullptr;
   if (!owned || p == nullptr) return;
-  switch (m_dataType) {
-    case vINT8:
-      delete[] static_cast<int8_t*>(p);
-      break;
-    case vUINT8:
-    case vBOOL8:
-      delete[] static_cast<uint8_t*>(p);
-      break;
-    case vINT16:
-      delete[] static_cast<int16_t*>(p);
-      break;
-    case vUINT16:
-      delete[] static_cast<uint16_t*>(p);
-      break;
-    case vINT32:
-      delete[] static_cast<int32_t*>(p);
-      break;
-    case vUINT32:
-      delete[] static_cast<uint32_t*>(p);
-      break;
-    case vINT64:
-      delete[] static_cast<long long*>(p);
-      break;
-    case vFLOAT32:
-      delete[] static_cast<float*>(p);
-      break;
-    case vFLOAT64:
-      delete[] static_cast<double*>(p);
-      break;
-    default:
-      // Blocks are only ever made or taken for the types above.
-      break;
-  }
+  // Blocks are only ever made or taken for the supported types.
+  deleteTypedBlock(m_dataType, p);
 }
 
 void DataPtr::myDeallocLengths() {

@@ -1,5 +1,7 @@
 #include "attribute/Property.h"
 
+#include "attribute/TypedBlock.h"
+
 #include <cfloat>
 #include <cstdarg>
 #include <cstdio>
@@ -107,30 +109,7 @@ char const* targetName(DataType type) {
 }
 
 // A zeroed block of n elements (empty strings for vSTRING).
-void* allocateBlock(DataType type, unsigned int n) {
-  if (n == 0) return nullptr;
-  switch (type) {
-    case vINT8:
-      return new int8_t[n]();
-    case vUINT8:
-    case vBOOL8:
-      return new uint8_t[n]();
-    case vINT16:
-      return new int16_t[n]();
-    case vUINT16:
-      return new uint16_t[n]();
-    case vINT32:
-      return new int32_t[n]();
-    case vUINT32:
-      return new uint32_t[n]();
-    case vFLOAT32:
-      return new float[n]();
-    case vFLOAT64:
-      return new double[n]();
-    default:
-      return new vString[n];
-  }
-}
+void* allocateBlock(DataType type, unsigned int n) { return n == 0 ? nullptr : newTypedBlock(type, n); }
 
 }  // namespace
 
@@ -262,38 +241,8 @@ void Property::freeMyData() {
   m_data = nullptr;
   m_nElements = 0;
   if (p == nullptr) return;
-  switch (m_dataType) {
-    case vINT8:
-      delete[] static_cast<int8_t*>(p);
-      break;
-    case vUINT8:
-    case vBOOL8:
-      delete[] static_cast<uint8_t*>(p);
-      break;
-    case vINT16:
-      delete[] static_cast<int16_t*>(p);
-      break;
-    case vUINT16:
-      delete[] static_cast<uint16_t*>(p);
-      break;
-    case vINT32:
-      delete[] static_cast<int32_t*>(p);
-      break;
-    case vUINT32:
-      delete[] static_cast<uint32_t*>(p);
-      break;
-    case vFLOAT32:
-      delete[] static_cast<float*>(p);
-      break;
-    case vFLOAT64:
-      delete[] static_cast<double*>(p);
-      break;
-    case vSTRING:
-      delete[] static_cast<vString*>(p);
-      break;
-    default:
-      Message::fatal("Property::freeMyData()", 0, "Unsupported data type %d.", static_cast<int>(m_dataType));
-  }
+  if (!deleteTypedBlock(m_dataType, p))
+    Message::fatal("Property::freeMyData()", 0, "Unsupported data type %d.", static_cast<int>(m_dataType));
 }
 
 void Property::resize(unsigned int n) {
