@@ -115,23 +115,7 @@ struct Packer::Entry {
 
 // --- construction -------------------------------------------------------------
 
-Packer::Packer(int capacity)
-    : m_size(0),
-      m_writePos(0),
-      m_capacity(0),
-      m_buffer(nullptr),
-      m_state(PACKINIT),
-      m_readPos(0),
-      m_frameDepth(0),
-      m_swap(false),
-      m_nAddressOf(0),
-      m_addressOfBytes(0),
-      m_nEntries(0),
-      m_lastType(vNOTYPE),
-      m_end(0),
-      m_wireCapacity(0),
-      m_wireValid(false),
-      m_receiveLength(-1) {
+Packer::Packer(int capacity) {
   setCapacity(capacity);
 }
 
@@ -161,23 +145,7 @@ Packer::Packer(int size, unsigned char* buffer) : Packer(0) {
   myFromBuffer(size, label);
 }
 
-Packer::Packer(Packer const& other)
-    : m_size(0),
-      m_writePos(0),
-      m_capacity(0),
-      m_buffer(nullptr),
-      m_state(PACKINIT),
-      m_readPos(0),
-      m_frameDepth(0),
-      m_swap(false),
-      m_nAddressOf(0),
-      m_addressOfBytes(0),
-      m_nEntries(0),
-      m_lastType(vNOTYPE),
-      m_end(0),
-      m_wireCapacity(0),
-      m_wireValid(false),
-      m_receiveLength(-1) {
+Packer::Packer(Packer const& other) {
   *this = other;
 }
 

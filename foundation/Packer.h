@@ -348,31 +348,31 @@ class Packer {
   template <class T>
   unsigned int myUnpackArray(T* values, int type, char const* label);
 
-  int32_t m_size;       // finished message as it goes out, header included
-  int32_t m_writePos;   // 0 when nothing was packed since the last finish
-  int32_t m_capacity;   // bytes of m_buffer, header included
-  unsigned char* m_buffer;
-  PackState m_state;
-  int32_t m_readPos;    // 0 before the first read of a message
-  int32_t m_frameDepth;
-  bool m_swap;
-  int32_t m_nAddressOf;
-  long long m_addressOfBytes;
-  int32_t m_nEntries;
-  int m_lastType;
+  int32_t m_size = 0;       // finished message as it goes out, header included
+  int32_t m_writePos = 0;   // 0 when nothing was packed since the last finish
+  int32_t m_capacity = 0;   // bytes of m_buffer, header included
+  unsigned char* m_buffer = nullptr;
+  PackState m_state = PACKINIT;
+  int32_t m_readPos = 0;    // 0 before the first read of a message
+  int32_t m_frameDepth = 0;
+  bool m_swap = false;
+  int32_t m_nAddressOf = 0;
+  long long m_addressOfBytes = 0;
+  int32_t m_nEntries = 0;
+  int m_lastType = vNOTYPE;
   // Bytes of the message in the buffer (the in-memory form, where
   // address-of entries take 13 bytes): where reading ends.
-  int32_t m_end;
+  int32_t m_end = 0;
   std::vector<AddressOf> m_addresses;
   // The assembled form of a message with address-of entries: entry heads
   // for getSegments, the whole message for getBuffer.
   std::vector<unsigned char> m_wireHeads;
   std::unique_ptr<unsigned char[]> m_wire;
-  int32_t m_wireCapacity;
-  bool m_wireValid;
+  int32_t m_wireCapacity = 0;
+  bool m_wireValid = false;
   // Body length of a message being received (beginReceive to endReceive),
   // -1 when none is under way.
-  int32_t m_receiveLength;
+  int32_t m_receiveLength = -1;
 };
 
 // --- STL ranges ---------------------------------------------------------------
