@@ -5,6 +5,8 @@
 // construction. Lock policy 0 is recursive, 1 normal, anything else
 // error-checking. lock(), tryLock() and unlock() keep the POSIX result as the
 // last error and return true on success.
+// Creation on demand is not itself locked: a mutex that threads will share
+// must be created at construction (createNow) before they start.
 
 class vMutex {
  public:

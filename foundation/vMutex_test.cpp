@@ -69,7 +69,7 @@ TEST(vMutex, TryLockFailsWhileAnotherThreadHoldsIt) {
 }
 
 TEST(vMutex, ProtectsACounter) {
-  vMutex m;
+  vMutex m(true);  // shared by threads: created before they start
   long counter = 0;
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t)
