@@ -4,6 +4,9 @@
 // FS: the system layer's file and host services, as seen from the classes
 // above the C boundary.
 
+#include <vector>
+
+#include "foundation/vFilename.h"
 #include "foundation/vString.h"
 
 namespace FS {
@@ -17,6 +20,15 @@ namespace FS {
 // host that is not listed is its own cluster, and a blank host stays blank.
 // The variable is read at every call, so a process may change it.
 vString getCluster(vString const& host);
+
+// True when something (file, directory, device) of that name exists; a
+// dangling symbolic link does not count.
+bool exists(vFilename const& name);
+
+// The names matching a shell-style pattern ('*', '?', "[...]", in any
+// directory part too), sorted by byte value. Hidden names match only a
+// pattern that spells their leading '.'. No match gives an empty list.
+void getMatchingFiles(vString const& pattern, std::vector<vFilename>& result);
 
 }  // namespace FS
 

@@ -1,0 +1,95 @@
+#ifndef SYSLAYER_FSTESTING_H
+#define SYSLAYER_FSTESTING_H
+
+// Test helpers of the system layer: a scratch directory removed with all it
+// holds, small file writers, and a checker of failures by method and text.
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
+
+namespace fs_testing {
+
+// A fresh directory under TMPDIR (or /tmp), removed at the end of the test.
+class TempDir {
+ public:
+  TempDir() {
+    char const* base = std::getenv("TMPDIR");
+    std::string tmpl = std::string(base && *base ? base : "/tmp") + "/fs_test_XXXXXX";
+    std::vector<char> buf(tmpl.begin(), tmpl.end());
+    buf.push_back('\0');
+    if (::mkdtemp(buf.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
+    m_path = buf.data();
+  }
+  ~TempDir() { removeTree(m_path); }
+  TempDir(TempDir const&) = delete;
+  TempDir& operator=(TempDir const&) = delete;
+
+  std::string const& path() const { return m_path; }
+  std::string operator/(std::string const& name) const { return m_path + "/" + name; }
+
+  static void removeTree(std::string const& path) {
+    struct stat st;
+    if (::lstat(path.c_str(), &st) != 0) return;
+    if (S_ISDIR(st.st_mode)) {
+      if (DIR* d = ::opendir(path.c_str())) {
+        while (dirent* e = ::readdir(d)) {
+          std::string n = e->d_name;
+          if (n != "." && n != "..") removeTree(path + "/" + n);
+        }
+        ::closedir(d);
+      }
+      ::rmdir(path.c_str());
+    } else {
+      ::unlink(path.c_str());
+    }
+  }
+
+ private:
+  std::string m_path;
+};
+
+inline void writeFile(std::string const& path, std::string const& bytes) {
+  int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  ASSERT_GE(fd, 0) << path;
+  ASSERT_EQ(::write(fd, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  ::close(fd);
+}
+
+inline std::string readFile(std::string const& path) {
+  std::string out;
+  int fd = ::open(path.c_str(), O_RDONLY);
+  if (fd < 0) return out;
+  char buf[65536];
+  ssize_t n;
+  while ((n = ::read(fd, buf, sizeof buf)) > 0) out.append(buf, static_cast<size_t>(n));
+  ::close(fd);
+  return out;
+}
+
+// Runs f, which must fail with UtlExcept with this method and reason.
+template <class F>
+void expectFailure(F f, char const* method, std::string const& reason) {
+  try {
+    MessageHandling quiet;
+    f();
+    ADD_FAILURE() << "expected a failure: " << reason;
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(std::string(method), std::string(e.getMethod().c_str())) << "reason: " << e.getReason().c_str();
+    EXPECT_EQ(reason, std::string(e.getReason().c_str()));
+  }
+}
+
+}  // namespace fs_testing
+
+#endif
