@@ -1,0 +1,253 @@
+#include "filestore/disk/DiskStore.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <unistd.h>
+
+#include "attribute/Property.h"
+#include "filestore/disk/DiskStoreTesting.h"
+#include "project/FullStoreName.h"
+#include "foundation/vUtl.h"
+#include "project/StoreTesting.h"
+#include "testing/StoreConformance.h"
+
+using disk_testing::RecordFileStore;
+using store_testing::expectFailure;
+
+namespace {
+
+// The reference content of the store suite, with a vector of length 2 and
+// an Int16, in one record file.
+class DiskStoreTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    m_path = ::testing::TempDir() + "diskstore_" + std::to_string(::getpid()) + "_" +
+             ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".rec";
+    // Copies of attributes carry no data: each column is filled in place.
+    std::vector<Attribute> columns;
+    columns.reserve(6);
+    for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"}) {
+      columns.push_back(StoreConformance::referenceDefinition(name));
+      columns.back().copyData(StoreConformance::referenceAttribute(name));
+    }
+    columns.push_back(Attribute("PAIR", "", vINT32, 2));
+    columns.push_back(Attribute("SMALL", "", vINT16));
+    Attribute& pair = columns[4];
+    Attribute& small = columns[5];
+    pair.resize(12);
+    small.resize(12);
+    for (unsigned int i = 1; i <= 12; ++i) {
+      pair.getInt32Pointer(i)[0] = static_cast<int>(i);
+      pair.getInt32Pointer(i)[1] = -static_cast<int>(i);
+      small.setInt16(i, static_cast<short>(i % 2));
+    }
+    disk_testing::writeRecordFile(m_path, columns);
+    for (Attribute const& c : columns) m_definitions.push_back(Attribute(c));
+    m_store.reset(new RecordFileStore(m_definitions, StoreConformance::referenceKeys()));
+    m_store->open(m_path, "line7");
+  }
+  void TearDown() override {
+    m_store.reset();
+    std::remove(m_path.c_str());
+  }
+
+  KeyList keys(std::vector<int> const& cdps, std::vector<int> const& offsets) const {
+    KeyList k = StoreConformance::referenceKeys();
+    k.begin()->copyData(static_cast<unsigned int>(cdps.size()), cdps.data());
+    (k.begin() + 1)->copyData(static_cast<unsigned int>(offsets.size()), offsets.data());
+    return k;
+  }
+
+  std::string m_path;
+  std::vector<Attribute> m_definitions;
+  std::unique_ptr<RecordFileStore> m_store;
+};
+
+std::vector<double> valuesOf(Attribute const& a, int position = 1) {
+  std::vector<double> v;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i, position));
+  return v;
+}
+
+}  // namespace
+
+TEST_F(DiskStoreTest, InstanceReadsAloneAnswerReadsByKeyValues) {
+  Attribute trace = m_store->getAttribute("TRACE");
+  m_store->read(trace, keys({2, 4, 1}, {200, 100, 300}));
+  ASSERT_EQ(3u, trace.getNInstances());
+  // Instances 5, 10 and 3: 10 * instance + sample.
+  EXPECT_EQ((std::vector<double>{51, 101, 31}), valuesOf(trace));
+  EXPECT_EQ((std::vector<double>{55, 105, 35}), valuesOf(trace, 5));
+
+  Attribute elev = m_store->getAttribute("ELEV");
+  m_store->read(elev, keys({4}, {300}));
+  EXPECT_EQ((std::vector<double>{1006.0}), valuesOf(elev));
+}
+
+TEST_F(DiskStoreTest, InstanceReadsAloneAnswerReadsByGroups) {
+  Attribute cdp = m_store->getAttribute("CDP");
+  Attribute offset = m_store->getAttribute("OFFSET");
+  m_store->read(cdp, offset, 2, 3);
+  // OFFSET groups 200 and 300: instances 2, 5, 8, 11 and then 3, 6, 9, 12.
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 1, 2, 3, 4}), valuesOf(cdp));
+  Attribute elev = m_store->getAttribute("ELEV");
+  m_store->read(elev, m_store->getAttribute("CDP"), 4, 0);
+  EXPECT_EQ((std::vector<double>{1005.0, 1005.5, 1006.0}), valuesOf(elev));
+  // Groups of a floating-point attribute: each ELEV is its own group.
+  Attribute off2 = m_store->getAttribute("OFFSET");
+  m_store->read(off2, elev = m_store->getAttribute("ELEV"), 11, 12);
+  EXPECT_EQ((std::vector<double>{200, 300}), valuesOf(off2));
+}
+
+TEST_F(DiskStoreTest, AnswersGroupQuestionsInEitherOrder) {
+  Attribute offset = m_store->getAttribute("OFFSET");
+  std::vector<unsigned int> sizes;
+  m_store->getGroupsAndSizes(offset, sizes, vUtlSort::SortOrder::DESCENDING);
+  EXPECT_EQ((std::vector<double>{300, 200, 100}), valuesOf(offset));
+  EXPECT_EQ((std::vector<unsigned int>{4, 4, 4}), sizes);
+  Attribute cdp("CDP", "", vINT32);
+  m_store->getUnique(cdp, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 4}), valuesOf(cdp));
+  // The set's definition comes back, class included.
+  EXPECT_EQ("CDP", std::string(cdp.getClass().c_str()));
+}
+
+TEST_F(DiskStoreTest, RefusesKeysAndGroupsThatAreNotScalarsOfTheFourTypes) {
+  KeyList pairKeys;
+  pairKeys.addKey(Attribute("PAIR", "", vINT32, 2));
+  int const values[] = {1, -1};
+  pairKeys.begin()->copyData(1, values);
+  Attribute cdp = m_store->getAttribute("CDP");
+  expectFailure([&] { m_store->read(cdp, pairKeys); }, "AttributeSetIndexingTable::myBuildListByKeys",
+                "Can only function with Attributes of length=1. Your Attribute PAIR has a length of 2.");
+  // A scalar key naming a vector of the store is refused by the store's length.
+  KeyList scalarKeys;
+  scalarKeys.addKey(Attribute("PAIR", "", vINT32));
+  scalarKeys.begin()->copyData(1, values);
+  expectFailure([&] { m_store->read(cdp, scalarKeys); }, "AttributeSetIndexingTable::myBuildListByKeys",
+                "Can only function with Attributes of length=1. Your Attribute PAIR has a length of 2.");
+
+  Attribute small = m_store->getAttribute("SMALL");
+  std::string const typeText =
+      "Can only function with Int32, Int64, Float32 and Float64 groups at the moment. Your Attribute SMALL is of "
+      "type " +
+      std::string(vUtl::dataTypeName(vINT16).c_str()) + ".";
+  expectFailure([&] { m_store->read(cdp, small, 1, 1); }, "AttributeSetIndexingTable::locateByGroups", typeText);
+  expectFailure([&] { m_store->getUnique(small, vUtlSort::SortOrder::ASCENDING); },
+                "AttributeSetIndexingTable::getUnique", typeText);
+  std::vector<unsigned int> sizes;
+  expectFailure([&] { m_store->getGroupsAndSizes(small, sizes, vUtlSort::SortOrder::ASCENDING); },
+                "AttributeSetIndexingTable::getGroupsAndSizes", typeText);
+  Attribute pair = m_store->getAttribute("PAIR");
+  expectFailure([&] { m_store->read(cdp, pair, 1, 1); }, "AttributeSetIndexingTable::locateByGroups",
+                "Can only function with Attributes of length=1. Your Attribute PAIR has a length of 2.");
+}
+
+TEST_F(DiskStoreTest, ChecksGroupNumbersAgainstTheNumberOfGroups) {
+  Attribute elev = m_store->getAttribute("ELEV");
+  Attribute cdp = m_store->getAttribute("CDP");
+  char const* const label = "AttributeSetIndexingTable::myCheckFirstLast()";
+  expectFailure([&] { m_store->read(elev, cdp, 0, 2); }, label, "first instance must be >0, yours was 0");
+  expectFailure([&] { m_store->read(elev, cdp, 3, 2); }, label, "first instance 3 must be <= last instance 2.");
+  expectFailure([&] { m_store->read(elev, cdp, 2, 5); }, label, "last instance 5 must be <= number of instances 4.");
+  // A last group of 0 is the last group before the check.
+  expectFailure([&] { m_store->read(elev, cdp, 5, 0); }, label, "first instance 5 must be <= last instance 4.");
+}
+
+TEST_F(DiskStoreTest, KeyTuplesNotFoundReachTheListReadAsZero) {
+  Attribute cdp = m_store->getAttribute("CDP");
+  expectFailure([&] { m_store->read(cdp, keys({2, 9}, {200, 100})); }, "RecordFileStore::read",
+                "Attribute 'CDP': the vInstanceList has a zero in it, coont read from instance 0.");
+}
+
+TEST_F(DiskStoreTest, DefaultsRefuseWithTheirOwnLabels) {
+  DiskStore& store = *m_store;
+  Attribute a("CDP", "", vINT32);
+  KeyList k;
+  std::string const needsCode = "Function not implemented in derived class -- needs code.";
+  std::vector<std::pair<std::string, std::function<void()> > > refused = {
+      {"DiskStore::create", [&] { store.create("x", "c", "s", k, nullptr); }},
+      {"DiskStore::create", [&] { store.create(FullStoreName(), "c", "s", k, nullptr); }},
+      {"DiskStore::update", [&] { store.update("x", 0, "c", "s", nullptr); }},
+      {"DiskStore::update", [&] { store.update(FullStoreName(), "c", "s", nullptr); }},
+      {"DiskStore::write", [&] { store.write(a, 1, 1); }},
+      {"DiskStore::write", [&] { store.write(a, std::vector<unsigned int>{1}); }},
+      {"DiskStore::write", [&] { store.write(a, a, 1, 1); }},
+      {"DiskStore::write", [&] { store.write(a, k); }},
+      {"DiskStore::setAttributeClass", [&] { store.setAttributeClass("CDP", "X"); }},
+      {"DiskStore::createAttributeSet", [&] { store.createAttributeSet("s", k); }},
+      {"DiskStore::updateAttributeSet", [&] { store.updateAttributeSet("s"); }},
+      {"DiskStore::openAttributeSet", [&] { store.openAttributeSet("s"); }},
+      {"DiskStore::getAttributeSetList", [&] { store.getAttributeSetList(); }},
+      {"DiskStore::getAttributeSetList", [&] { Store::AttributeSetList l; store.getAttributeSetList(l); }},
+      {"DiskStore::getAttributeSetName", [&] { store.getAttributeSetName(); }},
+      {"DiskStore::getPrimaryAttributeSetName", [&] { store.getPrimaryAttributeSetName(); }},
+      {"DiskStore::getClass", [&] { store.getClass(); }},
+      {"DiskStore::getSubClass", [&] { store.getSubClass(); }},
+      {"DiskStore::addInstances", [&] { store.addInstances(1); }},
+      {"DiskStore::operator=", [&] { store = PropertyI(); }},
+      {"DiskStore::operator==", [&] { (void)(store == store); }},
+      {"DiskStore::operator!=", [&] { (void)(store != store); }},
+      {"DiskStore::getVersion", [&] { store.getVersion(); }},
+  };
+  for (auto const& r : refused) {
+    SCOPED_TRACE(r.first);
+    expectFailure(r.second, r.first, needsCode);
+  }
+  expectFailure([&] { store.addAttribute(a); }, "DiskStore::addAttribute", "Not Implement yet!");
+  expectFailure([&] { store.open("x", 0, "c", "s", nullptr); }, "DiskStore::Open", "Usage: open(filename)");
+  expectFailure([&] { store.open(FullStoreName(), "c", "s", nullptr); }, "DiskStore::Open", "Usage: open(filename)");
+  // Nothing changed: the data read as before.
+  Attribute cdp = m_store->getAttribute("CDP");
+  m_store->read(cdp, 1, 3);
+  EXPECT_EQ((std::vector<double>{1, 1, 1}), valuesOf(cdp));
+}
+
+TEST(DiskStoreBase, CountOfAttributesIsTheConcreteStoresToGive) {
+  // A store that only reads cannot say how many attributes it has: the
+  // table's batch size then stops at the base's refusal.
+  class Bare : public RecordFileStore {
+   public:
+    Bare() : RecordFileStore({Attribute("CDP", "", vINT32)}, KeyList()) {}
+    unsigned int getNAttributes() const override { return DiskStore::getNAttributes(); }
+  } bare;
+  expectFailure([&] { bare.getNAttributes(); }, "DiskStore::getNAttributes",
+                "Function not implemented in derived class -- needs code.");
+  Attribute cdp("CDP", "", vINT32);
+  expectFailure([&] { bare.getUnique(cdp, vUtlSort::SortOrder::ASCENDING); }, "DiskStore::getNAttributes",
+                "Function not implemented in derived class -- needs code.");
+}
+
+TEST_F(DiskStoreTest, PropertiesAndProjectAreTheStoresOwn) {
+  EXPECT_TRUE(m_store->getProject().isEmpty());
+  m_store->addProperty(Property("SURVEY", vString("north")));
+  EXPECT_TRUE(m_store->hasProperty(vUCString("SURVEY")));
+  PropertyI more;
+  more.addProperty(Property("LINE", 7));
+  m_store->addProperties(more);
+  EXPECT_EQ(2u, m_store->getNProperties());
+  m_store->removeProperty(vUCString("SURVEY"));
+  EXPECT_FALSE(m_store->hasProperty(vUCString("SURVEY")));
+  m_store->clearProperties();
+  EXPECT_EQ(0u, m_store->getNProperties());
+  m_store->setPropertyList(more);
+  EXPECT_TRUE(m_store->hasProperty(vUCString("LINE")));
+}
+
+TEST_F(DiskStoreTest, GroupTablesAreBuiltOnceInBatches) {
+  // Six attributes: batches of 1,000,000 / 24 instances, so one read each.
+  Attribute cdp = m_store->getAttribute("CDP");
+  int before = m_store->getNRangeReads();
+  m_store->getUnique(cdp, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ(before + 1, m_store->getNRangeReads());
+  std::vector<unsigned int> sizes;
+  m_store->getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ(before + 1, m_store->getNRangeReads()) << "the table of CDP is kept";
+  // Locating reads the groups attribute again, to list the instances.
+  Attribute elev = m_store->getAttribute("ELEV");
+  m_store->read(elev, cdp, 1, 1);
+  EXPECT_EQ(before + 2, m_store->getNRangeReads());
+}
