@@ -1,0 +1,43 @@
+#include "decorator/StoreDecoratorFactory.h"
+
+#include "decorator/SelectOperatorCollection.h"
+#include "foundation/Message.h"
+
+vHandle<Store> StoreDecoratorFactory::addScratch(vHandle<Store> store) {
+  vHandle<ScratchStoreDecorator> decorator;
+  return addDecorator(store, decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addAttributeSelect(vHandle<Store> store,
+                                                         vHandle<AttributeSelectDecorator>& decorator) {
+  return addDecorator(store, decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addSelect(vHandle<Store> store, vHandle<SelectStoreDecorator>& decorator) {
+  vHandle<SelectOperatorCollection> collection(new SelectOperatorCollection);
+  decorator = vHandle<SelectStoreDecorator>(new SelectStoreDecorator(store, collection));
+  return vHandle_cast<Store>(decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addOffloadCrosslines(vHandle<Store>, unsigned int, StoreDescription*) {
+  Message::fatal("StoreDecoratorFactory::addOffloadDCrosslinesDecorator", 0, "Not supported ... no Dorn available!");
+}
+
+vHandle<Store> StoreDecoratorFactory::addOffloadGather(vHandle<Store>, unsigned int, StoreDescription*) {
+  Message::fatal("StoreDecoratorFactory::addOffloadGatherDecorator", 0, "Not supported ... no Dorn available!");
+}
+
+vHandle<Store> StoreDecoratorFactory::removeDecorator(vHandle<Store> store) {
+  StoreDecorator* decorator = dynamic_cast<StoreDecorator*>(store.pointer());
+  if (decorator == nullptr) return store;
+  return decorator->releaseDecoratedStore();
+}
+
+vHandle<Store> StoreDecoratorFactory::removeAllDecorators(vHandle<Store> store) {
+  vHandle<Store> current = store;
+  for (;;) {
+    vHandle<Store> below = removeDecorator(current);
+    if (below == current) return current;
+    current = below;
+  }
+}

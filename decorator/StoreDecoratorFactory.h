@@ -1,0 +1,52 @@
+#ifndef DECORATOR_STOREDECORATORFACTORY_H
+#define DECORATOR_STOREDECORATORFACTORY_H
+
+// StoreDecoratorFactory: the one way to stack views on a store and to take
+// them off again. Each adder takes the store to decorate and returns the new
+// outermost store; where it has an output parameter, the same new decorator
+// is handed back as its own type too, so that the caller can configure it
+// (selectAttribute, addOperator, ...) before its first use.
+//
+// Removing a decorator does not close it: it goes with its last handle, and
+// it leaves the decorator holding an empty handle.
+
+#include "decorator/AttributeSelectDecorator.h"
+#include "decorator/ScratchStoreDecorator.h"
+#include "decorator/SelectStoreDecorator.h"
+#include "foundation/vHandle.h"
+#include "project/Store.h"
+
+class StoreDescription;
+
+class StoreDecoratorFactory {
+ public:
+  // new T(store), handed back in decorator and as the returned store; both
+  // handles share one count.
+  template <class T>
+  static vHandle<Store> addDecorator(vHandle<Store> store, vHandle<T>& decorator) {
+    decorator = vHandle<T>(new T(store));
+    return vHandle_cast<Store>(decorator);
+  }
+
+  // A store that is closed and deleted from its project when its last
+  // handle goes (or at its close).
+  static vHandle<Store> addScratch(vHandle<Store> store);
+  static vHandle<Store> addAttributeSelect(vHandle<Store> store, vHandle<AttributeSelectDecorator>& decorator);
+  // A select view over a new, empty operator collection.
+  static vHandle<Store> addSelect(vHandle<Store> store, vHandle<SelectStoreDecorator>& decorator);
+  // Kept so that applications built for the full processing system link;
+  // always refused here.
+  static vHandle<Store> addOffloadCrosslines(vHandle<Store> store, unsigned int count, StoreDescription* description);
+  static vHandle<Store> addOffloadGather(vHandle<Store> store, unsigned int count, StoreDescription* description);
+
+  // The store below the outermost decorator (released from it), or the
+  // store itself when it is no decorator.
+  static vHandle<Store> removeDecorator(vHandle<Store> store);
+  // The innermost store, every decorator on the way released.
+  static vHandle<Store> removeAllDecorators(vHandle<Store> store);
+
+ private:
+  StoreDecoratorFactory() = delete;
+};
+
+#endif
