@@ -103,6 +103,12 @@ struct StoreConformanceTexts {
   std::string listPastEnd = "Instance numbers must be <%lld, list for '%s' contained %lld.";
   // (attribute, set name)
   std::string unknownAttribute = "Attribute %s is not in the AttributeSet %s.";
+  // (attribute, set name) getAttribute of an unknown name, where a view
+  // answers it otherwise than reads; empty: unknownAttribute.
+  std::string unknownDefinition;
+  // (last group, number of groups) where group numbers are checked with
+  // other words than instance numbers; empty: lastPastEnd.
+  std::string groupLastPastEnd;
   // (set name, tuples wanted, tuples found)
   std::string keysMissing =
       "Key list has duplicate or missing values in AttributeSet %s. Wanted %lld value(s) but found %lld.";
