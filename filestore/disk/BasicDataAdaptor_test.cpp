@@ -1,0 +1,112 @@
+#include "filestore/disk/BasicDataAdaptor.h"
+
+#include <gtest/gtest.h>
+
+#include "filestore/disk/AttributeFileTesting.h"
+#include "filestore/disk/AttributeSetIndexingTable.h"
+#include "project/Project.h"
+#include "project/StoreTesting.h"
+#include "testing/StoreConformance.h"
+#include "testing/TestMemoryStore.h"
+
+using disk_testing::MemoryAttributeFile;
+using disk_testing::MemoryVolume;
+using store_testing::expectFailure;
+
+namespace {
+
+// The reference content of the store suite, once in a store and once in an
+// attribute file.
+class BasicDataAdaptorTest : public ::testing::Test {
+ protected:
+  BasicDataAdaptorTest()
+      : m_store(vHandle<Project>()), m_volume(std::make_shared<MemoryVolume>()), m_example(m_volume, "mem") {
+    m_store.create("line3", "seismic", "2d", StoreConformance::referenceKeys(), nullptr);
+    StoreConformance::populate(m_store);
+
+    std::vector<Attribute> definitions;
+    for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"})
+      definitions.push_back(StoreConformance::referenceDefinition(name));
+    m_volume->makeFile("/d/line3.mem", definitions, StoreConformance::kNInstances);
+    AttributeFile::OpenOptions update;
+    update.setUpdate(true);
+    m_file.reset(m_example.makeNew("/d/line3.mem", Attribute(), update));
+    for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"}) {
+      Attribute a(StoreConformance::referenceDefinition(name));
+      a.copyData(StoreConformance::referenceAttribute(name));
+      m_file->writeRange(a, 1, StoreConformance::kNInstances);
+    }
+  }
+
+  void expectReference(BasicDataAdaptor const& adaptor) {
+    EXPECT_EQ(12u, adaptor.getNInstances());
+    EXPECT_EQ(4u, adaptor.getNAttributes());
+    EXPECT_TRUE(adaptor.hasAttribute("TRACE"));
+    EXPECT_FALSE(adaptor.hasAttribute("NOPE"));
+    Attribute trace = adaptor.getAttribute("TRACE");
+    EXPECT_EQ(5, trace.getLength());
+    EXPECT_EQ(0u, trace.getNInstances());
+    adaptor.read(trace, 4, 6);
+    ASSERT_EQ(3u, trace.getNInstances());
+    for (unsigned int i = 1; i <= 3; ++i)
+      for (int k = 1; k <= 5; ++k)
+        EXPECT_EQ(StoreConformance::referenceValue("TRACE", i + 3, k), trace.getValue(i, k));
+  }
+
+  TestMemoryStore m_store;
+  std::shared_ptr<MemoryVolume> m_volume;
+  MemoryAttributeFile m_example;
+  std::unique_ptr<AttributeFile> m_file;
+};
+
+}  // namespace
+
+TEST_F(BasicDataAdaptorTest, OverAnAttributeSet) {
+  BasicDataAdaptor adaptor(&m_store);
+  expectReference(adaptor);
+  EXPECT_EQ("line3", std::string(adaptor.getName().c_str()));
+  EXPECT_EQ(&m_store, adaptor.getAttributeSet());
+  EXPECT_EQ(nullptr, adaptor.getAttributeFile());
+  // Failures are the set's own.
+  Attribute unknown("NOPE", "", vINT32);
+  expectFailure([&] { adaptor.read(unknown, 1, 1); }, "TestMemoryAttributeSet::read(range)",
+                "Attribute NOPE is not in the AttributeSet line3.");
+}
+
+TEST_F(BasicDataAdaptorTest, OverAnAttributeFile) {
+  BasicDataAdaptor adaptor(m_file.get());
+  expectReference(adaptor);
+  EXPECT_EQ("/d/line3.mem", std::string(adaptor.getName().c_str()));
+  EXPECT_EQ(nullptr, adaptor.getAttributeSet());
+  EXPECT_EQ(m_file.get(), adaptor.getAttributeFile());
+  Attribute unknown("NOPE", "", vINT32);
+  expectFailure([&] { adaptor.read(unknown, 1, 1); }, "MemoryAttributeFile::readRange",
+                "Attribute NOPE is not in the AttributeFile /d/line3.mem.");
+}
+
+TEST_F(BasicDataAdaptorTest, IndexingTablesAgreeOverSetAndFile) {
+  AttributeSetIndexingTable overSet(m_store);
+  AttributeSetIndexingTable overFile(m_file.get());
+  Attribute offset("OFFSET", "", vINT32);
+  std::vector<unsigned int> fromSet, fromFile;
+  overSet.locateByGroups(offset, 2, 0, fromSet);
+  overFile.locateByGroups(offset, 2, 0, fromFile);
+  EXPECT_EQ((std::vector<unsigned int>{2, 5, 8, 11, 3, 6, 9, 12}), fromSet);
+  EXPECT_EQ(fromSet, fromFile);
+  KeyList keys = StoreConformance::referenceKeys();
+  int const cdps[] = {3, 1};
+  int const offsets[] = {200, 100};
+  keys.begin()->copyData(2, cdps);
+  (keys.begin() + 1)->copyData(2, offsets);
+  overSet.locateByKeys(keys, fromSet);
+  overFile.locateByKeys(keys, fromFile);
+  EXPECT_EQ((std::vector<unsigned int>{8, 1}), fromSet);
+  EXPECT_EQ(fromSet, fromFile);
+}
+
+TEST(BasicDataAdaptor, RefusesNull) {
+  expectFailure([] { BasicDataAdaptor(static_cast<AttributeSet const*>(nullptr)); },
+                "BasicDataAdaptor::BasicDataAdaptor", "The AttributeSet given was null.");
+  expectFailure([] { BasicDataAdaptor(static_cast<AttributeFile*>(nullptr)); }, "BasicDataAdaptor::BasicDataAdaptor",
+                "The AttributeFile given was null.");
+}

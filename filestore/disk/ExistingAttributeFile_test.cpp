@@ -1,0 +1,84 @@
+#include "filestore/disk/ExistingAttributeFile.h"
+
+#include <gtest/gtest.h>
+
+#include "filestore/disk/AttributeFileTesting.h"
+#include "project/StoreTesting.h"
+
+using disk_testing::MemoryAttributeFile;
+using disk_testing::MemoryVolume;
+using store_testing::expectFailure;
+
+namespace {
+
+// The register is one per process: each test registers its own extension.
+std::shared_ptr<MemoryVolume> registerVolume(char const* extension) {
+  auto volume = std::make_shared<MemoryVolume>();
+  ExistingAttributeFile::getInstance().registerExample(extension, new MemoryAttributeFile(volume, extension));
+  return volume;
+}
+
+}  // namespace
+
+TEST(ExistingAttributeFile, IsOneRegisterForTheProcess) {
+  EXPECT_EQ(&ExistingAttributeFile::getInstance(), &ExistingAttributeFile::getInstance());
+}
+
+TEST(ExistingAttributeFile, OpensAFileByTheExampleOfItsExtension) {
+  auto volume = registerVolume("memopen");
+  EXPECT_TRUE(ExistingAttributeFile::getInstance().isRegistered("memopen"));
+  volume->makeFile("/data/line1.memopen", {Attribute("CDP", "CDP", vINT32)}, 4);
+
+  AttributeFile::OpenOptions update;
+  update.setUpdate(true);
+  update.setRestoreMute(true);
+  vHandle<AttributeFile> file =
+      ExistingAttributeFile::getInstance().open("/data/line1.memopen", Attribute(), update);
+  EXPECT_EQ("/data/line1.memopen", std::string(file->getName().c_str()));
+  EXPECT_EQ("memopen", std::string(file->getRegistrationName().c_str()));
+  EXPECT_EQ(4u, file->getNInstances());
+  EXPECT_TRUE(file->getRestoreMute());
+  Attribute cdp = file->getAttribute("CDP");
+  int const values[] = {9, 8};
+  cdp.copyData(2, values);
+  file->writeRange(cdp, 3, 4);
+  file->flush();
+
+  // A second file object sees what the first flushed.
+  vHandle<AttributeFile> again =
+      ExistingAttributeFile::getInstance().open("/data/line1.memopen", Attribute(), AttributeFile::OpenOptions());
+  EXPECT_FALSE(again->getRestoreMute());
+  Attribute back = again->getAttribute("CDP");
+  again->readRange(back, 1, 4);
+  EXPECT_EQ(0, back.getInt32(2));
+  EXPECT_EQ(9, back.getInt32(3));
+  EXPECT_EQ(8, back.getInt32(4));
+  expectFailure([&] { again->writeRange(cdp, 1, 2); }, "MemoryAttributeFile::writeRange",
+                "File '/data/line1.memopen' is not open for update.");
+}
+
+TEST(ExistingAttributeFile, DeletesAFileByTheExampleOfItsExtension) {
+  auto volume = registerVolume("memdelete");
+  volume->makeFile("gone.memdelete", {Attribute("X", "", vFLOAT32)}, 1);
+  ExistingAttributeFile::getInstance().deleteFile("gone.memdelete");
+  EXPECT_FALSE(volume->exists("gone.memdelete"));
+  expectFailure([] { ExistingAttributeFile::getInstance().deleteFile("gone.memdelete"); },
+                "MemoryAttributeFile::deleteFile", "File 'gone.memdelete' does not exist.");
+}
+
+TEST(ExistingAttributeFile, RefusesUnknownExtensionsNullExamplesAndSecondRegistrations) {
+  registerVolume("memtwice");
+  ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
+  expectFailure([&] { files.open("/x/y.nosuchkind", Attribute(), AttributeFile::OpenOptions()); },
+                "ExistingAttributeFile::open", "Unknown file extension for file '/x/y.nosuchkind'.");
+  expectFailure([&] { files.deleteFile("/x/y.nosuchkind"); }, "ExistingAttributeFile::deleteFile",
+                "Unknown file extension for file '/x/y.nosuchkind'.");
+  expectFailure([&] { files.registerExample("memnull", nullptr); }, "ExistingAttributeFile::registerExample",
+                "Example for extension memnull was null.");
+  EXPECT_FALSE(files.isRegistered("memnull"));
+  auto other = std::make_shared<MemoryVolume>();
+  expectFailure([&] { files.registerExample("memtwice", new MemoryAttributeFile(other, "memtwice")); },
+                "ExistingAttributeFile::registerExample", "Extension memtwice is already registered.");
+  // Extensions compare exactly.
+  EXPECT_FALSE(files.isRegistered("MEMTWICE"));
+}
