@@ -48,6 +48,7 @@
 #include "foundation/DataType.h"
 #include "foundation/Message.h"
 
+class CommChan;
 class Packable;
 class vDate;
 class vString;
@@ -265,6 +266,12 @@ class Packer {
   int getNAddressOf() const { return m_nAddressOf; }
 
   // --- Transport ----------------------------------------------------------
+  // Over a channel (defined with the channels, in remote/). Both return a
+  // CommChan::StatusType: transport trouble is a status, never raised.
+  // send finishes the message as getSegments does; without a channel that
+  // is all it does. receive reads one whole message in place of this one.
+  int send(CommChan* chan, int tag);
+  int receive(CommChan& chan);
   // Finishes the message as a send does and hands out its bytes (null and 0
   // when there are none). With address-of entries the message is first
   // assembled in a second buffer. The bytes stay valid until the next change
