@@ -31,6 +31,7 @@ void SelectStoreDecorator::mySetup() const {
   if (m_isSetup) return;
   m_selected = m_collection->doSelection(m_decoratedStore);
   m_isSetup = true;
+  myInstancesChanged();
 }
 
 std::vector<unsigned int> SelectStoreDecorator::getCurrentSelection() const {

@@ -5,7 +5,7 @@
 #include "foundation/Message.h"
 
 StoreDecoratorImp::StoreDecoratorImp(vHandle<Store> const& store)
-    : StoreDecorator(store), m_indexingTable(new ViewIndexingTable(*this)) {}
+    : StoreDecorator(store), m_indexingTable(new AttributeSetIndexingTable(*this)) {}
 
 StoreDecoratorImp::~StoreDecoratorImp() {}
 
@@ -41,7 +41,7 @@ void StoreDecoratorImp::read(Attribute& attribute, KeyList const& keys) const {
   char const* label = "StoreDecoratorImp::read(byKeys)";
   if (keys.getNKeys() == 0) Message::fatal(label, 0, "KeyList must have at lease one key Attribute.");
   std::vector<unsigned int> instances;
-  m_indexingTable->locateByKeys(keys, instances);
+  m_indexingTable->locateByKeys(keys, instances, false);
   // A tuple not found would reach the list read as instance 0.
   long long found = std::count_if(instances.begin(), instances.end(), [](unsigned int i) { return i != 0; });
   long long wanted = static_cast<long long>(keys.begin()->getNInstances());
@@ -58,6 +58,8 @@ Store& StoreDecoratorImp::operator=(PropertyI const& properties) {
   StoreDecorator::operator=(properties);
   return *this;
 }
+
+void StoreDecoratorImp::myInstancesChanged() const { m_indexingTable->clearCache(); }
 
 unsigned int StoreDecoratorImp::myCheckFirstLast(char const* label, unsigned int first, unsigned int last,
                                                  unsigned int n) {

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "decorator/StoreDecorator.h"
-#include "decorator/ViewIndexingTable.h"
+#include "filestore/disk/AttributeSetIndexingTable.h"
 #include "foundation/vHandle.h"
 
 class StoreDecoratorImp : public StoreDecorator {
@@ -50,7 +50,11 @@ class StoreDecoratorImp : public StoreDecorator {
   static void myCheckList(char const* label, Attribute const& attribute, std::vector<unsigned int> const& instances,
                           unsigned int n);
 
-  vHandle<ViewIndexingTable> m_indexingTable;
+  // The instances a view shows have changed: group tables built on the old
+  // ones are forgotten.
+  void myInstancesChanged() const;
+
+  vHandle<AttributeSetIndexingTable> m_indexingTable;
 };
 
 #endif

@@ -1,0 +1,212 @@
+// The shared store conformance suite run through every kind of view: views
+// that keep everything must behave as the store below, and select views
+// that hide decoy instances must behave as a store of exactly the
+// reference content.
+
+#include <gtest/gtest.h>
+
+#include "decorator/AttributeSelectDecorator.h"
+#include "decorator/AttributeSetDecorator.h"
+#include "decorator/DecoratorTesting.h"
+#include "decorator/ProfilingAttributeSetDecorator.h"
+#include "decorator/ScratchStoreDecorator.h"
+#include "decorator/SelectStoreDecorator.h"
+#include "decorator/StoreDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+#include "testing/StoreConformance.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
+
+// Select views word their own refusals of writes and of ranges past the
+// end; group numbers and the rest are checked as every set checks them.
+void selectTexts(StoreConformanceCase& c) {
+  c.texts.notWritable = "Has not been written yet.";
+  // The suite asks for instances 1 to 13 of 12.
+  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
+  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
+}
+
+StoreConformanceCase forwarding() {
+  StoreConformanceCase c("StoreDecorator");
+  c.openForReading = [] { return asSet(vHandle<Store>(new StoreDecorator(referenceStore()))); };
+  c.openForUpdate = [] { return asSet(vHandle<Store>(new StoreDecorator(referenceStore(true)))); };
+  c.makeUnopened = [] {
+    vHandle<Store> below(new TestMemoryStore(vHandle<Project>(), layoutShelf(referenceLayout())));
+    return asSet(vHandle<Store>(new StoreDecorator(below)));
+  };
+  return c;
+}
+
+// A scratch store deletes itself from a project at the end of each test.
+vHandle<Project> scratchProject() {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("host", ProjectType::UNITTEST));
+  return vHandle<Project>(new UTProject(catalog));
+}
+
+StoreConformanceCase scratch() {
+  StoreConformanceCase c("ScratchStoreDecorator");
+  c.openForReading = [] {
+    return asSet(StoreDecoratorFactory::addScratch(openStore(layoutShelf(referenceLayout()), false, scratchProject())));
+  };
+  c.openForUpdate = [] {
+    return asSet(StoreDecoratorFactory::addScratch(openStore(layoutShelf(referenceLayout()), true, scratchProject())));
+  };
+  return c;
+}
+
+StoreConformanceCase attributeSelectAll() {
+  StoreConformanceCase c("AttributeSelectAll");
+  c.openForReading = [] {
+    vHandle<AttributeSelectDecorator> view;
+    return asSet(StoreDecoratorFactory::addAttributeSelect(referenceStore(), view));
+  };
+  c.texts.unknownDefinition = "Attribute %s does not exist in parent store.";
+  return c;
+}
+
+StoreConformanceCase attributeSelectKeys() {
+  StoreConformanceCase c("AttributeSelectKeys");
+  c.openForReading = [] {
+    vHandle<AttributeSelectDecorator> view;
+    vHandle<Store> store = StoreDecoratorFactory::addAttributeSelect(referenceStore(), view);
+    view->selectAttributes({"OFFSET", "CDP"});
+    return asSet(store);
+  };
+  c.attributes = {"CDP", "OFFSET"};
+  c.texts.unknownDefinition = "Attribute %s does not exist in parent store.";
+  return c;
+}
+
+// No operator: every instance, without reading data.
+StoreConformanceCase selectEmpty() {
+  StoreConformanceCase c("SelectEmptyCollection");
+  c.openForReading = [] {
+    vHandle<SelectStoreDecorator> view;
+    return asSet(StoreDecoratorFactory::addSelect(referenceStore(), view));
+  };
+  selectTexts(c);
+  return c;
+}
+
+// An operator that passes every instance, in batches of 5.
+StoreConformanceCase selectAll() {
+  StoreConformanceCase c("SelectEveryInstance");
+  c.openForReading = [] {
+    vHandle<SelectStoreDecorator> view;
+    vHandle<Store> store = StoreDecoratorFactory::addSelect(referenceStore(), view);
+    view->getSelection()->setBatchSize(5);
+    view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("all", "ELEV", 0, 2000)));
+    return asSet(store);
+  };
+  selectTexts(c);
+  return c;
+}
+
+// Reference instances scattered among decoys of CDP 99, in batches of 7.
+Layout decoyLayout() { return {-99, 1, 2, -99, -99, 3, 4, 5, 6, -99, 7, 8, -99, 9, 10, 11, -99, -99, 12, -99}; }
+
+StoreConformanceCase selectSubset() {
+  StoreConformanceCase c("SelectSubset");
+  c.openForReading = [] {
+    vHandle<SelectStoreDecorator> view;
+    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(decoyLayout())), view);
+    view->getSelection()->setBatchSize(7);
+    view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
+    return asSet(store);
+  };
+  selectTexts(c);
+  return c;
+}
+
+// The same by negation: decoys are marked and the marks negated.
+StoreConformanceCase selectNegated() {
+  StoreConformanceCase c("SelectNegated");
+  c.openForReading = [] {
+    vHandle<SelectStoreDecorator> view;
+    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(decoyLayout())), view);
+    view->getSelection()->setNegateSelection(true);
+    view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("decoys", "CDP", 99, 99)));
+    return asSet(store);
+  };
+  selectTexts(c);
+  return c;
+}
+
+// Two select views stacked, each hiding its own decoys, with an attribute
+// select view in between: numbers are mapped down through every layer.
+StoreConformanceCase selectStacked() {
+  StoreConformanceCase c("SelectStacked");
+  c.openForReading = [] {
+    Layout layout = {-77, 1, -99, 2, 3, -77, 4, 5, 6, -99, 7, 8, -77, -77, 9, 10, 11, 12, -99};
+    vHandle<SelectStoreDecorator> inner;
+    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), inner);
+    inner->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("not99", "CDP", 0, 98)));
+    vHandle<AttributeSelectDecorator> middle;
+    store = StoreDecoratorFactory::addAttributeSelect(store, middle);
+    vHandle<SelectStoreDecorator> outer;
+    store = StoreDecoratorFactory::addSelect(store, outer);
+    outer->getSelection()->setBatchSize(4);
+    outer->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("not77", "CDP", 0, 76)));
+    return asSet(store);
+  };
+  selectTexts(c);
+  c.texts.unknownDefinition = "Attribute %s does not exist in parent store.";
+  return c;
+}
+
+vHandle<AttributeSet> referenceSet(bool open, bool update) {
+  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), layoutShelf(referenceLayout())));
+  if (update)
+    set->update(kStore, 0, "", "", nullptr);
+  else if (open)
+    set->open(kStore, 0, "", "", nullptr);
+  return set;
+}
+
+// Bare attribute sets word refusals as sets do.
+void setTexts(StoreConformanceCase& c) {
+  c.texts.notWritable = "AttributeSet '%s' is not open for modification.";
+  c.texts.notOpen = "AttributeSet is not open.";
+}
+
+StoreConformanceCase attributeSetDecorator() {
+  StoreConformanceCase c("AttributeSetDecorator");
+  c.openForReading = [] { return vHandle<AttributeSet>(new AttributeSetDecorator(referenceSet(true, false))); };
+  c.openForUpdate = [] { return vHandle<AttributeSet>(new AttributeSetDecorator(referenceSet(true, true))); };
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new AttributeSetDecorator(referenceSet(false, false))); };
+  setTexts(c);
+  return c;
+}
+
+// Opened through the wrapper, so that its timers run.
+StoreConformanceCase profiling() {
+  StoreConformanceCase c("ProfilingAttributeSetDecorator");
+  c.openForReading = [] {
+    vHandle<AttributeSet> set(new ProfilingAttributeSetDecorator(
+        vHandle<AttributeSet>(new ProfilingAttributeSetDecorator(referenceSet(false, false)))));
+    set->open(kStore, 0, "", "", nullptr);
+    return set;
+  };
+  c.openForUpdate = [] {
+    vHandle<AttributeSet> set(new ProfilingAttributeSetDecorator(referenceSet(false, false)));
+    set->update(kStore, 0, "", "", nullptr);
+    return set;
+  };
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new ProfilingAttributeSetDecorator(referenceSet(false, false))); };
+  setTexts(c);
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Views, StoreConformance,
+                         ::testing::Values(forwarding(), scratch(), attributeSelectAll(), attributeSelectKeys(),
+                                           selectEmpty(), selectAll(), selectSubset(), selectNegated(),
+                                           selectStacked(), attributeSetDecorator(), profiling()),
+                         StoreConformance::caseName);
