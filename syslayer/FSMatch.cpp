@@ -1,15 +1,9 @@
 #include <glob.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <string>
 
 #include "syslayer/FS.h"
-
-bool FS::exists(vFilename const& name) {
-  struct stat st;
-  return ::stat(name.c_str(), &st) == 0;
-}
 
 void FS::getMatchingFiles(vString const& pattern, std::vector<vFilename>& result) {
   result.clear();
