@@ -1,0 +1,327 @@
+// The decorator contract on real stacks: what is forwarded and what is not,
+// the handle of the store below, the factory's stacking and unstacking, the
+// scratch store's life, and refusals common to every view.
+
+#include <gtest/gtest.h>
+
+#include "attribute/AttributeSetBuffer.h"
+#include "attribute/Property.h"
+#include "decorator/DecoratorTesting.h"
+#include "decorator/ScratchStoreDecorator.h"
+#include "decorator/SelectStoreDecorator.h"
+#include "decorator/StoreDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "project/StoreDetails.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+vHandle<Project> unitTestProject() {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("host", ProjectType::UNITTEST));
+  return vHandle<Project>(new UTProject(catalog));
+}
+
+TEST(StoreDecoratorForwarding, ShowsTheStoreBelowUntranslated) {
+  vHandle<Project> project = unitTestProject();
+  vHandle<Store> below = openStore(layoutShelf(referenceLayout()), false, project);
+  StoreDecorator decorator(below);
+  EXPECT_EQ(project, decorator.getProject());
+  EXPECT_EQ(below, decorator.getDecoratedStore());
+  EXPECT_TRUE(decorator.isOpen());
+  EXPECT_EQ(std::string("reference"), decorator.getName().c_str());
+  EXPECT_EQ(std::string("seismic"), decorator.getClass().c_str());
+  EXPECT_EQ(std::string("3d"), decorator.getSubClass().c_str());
+  EXPECT_EQ(below->getVersion(), decorator.getVersion());
+  EXPECT_EQ(12u, decorator.getNInstances());
+  EXPECT_EQ(4u, decorator.getNAttributes());
+  EXPECT_TRUE(decorator.getKeyList() == below->getKeyList());
+  EXPECT_EQ(std::string("reference"), decorator.getPrimaryAttributeSetName().c_str());
+  EXPECT_EQ(1u, decorator.getAttributeSetList()->size());
+  // Instance numbers go down as they are.
+  Attribute elev = decorator.getAttribute("ELEV");
+  decorator.read(elev, std::vector<unsigned int>{12, 3});
+  ASSERT_EQ(2u, elev.getNInstances());
+  EXPECT_EQ(1006.0, elev.getValue(1));
+  EXPECT_EQ(1001.5, elev.getValue(2));
+}
+
+TEST(StoreDecoratorForwarding, WritesAndSetsReachTheStoreBelow) {
+  vHandle<Store> below = referenceStore(true);
+  vHandle<Store> decorator(new StoreDecorator(below));
+  Attribute cdp = decorator->getAttribute("CDP");
+  int const v[] = {41, 42};
+  cdp.copyData(2, v);
+  decorator->write(cdp, 11, 12);
+  decorator->addInstances(2);
+  decorator->addAttribute(Attribute("NEW", "", vINT32));
+  decorator->setAttributeClass("ELEV", "HEIGHT");
+  EXPECT_EQ(14u, below->getNInstances());
+  EXPECT_TRUE(below->hasAttribute("NEW"));
+  EXPECT_EQ(std::string("HEIGHT"), below->getAttribute("ELEV").getClass().c_str());
+  std::vector<double> back = values(*below, "CDP");
+  EXPECT_EQ(41.0, back[10]);
+  EXPECT_EQ(42.0, back[11]);
+  // A secondary set made through the decorator is the store's.
+  decorator->createAttributeSet("extra", StoreConformance::referenceKeys());
+  EXPECT_EQ(std::string("reference_extra"), below->getAttributeSetName().c_str());
+  EXPECT_EQ(std::string("reference_extra"), decorator->getAttributeSetName().c_str());
+  EXPECT_EQ(2u, decorator->getAttributeSetList()->size());
+}
+
+TEST(StoreDecoratorForwarding, PropertiesAreThoseOfTheStoreBelow) {
+  vHandle<Store> below = referenceStore(true);
+  StoreDecorator decorator(below);
+  decorator.addProperty(Property("COLOUR", vString("blue")));
+  EXPECT_TRUE(below->hasProperty(vUCString("COLOUR")));
+  EXPECT_TRUE(decorator.hasProperty(vUCString("COLOUR")));
+  EXPECT_TRUE(static_cast<StoreDecorator const&>(decorator).hasProperty(vUCString("COLOUR")));
+  EXPECT_EQ(below->getNProperties(), decorator.getNProperties());
+  EXPECT_TRUE(decorator.findProperty(vUCString("COLOUR")) != decorator.endProperty());
+  decorator.removeProperty(vUCString("COLOUR"));
+  EXPECT_FALSE(below->hasProperty(vUCString("COLOUR")));
+}
+
+TEST(StoreDecoratorForwarding, FlushStopsAtTheDecorator) {
+  auto* observed = new ObservedStore(layoutShelf(referenceLayout()));
+  vHandle<Store> below(observed);
+  below->open(kStore, 0, "seismic", "3d", nullptr);
+  StoreDecorator decorator(below);
+  decorator.flush();
+  EXPECT_EQ(0, observed->flushes);
+  decorator.getDecoratedStore()->flush();
+  EXPECT_EQ(1, observed->flushes);
+}
+
+// Buffered reads are not forwarded: they go through the view's own reads.
+TEST(StoreDecoratorForwarding, BufferedReadsGoThroughTheViewsReads) {
+  auto* observed = new ObservedStore(layoutShelf(referenceLayout()));
+  vHandle<Store> below(observed);
+  below->open(kStore, 0, "seismic", "3d", nullptr);
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> store = StoreDecoratorFactory::addSelect(below, view);
+  view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp3", "CDP", 3, 3)));
+  EXPECT_EQ(3u, store->getNInstances());
+  AttributeSetBuffer buffer;
+  EXPECT_FALSE(store->prepareBuffer(buffer));
+  buffer.addAttribute(store->getAttribute("ELEV"));
+  buffer.setNInstances(2);
+  observed->lists.clear();
+  observed->rangeReads = 0;
+  store->readBufferRange(buffer, 2, 3);
+  EXPECT_EQ(0, observed->rangeReads);
+  ASSERT_EQ(1u, observed->lists.size());
+  EXPECT_EQ((std::vector<unsigned int>{8, 9}), observed->lists[0]);
+  Attribute const& elev = buffer.readAttributeAndData("ELEV");
+  ASSERT_EQ(2u, elev.getNInstances());
+  EXPECT_EQ(1004.0, elev.getValue(1));
+  EXPECT_EQ(1004.5, elev.getValue(2));
+}
+
+TEST(StoreDecoratorHandle, ReleaseLeavesAnEmptyHandleAndForwardedCallsFail) {
+  vHandle<Store> below = referenceStore();
+  StoreDecorator decorator(below);
+  EXPECT_EQ(2, below.getMasterCount());
+  vHandle<Store> released = decorator.releaseDecoratedStore();
+  EXPECT_EQ(below, released);
+  EXPECT_TRUE(decorator.getDecoratedStore().isEmpty());
+  EXPECT_EQ(2, below.getMasterCount());
+  expectFailure([&] { decorator.getNInstances(); }, "vHandle::get()", "Trying to get a NULL pointer");
+  expectFailure([&] { decorator.getName(); }, "vHandle::get()", "Trying to get a NULL pointer");
+  // Until a store is set again.
+  decorator.setDecoratedStore(released);
+  EXPECT_EQ(12u, decorator.getNInstances());
+}
+
+TEST(StoreDecoratorHandle, SettingTheSameStoreChangesNothing) {
+  vHandle<Store> below = referenceStore();
+  StoreDecorator decorator(below);
+  decorator.setDecoratedStore(below);
+  EXPECT_EQ(2, below.getMasterCount());
+  vHandle<Store> other = referenceStore();
+  decorator.setDecoratedStore(other);
+  EXPECT_EQ(1, below.getMasterCount());
+  EXPECT_EQ(other, decorator.getDecoratedStore());
+}
+
+TEST(StoreDecoratorHandle, DestroyingADecoratorLeavesTheStoreBelowOpen) {
+  vHandle<Store> below = referenceStore();
+  { StoreDecorator decorator(below); }
+  EXPECT_TRUE(below->isOpen());
+  EXPECT_EQ(1, below.getMasterCount());
+}
+
+// --- factory ---------------------------------------------------------------------------
+
+TEST(StoreDecoratorFactoryStacking, AddersReturnTheNewOutermostStoreAndItsConcreteHandle) {
+  vHandle<Store> below = referenceStore();
+  vHandle<SelectStoreDecorator> select;
+  vHandle<Store> top = StoreDecoratorFactory::addSelect(below, select);
+  ASSERT_FALSE(select.isEmpty());
+  EXPECT_EQ(static_cast<Store*>(select.pointer()), top.pointer());
+  // One count for both handles.
+  EXPECT_EQ(2, top.getMasterCount());
+  EXPECT_FALSE(top.isMultiThreaded());
+  EXPECT_EQ(below, select->getDecoratedStore());
+  EXPECT_FALSE(select->getSelection().isEmpty());
+  EXPECT_TRUE(select->getSelection()->getOperators().empty());
+
+  vHandle<AttributeSelectDecorator> attributes;
+  vHandle<Store> top2 = StoreDecoratorFactory::addAttributeSelect(top, attributes);
+  EXPECT_EQ(static_cast<Store*>(attributes.pointer()), top2.pointer());
+  EXPECT_EQ(top, attributes->getDecoratedStore());
+
+  vHandle<Store> top3 = StoreDecoratorFactory::addScratch(top2);
+  EXPECT_NE(nullptr, dynamic_cast<ScratchStoreDecorator*>(top3.pointer()));
+  EXPECT_EQ(1, top3.getMasterCount());
+  // The scratch store is not to delete anything at the end of this test.
+  dynamic_cast<StoreDecorator*>(top3.pointer())->releaseDecoratedStore();
+}
+
+TEST(StoreDecoratorFactoryStacking, RemovingFromAnUndecoratedStoreGivesItBack) {
+  vHandle<Store> store = referenceStore();
+  EXPECT_EQ(store, StoreDecoratorFactory::removeDecorator(store));
+  EXPECT_EQ(store, StoreDecoratorFactory::removeAllDecorators(store));
+  EXPECT_TRUE(store->isOpen());
+}
+
+TEST(StoreDecoratorFactoryStacking, RemovingUnstacksOneOrAll) {
+  vHandle<Store> inner = referenceStore();
+  vHandle<SelectStoreDecorator> first;
+  vHandle<AttributeSelectDecorator> second;
+  vHandle<SelectStoreDecorator> third;
+  vHandle<Store> top = StoreDecoratorFactory::addSelect(inner, first);
+  top = StoreDecoratorFactory::addAttributeSelect(top, second);
+  top = StoreDecoratorFactory::addSelect(top, third);
+
+  vHandle<Store> one = StoreDecoratorFactory::removeDecorator(top);
+  EXPECT_EQ(static_cast<Store*>(second.pointer()), one.pointer());
+  EXPECT_TRUE(third->getDecoratedStore().isEmpty());
+
+  vHandle<Store> innermost = StoreDecoratorFactory::removeAllDecorators(one);
+  EXPECT_EQ(inner, innermost);
+  EXPECT_TRUE(first->getDecoratedStore().isEmpty());
+  EXPECT_TRUE(second->getDecoratedStore().isEmpty());
+  // Nothing was closed on the way.
+  EXPECT_TRUE(inner->isOpen());
+}
+
+TEST(StoreDecoratorFactoryStacking, RemovingAllOfAStackOfThreeEmptiesEach) {
+  vHandle<Store> inner = referenceStore();
+  vHandle<SelectStoreDecorator> a;
+  vHandle<SelectStoreDecorator> b;
+  vHandle<SelectStoreDecorator> c;
+  vHandle<Store> top = StoreDecoratorFactory::addSelect(inner, a);
+  top = StoreDecoratorFactory::addSelect(top, b);
+  top = StoreDecoratorFactory::addSelect(top, c);
+  EXPECT_EQ(inner, StoreDecoratorFactory::removeAllDecorators(top));
+  EXPECT_TRUE(a->getDecoratedStore().isEmpty());
+  EXPECT_TRUE(b->getDecoratedStore().isEmpty());
+  EXPECT_TRUE(c->getDecoratedStore().isEmpty());
+  EXPECT_EQ(1, inner.getMasterCount());
+}
+
+TEST(StoreDecoratorFactoryStacking, OffloadViewsAreNotAvailable) {
+  vHandle<Store> store = referenceStore();
+  expectFailure([&] { StoreDecoratorFactory::addOffloadCrosslines(store, 3, nullptr); },
+                "StoreDecoratorFactory::addOffloadDCrosslinesDecorator", "Not supported ... no Dorn available!");
+  expectFailure([&] { StoreDecoratorFactory::addOffloadGather(store, 3, nullptr); },
+                "StoreDecoratorFactory::addOffloadGatherDecorator", "Not supported ... no Dorn available!");
+  EXPECT_EQ(1, store.getMasterCount());
+}
+
+// --- scratch -----------------------------------------------------------------------------
+
+struct ScratchFixture : ::testing::Test {
+  void SetUp() override {
+    project = unitTestProject();
+    ut = dynamic_cast<UTProject*>(project.pointer());
+    below = openStore(layoutShelf(referenceLayout()), true, project);
+    ut->addStore(StoreDetails(ProjectType::UNITTEST, "", "reference", below->getVersion()));
+  }
+  bool listed() { return ut->hasStore("reference", 0); }
+
+  vHandle<Project> project;
+  UTProject* ut = nullptr;
+  vHandle<Store> below;
+};
+
+TEST_F(ScratchFixture, ClosingClosesAndDeletesTheStore) {
+  vHandle<Store> scratch = StoreDecoratorFactory::addScratch(below);
+  // Writes go through.
+  scratch->addInstances(1);
+  EXPECT_EQ(13u, below->getNInstances());
+  scratch->close();
+  EXPECT_FALSE(below->isOpen());
+  EXPECT_FALSE(listed());
+  EXPECT_TRUE(dynamic_cast<ScratchStoreDecorator*>(scratch.pointer())->isClosed());
+}
+
+TEST_F(ScratchFixture, TheLastHandleClosesAndDeletesTheStore) {
+  vHandle<Store> scratch = StoreDecoratorFactory::addScratch(below);
+  EXPECT_TRUE(listed());
+  scratch = vHandle<Store>();
+  EXPECT_FALSE(below->isOpen());
+  EXPECT_FALSE(listed());
+}
+
+TEST_F(ScratchFixture, AStoreClosedExplicitlyIsDeletedOnce) {
+  vHandle<Store> scratch = StoreDecoratorFactory::addScratch(below);
+  scratch->close();
+  EXPECT_EQ(std::string("deleteStore"), ut->getLastCall().c_str());
+  // The store is scripted again: a second delete would take it away.
+  ut->addStore(StoreDetails(ProjectType::UNITTEST, "", "reference", 1));
+  ut->hasStore("reference", 0);
+  scratch = vHandle<Store>();
+  EXPECT_EQ(std::string("hasStore"), ut->getLastCall().c_str());
+  EXPECT_TRUE(listed());
+}
+
+TEST_F(ScratchFixture, AStoreThatCannotBeClosedIsLeftAtDestruction) {
+  vHandle<Store> scratch = StoreDecoratorFactory::addScratch(below);
+  below->close();
+  // The destructor's close fails; the failure goes no further.
+  {
+    MessageHandling quiet;
+    scratch = vHandle<Store>();
+  }
+  EXPECT_TRUE(listed());
+}
+
+// --- refusals common to views ---------------------------------------------------------------
+
+TEST(StoreDecoratorImpReads, TheSameAttributeAsDataAndGroupsIsRefused) {
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> store = StoreDecoratorFactory::addSelect(referenceStore(), view);
+  Attribute cdp = store->getAttribute("CDP");
+  expectFailure([&] { store->read(cdp, cdp, 1, 1); }, "StoreDecoratorImp::read(byGroups)",
+                "The address of the Attrbiute 'CDP' being read, cannot be the same as the groups Attribute.");
+}
+
+TEST(StoreDecoratorImpReads, KeyReadsNeedEveryTupleOnce) {
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> store = StoreDecoratorFactory::addSelect(referenceStore(), view);
+  view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp2", "CDP", 2, 2)));
+  KeyList keys = StoreConformance::referenceKeys();
+  int const cdps[] = {2, 1};
+  int const offsets[] = {300, 100};
+  keys.begin()->copyData(2, cdps);
+  (keys.begin() + 1)->copyData(2, offsets);
+  Attribute elev = store->getAttribute("ELEV");
+  // (1, 100) is in the store below but not in the view.
+  expectFailure([&] { store->read(elev, keys); }, "StoreDecoratorImp::read(byKeys)",
+                "Key list has duplicate or missing values in AttributeSet reference. Wanted 2 value(s) but found 1.");
+  KeyList none;
+  expectFailure([&] { store->read(elev, none); }, "StoreDecoratorImp::read(byKeys)",
+                "KeyList must have at lease one key Attribute.");
+  KeyList one = StoreConformance::referenceKeys();
+  one.begin()->copyData(1, cdps);
+  (one.begin() + 1)->copyData(1, offsets);
+  store->read(elev, one);
+  ASSERT_EQ(1u, elev.getNInstances());
+  EXPECT_EQ(1003.0, elev.getValue(1));
+}
+
+}  // namespace
