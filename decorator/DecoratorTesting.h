@@ -49,10 +49,10 @@ inline void setValue(Attribute& a, unsigned int instance, int position, double v
 
 // A shelf with the store "reference" laid out as given, written through
 // the contract of a store.
-inline std::shared_ptr<TestMemoryShelf> layoutShelf(Layout const& layout) {
+inline std::shared_ptr<TestMemoryShelf> layoutShelf(Layout const& layout, char const* name = kStore) {
   auto shelf = std::make_shared<TestMemoryShelf>();
   TestMemoryStore writer(vHandle<Project>(), shelf);
-  writer.create(kStore, "seismic", "3d", StoreConformance::referenceKeys(), nullptr);
+  writer.create(name, "seismic", "3d", StoreConformance::referenceKeys(), nullptr);
   for (char const* name : kReferenceAttributes)
     if (!writer.hasAttribute(name)) writer.addAttribute(StoreConformance::referenceDefinition(name));
   unsigned int const n = static_cast<unsigned int>(layout.size());
@@ -89,12 +89,12 @@ inline Layout referenceLayout() {
 }
 
 inline vHandle<Store> openStore(std::shared_ptr<TestMemoryShelf> const& shelf, bool update = false,
-                                vHandle<Project> const& project = vHandle<Project>()) {
+                                vHandle<Project> const& project = vHandle<Project>(), char const* name = kStore) {
   vHandle<Store> store(new TestMemoryStore(project, shelf));
   if (update)
-    store->update(kStore, 0, "seismic", "3d", nullptr);
+    store->update(name, 0, "seismic", "3d", nullptr);
   else
-    store->open(kStore, 0, "seismic", "3d", nullptr);
+    store->open(name, 0, "seismic", "3d", nullptr);
   return store;
 }
 
@@ -228,6 +228,36 @@ class ObservedStore : public TestMemoryStore {
   mutable std::vector<std::vector<unsigned int>> lists;
   mutable int rangeReads = 0;
   int flushes = 0;
+};
+
+// An observed store opened for reading, with the layout given.
+inline vHandle<Store> observedStore(Layout const& layout, ObservedStore*& observed) {
+  observed = new ObservedStore(layoutShelf(layout));
+  vHandle<Store> store(observed);
+  store->open(kStore, 0, "seismic", "3d", nullptr);
+  return store;
+}
+
+// Layouts of the reference content repeated: instance i holds reference
+// instance (i - 1) % 12 + 1, so ELEV grows with i modulo 12.
+inline Layout repeatedLayout(unsigned int n) {
+  Layout layout;
+  for (unsigned int i = 1; i <= n; ++i) layout.push_back(static_cast<int>((i - 1) % 12 + 1));
+  return layout;
+}
+
+// Records the names of the batch attributes it is given.
+class NamesOperator : public SelectOperatorBase {
+ public:
+  explicit NamesOperator(char const* attribute) : SelectOperatorBase("names", 1, EvaluatingOperator) {
+    addAttribute(attribute);
+  }
+  void doEvaluate(std::list<Attribute> const& attributes, unsigned int, unsigned char*, unsigned int,
+                  unsigned int) override {
+    seen.clear();
+    for (Attribute const& a : attributes) seen.push_back(a.getName().c_str());
+  }
+  std::vector<std::string> seen;
 };
 
 }  // namespace decorator_testing

@@ -1,0 +1,341 @@
+// The selection protocol on real stores: which path reads data, batches,
+// how masks are joined, negation, instance filters, and its refusals.
+
+#include <gtest/gtest.h>
+
+#include "decorator/DecoratorTesting.h"
+#include "decorator/SelectOperatorCollection.h"
+#include "foundation/TestAddressSpaceCap.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+typedef std::vector<unsigned int> List;
+
+List range(unsigned int first, unsigned int last) {
+  List list;
+  for (unsigned int i = first; i <= last; ++i) list.push_back(i);
+  return list;
+}
+
+// CDP 2 and 3 are instances 4 to 9; OFFSET 200 and 300 are every instance
+// but 1, 4, 7 and 10.
+vHandle<RangeOperator> cdp23() { return vHandle<RangeOperator>(new RangeOperator("cdp23", "CDP", 2, 3)); }
+vHandle<RangeOperator> offset23() {
+  return vHandle<RangeOperator>(new RangeOperator("offset23", "OFFSET", 200, 300));
+}
+vHandle<SelectOperatorBase> logic(char const* name, int type) {
+  return vHandle<SelectOperatorBase>(new LogicOperator(name, type));
+}
+
+struct Selection : ::testing::Test {
+  Selection() : store(observedStore(referenceLayout(), observed)) {}
+  List select(std::vector<vHandle<SelectOperatorBase>> const& ops) {
+    for (auto const& op : ops) collection.addOperator(op);
+    return collection.doSelection(store);
+  }
+  ObservedStore* observed;
+  vHandle<Store> store;
+  SelectOperatorCollection collection;
+};
+
+// --- the path without data ------------------------------------------------------------
+
+TEST_F(Selection, NoOperatorSelectsEverythingWithoutReading) {
+  EXPECT_EQ(range(1, 12), collection.doSelection(store));
+  collection.setNegateSelection(true);
+  EXPECT_EQ(range(1, 12), collection.doSelection(store));
+  EXPECT_EQ(0, observed->rangeReads);
+  EXPECT_TRUE(observed->lists.empty());
+  EXPECT_EQ(range(1, 12), collection.getSelection());
+}
+
+TEST_F(Selection, LogicOperatorsAloneReadNothingEither) {
+  auto op = vHandle<LogicOperator>(new LogicOperator("or", SelectOperatorBase::LogicOr));
+  EXPECT_EQ(range(1, 12), select({asBase(op)}));
+  EXPECT_TRUE(op->calls.empty());
+  EXPECT_EQ(0, observed->rangeReads);
+}
+
+TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
+  List filter = {1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1};
+  collection.setInstanceFilter(filter);
+  EXPECT_TRUE(collection.hasInstanceFilter());
+  EXPECT_EQ((List{1, 3, 6, 7, 8, 9, 10, 11}), collection.doSelection(store));
+}
+
+// --- batches -----------------------------------------------------------------------------
+
+TEST(SelectionBatches, AStoreOf25000ReadsThreeBatches) {
+  ObservedStore* observed;
+  vHandle<Store> store = observedStore(repeatedLayout(25000), observed);
+  SelectOperatorCollection collection;
+  EXPECT_EQ(10000, collection.getBatchSize());
+  // ELEV 1000.5 and 1001 are reference instances 1 and 2.
+  vHandle<RangeOperator> op(new RangeOperator("first2", "ELEV", 1000.5, 1001));
+  collection.addOperator(asBase(op));
+  List selected = collection.doSelection(store);
+  ASSERT_EQ(3u, op->calls.size());
+  EXPECT_EQ(1u, op->calls[0].first);
+  EXPECT_EQ(10000u, op->calls[0].last);
+  EXPECT_EQ(10000u, op->calls[0].count);
+  EXPECT_EQ(10001u, op->calls[1].first);
+  EXPECT_EQ(20000u, op->calls[1].last);
+  EXPECT_EQ(20001u, op->calls[2].first);
+  EXPECT_EQ(25000u, op->calls[2].last);
+  EXPECT_EQ(5000u, op->calls[2].count);
+  EXPECT_TRUE(op->calls[2].hadMask);
+  EXPECT_EQ(3, observed->rangeReads);
+  // Two of every twelve, the last pair at 24997 and 24998.
+  ASSERT_EQ(2u * 2084u, selected.size());
+  EXPECT_EQ(1u, selected.front());
+  EXPECT_EQ(24998u, selected.back());
+  EXPECT_TRUE(std::is_sorted(selected.begin(), selected.end()));
+}
+
+TEST_F(Selection, OnTheBatchPathTheFilterCountsFromEachBatch) {
+  collection.setBatchSize(5);
+  collection.setInstanceFilter({1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 1});
+  auto all = vHandle<RangeOperator>(new RangeOperator("all", "ELEV", 0, 5000));
+  EXPECT_EQ((List{1, 3, 6, 8, 11}), select({asBase(all)}));
+  ASSERT_EQ(3u, all->calls.size());
+  EXPECT_EQ(2u, all->calls[2].count);
+}
+
+TEST_F(Selection, AnOperatorThatReadsNoAttributeStillGetsTheLoop) {
+  collection.setBatchSize(5);
+  auto every3 = vHandle<EveryNthOperator>(new EveryNthOperator("every3", 3));
+  EXPECT_EQ((List{3, 6, 9, 12}), select({asBase(every3)}));
+  EXPECT_EQ(3u, every3->calls.size());
+  EXPECT_EQ(0, observed->rangeReads);
+}
+
+TEST_F(Selection, AnOperatorThatMarksNothingSelectsNothingOrAllNegated) {
+  auto nothing = vHandle<SelectOperatorBase>(new NothingOperator("CDP"));
+  EXPECT_TRUE(select({nothing}).empty());
+  collection.setNegateSelection(true);
+  EXPECT_EQ(range(1, 12), collection.doSelection(store));
+  EXPECT_TRUE(collection.getNegateSelection());
+}
+
+// --- joining masks -------------------------------------------------------------------------
+
+TEST_F(Selection, MasksWithoutLogicAreJoinedWithOr) {
+  EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}), select({asBase(cdp23()), asBase(offset23())}));
+}
+
+TEST_F(Selection, AndOrAndOrNotJoinLeftToRight) {
+  SelectOperatorCollection a;
+  a.addOperator(asBase(cdp23()));
+  a.addOperator(logic("and", SelectOperatorBase::LogicAnd));
+  a.addOperator(asBase(offset23()));
+  EXPECT_EQ((List{5, 6, 8, 9}), a.doSelection(store));
+
+  SelectOperatorCollection o;
+  o.addOperator(asBase(cdp23()));
+  o.addOperator(logic("or", SelectOperatorBase::LogicOr));
+  o.addOperator(asBase(offset23()));
+  EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}), o.doSelection(store));
+
+  // A bare not between two masks is or-not.
+  SelectOperatorCollection n;
+  n.addOperator(asBase(cdp23()));
+  n.addOperator(logic("not", SelectOperatorBase::LogicNot));
+  n.addOperator(asBase(offset23()));
+  EXPECT_EQ((List{1, 4, 5, 6, 7, 8, 9, 10}), n.doSelection(store));
+
+  // No precedence: (cdp23 or offset23) and cdp 1 to 2.
+  SelectOperatorCollection p;
+  p.addOperator(asBase(cdp23()));
+  p.addOperator(asBase(offset23()));
+  p.addOperator(logic("and", SelectOperatorBase::LogicAnd));
+  p.addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp12", "CDP", 1, 2)));
+  EXPECT_EQ((List{2, 3, 4, 5, 6}), p.doSelection(store));
+}
+
+TEST_F(Selection, ANotBeforeTheFirstMaskComplementsIt) {
+  auto notOp = vHandle<LogicOperator>(new LogicOperator("not", SelectOperatorBase::LogicNot));
+  EXPECT_EQ((List{1, 2, 3, 10, 11, 12}), select({asBase(notOp), asBase(cdp23())}));
+  // Logic operators are called too, without a mask.
+  ASSERT_EQ(1u, notOp->calls.size());
+  EXPECT_FALSE(notOp->calls[0].hadMask);
+}
+
+TEST_F(Selection, AnotherLogicOperatorFirstDropsTheFirstMaskWithAnInfo) {
+  RecordingHandler recorder;
+  EXPECT_TRUE(select({logic("and", SelectOperatorBase::LogicAnd), asBase(cdp23())}).empty());
+  ASSERT_EQ(1u, recorder.infos.size());
+  EXPECT_EQ("SelectStoreDecorator::doEvaluate|Logic operator: and as first item in selection list has no effect",
+            recorder.infos[0]);
+  // Later masks still add to it.
+  SelectOperatorCollection more;
+  for (auto const& op : {logic("and", SelectOperatorBase::LogicAnd), asBase(cdp23()), asBase(offset23())})
+    more.addOperator(op);
+  EXPECT_EQ((List{2, 3, 5, 6, 8, 9, 11, 12}), more.doSelection(store));
+  EXPECT_EQ(2u, recorder.infos.size());
+}
+
+TEST_F(Selection, AnUnknownLogicTypeLeavesTheAggregateWithAnInfo) {
+  RecordingHandler recorder;
+  EXPECT_EQ(range(4, 9), select({asBase(cdp23()), logic("xor", 3), asBase(offset23())}));
+  ASSERT_EQ(1u, recorder.infos.size());
+  EXPECT_EQ("SelectStoreDecorator::doEvaluate|Unknown logic operator enum", recorder.infos[0]);
+}
+
+TEST_F(Selection, ALogicOperatorAtTheEndHasNoEffect) {
+  EXPECT_EQ(range(4, 9), select({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd)}));
+}
+
+TEST_F(Selection, NegationAppliesToTheJoinedMask) {
+  collection.setNegateSelection(true);
+  EXPECT_EQ((List{1, 2, 3, 4, 7, 10, 11, 12}),
+            select({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd), asBase(offset23())}));
+}
+
+// --- refusals ---------------------------------------------------------------------------------
+
+TEST_F(Selection, TwoLogicOperatorsInARowAreRefusedAtTheFirstBatch) {
+  collection.setBatchSize(5);
+  auto op = cdp23();
+  for (auto const& o : {asBase(op), logic("or", SelectOperatorBase::LogicOr), logic("and", SelectOperatorBase::LogicAnd),
+                        asBase(offset23())})
+    collection.addOperator(o);
+  expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doEvaluate",
+                "Cannot specify logic operators one after another: or followed by and is illegal");
+  EXPECT_EQ(1u, op->calls.size());
+}
+
+TEST_F(Selection, AMultiValuedAttributeIsRefusedBeforeAnyRead) {
+  auto trace = vHandle<RangeOperator>(new RangeOperator("trace", "TRACE", 0, 1));
+  collection.addOperator(asBase(cdp23()));
+  collection.addOperator(asBase(trace));
+  expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::mySetupRead",
+                "Attribute 'TRACE' in Store 'reference' has more than one element (5).");
+  EXPECT_EQ(0, observed->rangeReads);
+  EXPECT_TRUE(trace->calls.empty());
+}
+
+TEST_F(Selection, AFilterSmallerThanTheStoreIsRefused) {
+  collection.setInstanceFilter(List(11, 1));
+  expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doSelection",
+                "Supplied instance filter is too small -- 11 instances in filter -- 12 instances in store");
+  SelectOperatorCollection fromStart(List(12, 1));
+  EXPECT_TRUE(fromStart.hasInstanceFilter());
+  EXPECT_EQ(range(1, 12), fromStart.doSelection(store));
+}
+
+TEST_F(Selection, AnEmptyOperatorHandleIsRefusedWhenMasksAreMade) {
+  collection.addOperator(asBase(cdp23()));
+  collection.addOperator(vHandle<SelectOperatorBase>());
+  expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doEvaluate",
+                "Null Selection Operator Iterator");
+}
+
+TEST(SelectionSettings, TheBatchSizeMustBePositive) {
+  SelectOperatorCollection collection;
+  expectFailure([&] { collection.setBatchSize(0); }, "SelectOperatorCollection::setBatchSize",
+                "The batch size must be positive, not 0.");
+  collection.setBatchSize(3);
+  EXPECT_EQ(3, collection.getBatchSize());
+  collection.setDebugMode(true);
+  EXPECT_TRUE(collection.getDebugMode());
+}
+
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
+// In a child process, which the cap on its address space does not outlive.
+TEST(SelectionSettings, MasksThatCannotBeAllocatedAreReported) {
+  EXPECT_EXIT(
+      {
+        vHandle<Store> store = referenceStore();
+        SelectOperatorCollection collection;
+        collection.setBatchSize(512 * 1024 * 1024);
+        collection.addOperator(asBase(cdp23()));
+        testMapLargeBlocksExactly();
+        TestAddressSpaceCap cap(64 * 1024 * 1024);
+        try {
+          MessageHandling quiet;
+          collection.doSelection(store);
+        } catch (UtlExcept const& e) {
+          std::fprintf(stderr, "%s|%s\n", e.getMethod().c_str(), e.getReason().c_str());
+          std::exit(cap.isCapped() ? 0 : 1);
+        }
+        std::exit(2);
+      },
+      ::testing::ExitedWithCode(0), "SelectStoreDecorator::doEvaluate\\|Cannot allocate 536870922 bytes for instances");
+}
+#endif
+
+// --- attributes of a batch ---------------------------------------------------------------------
+
+TEST_F(Selection, BatchAttributesAreSetUpOncePerStoreName) {
+  auto names = vHandle<NamesOperator>(new NamesOperator("OFFSET"));
+  collection.addOperator(asBase(names));
+  collection.doSelection(store);
+  EXPECT_EQ((std::vector<std::string>{"OFFSET"}), names->seen);
+  // An operator added later is not given its attribute for the same store...
+  collection.addOperator(vHandle<SelectOperatorBase>(new NamesOperator("CDP")));
+  collection.doSelection(store);
+  EXPECT_EQ((std::vector<std::string>{"OFFSET"}), names->seen);
+  // ...but is for another.
+  vHandle<Store> other = openStore(layoutShelf(referenceLayout(), "other"), false, vHandle<Project>(), "other");
+  collection.doSelection(other);
+  EXPECT_EQ((std::vector<std::string>{"CDP", "OFFSET"}), names->seen);
+}
+
+TEST(SelectionNames, AllAttributeNamesAreSortedAndUnique) {
+  SelectOperatorCollection collection;
+  collection.addOperator(asBase(offset23()));
+  collection.addOperator(vHandle<SelectOperatorBase>(new RangeOperator("b", "ELEV", 0, 1)));
+  collection.addOperator(asBase(cdp23()));
+  collection.addOperator(asBase(offset23()));
+  std::vector<vUCString> names = collection.getAllAttributeNames();
+  ASSERT_EQ(3u, names.size());
+  EXPECT_EQ(std::string("CDP"), names[0].c_str());
+  EXPECT_EQ(std::string("ELEV"), names[1].c_str());
+  EXPECT_EQ(std::string("OFFSET"), names[2].c_str());
+}
+
+// --- the operator base ----------------------------------------------------------------------------
+
+class ToleranceOperator : public SelectOperatorBase {
+ public:
+  ToleranceOperator() : SelectOperatorBase("tol") {}
+  void doEvaluate(std::list<Attribute> const&, unsigned int, unsigned char*, unsigned int, unsigned int) override {}
+  void doNewTolerance(double oldTolerance, double newTolerance) override {
+    told.push_back(oldTolerance);
+    told.push_back(newTolerance);
+    seenBefore = getTolerance();
+  }
+  std::vector<double> told;
+  double seenBefore = -1;
+};
+
+TEST(SelectOperator, ANewToleranceIsToldBeforeItIsKept) {
+  ToleranceOperator op;
+  op.setTolerance(0.5);
+  op.setTolerance(2.0);
+  EXPECT_EQ((std::vector<double>{0.0, 0.5, 0.5, 2.0}), op.told);
+  EXPECT_EQ(0.5, op.seenBefore);
+  EXPECT_EQ(2.0, op.getTolerance());
+}
+
+TEST(SelectOperator, KeepsItsDescription) {
+  RangeOperator op("r", "CDP", 1, 2);
+  EXPECT_EQ(std::string("r"), op.getOperatorName().c_str());
+  EXPECT_TRUE(op.isEvaluating());
+  EXPECT_EQ(SelectOperatorBase::EvaluatingOperator, op.getOperatorClass());
+  op.addAttribute("OFFSET");
+  EXPECT_EQ(2, op.getNumAttributes());
+  EXPECT_EQ(std::string("OFFSET"), op.getAttributeName(1).c_str());
+  expectFailure([&] { op.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
+                "Operator r has no attribute 2 (it reads 2).");
+  op.setOperatorClass(1);
+  EXPECT_FALSE(op.isEvaluating());
+  op.setOperatorType(SelectOperatorBase::LogicAnd);
+  EXPECT_EQ(8, op.getOperatorType());
+  op.setOperatorName("renamed");
+  EXPECT_EQ(std::string("renamed"), op.getOperatorName().c_str());
+}
+
+}  // namespace
