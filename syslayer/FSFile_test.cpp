@@ -1,0 +1,327 @@
+#include <pwd.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "syslayer/FS.h"
+#include "syslayer/FSService.h"
+#include "syslayer/FSTesting.h"
+
+namespace {
+
+using fs_testing::expectFailure;
+using fs_testing::TempDir;
+
+int64_t info(FS::iFile const& f, int item) {
+  int64_t v = -1;
+  int status;
+  fs_getinfo_(f.getId(), item, v, status);
+  return v;
+}
+
+struct FaultScope {
+  ~FaultScope() { FS_testfault("", FS_FAULT_NONE, 0); }
+};
+
+std::string pattern(size_t n) {
+  std::string s(n, '\0');
+  for (size_t i = 0; i < n; ++i) s[i] = static_cast<char>('a' + (i * 7 + i / 26) % 26);
+  return s;
+}
+
+TEST(FSFile, UnclearedErrorIsFatalAtTheNextUse) {
+  TempDir dir;
+  std::string const name = dir / "missing.sgy";
+  FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
+  EXPECT_FALSE(f.isGood());
+  EXPECT_EQ(f.getStatus(), FS_ERRNO + ENOENT);
+  expectFailure([&] { f.getPosition(); }, "FS::iFile::getPosition",
+                "File-:" + name + " Last error (No such file or directory) has not been cleared. FS::iFile::getPosition");
+  char buf[4];
+  expectFailure([&] { f.read(1, buf, 4); }, "FS::iFile::read",
+                "File-:" + name + " Last error (No such file or directory) has not been cleared. FS::iFile::read");
+  // The caller's own check and label.
+  expectFailure([&] { f.terminate("SegyStore::open"); }, "SegyStore::open",
+                "File-:" + name + " Last error (No such file or directory) has not been cleared. SegyStore::open");
+  EXPECT_EQ(f.getErrorText(), vString("No such file or directory"));
+}
+
+TEST(FSFile, ReadErrorStaysUntilClearedThenTheFileGoesOn) {
+  TempDir dir;
+  std::string const name = dir / "short";
+  fs_testing::writeFile(name, "0123456789");
+  FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
+  ASSERT_TRUE(f.isGood());
+  char buf[32];
+  EXPECT_EQ(f.read(1, buf, 32), 10);
+  EXPECT_EQ(f.getStatus(), FS_EOF);
+  expectFailure([&] { f.getNRecords(); }, "FS::iFile::getNRecords",
+                "File-:" + name + " Last error (End of file) has not been cleared. FS::iFile::getNRecords");
+  f.clear();
+  EXPECT_TRUE(f.isGood());
+  EXPECT_EQ(f.getNRecords(), 10);
+  EXPECT_EQ(f.read(3, buf, 2), 2);
+  EXPECT_EQ(std::string(buf, 2), "23");
+  f.close();
+  EXPECT_TRUE(f.isGood());
+  EXPECT_FALSE(f.isOpen());
+}
+
+TEST(FSFile, ReadAtTheCurrentPositionDoesNotSeek) {
+  TempDir dir;
+  fs_testing::writeFile(dir / "f", pattern(100));
+  FS::iFile f = FS::open((dir / "f").c_str(), FS::ByteFile);
+  char buf[10];
+  ASSERT_EQ(f.read(1, buf, 10), 10);  // already at 1
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 0);
+  ASSERT_EQ(f.read(11, buf, 10), 10);  // where the last read ended
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 0);
+  ASSERT_EQ(f.read(0, buf, 10), 10);  // 0: go on
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 0);
+  EXPECT_EQ(std::string(buf, 10), pattern(100).substr(20, 10));
+  ASSERT_EQ(f.read(51, buf, 10), 10);
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 1);
+  EXPECT_EQ(std::string(buf, 10), pattern(100).substr(50, 10));
+  EXPECT_EQ(f.getPosition(), 61);
+  f.setPosition(2);
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 2);
+  f.close();
+}
+
+TEST(FSFile, LargeReadsAreSplitAtTheHighWaterMark) {
+  TempDir dir;
+  std::string const data = pattern(4500);
+  fs_testing::writeFile(dir / "f", data);
+  long long const old = FS::iFile::getMaxServiceRead();
+  FS::iFile::setMaxServiceRead(1000);
+  FS::iFile f = FS::open((dir / "f").c_str(), FS::ByteFile);
+  std::vector<char> buf(5000);
+  EXPECT_EQ(f.read(1, buf.data(), 4500), 4500);
+  EXPECT_TRUE(f.isGood());
+  EXPECT_EQ(info(f, FS_INFO_NREADS), 5);
+  EXPECT_EQ(std::string(buf.data(), 4500), data);
+  // Past the end the split stops at the first bad status.
+  EXPECT_EQ(f.read(4001, buf.data(), 5000), 500);
+  EXPECT_EQ(f.getStatus(), FS_EOF);
+  EXPECT_EQ(info(f, FS_INFO_NREADS), 6);
+  FS::iFile::setMaxServiceRead(old);
+  f.clear();
+  f.close();
+}
+
+TEST(FSFile, FaultsSeenThroughTheFileObject) {
+  TempDir dir;
+  FaultScope scope;
+  std::string const name = dir / "f";
+  std::string const data = pattern(3000);
+  fs_testing::writeFile(name, data);
+  FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
+  std::vector<char> buf(3000);
+
+  // Short service reads are made whole by the file object.
+  FS_testfault(name.c_str(), FS_FAULT_SHORTREAD, 100);
+  EXPECT_EQ(f.read(1, buf.data(), 3000), 3000);
+  EXPECT_TRUE(f.isGood());
+  EXPECT_EQ(std::string(buf.data(), 3000), data);
+
+  // A truncated file: what there is, then the end of file.
+  FS_testfault(name.c_str(), FS_FAULT_TRUNCATE, 1234);
+  EXPECT_EQ(f.getNRecords(), 1234);
+  EXPECT_EQ(f.read(1001, buf.data(), 1000), 234);
+  EXPECT_EQ(f.getStatus(), FS_EOF);
+  f.clear();
+
+  // A failed read: what came before the bad spot, then an I/O error that
+  // the next use reports.
+  FS_testfault(name.c_str(), FS_FAULT_FAILREAD, 2000);
+  EXPECT_EQ(f.read(1501, buf.data(), 1000), 500);
+  EXPECT_FALSE(f.isGood());
+  expectFailure([&] { f.read(1, buf.data(), 1); }, "FS::iFile::read",
+                "File-:" + name + " Last error (Input/output error) has not been cleared. FS::iFile::read");
+  f.clear();
+  f.close();
+}
+
+TEST(FSFile, VerboseModePrintsEachCall) {
+  TempDir dir;
+  std::string const name = dir / "v";
+  fs_testing::writeFile(name, "abc");
+  FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
+  f.setVerboseMode();
+  char buf[8];
+  ::testing::internal::CaptureStdout();
+  f.read(2, buf, 2, 7);
+  f.clearVerboseMode();
+  f.read(1, buf, 1);
+  std::string const out = ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ(out, "FS::iFile::read(" + name + ", position 2, count 2, options 7): status 1, done 2\n");
+  f.close();
+}
+
+TEST(FSFile, RecordFilesAndFileFacts) {
+  TempDir dir;
+  std::string const name = dir / "r.off";
+  FS::ioFile w = FS::create(name.c_str(), FS::RecordFile, 0, 16);
+  ASSERT_TRUE(w.isGood());
+  std::string const data = pattern(64);
+  EXPECT_EQ(w.write(1, data.data(), 64), 64);
+  EXPECT_EQ(w.getRecordLength(), 16);
+  EXPECT_EQ(w.getNRecords(), 4);
+  EXPECT_EQ(w.write(3, "XXXXXXXXXXXXXXXX", 16), 16);
+  w.setNoByteSwapping();
+  EXPECT_EQ(info(w, FS_INFO_NOSWAP), 1);
+  w.setKeepOpenMode();
+  EXPECT_EQ(info(w, FS_INFO_KEEPOPEN), 1);
+  w.close();
+
+  FS::iFile r = FS::open(name.c_str(), FS::RecordFile, 0, 16);
+  char buf[64];
+  EXPECT_EQ(r.read(2, buf, 32), 32);
+  EXPECT_EQ(std::string(buf, 32), data.substr(16, 16) + std::string(16, 'X'));
+  EXPECT_EQ(r.partialRead(2, 3, 1, 4, buf), 12);
+  EXPECT_EQ(std::string(buf, 12), data.substr(2, 3) + data.substr(18, 3) + "XXX" + data.substr(50, 3));
+  struct passwd* pw = getpwuid(geteuid());
+  ASSERT_NE(pw, nullptr);
+  EXPECT_EQ(r.getOwner(), vString(pw->pw_name));
+  long const age = std::time(nullptr) - r.getCreatedDate().getSeconds();
+  EXPECT_GE(age, 0);
+  EXPECT_LT(age, 3600);
+  r.close();
+
+  // Update needs the file; open with options adds them to the type.
+  FS::ioFile u = FS::update((dir / "nofile").c_str(), FS::ByteFile);
+  EXPECT_EQ(u.getStatus(), FS_ERRNO + ENOENT);
+  FS::ioFile u2 = FS::update(name.c_str(), FS::ByteFile, FS_NOEXTEND);
+  ASSERT_TRUE(u2.isGood());
+  EXPECT_EQ(info(u2, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
+  EXPECT_EQ(u2.write(60, "12345", 5), 5);  // up to the end is fine
+  EXPECT_EQ(u2.write(61, "12345", 5), 0);
+  EXPECT_EQ(u2.getStatus(), FS_NOEXTENDED);
+  u2.clear();
+  u2.close();
+}
+
+TEST(FSFile, CReadAndCWriteAcrossRecords) {
+  TempDir dir;
+  std::string const name = dir / "c.off";
+  std::string expected = pattern(100);  // 10 records of 10
+  FS::ioCFile w = FS::ccreate(name.c_str(), FS::RecordFile, 0, 10);
+  ASSERT_TRUE(w.isGood());
+  ASSERT_EQ(w.cwrite(1, &expected[0], 100), 100);
+  // Inside one record, across several, ending in a part record.
+  std::string patch = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  ASSERT_EQ(w.cwrite(4, &patch[0], 3), 3);
+  expected.replace(3, 3, patch.substr(0, 3));
+  ASSERT_EQ(w.cwrite(17, &patch[0], 26), 26);
+  expected.replace(16, 26, patch);
+  // Past the end: the file grows by whole records, zero-filled.
+  ASSERT_EQ(w.cwrite(103, &patch[0], 5), 5);
+  expected += std::string(2, '\0') + patch.substr(0, 5) + std::string(3, '\0');
+  w.close();
+  EXPECT_EQ(fs_testing::readFile(name), expected);
+
+  FS::iCFile r = FS::copen(name.c_str(), FS::RecordFile, 0, 10);
+  std::vector<char> buf(200);
+  for (auto const& [pos, n] : std::vector<std::pair<int, int>>{{1, 110}, {4, 3}, {15, 30}, {21, 20}, {99, 5}}) {
+    ASSERT_EQ(r.cread(pos, buf.data(), n), n) << pos;
+    EXPECT_EQ(std::string(buf.data(), static_cast<size_t>(n)), expected.substr(static_cast<size_t>(pos - 1), n))
+        << pos;
+  }
+  // Past the end: short, with the end of file.
+  EXPECT_EQ(r.cread(105, buf.data(), 20), 6);
+  EXPECT_EQ(r.getStatus(), FS_EOF);
+  r.clear();
+  r.close();
+
+  // On a byte-addressed file cread and cwrite are plain.
+  FS::ioCFile b = FS::ccreate((dir / "b").c_str(), FS::ByteFile);
+  ASSERT_EQ(b.cwrite(1, &patch[0], 26), 26);
+  ASSERT_EQ(b.cread(24, buf.data(), 3), 3);
+  EXPECT_EQ(std::string(buf.data(), 3), "XYZ");
+  b.close();
+  FS::ioCFile u = FS::cupdate(name.c_str(), FS::RecordFile, 10);
+  ASSERT_TRUE(u.isGood());
+  ASSERT_EQ(u.cread(17, buf.data(), 4), 4);
+  EXPECT_EQ(std::string(buf.data(), 4), "ABCD");
+  u.close();
+}
+
+TEST(FSFile, LocksThroughTheObjects) {
+  TempDir dir;
+  std::string const name = dir / "l";
+  fs_testing::writeFile(name, "x");
+  FS::ioFile a = FS::update(name.c_str(), FS::ByteFile);
+  FS::ioFile b = FS::update(name.c_str(), FS::ByteFile);
+  EXPECT_FALSE(FS::isLocked(name.c_str(), FS::ReadLocked));
+  a.lock();
+  ASSERT_TRUE(a.isGood());
+  EXPECT_TRUE(FS::isLocked(name.c_str(), FS::ReadLocked));
+  EXPECT_TRUE(FS::isLocked(name.c_str(), FS::WriteLocked));
+  b.lock();
+  EXPECT_EQ(b.getStatus(), FS_LOCKED);
+  b.clear();
+  a.unlock();
+  EXPECT_FALSE(FS::isLocked(name.c_str(), FS::WriteLocked));
+  b.lock();
+  EXPECT_TRUE(b.isGood());
+  a.close();
+  b.close();
+  EXPECT_FALSE(FS::areReadLocksDisabled());
+  FS::disableReadLocks();
+  EXPECT_TRUE(FS::areReadLocksDisabled());
+  FS::iFile r = FS::open(name.c_str(), FS::ByteFile);
+  EXPECT_FALSE(FS::isLocked(name.c_str(), FS::WriteLocked));
+  r.close();
+  FS::enableReadLocks();
+  EXPECT_FALSE(FS::areReadLocksDisabled());
+}
+
+TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
+  TempDir dir;
+  char const* old = std::getenv("FS_SCRATCHDIR");
+  std::string const saved = old ? old : "";
+  setenv("FS_SCRATCHDIR", dir.path().c_str(), 1);
+  EXPECT_EQ(FS::scratchDirectory(), vString(dir.path().c_str()));
+  EXPECT_EQ(FS::getSpace(FS::ScratchArea, 1), vString(dir.path().c_str()));
+  expectFailure([] { FS::getSpace(FS::ScratchArea, 0x7FFFFFFF); }, "FS::getSpace",
+                "No directory with 2147483647 MB free in disk area 0x100000: Not enough free space");
+  vFilename const t1 = FS::getTempFilename("seg");
+  vFilename const t2 = FS::getTempFilename("seg");
+  EXPECT_NE(t1, t2);
+  EXPECT_EQ(t1.getDirectory(), vString(dir.path().c_str()));
+  EXPECT_EQ(t1.getName().search("seg"), 0);
+  EXPECT_FALSE(FS::exists(t1));
+  if (old)
+    setenv("FS_SCRATCHDIR", saved.c_str(), 1);
+  else
+    unsetenv("FS_SCRATCHDIR");
+}
+
+TEST(FSFunctions, TreeOperationsAndDecode) {
+  TempDir dir;
+  ASSERT_EQ(FS::mkdir((dir / "p/q").c_str(), true), FS_GOOD);
+  EXPECT_NE(FS::mkdir((dir / "x/y").c_str(), false), FS_GOOD);
+  fs_testing::writeFile(dir / "p/q/f", std::string(3000, 'z'));
+  int kind, mode, kb;
+  ASSERT_EQ(FS::lsInfo((dir / "p/q/f").c_str(), kind, mode, kb), FS_GOOD);
+  EXPECT_EQ(kind, 1);
+  EXPECT_EQ(kb, 3);
+  ASSERT_EQ(FS::cp(FS::DeleteFile, (dir / "p/q/f").c_str(), (dir / "g").c_str()), FS_GOOD);
+  ASSERT_EQ(FS::mv(FS::DeleteFile, (dir / "g").c_str(), (dir / "h").c_str()), FS_GOOD);
+  EXPECT_EQ(fs_testing::readFile(dir / "h"), std::string(3000, 'z'));
+  EXPECT_EQ(FS::rm(FS::DeleteFile, (dir / "p").c_str()), FS_ERRNO + ENOTEMPTY);
+  ASSERT_EQ(FS::rm(FS::DeleteTree, (dir / "p").c_str()), FS_GOOD);
+  EXPECT_EQ(FS::rm(FS::DeleteFile | FS::DeleteMissingOK, (dir / "p").c_str()), FS_GOOD);
+  EXPECT_FALSE(FS::exists((dir / "p").c_str()));
+  vString text;
+  FS::decode(FS_ERRNO + ENOTEMPTY, text);
+  EXPECT_EQ(text, vString("Directory not empty"));
+  FS::decode(FS_EOV, text);
+  EXPECT_EQ(text, vString("End of volume"));
+}
+
+}  // namespace
