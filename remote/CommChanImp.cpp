@@ -39,7 +39,13 @@ CommChan::StatusType CommChanImp::sendBool(bool const* data, int count) {
   // A bool may hold any non-zero byte for true: the wire carries 0 or 1.
   std::unique_ptr<char[]> bytes(new (std::nothrow) char[n > 0 ? n : 1]);
   if (!bytes) Message::fatal("CommChanImp::sendBool", 0, "Could not allocate memory for %d Bool8s.", count);
-  for (int i = 0; i < n; ++i) bytes[i] = data[i] ? 1 : 0;
+  for (int i = 0; i < n; ++i) {
+    // Read as the byte it is: the memory may come from elsewhere than a
+    // bool assignment.
+    unsigned char b;
+    std::memcpy(&b, data + i, 1);
+    bytes[i] = b != 0 ? 1 : 0;
+  }
   return sendChar8(bytes.get(), n);
 }
 

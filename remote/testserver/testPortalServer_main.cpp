@@ -174,7 +174,7 @@ void objectMessage(CommChan& chan, Packer& in, int tag, char const* crashFile) {
       return;
     case TestServer::ForgedLength: {
       std::vector<unsigned char> bytes(16 + 10, 0);
-      int32_t const header[4] = {Packer::MAGIC, Packer::VERSION, 0x7FFFFF00, tag};
+      int32_t const header[4] = {Packer::MAGIC, Packer::VERSION, 2000000000, tag};
       std::memcpy(bytes.data(), header, 16);
       writeRaw(chan, bytes);
       note("forged");

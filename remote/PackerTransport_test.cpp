@@ -1,0 +1,340 @@
+// A Packer over real channels: the bytes on the wire, messages that carry
+// caller arrays, the other byte order, and senders that lie or go away.
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <memory>
+#include <numeric>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/Packer.h"
+#include "foundation/TestAddressSpaceCap.h"
+#include "foundation/vString.h"
+#include "remote/CommChanAddress.h"
+#include "remote/CommChanMaker.h"
+#include "remote/RemoteTesting.h"
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "expected bytes are little-endian");
+
+using namespace remote_testing;
+
+namespace {
+
+class PackerTransportTest : public RemoteTest {};
+
+std::string pathOf(vHandle<CommChan> const& chan) {
+  std::unique_ptr<CommChanAddress> a(chan->getAddress());
+  return a->getFilename().c_str();
+}
+
+// The read request of the protocol's own example: code 224 for "CDP",
+// first 10, count 5, to PortalID 3.
+void packReadRequest(Packer& p) {
+  p.pack(224);
+  p.pack(vString("CDP"));
+  p.pack(10u);
+  p.pack(5u);
+}
+
+Bytes const kReadRequest = {0xD6, 0x12, 0x6A, 0x02, 0x01, 0x00, 0x00, 0x00, 0x18, 0x00, 0x00, 0x00,
+                            0x03, 0x00, 0x00, 0x00, 0x05, 0xE0, 0x00, 0x00, 0x00, 0x8E, 0x04, 0x00,
+                            0x00, 0x00, 0x43, 0x44, 0x50, 0x00, 0x06, 0x0A, 0x00, 0x00, 0x00, 0x06,
+                            0x05, 0x00, 0x00, 0x00};
+
+TEST_F(PackerTransportTest, MessageGoesOutByteForByte) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  std::string const path = pathOf(server);
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = rawConnectLocal(path);
+    seen = readBytes(fd, 2 * kReadRequest.size());
+    ::close(fd);
+  });
+  Packer p(100);
+  packReadRequest(p);
+  EXPECT_EQ(CommChan::OK, p.send(server.get(), 3));
+  // Nothing new: the same bytes again, the tag given now notwithstanding.
+  EXPECT_EQ(CommChan::OK, p.send(server.get(), 4));
+  peer.join();
+  Bytes twice = kReadRequest;
+  twice.insert(twice.end(), kReadRequest.begin(), kReadRequest.end());
+  EXPECT_EQ(twice, seen);
+}
+
+TEST_F(PackerTransportTest, TcpMessageFollowsTheMagic) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = rawConnectTcp(port);
+    writeAll(fd, nativeMagic());
+    seen = readBytes(fd, 4 + kReadRequest.size());
+    ::close(fd);
+  });
+  Packer p(100);
+  packReadRequest(p);
+  EXPECT_EQ(CommChan::OK, p.send(server.get(), 3));
+  peer.join();
+  Bytes expected = nativeMagic();
+  expected.insert(expected.end(), kReadRequest.begin(), kReadRequest.end());
+  EXPECT_EQ(expected, seen);
+}
+
+// Caller arrays leave as ordinary arrays, straight from the caller's
+// memory, and arrive as such.
+TEST_F(PackerTransportTest, AddressOfArraysGoAsOrdinaryArrays) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  std::string const path = pathOf(server);
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = rawConnectLocal(path);
+    seen = readBytes(fd, 47);
+    ::close(fd);
+  });
+  float const values[2] = {1.0f, -2.0f};
+  Packer p(10);
+  p.pack(7);
+  p.packAddressOf(values, 2);
+  p.pack(vString("a"));
+  p.packFrame(1, 1);
+  p.endFrame();
+  ASSERT_EQ(CommChan::OK, p.send(server.get(), 9));
+  EXPECT_EQ(47, p.getSize());
+  peer.join();
+  Bytes const expected = {0xD6, 0x12, 0x6A, 0x02, 1, 0, 0, 0, 31, 0, 0, 0, 9, 0, 0, 0,        // header
+                          0x05, 7, 0, 0, 0,                                                  // int 7
+                          0x8B, 2, 0, 0, 0, 0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x00, 0xC0,  // floats
+                          0x8E, 2, 0, 0, 0, 'a', 0,                                          // "a"
+                          0x7F, 1, 0, 1, 0, 0x7E};                                           // frame
+  EXPECT_EQ(expected, seen);
+}
+
+TEST_F(PackerTransportTest, WithoutAChannelSendOnlyFinishes) {
+  Packer p(10);
+  EXPECT_EQ("Packer::getSegments: Illegal operation 101 for state PACKINIT.",
+            fatalText([&] { p.send(nullptr, 1); }));
+  p.pack(1);
+  EXPECT_EQ(CommChan::OK, p.send(nullptr, 5));
+  EXPECT_EQ(Packer::PACKSENT, p.getState());
+  EXPECT_EQ(5, p.getMessageTag());
+  EXPECT_EQ(21, p.getSize());
+}
+
+// A large caller array over TCP, to another Packer, and a reply back into
+// the same Packers.
+TEST_F(PackerTransportTest, LargeArrayRoundTripOverTcp) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  std::vector<float> data(3 * 1000 * 1000);
+  for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<float>(i) * 0.25f;
+  std::thread peer([&] {
+    vHandle<CommChan> client = CommChanMaker::connect("localhost", port);
+    Packer in(16);
+    if (in.receive(*client) != CommChan::OK) return;
+    int code = 0;
+    in.unpack(code);
+    std::vector<float> got(in.getNElements());
+    in.unpack(got.data());
+    Packer out(100);
+    out.pack(code + 1);
+    out.pack(static_cast<unsigned int>(got.size()));
+    out.pack(got == data ? 1 : 0);
+    out.send(client.get(), in.getMessageTag());
+  });
+  Packer p(100);
+  p.pack(40);
+  p.packAddressOf(data.data(), static_cast<unsigned>(data.size()));
+  ASSERT_EQ(CommChan::OK, p.send(server.get(), 12));
+  ASSERT_EQ(CommChan::OK, p.receive(*server));
+  peer.join();
+  EXPECT_EQ(12, p.getMessageTag());
+  int code = 0;
+  unsigned int n = 0;
+  int same = 0;
+  p.unpack(code);
+  p.unpack(n);
+  p.unpack(same);
+  EXPECT_EQ(41, code);
+  EXPECT_EQ(data.size(), n);
+  EXPECT_EQ(1, same);
+}
+
+// A message from a peer of the other byte order: every value arrives in
+// this host's order, except 64-bit unsigned ones, which a channel has
+// always left as they were sent.
+TEST_F(PackerTransportTest, OtherByteOrderIsTurnedAroundButUInt64IsLeft) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  Bytes body = {0x05, 0x00, 0x00, 0x00, 0x07,                          // int 7
+                0x83, 0x00, 0x00, 0x00, 0x02, 0x00, 0x01, 0xFF, 0xFE,  // short[] {1, -2}
+                0x0C, 0x3F, 0xF0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,  // double 1.0
+                0x08, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08,  // uint64 scalar
+                0x88, 0x00, 0x00, 0x00, 0x01, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88,  // uint64[]
+                0x07, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00,  // int64 256
+                0x8E, 0x00, 0x00, 0x00, 0x03, 'h', 'i', 0x00,          // "hi"
+                0x7F, 0x00, 0x05, 0x00, 0x02, 0x7E};                   // frame 5 v2
+  Bytes message = {0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00,
+                   static_cast<unsigned char>(body.size()), 0x00, 0x00, 0x00, 0x06};
+  std::thread peer([&] {
+    int const fd = rawConnectTcp(port);
+    readBytes(fd, 4);
+    writeAll(fd, foreignMagic());
+    writeAll(fd, message);
+    writeAll(fd, body);
+    readBytes(fd, 1);
+    ::close(fd);
+  });
+  Packer p(10);
+  ASSERT_EQ(CommChan::OK, p.receive(*server));
+  EXPECT_TRUE(server->getSwap());
+  EXPECT_EQ(6, p.getMessageTag());
+  int i = 0;
+  short s[2] = {0, 0};
+  double d = 0;
+  unsigned long long u = 0;
+  unsigned long long ua[1] = {0};
+  long long ll = 0;
+  vString text;
+  short magic = 0;
+  short version = 0;
+  p.unpack(i);
+  p.unpack(s);
+  p.unpack(d);
+  p.unpack(u);
+  p.unpack(ua);
+  p.unpack(ll);
+  p.unpack(text);
+  p.unpackFrame(magic, version);
+  p.endFrame();
+  EXPECT_EQ(7, i);
+  EXPECT_EQ(1, s[0]);
+  EXPECT_EQ(-2, s[1]);
+  EXPECT_EQ(1.0, d);
+  EXPECT_EQ(0x0807060504030201ull, u);
+  EXPECT_EQ(0x8877665544332211ull, ua[0]);
+  EXPECT_EQ(256, ll);
+  EXPECT_STREQ("hi", text.c_str());
+  EXPECT_EQ(5, magic);
+  EXPECT_EQ(2, version);
+  char const done = 0;
+  server->sendChar8(&done, 1);
+  peer.join();
+}
+
+// A header that claims far more than the sender sends costs no more memory
+// than what came; the sender's going is a status.
+TEST_F(PackerTransportTest, ForgedLengthDoesNotMakeRoomForIt) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  std::string const path = pathOf(server);
+  std::thread peer([&] {
+    int const fd = rawConnectLocal(path);
+    int32_t const header[4] = {Packer::MAGIC, 1, 2000000000, 1};
+    writeAll(fd, header, sizeof header);
+    writeAll(fd, Bytes(3 << 20, 0x05));
+    ::close(fd);
+  });
+  Packer p(10);
+  EXPECT_EQ(CommChan::CLOSED, p.receive(*server));
+  peer.join();
+  EXPECT_LE(p.getCapacity(), 16 << 20);
+  EXPECT_EQ(Packer::PACKUNPACKED, p.getState());
+  EXPECT_FALSE(p.next());
+}
+
+TEST_F(PackerTransportTest, BadHeadersAndMissingSenders) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  std::string const path = pathOf(server);
+  std::thread peer([&] {
+    int const fd = rawConnectLocal(path);
+    writeAll(fd, Bytes(16, 0x5A));
+    int32_t const badVersion[4] = {Packer::MAGIC, 2, 0, 1};
+    writeAll(fd, badVersion, sizeof badVersion);
+    writeAll(fd, Bytes{1, 2, 3});
+    ::close(fd);
+  });
+  Packer p(10);
+  EXPECT_EQ("Packer::beginReceive: Bad message received. Magic was 1515870810 expected 40506070.",
+            fatalText([&] { p.receive(*server); }));
+  EXPECT_EQ("Packer::beginReceive: Bad version received.", fatalText([&] { p.receive(*server); }));
+  // Three bytes, then nothing: the header never completes.
+  EXPECT_EQ(CommChan::CLOSED, p.receive(*server));
+  EXPECT_EQ(Packer::PACKUNPACKED, p.getState());
+  peer.join();
+}
+
+// A Packer that cannot take a message refuses before reading, so that the
+// message stays on the channel for the next reader.
+TEST_F(PackerTransportTest, PackerInTheWrongStateLeavesTheMessage) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  vHandle<CommChan> client = CommChanMaker::connect(pathOf(server).c_str());
+  Packer out(10);
+  out.pack(99);
+  ASSERT_EQ(CommChan::OK, out.send(client.get(), 2));
+  Packer busy(10);
+  busy.pack(1);
+  EXPECT_EQ("Packer::beginReceive: Illegal operation 102 for state PACKPACKING.",
+            fatalText([&] { busy.receive(*server); }));
+  Packer in(10);
+  ASSERT_EQ(CommChan::OK, in.receive(*server));
+  int v = 0;
+  in.unpack(v);
+  EXPECT_EQ(99, v);
+}
+
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
+// Room that cannot be made: the rest of the body is read and dropped, the
+// failure is raised, and the next message is read whole.
+TEST_F(PackerTransportTest, BodyThatCannotBeHeldIsDrainedAndReported) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        testMapLargeBlocksExactly();
+        vHandle<CommChan> server = CommChanMaker::local(nullptr);
+        std::string const path = pathOf(server);
+        int const body = 256 << 20;
+        std::vector<unsigned char> big(static_cast<size_t>(body), 0x01);
+        std::thread peer([&] {
+          int const fd = rawConnectLocal(path);
+          int32_t const header[4] = {Packer::MAGIC, 1, body, 1};
+          writeAll(fd, header, sizeof header);
+          writeAll(fd, big.data(), big.size());
+          Packer after(10);
+          after.pack(123);
+          unsigned char const* bytes = nullptr;
+          int n = 0;
+          after.getBuffer(&bytes, n, 2);
+          writeAll(fd, bytes, static_cast<size_t>(n));
+          readBytes(fd, 1);
+          ::close(fd);
+        });
+        Packer p(10);
+        std::string text;
+        {
+          TestAddressSpaceCap cap(64 << 20);
+          text = fatalText([&] { p.receive(*server); });
+        }
+        Packer next(10);
+        bool ok = next.receive(*server) == CommChan::OK && next.getMessageTag() == 2;
+        int v = 0;
+        if (ok) next.unpack(v);
+        char const done = 0;
+        server->sendChar8(&done, 1);
+        peer.join();
+        ok = ok && v == 123 && text.find("Packer::getReceiveBuffer: Cannot allocate buffer of size") == 0;
+        ok = ok && infos().size() == 1 &&
+             infos()[0] ==
+                 "Packer::receive: Ran out of memory allocating buffer of 268435456 bytes. Press OK, but it might "
+                 "take a while to tidy up, be patient.";
+        std::exit(ok ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,345 @@
+#include "remote/Socket.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "remote/CommChanAddress.h"
+#include "remote/CommChanMaker.h"
+#include "remote/RemoteTesting.h"
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "expected bytes are little-endian");
+
+using namespace remote_testing;
+
+namespace {
+
+class SocketTest : public RemoteTest {};
+
+bool exists(std::string const& path) {
+  struct stat s;
+  return ::lstat(path.c_str(), &s) == 0;
+}
+
+TEST_F(SocketTest, StatusWords) {
+  EXPECT_STREQ("CommChan::OK", CommChan::status(1));
+  EXPECT_STREQ("CommChan::INUSE", CommChan::status(2));
+  EXPECT_STREQ("CommChan::BROKEN", CommChan::status(3));
+  EXPECT_STREQ("CommChan::CLOSED", CommChan::status(4));
+  EXPECT_STREQ("CommChan::INCOMPLETE", CommChan::status(5));
+  EXPECT_STREQ("CommChan::NOTFOUND", CommChan::status(6));
+  EXPECT_STREQ("CommChan::TIMEOUT", CommChan::status(7));
+  EXPECT_STREQ("CommChan::Unknown status", CommChan::status(0));
+  EXPECT_STREQ("CommChan::Unknown status", CommChan::status(8));
+  EXPECT_EQ(-1.0f, CommChan::FOREVER);
+}
+
+// Both ends of a TCP connection write the magic first; typed data follow
+// in the writer's order, and the accepting end has read the peer's magic.
+TEST_F(SocketTest, TcpConnectionStartsWithTheMagicBothWays) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  ASSERT_GT(port, 0);
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = rawConnectTcp(port);
+    seen = readBytes(fd, 4);
+    writeAll(fd, nativeMagic());
+    int32_t const values[2] = {0x01020304, -7};
+    writeAll(fd, values, sizeof values);
+    Bytes more = readBytes(fd, 8);
+    seen.insert(seen.end(), more.begin(), more.end());
+    ::close(fd);
+  });
+  int values[2] = {0, 0};
+  EXPECT_EQ(CommChan::OK, server->receiveInt32(values, 2));
+  EXPECT_FALSE(server->getSwap());
+  EXPECT_EQ(0x01020304, values[0]);
+  EXPECT_EQ(-7, values[1]);
+  short const back[4] = {1, 2, -1, 0x0102};
+  EXPECT_EQ(CommChan::OK, server->sendInt16(back, 4));
+  peer.join();
+  EXPECT_EQ((Bytes{0xCE, 0xFA, 0xAD, 0xDE, 1, 0, 2, 0, 0xFF, 0xFF, 2, 1}), seen);
+}
+
+// A peer of the other byte order: every typed receive is turned around,
+// raw bytes are not, and bools read true only from the byte 1.
+TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  std::thread peer([&] {
+    int const fd = rawConnectTcp(port);
+    readBytes(fd, 4);
+    writeAll(fd, foreignMagic());
+    Bytes wire = {0x01, 0x02, 0x03, 0x04,                          // int32 0x01020304
+                  0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00,  // int64 256
+                  0x3F, 0x80, 0x00, 0x00,                          // float 1.0
+                  0x40, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,  // double 2.0
+                  0x12, 0x34,                                      // uint16 0x1234
+                  0x01, 0x02, 0x03, 0x04,                          // raw bytes
+                  0x01, 0x00, 0x02, 0xFF};                         // bools
+    writeAll(fd, wire);
+    readBytes(fd, 1);
+    ::close(fd);
+  });
+  int i32 = 0;
+  long long i64 = 0;
+  float f = 0;
+  double d = 0;
+  unsigned short u16 = 0;
+  char raw[4];
+  bool flags[4];
+  ASSERT_EQ(CommChan::OK, server->receiveInt32(&i32, 1));
+  EXPECT_TRUE(server->getSwap());
+  ASSERT_EQ(CommChan::OK, server->receiveInt64(&i64, 1));
+  ASSERT_EQ(CommChan::OK, server->receiveFloat32(&f, 1));
+  ASSERT_EQ(CommChan::OK, server->receiveFloat64(&d, 1));
+  ASSERT_EQ(CommChan::OK, server->receiveUInt16(&u16, 1));
+  ASSERT_EQ(CommChan::OK, server->receiveChar8(raw, 4));
+  ASSERT_EQ(CommChan::OK, server->receiveBool(flags, 4));
+  EXPECT_EQ(0x01020304, i32);
+  EXPECT_EQ(256, i64);
+  EXPECT_EQ(1.0f, f);
+  EXPECT_EQ(2.0, d);
+  EXPECT_EQ(0x1234, u16);
+  EXPECT_EQ(0, std::memcmp(raw, "\x01\x02\x03\x04", 4));
+  EXPECT_TRUE(flags[0]);
+  EXPECT_FALSE(flags[1]);
+  EXPECT_FALSE(flags[2]);
+  EXPECT_FALSE(flags[3]);
+  // swapBytes is the channel's: it turns values around only here.
+  int v = 0x01020304;
+  server->swapBytes(v);
+  EXPECT_EQ(0x04030201, v);
+  char const done = 1;
+  server->sendChar8(&done, 1);
+  peer.join();
+}
+
+TEST_F(SocketTest, SendBoolWritesZeroOrOne) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = rawConnectTcp(port);
+    readBytes(fd, 4);
+    writeAll(fd, nativeMagic());
+    seen = readBytes(fd, 3);
+    ::close(fd);
+  });
+  bool values[3];
+  unsigned char const odd = 0x02;
+  std::memcpy(&values[0], &odd, 1);  // a bool holding a byte other than 1
+  values[1] = false;
+  values[2] = true;
+  EXPECT_EQ(CommChan::OK, server->sendBool(values, 3));
+  peer.join();
+  EXPECT_EQ((Bytes{1, 0, 1}), seen);
+}
+
+TEST_F(SocketTest, WrongMagicIsRaisedByAccept) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  std::thread peer([&] {
+    int const fd = rawConnectTcp(port);
+    readBytes(fd, 4);
+    writeAll(fd, Bytes{0x78, 0x56, 0x34, 0x12});
+    readBytes(fd, 1);
+    ::close(fd);
+  });
+  EXPECT_EQ("Socket::myReadMagic: Did not receive internal MAGIC number. Got 305419896 (0x12345678) instead. "
+            "Read 4 bytes.\n",
+            fatalText([&] { server->accept(); }));
+  server->close();
+  peer.join();
+}
+
+// The connecting end reads the peer's magic at its first receive.
+TEST_F(SocketTest, ConnectingEndLearnsTheOrderAtItsFirstReceive) {
+  int port = 0;
+  int const listener = rawListenTcp(port);
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = ::accept(listener, nullptr, nullptr);
+    seen = readBytes(fd, 4);
+    writeAll(fd, foreignMagic());
+    writeAll(fd, Bytes{0, 0, 0, 9});
+    readBytes(fd, 1);
+    ::close(fd);
+  });
+  Socket client;
+  ASSERT_EQ(CommChan::OK, client.connectRemote("localhost", port, CommChan::FOREVER));
+  EXPECT_FALSE(client.getSwap());
+  int value = 0;
+  ASSERT_EQ(CommChan::OK, client.receiveInt32(&value, 1));
+  EXPECT_TRUE(client.getSwap());
+  EXPECT_EQ(9, value);
+  char const done = 0;
+  client.sendChar8(&done, 1);
+  peer.join();
+  ::close(listener);
+  EXPECT_EQ(nativeMagic(), seen);
+}
+
+TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
+  int const port = closedPort();
+  Socket blocking;
+  EXPECT_EQ(CommChan::NOTFOUND, blocking.connectRemote("localhost", port, 0.0f));
+  Socket waiting;
+  EXPECT_EQ(CommChan::NOTFOUND, waiting.connectRemote("localhost", port, 5.0f));
+  Socket forever;
+  EXPECT_EQ(CommChan::NOTFOUND, forever.connectRemote("localhost", port, CommChan::FOREVER));
+
+  TempDir dir;
+  Socket local;
+  EXPECT_EQ("Socket::connectRemote: Error 2 from connect",
+            fatalText([&] { local.connectLocal(dir.file("missing").c_str()); }));
+  EXPECT_EQ("Socket::connectLocal: A name must be given for the local connection",
+            fatalText([&] { local.connectLocal(""); }));
+  EXPECT_EQ(0u, fatalText([&] { local.connectRemote("no-such-host.invalid", 80, 0.0f); })
+                    .find("Socket::connectRemote: gethostbyname error: "));
+}
+
+TEST_F(SocketTest, AcceptWaitsNoLongerThanTheMiscTimeout) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  server->setMiscTimeout(0.2f);
+  EXPECT_EQ(CommChan::TIMEOUT, server->accept());
+  EXPECT_FALSE(server->waitOn(0.05f, CommChan::READ));
+  int const fd = rawConnectTcp(port);
+  EXPECT_TRUE(server->waitOn(5.0f, CommChan::READ));
+  writeAll(fd, nativeMagic());
+  EXPECT_EQ(CommChan::OK, server->accept());
+  ::close(fd);
+}
+
+// Local channels: no magic, a generated path that goes with the channel,
+// and a taken path reported as in use and left alone.
+TEST_F(SocketTest, LocalChannelsCarryNoMagicAndOwnTheirPath) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  std::unique_ptr<CommChanAddress> address(server->getAddress());
+  ASSERT_FALSE(address->isRemote());
+  std::string const path = address->getFilename().c_str();
+  char expected[64];
+  std::snprintf(expected, sizeof expected, "/tmp/Socket_%d.", static_cast<int>(::getpid()));
+  EXPECT_EQ(0u, path.find(expected)) << path;
+  EXPECT_TRUE(exists(path));
+
+  Bytes seen;
+  std::thread peer([&] {
+    int const fd = rawConnectLocal(path);
+    writeAll(fd, Bytes{5, 0, 0, 0});
+    seen = readBytes(fd, 4);
+    ::close(fd);
+  });
+  int value = 0;
+  ASSERT_EQ(CommChan::OK, server->receiveInt32(&value, 1));
+  EXPECT_EQ(5, value);
+  EXPECT_FALSE(server->getSwap());
+  int const answer = 0x0A0B0C0D;
+  EXPECT_EQ(CommChan::OK, server->sendInt32(&answer, 1));
+  peer.join();
+  EXPECT_EQ((Bytes{0x0D, 0x0C, 0x0B, 0x0A}), seen);
+
+  Socket second;
+  EXPECT_EQ(CommChan::INUSE, second.createLocal(path.c_str()));
+  second.close();
+  EXPECT_TRUE(exists(path));
+  server->close();
+  EXPECT_FALSE(exists(path));
+}
+
+TEST_F(SocketTest, ClosedPeerIsAStatusNotAFailure) {
+  vHandle<CommChan> server = CommChanMaker::local(nullptr);
+  std::unique_ptr<CommChanAddress> address(server->getAddress());
+  vHandle<CommChan> client = CommChanMaker::connect(*address);
+  char const byte = 'x';
+  ASSERT_EQ(CommChan::OK, client->sendChar8(&byte, 1));
+  char got = 0;
+  ASSERT_EQ(CommChan::OK, server->receiveChar8(&got, 1));
+  EXPECT_EQ('x', got);
+  client->close();
+  EXPECT_EQ(CommChan::CLOSED, server->receiveChar8(&got, 1));
+  std::vector<char> block(1 << 16, 'y');
+  CommChan::StatusType s = CommChan::OK;
+  for (int i = 0; i < 100 && s == CommChan::OK; ++i) s = server->sendChar8(block.data(), static_cast<int>(block.size()));
+  EXPECT_TRUE(s == CommChan::BROKEN || s == CommChan::CLOSED) << CommChan::status(s);
+}
+
+// One listening channel serves one peer: a further accept drops the first.
+TEST_F(SocketTest, SecondAcceptDropsTheEarlierPeer) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  vHandle<CommChan> first = CommChanMaker::connect("localhost", port);
+  ASSERT_EQ(CommChan::OK, server->accept());
+  vHandle<CommChan> second = CommChanMaker::connect("localhost", port);
+  ASSERT_EQ(CommChan::OK, server->accept());
+  char byte = 0;
+  EXPECT_EQ(CommChan::CLOSED, first->receiveChar8(&byte, 1));
+  char const z = 'z';
+  ASSERT_EQ(CommChan::OK, server->sendChar8(&z, 1));
+  ASSERT_EQ(CommChan::OK, second->receiveChar8(&byte, 1));
+  EXPECT_EQ('z', byte);
+}
+
+TEST_F(SocketTest, BufferSizesAndAddresses) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  EXPECT_GE(server->getSize(), Socket::getDefaultBufferSize());
+  server->setSize(65536);
+  EXPECT_EQ(65536, server->getSize());
+  std::unique_ptr<CommChanAddress> address(server->getAddress());
+  EXPECT_TRUE(address->isRemote());
+  EXPECT_EQ(port, address->getPort());
+  vHandle<CommChan> client = CommChanMaker::connect(*address);
+  char const byte = 'q';
+  ASSERT_EQ(CommChan::OK, client->sendChar8(&byte, 1));
+  char got = 0;
+  ASSERT_EQ(CommChan::OK, server->receiveChar8(&got, 1));
+  EXPECT_EQ('q', got);
+}
+
+// The port range is read once per process: each case runs in a child.
+TEST_F(SocketTest, PortRangeProperty) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  int const free = closedPort();
+  std::string const range = std::to_string(free) + " " + std::to_string(free);
+  EXPECT_EXIT(
+      {
+        ::setenv("SP_COMMCHAN_USE_PORT_RANGE", range.c_str(), 1);
+        int port = 0;
+        vHandle<CommChan> c = CommChanMaker::remote(port);
+        int taken = 0;
+        std::string const text = fatalText([&] { CommChanMaker::remote(taken); });
+        bool const ok = port == free &&
+                        text == "Socket::myBind: No free ports available in the range " + std::to_string(free) +
+                                    " to " + std::to_string(free) + "!";
+        std::exit(ok ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        ::setenv("SP_COMMCHAN_USE_PORT_RANGE", "6000 5000", 1);
+        int port = 0;
+        std::string const text = fatalText([&] { CommChanMaker::remote(port); });
+        std::exit(text == "Socket::myBind: Invalid port range specified (6000:5000)!" ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        ::setenv("SP_COMMCHAN_USE_PORT_RANGE", "80 90", 1);
+        int port = 0;
+        std::string const text = fatalText([&] { CommChanMaker::remote(port); });
+        std::exit(text == "Socket::myBind: Invalid port range specified (80:90)!" ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
