@@ -1,0 +1,131 @@
+#include <sched.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/Message.h"
+#include "syslayer/FS.h"
+#include "syslayer/FSService.h"
+#include "syslayer/FSTesting.h"
+
+namespace {
+
+using fs_testing::expectFailure;
+
+// Leaves the service as it found it: no mutex, no faults.
+struct ServiceScope {
+  ~ServiceScope() {
+    FS_testfault("", FS_FAULT_NONE, 0);
+    while (fs_tdepth_() > 0) fs_tunlock_();
+    FS::threadSafe(false);
+  }
+};
+
+TEST(FSThreadSafe, NestedLocksKeepOtherThreadsOut) {
+  ServiceScope scope;
+  FS::threadSafe(true);
+  FS::threadSafe(true);  // a second switch-on keeps the one mutex
+  int counter = 0;       // deliberately not atomic: the service lock guards it
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&counter] {
+      for (int i = 0; i < 500; ++i) {
+        fs_tlock_();
+        fs_tlock_();
+        int const seen = counter;
+        fs_tunlock_();  // 2 -> 1: still held
+        sched_yield();
+        counter = seen + 1;
+        fs_tunlock_();
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(counter, 2000);
+  EXPECT_EQ(fs_tdepth_(), 0);
+}
+
+TEST(FSThreadSafe, InnerUnlockDoesNotLetAnotherThreadIn) {
+  ServiceScope scope;
+  FS::threadSafe(true);
+  std::atomic<bool> entered{false};
+  fs_tlock_();
+  fs_tlock_();
+  EXPECT_EQ(fs_tdepth_(), 2);
+  std::thread other([&entered] {
+    EXPECT_EQ(fs_tdepth_(), 0);  // the depth is each thread's own
+    fs_tlock_();
+    entered = true;
+    fs_tunlock_();
+  });
+  fs_tunlock_();
+  for (int i = 0; i < 50; ++i) {
+    sched_yield();
+    usleep(1000);
+  }
+  EXPECT_FALSE(entered.load());
+  fs_tunlock_();
+  other.join();
+  EXPECT_TRUE(entered.load());
+}
+
+TEST(FSThreadSafe, FilesFromManyThreads) {
+  ServiceScope scope;
+  fs_testing::TempDir dir;
+  FS::threadSafe(true);
+  std::string const data(10000, 'q');
+  fs_testing::writeFile(dir / "shared", data);
+  std::atomic<int> good{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < 50; ++i) {
+        FS::ioFile w = FS::create((dir / ("own" + std::to_string(t))).c_str(), FS::ByteFile);
+        w.write(1, data.data(), 100);
+        w.close();
+        FS::iFile r = FS::open((dir / "shared").c_str(), FS::ByteFile);
+        char buf[100];
+        if (r.read(1 + i, buf, 100) == 100 && r.isGood() && std::string(buf, 100) == data.substr(0, 100)) ++good;
+        r.close();
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(good.load(), 200);
+}
+
+TEST(FSThreadSafe, MutexFailuresAndTheirMessages) {
+  ServiceScope scope;
+  FS_testfault("", FS_FAULT_MUTEXINIT, 0);
+  expectFailure([] { FS::threadSafe(true); }, "FS_threadsafe", "Could not init the mutex.");
+  FS_testfault("", FS_FAULT_NONE, 0);
+
+  FS::threadSafe(true);
+  FS_testfault("", FS_FAULT_MUTEXLOCK, 0);
+  expectFailure([] { fs_tlock_(); }, "FS_tlock", "Could not lock the mutex.");
+  EXPECT_EQ(fs_tdepth_(), 0);
+  FS_testfault("", FS_FAULT_NONE, 0);
+
+  // A held mutex cannot be destroyed: an error, and the mutex stays.
+  fs_tlock_();
+  Message::clearNErrors();
+  ::testing::internal::CaptureStderr();
+  FS::threadSafe(false);
+  std::string const err = ::testing::internal::GetCapturedStderr();
+  EXPECT_EQ(Message::getNErrors(), 1);
+  EXPECT_NE(err.find("FS_threadsafe"), std::string::npos) << err;
+  EXPECT_NE(err.find("Could not destroy the mutex."), std::string::npos) << err;
+  fs_tunlock_();
+  Message::clearNErrors();
+  ::testing::internal::CaptureStderr();
+  FS::threadSafe(false);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(Message::getNErrors(), 0);
+}
+
+}  // namespace
