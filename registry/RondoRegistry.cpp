@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "filestore/memory/InMemoryStore.h"
 #include "foundation/Message.h"
 #include "foundation/vTokenizer.h"
 #include "project/ProjectCatalogFactory.h"
@@ -80,6 +81,8 @@ bool rondoClientIsUnitTest() {
 }
 
 void registerRondoClasses() {
+  // How the store layer sees an in-memory store (Store::writeIMSRange).
+  Store::setInMemoryStoreView(&InMemoryStore::asAttributeSet);
   // The remote client proxies and the database projects register here as
   // their layers are linked in.
   if (rondoClientIsUnitTest()) {
