@@ -15,11 +15,13 @@ SelectStoreDecorator::~SelectStoreDecorator() {}
 void SelectStoreDecorator::addOperator(vHandle<SelectOperatorBase> const& op) {
   m_collection->addOperator(op);
   m_isSetup = false;
+  myInstancesChanged();
 }
 
 void SelectStoreDecorator::setSelection(vHandle<SelectOperatorCollection> const& collection) {
   m_collection = collection;
   m_isSetup = false;
+  myInstancesChanged();
 }
 
 void SelectStoreDecorator::setDebugMode(bool debug) {
@@ -31,7 +33,6 @@ void SelectStoreDecorator::mySetup() const {
   if (m_isSetup) return;
   m_selected = m_collection->doSelection(m_decoratedStore);
   m_isSetup = true;
-  myInstancesChanged();
 }
 
 std::vector<unsigned int> SelectStoreDecorator::getCurrentSelection() const {

@@ -50,8 +50,8 @@ class StoreDecoratorImp : public StoreDecorator {
   static void myCheckList(char const* label, Attribute const& attribute, std::vector<unsigned int> const& instances,
                           unsigned int n);
 
-  // The instances a view shows have changed: group tables built on the old
-  // ones are forgotten.
+  // The instances a view shows have changed, or will at its next set-up:
+  // group tables built on the old ones are forgotten.
   void myInstancesChanged() const;
 
   vHandle<AttributeSetIndexingTable> m_indexingTable;

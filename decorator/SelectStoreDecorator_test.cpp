@@ -1,0 +1,171 @@
+// The select view over a real store: when it selects, how its numbers map
+// down, what it refuses and with which words.
+
+#include <gtest/gtest.h>
+
+#include "decorator/DecoratorTesting.h"
+#include "decorator/SelectStoreDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+typedef std::vector<unsigned int> List;
+
+// A view of the reference content keeping CDP 2 and 3 (instances 4 to 9),
+// over a store that shows what reaches it.
+struct SelectView : ::testing::Test {
+  SelectView() : below(observedStore(referenceLayout(), observed)) {
+    top = StoreDecoratorFactory::addSelect(below, view);
+    op = vHandle<RangeOperator>(new RangeOperator("cdp23", "CDP", 2, 3));
+    view->addOperator(asBase(op));
+  }
+  ObservedStore* observed;
+  vHandle<Store> below;
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> top;
+  vHandle<RangeOperator> op;
+};
+
+TEST_F(SelectView, SelectsAtFirstNeedAndOnlyOnce) {
+  EXPECT_TRUE(op->calls.empty());
+  EXPECT_EQ(0, observed->rangeReads);
+  EXPECT_EQ(6u, top->getNInstances());
+  EXPECT_EQ(1u, op->calls.size());
+  EXPECT_EQ((List{4, 5, 6, 7, 8, 9}), view->getCurrentSelection());
+  Attribute elev = top->getAttribute("ELEV");
+  top->read(elev, 1, 6);
+  EXPECT_EQ(1u, op->calls.size());
+}
+
+TEST_F(SelectView, AFirstReadSelectsToo) {
+  Attribute elev = top->getAttribute("ELEV");
+  top->read(elev, std::vector<unsigned int>{6, 1});
+  EXPECT_EQ(1u, op->calls.size());
+  ASSERT_EQ(2u, elev.getNInstances());
+  EXPECT_EQ(1004.5, elev.getValue(1));
+  EXPECT_EQ(1002.0, elev.getValue(2));
+  EXPECT_EQ((List{9, 4}), observed->lists.back());
+}
+
+TEST_F(SelectView, ConfigurationAfterSelectingSelectsAgain) {
+  EXPECT_EQ(6u, top->getNInstances());
+  view->addOperator(vHandle<SelectOperatorBase>(new LogicOperator("and", SelectOperatorBase::LogicAnd)));
+  view->addOperator(vHandle<SelectOperatorBase>(new EveryNthOperator("even", 2)));
+  EXPECT_EQ(3u, top->getNInstances());
+  EXPECT_EQ((List{4, 6, 8}), view->getCurrentSelection());
+  EXPECT_EQ(2u, op->calls.size());
+
+  vHandle<SelectOperatorCollection> other(new SelectOperatorCollection);
+  other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp4", "CDP", 4, 4)));
+  view->setSelection(other);
+  EXPECT_EQ(other, view->getSelection());
+  EXPECT_EQ((List{10, 11, 12}), view->getCurrentSelection());
+  // The same collection again still selects anew.
+  view->setSelection(other);
+  EXPECT_EQ(3u, top->getNInstances());
+}
+
+TEST_F(SelectView, GroupQuestionsFollowANewSelection) {
+  Attribute cdp = top->getAttribute("CDP");
+  top->getUnique(cdp, vUtlSort::SortOrder::ASCENDING);
+  ASSERT_EQ(2u, cdp.getNInstances());
+  EXPECT_EQ(2.0, cdp.getValue(1));
+  vHandle<SelectOperatorCollection> other(new SelectOperatorCollection);
+  other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp14", "CDP", 1, 4)));
+  other->addOperator(vHandle<SelectOperatorBase>(new LogicOperator("and", SelectOperatorBase::LogicAnd)));
+  other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("offset1", "OFFSET", 100, 100)));
+  view->setSelection(other);
+  top->getUnique(cdp, vUtlSort::SortOrder::DESCENDING);
+  ASSERT_EQ(4u, cdp.getNInstances());
+  EXPECT_EQ(4.0, cdp.getValue(1));
+  std::vector<unsigned int> sizes;
+  top->getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ((List{1, 1, 1, 1}), sizes);
+  // Group 3 of the view is CDP 3 at offset 100: instance 7 below.
+  Attribute elev = top->getAttribute("ELEV");
+  Attribute key = top->getAttribute("CDP");
+  top->read(elev, key, 3, 3);
+  ASSERT_EQ(1u, elev.getNInstances());
+  EXPECT_EQ(1003.5, elev.getValue(1));
+}
+
+TEST_F(SelectView, DebugModeReachesTheCollection) {
+  view->setDebugMode(true);
+  EXPECT_TRUE(view->getDebugMode());
+  EXPECT_TRUE(view->getSelection()->getDebugMode());
+  RecordingHandler recorder;
+  EXPECT_EQ(6u, top->getNInstances());
+  ASSERT_EQ(1u, recorder.infos.size());
+  EXPECT_EQ("SelectStoreDecorator::doEvaluate|Instances 1 to 12: 6 selected", recorder.infos[0]);
+}
+
+// --- reads map down as lists --------------------------------------------------------------
+
+TEST_F(SelectView, AWholeRangeHandsTheSelectionDownAsItIs) {
+  Attribute trace = top->getAttribute("TRACE");
+  EXPECT_EQ(6u, top->getNInstances());
+  observed->rangeReads = 0;
+  top->read(trace, 1, 6);
+  EXPECT_EQ(0, observed->rangeReads);
+  EXPECT_EQ(view->getCurrentSelection(), observed->lists.back());
+  ASSERT_EQ(6u, trace.getNInstances());
+  EXPECT_EQ(55.0, trace.getValue(2, 5));
+  top->read(trace, 2, 3);
+  EXPECT_EQ((List{5, 6}), observed->lists.back());
+  // A last of 0 reads to the end.
+  top->read(trace, 5, 0);
+  EXPECT_EQ((List{8, 9}), observed->lists.back());
+  EXPECT_EQ(0, observed->rangeReads);
+}
+
+TEST_F(SelectView, RangesOutsideTheViewAreRefused) {
+  Attribute elev = top->getAttribute("ELEV");
+  char const* label = "SelectStoreDecorator::read";
+  expectFailure([&] { top->read(elev, 6, 7); }, label, "Instance out of range first 6 last 7 (size 6)");
+  expectFailure([&] { top->read(elev, 1, 12); }, label, "Instance out of range first 1 last 12 (size 6)");
+  expectFailure([&] { top->read(elev, 0, 2); }, label, "first instance must be >0, yours was 0");
+  expectFailure([&] { top->read(elev, 3, 2); }, label, "first instance 3 must be <= last instance 2.");
+  expectFailure([&] { top->read(elev, 7, 0); }, label, "first instance 7 must be <= last instance 6.");
+  expectFailure([&] { top->read(elev, std::vector<unsigned int>{1, 0}); }, label,
+                "Attribute 'ELEV': the vInstanceList has a zero in it, coont read from instance 0.");
+  expectFailure([&] { top->read(elev, std::vector<unsigned int>{7}); }, label,
+                "Instance numbers must be <7, list for 'ELEV' contained 7.");
+}
+
+TEST(SelectViewEmpty, AnEmptySelectionReadsNothing) {
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> top = StoreDecoratorFactory::addSelect(referenceStore(), view);
+  view->addOperator(vHandle<SelectOperatorBase>(new NothingOperator("CDP")));
+  EXPECT_EQ(0u, top->getNInstances());
+  Attribute elev = top->getAttribute("ELEV");
+  top->read(elev, std::vector<unsigned int>());
+  EXPECT_EQ(0u, elev.getNInstances());
+  expectFailure([&] { top->read(elev, 1, 1); }, "SelectStoreDecorator::read",
+                "Instance out of range first 1 last 1 (size 0)");
+}
+
+// --- writes are refused ----------------------------------------------------------------------
+
+TEST(SelectViewWrites, EveryWriteIsRefusedAndNothingChanges) {
+  vHandle<Store> below = referenceStore(true);
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> top = StoreDecoratorFactory::addSelect(below, view);
+  Attribute cdp = StoreConformance::referenceAttribute("CDP");
+  Attribute key = top->getAttribute("CDP");
+  KeyList keys = StoreConformance::referenceKeys();
+  std::string const text = "Has not been written yet.";
+  expectFailure([&] { top->write(cdp, 1, 12); }, "SelectStoreDecorator::write(range)", text);
+  expectFailure([&] { top->write(cdp, std::vector<unsigned int>(12, 1)); }, "SelectStoreDecorator::write(list)", text);
+  expectFailure([&] { top->write(cdp, key, 1, 4); }, "SelectStoreDecorator::write(groups)", text);
+  expectFailure([&] { top->write(cdp, keys); }, "SelectStoreDecorator::write(keys)", text);
+  expectFailure([&] { top->addAttribute(Attribute("NEW", "", vINT32)); }, "SelectStoreDecorator::addAttribute", text);
+  expectFailure([&] { top->addInstances(2); }, "SelectStoreDecorator::addInstances", text);
+  EXPECT_EQ(12u, below->getNInstances());
+  EXPECT_FALSE(below->hasAttribute("NEW"));
+  std::vector<double> back = values(*below, "CDP");
+  for (unsigned int i = 1; i <= 12; ++i) EXPECT_EQ(StoreConformance::referenceValue("CDP", i), back[i - 1]);
+}
+
+}  // namespace
