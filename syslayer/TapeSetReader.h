@@ -38,8 +38,8 @@ class TapeSetReader {
   // The drive type that the next tape opens with.
   int getDeviceType() const { return m_deviceType; }
 
-  static unsigned const kBufferSize = 1000000;
-  static int const kBlockSize = 8192;
+  static constexpr unsigned kBufferSize = 1000000;
+  static constexpr int kBlockSize = 8192;
 
  private:
   bool myOpenNextTape();
