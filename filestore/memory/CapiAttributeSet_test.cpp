@@ -1,0 +1,312 @@
+// The checks of the common frame, through the in-memory set.
+
+#include "filestore/memory/CapiAttributeSet.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "filestore/memory/InMemoryAttributeSet.h"
+#include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/vUtl.h"
+#include "project/Project.h"
+#include "project/StoreTesting.h"
+
+using store_testing::expectFailure;
+
+namespace {
+
+// An in-memory set that notes its range reads and can fail its creation.
+class ProbeSet : public InMemoryAttributeSet {
+ public:
+  enum Failure { NONE, UTL, OTHER };
+  ProbeSet() : InMemoryAttributeSet(vHandle<Project>()) {}
+
+  mutable std::vector<std::pair<unsigned int, unsigned int> > rangeReads;
+  mutable int listReads = 0;
+  Failure failCreate = NONE;
+
+  void checkGroups(Attribute const& a, unsigned int first, unsigned int last) const { myCheckGroups(a, first, last); }
+
+ protected:
+  void doReadRange(Attribute& attribute, unsigned int first, unsigned int last) const override {
+    rangeReads.emplace_back(first, last);
+    InMemoryAttributeSet::doReadRange(attribute, first, last);
+  }
+  void doReadList(Attribute& attribute, std::vector<unsigned int> const& instances) const override {
+    ++listReads;
+    InMemoryAttributeSet::doReadList(attribute, instances);
+  }
+  void doPostCreate(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
+                    StoreCreationOptions const* options) override {
+    InMemoryAttributeSet::doPostCreate(name, className, subClass, keys, options);
+    if (failCreate == UTL) Message::fatal("ProbeSet::doPostCreate", 0, "no room");
+    if (failCreate == OTHER) throw 42;
+  }
+};
+
+KeyList cdpOffsetKeys() {
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  keys.addKey(Attribute("OFFSET", "OFFSET", vINT32));
+  return keys;
+}
+
+// Six instances: CDP 1 1 2 2 3 3, OFFSET 10 20 10 20 10 20, AMP 0.5 * instance.
+void fill(ProbeSet& set) {
+  set.create("line", "seismic", "2d", cdpOffsetKeys(), nullptr);
+  set.addAttribute(Attribute("AMP", "", vFLOAT64));
+  set.addInstances(6);
+  Attribute cdp = set.getAttribute("CDP"), offset = set.getAttribute("OFFSET"), amp = set.getAttribute("AMP");
+  int const cdps[] = {1, 1, 2, 2, 3, 3};
+  int const offsets[] = {10, 20, 10, 20, 10, 20};
+  double const amps[] = {0.5, 1.0, 1.5, 2.0, 2.5, 3.0};
+  cdp.copyData(6, cdps);
+  offset.copyData(6, offsets);
+  amp.copyData(6, amps);
+  set.write(cdp, 1, 6);
+  set.write(offset, 1, 6);
+  set.write(amp, 1, 6);
+}
+
+std::vector<double> valuesOf(Attribute const& a) {
+  std::vector<double> v;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i));
+  return v;
+}
+
+}  // namespace
+
+TEST(CapiAttributeSet, CreateChecksNamesAndClasses) {
+  ProbeSet set;
+  KeyList none;
+  expectFailure([&] { set.create(" ", "seismic", "2d", none, nullptr); }, "CapiAttributeSet::create",
+                "A blank AttributeSet name is not allowed.");
+  expectFailure([&] { set.create("line", "", "2d", none, nullptr); }, "CapiAttributeSet::create",
+                "For AttributeSet 'line': A subClass of '2d' cannot be specified without also giving a class.");
+  expectFailure([&] { set.create("line", "", "", none, nullptr); }, "CapiAttributeSet::create",
+                "When creating AttributeSet 'line', the class cannot be blank.");
+  expectFailure([&] { set.create("line", "seismic", "", none, nullptr); }, "CapiAttributeSet::create",
+                "When creating AttributeSet 'line', the subclass cannot be blank.");
+  EXPECT_FALSE(set.isOpen());
+  set.create("line", "seismic", "2d", cdpOffsetKeys(), nullptr);
+  EXPECT_TRUE(set.isOpen());
+  EXPECT_TRUE(set.isWriteable());
+  expectFailure([&] { set.create("other", "seismic", "2d", none, nullptr); },
+                "CapiAttributeSet::myCheckNameAndClass()", "AttributeSet is already open as 'line'.");
+  expectFailure([&] { set.open("other", 0, "", "", nullptr); }, "CapiAttributeSet::myCheckNameAndClass()",
+                "AttributeSet is already open as 'line'.");
+  // A created set holds its keys, without instances.
+  EXPECT_EQ(2u, set.getNAttributes());
+  EXPECT_EQ(0u, set.getNInstances());
+  EXPECT_EQ(2u, set.getKeyList().getNKeys());
+  EXPECT_EQ(0, set.getVersion());
+}
+
+TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
+  ProbeSet utl;
+  utl.failCreate = ProbeSet::UTL;
+  expectFailure([&] { utl.create("line", "seismic", "2d", KeyList(), nullptr); }, "ProbeSet::doPostCreate", "no room");
+  EXPECT_FALSE(utl.isOpen());
+  ProbeSet other;
+  other.failCreate = ProbeSet::OTHER;
+  expectFailure([&] { other.create("line", "seismic", "2d", KeyList(), nullptr); }, "CapiAttributeSet::create",
+                "Unknown exception thrown during creation of AttributeSet 'line'.");
+  EXPECT_FALSE(other.isOpen());
+}
+
+TEST(CapiAttributeSet, OpenReadsAndUpdateWrites) {
+  ProbeSet set;
+  fill(set);
+  set.close();
+  EXPECT_FALSE(set.isOpen());
+  Attribute amp("AMP", "", vFLOAT64);
+  expectFailure([&] { set.read(amp, 1, 1); }, "CapiAttributeSet::read(range)", "AttributeSet is not open.");
+  expectFailure([&] { set.getNInstances(); }, "CapiAttributeSet::getNInstances", "AttributeSet is not open.");
+  // Closing a closed set is reported and goes on.
+  int errors = Message::getNErrors();
+  {
+    MessageHandling quiet;
+    set.close();
+  }
+  EXPECT_EQ(errors + 1, Message::getNErrors());
+
+  set.open("ignored", 0, "", "", nullptr);
+  EXPECT_FALSE(set.isWriteable());
+  EXPECT_EQ("line", std::string(set.getName().c_str())) << "opening changes nothing";
+  set.read(amp, 2, 3);
+  EXPECT_EQ((std::vector<double>{1.0, 1.5}), valuesOf(amp));
+  Attribute one("AMP", "", vFLOAT64);
+  double const v = 9;
+  one.copyData(1, &v);
+  expectFailure([&] { set.write(one, 1, 1); }, "CapiAttributeSet::write(range)",
+                "AttributeSet 'line' is not open for modification.");
+  expectFailure([&] { set.addInstances(1); }, "CapiAttributeSet::addInstances",
+                "AttributeSet 'line' is not open for modification.");
+  set.close();
+  set.update("line", 0, "", "", nullptr);
+  EXPECT_TRUE(set.isWriteable());
+  set.write(one, 1, 1);
+  set.read(amp, 1, 1);
+  EXPECT_EQ((std::vector<double>{9.0}), valuesOf(amp));
+}
+
+TEST(CapiAttributeSet, RangeChecksAndTheLastOfZero) {
+  ProbeSet set;
+  fill(set);
+  Attribute amp = set.getAttribute("AMP");
+  char const* const label = "CapiAttributeSet::myCheckFirstLast()";
+  expectFailure([&] { set.read(amp, 0, 2); }, label, "first instance must be >0, yours was 0");
+  expectFailure([&] { set.read(amp, 4, 3); }, label, "first instance 4 must be <= last instance 3.");
+  expectFailure([&] { set.read(amp, 2, 7); }, label, "last instance 7 must be <= number of instances 6.");
+  expectFailure([&] { set.read(amp, 7, 0); }, label, "first instance 7 must be <= last instance 6.");
+  set.rangeReads.clear();
+  set.read(amp, 4, 0);
+  ASSERT_EQ(1u, set.rangeReads.size());
+  EXPECT_EQ(4u, set.rangeReads[0].first);
+  EXPECT_EQ(0u, set.rangeReads[0].second) << "a last of 0 reaches the read as 0";
+  EXPECT_EQ((std::vector<double>{2.0, 2.5, 3.0}), valuesOf(amp));
+  Attribute unknown("NOPE", "", vINT32);
+  expectFailure([&] { set.read(unknown, 1, 1); }, "CapiAttributeSet::read(range)",
+                "Attribute NOPE is not in the AttributeSet line.");
+}
+
+TEST(CapiAttributeSet, ListsGoByRangeWhenTheyAreOne) {
+  ProbeSet set;
+  fill(set);
+  Attribute amp = set.getAttribute("AMP");
+  set.rangeReads.clear();
+  set.read(amp, std::vector<unsigned int>());
+  EXPECT_EQ(0u, amp.getNInstances());
+  EXPECT_TRUE(set.rangeReads.empty());
+  EXPECT_EQ(0, set.listReads);
+  set.read(amp, std::vector<unsigned int>{3, 4, 5});
+  ASSERT_EQ(1u, set.rangeReads.size());
+  EXPECT_EQ(std::make_pair(3u, 5u), set.rangeReads[0]);
+  EXPECT_EQ(0, set.listReads);
+  set.read(amp, std::vector<unsigned int>{5, 4, 3});
+  EXPECT_EQ(1, set.listReads);
+  EXPECT_EQ((std::vector<double>{2.5, 2.0, 1.5}), valuesOf(amp));
+  expectFailure([&] { set.read(amp, std::vector<unsigned int>{2, 0}); }, "CapiAttributeSet::read(byList)",
+                "Attribute 'AMP': the vInstanceList has a zero in it, coont read from instance 0.");
+  expectFailure([&] { set.read(amp, std::vector<unsigned int>{2, 9, 1}); }, "CapiAttributeSet::read(byList)",
+                "Instance numbers must be <7, list for 'AMP' contained 9.");
+  // A run past the end is refused as a list would be.
+  expectFailure([&] { set.read(amp, std::vector<unsigned int>{6, 7}); }, "CapiAttributeSet::read(byList)",
+                "Instance numbers must be <7, list for 'AMP' contained 7.");
+}
+
+TEST(CapiAttributeSet, KeyChecksInTheirOrder) {
+  ProbeSet set;
+  fill(set);
+  Attribute amp = set.getAttribute("AMP");
+  char const* const label = "CapiAttributeSet::myKeysCheck()";
+  expectFailure([&] { set.read(amp, KeyList()); }, label, "KeyList must have at lease one key Attribute.");
+  KeyList stranger;
+  stranger.addKey(Attribute("SHOT", "", vINT32));
+  expectFailure([&] { set.read(amp, stranger); }, label,
+                "Attribute SHOT of the KeyList is not a memeber of the AttributeSet line.");
+  KeyList empty = cdpOffsetKeys();
+  expectFailure([&] { set.read(amp, empty); }, label, "Attribute CDP of the KeyList does not have any values with it.");
+  KeyList uneven = cdpOffsetKeys();
+  int const two[] = {1, 2};
+  uneven.begin()->copyData(2, two);
+  (uneven.begin() + 1)->copyData(1, two);
+  expectFailure([&] { set.read(amp, uneven); }, label, "Attribute OFFSET of the KeyList does not have 2 values.");
+
+  KeyList keys = cdpOffsetKeys();
+  int const cdps[] = {3, 1};
+  int const offsets[] = {10, 20};
+  keys.begin()->copyData(2, cdps);
+  (keys.begin() + 1)->copyData(2, offsets);
+  set.read(amp, keys);
+  EXPECT_EQ((std::vector<double>{2.5, 1.0}), valuesOf(amp));
+  int const missing[] = {3, 7};
+  keys.begin()->copyData(2, missing);
+  expectFailure([&] { set.read(amp, keys); }, "CapiAttributeSet::read(byKeys)",
+                "Key list has duplicate or missing values in AttributeSet line. Wanted 2 value(s) but found 1.");
+}
+
+TEST(CapiAttributeSet, GroupsAndTheirChecks) {
+  ProbeSet set;
+  fill(set);
+  Attribute amp = set.getAttribute("AMP");
+  Attribute cdp = set.getAttribute("CDP");
+  set.read(amp, cdp, 2, 0);
+  EXPECT_EQ((std::vector<double>{1.5, 2.0, 2.5, 3.0}), valuesOf(amp));
+  expectFailure([&] { set.read(cdp, cdp, 1, 1); }, "CapiAttributeSet::read(byGroups)",
+                "The address of the Attrbiute 'CDP' being read, cannot be the same as the groups Attribute.");
+  expectFailure([&] { set.read(amp, cdp, 2, 4); }, "AttributeSetIndexingTable::myCheckFirstLast()",
+                "last instance 4 must be <= number of instances 3.");
+
+  // The groups guard of the frame: a scalar Int32 and groups within its
+  // instances.
+  Attribute floats("AMP", "", vFLOAT64);
+  expectFailure([&] { set.checkGroups(floats, 1, 1); }, "CapiAttributeSet::myCheckGroups",
+                "Can only function with Int32 groups at the moment. Your Attribute AMP is of type " +
+                    std::string(vUtl::dataTypeName(vFLOAT64).c_str()) + ".");
+  Attribute pair("PAIR", "", vINT32, 2);
+  expectFailure([&] { set.checkGroups(pair, 1, 1); }, "CapiAttributeSet::myCheckGroups",
+                "Can only function with Attributes of length=1. Your Attribute PAIR has a length of 2.");
+  int const values[] = {1, 2};
+  cdp.copyData(2, values);
+  expectFailure([&] { set.checkGroups(cdp, 1, 3); }, "CapiAttributeSet::myCheckFirstLast()",
+                "last instance 3 must be <= number of instances 2.");
+}
+
+TEST(CapiAttributeSet, WritesThatDoNotFitLeaveTheDataAsTheyWere) {
+  ProbeSet set;
+  fill(set);
+  Attribute amp = set.getAttribute("AMP");
+  double const two[] = {-1, -2};
+  amp.copyData(2, two);
+  expectFailure([&] { set.write(amp, 1, 3); }, "CapiAttributeSet::write(range)",
+                "The Attribute 'AMP' to be written has 2 instances, but last-first+1 is 3.");
+  expectFailure([&] { set.write(amp, std::vector<unsigned int>{1, 2, 3}); }, "CapiAttributeSet::write(list)",
+                "The Attribute 'AMP' to be written has 2 instances, but last-first+1 is 3.");
+  expectFailure([&] { set.write(amp, std::vector<unsigned int>{1, 8}); }, "CapiAttributeSet::write(list)",
+                "Instance numbers must be <7, list for 'AMP' contained 8.");
+  Attribute cdp = set.getAttribute("CDP");
+  expectFailure([&] { set.write(amp, cdp, 1, 2); }, "CapiAttributeSet::write(byGroups)",
+                "The number of instances (4) with groups CDP does not match the number of instances (2) for Attribute "
+                "AMP being written.");
+  KeyList keys = cdpOffsetKeys();
+  int const cdps[] = {1, 9};
+  int const offsets[] = {10, 10};
+  keys.begin()->copyData(2, cdps);
+  (keys.begin() + 1)->copyData(2, offsets);
+  expectFailure([&] { set.write(amp, keys); }, "CapiAttributeSet::write(byKeys)",
+                "Key list has duplicate or missing values in AttributeSet line. Wanted 2 value(s) but found 1.");
+  Attribute back = set.getAttribute("AMP");
+  set.read(back, 1, 6);
+  EXPECT_EQ((std::vector<double>{0.5, 1.0, 1.5, 2.0, 2.5, 3.0}), valuesOf(back));
+
+  // Groups and keys written; the group tables follow the changes.
+  set.write(amp, cdp, 3, 3);
+  Attribute newCdp = set.getAttribute("CDP");
+  int const moved[] = {7, 7};
+  newCdp.copyData(2, moved);
+  set.write(newCdp, std::vector<unsigned int>{1, 2});
+  Attribute unique = set.getAttribute("CDP");
+  set.getUnique(unique, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ((std::vector<double>{2, 3, 7}), valuesOf(unique));
+  set.read(back, 1, 6);
+  EXPECT_EQ((std::vector<double>{0.5, 1.0, 1.5, 2.0, -1, -2}), valuesOf(back));
+}
+
+TEST(CapiAttributeSet, AttributesAndClasses) {
+  ProbeSet set;
+  fill(set);
+  expectFailure([&] { set.addAttribute(Attribute("AMP", "", vINT32)); }, "CapiAttributeSet::addAttribute",
+                "The AttributeSet line already has an Attribute called AMP.");
+  expectFailure([&] { set.getAttribute("NOPE"); }, "CapiAttributeSet::getAttribute",
+                "Attribute NOPE is not in the AttributeSet line.");
+  set.setAttributeClass("AMP", "AMPLITUDE");
+  EXPECT_EQ("AMPLITUDE", std::string(set.getAttribute("AMP").getClass().c_str()));
+  std::list<Attribute> offsets = set.getAttributeList("OFFSET", AttributeMatch::MATCH_CLASS);
+  ASSERT_EQ(1u, offsets.size());
+  EXPECT_EQ("OFFSET", std::string(offsets.front().getName().c_str()));
+  set.addAttribute(Attribute("BLANK", "", vINT32));
+  EXPECT_EQ(2u, set.getAttributeList("OFFSET", AttributeMatch::MATCH_OR_BLANK_CLASS).size());
+}
