@@ -1,0 +1,178 @@
+#include "filestore/memory/InMemoryAttributeSet.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "project/Project.h"
+#include "project/StoreTesting.h"
+#include "testing/TestMemoryStore.h"
+
+using store_testing::expectFailure;
+
+namespace {
+
+// Four instances of CDP (key), AMP (Float32, length 2), ID (Int64).
+class InMemoryAttributeSetTest : public ::testing::Test {
+ protected:
+  InMemoryAttributeSetTest() : m_set(vHandle<Project>()) {
+    KeyList keys;
+    keys.addKey(Attribute("CDP", "CDP", vINT32));
+    m_set.create("shots", "seismic", "2d", keys, nullptr);
+    m_set.addAttribute(Attribute("AMP", "", vFLOAT32, 2));
+    m_set.addAttribute(Attribute("ID", "", vINT64));
+    m_set.addInstances(4);
+    for (unsigned int i = 1; i <= 4; ++i) {
+      *m_set.getInt32Pointer("CDP", i) = static_cast<int>(10 * i);
+      m_set.getFloat32Pointer("AMP", i)[0] = static_cast<float>(i);
+      m_set.getFloat32Pointer("AMP", i)[1] = -static_cast<float>(i);
+      *m_set.getInt64Pointer("ID", i) = 1000000000000LL + i;
+    }
+  }
+  std::vector<double> values(char const* name, int position = 1) const {
+    Attribute const& a = m_set.readAttributeAndData(name);
+    std::vector<double> v;
+    for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i, position));
+    return v;
+  }
+
+  InMemoryAttributeSet m_set;
+};
+
+}  // namespace
+
+TEST_F(InMemoryAttributeSetTest, PointersReachTheStoredValues) {
+  InMemoryAttributeSet const& set = m_set;
+  EXPECT_EQ(30, *set.getInt32Pointer("CDP", 3));
+  EXPECT_EQ(-2.0f, set.getFloat32Pointer("AMP", 2)[1]);
+  EXPECT_EQ(1000000000004LL, *set.getInt64Pointer("ID", 4));
+  m_set.addAttribute(Attribute("DEPTH", "", vFLOAT64));
+  *m_set.getFloat64Pointer("DEPTH", 2) = 7.25;
+  Attribute depth = m_set.getAttribute("DEPTH");
+  m_set.read(depth, 1, 4);
+  EXPECT_EQ(7.25, depth.getValue(2));
+  EXPECT_EQ(7.25, *set.getFloat64Pointer("DEPTH", 2));
+  EXPECT_TRUE(m_set.hasAttribute(Attribute::getNameID("AMP")));
+  EXPECT_FALSE(m_set.hasAttribute(vUCString("NOPE")));
+}
+
+TEST_F(InMemoryAttributeSetTest, DeletingAKeyAttributeTakesItOutOfTheKeyList) {
+  m_set.deleteAttribute("CDP");
+  EXPECT_FALSE(m_set.hasAttribute(vUCString("CDP")));
+  EXPECT_EQ(0u, m_set.getKeyList().getNKeys());
+  m_set.renameAttribute("ID", "SERIAL");
+  EXPECT_EQ((std::vector<double>{1000000000001.0, 1000000000002.0, 1000000000003.0, 1000000000004.0}),
+            values("SERIAL"));
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "", vINT32));
+  expectFailure([&] { m_set.setKeyList(keys); }, "InMemoryAttributeSet::setKeyList",
+                "Key CDP does not exist in the Store shots ");
+  KeyList serial;
+  serial.addKey(Attribute("SERIAL", "", vINT64));
+  m_set.setKeyList(serial);
+  EXPECT_EQ("SERIAL", std::string(m_set.getKeyList().findName(1).c_str()));
+}
+
+TEST_F(InMemoryAttributeSetTest, InstancesAreDeletedAndKept) {
+  m_set.keepInstances({4, 2});
+  EXPECT_EQ((std::vector<double>{40, 20}), values("CDP"));
+  EXPECT_EQ((std::vector<double>{-4, -2}), values("AMP", 2));
+  m_set.deleteInstances(1);
+  EXPECT_EQ((std::vector<double>{40}), values("CDP"));
+  m_set.deleteInstances(1);
+  EXPECT_EQ(0u, m_set.getNInstances());
+  m_set.deleteInstances(3);
+  EXPECT_EQ(0u, m_set.getNInstances()) << "a set without instances stays without";
+  m_set.addInstances(2);
+  EXPECT_EQ((std::vector<double>{0, 0}), values("CDP"));
+}
+
+TEST_F(InMemoryAttributeSetTest, SetAttributeAndDataNeedsTheSetsAttributeAndCount) {
+  Attribute three("CDP", "", vINT32);
+  int const v3[] = {1, 2, 3};
+  three.copyData(3, v3);
+  expectFailure([&] { m_set.setAttributeAndData(three); }, "InMemoryAttributeSet::setAttributeAndData",
+                "Attribute CDP doesn't have the same number of instances as the Store shots ");
+  Attribute other("OTHER", "", vINT32);
+  int const v4[] = {5, 6, 7, 8};
+  other.copyData(4, v4);
+  expectFailure([&] { m_set.setAttributeAndData(other); }, "InMemoryAttributeSet::setAttributeAndData",
+                "Attribute OTHER not found in shots ");
+  Attribute cdp("CDP", "", vINT32);
+  cdp.copyData(4, v4);
+  m_set.setAttributeAndData(cdp);
+  EXPECT_EQ((std::vector<double>{5, 6, 7, 8}), values("CDP"));
+  // Group questions see the new values.
+  Attribute unique = m_set.getAttribute("CDP");
+  m_set.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
+  EXPECT_EQ(8, unique.getInt32(1));
+}
+
+TEST_F(InMemoryAttributeSetTest, DataSurviveACloseAndAnOpen) {
+  m_set.close();
+  EXPECT_FALSE(m_set.isOpen());
+  m_set.open("whatever", 0, "", "", nullptr);
+  EXPECT_EQ("shots", std::string(m_set.getName().c_str()));
+  EXPECT_EQ("seismic", std::string(m_set.getClass().c_str()));
+  EXPECT_EQ("2d", std::string(m_set.getSubClass().c_str()));
+  EXPECT_EQ((std::vector<double>{10, 20, 30, 40}), values("CDP"));
+}
+
+TEST_F(InMemoryAttributeSetTest, ACopyIsDeep) {
+  m_set.addProperty(Property("SURVEY", vString("north")));
+  InMemoryAttributeSet copy(m_set);
+  EXPECT_TRUE(copy.isOpen());
+  *copy.getInt32Pointer("CDP", 1) = -1;
+  copy.addProperty(Property("EXTRA", 1));
+  EXPECT_EQ(10, *m_set.getInt32Pointer("CDP", 1));
+  EXPECT_EQ(-1, *copy.getInt32Pointer("CDP", 1));
+  EXPECT_TRUE(copy.hasProperty(vUCString("SURVEY")));
+  EXPECT_FALSE(m_set.hasProperty(vUCString("EXTRA")));
+  EXPECT_EQ(1u, copy.getKeyList().getNKeys());
+  // The copy answers key reads on its own data.
+  KeyList keys = copy.getKeyList();
+  int const wanted[] = {-1};
+  keys.begin()->copyData(1, wanted);
+  Attribute id = copy.getAttribute("ID");
+  copy.read(id, keys);
+  EXPECT_EQ(1000000000001LL, id.getInt64(1));
+}
+
+TEST_F(InMemoryAttributeSetTest, LoadingTheLayoutAloneTakesNamesAndKeysButNoData) {
+  vHandle<AttributeSet> source(new InMemoryAttributeSet(m_set));
+  InMemoryAttributeSet target{vHandle<Project>()};
+  EXPECT_TRUE(target.loadRangeFromStore(true, source, 0, 0));
+  EXPECT_TRUE(target.isOpen());
+  EXPECT_EQ("shots", std::string(target.getName().c_str()));
+  EXPECT_EQ("2d", std::string(target.getSubClass().c_str()));
+  EXPECT_EQ(1u, target.getKeyList().getNKeys());
+  EXPECT_EQ(3u, target.getNAttributes());
+  EXPECT_EQ(0u, target.getNInstances());
+  EXPECT_EQ(2, target.getAttribute("AMP").getLength());
+  // The source is untouched: the layout is not shared.
+  EXPECT_EQ(4u, source->getNInstances());
+
+  EXPECT_TRUE(target.loadRangeFromStore(false, source, 2, 3));
+  EXPECT_EQ(2u, target.getNInstances());
+  Attribute amp = target.getAttribute("AMP");
+  target.read(amp, 1, 2);
+  EXPECT_EQ(2.0, amp.getValue(1, 1));
+  EXPECT_EQ(-3.0, amp.getValue(2, 2));
+  EXPECT_TRUE(target.loadRangeFromStore(true, source, 3, 0));
+  EXPECT_EQ(2u, target.getNInstances());
+  EXPECT_EQ(30, *target.getInt32Pointer("CDP", 1));
+}
+
+TEST_F(InMemoryAttributeSetTest, ASourceWithoutABufferLoadsNothing) {
+  vHandle<AttributeSet> other(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  other->create("elsewhere", "seismic", "3d", KeyList(), nullptr);
+  EXPECT_FALSE(m_set.loadRangeFromStore(true, other, 1, 1));
+  EXPECT_EQ("shots", std::string(m_set.getName().c_str()));
+  EXPECT_EQ(4u, m_set.getNInstances());
+}
+
+TEST(InMemoryAttributeSet, ASetNeverCreatedHasNoBuffer) {
+  InMemoryAttributeSet set{vHandle<Project>()};
+  EXPECT_TRUE(set.getAttributeSetBuffer().isEmpty());
+  expectFailure([&] { set.hasAttribute(vUCString("X")); }, "vHandle::get()", "Trying to get a NULL pointer");
+}
