@@ -1,0 +1,173 @@
+// Wrappers of bare attribute sets: forwarding with properties of their own
+// until a set is opened, and the profiling wrapper's timers and report.
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "attribute/Property.h"
+#include "decorator/AttributeSetDecorator.h"
+#include "decorator/DecoratorTesting.h"
+#include "decorator/ProfilingAttributeSetDecorator.h"
+#include "decorator/Timer.h"
+#include "project/FullStoreName.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+vHandle<AttributeSet> closedSet(std::shared_ptr<TestMemoryShelf> const& shelf) {
+  return vHandle<AttributeSet>(new TestMemoryAttributeSet(vHandle<Project>(), shelf));
+}
+
+TEST(AttributeSetDecoratorProperties, LocalUntilOpenedThenThoseOfTheSetBelow) {
+  auto shelf = layoutShelf(referenceLayout());
+  shelf->find(kStore)->properties.addProperty(Property("STORED", 1.5));
+  vHandle<AttributeSet> below = closedSet(shelf);
+  AttributeSetDecorator decorator(below);
+  // A property of its own before opening.
+  decorator.PropertyI::addProperty(Property("LOCAL", "x"));
+  EXPECT_TRUE(decorator.hasProperty(vUCString("LOCAL")));
+  decorator.open(kStore, 0, "", "", nullptr);
+  EXPECT_TRUE(decorator.hasProperty(vUCString("STORED")));
+  EXPECT_FALSE(decorator.hasProperty(vUCString("LOCAL")));
+  // addProperty goes to the set below, which the decorator now shares.
+  decorator.addProperty(Property("ADDED", "y"));
+  EXPECT_TRUE(below->hasProperty(vUCString("ADDED")));
+  EXPECT_TRUE(decorator.hasProperty(vUCString("ADDED")));
+  EXPECT_EQ(below->getNProperties(), decorator.getNProperties());
+}
+
+TEST(AttributeSetDecoratorProperties, AddPropertyForwardsEvenBeforeOpening) {
+  auto shelf = layoutShelf(referenceLayout());
+  vHandle<AttributeSet> below = closedSet(shelf);
+  below->open(kStore, 0, "", "", nullptr);
+  AttributeSetDecorator decorator(below);
+  decorator.addProperty(Property("ADDED", "y"));
+  EXPECT_TRUE(below->hasProperty(vUCString("ADDED")));
+  // The rest of the property interface is the decorator's own.
+  EXPECT_FALSE(decorator.hasProperty(vUCString("ADDED")));
+}
+
+TEST(AttributeSetDecoratorNames, FullNamesGoThroughTheNameForms) {
+  auto shelf = layoutShelf(referenceLayout());
+  ProfilingAttributeSetDecorator decorator(closedSet(shelf));
+  // The full name's version reaches the set below.
+  expectFailure([&] { decorator.open(FullStoreName(FullProjectName(), kStore, 5), "", "", nullptr); },
+                "TestMemoryAttributeSet::open", "AttributeSet 'reference' has no version 5.");
+  decorator.open(FullStoreName(FullProjectName(), kStore, 1), "", "", nullptr);
+  EXPECT_EQ(1, decorator.getVersion());
+  EXPECT_EQ(12u, decorator.getNInstances());
+  EXPECT_EQ(1u, decorator.getTimers().count("open"));
+  EXPECT_EQ(2u, decorator.getTimers().at("open").getNCalls());
+  ::testing::internal::CaptureStderr();
+  decorator.close();
+  ::testing::internal::GetCapturedStderr();
+  decorator.update(FullStoreName(FullProjectName(), kStore, 0), "", "", nullptr);
+  EXPECT_EQ(1, decorator.getVersion());
+  EXPECT_EQ(1u, decorator.getTimers().count("update"));
+  EXPECT_EQ(1u, decorator.getTimers().size());
+  ::testing::internal::CaptureStderr();
+  decorator.close();
+  ::testing::internal::GetCapturedStderr();
+  decorator.create(FullStoreName(FullProjectName(), "fresh", 0), "seismic", "2d", StoreConformance::referenceKeys(),
+                   nullptr);
+  EXPECT_EQ(std::string("fresh"), decorator.getName().c_str());
+  EXPECT_EQ(1u, decorator.getTimers().count("create"));
+}
+
+// --- profiling ---------------------------------------------------------------------------------
+
+std::vector<std::string> lines(std::string const& text) {
+  std::vector<std::string> out;
+  std::string::size_type start = 0;
+  for (std::string::size_type end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+    out.push_back(text.substr(start, end - start));
+  return out;
+}
+
+TEST(ProfilingAttributeSet, CloseReportsEachLabelUsedInLabelOrderAndForgets) {
+  auto shelf = layoutShelf(referenceLayout());
+  vHandle<AttributeSet> set(new ProfilingAttributeSetDecorator(closedSet(shelf)));
+  auto* profiling = dynamic_cast<ProfilingAttributeSetDecorator*>(set.pointer());
+  set->update(kStore, 0, "", "", nullptr);
+  Attribute cdp = set->getAttribute("CDP");
+  set->read(cdp, 1, 3);
+  set->read(cdp, 4, 6);
+  set->read(cdp, std::vector<unsigned int>{2});
+  Attribute offset = set->getAttribute("OFFSET");
+  set->read(offset, cdp, 1, 1);
+  int const v[] = {5};
+  offset.copyData(1, v);
+  set->write(offset, std::vector<unsigned int>{3});
+  // A failing call is timed too, and its timer stopped.
+  expectFailure([&] { set->read(cdp, 0, 1); }, "TestMemoryAttributeSet::myCheckFirstLast()",
+                "first instance must be >0, yours was 0");
+  EXPECT_EQ(3u, profiling->getTimers().at("read(range)").getNCalls());
+  EXPECT_FALSE(profiling->getTimers().at("read(range)").isRunning());
+
+  ::testing::internal::CaptureStderr();
+  set->close();
+  std::vector<std::string> report = lines(::testing::internal::GetCapturedStderr());
+  ASSERT_EQ(6u, report.size());
+  char const* const labels[] = {"close", "read(groups)", "read(list)", "read(range)", "update", "write(list)"};
+  unsigned long long const calls[] = {1, 1, 1, 3, 1, 1};
+  for (std::size_t i = 0; i < 6; ++i) {
+    std::regex line("reference " + std::regex_replace(std::string(labels[i]), std::regex("[()]"), "\\$&") + ": " +
+                    std::to_string(calls[i]) + " call\\(s\\), elapsed [0-9]+\\.[0-9]{6} s, cpu -?[0-9]+\\.[0-9]{6} s");
+    EXPECT_TRUE(std::regex_match(report[i], line)) << report[i];
+  }
+  EXPECT_TRUE(profiling->getTimers().empty());
+  // The write went through.
+  set->open(kStore, 0, "", "", nullptr);
+  EXPECT_EQ(1u, profiling->getTimers().size());
+  EXPECT_EQ(1u, profiling->getTimers().at("open").getNCalls());
+  EXPECT_EQ(5.0, values(*set, "OFFSET")[2]);
+}
+
+TEST(ProfilingAttributeSet, StackedProfilersEachReport) {
+  auto shelf = layoutShelf(referenceLayout());
+  vHandle<AttributeSet> inner(new ProfilingAttributeSetDecorator(closedSet(shelf)));
+  ProfilingAttributeSetDecorator outer(inner);
+  outer.open(kStore, 0, "", "", nullptr);
+  KeyList keys = StoreConformance::referenceKeys();
+  int const cdps[] = {4};
+  int const offsets[] = {300};
+  keys.begin()->copyData(1, cdps);
+  (keys.begin() + 1)->copyData(1, offsets);
+  Attribute elev = outer.getAttribute("ELEV");
+  outer.read(elev, keys);
+  EXPECT_EQ(1006.0, elev.getValue(1));
+  ::testing::internal::CaptureStderr();
+  outer.close();
+  std::vector<std::string> report = lines(::testing::internal::GetCapturedStderr());
+  // The inner one reports inside the outer close, first.
+  ASSERT_EQ(6u, report.size());
+  EXPECT_EQ(0u, report[0].find("reference close: 1 call(s)"));
+  EXPECT_EQ(0u, report[2].find("reference read(keys): 1 call(s)"));
+  EXPECT_EQ(0u, report[3].find("reference close: 1 call(s)"));
+  EXPECT_EQ(0u, report[5].find("reference read(keys): 1 call(s)"));
+}
+
+// --- timer --------------------------------------------------------------------------------------
+
+TEST(TimerTotals, CountsStartStopPairsOnly) {
+  Timer timer;
+  EXPECT_EQ(std::string("Timer"), timer.getName().c_str());
+  timer.stop();
+  EXPECT_EQ(0u, timer.getNCalls());
+  timer.start();
+  EXPECT_TRUE(timer.isRunning());
+  timer.stop();
+  timer.start();
+  timer.stop();
+  EXPECT_EQ(2u, timer.getNCalls());
+  EXPECT_GE(timer.getElapsedSeconds(), 0.0);
+  EXPECT_EQ(0u, std::string(timer.getTotalTimes().c_str()).find("2 call(s), elapsed "));
+  timer.reset();
+  EXPECT_EQ(std::string("0 call(s), elapsed 0.000000 s, cpu 0.000000 s"), timer.getTotalTimes().c_str());
+  Timer named("timer");
+  EXPECT_EQ(std::string("timer"), named.getName().c_str());
+}
+
+}  // namespace
