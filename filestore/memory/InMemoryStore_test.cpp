@@ -1,0 +1,174 @@
+#include "filestore/memory/InMemoryStore.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <typeinfo>
+
+#include "attribute/Property.h"
+#include "project/Project.h"
+#include "project/StoreTesting.h"
+#include "registry/RondoRegistry.h"
+#include "testing/StoreConformance.h"
+#include "testing/TestMemoryStore.h"
+
+using store_testing::expectFailure;
+
+namespace {
+
+std::string str(vString const& s) { return s.c_str(); }
+
+// The reference content in the primary set, and a secondary set "picks"
+// with TIME (Float32) over three instances, left active.
+class InMemoryStoreTest : public ::testing::Test {
+ protected:
+  InMemoryStoreTest() : m_store(vHandle<Project>()) {
+    m_store.create("survey", "seismic", "3d", StoreConformance::referenceKeys(), nullptr);
+    StoreConformance::populate(m_store);
+    KeyList pickKeys;
+    pickKeys.addKey(Attribute("TIME", "", vFLOAT32));
+    m_store.createAttributeSet("picks", pickKeys);
+    m_store.addInstances(3);
+    Attribute time("TIME", "", vFLOAT32);
+    float const times[] = {1.5f, 2.5f, 3.5f};
+    time.copyData(3, times);
+    m_store.write(time, 1, 3);
+  }
+
+  std::vector<double> read(Store const& store, char const* name) {
+    Attribute a = store.getAttribute(name);
+    store.read(a, 1, store.getNInstances());
+    std::vector<double> v;
+    for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i));
+    return v;
+  }
+
+  InMemoryStore m_store;
+};
+
+class ExposedStore : public InMemoryStore {
+ public:
+  ExposedStore() : InMemoryStore(vHandle<Project>()) {}
+  using InMemoryStore::doCreateAttributeSetClone;
+};
+
+}  // namespace
+
+TEST_F(InMemoryStoreTest, SecondarySetsLiveInTheListAndKeepTheirData) {
+  ASSERT_EQ(2u, m_store.getAttributeSets().size());
+  // The active set by the name it has in the project.
+  EXPECT_EQ("survey_picks", str(m_store.getAttributeSetName()));
+  Store::AttributeSetList names;
+  m_store.getAttributeSetList(names);
+  EXPECT_EQ((Store::AttributeSetList{"survey", "picks"}), names);
+
+  m_store.openAttributeSet("survey");
+  EXPECT_EQ(12u, m_store.getNInstances());
+  EXPECT_FALSE(m_store.getAttributeSets().back()->isOpen()) << "the secondary set was closed";
+  m_store.openAttributeSet("picks");
+  EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5}), read(m_store, "TIME"));
+
+  m_store.close();
+  m_store.open("survey", 0, "", "", nullptr);
+  EXPECT_EQ(12u, m_store.getNInstances());
+  m_store.openAttributeSet("picks");
+  EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5}), read(m_store, "TIME"));
+  EXPECT_EQ(2u, m_store.getAttributeSets().size()) << "finding a set makes none";
+}
+
+TEST_F(InMemoryStoreTest, ASetNamedButNotHeldIsNotFound) {
+  m_store.openAttributeSet("survey");
+  Property names(Store::ATTRIBUTESET_NAMES, m_store.findProperty(Store::ATTRIBUTESET_NAMES)->getString(1));
+  vString both[] = {"picks", "ghost"};
+  int versions[] = {0, 0};
+  m_store.removeProperty(Store::ATTRIBUTESET_NAMES);
+  m_store.removeProperty(Store::ATTRIBUTESET_VERSIONS);
+  m_store.addProperty(Property(Store::ATTRIBUTESET_NAMES, 2u, both));
+  m_store.addProperty(Property(Store::ATTRIBUTESET_VERSIONS, 2u, versions));
+  expectFailure([&] { m_store.openAttributeSet("ghost"); }, "InMemoryStore::doFindAttributeSet",
+                "AttributeSet ghost not found in Store survey");
+  m_store.openAttributeSet("picks");
+  EXPECT_EQ(3u, m_store.getNInstances());
+}
+
+TEST_F(InMemoryStoreTest, DirectOperationsWorkOnTheActiveSet) {
+  EXPECT_TRUE(m_store.hasAttribute(Attribute::getNameID("TIME")));
+  EXPECT_FALSE(m_store.hasAttribute(vUCString("CDP")));
+  Attribute time("TIME", "", vFLOAT32);
+  float const times[] = {9, 8, 7};
+  time.copyData(3, times);
+  m_store.setAttributeAndData(time);
+  EXPECT_EQ(8.0f, m_store.readAttributeAndData("TIME").getFloat32(2));
+  m_store.updateAttributeAndData(Attribute::getNameID("TIME")).setFloat32(1, 4.0f);
+  EXPECT_EQ(4.0f, m_store.getAttributeAndData("TIME").getFloat32(1));
+  m_store.keepInstances({3, 1});
+  EXPECT_EQ((std::vector<double>{7, 4}), read(m_store, "TIME"));
+  m_store.deleteInstances(1);
+  EXPECT_EQ(1u, m_store.getNInstances());
+  m_store.setClass("events");
+  EXPECT_EQ("events", str(m_store.getClass()));
+  m_store.deleteAttribute("TIME");
+  EXPECT_EQ(0u, m_store.getNAttributes());
+  EXPECT_EQ(0u, m_store.getKeyList().getNKeys());
+  // The primary set was not touched.
+  m_store.openAttributeSet("survey");
+  EXPECT_EQ("seismic", str(m_store.getClass()));
+  EXPECT_EQ(12u, m_store.getAttributeSetBuffer()->getNInstances());
+}
+
+TEST_F(InMemoryStoreTest, ACopyClonesEverySet) {
+  InMemoryStore copy(m_store);
+  ASSERT_EQ(2u, copy.getAttributeSets().size());
+  EXPECT_EQ("survey_picks", str(copy.getAttributeSetName()));
+  copy.updateAttributeAndData("TIME").setFloat32(1, -1.0f);
+  EXPECT_EQ(1.5f, m_store.readAttributeAndData("TIME").getFloat32(1));
+  copy.openAttributeSet("survey");
+  EXPECT_EQ(StoreConformance::referenceValue("ELEV", 5), read(copy, "ELEV")[4]);
+  copy.openAttributeSet("picks");
+  EXPECT_EQ(-1.0, read(copy, "TIME")[0]);
+  for (auto const& set : copy.getAttributeSets())
+    for (auto const& original : m_store.getAttributeSets()) EXPECT_NE(set, original);
+}
+
+TEST(InMemoryStore, OnlyInMemorySetsAreCloned) {
+  ExposedStore store;
+  TestMemoryAttributeSet foreign(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
+  EXPECT_THROW(store.doCreateAttributeSetClone(foreign), std::bad_cast);
+  EXPECT_TRUE(store.getAttributeSets().empty());
+}
+
+TEST_F(InMemoryStoreTest, LoadsARangeOfAnotherStore) {
+  m_store.openAttributeSet("survey");
+  vHandle<Store> source(new InMemoryStore(m_store));
+  InMemoryStore target{vHandle<Project>()};
+  target.create("copy", "seismic", "3d", KeyList(), nullptr);
+  EXPECT_TRUE(target.loadRangeFromStore(true, source, 4, 6));
+  EXPECT_EQ(3u, target.getNInstances());
+  EXPECT_EQ((std::vector<double>{100, 200, 300}), read(target, "OFFSET"));
+  EXPECT_EQ((std::vector<double>{2, 2, 2}), read(target, "CDP"));
+  EXPECT_EQ(2u, target.getKeyList().getNKeys());
+}
+
+TEST_F(InMemoryStoreTest, WritesIntoAnotherStoreOnceTheRegistryInstalledItsView) {
+  m_store.openAttributeSet("survey");
+  InMemoryStore source{vHandle<Project>()};
+  source.create("two", "seismic", "3d", KeyList(), nullptr);
+  StoreConformance::populate(source, {"CDP", "OFFSET"});
+  source.keepInstances({7, 8});
+
+  Store::InMemoryStoreView saved = Store::setInMemoryStoreView(nullptr);
+  expectFailure([&] { m_store.writeIMSRange(source, 1, 2); }, "Store::writeIMSRange",
+                "The InMemoryStore class has not been installed in this program.");
+  registerRondoClasses();
+  m_store.writeIMSRange(source, 1, 2);
+  m_store.writeIMSList(source, {12, 11});
+  std::vector<double> cdp = read(m_store, "CDP");
+  EXPECT_EQ(3.0, cdp[0]);
+  EXPECT_EQ(3.0, cdp[1]);
+  EXPECT_EQ(3.0, cdp[11]);
+  std::vector<double> offset = read(m_store, "OFFSET");
+  EXPECT_EQ((std::vector<double>{100, 200}), std::vector<double>(offset.begin(), offset.begin() + 2));
+  EXPECT_EQ(200.0, offset[10]);
+  EXPECT_EQ(100.0, offset[11]);
+  Store::setInMemoryStoreView(saved == nullptr ? &InMemoryStore::asAttributeSet : saved);
+}
