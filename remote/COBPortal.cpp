@@ -146,7 +146,15 @@ void COBPortal::create(int id, vString const& type, int parent) {
   packer.pack(id);
   packer.pack(type);
   packer.pack(parent);
-  CommChan::StatusType const s = send(-1, packer);
+  bool const first = m_creating.insert(id).second;
+  CommChan::StatusType s;
+  try {
+    s = send(-1, packer);
+  } catch (...) {
+    if (first) m_creating.erase(id);
+    throw;
+  }
+  if (first) m_creating.erase(id);
   if (s != CommChan::OK)
     Message::fatal("COBPortal::create", 0, "Failed to create SOB for %s, CommChan::StatusType=%s", type.c_str(),
                    CommChan::status(s));
@@ -228,7 +236,7 @@ bool COBPortal::myRetry(int& failures, CommChan::StatusType, char const* label) 
     for (auto const& entry : m_table) ids.push_back(entry.first);
     for (int id : ids) {
       std::map<int, COB*>::iterator const at = m_table.find(id);
-      if (at != m_table.end()) at->second->commsReinitialize();
+      if (at != m_table.end() && m_creating.count(id) == 0) at->second->commsReinitialize();
     }
   } catch (UtlExcept const&) {
     m_rebuilding = false;

@@ -22,6 +22,7 @@
 // sent again. After three failed attempts the status is returned.
 
 #include <map>
+#include <set>
 
 #include "foundation/vHandle.h"
 #include "foundation/vString.h"
@@ -79,6 +80,9 @@ class COBPortal {
   bool myRetry(int& failures, CommChan::StatusType status, char const* label);
 
   std::map<int, COB*> m_table;
+  // Objects whose create message is on its way: a rebuild leaves them to
+  // the create that is sent again, as they may not be whole yet.
+  std::set<int> m_creating;
   vHandle<CommChan> m_channel;
   int m_lastId;
   int m_port;

@@ -26,6 +26,9 @@ void sleepOneSecond() {
 }  // namespace
 
 CommChan::StatusType Socket::sendChar8(char const* data, int count) {
+  // A channel closed here (as after a failed exchange) is a transport
+  // condition for its user, like a peer that closed.
+  if (m_closed) return CLOSED;
   if (!m_connected) {
     StatusType const s = accept();
     if (s != OK) return s;
@@ -35,6 +38,9 @@ CommChan::StatusType Socket::sendChar8(char const* data, int count) {
 }
 
 CommChan::StatusType Socket::receiveChar8(char* data, int count) {
+  // A channel closed here (as after a failed exchange) is a transport
+  // condition for its user, like a peer that closed.
+  if (m_closed) return CLOSED;
   if (!m_connected) {
     StatusType const s = accept();
     if (s != OK) return s;
@@ -134,6 +140,9 @@ CommChan::StatusType Socket::myDoSend(char const* buffer, int n, int& sent) {
 }
 
 CommChan::StatusType Socket::sendSegments(Packer::Segment const* segments, int count) {
+  // A channel closed here (as after a failed exchange) is a transport
+  // condition for its user, like a peer that closed.
+  if (m_closed) return CLOSED;
   if (!m_connected) {
     StatusType const s = accept();
     if (s != OK) return s;

@@ -271,6 +271,10 @@ TEST_F(SocketTest, ClosedPeerIsAStatusNotAFailure) {
   CommChan::StatusType s = CommChan::OK;
   for (int i = 0; i < 100 && s == CommChan::OK; ++i) s = server->sendChar8(block.data(), static_cast<int>(block.size()));
   EXPECT_TRUE(s == CommChan::BROKEN || s == CommChan::CLOSED) << CommChan::status(s);
+  // A channel closed here says so too, and does not try to accept.
+  server->close();
+  EXPECT_EQ(CommChan::CLOSED, server->sendChar8(block.data(), 1));
+  EXPECT_EQ(CommChan::CLOSED, server->receiveChar8(&got, 1));
 }
 
 // One listening channel serves one peer: a further accept drops the first.

@@ -96,6 +96,13 @@ void writeRaw(CommChan& chan, std::vector<unsigned char> const& bytes) {
   chan.sendChar8(reinterpret_cast<char const*>(bytes.data()), static_cast<int>(bytes.size()));
 }
 
+// A reply that is not sent after all is finished quietly.
+void drop(Packer& out) {
+  unsigned char const* bytes = nullptr;
+  int n = 0;
+  out.getBuffer(&bytes, n, 0);
+}
+
 void objectMessage(CommChan& chan, Packer& in, int tag, char const* crashFile) {
   int code = 0;
   in.unpack(code);
@@ -141,6 +148,7 @@ void objectMessage(CommChan& chan, Packer& in, int tag, char const* crashFile) {
       return;
     case TestServer::CrashOnce:
       if (::access(crashFile, F_OK) != 0) {
+        drop(out);
         int const fd = ::open(crashFile, O_CREAT | O_WRONLY, 0644);
         if (fd >= 0) ::close(fd);
         note("crash");
@@ -148,6 +156,7 @@ void objectMessage(CommChan& chan, Packer& in, int tag, char const* crashFile) {
       }
       break;
     case TestServer::CrashAlways:
+      drop(out);
       note("crash");
       std::_Exit(1);
     case TestServer::SumFloats: {
@@ -170,9 +179,11 @@ void objectMessage(CommChan& chan, Packer& in, int tag, char const* crashFile) {
       return;
     }
     case TestServer::BadMagic:
+      drop(out);
       writeRaw(chan, std::vector<unsigned char>(16, 0x5A));
       return;
     case TestServer::ForgedLength: {
+      drop(out);
       std::vector<unsigned char> bytes(16 + 10, 0);
       int32_t const header[4] = {Packer::MAGIC, Packer::VERSION, 2000000000, tag};
       std::memcpy(bytes.data(), header, 16);

@@ -1,0 +1,298 @@
+// The portal against a real data server process (testserver/) over real
+// sockets: start, exchange, reports of the server, lost servers and the
+// rebuild of remote objects, and servers that answer out of turn.
+
+#include "remote/COBPortal.h"
+
+#include <cstdlib>
+#include <memory>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/vUtl.h"
+#include "remote/CommChanAddress.h"
+#include "remote/PortalTesting.h"
+
+using namespace remote_testing;
+
+namespace {
+
+class COBPortalTest : public RemoteTest {
+ protected:
+  // A portal on this host that starts the test server.
+  vHandle<COBPortal> startPortal() {
+    vString const command(serverCommand(m_dir).c_str());
+    return vHandle<COBPortal>(new COBPortal(nullptr, &command));
+  }
+  bool logHas(std::string const& line) { return waitForLine(m_dir, line); }
+
+  TempDir m_dir;
+};
+
+bool contains(std::vector<std::string> const& lines, std::string const& line) {
+  for (auto const& l : lines)
+    if (l == line) return true;
+  return false;
+}
+
+TEST_F(COBPortalTest, StartsTheServerAndCarriesMessagesToEachObject) {
+  testing::internal::CaptureStdout();
+  vHandle<COBPortal> portal = startPortal();
+  std::string const printed = testing::internal::GetCapturedStdout();
+  EXPECT_TRUE(portal->isLocal());
+  CommChanAddress const address = portal->getAddress();
+  ASSERT_FALSE(address.isRemote());
+  std::string const expected = "Executing \"" + testServerPath() + " Address:" + address.getFilename().c_str() +
+                               " --log " + m_dir.file("server.log") + " --crash-file " + m_dir.file("crashed") +
+                               "\" on \n";
+  EXPECT_EQ(expected, printed);
+
+  {
+    TestCOB catalog("ProjectCatalog", nullptr);
+    EXPECT_EQ(0, catalog.getID());
+    portal->getChannel()->setMiscTimeout(60.0f);
+    catalog.setPortal(portal);
+    portal->getChannel()->setMiscTimeout(0.0f);
+    EXPECT_EQ(1, catalog.getID());
+    EXPECT_EQ("COB::setPortal: COB Instance 'ProjectCatalog' was assigned a COBPortal during construction.",
+              fatalText([&] { catalog.setPortal(portal); }));
+    TestCOB project("Project", &catalog);
+    EXPECT_EQ(2, project.getID());
+    EXPECT_EQ(1, project.getParentID());
+    {
+      TestCOB set("AttributeSet", &project);
+      EXPECT_EQ(3, set.getID());
+      EXPECT_EQ(CommChan::OK, project.setState(5));
+      TestCOB::Description const d = set.describe();
+      EXPECT_EQ("AttributeSet", d.type);
+      EXPECT_EQ(3, d.twins);
+      EXPECT_EQ(5, project.describe().state);
+      EXPECT_EQ(3, portal->getNObjects());
+    }
+    EXPECT_EQ(2, portal->getNObjects());
+    EXPECT_EQ("Project", project.describe().type);
+  }
+  EXPECT_EQ(0, portal->getNObjects());
+  portal = vHandle<COBPortal>(nullptr);
+  ASSERT_TRUE(logHas("end"));
+  EXPECT_EQ((std::vector<std::string>{"start", "create 1 ProjectCatalog 0", "create 2 Project 1",
+                                      "create 3 AttributeSet 2", "message 2 code 10", "state 2 5",
+                                      "message 3 code 11", "message 2 code 11", "destroy 3", "message 2 code 11",
+                                      "destroy 2", "destroy 1", "end"}),
+            serverLines(m_dir));
+  EXPECT_TRUE(infos().empty());
+  EXPECT_TRUE(errors().empty());
+}
+
+// With no command nothing is started: an outside process connects to the
+// address. A host other than this one is reached over TCP.
+TEST_F(COBPortalTest, PortalForAnotherHostListensOnTcpForAnOutsideServer) {
+  ::setenv("COBPORTAL", "abc", 1);
+  vString const host("127.0.0.2");
+  vHandle<COBPortal> portal(new COBPortal(&host, nullptr));
+  ::unsetenv("COBPORTAL");
+  ASSERT_EQ(1u, errors().size());
+  EXPECT_EQ("COBPortal::COBortal: COBPortal environment variable should be an integer not abc.", errors()[0]);
+  EXPECT_FALSE(portal->isLocal());
+  CommChanAddress const address = portal->getAddress();
+  ASSERT_TRUE(address.isRemote());
+  EXPECT_GT(address.getPort(), 0);
+  std::string const text = address.getAddress().c_str();
+  EXPECT_TRUE(std::regex_match(text, std::regex("Address:[0-9]+:[0-9.]+:.+"))) << text;
+
+  std::string const command = testServerPath() + " " + text + " --log " + m_dir.file("server.log");
+  vUtl::system(command.c_str(), nullptr, vUtl::SystemBackground);
+  TestCOB catalog("ProjectCatalog", nullptr);
+  portal->getChannel()->setMiscTimeout(60.0f);
+  catalog.setPortal(portal);
+  TestCOB project("Project", &catalog);
+  EXPECT_EQ(2, catalog.describe().twins);
+
+  // A large caller array goes out and a large array comes back.
+  std::vector<float> values(2 * 1000 * 1000);
+  double sum = 0.0;
+  for (size_t i = 0; i < values.size(); ++i) {
+    values[i] = static_cast<float>(i % 1000) * 0.125f;
+    sum += values[i];
+  }
+  Packer p(100);
+  p.pack(static_cast<int>(TestServer::SumFloats));
+  p.packAddressOf(values.data(), static_cast<unsigned>(values.size()));
+  ASSERT_EQ(CommChan::OK, project.sendAndReceive(p));
+  int code = 0;
+  double got = 0.0;
+  unsigned int n = 0;
+  p.unpack(code);
+  p.unpack(got);
+  p.unpack(n);
+  EXPECT_EQ(TestServer::SumFloats, code);
+  EXPECT_EQ(sum, got);
+  EXPECT_EQ(values.size(), n);
+
+  p.pack(static_cast<int>(TestServer::MakeFloats));
+  p.pack(1000000u);
+  ASSERT_EQ(CommChan::OK, project.sendAndReceive(p));
+  p.unpack(code);
+  ASSERT_EQ(1000000u, p.getNElements());
+  std::vector<float> made(1000000);
+  p.unpack(made.data());
+  bool same = true;
+  for (unsigned i = 0; i < made.size(); ++i) same = same && made[i] == 0.5f * static_cast<float>(i);
+  EXPECT_TRUE(same);
+}
+
+TEST_F(COBPortalTest, ReportsOfTheServerBeforeTheReply) {
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  EXPECT_EQ(CommChan::OK, catalog.call(TestServer::InfoFirst));
+  EXPECT_EQ(CommChan::OK, catalog.call(TestServer::ErrorFirst));
+  EXPECT_EQ(1, catalog.describe().twins);
+  ASSERT_EQ(1u, infos().size());
+  EXPECT_EQ("COBPortal::myMessage: Server said:-o just so you know", infos()[0]);
+  ASSERT_EQ(1u, errors().size());
+  EXPECT_EQ("COBPortal::myMessage: Server said:-o something is odd", errors()[0]);
+}
+
+// Each of these leaves the session out of step, so each has its own.
+TEST_F(COBPortalTest, ServerMessagesThatEndTheCall) {
+  struct Case {
+    int code;
+    std::string text;
+  };
+  std::vector<Case> const cases = {
+      {TestServer::FailFirst, "COBPortal::myMessage: Server said:- cannot do that"},
+      {TestServer::SevereFirst, "COBPortal::myMessage: Server said:-o giving up"},
+      {TestServer::OddSeverity, "COBPortal::myMessage: Unexpected exception code 7 from the server."},
+      {TestServer::OddPortalCode, "COBPortal::myMessage: Unexpected message code 42 from the server."},
+      {TestServer::WrongTag, "COBPortal::sendAndReceive: Received message for PortalID 1001, expected one for 1."},
+      {TestServer::BadMagic, "Packer::beginReceive: Bad message received. Magic was 1515870810 expected 40506070."},
+  };
+  for (Case const& c : cases) {
+    vHandle<COBPortal> portal = startPortal();
+    TestCOB catalog("ProjectCatalog", nullptr);
+    catalog.setPortal(portal);
+    EXPECT_EQ(c.text, fatalText([&] { catalog.call(c.code); })) << c.code;
+  }
+}
+
+// The first server dies on a request: a new one is started, every object
+// is made again in it, parents first with their old IDs, brought back to
+// its state, and the request goes again.
+TEST_F(COBPortalTest, LostServerIsStartedAgainAndTheObjectsRebuilt) {
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  TestCOB project("Project", &catalog);
+  TestCOB set("AttributeSet", &project);
+  ASSERT_EQ(CommChan::OK, project.setState(7));
+  ASSERT_EQ(CommChan::OK, set.setState(9));
+  int const firstPid = catalog.describe().pid;
+
+  EXPECT_EQ(CommChan::OK, set.call(TestServer::CrashOnce));
+  TestCOB::Description const d = set.describe();
+  EXPECT_NE(firstPid, d.pid);
+  EXPECT_EQ(3, d.twins);
+  EXPECT_EQ(9, d.state);
+  EXPECT_EQ(7, project.describe().state);
+  EXPECT_EQ(1, catalog.reinitialized);
+  EXPECT_EQ(1, project.reinitialized);
+  EXPECT_EQ(1, set.reinitialized);
+  ASSERT_EQ(2u, infos().size());
+  EXPECT_EQ("COBPortal::sendAndReceive:  myReceive returned error CommChan::CLOSED", infos()[0]);
+  EXPECT_EQ("COBPortal::sendAndReceive: The connection to the dataserver on  was lost.\nWill attempt to re-connect.",
+            infos()[1]);
+
+  // The ID counter goes on.
+  TestCOB later("AttributeSet", &project);
+  EXPECT_EQ(4, later.getID());
+  EXPECT_EQ(4, later.describe().twins);
+
+  std::vector<std::string> second;
+  for (auto const& entry : serverLog(m_dir))
+    if (entry.first == d.pid) second.push_back(entry.second);
+  EXPECT_EQ((std::vector<std::string>{"start", "create 1 ProjectCatalog 0", "message 1 code 10", "state 1 0",
+                                      "create 2 Project 1", "message 2 code 10", "state 2 7",
+                                      "create 3 AttributeSet 2", "message 3 code 10", "state 3 9",
+                                      "message 3 code 30", "message 3 code 11", "message 2 code 11",
+                                      "create 4 AttributeSet 2", "message 4 code 11"}),
+            second);
+}
+
+// A server that goes between two calls is noticed at the next send.
+TEST_F(COBPortalTest, ServerGoneBetweenCallsIsNoticedAtTheNextSend) {
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  int const firstPid = catalog.describe().pid;
+  Packer die(20);
+  die.pack(static_cast<int>(TestServer::CrashAlways));
+  ASSERT_EQ(CommChan::OK, catalog.send(die));
+  ASSERT_TRUE(logHas("crash"));
+  // The first attempt to create finds the peer gone.
+  TestCOB project("Project", &catalog);
+  TestCOB::Description const d = project.describe();
+  EXPECT_NE(firstPid, d.pid);
+  EXPECT_EQ("Project", d.type);
+  EXPECT_EQ(2, d.twins);
+  ASSERT_EQ(1u, infos().size());
+  EXPECT_EQ("COBPortal::send: The connection to the dataserver on  was lost.\nWill attempt to re-connect.",
+            infos()[0]);
+}
+
+// Three failed attempts return the status rather than raise.
+TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::CrashAlways));
+  std::set<int> pids;
+  int crashes = 0;
+  for (auto const& entry : serverLog(m_dir)) {
+    pids.insert(entry.first);
+    if (entry.second == "crash") ++crashes;
+  }
+  EXPECT_EQ(3u, pids.size());
+  EXPECT_EQ(3, crashes);
+  EXPECT_EQ(3, static_cast<int>(std::count(infos().begin(), infos().end(),
+                                           "COBPortal::sendAndReceive:  myReceive returned error CommChan::CLOSED")));
+
+  // A forged length from the server is a lost connection too, at no cost in
+  // memory.
+  EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::ForgedLength));
+  EXPECT_TRUE(contains(serverLines(m_dir), "forged"));
+}
+
+TEST_F(COBPortalTest, UnknownIdsAreReportedAndIgnored) {
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  portal->dropID(99);
+  ASSERT_EQ(1u, errors().size());
+  EXPECT_EQ("COBPortal::dropID: PortalID 99 was not found, ignored.", errors()[0]);
+  EXPECT_EQ(1, catalog.describe().twins);
+  EXPECT_EQ(1, portal->getNObjects());
+}
+
+// The remote shell is asked before a server on another host is started.
+TEST_F(COBPortalTest, AnotherHostWhoseRemoteShellDoesNotAnswer) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        ::setenv("SP_CAPI_RSHTIMEOUT", "3", 1);
+        vString const host("127.0.0.2");
+        vString const command("DataServer Rondo <$COBADDRESS$>");
+        std::string const text = fatalText([&] { COBPortal portal(&host, &command); });
+        std::exit(text == "COBPortal::connect: The remote shell port on 127.0.0.2 did not respond after 3 seconds.   "
+                          "It may be that the machine is down or no longer exists.   Please investigate."
+                      ? 0
+                      : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
