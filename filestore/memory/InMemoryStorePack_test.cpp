@@ -1,0 +1,188 @@
+// The packed forms of the in-memory set and store: byte-exact frames built
+// by hand, round trips through a Packer, foreign and later frames.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "attribute/Property.h"
+#include "filestore/memory/InMemoryStore.h"
+#include "foundation/Packer.h"
+#include "foundation/UtlExcept.h"
+#include "project/Project.h"
+#include "project/StoreTesting.h"
+
+using store_testing::bodyOf;
+using store_testing::Bytes;
+using store_testing::expectFailure;
+using store_testing::receive;
+
+namespace {
+
+std::string str(vString const& s) { return s.c_str(); }
+
+template <class T>
+std::vector<unsigned char> packed(T const& object) {
+  Packer p;
+  p.pack(object);
+  return bodyOf(p);
+}
+
+std::vector<unsigned char> packedProperties(PropertyI const& properties) {
+  Packer p;
+  properties.packProperties(p);
+  return bodyOf(p);
+}
+
+// Two instances of CDP (key, Int32) and AMP (Float64, length 2), with a
+// property.
+void fill(InMemoryStore& store) {
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  store.create("line9", "seismic", "2d", keys, nullptr);
+  store.addAttribute(Attribute("AMP", "", vFLOAT64, 2, 4.0));
+  store.addInstances(2);
+  *store.updateAttributeAndData("CDP").getInt32Pointer(2) = 7;
+  double* amp = store.updateAttributeAndData("AMP").getFloat64Pointer(1);
+  amp[0] = 0.5;
+  amp[3] = -1.25;
+  store.addProperty(Property("SURVEY", vString("north")));
+}
+
+}  // namespace
+
+TEST(InMemoryStorePack, SetAndStoreFramesAreByteExact) {
+  InMemoryStore store{vHandle<Project>()};
+  fill(store);
+  InMemoryAttributeSet const& set = *vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front());
+
+  Bytes expectedSet;
+  expectedSet.frame(3064, 1).text("line9").text("seismic").text("2d");
+  expectedSet.append(packedProperties(set));
+  expectedSet.append(packed(set.getKeyList()));
+  expectedSet.int32(2).uint32(2);
+  // The attributes in name order, each with its data.
+  expectedSet.append(packed(set.readAttributeAndData("AMP")));
+  expectedSet.append(packed(set.readAttributeAndData("CDP")));
+  expectedSet.end();
+  EXPECT_EQ(expectedSet.body(), packed(set));
+
+  // A store with no secondary set counts one set.
+  Bytes expectedStore;
+  expectedStore.frame(3063, 1).text("line9").text("seismic").text("2d").int32(1);
+  expectedStore.append(expectedSet.body()).end();
+  EXPECT_EQ(expectedStore.body(), packed(store));
+}
+
+TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
+  InMemoryStore store{vHandle<Project>()};
+  fill(store);
+  KeyList none;
+  store.createAttributeSet("notes", none);
+  store.addAttribute(Attribute("TEXT", "", vSTRING));
+  store.addInstances(1);
+  store.updateAttributeAndData("TEXT").setString(1, "checked");
+  store.openAttributeSet("line9");
+
+  Packer out;
+  out.pack(store);
+  std::unique_ptr<Packer> in = receive(out);
+  InMemoryStore back{vHandle<Project>()};
+  in->unpack(back);
+
+  ASSERT_EQ(2u, back.getAttributeSets().size());
+  EXPECT_TRUE(back.isOpen());
+  EXPECT_EQ("line9", str(back.getName()));
+  EXPECT_EQ("seismic", str(back.getClass()));
+  EXPECT_EQ("2d", str(back.getSubClass()));
+  EXPECT_TRUE(back.hasProperty(vUCString("SURVEY")));
+  EXPECT_EQ("CDP", str(back.getKeyList().findName(1)));
+  EXPECT_EQ(7, back.readAttributeAndData("CDP").getInt32(2));
+  Attribute const& amp = back.readAttributeAndData("AMP");
+  EXPECT_EQ(0.5, amp.getFloat64Pointer(1)[0]);
+  EXPECT_EQ(-1.25, amp.getFloat64Pointer(2)[1]);
+  EXPECT_EQ(4.0, amp.getSampleRate());
+  EXPECT_FALSE(back.getAttributeSets().back()->isOpen()) << "secondary sets come back closed";
+  back.openAttributeSet("notes");
+  EXPECT_EQ("checked", str(back.readAttributeAndData("TEXT").getString(1)));
+  // And the unpacked store packs to the same bytes.
+  back.openAttributeSet("line9");
+  EXPECT_EQ(packed(store), packed(back));
+}
+
+TEST(InMemoryStorePack, AnUnpackedSetIsOpenButNotForModification) {
+  InMemoryStore store{vHandle<Project>()};
+  fill(store);
+  Packer out;
+  out.pack(*vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front()));
+  std::unique_ptr<Packer> in = receive(out);
+  InMemoryAttributeSet set{vHandle<Project>()};
+  in->unpack(set);
+  EXPECT_TRUE(set.isOpen());
+  EXPECT_FALSE(set.isWriteable());
+  EXPECT_EQ(2u, set.getNInstances());
+  EXPECT_EQ("line9", str(set.getName()));
+}
+
+TEST(InMemoryStorePack, ForeignFramesAreRefused) {
+  Bytes foreign;
+  foreign.frame(3065, 1).end();
+  InMemoryAttributeSet set{vHandle<Project>()};
+  std::unique_ptr<Packer> p = foreign.reader();
+  try {
+    p->unpack(set);
+    ADD_FAILURE() << "a foreign frame was read";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("Bad magic value, not an InMemoryAttributeSet.", str(e.getReason()));
+    EXPECT_EQ("InMemoryAttributeSet::unpack()", str(e.getMethod()));
+    EXPECT_EQ("InMemoryAttributeSet", str(e.getFileName()));
+    EXPECT_GT(e.getLineNumber(), 0);
+  }
+  InMemoryStore store{vHandle<Project>()};
+  std::unique_ptr<Packer> q = foreign.reader();
+  expectFailure([&] { q->unpack(store); }, "InMemoryStore::unpack()", "Bad magic value, not an InMemoryStore.");
+  EXPECT_FALSE(store.isOpen());
+}
+
+TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
+  PropertyI noProperties;
+  Bytes later;
+  later.frame(3063, 2).text("late").text("seismic").text("3d").int32(1);
+  later.frame(3064, 2).text("late").text("seismic").text("3d");
+  later.append(packedProperties(noProperties)).append(packed(KeyList()));
+  later.int32(1).uint32(2);
+  Attribute cdp("CDP", "", vINT32);
+  int const values[] = {4, 5};
+  cdp.copyData(2, values);
+  later.append(packed(cdp));
+  // What a later writer added to each frame.
+  later.float64(3.5).text("more").end();
+  later.int32(99).end();
+  later.int32(123456);
+
+  std::unique_ptr<Packer> p = later.reader();
+  InMemoryStore store{vHandle<Project>()};
+  p->unpack(store);
+  int after = 0;
+  p->unpack(after);
+  EXPECT_EQ(123456, after);
+  EXPECT_EQ("late", str(store.getName()));
+  EXPECT_EQ(1u, store.getAttributeSets().size());
+  EXPECT_EQ(5, store.readAttributeAndData("CDP").getInt32(2));
+}
+
+TEST(InMemoryStorePack, ASetWhoseAttributeDoesNotFitIsRefused) {
+  PropertyI noProperties;
+  Bytes bad;
+  bad.frame(3064, 1).text("odd").text("seismic").text("3d");
+  bad.append(packedProperties(noProperties)).append(packed(KeyList()));
+  bad.int32(1).uint32(3);
+  Attribute cdp("CDP", "", vINT32);
+  int const values[] = {4, 5};
+  cdp.copyData(2, values);
+  bad.append(packed(cdp)).end();
+  InMemoryAttributeSet set{vHandle<Project>()};
+  std::unique_ptr<Packer> p = bad.reader();
+  expectFailure([&] { p->unpack(set); }, "InMemoryAttributeSet::unpack()",
+                "Attribute CDP of AttributeSet 'odd' holds 2 instances, the AttributeSet 3.");
+}
