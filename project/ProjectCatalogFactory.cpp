@@ -20,11 +20,6 @@ std::map<vString, ProjectCatalogFactory::Maker>& makers() {
   return table;
 }
 
-ProjectCatalogFactory::ServerLister& serverLister() {
-  static ProjectCatalogFactory::ServerLister lister = nullptr;
-  return lister;
-}
-
 }  // namespace
 
 std::list<vHandle<ProjectCatalog> >& ProjectCatalogFactory::myGetCache() {
@@ -55,12 +50,6 @@ ProjectCatalog* ProjectCatalogFactory::make(char const* label, vString const& cl
     Message::fatal(label, 0, "Class %s is not available: no maker is registered for it (see registerRondoClasses).",
                    className.c_str());
   return maker(host, type, server);
-}
-
-ProjectCatalogFactory::ServerLister ProjectCatalogFactory::registerServerLister(ServerLister lister) {
-  ServerLister previous = serverLister();
-  serverLister() = lister;
-  return previous;
 }
 
 vHandle<ProjectCatalog> ProjectCatalogFactory::create(vString const& host, ProjectType::PROJECT_TYPE type,
@@ -130,12 +119,8 @@ vHandle<ProjectCatalog> ProjectCatalogFactory::enter(ProjectType::PROJECT_TYPE t
     for (;;) {
       theServer = vUtl::enterc("KVS centre name [-l for list]", theServer);
       if (theServer != "-l") break;
-      if (serverLister() == nullptr)
-        Message::fatal("ProjectCatalogFactory::enter", 0,
-                       "Class %s is not available: no maker is registered for it (see registerRondoClasses).",
-                       "CapiZonFactory");
       std::list<vString> servers;
-      serverLister()(servers);
+      Capi::getCapiZonAvailableServers(servers);
       int column = 0;
       for (vString const& s : servers) {
         std::cout << std::setw(15) << s.c_str();

@@ -25,8 +25,6 @@ class ProjectCatalogFactory {
   // ZonProjectCatalog the host, the type and the server, where a blank server
   // means the default one.
   typedef ProjectCatalog* (*Maker)(vString const& host, ProjectType::PROJECT_TYPE type, vString const& server);
-  // Lists the database servers that can be chosen, for the interactive form.
-  typedef void (*ServerLister)(std::list<vString>& servers);
 
   // open() with the arguments in another order.
   static vHandle<ProjectCatalog> create(vString const& host, ProjectType::PROJECT_TYPE type, vString const& server);
@@ -44,7 +42,6 @@ class ProjectCatalogFactory {
   // the caller's label.
   static ProjectCatalog* make(char const* label, vString const& className, vString const& host,
                               ProjectType::PROJECT_TYPE type, vString const& server);
-  static ServerLister registerServerLister(ServerLister lister);
 
   // The number of cached catalogs.
   static unsigned int getCacheSize();

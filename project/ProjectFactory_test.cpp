@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -483,10 +484,6 @@ ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE ty
   return new UTProjectCatalog(host, type);
 }
 
-void listCentres(std::list<vString>& servers) {
-  for (char const* s : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(s);
-}
-
 // Feeds a terminal session to std::cin and keeps what is written to
 // std::cout, while it lives.
 class Terminal {
@@ -510,7 +507,10 @@ class Terminal {
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   DefaultProjectGuard guard;
   ProjectCatalogFactory::Maker savedMaker = ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
-  ProjectCatalogFactory::ServerLister savedLister = ProjectCatalogFactory::registerServerLister(&listCentres);
+  // The list offered is that of the database servers installed.
+  TestReleaseTree tree;
+  for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"})
+    std::filesystem::create_directories(tree.releaseDir() + "SupportFiles/CapiZon/" + centre);
   vHandle<ProjectCatalog> catalog;
   std::string output;
   {
@@ -518,7 +518,6 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
     catalog = ProjectCatalogFactory::enter(ProjectType::RONDO, "", "uthostY");
     output = terminal.output();
   }
-  ProjectCatalogFactory::registerServerLister(savedLister);
   ProjectCatalogFactory::registerMaker("ZonProjectCatalog", savedMaker);
 
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
