@@ -1,0 +1,300 @@
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "syslayer/FSTesting.h"
+#include "syslayer/SSHeap.h"
+
+namespace {
+
+using fs_testing::expectFailure;
+
+int32_t root() {
+  int32_t r;
+  ss_init_(r);
+  return r;
+}
+
+// Id checking on for one test.
+struct Checking {
+  Checking() { ss_[1] |= 1; }
+  ~Checking() { ss_[1] &= ~1; }
+};
+
+std::string text(int32_t id, int32_t ordinal, int32_t length) {
+  std::string out(static_cast<size_t>(length), '?');
+  ss_gettext_(id, ordinal, &out[0], length);
+  return out;
+}
+
+TEST(SSHeap, HeaderAndRoot) {
+  int32_t const r = root();
+  int32_t again;
+  ss_init_(again);
+  EXPECT_EQ(again, r);
+  EXPECT_EQ(ss_[0], r);
+  for (int i = 2; i < 20; ++i) EXPECT_EQ(ss_[i], 501930925) << i;
+  EXPECT_EQ(ss_[r - 1], r);
+  EXPECT_EQ(ss_[r], 7);
+  EXPECT_EQ(ss_[r + 1], 0);
+  EXPECT_EQ(ss_[r + 2], 0);
+  int32_t n;
+  ss_n_(r, n);
+  EXPECT_EQ(n, 2);
+  int32_t rr;
+  ss_root_(rr);
+  EXPECT_EQ(rr, r);
+}
+
+TEST(SSHeapDeathTest, MachineTypeComesFromTheEnvironmentAtTheFirstInit) {
+  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+  for (auto const& [machine, value] : std::vector<std::pair<char const*, int>>{{"sun4", 1}, {"convex", 2}, {"x86", 0}}) {
+    EXPECT_EXIT(
+        {
+          setenv("MACHINE", machine, 1);
+          int32_t r;
+          ss_init_(r);
+          std::exit(ss_[r + 3] == value ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "")
+        << machine;
+  }
+}
+
+TEST(SSHeap, StructuresSlotsAndTypes) {
+  int32_t const r = root();
+  int32_t const types[] = {SS_INT, SS_FLOAT, SS_DOUBLE, SS_DOUBLE, SS_TEXT, SS_AINT, SS_ATEXT, SS_CODE, SS_STRUCT};
+  int32_t s;
+  ss_define_(s, r, 9, types);
+  EXPECT_EQ(ss_[s - 1], s);
+  EXPECT_EQ(ss_[s + 1], r);
+  int32_t size;
+  ss_size_(s, size);
+  EXPECT_EQ(size, 3 + 2 + 9);  // header, two map words, nine slots
+  int32_t n;
+  ss_n_(s, n);
+  EXPECT_EQ(n, 9);
+  // The map: four bits a slot, eight slots a word, first slot lowest.
+  EXPECT_EQ(static_cast<uint32_t>(ss_[s + 3]), 0x6A743321u);
+  EXPECT_EQ(ss_[s + 4], 5);
+  int32_t t;
+  ss_gettype_(s, 6, t);
+  EXPECT_EQ(t, SS_AINT);
+  ss_puttype_(s, 8, SS_INT);
+  ss_gettype_(s, 8, t);
+  EXPECT_EQ(t, SS_INT);
+  ss_putnth_(s, 1, -77);
+  int32_t v;
+  ss_getnth_(s, 1, v);
+  EXPECT_EQ(v, -77);
+  EXPECT_EQ(ss_[s + 5], -77);
+  ss_putdouble_(s, 3, 2.5e300);
+  double d;
+  ss_getdouble_(s, 3, d);
+  EXPECT_EQ(d, 2.5e300);
+  expectFailure([&] { ss_getnth_(s, 10, v); }, "SS_getnth", "Illegal ordinal");
+  expectFailure([&] { ss_getdouble_(s, 9, d); }, "SS_getdouble", "Illegal ordinal");
+  ss_delete_(s);
+}
+
+TEST(SSHeap, TextSlotsAndTheirBlocks) {
+  int32_t const r = root();
+  int32_t const types[] = {SS_TEXT, SS_TEXT};
+  int32_t s;
+  ss_define_(s, r, 2, types);
+  // Never set: blanks.
+  EXPECT_EQ(text(s, 1, 6), "      ");
+  int32_t len = -1;
+  ss_lentext_(s, 1, len);
+  EXPECT_EQ(len, 0);
+  ss_puttext_(s, 2, "hello", 5);
+  int32_t p;
+  ss_getnth_(s, 2, p);
+  int32_t const b = p - 3;
+  EXPECT_EQ(ss_[b], -4);
+  EXPECT_EQ(ss_[b + 1], (5 + 3) / 4 + 4);
+  EXPECT_EQ(ss_[b + 2], s);
+  EXPECT_EQ(ss_[b + 3], 5);
+  EXPECT_EQ(std::memcmp(ss_ + b + 4, "hello", 5), 0);
+  EXPECT_EQ(text(s, 2, 8), "hello   ");
+  EXPECT_EQ(text(s, 2, 3), "hel");
+  ss_lentext_(s, 2, len);
+  EXPECT_EQ(len, 5);
+  // A new text frees the old block first, so a text of that size takes it.
+  ss_puttext_(s, 2, "world", 5);
+  ss_getnth_(s, 2, p);
+  EXPECT_EQ(p, b + 3);
+  ss_puttext_(s, 2, "a longer text", 13);
+  ss_puttext_(s, 1, "again", 5);
+  int32_t p1;
+  ss_getnth_(s, 1, p1);
+  EXPECT_EQ(p1, b + 3);
+  EXPECT_EQ(text(s, 2, 13), "a longer text");
+  ss_delnth_(s, 2);
+  EXPECT_EQ(text(s, 2, 4), "    ");
+  ss_delete_(s);
+}
+
+TEST(SSHeap, ArraysGrowAndCheckTheirKind) {
+  int32_t const r = root();
+  int32_t const types[] = {SS_ATEXT, SS_ADOUBLE, SS_AINT, SS_INT};
+  int32_t s;
+  ss_define_(s, r, 4, types);
+  std::string out(4, '?');
+  ss_getatext_(s, 1, 1, &out[0], 4);
+  EXPECT_EQ(out, "    ");  // no array yet: blanks
+  ss_alloc_(s, 1, 3);
+  int32_t n;
+  ss_asize_(s, 1, n);
+  EXPECT_EQ(n, 3);
+  ss_putatext_(s, 1, 2, "two", 3);
+  ss_getatext_(s, 1, 2, &out[0], 4);
+  EXPECT_EQ(out, "two ");
+  ss_getatext_(s, 1, 1, &out[0], 4);
+  EXPECT_EQ(out, "    ");
+  expectFailure([&] { ss_putatext_(s, 1, 0, "x", 1); }, "SS_putatext", "Illegal array ordinal");
+  expectFailure([&] { ss_putatext_(s, 1, 4, "x", 1); }, "SS_putatext", "Illegal array ordinal");
+  // Growing keeps what was there.
+  ss_alloc_(s, 1, 10);
+  ss_getatext_(s, 1, 2, &out[0], 4);
+  EXPECT_EQ(out, "two ");
+  ss_alloc_(s, 2, 2);
+  ss_putadouble_(s, 2, 2, -1.25);
+  double d;
+  ss_getadouble_(s, 2, 2, d);
+  EXPECT_EQ(d, -1.25);
+  ss_alloc_(s, 3, 1);
+  ss_putaword_(s, 3, 1, 42);
+  int32_t w;
+  ss_getaword_(s, 3, 1, w);
+  EXPECT_EQ(w, 42);
+  expectFailure([&] { ss_alloc_(s, 4, 5); }, "SS_alloc", "Illegal allocate attempt");
+  // The wrong kind of access is warned of and does nothing.
+  Message::clearNErrors();
+  {
+    MessageHandling quiet;
+    ss_getadouble_(s, 3, 1, d);
+    ss_putatext_(s, 2, 1, "x", 1);
+  }
+  EXPECT_EQ(Message::getNErrors(), 2);
+  Message::clearNErrors();
+  EXPECT_EQ(d, 0);
+  ss_getadouble_(s, 2, 2, d);
+  EXPECT_EQ(d, -1.25);
+  ss_delete_(s);
+}
+
+TEST(SSHeap, BadIdsOnlyWithChecking) {
+  int32_t const r = root();
+  int32_t s;
+  ss_define_(s, r, 1, nullptr);
+  ss_delete_(s);
+  int32_t ok = 1;
+  ss_verify_(s, ok);
+  EXPECT_EQ(ok, 0);
+  // The block is free, its self word cleared: without checking the stale
+  // id is still used, with checking it is refused.
+  int32_t n = -1;
+  ss_size_(s, n);
+  EXPECT_EQ(n, 3 + 1 + 1);
+  int32_t live;
+  ss_define_(live, r, 2, nullptr);  // not the freed block: another size
+  ASSERT_NE(live, s);
+  ss_[live - 1] = 12345;            // a self index that differs
+  ss_n_(live, n);
+  EXPECT_EQ(n, 2);
+  {
+    Checking on;
+    expectFailure([&] { ss_n_(live, n); }, "SS_n", "Bad struct id");
+    expectFailure([&] { ss_size_(s, n); }, "SS_size", "Bad struct id");
+    int32_t child;
+    expectFailure([&] { ss_define_(child, s, 1, nullptr); }, "SS_define", "Illegal parent");
+    expectFailure([&] { ss_alloc_(s, 1, 1); }, "SS_alloc", "id mismatch");
+  }
+  ss_[live - 1] = live;
+  ss_delete_(live);
+  // Outside the heap is refused whatever the flags say.
+  expectFailure([&] { ss_size_(5, n); }, "SS_size", "Bad struct id");
+  expectFailure([&] { ss_n_(0x7FFFFFF0, n); }, "SS_n", "Bad struct id");
+}
+
+TEST(SSHeap, TreesDeleteWholeAndLocateByKey) {
+  int32_t const r = root();
+  int32_t const top[] = {SS_STRUCT, SS_ASTRUCT, SS_INT};
+  int32_t t;
+  ss_define_(t, r, 3, top);
+  int32_t a;
+  int32_t const leaf[] = {SS_INT, SS_TEXT};
+  ss_defnth_(a, t, 1, 2, leaf);
+  ss_putnth_(a, 1, 100);
+  ss_puttext_(a, 2, "a", 1);
+  ss_alloc_(t, 2, 3);
+  std::vector<int32_t> kids;
+  for (int32_t e = 1; e <= 3; ++e) {
+    int32_t k;
+    ss_define_(k, t, 2, leaf);
+    ss_putnth_(k, 1, 200 + e);
+    ss_putaword_(t, 2, e, k);
+    kids.push_back(k);
+  }
+  int32_t found = -1;
+  ss_locate_(t, 1, 202, found);
+  EXPECT_EQ(found, kids[1]);
+  ss_locate_(t, 1, 100, found);
+  EXPECT_EQ(found, a);
+  ss_locate_(t, 1, 999, found);
+  EXPECT_EQ(found, 0);
+  // Deleting a child clears the parent's hold.
+  ss_delete_(kids[1]);
+  int32_t w;
+  ss_getaword_(t, 2, 2, w);
+  EXPECT_EQ(w, 0);
+  ss_locate_(t, 1, 202, found);
+  EXPECT_EQ(found, 0);
+  ss_delete_(t);
+  int32_t ok;
+  for (int32_t id : {t, a, kids[0], kids[2]}) {
+    ss_verify_(id, ok);
+    EXPECT_EQ(ok, 0) << id;
+  }
+}
+
+TEST(SSHeap, GrowingHeapKeepsValues) {
+  int32_t const r = root();
+  int32_t const types[] = {SS_INT, SS_TEXT};
+  std::vector<int32_t> ids;
+  int64_t const before = ss_heapsize_();
+  for (int i = 0; i < 3000; ++i) {
+    int32_t s;
+    ss_define_(s, r, 2, types);
+    ss_putnth_(s, 1, i);
+    std::string const t = "text " + std::to_string(i);
+    ss_puttext_(s, 2, t.data(), static_cast<int32_t>(t.size()));
+    ids.push_back(s);
+  }
+  EXPECT_GT(ss_heapsize_(), before);
+  for (int i = 0; i < 3000; ++i) {
+    int32_t v;
+    ss_getnth_(ids[static_cast<size_t>(i)], 1, v);
+    ASSERT_EQ(v, i);
+    std::string const t = "text " + std::to_string(i);
+    ASSERT_EQ(text(ids[static_cast<size_t>(i)], 2, static_cast<int32_t>(t.size())), t);
+  }
+  for (int32_t s : ids) ss_delete_(s);
+}
+
+TEST(SSHeap, BitLoadedMaps) {
+  int32_t map[3] = {0, 0, 0};
+  for (int32_t k = 1; k <= 20; ++k) ss_bitload_(map, k, k % 16);
+  for (int32_t k = 1; k <= 20; ++k) EXPECT_EQ(ss_bitget_(map, k), k % 16) << k;
+  EXPECT_EQ(static_cast<uint32_t>(map[0]), 0x87654321u);
+  ss_bitload_(map, 2, 0);
+  EXPECT_EQ(static_cast<uint32_t>(map[0]), 0x87654301u);
+}
+
+}  // namespace
