@@ -1,0 +1,183 @@
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "syslayer/IRRecord.h"
+#include "syslayer/SSHeap.h"
+
+namespace {
+
+int32_t fresh() {
+  int32_t id;
+  ir_new_(id);
+  return id;
+}
+
+std::string gett(int32_t id, int32_t index, int32_t length, int32_t& status) {
+  std::string out(static_cast<size_t>(length), '?');
+  ir_gett_(id, index, &out[0], length, status);
+  return out;
+}
+
+TEST(IRRecord, RootAndRecordsLiveInTheHeap) {
+  int32_t root1, root2;
+  ir_init_(root1);
+  ir_init_(root2);
+  EXPECT_EQ(root1, root2);
+  int32_t ssRoot;
+  ss_root_(ssRoot);
+  int32_t held;
+  ss_getnth_(ssRoot, 1, held);
+  EXPECT_EQ(held, root1);
+  int32_t const a = fresh();
+  int32_t const b = fresh();
+  EXPECT_NE(a, b);
+  EXPECT_EQ(ss_[a + 1], root1);  // parent
+  int32_t n;
+  ir_n_(a, n);
+  EXPECT_EQ(n, 0);
+  int32_t kind;
+  ir_kind_(a, kind);
+  EXPECT_EQ(kind, 0);
+}
+
+TEST(IRRecord, ScalarsConvertOnRead) {
+  int32_t const id = fresh();
+  ir_puti_(id, 0, 42);
+  int32_t kind, n, i, status;
+  ir_kind_(id, kind);
+  ir_n_(id, n);
+  EXPECT_EQ(kind, IR_INT);
+  EXPECT_EQ(n, 1);
+  double d;
+  ir_getd_(id, 0, d, status);
+  EXPECT_EQ(d, 42.0);
+  EXPECT_EQ(gett(id, 0, 5, status), "42   ");
+
+  ir_putf_(id, 0, -2.75f);
+  ir_geti_(id, 0, i, status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(i, -2);  // truncated
+  EXPECT_EQ(gett(id, 0, 6, status), "-2.75 ");
+
+  ir_putd_(id, 0, 1.0 / 3.0);
+  ir_kind_(id, kind);
+  EXPECT_EQ(kind, IR_DOUBLE);
+  ir_getd_(id, 0, d, status);
+  EXPECT_EQ(d, 1.0 / 3.0);
+  EXPECT_EQ(gett(id, 0, 17, status), "0.333333333333333");
+
+  ir_putt_(id, 0, " 17 ");
+  ir_geti_(id, 0, i, status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(i, 17);
+  ir_putt_(id, 0, "seventeen");
+  ir_geti_(id, 0, i, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(gett(id, 0, 11, status), "seventeen  ");
+  ir_putd_(id, 0, 3e10);
+  ir_geti_(id, 0, i, status);
+  EXPECT_EQ(status, 0);  // out of the integer range
+  ir_putl_(id, 0, 7);
+  ir_geti_(id, 0, i, status);
+  EXPECT_EQ(i, 1);
+  // Nothing at index 2 of a scalar.
+  ir_geti_(id, 2, i, status);
+  EXPECT_EQ(status, 0);
+}
+
+TEST(IRRecord, EveryStoreSetsTheChangedFlagInWordFive) {
+  int32_t const id = fresh();
+  EXPECT_EQ(ss_[id + 5], 0);
+  ir_puti_(id, 0, 1);
+  EXPECT_EQ(ss_[id + 5], 1);
+  ss_[id + 5] = 0;
+  ir_putnt_(id, 0, "abcdef", 3);
+  EXPECT_EQ(ss_[id + 5], 1);
+  ss_[id + 5] = 0;
+  ir_setn_(id, 4);
+  EXPECT_EQ(ss_[id + 5], 1);
+  int32_t status;
+  EXPECT_EQ(gett(id, 1, 4, status), "abc ");
+}
+
+TEST(IRRecord, ArraysGrowSizeAndConvert) {
+  int32_t const id = fresh();
+  ir_puti_(id, 3, 30);
+  int32_t kind, n, status;
+  ir_kind_(id, kind);
+  ir_n_(id, n);
+  EXPECT_EQ(kind, IR_ARRAY + IR_INT);
+  EXPECT_EQ(n, 3);
+  ir_puti_(id, 1, 10);
+  ir_putf_(id, 2, 20.9f);  // converted to the array's kind
+  int32_t values[4] = {-1, -1, -1, -1};
+  ir_getisr_(id, 1, 3, values, status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(values[0], 10);
+  EXPECT_EQ(values[1], 20);
+  EXPECT_EQ(values[2], 30);
+  ir_getisr_(id, 2, 3, values, status);
+  EXPECT_EQ(status, 0);  // the third is past the end
+  float f[2];
+  ir_getfsr_(id, 1, 2, f, status);
+  EXPECT_EQ(f[1], 20.0f);
+  int32_t logical[3];
+  ir_puti_(id, 2, 0);
+  ir_getlsr_(id, 1, 3, logical, status);
+  EXPECT_EQ(logical[0], 1);
+  EXPECT_EQ(logical[1], 0);
+  EXPECT_EQ(logical[2], 1);
+  ir_setn_(id, 2);
+  ir_n_(id, n);
+  EXPECT_EQ(n, 2);
+
+  int32_t const t = fresh();
+  ir_putt_(t, 2, "second");
+  ir_putd_(t, 1, 2.5);
+  char texts[3 * 7];
+  ir_gettsr_(t, 1, 3, texts, 7, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(std::string(texts, 14), "2.5    second ");
+  EXPECT_EQ(std::string(texts + 14, 7), "       ");
+
+  // A scalar sized becomes an array holding it first.
+  int32_t const s = fresh();
+  ir_putd_(s, 0, 6.5);
+  ir_setn_(s, 3);
+  ir_kind_(s, kind);
+  EXPECT_EQ(kind, IR_ARRAY + IR_DOUBLE);
+  double d;
+  ir_getd_(s, 1, d, status);
+  EXPECT_EQ(d, 6.5);
+  ir_getd_(s, 3, d, status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(d, 0.0);
+}
+
+TEST(IRRecord, Conversions) {
+  int32_t to, status;
+  ir_convert_(IR_INT, 7, IR_FLOAT, to, status);
+  float f;
+  std::memcpy(&f, &to, sizeof f);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(f, 7.0f);
+  ir_convert_(IR_FLOAT, to, IR_INT, to, status);
+  EXPECT_EQ(to, 7);
+  ir_convert_(IR_TEXT, 7, IR_INT, to, status);
+  EXPECT_EQ(status, 0);
+  double d;
+  ir_convert8_(IR_DOUBLE, -9.99, IR_INT, d, status);
+  EXPECT_EQ(d, -9.0);
+  ir_convert8_(IR_DOUBLE, 1e300, IR_FLOAT, d, status);
+  EXPECT_TRUE(std::isinf(d));
+  char text[8];
+  ir_format_(IR_FLOAT, 0.5, text, 8);
+  EXPECT_EQ(std::string(text, 8), "0.5     ");
+  ir_format_(IR_INT, 12.7, text, 8);
+  EXPECT_EQ(std::string(text, 8), "12      ");
+}
+
+}  // namespace
