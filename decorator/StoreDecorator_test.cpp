@@ -84,6 +84,24 @@ TEST(StoreDecoratorForwarding, PropertiesAreThoseOfTheStoreBelow) {
   EXPECT_FALSE(below->hasProperty(vUCString("COLOUR")));
 }
 
+// Comparison and property assignment are the store's to answer: here a
+// StoreImp's refusal comes back through every kind of decorator.
+TEST(StoreDecoratorForwarding, ComparisonAndAssignmentReachTheStoreBelow) {
+  vHandle<Store> below = referenceStore();
+  vHandle<SelectStoreDecorator> select;
+  vHandle<AttributeSelectDecorator> attributes;
+  std::vector<vHandle<Store>> views = {vHandle<Store>(new StoreDecorator(below)),
+                                       StoreDecoratorFactory::addSelect(below, select),
+                                       StoreDecoratorFactory::addAttributeSelect(below, attributes)};
+  std::string const refused = "This operation is not implemented for StoreImp.";
+  PropertyI properties;
+  for (vHandle<Store> const& view : views) {
+    expectFailure([&] { *view = properties; }, "StoreImp::operator=()", refused);
+    expectFailure([&] { (void)(*view == *below); }, "StoreImp::operator==()", refused);
+    expectFailure([&] { (void)(*view != *below); }, "StoreImp::operator==()", refused);
+  }
+}
+
 TEST(StoreDecoratorForwarding, FlushStopsAtTheDecorator) {
   auto* observed = new ObservedStore(layoutShelf(referenceLayout()));
   vHandle<Store> below(observed);
