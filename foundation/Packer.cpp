@@ -511,6 +511,23 @@ void Packer::skipFrame() {
   }
 }
 
+void Packer::skipRestOfFrame() {
+  try {
+    int depth = 1;
+    while (depth > 0 && m_state != PACKUNPACKED) {
+      DataType const type = getNextDataType();
+      if (type == vNOTYPE) return;
+      next();
+      if (type == vENDFRAME)
+        --depth;
+      else if (type == vPACKFRAME)
+        ++depth;
+    }
+  } catch (UtlExcept const&) {
+    // As for skipFrame, running off the end of the message ends the skip.
+  }
+}
+
 // --- reading ------------------------------------------------------------------
 
 void Packer::myPrepareNextEntry(Entry& e, char const* label) const {

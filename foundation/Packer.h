@@ -182,7 +182,14 @@ class Packer {
   void unpackFrame(short& magic, short& version);
   // Steps over the rest of the frame being read, its end included; called
   // before anything was read, over the first entry (a whole frame) instead.
+  // Right after the end of a nested frame it takes that end for the end of
+  // the frame being read and steps over one more entry only: a reader whose
+  // last known field is itself a frame uses skipRestOfFrame.
   void skipFrame();
+  // Steps over entries, counting the frames begun and ended among them, up
+  // to and over the end of the frame being read. The end of the message
+  // ends it too.
+  void skipRestOfFrame();
 
   // --- Unpacking ----------------------------------------------------------
   // Scalars; the entry must have exactly the type asked for.

@@ -1371,6 +1371,39 @@ TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
   EXPECT_EQ(v, 6);
 }
 
+// A reader whose last known field is a frame of its own, facing a newer
+// writer that added an int and a nested frame after it.
+TEST_F(PackerTest, SkipRestOfFrameAfterANestedFrame) {
+  Packer p(0);
+  p.packFrame(10, 2);
+  p.packFrame(11, 1);
+  p.pack(1);
+  p.endFrame();
+  p.pack(2);
+  p.packFrame(12, 1);
+  p.pack(3);
+  p.endFrame();
+  p.endFrame();
+  p.pack(4);
+  finish(p);
+  short m;
+  short ver;
+  int v = 0;
+  p.unpackFrame(m, ver);
+  p.unpackFrame(m, ver);
+  p.unpack(v);
+  p.endFrame();
+  p.skipRestOfFrame();
+  p.unpack(v);
+  EXPECT_EQ(v, 4);
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  // Running off the end of a truncated frame is quiet.
+  Packer q = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
+  q.unpackFrame(m, ver);
+  q.skipRestOfFrame();
+  EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
+}
+
 TEST_F(PackerTest, SkipFrameOffTheEndIsQuiet) {
   Packer p = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
   short m;

@@ -4,27 +4,6 @@
 #include "foundation/Packer.h"
 #include "foundation/UtlExcept.h"
 
-namespace {
-
-// Steps over the rest of a frame of a later writer, its end included.
-// Packer::skipFrame takes a frame whose last entry read was the end of a
-// nested frame (a Packable field) for one not begun, and steps over a
-// single entry; the entries are walked here instead.
-void skipRestOfFrame(Packer& packer) {
-  int depth = 1;
-  while (depth > 0) {
-    DataType const type = packer.getNextDataType();
-    if (type == vNOTYPE) return;
-    packer.next();
-    if (type == vENDFRAME)
-      --depth;
-    else if (type == vPACKFRAME)
-      ++depth;
-  }
-}
-
-}  // namespace
-
 void InMemoryStore::pack(Packer& packer) const {
   packer.packFrame(Magic, Version);
   packer.pack(static_cast<vString const&>(getName()));
@@ -62,5 +41,5 @@ void InMemoryStore::unpack(Packer& packer) {
   if (version == Version)
     packer.endFrame();
   else
-    skipRestOfFrame(packer);
+    packer.skipRestOfFrame();
 }

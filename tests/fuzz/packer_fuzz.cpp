@@ -113,6 +113,11 @@ std::string readAny(Packer& p, uint32_t seed) {
         t += "skip|";
         continue;
       }
+      if (c == 15 && (choice() & 1)) {
+        p.skipRestOfFrame();
+        t += "skiprest|";
+        continue;
+      }
       if (c == 1 && steps < 50) {
         p.first();
         t += "first|";
