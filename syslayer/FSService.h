@@ -146,6 +146,18 @@ void fs_fstat_(int const& id, FsStat& info, int& status);
 void fs_trunc_(int const& id, int& status);  // cuts the file at the current position
 void fs_lockit_(int const& id, int& status);
 void fs_unlockit_(int const& id, int& status);
+// Sizes in bytes: fs_setsize_ cuts or extends, fs_zeroex_ only extends
+// (with zeros). Disk files open for writing.
+void fs_setsize_(int const& id, int64_t const& size, int& status);
+void fs_zeroex_(int const& id, int64_t const& size, int& status);
+void fs_rsize_(int const& id, int& recordLength, int& status);
+// The byte (from 1) where the next transfer starts.
+void fs_bpos_(int const& id, int64_t& bytePosition, int& status);
+// Waits until what was written is on the disk.
+void fs_waitio_(int const& id, int& status);
+// flag 1 when another open's lock would keep off a lock of this type on
+// this file (FS_READLOCK, FS_WRITELOCK).
+void fs_testlock_(int const& id, int const& type, int& flag, int& status);
 // Checks that id names an open file; routine is the caller's name for the
 // last-result text ("FS_partialr").
 int fs_chkid_(int const& id, char const* routine, int const& length);
@@ -190,6 +202,17 @@ void fs_mv_(int const& type, char const* from, char const* to, int& status);
 void fs_cp_(int const& type, char const* from, char const* to, int& status);
 // flag 1 when a lock of another open would keep a lock of this type off.
 void fs_islocked_(char const* name, int const& type, int& flag, int& status);
+// Size and free room of the file system holding a directory, in MB.
+void fs_totspace_(char const* directory, int64_t& totalMB, int64_t& freeMB, int& status);
+// Good when the directory exists and files can be made in it.
+void fs_checkdir_(char const* directory, int& status);
+// flag 1 for a name on another host ("host:/path").
+void fs_isremote_(char const* name, int& flag);
+// Good for a usable file name: not empty, no line end, parts of at most
+// 255 bytes, at most 4095 in all.
+void fs_chkname_(char const* name, int& status);
+// Good for an option word with a kind of file and nothing unknown in it.
+void fs_chkopts_(int const& options, int& status);
 // The cluster of a host, from the FS_CLUSTERS table ("host=cluster" pairs
 // separated by blanks or commas); a host not listed is its own cluster.
 void fs_getcluster_(char const* host, char* cluster, int const& clusterLength, int& status);
@@ -213,109 +236,11 @@ void fs_tunlock_();
 int fs_tdepth_();
 void fs_testfault_(char const* name, int const& kind, int64_t const& limit);
 
-// ---- by-value forms ----------------------------------------------------
-inline int FS_open(char const* name, int options, int recordLength, int64_t size, int area, int* id) {
-  int status;
-  fs_open_(name, options, recordLength, size, area, *id, status);
-  return status;
-}
-inline int FS_close(int id) {
-  int status;
-  fs_close_(id, status);
-  return status;
-}
-inline int FS_read(int id, void* buffer, int count, int* got) {
-  int status;
-  fs_read_(id, buffer, count, *got, status);
-  return status;
-}
-inline int FS_write(int id, void const* buffer, int count, int* put) {
-  int status;
-  fs_write_(id, buffer, count, *put, status);
-  return status;
-}
-inline int FS_partialr(int id, int offset, int length, int64_t first, int64_t last, void* buffer, int* got) {
-  int status;
-  fs_partialr_(id, offset, length, first, last, buffer, *got, status);
-  return status;
-}
-inline int FS_seekio(int id, int64_t position) {
-  int status;
-  fs_seekio_(id, position, status);
-  return status;
-}
-inline int FS_getinfo(int id, int item, int64_t* value) {
-  int status;
-  fs_getinfo_(id, item, *value, status);
-  return status;
-}
-inline int FS_setinfo(int id, int item, int64_t value) {
-  int status;
-  fs_setinfo_(id, item, value, status);
-  return status;
-}
-inline int FS_lockit(int id) {
-  int status;
-  fs_lockit_(id, status);
-  return status;
-}
-inline int FS_unlockit(int id) {
-  int status;
-  fs_unlockit_(id, status);
-  return status;
-}
-inline int FS_opent(char const* name, int options, int* id) {
-  int status;
-  fs_opent_(name, options, *id, status);
-  return status;
-}
-inline int FS_readt(int id, void* buffer, int maxLength, int blockSize, int* got) {
-  int status;
-  fs_readt_(id, buffer, maxLength, blockSize, *got, status);
-  return status;
-}
-inline int FS_writet(int id, void const* buffer, int count) {
-  int status;
-  fs_writet_(id, buffer, count, status);
-  return status;
-}
-inline int FS_closet(int id) {
-  int status;
-  fs_closet_(id, status);
-  return status;
-}
-inline int FS_exist(char const* name) {
-  int exists, status;
-  fs_exist_(name, exists, status);
-  return exists;
-}
-inline int FS_mkdir(char const* name, int parents) {
-  int status;
-  fs_mkdir_(name, parents, status);
-  return status;
-}
-inline int FS_rm(int type, char const* name) {
-  int status;
-  fs_rm_(type, name, status);
-  return status;
-}
-inline int FS_mv(int type, char const* from, char const* to) {
-  int status;
-  fs_mv_(type, from, to, status);
-  return status;
-}
-inline int FS_cp(int type, char const* from, char const* to) {
-  int status;
-  fs_cp_(type, from, to, status);
-  return status;
-}
-inline void FS_threadsafe(int flag) { fs_threadsafe_(flag); }
-inline void FS_sfailmode(int mode) { fs_sfailmode_(mode); }
-inline void FS_testfault(char const* name, int kind, int64_t limit) { fs_testfault_(name, kind, limit); }
-
 // Read locks: taken on every file opened read-only unless switched off.
 // Process-wide, on by default.
 void FS_readlocks(int flag);
 int FS_getrlflag();
+
+#include "syslayer/FSServiceValue.h"
 
 #endif
