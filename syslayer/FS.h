@@ -93,8 +93,10 @@ class iFile {
   int partialRead(int offsetInRecord, int length, long long firstRecord, long long lastRecord, void* buffer);
   // Reads count bytes from position (0: the current one); on a file of
   // records the count is in bytes. Returns the bytes read: fewer at the end
-  // of the file, with the status telling why. The options word has no
-  // meaning to disk files and is only shown in verbose mode.
+  // of the file, with the status telling why. On a tape the blocks are
+  // read one after another into the buffer until a mark or the count ends
+  // the read. The options word has no meaning to disk files and is only
+  // shown in verbose mode.
   long long read(long long position, void* buffer, long long count, int options = 0);
   void close();
 

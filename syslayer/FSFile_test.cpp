@@ -325,3 +325,32 @@ TEST(FSFunctions, TreeOperationsAndDecode) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(FSFile, TapeImagesReadAsAStreamOfBlocksUpToAMark) {
+  fs_testing::TempDir dir;
+  std::string const name = dir / "t.tap";
+  int id;
+  ASSERT_EQ(FS_opent(name.c_str(), FS_TAPE | FS_CREATE, &id), FS_GOOD);
+  ASSERT_EQ(FS_writet(id, "abc", 3), FS_GOOD);
+  ASSERT_EQ(FS_writet(id, "defg", 4), FS_GOOD);
+  ASSERT_EQ(FS_writet(id, nullptr, 0), FS_GOOD);
+  ASSERT_EQ(FS_writet(id, "hi", 2), FS_GOOD);
+  ASSERT_EQ(FS_closet(id), FS_GOOD);
+  FS::iFile f = FS::open(name.c_str(), FS::TapeFile);
+  ASSERT_TRUE(f.isGood());
+  char buf[16];
+  EXPECT_EQ(f.read(0, buf, 16), 7);
+  EXPECT_EQ(std::string(buf, 7), "abcdefg");
+  EXPECT_EQ(f.getStatus(), FS_EOF);
+  f.clear();
+  EXPECT_EQ(f.read(0, buf, 2), 2);
+  EXPECT_EQ(std::string(buf, 2), "hi");
+  EXPECT_EQ(f.read(0, buf, 2), 0);
+  EXPECT_EQ(f.getStatus(), FS_EOV);
+  f.clear();
+  f.close();
+}
+
+}  // namespace

@@ -131,7 +131,8 @@ void fs_open_(char const* name, int const& options, int const& recordLength, int
               int const& area, int& id, int& status);
 void fs_close_(int const& id, int& status);
 // Reads count bytes at the current position and moves past them. A short
-// read (end of data) returns what there was with FS_EOF.
+// read (end of data) returns what there was with FS_EOF. On a tape or a
+// variable-length file it reads one block of at most count bytes.
 void fs_read_(int const& id, void* buffer, int const& count, int& got, int& status);
 void fs_write_(int const& id, void const* buffer, int const& count, int& put, int& status);
 // Reads `length` bytes starting `offset` bytes (0-based) into each record

@@ -203,7 +203,11 @@ void fs_read_(int const& id, void* buffer, int const& count, int& got, int& stat
   got = 0;
   if ((status = fs_chkid_(id, "FS_read", 7)) != FS_GOOD) return;
   Entry& e = *fs_internal::find(id);
-  if (count < 0 || e.kind == FS_TAPE || e.kind == FS_VLR) {
+  // On tapes and variable-length files a read is one block of at most
+  // count bytes (the lock nests).
+  if (e.kind == FS_TAPE && count >= 0) return fs_readt_(id, buffer, count, count, got, status);
+  if (e.kind == FS_VLR && count >= 0) return fs_readvlr_(id, buffer, count, got, status);
+  if (count < 0) {
     status = fs_internal::fail("FS_read", FS_BADARG, e.name);
     return;
   }
