@@ -119,6 +119,37 @@ void ss_getaword_(int32_t const& id, int32_t const& ordinal, int32_t const& elem
 // structure arrays) whose integer slot keyOrdinal holds key; 0 for none.
 void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key, int32_t& found);
 
+// The same for a text key: the first structure whose text slot keyOrdinal
+// holds exactly the `length` bytes of key.
+void ss_locates_(int32_t const& id, int32_t const& keyOrdinal, char const* key, int32_t const& length,
+                 int32_t& found);
+// Texts with their lengths (n, not cut to the field).
+void ss_gettextn_(int32_t const& id, int32_t const& ordinal, char* text, int32_t const& length, int32_t& n);
+void ss_getatextn_(int32_t const& id, int32_t const& ordinal, int32_t const& element, char* text,
+                   int32_t const& length, int32_t& n);
+// The value of a code slot (a warning and 0 for another kind of slot).
+void ss_getcode_(int32_t const& id, int32_t const& ordinal, int32_t& code);
+
+// Moving structures: ss_adopt_ hangs id in slot ordinal of parent (what the
+// slot held goes), ss_adoptarray_ in element `element` of its structure
+// array; the old parent lets go. The root, and a move below itself, are
+// refused ("Illegal adopt").
+void ss_adopt_(int32_t const& id, int32_t const& parent, int32_t const& ordinal);
+void ss_adoptarray_(int32_t const& id, int32_t const& parent, int32_t const& ordinal, int32_t const& element);
+// ss_remove_ takes id out of its parent without deleting it (parent 0),
+// ss_remover_ deletes every structure below id, ss_subremove_ those held in
+// one slot (a structure or the elements of a structure array).
+void ss_remove_(int32_t const& id);
+void ss_remover_(int32_t const& id);
+void ss_subremove_(int32_t const& id, int32_t const& ordinal);
+
+// Raw blocks of words outside any structure: index of the first word;
+// ss_untalloc_ gives one back. The words come zeroed (ss_calloc_ and
+// ss_balloc_ alike).
+void ss_balloc_(int32_t const& words, int32_t& index);
+void ss_calloc_(int32_t const& words, int32_t& index);
+void ss_untalloc_(int32_t const& index);
+
 // Four-bit type maps: slot ordinal (from 1) of the map starting at map.
 void ss_bitload_(int32_t* map, int32_t const& ordinal, int32_t const& type);
 int32_t ss_bitget_(int32_t const* map, int32_t const& ordinal);
