@@ -268,6 +268,36 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   EXPECT_TRUE(contains(serverLines(m_dir), "forged"));
 }
 
+// The server's connection can be taken before the first message; a portal
+// that was never used says no goodbye.
+TEST_F(COBPortalTest, ExplicitAcceptAndTheEndOfAnUnusedSession) {
+  {
+    vHandle<COBPortal> portal(new COBPortal(nullptr, nullptr));
+    EXPECT_TRUE(portal->isLocal());
+    std::string const command = testServerPath() + " " + portal->getAddress().getAddress().c_str() + " --log " +
+                                m_dir.file("server.log");
+    vUtl::system(command.c_str(), nullptr, vUtl::SystemBackground);
+    EXPECT_FALSE(portal->isInUse());
+    portal->getChannel()->setMiscTimeout(60.0f);
+    ASSERT_EQ(CommChan::OK, portal->accept());
+    EXPECT_TRUE(portal->isInUse());
+    {
+      TestCOB catalog("ProjectCatalog", nullptr);
+      catalog.setPortal(portal);
+      EXPECT_EQ("ProjectCatalog", catalog.describe().type);
+    }
+    // Listening afresh starts a session that has not been used yet.
+    portal->connect();
+    EXPECT_FALSE(portal->isInUse());
+    ASSERT_TRUE(logHas("lost CommChan::CLOSED"));
+  }
+  EXPECT_FALSE(contains(serverLines(m_dir), "end"));
+  std::vector<std::string> const lines = serverLines(m_dir);
+  EXPECT_EQ((std::vector<std::string>{"start", "create 1 ProjectCatalog 0", "message 1 code 11", "destroy 1",
+                                      "lost CommChan::CLOSED"}),
+            lines);
+}
+
 TEST_F(COBPortalTest, UnknownIdsAreReportedAndIgnored) {
   vHandle<COBPortal> portal = startPortal();
   TestCOB catalog("ProjectCatalog", nullptr);

@@ -207,6 +207,30 @@ TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
                     .find("Socket::connectRemote: gethostbyname error: "));
 }
 
+// A listener whose queue is full lets a connection attempt hang: the
+// attempt with a time-out gives up.
+TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
+  int const listener = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in a{};
+  a.sin_family = AF_INET;
+  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t n = sizeof a;
+  ASSERT_EQ(0, ::bind(listener, reinterpret_cast<sockaddr*>(&a), sizeof a));
+  ASSERT_EQ(0, ::listen(listener, 0));
+  ASSERT_EQ(0, ::getsockname(listener, reinterpret_cast<sockaddr*>(&a), &n));
+  std::vector<int> queued;
+  for (int i = 0; i < 4; ++i) {
+    int const fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    ::connect(fd, reinterpret_cast<sockaddr*>(&a), sizeof a);
+    queued.push_back(fd);
+  }
+  ::usleep(200 * 1000);
+  Socket client;
+  EXPECT_EQ(CommChan::TIMEOUT, client.connectRemote("127.0.0.1", ntohs(a.sin_port), 0.5f));
+  for (int fd : queued) ::close(fd);
+  ::close(listener);
+}
+
 TEST_F(SocketTest, AcceptWaitsNoLongerThanTheMiscTimeout) {
   int port = 0;
   vHandle<CommChan> server = CommChanMaker::remote(port);
