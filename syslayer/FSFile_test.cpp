@@ -129,11 +129,14 @@ TEST(FSFile, FaultsSeenThroughTheFileObject) {
   EXPECT_EQ(std::string(buf.data(), 3000), data);
 
   // A truncated file: what there is, then the end of file.
-  FS_testfault(name.c_str(), FS_FAULT_TRUNCATE, 1234);
-  EXPECT_EQ(f.getNRecords(), 1234);
-  EXPECT_EQ(f.read(1001, buf.data(), 1000), 234);
-  EXPECT_EQ(f.getStatus(), FS_EOF);
-  f.clear();
+  {
+    fs_testing::Fault truncated(name, FS_FAULT_TRUNCATE, 1234);
+    EXPECT_EQ(f.getNRecords(), 1234);
+    EXPECT_EQ(f.read(1001, buf.data(), 1000), 234);
+    EXPECT_EQ(f.getStatus(), FS_EOF);
+    f.clear();
+  }
+  EXPECT_EQ(f.getNRecords(), 3000);
 
   // A failed read: what came before the bad spot, then an I/O error that
   // the next use reports.

@@ -276,6 +276,10 @@ void fs_bansi_(char const* kind, char const* value, char* record, int& status) {
   auto place = [record](int at, std::string const& text, int width) {
     for (int i = 0; i < width && i < static_cast<int>(text.size()); ++i) record[at + i] = text[static_cast<size_t>(i)];
   };
+  if (record == nullptr) {
+    status = FS_BADARG;
+    return;
+  }
   std::memset(record, ' ', 80);
   status = FS_GOOD;
   if (k == "VOL1") {

@@ -1,8 +1,9 @@
 #ifndef SYSLAYER_FSTESTING_H
 #define SYSLAYER_FSTESTING_H
 
-// Test helpers of the system layer: a scratch directory removed with all it
-// holds, small file writers, and a checker of failures by method and text.
+// Test helpers of the system layer and the file stores above it: a scratch
+// directory removed with all it holds, small file writers, a scoped test
+// fault of the file service, and a checker of failures by method and text.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -17,6 +18,7 @@
 
 #include "foundation/MessageHandling.h"
 #include "foundation/UtlExcept.h"
+#include "syslayer/FSService.h"
 
 namespace fs_testing {
 
@@ -76,6 +78,17 @@ inline std::string readFile(std::string const& path) {
   ::close(fd);
   return out;
 }
+
+// A test fault of the record file service (FSService.h) for one scope:
+//   fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, 1000);
+// makes the file at path look 1000 bytes long until the scope ends.
+class Fault {
+ public:
+  Fault(std::string const& name, int kind, int64_t limit) { fs_testfault_(name.c_str(), kind, limit); }
+  ~Fault() { fs_testfault_("", FS_FAULT_NONE, 0); }
+  Fault(Fault const&) = delete;
+  Fault& operator=(Fault const&) = delete;
+};
 
 // Runs f, which must fail with UtlExcept with this method and reason.
 template <class F>

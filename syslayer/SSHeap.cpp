@@ -127,7 +127,7 @@ void releaseValue(int32_t type, int32_t value, int32_t owner) {
 }
 
 int32_t newText(int32_t parent, char const* text, int32_t length, char const* routine) {
-  if (length < 0) length = 0;
+  if (length < 0 || text == nullptr) length = 0;
   int32_t const words = (length + 3) / 4 + 4;
   int32_t const b = allocBlock(words, routine);
   ss_[b] = SS_TEXTMARK;
@@ -139,6 +139,7 @@ int32_t newText(int32_t parent, char const* text, int32_t length, char const* ro
 }
 
 void readText(int32_t pointer, char* out, int32_t length) {
+  if (out == nullptr || length <= 0) return;
   int32_t have = 0;
   if (pointer > kHeader + 3 && pointer < g_top && ss_[pointer - 3] == SS_TEXTMARK) {
     have = ss_[pointer] < length ? ss_[pointer] : length;
