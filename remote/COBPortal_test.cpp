@@ -234,6 +234,8 @@ TEST_F(COBPortalTest, ServerGoneBetweenCallsIsNoticedAtTheNextSend) {
   die.pack(static_cast<int>(TestServer::CrashAlways));
   ASSERT_EQ(CommChan::OK, catalog.send(die));
   ASSERT_TRUE(logHas("crash"));
+  // The channel turns readable (at its end) once the server is gone.
+  ASSERT_TRUE(portal->getChannel()->waitOn(20.0f, CommChan::READ));
   // The first attempt to create finds the peer gone.
   TestCOB project("Project", &catalog);
   TestCOB::Description const d = project.describe();
