@@ -32,6 +32,13 @@
 // Positions and sizes are 64-bit throughout, so files past 2 GB work the same
 // on 32-bit hosts.
 //
+// The service's tables also stand in the ss tree (SSHeap.h): slot 2 of the
+// ss root holds a structure whose slot 1 counts the open files, and each
+// open file has a structure under it with its name (text), id, options,
+// record length and area (integers). fs_table_ gives that structure. The
+// service works from its own index of open files, so reads never walk the
+// tree.
+//
 // Thread safety: off by default. fs_threadsafe_(1) makes one service mutex
 // that every entry holds around its use of the service's tables; the lock
 // nests per thread (fs_tlock_/fs_tunlock_).
@@ -236,6 +243,8 @@ void fs_tunlock_();
 // This thread's nesting depth of fs_tlock_.
 int fs_tdepth_();
 void fs_testfault_(char const* name, int const& kind, int64_t const& limit);
+// The ss structure of the service's tables, made at the first call.
+void fs_table_(int32_t& table);
 
 // Read locks: taken on every file opened read-only unless switched off.
 // Process-wide, on by default.

@@ -33,6 +33,7 @@ struct Entry {
   int deviceMarks = 0;     // tape marks read in a row on a drive
   std::vector<int64_t> lineStart;  // text files: where each line starts
   std::vector<int64_t> lineLength; // without the line end
+  int32_t record = 0;      // the file's structure in the ss tree
 };
 
 // Holds the service lock (when thread-safe mode is on) for a scope.

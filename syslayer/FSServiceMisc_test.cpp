@@ -114,3 +114,56 @@ TEST(FSServiceMisc, NamesOptionsAndDirectories) {
 }
 
 }  // namespace
+
+#include "syslayer/SSHeap.h"
+
+namespace {
+
+TEST(FSServiceMisc, OpenFilesStandInTheSsTree) {
+  fs_testing::TempDir dir;
+  int32_t table;
+  fs_table_(table);
+  int32_t root;
+  ss_root_(root);
+  int32_t held;
+  ss_getnth_(root, 2, held);
+  EXPECT_EQ(held, table);
+  int32_t before;
+  ss_getnth_(table, 1, before);
+  std::string const name = dir / "tabled";
+  int id;
+  ASSERT_EQ(FS_open(name.c_str(), FS_DISK | FS_CREATE, 12, 0, FS_SCR, &id), FS_GOOD);
+  int32_t open;
+  ss_getnth_(table, 1, open);
+  EXPECT_EQ(open, before + 1);
+  // The file's structure is a child of the table: find it by its parent.
+  int32_t record = 0;
+  for (int32_t s = table + 1; s < ss_heapsize_() && record == 0; ++s) {
+    int32_t ok = 0;
+    ss_verify_(s, ok);
+    int32_t n = 0;
+    if (ok && ss_[s + 1] == table) ss_n_(s, n);
+    int32_t v = 0;
+    if (n == 5) ss_getnth_(s, 2, v);
+    if (v == id) record = s;
+  }
+  ASSERT_NE(record, 0);
+  std::string text(name.size(), '?');
+  ss_gettext_(record, 1, &text[0], static_cast<int32_t>(text.size()));
+  EXPECT_EQ(text, name);
+  int32_t v;
+  ss_getnth_(record, 3, v);
+  EXPECT_EQ(v, FS_DISK | FS_CREATE);
+  ss_getnth_(record, 4, v);
+  EXPECT_EQ(v, 12);
+  ss_getnth_(record, 5, v);
+  EXPECT_EQ(v, FS_SCR);
+  ASSERT_EQ(FS_close(id), FS_GOOD);
+  ss_getnth_(table, 1, open);
+  EXPECT_EQ(open, before);
+  int32_t ok = 1;
+  ss_verify_(record, ok);
+  EXPECT_EQ(ok, 0);
+}
+
+}  // namespace

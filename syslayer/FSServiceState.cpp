@@ -17,6 +17,7 @@
 #include "foundation/Message.h"
 #include "syslayer/FSService.h"
 #include "syslayer/FSServiceInternal.h"
+#include "syslayer/SSHeap.h"
 
 namespace {
 
@@ -61,11 +62,32 @@ Entry* find(int id) {
 
 int add(Entry* entry) {
   g_table.push_back(entry);
-  return static_cast<int>(g_table.size());
+  int32_t const id = static_cast<int32_t>(g_table.size());
+  // The file's record in the ss tree: name, id, options, record length and
+  // area, for whoever walks the service's tables there.
+  int32_t table;
+  fs_table_(table);
+  int32_t const types[] = {SS_TEXT, SS_INT, SS_INT, SS_INT, SS_INT};
+  ss_define_(entry->record, table, 5, types);
+  ss_puttext_(entry->record, 1, entry->name.data(), static_cast<int32_t>(entry->name.size()));
+  ss_putnth_(entry->record, 2, id);
+  ss_putnth_(entry->record, 3, entry->options);
+  ss_putnth_(entry->record, 4, static_cast<int32_t>(entry->recl));
+  ss_putnth_(entry->record, 5, entry->area);
+  int32_t open = 0;
+  ss_getnth_(table, 1, open);
+  ss_putnth_(table, 1, open + 1);
+  return id;
 }
 
 void remove(int id) {
   if (Entry* e = find(id)) {
+    int32_t table;
+    fs_table_(table);
+    int32_t open = 0;
+    ss_getnth_(table, 1, open);
+    ss_putnth_(table, 1, open - 1);
+    if (e->record != 0) ss_delete_(e->record);
     delete e;
     g_table[static_cast<size_t>(id) - 1] = nullptr;
   }
@@ -328,3 +350,15 @@ void fs_testfault_(char const* name, int const& kind, int64_t const& limit) {
 
 void FS_readlocks(int flag) { g_readLocks.store(flag != 0); }
 int FS_getrlflag() { return g_readLocks.load() ? 1 : 0; }
+
+void fs_table_(int32_t& table) {
+  fs_internal::TableLock lock;
+  int32_t root;
+  ss_init_(root);
+  int32_t type = 0;
+  ss_gettype_(root, 2, type);
+  ss_getnth_(root, 2, table);
+  if (type == SS_STRUCT && table != 0) return;
+  int32_t const types[] = {SS_INT};
+  ss_defnth_(table, root, 2, 1, types);
+}
