@@ -300,6 +300,23 @@ TEST_F(COBPortalTest, ExplicitAcceptAndTheEndOfAnUnusedSession) {
             lines);
 }
 
+// This host by its name is this host: a local channel. Any other name,
+// "localhost" among them, is taken for another machine.
+TEST_F(COBPortalTest, WhichHostsAreThisOne) {
+  vString const here = vUtl::gethostname();
+  vString const blank("  ");
+  vString const other("localhost");
+  for (vString const* host : {static_cast<vString const*>(nullptr), &blank, &here}) {
+    COBPortal portal(host, nullptr);
+    EXPECT_TRUE(portal.isLocal());
+    EXPECT_FALSE(portal.getAddress().isRemote());
+  }
+  COBPortal portal(&other, nullptr);
+  EXPECT_FALSE(portal.isLocal());
+  EXPECT_TRUE(portal.getAddress().isRemote());
+  EXPECT_FALSE(portal.isInUse());
+}
+
 TEST_F(COBPortalTest, UnknownIdsAreReportedAndIgnored) {
   vHandle<COBPortal> portal = startPortal();
   TestCOB catalog("ProjectCatalog", nullptr);
