@@ -1,0 +1,110 @@
+#ifndef PROJECT_STOREFACTORYTESTING_H
+#define PROJECT_STOREFACTORYTESTING_H
+
+// Test helpers of the store and attribute set factories (tests only).
+//
+// The file stores themselves live in higher layers. Where a test needs one
+// to be there, it registers a maker that stands in for it with a store held
+// in memory, opened on the name that the factory hands it, and notes the
+// description it got. Nothing registered stays registered after a test.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundation/TestReleaseTree.h"
+#include "project/StoreFactory.h"
+#include "testing/TestMemoryStore.h"
+
+namespace factory_testing {
+
+inline std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+inline Attribute ints(char const* name, std::vector<int> const& values) {
+  Attribute a(name, "", vINT32);
+  a.copyData(static_cast<unsigned int>(values.size()), values.data());
+  return a;
+}
+
+inline std::vector<int> readInts(Store const& store, char const* name) {
+  Attribute a = store.getAttribute(name);
+  store.read(a, 1, store.getNInstances());
+  std::vector<int> values;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i) values.push_back(a.getInt32(i));
+  return values;
+}
+
+// Where the stand-ins of file stores keep their sets.
+inline std::shared_ptr<TestMemoryShelf>& fileShelf() {
+  static std::shared_ptr<TestMemoryShelf> shelf = std::make_shared<TestMemoryShelf>();
+  return shelf;
+}
+
+// Puts a set of that name, with CDP 10 20, on the shelf.
+inline void shelve(std::shared_ptr<TestMemoryShelf> const& shelf, char const* name) {
+  TestMemoryStore store(vHandle<Project>(), shelf);
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  store.create(name, "seismic", "", keys, nullptr);
+  store.addInstances(2);
+  store.write(ints("CDP", {10, 20}), 1, 2);
+  store.close();
+}
+
+struct Seen {
+  std::string how;
+  StoreDescription description;
+  std::string setName;
+};
+
+inline std::vector<Seen>& seen() {
+  static std::vector<Seen> all;
+  return all;
+}
+
+inline vHandle<Store> openOnShelf(StoreDescription const& description) {
+  seen().push_back({"open", description, ""});
+  vHandle<Store> store(new TestMemoryStore(vHandle<Project>(), fileShelf()));
+  store->open(description.getStoreName(), 0, "", "", nullptr);
+  return store;
+}
+
+inline vHandle<Store> createOnShelf(StoreDescription const& description, vLCString const& setName) {
+  seen().push_back({"create", description, str(setName)});
+  vHandle<Store> store(new TestMemoryStore(vHandle<Project>(), fileShelf()));
+  store->create(description.getStoreName(), "", "", KeyList(), nullptr);
+  return store;
+}
+
+// Registers a stand-in for a store class while it lives.
+class StandIn {
+ public:
+  StandIn(char const* className, StoreFactory::Makers const& makers)
+      : m_class(className), m_saved(StoreFactory::registerMakers(className, makers)) {
+    seen().clear();
+  }
+  ~StandIn() { StoreFactory::registerMakers(m_class, m_saved); }
+
+ private:
+  vString m_class;
+  StoreFactory::Makers m_saved;
+};
+
+inline StoreFactory::Makers fileMakers() { return {nullptr, &openOnShelf, &createOnShelf, nullptr}; }
+
+// Empties the queue of pushed stores before and after a test.
+class CleanQueue {
+ public:
+  CleanQueue() { StoreFactory::clearStores(); }
+  ~CleanQueue() { StoreFactory::clearStores(); }
+};
+
+inline StoreDescription fileIn(TestReleaseTree const& tree, char const* name) {
+  return StoreDescription(vFilename(vString(tree.writeWorkFile(name, "data").c_str())));
+}
+
+}  // namespace factory_testing
+
+#endif
