@@ -139,8 +139,12 @@ void fs_open_(char const* name, int const& options, int const& recordLength, int
       return;
     }
   }
+  // A new file is emptied only once its locks are had, so that a refused
+  // create never harms a file that another holds.
+  struct stat st;
+  bool const existed = ::stat(subject.c_str(), &st) == 0;
   int flags = O_CLOEXEC | (readOnly ? O_RDONLY : O_RDWR);
-  if (create) flags |= O_CREAT | O_TRUNC;
+  if (create) flags |= O_CREAT;
   if (options & FS_SYNC) flags |= O_DSYNC;
   int const fd = ::open(subject.c_str(), flags, 0666);
   if (fd < 0) {
@@ -156,16 +160,13 @@ void fs_open_(char const* name, int const& options, int const& recordLength, int
   e->recl = recl;
   e->area = area;
   e->name = subject;
-  auto refuse = [&](int st) {
+  auto refuse = [&](int failure) {
     ::close(fd);
-    if (create) ::unlink(subject.c_str());
-    status = fs_internal::fail("FS_open", st, subject);
+    if (create && !existed) ::unlink(subject.c_str());
+    status = fs_internal::fail("FS_open", failure, subject);
   };
-  struct stat st;
   if (::fstat(fd, &st) != 0) return refuse(fs_internal::errnoStatus(errno));
   if (S_ISDIR(st.st_mode)) return refuse(fs_internal::errnoStatus(EISDIR));
-  if (create && (options & FS_ZERO) && size > 0 && ::ftruncate(fd, static_cast<off_t>(size)) != 0)
-    return refuse(fs_internal::errnoStatus(errno));
   if (readOnly && fs_internal::readLocksOn()) {
     int const rc = fs_internal::setLock(fd, F_RDLCK);
     if (rc == EAGAIN || rc == EACCES) return refuse(FS_LOCKED);
@@ -177,6 +178,11 @@ void fs_open_(char const* name, int const& options, int const& recordLength, int
     int const type = readOnly ? F_RDLCK : F_WRLCK;
     if (fs_internal::setLock(fd, type) != 0) return refuse(FS_LOCKED);
     e->lockHeld = type;
+  }
+  if (create) {
+    if (::ftruncate(fd, 0) != 0) return refuse(fs_internal::errnoStatus(errno));
+    if ((options & FS_ZERO) && size > 0 && ::ftruncate(fd, static_cast<off_t>(size)) != 0)
+      return refuse(fs_internal::errnoStatus(errno));
   }
   if (text) {
     if (int const err = indexLines(*e)) return refuse(fs_internal::errnoStatus(err));

@@ -302,6 +302,9 @@ TEST(FSServiceLocks, LocksConflictBetweenOpensAndReadLocksSwitch) {
   int locked;
   ASSERT_EQ(FS_open(name.c_str(), FS_C | FS_LOCK, 0, 0, 0, &locked), FS_GOOD);
   EXPECT_EQ(FS_open(name.c_str(), FS_C | FS_LOCK, 0, 0, 0, &other), FS_LOCKED);
+  // A create refused by a lock leaves the locked file as it was.
+  EXPECT_EQ(FS_open(name.c_str(), FS_C | FS_CREATE | FS_LOCK, 0, 0, 0, &other), FS_LOCKED);
+  EXPECT_EQ(fs_testing::readFile(name), "data");
   ASSERT_EQ(FS_close(locked), FS_GOOD);
   ASSERT_EQ(FS_close(writer), FS_GOOD);
   fs_islocked_(name.c_str(), FS_WRITELOCK, flag, status);
