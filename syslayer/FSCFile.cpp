@@ -55,7 +55,13 @@ long long recordCRead(FS::iFile& file, long long position, char* out, long long 
 bool patchRecord(FS::ioFile& file, long long record, int offset, char const* in, int n, std::vector<char>& buf) {
   int const recl = static_cast<int>(buf.size());
   std::fill(buf.begin(), buf.end(), 0);
-  if (record <= file.getNRecords() && file.isGood()) {
+  // A last record cut short counts: its bytes are kept.
+  int64_t size = 0;
+  int status = FS_GOOD;
+  fs_getinfo_(file.getId(), FS_INFO_SIZE, size, status);
+  bool const there = file.getType() == FS::TextRecordFile ? record <= file.getNRecords()
+                                                          : status == FS_GOOD && (record - 1) * recl < size;
+  if (there && file.isGood()) {
     file.read(record, buf.data(), recl);
     // A last record cut short is completed with zeros.
     if (file.getStatus() == FS_EOF) file.clear();

@@ -251,6 +251,13 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
   ASSERT_EQ(u.cread(17, buf.data(), 4), 4);
   EXPECT_EQ(std::string(buf.data(), 4), "ABCD");
   u.close();
+
+  // A file whose last record is cut short keeps those bytes.
+  fs_testing::writeFile(dir / "cut", "0123456789abcdefghijKLMNO");
+  FS::ioCFile c = FS::cupdate((dir / "cut").c_str(), FS::RecordFile, 10);
+  ASSERT_EQ(c.cwrite(27, &patch[0], 1), 1);
+  c.close();
+  EXPECT_EQ(fs_testing::readFile(dir / "cut"), std::string("0123456789abcdefghijKLMNO\0A\0\0\0", 30));
 }
 
 TEST(FSFile, LocksThroughTheObjects) {
