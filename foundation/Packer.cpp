@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 #include <ostream>
+#include <utility>
 
 #include "foundation/Packable.h"
 #include "foundation/UtlExcept.h"
@@ -177,6 +178,29 @@ Packer& Packer::operator=(Packer const& other) {
   m_wireCapacity = 0;
   m_wireValid = false;
   return *this;
+}
+
+void Packer::swap(Packer& other) noexcept {
+  using std::swap;
+  swap(m_size, other.m_size);
+  swap(m_writePos, other.m_writePos);
+  swap(m_capacity, other.m_capacity);
+  swap(m_buffer, other.m_buffer);
+  swap(m_state, other.m_state);
+  swap(m_readPos, other.m_readPos);
+  swap(m_frameDepth, other.m_frameDepth);
+  swap(m_swap, other.m_swap);
+  swap(m_nAddressOf, other.m_nAddressOf);
+  swap(m_addressOfBytes, other.m_addressOfBytes);
+  swap(m_nEntries, other.m_nEntries);
+  swap(m_lastType, other.m_lastType);
+  swap(m_end, other.m_end);
+  swap(m_addresses, other.m_addresses);
+  swap(m_wireHeads, other.m_wireHeads);
+  swap(m_wire, other.m_wire);
+  swap(m_wireCapacity, other.m_wireCapacity);
+  swap(m_wireValid, other.m_wireValid);
+  swap(m_receiveLength, other.m_receiveLength);
 }
 
 Packer::~Packer() {

@@ -174,6 +174,10 @@ class Packer {
   void pack(vDate const* dates, unsigned int count);
   void pack(Packable const& object);
 
+  // Exchanges the whole state, buffer included, with another Packer; no byte
+  // is copied. A reply received into one Packer reaches the caller's this way.
+  void swap(Packer& other) noexcept;
+
   // --- Frames -------------------------------------------------------------
   void packFrame(short magic, short version);
   // Writes a frame end while packing, reads one while unpacking

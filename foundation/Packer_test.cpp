@@ -1626,3 +1626,38 @@ TEST_F(PackerTest, ForgedCountsAreRefusedBeforeAllocation) {
 }
 
 }  // namespace
+
+// A swap hands over everything, buffer and caller arrays included: one
+// Packer goes on reading where the other stood, the other can be filled
+// again.
+TEST_F(PackerTest, SwapExchangesTheWholeState) {
+  float const samples[] = {1.5f, 2.5f, 3.5f};
+  Packer a(0);
+  a.pack(7);
+  a.packAddressOf(samples, 3);
+  a.pack(8);
+  unsigned char const* bytes = nullptr;
+  int size = 0;
+  a.getBuffer(&bytes, size, 42);
+  Packer received(size, bytes);
+  int v = 0;
+  received.unpack(v);
+  EXPECT_EQ(7, v);
+
+  Packer b(0);
+  b.pack(99);
+  b.swap(received);
+  float out[3] = {0, 0, 0};
+  EXPECT_EQ(3u, b.unpack(out));
+  EXPECT_EQ(2.5f, out[1]);
+  b.unpack(v);
+  EXPECT_EQ(8, v);
+  EXPECT_EQ(42, b.getMessageTag());
+  EXPECT_EQ(Packer::PACKUNPACKED, b.getState());
+
+  // The other side holds what b was packing, and finishes it as usual.
+  received.getBuffer(&bytes, size, 5);
+  Packer again(size, bytes);
+  again.unpack(v);
+  EXPECT_EQ(99, v);
+}

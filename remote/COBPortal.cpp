@@ -271,7 +271,9 @@ CommChan::StatusType COBPortal::sendAndReceive(int tag, Packer& packer) {
       }
       int const got = reply.getMessageTag();
       if (got == tag) {
-        packer = reply;
+        // The caller's Packer takes the reply's buffer: a large reply is
+        // not copied once more.
+        packer.swap(reply);
         return CommChan::OK;
       }
       if (got != -1) Message::fatal(label, 0, "Received message for PortalID %d, expected one for %d.", got, tag);
