@@ -46,9 +46,11 @@
 // Test faults: fs_testfault_ makes reads of chosen files misbehave as a
 // broken disk would, so the readers above can be tested against short reads,
 // failed reads and truncated files with real files:
-//   FS_FAULT_SHORTREAD  every read of the service delivers at most `limit`
+//   FS_FAULT_SHORTREAD  every read of the disk delivers at most `limit`
 //                       bytes, with a good status (as a pipe or a network
-//                       file system may);
+//                       file system may): fs_read_ returns short, while
+//                       partial reads, text records and tape blocks read on
+//                       until they are whole;
 //   FS_FAULT_FAILREAD   bytes from offset `limit` (0-based) on cannot be read:
 //                       a read delivers what lies before it and ends with an
 //                       I/O error status;

@@ -73,7 +73,7 @@ int64_t readLines(Entry& e, char* out, int64_t count, int64_t first, bool& atEnd
     int64_t const want = std::min(e.recl, count - done);
     int64_t const have = std::min(want, e.lineLength[static_cast<size_t>(r - 1)]);
     bool end = false;
-    int64_t const got = fs_internal::readAt(e, out + done, have, e.lineStart[static_cast<size_t>(r - 1)], end, err);
+    int64_t const got = fs_internal::readFull(e, out + done, have, e.lineStart[static_cast<size_t>(r - 1)], end, err);
     if (err != 0 || got < have) {
       done += got;
       atEnd = err == 0;
@@ -291,7 +291,7 @@ void fs_partialr_(int const& id, int const& offset, int const& length, int64_t c
       n = std::max<int64_t>(0, std::min<int64_t>(n - offset, length));
       if (n > 0) std::memcpy(out + done, record.data() + offset, static_cast<size_t>(n));
     } else {
-      n = fs_internal::readAt(e, out + done, length, (r - 1) * e.recl + offset, atEnd, err);
+      n = fs_internal::readFull(e, out + done, length, (r - 1) * e.recl + offset, atEnd, err);
     }
     done += n;
     if (err != 0) {

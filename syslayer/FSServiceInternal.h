@@ -62,6 +62,9 @@ int errnoStatus(int err);
 // is the errno of a failure (0 for none). One call stands for one read of
 // the service.
 int64_t readAt(Entry& e, void* buffer, int64_t n, int64_t offset, bool& atEnd, int& err);
+// The same, going on after short reads until n bytes, the end or a failure:
+// for reads whose callers count on whole records and blocks.
+int64_t readFull(Entry& e, void* buffer, int64_t n, int64_t offset, bool& atEnd, int& err);
 // Writes all n bytes at a 0-based offset; returns errno or 0.
 int writeAt(Entry& e, void const* buffer, int64_t n, int64_t offset);
 // The size as reads see it; -1 with err set on failure.

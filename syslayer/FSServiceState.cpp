@@ -156,6 +156,18 @@ int64_t readAt(Entry& e, void* buffer, int64_t n, int64_t offset, bool& atEnd, i
   return done;
 }
 
+int64_t readFull(Entry& e, void* buffer, int64_t n, int64_t offset, bool& atEnd, int& err) {
+  int64_t done = 0;
+  atEnd = false;
+  err = 0;
+  while (done < n && !atEnd && err == 0) {
+    int64_t const got = readAt(e, static_cast<char*>(buffer) + done, n - done, offset + done, atEnd, err);
+    if (got == 0 && !atEnd && err == 0) break;
+    done += got;
+  }
+  return done;
+}
+
 int writeAt(Entry& e, void const* buffer, int64_t n, int64_t offset) {
   char const* p = static_cast<char const*>(buffer);
   int64_t done = 0;

@@ -83,7 +83,7 @@ void readFramed(char const* routine, Entry& e, void* buffer, int maxLength, int&
   unsigned char head[4];
   bool atEnd = false;
   int err = 0;
-  int64_t n = fs_internal::readAt(e, head, 4, offset, atEnd, err);
+  int64_t n = fs_internal::readFull(e, head, 4, offset, atEnd, err);
   if (err != 0) {
     status = fs_internal::fail(routine, fs_internal::errnoStatus(err), e.name);
     return;
@@ -115,14 +115,14 @@ void readFramed(char const* routine, Entry& e, void* buffer, int maxLength, int&
     return;
   }
   int64_t const want = length < static_cast<uint32_t>(maxLength) ? length : maxLength;
-  n = fs_internal::readAt(e, buffer, want, offset + 4, atEnd, err);
+  n = fs_internal::readFull(e, buffer, want, offset + 4, atEnd, err);
   got = static_cast<int>(n);
   if (err != 0) {
     status = fs_internal::fail(routine, fs_internal::errnoStatus(err), e.name);
     return;
   }
   unsigned char tail[4];
-  if (n < want || fs_internal::readAt(e, tail, 4, offset + 4 + length, atEnd, err) != 4 || getLE32(tail) != length) {
+  if (n < want || fs_internal::readFull(e, tail, 4, offset + 4 + length, atEnd, err) != 4 || getLE32(tail) != length) {
     status = fs_internal::fail(routine, err != 0 ? fs_internal::errnoStatus(err) : FS_BADFRAME, e.name);
     return;
   }

@@ -400,6 +400,12 @@ TEST(FSServiceFaults, ShortFailedAndTruncatedReads) {
   FS_testfault(name.c_str(), FS_FAULT_SHORTREAD, 3);
   EXPECT_EQ(FS_read(id, buf, 10, &got), FS_GOOD);
   EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "012");
+  // Partial reads go on until each part is whole.
+  int records;
+  ASSERT_EQ(FS_open(name.c_str(), FS_DISK | FS_READONLY, 5, 0, 0, &records), FS_GOOD);
+  EXPECT_EQ(FS_partialr(records, 1, 4, 1, 2, buf, &got), FS_GOOD);
+  EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "12346789");
+  FS_close(records);
 
   FS_testfault(name.c_str(), FS_FAULT_FAILREAD, 5);
   EXPECT_EQ(FS_read(id, buf, 10, &got), FS_ERRNO + EIO);

@@ -299,6 +299,12 @@ TEST(TapeSetReader, BrokenTapesAreFatal) {
   ASSERT_EQ(t2.read(buf, 10), 10u);
   expectFailure([&] { t2.read(buf, 1); }, "FS_terminate", bad + ": Broken block framing");
 
+  // Short reads of the disk are no broken framing.
+  FS_testfault(bad.c_str(), FS_FAULT_SHORTREAD, 3);
+  TapeSetReader s({bad.c_str()});
+  EXPECT_EQ(readAll(s), "0123456789abcdefghij");
+  FS_testfault("", FS_FAULT_NONE, 0);
+
   TapeSetReader missing({(dir / "none.tap").c_str()});
   expectFailure([&] { missing.read(buf, 1); }, "FS_terminate", dir / "none.tap" + ": No such file or directory");
   ::testing::internal::GetCapturedStdout();
