@@ -47,7 +47,7 @@ inline void shelve(std::shared_ptr<TestMemoryShelf> const& shelf, char const* na
   TestMemoryStore store(vHandle<Project>(), shelf);
   KeyList keys;
   keys.addKey(Attribute("CDP", "CDP", vINT32));
-  store.create(name, "seismic", "", keys, nullptr);
+  store.create(name, "seismic", "2d", keys, nullptr);
   store.addInstances(2);
   store.write(ints("CDP", {10, 20}), 1, 2);
   store.close();
@@ -74,7 +74,7 @@ inline vHandle<Store> openOnShelf(StoreDescription const& description) {
 inline vHandle<Store> createOnShelf(StoreDescription const& description, vLCString const& setName) {
   seen().push_back({"create", description, str(setName)});
   vHandle<Store> store(new TestMemoryStore(vHandle<Project>(), fileShelf()));
-  store->create(description.getStoreName(), "", "", KeyList(), nullptr);
+  store->create(description.getStoreName(), "seismic", "2d", KeyList(), nullptr);
   return store;
 }
 

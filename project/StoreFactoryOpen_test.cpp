@@ -1,0 +1,281 @@
+// Opening and creating flat files through the store factory: dispatch by
+// format tag, the formats this build cannot handle, and the attribute
+// mapping of the Nyx formats.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "project/StoreFactoryTesting.h"
+
+namespace {
+
+using namespace factory_testing;
+
+std::string const kOpen = "StoreFactory::openStore";
+std::string const kCreate = "StoreFactory::createStore";
+
+std::string cannotHandle(std::string const& file, std::string const& tag) {
+  return "The file '" + file + "' is of a type '" + tag + "' which we cannot handle yet!";
+}
+
+std::string unknownType(std::string const& file) {
+  return "We do not know the type of file '" + file + "', therefore we cannot handle it!";
+}
+
+std::string path(StoreDescription const& d) { return str(d.getFlatFileName().getFilename()); }
+
+TEST(StoreFactoryOpenFile, UpperCaseShpReachesTheShapefileStoreByItsExtension) {
+  TestReleaseTree tree;
+  StoreDescription d = fileIn(tree, "a.SHP");
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "shp"));
+
+  StandIn shapefiles("ShapefileDiskStore", fileMakers());
+  shelve(fileShelf(), "a.shp");
+  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+  ASSERT_EQ(1u, seen().size());
+  EXPECT_EQ("open", seen()[0].how);
+  // Not identified: the copy handed on has no format and no class.
+  EXPECT_EQ("", str(seen()[0].description.getFileFormat()));
+  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
+  EXPECT_EQ(path(d), path(seen()[0].description));
+  EXPECT_TRUE(store->isOpen());
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
+  // Built on no project.
+  EXPECT_TRUE(store->getProject().isEmpty());
+}
+
+TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopy) {
+  TestReleaseTree tree;
+  StandIn segy("SegyDiskStore", fileMakers());
+  shelve(fileShelf(), "line.sgy");
+  StoreDescription d = fileIn(tree, "line.SGY");
+  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+  ASSERT_EQ(1u, seen().size());
+  EXPECT_EQ("segy", str(seen()[0].description.getFileFormat()));
+  EXPECT_EQ("seismic", str(seen()[0].description.getStoreClass()));
+  EXPECT_EQ("", str(d.getFileFormat()));
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
+}
+
+TEST(StoreFactoryOpenFile, AFormatGivenWinsOverTheExtensionInAnyCase) {
+  TestReleaseTree tree;
+  std::string const file = tree.writeWorkFile("traces.bin", "data");
+  StoreDescription d(vString(("file:" + file + "#SGY#").c_str()));
+  ASSERT_EQ("SGY", str(d.getFileFormat()));
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(file, "SGY"));
+
+  StandIn segy("SegyDiskStore", fileMakers());
+  shelve(fileShelf(), "traces.bin");
+  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+  ASSERT_EQ(1u, seen().size());
+  EXPECT_EQ("SGY", str(seen()[0].description.getFileFormat()));
+  // Told, not identified: no class is made up.
+  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
+}
+
+TEST(StoreFactoryOpenFile, UnknownExtensionAndNoExtension) {
+  TestReleaseTree tree;
+  StoreDescription unknown = fileIn(tree, "grid.XYZ");
+  expectFatal([&] { StoreFactory::openStore(unknown, "", nullptr); }, kOpen.c_str(),
+              cannotHandle(path(unknown), "xyz"));
+  for (char const* name : {"grid", "grid."}) {
+    StoreDescription none = fileIn(tree, name);
+    expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
+  }
+}
+
+TEST(StoreFactoryOpenFile, TagsOfTheTableWhoseStoreIsNotThere) {
+  TestReleaseTree tree;
+  struct Case {
+    char const* name;
+    char const* tag;
+  };
+  for (Case c : {Case{"a.segy", "segy"}, Case{"a.sgy", "segy"}, Case{"a.DSEGY", "dsegy"}, Case{"a.segd", "segd"},
+                 Case{"a.sgd", "sgd"}, Case{"a.fdm", "fdm"}, Case{"a.offload", "offload"}, Case{"a.txt", "txt"},
+                 Case{"a.shp", "shapefile"}, Case{"a.cst", "nyxcst"}, Case{"a.dat", "nyxdat"}}) {
+    StoreDescription d = fileIn(tree, c.name);
+    expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), c.tag));
+  }
+}
+
+// A class registered without an opener is no help to opening.
+TEST(StoreFactoryOpenFile, AClassThatCanOnlyCreateDoesNotOpen) {
+  TestReleaseTree tree;
+  StandIn ascii("AsciiDiskStore", {nullptr, nullptr, &createOnShelf, nullptr});
+  StoreDescription d = fileIn(tree, "wells.txt");
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "txt"));
+  EXPECT_TRUE(seen().empty());
+}
+
+TEST(StoreFactoryOpenFile, UpdateAndHasStoreRefuseFiles) {
+  TestReleaseTree tree;
+  StandIn segy("SegyDiskStore", fileMakers());
+  StoreDescription d = fileIn(tree, "line.sgy");
+  expectFatal([&] { StoreFactory::updateStore(d, "", nullptr); }, "StoreFactory::updateStore",
+              "Cannot handle file names yet." + path(d));
+  expectFatal([&] { StoreFactory::hasStore(d); }, "StoreFactory::hasStore", "Cannot handle file names yet." + path(d));
+  EXPECT_TRUE(seen().empty());
+}
+
+// --- the Nyx formats and their attribute mapping ------------------------------------------
+
+struct Mapped {
+  std::string file;
+  std::string spec;
+  std::string mapFile;
+  Store* below = nullptr;
+  vHandle<Store> view;
+};
+
+Mapped& mapped() {
+  static Mapped m;
+  return m;
+}
+
+// A mapping file is the spec with ".cstf" in the data file's directory.
+bool resolveBeside(vFilename const& file, vString const& spec, vFilename& mapFile) {
+  mapped().file = str(file.getFilename());
+  mapped().spec = str(spec);
+  std::string candidate = std::string(file.getDirectory().c_str()) + "/" + spec.c_str() + ".cstf";
+  if (spec.isBlank() || !std::filesystem::exists(candidate)) return false;
+  mapFile = vFilename(candidate.c_str());
+  return true;
+}
+
+// The view: a second store on the same set, so that the caller can tell it
+// from the store below.
+vHandle<Store> applyMapping(vHandle<Store> store, vFilename const& mapFile) {
+  mapped().mapFile = str(mapFile.getFilename());
+  mapped().below = store.get();
+  mapped().view = vHandle<Store>(new TestMemoryStore(vHandle<Project>(), fileShelf()));
+  mapped().view->open(store->getName(), 0, "", "", nullptr);
+  return mapped().view;
+}
+
+class Mapping {
+ public:
+  explicit Mapping(StoreFactory::AttributeMapping const& mapping)
+      : m_saved(StoreFactory::registerAttributeMapping(mapping)) {
+    mapped() = Mapped();
+  }
+  ~Mapping() {
+    StoreFactory::registerAttributeMapping(m_saved);
+    mapped() = Mapped();
+  }
+
+ private:
+  StoreFactory::AttributeMapping m_saved;
+};
+
+TEST(StoreFactoryNyx, WithoutSpecAndMappingThePlainStore) {
+  TestReleaseTree tree;
+  StandIn nyx("NyxDiskStore", fileMakers());
+  Mapping mapping({&resolveBeside, &applyMapping});
+  shelve(fileShelf(), "line.cst");
+  vHandle<Store> store = StoreFactory::openStore(fileIn(tree, "line.cst"), "", nullptr);
+  ASSERT_EQ(1u, seen().size());
+  EXPECT_EQ("nyxcst", str(seen()[0].description.getFileFormat()));
+  EXPECT_TRUE(mapped().view.isEmpty());
+  EXPECT_TRUE(store->isOpen());
+}
+
+TEST(StoreFactoryNyx, ASpecWithoutAMappingFileIsFatal) {
+  TestReleaseTree tree;
+  StandIn nyx("NyxDiskStore", fileMakers());
+  shelve(fileShelf(), "line.dat");
+  StoreDescription d = fileIn(tree, "line.dat");
+  d.setFormatSpec("2dStack");
+  {
+    Mapping none({nullptr, nullptr});
+    expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(),
+                "Could not find the attribute mapping file '2dStack'!");
+  }
+  Mapping mapping({&resolveBeside, &applyMapping});
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(),
+              "Could not find the attribute mapping file '2dStack'!");
+  EXPECT_EQ(path(d), mapped().file);
+  EXPECT_EQ("2dStack", mapped().spec);
+  // The store was opened first.
+  EXPECT_EQ(2u, seen().size());
+}
+
+TEST(StoreFactoryNyx, TheMappingFoundIsPutOnTheStore) {
+  TestReleaseTree tree;
+  StandIn nyx("NyxDiskStore", fileMakers());
+  Mapping mapping({&resolveBeside, &applyMapping});
+  std::string const map = tree.writeWorkFile("2dStack.cstf", "mapping");
+  shelve(fileShelf(), "line.dat");
+  StoreDescription d = fileIn(tree, "line.dat");
+  d.setFormatSpec("2dStack");
+  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+  EXPECT_EQ(map, mapped().mapFile);
+  EXPECT_EQ(mapped().view.get(), store.get());
+  ASSERT_NE(nullptr, mapped().below);
+  EXPECT_NE(mapped().below, store.get());
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
+}
+
+// Only the Nyx stores are mapped.
+TEST(StoreFactoryNyx, OtherFormatsAreNotMapped) {
+  TestReleaseTree tree;
+  StandIn segy("SegyDiskStore", fileMakers());
+  Mapping mapping({&resolveBeside, &applyMapping});
+  tree.writeWorkFile("2dStack.cstf", "mapping");
+  shelve(fileShelf(), "line.sgy");
+  StoreDescription d = fileIn(tree, "line.sgy");
+  d.setFormatSpec("2dStack");
+  StoreFactory::openStore(d, "", nullptr);
+  EXPECT_TRUE(mapped().view.isEmpty());
+  EXPECT_EQ("", mapped().spec);
+}
+
+// --- creating files ----------------------------------------------------------------------
+
+TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
+  TestReleaseTree tree;
+  StandIn segy("SegyDiskStore", fileMakers());
+  StandIn ascii("AsciiDiskStore", fileMakers());
+  StandIn shapes("ShapefileDiskStore", fileMakers());
+  StandIn nyx("NyxDiskStore", fileMakers());
+  KeyList keys;
+
+  StoreDescription sgy = fileIn(tree, "line.sgy");
+  expectFatal([&] { StoreFactory::createStore(sgy, "", keys, nullptr); }, kCreate.c_str(),
+              cannotHandle(path(sgy), "sgy"));
+  StoreDescription none = fileIn(tree, "line");
+  expectFatal([&] { StoreFactory::createStore(none, "", keys, nullptr); }, kCreate.c_str(), unknownType(path(none)));
+  EXPECT_TRUE(seen().empty());
+
+  struct Case {
+    char const* name;
+    char const* format;
+  };
+  for (Case c : {Case{"wells.txt", ""}, Case{"wells.TXT", ""}, Case{"wells.out", "ascii"}, Case{"roads.SHP", ""},
+                 Case{"roads.x", "Shapefile"}, Case{"line.cst", ""}, Case{"line.y", "nyxdat"}}) {
+    seen().clear();
+    StoreDescription d = fileIn(tree, c.name);
+    d.setFileFormat(c.format);
+    vHandle<Store> store = StoreFactory::createStore(d, "outlines", keys, nullptr);
+    ASSERT_EQ(1u, seen().size()) << c.name;
+    EXPECT_EQ("create", seen()[0].how);
+    EXPECT_EQ("outlines", seen()[0].setName);
+    EXPECT_EQ(d, seen()[0].description) << c.name;
+    EXPECT_TRUE(store->isOpen());
+  }
+}
+
+TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStore) {
+  TestReleaseTree tree;
+  StoreDescription d = fileIn(tree, "wells.txt");
+  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
+              cannotHandle(path(d), "txt"));
+  // A class that opens but cannot create.
+  StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
+  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
+              cannotHandle(path(d), "txt"));
+}
+
+}  // namespace

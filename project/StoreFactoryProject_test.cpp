@@ -1,0 +1,289 @@
+// The store factory's stores of projects and of memory: the class by
+// project type, the stores that a project serves, live in-memory stores,
+// and the queue of pushed stores.
+//
+// Projects are made on loopback addresses of these tests' own, so that the
+// process-wide project cache gives each test its own projects.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "project/AttributeSetFactory.h"
+#include "project/ProjectFactory.h"
+#include "project/StoreDetails.h"
+#include "project/StoreFactoryTesting.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+namespace {
+
+using namespace factory_testing;
+
+vHandle<Project> projectOfType(ProjectType::PROJECT_TYPE type, char const* host) {
+  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
+  project->open("survey");
+  return project;
+}
+
+// The stores of UnitTest projects, while the in-memory store is not linked
+// in: stores on one shelf.
+std::shared_ptr<TestMemoryShelf>& projectShelf() {
+  static std::shared_ptr<TestMemoryShelf> shelf = std::make_shared<TestMemoryShelf>();
+  return shelf;
+}
+
+std::vector<Project*>& storesMadeFor() {
+  static std::vector<Project*> projects;
+  return projects;
+}
+
+vHandle<Store> storeOnProjectShelf(vHandle<Project> const& project) {
+  storesMadeFor().push_back(project.get());
+  return vHandle<Store>(new TestMemoryStore(project, projectShelf()));
+}
+
+StoreFactory::Makers unitTestMakers() { return {&storeOnProjectShelf, nullptr, nullptr, nullptr}; }
+
+StoreDescription unitTestStore(char const* host, char const* store, char const* storeClass = "seismic") {
+  // UnitTest projects have no server: a project is found again in the
+  // factory's cache only when none is named.
+  return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, storeClass, 0, "");
+}
+
+// --- the class by project type -------------------------------------------------------------
+
+TEST(StoreFactoryCreate, UnitTestAndZonmeshProjectsNeedTheirRegisteredClass) {
+  CleanQueue queue;
+  StandIn none("InMemoryStore", {nullptr, nullptr, nullptr, nullptr});
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); },
+              "StoreFactory::create",
+              "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.91")); },
+              "StoreFactory::create",
+              "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
+  // A class registered for files only does not make stores of projects.
+  StandIn filesOnly("InMemoryStore", fileMakers());
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); },
+              "StoreFactory::create",
+              "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
+}
+
+TEST(StoreFactoryCreate, UnitTestProjectsGetTheirStoreUnopened) {
+  CleanQueue queue;
+  StandIn unitTest("InMemoryStore", unitTestMakers());
+  storesMadeFor().clear();
+  vHandle<Project> project = projectOfType(ProjectType::UNITTEST, "127.0.0.91");
+  vHandle<Store> store = StoreFactory::create(project);
+  ASSERT_NE(nullptr, dynamic_cast<TestMemoryStore*>(store.get()));
+  EXPECT_FALSE(store->isOpen());
+  EXPECT_EQ(project.get(), store->getProject().get());
+  EXPECT_EQ(std::vector<Project*>{project.get()}, storesMadeFor());
+}
+
+// Other projects get the standard store, whose sets the attribute set
+// factory makes when the store first needs one.
+TEST(StoreFactoryCreate, OtherProjectsGetAStoreOfTheProjectsSets) {
+  CleanQueue queue;
+  AttributeSetFactory::clearAttributeSets();
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  shelve(shelf, "line7");
+  vHandle<Project> project = projectOfType(ProjectType::RONDO, "127.0.0.92");
+  vHandle<Store> store = StoreFactory::create(project);
+  EXPECT_EQ(nullptr, dynamic_cast<TestMemoryStore*>(store.get()));
+  EXPECT_FALSE(store->isOpen());
+  vHandle<AttributeSet> set(new TestMemoryAttributeSet(project, shelf));
+  AttributeSetFactory::pushAttributeSet(set);
+  store->open("line7", 0, "", "", nullptr);
+  EXPECT_EQ(0u, AttributeSetFactory::getNPushedAttributeSets());
+  EXPECT_TRUE(set->isOpen());
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
+  EXPECT_EQ("seismic", str(store->getClass()));
+  // Without a set at hand the project's own kind is asked for.
+  vHandle<Store> other = StoreFactory::create(project);
+  expectFatal([&] { other->open("line7", 0, "", "", nullptr); }, "AttributeSetFactory::create",
+              "Class ClientAttributeSet is not available: no maker is registered for it (see registerRondoClasses).");
+  store->close();
+  AttributeSetFactory::clearAttributeSets();
+}
+
+// --- the queue -------------------------------------------------------------------------
+
+TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
+  CleanQueue queue;
+  StandIn unitTest("InMemoryStore", unitTestMakers());
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  shelve(shelf, "open1");
+  vHandle<Store> first(new TestMemoryStore(vHandle<Project>(), shelf));
+  first->open("open1", 0, "", "", nullptr);
+  vHandle<Store> second(new TestMemoryStore(vHandle<Project>(), shelf));
+  StoreFactory::pushStore(first);
+  StoreFactory::pushStore(second);
+  EXPECT_EQ(2u, StoreFactory::getNPushedStores());
+
+  // A Zonmesh project has no store class registered here: the queue is
+  // asked before the type.
+  vHandle<Store> a = StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93"));
+  vHandle<Store> b = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
+  EXPECT_EQ(first.get(), a.get());
+  EXPECT_TRUE(a->isOpen());  // handed over as it is
+  EXPECT_EQ(second.get(), b.get());
+  EXPECT_FALSE(b->isOpen());
+  EXPECT_EQ(0u, StoreFactory::getNPushedStores());
+  vHandle<Store> c = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
+  EXPECT_NE(first.get(), c.get());
+  EXPECT_NE(second.get(), c.get());
+
+  StoreFactory::pushStore(first);
+  StoreFactory::clearStores();
+  EXPECT_EQ(0u, StoreFactory::getNPushedStores());
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93")); },
+              "StoreFactory::create",
+              "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
+}
+
+TEST(StoreFactoryQueue, APushedStoreIsTheOneThatAProjectServedNameOpens) {
+  CleanQueue queue;
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  shelve(shelf, "line3");
+  vHandle<Store> pushed(new TestMemoryStore(vHandle<Project>(), shelf));
+  StoreFactory::pushStore(pushed);
+  vHandle<Store> store = StoreFactory::openStore(unitTestStore("127.0.0.94", "line3"), "", nullptr);
+  EXPECT_EQ(pushed.get(), store.get());
+  EXPECT_TRUE(store->isOpen());
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
+}
+
+// --- project-served names --------------------------------------------------------------------
+
+// Stores are made as the store of a UnitTest project (its registered class)
+// and opened, or opened for update, on the names given. Creating through a
+// project is tested with the real in-memory store, in the registry's tests.
+TEST(StoreFactoryProjectServed, OpenAndUpdateThroughTheProject) {
+  CleanQueue queue;
+  StandIn unitTest("InMemoryStore", unitTestMakers());
+  storesMadeFor().clear();
+  shelve(projectShelf(), "line9");
+  StoreDescription d = unitTestStore("127.0.0.95", "line9");
+
+  vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
+  ASSERT_NE(nullptr, dynamic_cast<TestMemoryStore*>(opened.get()));
+  ASSERT_EQ(1u, storesMadeFor().size());
+  vHandle<Project> project = ProjectFactory::openProject(d.getFullProjectName());
+  EXPECT_EQ(project.get(), storesMadeFor()[0]);
+  EXPECT_EQ(project.get(), opened->getProject().get());
+  EXPECT_EQ("survey", str(project->getName()));
+  EXPECT_EQ("line9", str(opened->getName()));
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*opened, "CDP"));
+  expectFatal([&] { opened->write(ints("CDP", {1}), 1, 1); }, "StoreImp::write(range)",
+              "The store 'line9' has not been opened for modification!");
+  opened->close();
+
+  vHandle<Store> updated = StoreFactory::updateStore(d, "", nullptr);
+  EXPECT_NE(opened.get(), updated.get());
+  updated->write(ints("CDP", {8}), 2, 2);
+  updated->close();
+  vHandle<Store> again = StoreFactory::openStore(d, "", nullptr);
+  EXPECT_EQ((std::vector<int>{10, 8}), readInts(*again, "CDP"));
+  again->close();
+  // A store that is not there fails in the store.
+  expectFatal([] { StoreFactory::openStore(unitTestStore("127.0.0.95", "nosuch"), "", nullptr); },
+              "TestMemoryAttributeSet::open", "AttributeSet 'nosuch' does not exist.");
+}
+
+TEST(StoreFactoryProjectServed, TheAttributeSetAskedForIsOpened) {
+  CleanQueue queue;
+  StandIn unitTest("InMemoryStore", unitTestMakers());
+  {
+    // Store line4 with a secondary set "picks".
+    TestMemoryStore store(vHandle<Project>(), projectShelf());
+    KeyList keys;
+    keys.addKey(Attribute("CDP", "CDP", vINT32));
+    store.create("line4", "seismic", "2d", keys, nullptr);
+    store.createAttributeSet("picks", keys);
+    store.addInstances(1);
+    store.write(ints("CDP", {44}), 1, 1);
+    store.close();
+  }
+  StoreDescription d = unitTestStore("127.0.0.96", "line4");
+  vHandle<Store> opened = StoreFactory::openStore(d, "picks", nullptr);
+  EXPECT_EQ("line4_picks", str(opened->getAttributeSetName()));
+  EXPECT_EQ((std::vector<int>{44}), readInts(*opened, "CDP"));
+  opened->close();
+  // The set named in the description serves when none is asked for.
+  StoreDescription named = d;
+  named.setAttributeSetName("picks");
+  vHandle<Store> byName = StoreFactory::openStore(named, "", nullptr);
+  EXPECT_EQ("line4_picks", str(byName->getAttributeSetName()));
+  byName->close();
+  vHandle<Store> primary = StoreFactory::openStore(d, "", nullptr);
+  EXPECT_EQ("line4", str(primary->getAttributeSetName()));
+  EXPECT_EQ(0u, primary->getNInstances());
+  primary->close();
+}
+
+TEST(StoreFactoryProjectServed, HasStoreAsksTheProject) {
+  StoreDescription d = unitTestStore("127.0.0.97", "line12");
+  d.setVersion(3);
+  vHandle<Project> project = ProjectFactory::openProject(d.getFullProjectName());
+  UTProject* scripted = dynamic_cast<UTProject*>(project.get());
+  ASSERT_NE(nullptr, scripted);
+  EXPECT_FALSE(StoreFactory::hasStore(d));
+  scripted->addStore(StoreDetails(ProjectType::UNITTEST, vString(), "line12", 3));
+  EXPECT_TRUE(StoreFactory::hasStore(d));
+  d.setVersion(4);
+  EXPECT_FALSE(StoreFactory::hasStore(d));
+}
+
+TEST(StoreFactoryProjectServed, ZonmeshStoresAreMadeByTheirBackEnd) {
+  StoreDescription d(vString("zonmesh::127.0.0.98:survey:line1"));
+  ASSERT_EQ(ProjectType::ZONMESH, d.getProjectType());
+  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, "StoreFactory::createStore",
+              "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
+}
+
+// --- live in-memory stores ------------------------------------------------------------------
+
+TEST(StoreFactoryInMemory, OpenReturnsTheLiveStoreOpenedOnce) {
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  shelve(shelf, "scratch");
+  vHandle<TestMemoryStore> live(new TestMemoryStore(vHandle<Project>(), shelf));
+  StoreDescription d(live, "scratch");
+  ASSERT_TRUE(d.isInMemory());
+
+  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+  EXPECT_EQ(static_cast<Store*>(live.get()), store.get());
+  EXPECT_TRUE(live->isOpen());
+  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
+  // Open already: handed back as it is, not opened again.
+  EXPECT_EQ(store.get(), StoreFactory::openStore(d, "", nullptr).get());
+  // The printed name finds the same store by its address.
+  StoreDescription parsed(d.toString());
+  EXPECT_EQ(store.get(), StoreFactory::openStore(parsed, "", nullptr).get());
+  EXPECT_TRUE(StoreFactory::hasStore(parsed));
+  store->close();
+}
+
+TEST(StoreFactoryInMemory, CreateAndUpdateActOnTheLiveStore) {
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  vHandle<TestMemoryStore> live(new TestMemoryStore(vHandle<Project>(), shelf));
+  StoreDescription d(live, "fresh");
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  // The test store will not make a set without class and subclass.
+  expectFatal([&] { StoreFactory::createStore(d, "", keys, nullptr); }, "TestMemoryAttributeSet::create",
+              "When creating AttributeSet 'fresh', the class cannot be blank.");
+  shelve(shelf, "fresh");
+  vHandle<Store> store = StoreFactory::updateStore(d, "", nullptr);
+  EXPECT_EQ(static_cast<Store*>(live.get()), store.get());
+  store->write(ints("CDP", {11}), 1, 1);
+  EXPECT_EQ((std::vector<int>{11, 20}), readInts(*store, "CDP"));
+  // Open already: create leaves it as it is.
+  EXPECT_EQ(store.get(), StoreFactory::createStore(d, "", keys, nullptr).get());
+  EXPECT_EQ((std::vector<int>{11, 20}), readInts(*store, "CDP"));
+  EXPECT_TRUE(StoreFactory::hasStore(d));
+  store->close();
+}
+
+}  // namespace
