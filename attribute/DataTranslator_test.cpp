@@ -1,0 +1,277 @@
+#include "attribute/DataTranslator.h"
+
+#include <gtest/gtest.h>
+
+#include "attribute/AttributeDataHandler.h"
+#include "attribute/AttributeTesting.h"
+#include "attribute/BuildConverter.h"
+#include "attribute/OriginalDataConverter.h"
+
+using attribute_testing::expectFailure;
+
+namespace {
+
+vHandle<DataConverterI> chain(char const* text) { return BuildConverter::createConverter(vString(text)); }
+
+// The client sees SHOT_X in single precision; the store keeps SOURCE_X in
+// double precision.
+DataTranslator& sourceX() {
+  static DataTranslator translator(Attribute("SHOT_X", "SOURCE_X", vFLOAT32, 1), chain("float64()"),
+                                   chain("float32()"), Attribute("SOURCE_X", "SOURCE_X", vFLOAT64, 1));
+  return translator;
+}
+
+Attribute filledFloat64(char const* name, char const* className, std::initializer_list<double> values) {
+  Attribute a(name, className, vFLOAT64, 1);
+  a.resize(static_cast<unsigned int>(values.size()));
+  unsigned int i = 1;
+  for (double v : values) a.setFloat64(i++, v);
+  return a;
+}
+
+// A block that a store lends out, counting how often it is still held.
+struct Block {
+  explicit Block(unsigned int n) : values(new int[n]) {}
+  ~Block() { delete[] values; }
+  int* values;
+};
+
+}  // namespace
+
+TEST(DataTranslator, TellsBothSides) {
+  DataTranslator& t = sourceX();
+  EXPECT_EQ(vFLOAT32, t.getDornType());
+  EXPECT_EQ(vFLOAT64, t.getCapiType());
+  EXPECT_STREQ("SHOT_X", t.getDornName().c_str());
+  EXPECT_STREQ("SOURCE_X", t.getCapiName().c_str());
+  EXPECT_STREQ("SOURCE_X", t.getAttributeClass().c_str());
+  EXPECT_STREQ("SOURCE_X", t.getCapiAttribute().getName().c_str());
+  EXPECT_STREQ("SHOT_X", t.getDornAttribute().getName().c_str());
+}
+
+TEST(DataTranslator, AReferenceNamedByTheClassLendsItsName) {
+  DataTranslator& t = sourceX();
+  Attribute byClass("source_x", "", vFLOAT64, 1);
+  Attribute byName("SHOT_X", "SOURCE_X", vFLOAT32, 1);
+  EXPECT_STREQ("SOURCE_X", t.getDornAttribute(&byClass).getName().c_str());
+  EXPECT_STREQ("SHOT_X", t.getDornAttribute(&byName).getName().c_str());
+  EXPECT_STREQ("SOURCE_X", t.getCapiAttribute(&byName).getName().c_str());
+  EXPECT_EQ(vFLOAT32, t.getDornAttribute(&byClass).getDataType());
+
+  DataTranslator renamed(Attribute("X", "CLASS_C", vINT32, 1), chain("null()"), chain("null()"),
+                         Attribute("CAPI_C", "CLASS_C", vINT32, 1));
+  Attribute asked("class_c", "", vINT32, 1);
+  EXPECT_STREQ("CLASS_C", renamed.getCapiAttribute(&asked).getName().c_str());
+  EXPECT_STREQ("CAPI_C", renamed.getCapiAttribute().getName().c_str());
+}
+
+TEST(DataTranslator, ConvertsBothWaysAndBack) {
+  DataTranslator& t = sourceX();
+  Attribute stored = filledFloat64("SURVEY_A_X", "SOURCE_X", {1.5, -2.25, 1e6, 0.1});
+  Attribute dorn = t.convertToDorn(stored);
+  EXPECT_STREQ("SHOT_X", dorn.getName().c_str());
+  EXPECT_EQ(vFLOAT32, dorn.getDataType());
+  ASSERT_EQ(4u, dorn.getNInstances());
+  EXPECT_EQ(1.5f, dorn.getFloat32(1));
+  EXPECT_EQ(-2.25f, dorn.getFloat32(2));
+  EXPECT_EQ(1e6f, dorn.getFloat32(3));
+  EXPECT_EQ(0.1f, dorn.getFloat32(4));
+  // A new block was made, so the argument keeps its own.
+  EXPECT_EQ(4u, stored.getNInstances());
+  EXPECT_EQ(0.1, stored.getFloat64(4));
+
+  Attribute back = t.convertToCapi(dorn);
+  EXPECT_STREQ("SOURCE_X", back.getName().c_str());
+  EXPECT_EQ(vFLOAT64, back.getDataType());
+  ASSERT_EQ(4u, back.getNInstances());
+  EXPECT_EQ(1e6, back.getFloat64(3));
+  EXPECT_EQ(static_cast<double>(0.1f), back.getFloat64(4));
+}
+
+TEST(DataTranslator, AnUnchangedBlockIsTakenOverNotCopied) {
+  DataTranslator t(Attribute("CDP_NO", "CDP", vINT32, 1), chain("null()"), chain("int32()"),
+                   Attribute("CDP", "CDP", vINT32, 1));
+  Attribute stored("CDP", "CDP", vINT32, 1);
+  stored.resize(3);
+  for (unsigned int i = 1; i <= 3; ++i) stored.setInt32(i, static_cast<int>(100 * i));
+  int const* block = stored.getInt32Pointer(1);
+
+  Attribute dorn = t.convertToDorn(stored);
+  EXPECT_EQ(block, dorn.getInt32Pointer(1));
+  EXPECT_EQ(0u, stored.getNInstances());
+  EXPECT_EQ(300, dorn.getInt32(3));
+
+  Attribute capi = t.convertToCapi(dorn);
+  EXPECT_EQ(block, capi.getInt32Pointer(1));
+  EXPECT_EQ(200, capi.getInt32(2));
+
+  // The const form copies.
+  Attribute const& fixed = capi;
+  Attribute copy = t.convertToCapi(fixed);
+  EXPECT_NE(block, copy.getInt32Pointer(1));
+  EXPECT_EQ(3u, capi.getNInstances());
+  EXPECT_EQ(100, copy.getInt32(1));
+}
+
+TEST(DataTranslator, ALentBlockGoesOverWithItsKeeper) {
+  DataTranslator t(Attribute("CDP_NO", "CDP", vINT32, 1), chain("null()"), chain("null()"),
+                   Attribute("CDP", "CDP", vINT32, 1));
+  vHandle<Block> owner(new Block(2));
+  owner->values[0] = 7;
+  owner->values[1] = 9;
+  {
+    Attribute lent("CDP", "CDP", vINT32, 1);
+    lent.resize(2, owner->values, nullptr, makeAttributeDataHandler(owner));
+    EXPECT_EQ(2, owner.getMasterCount());
+    Attribute dorn = t.convertToDorn(lent);
+    EXPECT_TRUE(dorn.hasDataHandler());
+    EXPECT_FALSE(lent.hasDataHandler());
+    EXPECT_EQ(owner->values, dorn.getInt32Pointer(1));
+    EXPECT_EQ(9, dorn.getInt32(2));
+    EXPECT_EQ(2, owner.getMasterCount());
+  }
+  EXPECT_EQ(1, owner.getMasterCount());
+}
+
+TEST(DataTranslator, VariableLengthsTravelWithTheValues) {
+  DataTranslator t(Attribute("PICK_T", "PICKS", vFLOAT64, Attribute::VARIABLE_LENGTH), chain("float32()"),
+                   chain("float64()"), Attribute("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH));
+  Attribute picks("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH);
+  int* lengths = new int[3]{2, 0, 3};
+  picks.resize(3, nullptr, lengths);
+  float const values[] = {1.f, 2.f, 3.5f, 4.5f, 5.5f};
+  std::copy(values, values + 5, picks.getFloat32Pointer(1));
+
+  Attribute dorn = t.convertToDorn(picks);
+  ASSERT_TRUE(dorn.isVariableLength());
+  ASSERT_EQ(3u, dorn.getNInstances());
+  EXPECT_EQ(2, dorn.getLength(1));
+  EXPECT_EQ(0, dorn.getLength(2));
+  EXPECT_EQ(3, dorn.getLength(3));
+  EXPECT_EQ(4.5, dorn.getFloat64Pointer(3)[1]);
+  EXPECT_EQ(2.0, dorn.getFloat64Pointer(1)[1]);
+
+  Attribute const& fixed = dorn;
+  Attribute back = t.convertToCapi(fixed);
+  ASSERT_EQ(3u, back.getNInstances());
+  EXPECT_EQ(3, back.getLength(3));
+  EXPECT_EQ(5.5f, back.getFloat32Pointer(3)[2]);
+  EXPECT_EQ(3u, dorn.getNInstances());
+}
+
+TEST(DataTranslator, LengthSampleRateAndFirstTimeComeFromTheArgument) {
+  DataTranslator t(Attribute("TRACE", "SAMPLES", vFLOAT32, 0), chain("null()"), chain("null()"),
+                   Attribute("SAMPLES", "SAMPLES", vFLOAT32, 0));
+  Attribute trace("SAMPLES", "SAMPLES", vFLOAT32, 4, 0.004, 0.1);
+  trace.resize(2);
+  trace.getFloat32Pointer(2)[3] = 8.f;
+  Attribute dorn = t.convertToDorn(trace);
+  EXPECT_EQ(4, dorn.getLength());
+  EXPECT_EQ(0.004, dorn.getSampleRate());
+  EXPECT_EQ(0.1, dorn.getFirstTime());
+  EXPECT_EQ(8.f, dorn.getFloat32Pointer(2)[3]);
+
+  // A definition without instances converts alone.
+  Attribute definition("STACK", "SAMPLES", vFLOAT32, 1500, 0.002, 0.0);
+  Attribute asked = t.convertToDorn(definition);
+  EXPECT_STREQ("TRACE", asked.getName().c_str());
+  EXPECT_EQ(1500, asked.getLength());
+  EXPECT_EQ(0u, asked.getNInstances());
+  // Asked by the class name, the answer keeps that name.
+  Attribute byClass("SAMPLES", "SAMPLES", vFLOAT32, 1500, 0.002, 0.0);
+  EXPECT_STREQ("SAMPLES", t.convertToDorn(byClass).getName().c_str());
+}
+
+TEST(DataTranslator, TextPassesUnchanged) {
+  DataTranslator t(Attribute("LINE", "LINE_NAME", vSTRING, 1), chain(""), chain(""),
+                   Attribute("LINE_NAME", "LINE_NAME", vSTRING, 1));
+  EXPECT_TRUE(t.getToCapiConverter().isEmpty());
+  Attribute names("LINE_NAME", "LINE_NAME", vSTRING, 1);
+  names.resize(2);
+  names.setString(1, "north-1");
+  names.setString(2, "south 2");
+  Attribute const& fixed = names;
+  Attribute copy = t.convertToDorn(names);
+  EXPECT_STREQ("south 2", copy.getString(2).c_str());
+  Attribute back = t.convertToCapi(static_cast<Attribute const&>(copy));
+  EXPECT_STREQ("north-1", back.getString(1).c_str());
+  EXPECT_EQ(2u, copy.getNInstances());
+  EXPECT_EQ(0u, fixed.getNInstances());
+}
+
+TEST(DataTranslator, OriginalTypesComeBack) {
+  DataTranslator t(Attribute("COUNT_F", "COUNT", vFLOAT32, 1), chain("original()"), chain("float32()"),
+                   Attribute("COUNT", "COUNT", vINT32, 1));
+  EXPECT_NE(nullptr, dynamic_cast<OriginalDataConverter*>(t.getToCapiConverter().pointer()));
+  Attribute client("COUNT_F", "COUNT", vFLOAT32, 1);
+  client.resize(3);
+  client.setFloat32(1, 2.9f);
+  client.setFloat32(2, -2.9f);
+  client.setFloat32(3, 40000.f);
+  // Truncated, where the integer converters round.
+  Attribute capi = t.convertToCapi(client);
+  EXPECT_EQ(vINT32, capi.getDataType());
+  EXPECT_EQ(2, capi.getInt32(1));
+  EXPECT_EQ(-2, capi.getInt32(2));
+  EXPECT_EQ(40000, capi.getInt32(3));
+
+  // An original type the data had before goes before the Capi type.
+  Attribute wide("COUNT_F", "COUNT", vFLOAT32, 1);
+  wide.setOriginalDataType(vINT64);
+  wide.resize(1);
+  wide.setFloat32(1, 7.75f);
+  Attribute restored = t.convertToCapi(wide);
+  EXPECT_EQ(vINT64, restored.getDataType());
+  EXPECT_EQ(7, restored.getInt64(1));
+}
+
+TEST(DataTranslator, DataOfTheWrongTypeAreRefused) {
+  DataTranslator t(Attribute("BAD", "CDP", vINT32, 1), chain("null()"), chain("null()"),
+                   Attribute("CDP", "CDP", vFLOAT32, 1));
+  Attribute cdp("CDP", "CDP", vFLOAT32, 1);
+  cdp.resize(2);
+  cdp.setFloat32(2, 3.f);
+  expectFailure([&] { t.convertToDorn(cdp); }, "DataTranslator::myConvertData",
+                "Attribute CDP gives vFLOAT32 data where CDP needs vINT32 data.");
+  // Nothing was lost.
+  EXPECT_EQ(2u, cdp.getNInstances());
+  EXPECT_EQ(3.f, cdp.getFloat32(2));
+
+  Attribute text("CDP", "CDP", vSTRING, 1);
+  text.resize(1);
+  expectFailure([&] { t.convertToCapi(text); }, "DataTranslator::myConvertData",
+                "Attribute CDP gives vSTRING data where CDP needs vFLOAT32 data.");
+}
+
+TEST(DataTranslator, CompatibilityIsAboutVariableAndVectorKinds) {
+  DataTranslator t(Attribute("TRACE", "SAMPLES", vFLOAT32, 0), chain("null()"), chain("null()"),
+                   Attribute("SAMPLES", "SAMPLES", vFLOAT32, Attribute::VARIABLE_LENGTH));
+  Attribute vector("A", "A", vINT32, 5);
+  Attribute scalar("B", "B", vINT32, 1);
+  Attribute timed("C", "C", vINT32, 1, 0.5);
+  Attribute variable("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH);
+  EXPECT_TRUE(t.isDornCompatible(vector));
+  EXPECT_TRUE(t.isDornCompatible(timed));
+  EXPECT_FALSE(t.isDornCompatible(scalar));
+  EXPECT_FALSE(t.isDornCompatible(variable));
+  EXPECT_TRUE(t.isCapiCompatible(variable));
+  EXPECT_FALSE(t.isCapiCompatible(vector));
+  EXPECT_FALSE(t.isCapiCompatible(scalar));
+}
+
+TEST(DataTranslator, MovesAndCopiesInstancesBetweenDefinitions) {
+  Attribute from = filledFloat64("FROM", "FROM", {4.0, 5.0});
+  Attribute to("TO", "OTHER", vFLOAT64, 1);
+  DataTranslator::copyData(from, to);
+  EXPECT_STREQ("TO", to.getName().c_str());
+  EXPECT_EQ(5.0, to.getFloat64(2));
+  EXPECT_NE(from.getFloat64Pointer(1), to.getFloat64Pointer(1));
+  double const* block = from.getFloat64Pointer(1);
+  Attribute moved("MOVED", "OTHER", vFLOAT64, 1);
+  DataTranslator::moveData(from, moved);
+  EXPECT_EQ(block, moved.getFloat64Pointer(1));
+  EXPECT_EQ(0u, from.getNInstances());
+  Attribute wrong("WRONG", "OTHER", vINT32, 1);
+  expectFailure([&] { DataTranslator::moveData(moved, wrong); }, "DataTranslator::myConvertData",
+                "Attribute MOVED gives vFLOAT64 data where WRONG needs vINT32 data.");
+}
