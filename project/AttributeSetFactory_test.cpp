@@ -1,0 +1,334 @@
+// The attribute set factory: the class of a project's sets by type and
+// host, the queue of pushed sets, and the wrapping that the site's system
+// properties ask for, read from a release tree of the test's own.
+//
+// The set classes of higher layers are stood in for by sets held in memory,
+// noted as they are made; the real classes are tested through the
+// registry.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundation/ExceptionErrorHandler.h"
+#include "foundation/RaiseError.h"
+#include "foundation/SystemPropertyTable.h"
+#include "foundation/vDatabases.h"
+#include "foundation/vUtl.h"
+#include "project/AttributeSetFactory.h"
+#include "project/CapiAttributeSetW.h"
+#include "project/JITProjectDecorator.h"
+#include "project/StoreFactoryTesting.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+
+namespace {
+
+using namespace factory_testing;
+
+struct Made {
+  std::string className;
+  Project* project;
+};
+
+std::vector<Made>& made() {
+  static std::vector<Made> all;
+  return all;
+}
+
+vHandle<AttributeSet> makeInMemory(vHandle<Project> const& project) {
+  made().push_back({"InMemoryAttributeSet", project.get()});
+  return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, std::make_shared<TestMemoryShelf>()));
+}
+
+vHandle<AttributeSet> makeClient(vHandle<Project> const& project) {
+  made().push_back({"ClientAttributeSet", project.get()});
+  return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, std::make_shared<TestMemoryShelf>()));
+}
+
+// Stands in for the set classes of the higher layers while it lives.
+class SetStandIns {
+ public:
+  SetStandIns()
+      : m_inMemory(AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemory)),
+        m_client(AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClient)) {
+    made().clear();
+    AttributeSetFactory::clearAttributeSets();
+  }
+  ~SetStandIns() {
+    AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", m_inMemory);
+    AttributeSetFactory::registerSetMaker("ClientAttributeSet", m_client);
+    AttributeSetFactory::clearAttributeSets();
+  }
+
+ private:
+  AttributeSetFactory::SetMaker m_inMemory;
+  AttributeSetFactory::SetMaker m_client;
+};
+
+vHandle<Project> projectOn(char const* host, ProjectType::PROJECT_TYPE type) {
+  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
+  project->open("survey");
+  return project;
+}
+
+std::string notAvailable(char const* className) {
+  return std::string("Class ") + className +
+         " is not available: no maker is registered for it (see registerRondoClasses).";
+}
+
+// Raises as the default handlers do, without printed reports, and keeps
+// the error reports as "label: text".
+class RecordingHandler : public ExceptionErrorHandler {
+ public:
+  std::vector<std::string> errors;
+
+ protected:
+  void doError(char const* label, int, char const* text) override {
+    errors.push_back(std::string(label) + ": " + text);
+  }
+  void doInfo(char const*, int, char const*) override {}
+};
+
+class Recording {
+ public:
+  Recording() { RaiseError::getInstance()->install(&m_handler); }
+  ~Recording() { RaiseError::getInstance()->uninstall(&m_handler); }
+  std::vector<std::string> const& errors() const { return m_handler.errors; }
+
+ private:
+  RecordingHandler m_handler;
+};
+
+// "label: text" of the fatal message that f raises, with the handlers in
+// force (expectFatal's quiet scope would drop the errors before it).
+template <class F>
+std::string fatalText(F f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
+  }
+  return "(nothing raised)";
+}
+
+// A release tree whose system property table holds the records given; the
+// table is read again when the tree comes and when it goes.
+class PropertyTree {
+ public:
+  explicit PropertyTree(std::string const& records) : m_tree(new TestReleaseTree) {
+    m_tree->unsetEnv("SP_CAPI_ATTRIBUTESETDECORATORS");
+    m_tree->unsetEnv("SP_CAPI_TRANSLATIONS");
+    m_tree->unsetEnv("SP_CAPI_MYWRAPPERS");
+    m_tree->writeSystemFile("SystemPropertyTable2.txt", records);
+    reload();
+  }
+  ~PropertyTree() {
+    m_tree.reset();
+    reload();
+  }
+  static std::string record(char const* section, char const* name, char const* values) {
+    return std::string("<SystemProperty name= ") + name + " package= " + section + " description= \"test\" " +
+           values + " SystemProperty>\n";
+  }
+
+ private:
+  static void reload() {
+    vDatabases::clearCache();
+    SystemPropertyTable::instance().reload();
+  }
+  std::unique_ptr<TestReleaseTree> m_tree;
+};
+
+// --- the class by project type and host ---------------------------------------------------
+
+TEST(AttributeSetFactoryCreate, ClassByProjectType) {
+  SetStandIns standIns;
+  PropertyTree noProperties("");
+  struct Case {
+    ProjectType::PROJECT_TYPE type;
+    char const* className;
+  };
+  for (Case c : {Case{ProjectType::UNITTEST, "InMemoryAttributeSet"}, Case{ProjectType::KELP, "ClientAttributeSet"},
+                 Case{ProjectType::RONDO, "ClientAttributeSet"}, Case{ProjectType::NOTYPE, "ClientAttributeSet"},
+                 Case{ProjectType::DORN, "ClientAttributeSet"}, Case{ProjectType::ZONMESH, "ClientAttributeSet"}}) {
+    made().clear();
+    vHandle<Project> project = projectOn("127.0.0.101", c.type);
+    vHandle<AttributeSet> set = AttributeSetFactory::create(project);
+    ASSERT_EQ(1u, made().size()) << c.type;
+    EXPECT_EQ(c.className, made()[0].className) << c.type;
+    EXPECT_EQ(project.get(), made()[0].project) << c.type;
+    EXPECT_EQ(project.get(), set->getProject().get()) << c.type;
+    EXPECT_FALSE(set->isOpen());
+  }
+}
+
+TEST(AttributeSetFactoryCreate, TheInProcessTypeOnThisHostIsServedHere) {
+  SetStandIns standIns;
+  PropertyTree noProperties("");
+  vHandle<Project> local = projectOn(vUtl::gethostname().c_str(), ProjectType::ZONMESH);
+  vHandle<AttributeSet> set = AttributeSetFactory::create(local);
+  CapiAttributeSetW* wrapper = dynamic_cast<CapiAttributeSetW*>(set.get());
+  ASSERT_NE(nullptr, wrapper);
+  EXPECT_TRUE(made().empty());
+  EXPECT_EQ(local.get(), set->getProject().get());
+  EXPECT_TRUE(wrapper->getAttributeSet().isEmpty());
+  // Other types on this host are not.
+  AttributeSetFactory::create(projectOn(vUtl::gethostname().c_str(), ProjectType::RONDO));
+  ASSERT_EQ(1u, made().size());
+  EXPECT_EQ("ClientAttributeSet", made()[0].className);
+}
+
+// The switch is read once per process: each case runs in a process of its
+// own.
+TEST(AttributeSetFactoryCreate, BypassingTheDataServerServesTheInProcessTypeHere) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (char const* value : {"1", "0"}) {
+    EXPECT_EXIT(
+        {
+          ::setenv("CAPI_DISABLERONDODATASERVER", value, 1);
+          SetStandIns standIns;
+          PropertyTree noProperties("");
+          vHandle<AttributeSet> zon = AttributeSetFactory::create(projectOn("127.0.0.102", ProjectType::ZONMESH));
+          vHandle<AttributeSet> rondo = AttributeSetFactory::create(projectOn("127.0.0.102", ProjectType::RONDO));
+          bool here = dynamic_cast<CapiAttributeSetW*>(zon.get()) != nullptr;
+          bool rondoHere = dynamic_cast<CapiAttributeSetW*>(rondo.get()) != nullptr;
+          std::exit((here ? 1 : 0) + (rondoHere ? 2 : 0) + 10 * static_cast<int>(made().size()));
+        },
+        ::testing::ExitedWithCode(value[0] == '1' ? 11 : 20), "")
+        << value;
+  }
+}
+
+TEST(AttributeSetFactoryCreate, ClassesWithoutAMaker) {
+  SetStandIns standIns;
+  PropertyTree noProperties("");
+  AttributeSetFactory::SetMaker saved = AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", nullptr);
+  EXPECT_EQ(&makeInMemory, saved);
+  expectFatal([] { AttributeSetFactory::create(projectOn("127.0.0.103", ProjectType::UNITTEST)); },
+              "AttributeSetFactory::create", notAvailable("InMemoryAttributeSet"));
+  AttributeSetFactory::registerSetMaker("ClientAttributeSet", nullptr);
+  expectFatal([] { AttributeSetFactory::create(projectOn("127.0.0.103", ProjectType::KELP)); },
+              "AttributeSetFactory::create", notAvailable("ClientAttributeSet"));
+  EXPECT_TRUE(made().empty());
+}
+
+TEST(AttributeSetFactoryCreate, ADeferredProjectIsOpenedAndTakenOut) {
+  SetStandIns standIns;
+  PropertyTree noProperties("");
+  vHandle<Project> inner(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("127.0.0.104", ProjectType::UNITTEST))));
+  JITProjectDecorator* jit = new JITProjectDecorator(inner);
+  vHandle<Project> deferred(jit);
+  deferred->open("survey");
+  EXPECT_FALSE(jit->isReallyOpen());
+  vHandle<AttributeSet> set = AttributeSetFactory::create(deferred);
+  ASSERT_EQ(1u, made().size());
+  EXPECT_EQ(inner.get(), made()[0].project);
+  EXPECT_TRUE(jit->isReallyOpen());
+  EXPECT_EQ("survey", str(inner->getName()));
+}
+
+// --- the queue ---------------------------------------------------------------------------
+
+TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
+  SetStandIns standIns;
+  PropertyTree properties(PropertyTree::record("capi", "AttributeSetDecorators", "value= PROFILING") +
+                          PropertyTree::record("CAPI", "TRANSLATIONS", "value= yes"));
+  Recording recording;
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  vHandle<AttributeSet> first(new TestMemoryAttributeSet(vHandle<Project>(), shelf));
+  vHandle<AttributeSet> second(new TestMemoryAttributeSet(vHandle<Project>(), shelf));
+  AttributeSetFactory::pushAttributeSet(first);
+  AttributeSetFactory::pushAttributeSet(second);
+  EXPECT_EQ(2u, AttributeSetFactory::getNPushedAttributeSets());
+  // Neither wrapping is there to be had, and none is tried.
+  EXPECT_EQ(first.get(), AttributeSetFactory::create(projectOn("127.0.0.105", ProjectType::RONDO)).get());
+  EXPECT_EQ(second.get(), AttributeSetFactory::create(projectOn("127.0.0.105", ProjectType::KELP)).get());
+  EXPECT_TRUE(made().empty());
+  expectFatal([] { AttributeSetFactory::create(projectOn("127.0.0.105", ProjectType::RONDO)); },
+              "AttributeSetFactory::mySetWrapper", notAvailable("ProfilingAttributeSetDecorator"));
+
+  AttributeSetFactory::pushAttributeSet(first);
+  AttributeSetFactory::clearAttributeSets();
+  EXPECT_EQ(0u, AttributeSetFactory::getNPushedAttributeSets());
+  EXPECT_TRUE(recording.errors().empty());
+}
+
+// --- wrapping by configuration --------------------------------------------------------------
+
+TEST(AttributeSetFactoryWrap, WithoutThePropertyTheSetStaysBare) {
+  SetStandIns standIns;
+  PropertyTree noProperties(PropertyTree::record("capi", "Other", "value= PROFILING"));
+  Recording recording;
+  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
+  EXPECT_TRUE(recording.errors().empty());
+}
+
+TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOver) {
+  SetStandIns standIns;
+  PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
+                          PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
+  Recording recording;
+  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("mywrappers", set).get());
+  EXPECT_EQ((std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request TIMING, ignored.",
+                                      "AttributeSetFactory::mySetWrapper: Unknown decorator request CACHE, ignored."}),
+            recording.errors());
+
+  // create() wraps by "AttributeSetDecorators".
+  vHandle<Project> project = projectOn("127.0.0.106", ProjectType::UNITTEST);
+  vHandle<AttributeSet> made = AttributeSetFactory::create(project);
+  ASSERT_EQ(3u, recording.errors().size());
+  EXPECT_EQ("AttributeSetFactory::mySetWrapper: Unknown decorator request BOGUS, ignored.", recording.errors()[2]);
+  EXPECT_NE(nullptr, dynamic_cast<TestMemoryAttributeSet*>(made.get()));
+}
+
+TEST(AttributeSetFactoryWrap, KnownWordsNeedTheirDecoratorClass) {
+  SetStandIns standIns;
+  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  AttributeSetFactory::DecoratorMaker profiling =
+      AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", nullptr);
+  AttributeSetFactory::DecoratorMaker translating =
+      AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", nullptr);
+  {
+    PropertyTree properties(PropertyTree::record("capi", "AttributeSetDecorators", "value= bogus value= Profiling"));
+    Recording recording;
+    EXPECT_EQ("AttributeSetFactory::mySetWrapper: " + notAvailable("ProfilingAttributeSetDecorator"),
+              fatalText([&] { AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set); }));
+    // Words before it were seen, in order.
+    EXPECT_EQ(std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request BOGUS, ignored."},
+              recording.errors());
+  }
+  {
+    PropertyTree properties(PropertyTree::record("capi", "AttributeSetDecorators", "value= translating"));
+    expectFatal([&] { AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set); },
+                "AttributeSetFactory::mySetWrapper", notAvailable("TranslatingAttributeSetDecorator"));
+  }
+  AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", profiling);
+  AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
+}
+
+// "TRANSLATIONS" counts by being there, for NoType and Rondo projects.
+TEST(AttributeSetFactoryWrap, TranslationsForNoTypeAndRondoProjects) {
+  SetStandIns standIns;
+  AttributeSetFactory::DecoratorMaker translating =
+      AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", nullptr);
+  {
+    PropertyTree properties(PropertyTree::record("CAPI", "TRANSLATIONS", "value= no"));
+    for (ProjectType::PROJECT_TYPE type : {ProjectType::NOTYPE, ProjectType::RONDO})
+      expectFatal([&] { AttributeSetFactory::create(projectOn("127.0.0.107", type)); }, "AttributeSetFactory::create",
+                  notAvailable("TranslatingAttributeSetDecorator"));
+    for (ProjectType::PROJECT_TYPE type : {ProjectType::KELP, ProjectType::UNITTEST, ProjectType::DORN})
+      EXPECT_NE(nullptr, dynamic_cast<TestMemoryAttributeSet*>(AttributeSetFactory::create(projectOn("127.0.0.107", type)).get()))
+          << type;
+  }
+  PropertyTree none("");
+  EXPECT_NE(nullptr,
+            dynamic_cast<TestMemoryAttributeSet*>(AttributeSetFactory::create(projectOn("127.0.0.107", ProjectType::RONDO)).get()));
+  AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
+}
+
+}  // namespace
