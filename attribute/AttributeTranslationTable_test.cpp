@@ -1,0 +1,338 @@
+#include "attribute/AttributeTranslationTable.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "attribute/AttributeDefinition.h"
+#include "attribute/VocabularyTesting.h"
+#include "attribute/LoadAttributeTranslations.h"
+
+using attribute_testing::expectFailure;
+using vocabulary_testing::VocabularyTest;
+using vocabulary_testing::translations;
+
+namespace {
+
+class TranslationTableTest : public VocabularyTest {
+ protected:
+  // The table of that name as its file now reads.
+  AttributeTranslationTable& load(char const* name, std::string const& text) {
+    tree.writeSystemFile(std::string(name) + "AttributeTranslations3.txt", text);
+    AttributeTranslationTable& table = AttributeTranslationTable::instance(vString(name));
+    table.reload();
+    return table;
+  }
+  std::string missing(char const* file) const {
+    return std::string("File ") + file + " was not found in ./ or " + tree.systemFilesDir() + ".";
+  }
+};
+
+Attribute filled(char const* name, char const* className, DataType type, std::initializer_list<double> values) {
+  Attribute a(name, className, type, 1);
+  a.resize(static_cast<unsigned int>(values.size()));
+  unsigned int i = 1;
+  for (double v : values) a.setValue(i++, v);
+  return a;
+}
+
+}  // namespace
+
+TEST_F(TranslationTableTest, OneTablePerNameLoadedOnFirstMention) {
+  EXPECT_EQ("AlphaAttributeTranslations3.txt",
+            std::string(AttributeTranslationTable::buildFileName(vString("Alpha")).c_str()));
+  tree.writeSystemFile("AlphaAttributeTranslations3.txt", translations());
+  AttributeTranslationTable& alpha = AttributeTranslationTable::instance(vString("Alpha"));
+  EXPECT_STREQ("Alpha", alpha.getName().c_str());
+  EXPECT_EQ(7u, alpha.getNTranslators());
+  EXPECT_EQ(&alpha, &AttributeTranslationTable::instance(vString("Alpha")));
+  // Names are told apart by case.
+  tree.writeSystemFile("ALPHAAttributeTranslations3.txt", "CDP capi() dorn:() C vInt32 1\n");
+  EXPECT_NE(&alpha, &AttributeTranslationTable::instance(vString("ALPHA")));
+  EXPECT_EQ(1u, AttributeTranslationTable::instance(vString("ALPHA")).getNTranslators());
+
+  AttributeTranslationTable::NamePairs pairs;
+  AttributeDefinition::getAttributeNamesTranslations(vString("Alpha"), pairs);
+  ASSERT_EQ(7u, pairs.size());
+  // Sorted by Dorn name.
+  EXPECT_STREQ("CDP_NO", pairs[0].first.c_str());
+  EXPECT_STREQ("CDP", pairs[0].second.c_str());
+  EXPECT_STREQ("COUNT_F", pairs[1].first.c_str());
+  EXPECT_STREQ("TIME_MS", pairs[5].first.c_str());
+  EXPECT_STREQ("TRACE", pairs[6].first.c_str());
+  EXPECT_STREQ("SAMPLES", pairs[6].second.c_str());
+}
+
+TEST_F(TranslationTableTest, AMissingFileIsFatalAtFirstUseAndTriedAgain) {
+  expectFatal([] { AttributeTranslationTable::instance(vString("Nowhere")); }, "SystemFileLoader::myOpen()",
+              missing("NowhereAttributeTranslations3.txt"));
+  tree.writeSystemFile("NowhereAttributeTranslations3.txt", "CDP capi() dorn:() C vInt32 1\n");
+  EXPECT_EQ(1u, AttributeTranslationTable::instance(vString("Nowhere")).getNTranslators());
+
+  AttributeTranslationTable& gone = load("Gone", translations());
+  std::remove((tree.systemFilesDir() + "GoneAttributeTranslations3.txt").c_str());
+  expectFatal([&] { gone.reload(); }, "SystemFileLoader::myOpen()", missing("GoneAttributeTranslations3.txt"));
+  EXPECT_EQ(0u, gone.getNTranslators());
+}
+
+TEST_F(TranslationTableTest, BadTranslationsAreFatal) {
+  tree.writeSystemFile("BadAttributeTranslations3.txt", "CDP capi() dorn:() C vInt32 1\n");
+  AttributeTranslationTable& bad = AttributeTranslationTable::instance(vString("Bad"));
+  struct Case {
+    char const* text;
+    char const* method;
+    char const* reason;
+  } const cases[] = {
+      {"CDP capi() dorn:() C vInt32 one\n", "LoadAttributeTranslations::load()",
+       "Bad length one for Attribute class CDP."},
+      {"CDP capi() dorn:() C vInt32 1 OFFSET capi() dorn:() O vFloat32 -1\n", "LoadAttributeTranslations::load()",
+       "Bad length -1 for Attribute class OFFSET."},
+      {"CDP capi() dorn:() C vInt32 1.5\n", "LoadAttributeTranslations::load()",
+       "Bad length 1.5 for Attribute class CDP."},
+      {"CDP capi() dorn:() C vInteger 1\n", "LoadAttributeTranslations::load()",
+       "Bad data type vInteger for Attribute class CDP."},
+      {"CDP capi() dorn:() C vInt32\n", "LoadAttributeTranslations::load()",
+       "Incomplete translation for Attribute class CDP."},
+      {"UNKNOWN capi() dorn:() U vInt32 1\n", "AttributeDefinitionTable::getDefinition()",
+       "AttributeDefinitionTable::getDefinition() Attribute definition for 'UNKNOWN' not found."},
+      {"CDP capi(int32() dorn:() C vInt32 1\n", "BuildConverter::createConverter()",
+       "Missing ')' on conversion string 'int32('."},
+      {"CDP capi(bogus()) dorn:() C vInt32 1\n", "BuildConverter::createConverter()",
+       "BuildConverter::createConverter(): unknown converter bogus"},
+  };
+  for (Case const& c : cases) {
+    tree.writeSystemFile("BadAttributeTranslations3.txt", c.text);
+    expectFailure([&] { bad.reload(); }, c.method, c.reason);
+  }
+}
+
+TEST_F(TranslationTableTest, LengthWordsInAnyCase) {
+  AttributeTranslationTable& t = load("Lengths",
+                                      "PICKS capi() dorn:() P1 vFloat32 VaRiAbLe\n"
+                                      "SAMPLES capi() dorn:() S1 vFloat32 Vector\n"
+                                      "OFFSET capi() dorn:() O1 vFloat32 0012\n");
+  vHandle<DataTranslator> found;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("x", "PICKS", vFLOAT32, 1), found));
+  EXPECT_TRUE(found->getDornAttribute().isVariableLength());
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("x", "SAMPLES", vFLOAT32, 1), found));
+  EXPECT_EQ(Attribute::VECTOR_LENGTH, found->getDornAttribute().getLength());
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("x", "OFFSET", vFLOAT32, 1), found));
+  EXPECT_EQ(12, found->getDornAttribute().getLength());
+  // The Capi side is the definition, with the defined length.
+  EXPECT_EQ(1, found->getCapiAttribute().getLength());
+}
+
+TEST_F(TranslationTableTest, ConverterWordsLoseTheirFrameUnseen) {
+  AttributeTranslationTable& t = load("Frames",
+                                      "SOURCE_X #####float64()? ######float32()? SX vFloat32 1\n"
+                                      "CDP capi(int32()) dorn:(int32()) C vInt32 1\n"
+                                      "OFFSET 12345) 123456) O vFloat32 1\n");
+  vHandle<DataTranslator> x;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("SX", "SOURCE_X", vFLOAT32, 1), x));
+  ASSERT_FALSE(x->getToCapiConverter().isEmpty());
+  EXPECT_EQ(vFLOAT64, x->getToCapiConverter()->getOutputDT());
+  EXPECT_EQ(vFLOAT32, x->getToDornConverter()->getOutputDT());
+  vHandle<DataTranslator> cdp;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("C", "CDP", vINT32, 1), cdp));
+  // The same text gives one chain for both ways.
+  EXPECT_TRUE(cdp->getToCapiConverter() == cdp->getToDornConverter());
+  EXPECT_FALSE(cdp->getToCapiConverter().isEmpty());
+  vHandle<DataTranslator> offset;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("O", "OFFSET", vFLOAT32, 1), offset));
+  EXPECT_TRUE(offset->getToCapiConverter().isEmpty());
+  EXPECT_TRUE(offset->getToDornConverter().isEmpty());
+}
+
+TEST_F(TranslationTableTest, TheFirstTranslatorOfAKeyKeepsIt) {
+  AttributeTranslationTable& t = load("Twice",
+                                      "CDP capi() dorn:() FIRST vInt32 1\n"
+                                      "CDP capi() dorn:() SECOND vInt32 1\n");
+  EXPECT_EQ(2u, t.getNTranslators());
+  vHandle<DataTranslator> found;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("ANY", "CDP", vINT32, 1), found));
+  EXPECT_STREQ("FIRST", found->getDornName().c_str());
+  ASSERT_TRUE(t.getToDornTranslator(Attribute("CDP", "", vINT32, 1), found));
+  EXPECT_STREQ("FIRST", found->getDornName().c_str());
+  AttributeTranslationTable::NamePairs pairs;
+  t.getAttributeNamesTranslations(pairs);
+  ASSERT_EQ(2u, pairs.size());
+  EXPECT_STREQ("SECOND", pairs[1].first.c_str());
+}
+
+TEST_F(TranslationTableTest, TranslatorsAreFoundByClassOrByName) {
+  AttributeTranslationTable& t = load("Finder", translations());
+  vHandle<DataTranslator> found;
+  // A class is looked up on the Dorn side, a blank one by the name.
+  EXPECT_TRUE(t.getToCapiTranslator(Attribute("WHATEVER", "source_x", vFLOAT32, 1), found));
+  EXPECT_STREQ("SHOT_X", found->getDornName().c_str());
+  EXPECT_TRUE(t.getToCapiTranslator(Attribute("SOURCE_X", "", vFLOAT32, 1), found));
+  EXPECT_FALSE(t.getToCapiTranslator(Attribute("SHOT_X", "", vFLOAT32, 1), found));
+  EXPECT_TRUE(found.isEmpty());
+  EXPECT_FALSE(t.getToCapiTranslator(Attribute("SOURCE_X", "OTHER", vFLOAT32, 1), found));
+  // Towards the Dorn side a blank class looks for the Capi name.
+  EXPECT_TRUE(t.getToDornTranslator(Attribute("Count", "", vINT32, 1), found));
+  EXPECT_STREQ("COUNT_F", found->getDornName().c_str());
+  EXPECT_TRUE(t.getToDornTranslator(Attribute("MY_COUNT", "COUNT", vINT32, 1), found));
+  EXPECT_FALSE(t.getToDornTranslator(Attribute("COUNT_F", "", vFLOAT32, 1), found));
+}
+
+TEST_F(TranslationTableTest, TellsWhatAConversionWouldChange) {
+  AttributeTranslationTable& t = load("Changes", translations());
+  Attribute capiX("SOURCE_X", "SOURCE_X", vFLOAT64, 1);
+  Attribute dornX("SHOT_X", "SOURCE_X", vFLOAT32, 1);
+  EXPECT_TRUE(t.isDornDataChanged(capiX));
+  EXPECT_FALSE(t.isDornDataChanged(dornX));
+  EXPECT_TRUE(t.isCapiDataChanged(dornX));
+  EXPECT_FALSE(t.isCapiDataChanged(capiX));
+  EXPECT_TRUE(t.isDornNameDifferent(capiX));
+  EXPECT_FALSE(t.isDornNameDifferent(dornX));
+  EXPECT_TRUE(t.isCapiNameDifferent(dornX));
+  EXPECT_FALSE(t.isCapiNameDifferent(capiX));
+
+  // Without a translator: nothing changes in the data, and a name differs
+  // unless it carries the table's name.
+  Attribute plain("OFFSET", "OFFSET", vFLOAT32, 1);
+  Attribute marked("CHANGES.OFFSET", "", vFLOAT32, 1);
+  Attribute inside("XCHANGESX", "", vFLOAT32, 1);
+  EXPECT_FALSE(t.isDornDataChanged(plain));
+  EXPECT_FALSE(t.isCapiDataChanged(plain));
+  EXPECT_TRUE(t.isCapiNameDifferent(plain));
+  EXPECT_TRUE(t.isDornNameDifferent(plain));
+  EXPECT_FALSE(t.isCapiNameDifferent(marked));
+  EXPECT_FALSE(t.isDornNameDifferent(marked));
+  EXPECT_FALSE(t.isDornNameDifferent(inside));
+}
+
+TEST_F(TranslationTableTest, RoundTripThroughATranslator) {
+  AttributeTranslationTable& t = load("Trip", translations());
+  Attribute stored = filled("SURVEY_X", "SOURCE_X", vFLOAT64, {612345.5, -3.25});
+  Attribute dorn = t.convertToDorn(stored);
+  EXPECT_STREQ("SHOT_X", dorn.getName().c_str());
+  EXPECT_EQ(vFLOAT32, dorn.getDataType());
+  EXPECT_EQ(vFLOAT64, dorn.getOriginalDataType());
+  EXPECT_EQ(612345.5f, dorn.getFloat32(1));
+  Attribute capi = t.convertToCapi(dorn);
+  EXPECT_STREQ("SOURCE_X", capi.getName().c_str());
+  EXPECT_EQ(vFLOAT64, capi.getDataType());
+  EXPECT_EQ(-3.25, capi.getFloat64(2));
+
+  // Integers that became floats come back as integers, truncated.
+  Attribute count = filled("COUNT", "COUNT", vINT32, {3, 16777216, -8});
+  Attribute countF = t.convertToDorn(count);
+  EXPECT_EQ(vFLOAT32, countF.getDataType());
+  EXPECT_EQ(vINT32, countF.getOriginalDataType());
+  countF.setFloat32(1, 3.99f);
+  Attribute const& fixed = countF;
+  Attribute countBack = t.convertToCapi(fixed);
+  EXPECT_EQ(vINT32, countBack.getDataType());
+  EXPECT_EQ(3, countBack.getInt32(1));
+  EXPECT_EQ(16777216, countBack.getInt32(2));
+  EXPECT_EQ(-8, countBack.getInt32(3));
+  EXPECT_EQ(3u, countF.getNInstances());
+
+  // 64-bit times narrow to their low 32 bits for the client.
+  Attribute times = filled("REC_TIME", "REC_TIME", vINT64, {1000, 4294967296.0 + 5});
+  Attribute ms = t.convertToDorn(times);
+  EXPECT_EQ(vINT32, ms.getDataType());
+  EXPECT_EQ(5, ms.getInt32(2));
+  EXPECT_EQ(1000, t.convertToCapi(ms).getInt64(1));
+}
+
+TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableName) {
+  AttributeTranslationTable& t = load("Rondo", translations());
+  Attribute offset = filled("NAME", "", vFLOAT32, {1.5, 2.5});
+  AttributeDefinitionTable::instance().addDefinition(Attribute("NAME", "NAME", vFLOAT32, 1));
+  float const* block = offset.getFloat32Pointer(1);
+  Attribute dorn = t.convertToDorn(offset);
+  EXPECT_STREQ("RONDO.NAME", dorn.getName().c_str());
+  EXPECT_EQ(block, dorn.getFloat32Pointer(1));
+  EXPECT_EQ(0u, offset.getNInstances());
+
+  Attribute capi = t.convertToCapi(dorn);
+  EXPECT_STREQ("NAME", capi.getName().c_str());
+  EXPECT_EQ(vFLOAT32, capi.getDataType());
+  EXPECT_EQ(2.5f, capi.getFloat32(2));
+  EXPECT_EQ(block, capi.getFloat32Pointer(1));
+
+  // A name the definitions do not know crosses as it is, both ways.
+  Attribute own = filled("MY_OWN", "MINE", vINT32, {4});
+  Attribute ownDorn = t.convertToDorn(own);
+  EXPECT_STREQ("MY_OWN", ownDorn.getName().c_str());
+  EXPECT_STREQ("MINE", ownDorn.getClass().c_str());
+  Attribute const& fixed = ownDorn;
+  Attribute ownBack = t.convertToCapi(fixed);
+  EXPECT_STREQ("MY_OWN", ownBack.getName().c_str());
+  EXPECT_EQ(4, ownBack.getInt32(1));
+  EXPECT_EQ(4, ownDorn.getInt32(1));
+
+  // The prefix comes off a const argument too, keeping the definition.
+  Attribute prefixed("Rondo.Samples2", "TRACES", vFLOAT32, 3, 0.004, 0.5);
+  prefixed.resize(1);
+  prefixed.getFloat32Pointer(1)[2] = 9.f;
+  Attribute const& constPrefixed = prefixed;
+  Attribute stripped = t.convertToCapi(constPrefixed);
+  EXPECT_STREQ("SAMPLES2", stripped.getName().c_str());
+  EXPECT_STREQ("TRACES", stripped.getClass().c_str());
+  EXPECT_EQ(3, stripped.getLength());
+  EXPECT_EQ(0.004, stripped.getSampleRate());
+  EXPECT_EQ(0.5, stripped.getFirstTime());
+  EXPECT_EQ(9.f, stripped.getFloat32Pointer(1)[2]);
+  EXPECT_EQ(1u, prefixed.getNInstances());
+}
+
+TEST_F(TranslationTableTest, HandleFormsGiveWhatTheValueFormsGive) {
+  AttributeTranslationTable& t = load("Handles", translations());
+  Attribute stored = filled("SOURCE_X", "SOURCE_X", vFLOAT64, {2.0, 4.0});
+  vHandle<Attribute> dorn;
+  t.convertToDorn(stored, dorn);
+  ASSERT_FALSE(dorn.isEmpty());
+  EXPECT_EQ(vFLOAT32, dorn->getDataType());
+  EXPECT_EQ(4.0f, dorn->getFloat32(2));
+
+  vHandle<Attribute> capi;
+  t.convertToCapi(static_cast<Attribute const&>(*dorn), capi);
+  EXPECT_EQ(vFLOAT64, capi->getDataType());
+  EXPECT_EQ(2.0, capi->getFloat64(1));
+  EXPECT_EQ(2u, dorn->getNInstances());
+
+  vHandle<Attribute> taken;
+  t.convertToCapi(*dorn, taken);
+  EXPECT_EQ(4.0, taken->getFloat64(2));
+}
+
+TEST_F(TranslationTableTest, ReloadKeepsHeldTranslatorsAlive) {
+  AttributeTranslationTable& t = load("Reload", translations());
+  vHandle<DataTranslator> held;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("x", "SOURCE_X", vFLOAT32, 1), held));
+  tree.writeSystemFile("ReloadAttributeTranslations3.txt", "SOURCE_X capi() dorn:() NEW_X vFloat64 1\n");
+  t.reload();
+  EXPECT_EQ(1u, t.getNTranslators());
+  EXPECT_STREQ("SHOT_X", held->getDornName().c_str());
+  vHandle<DataTranslator> now;
+  ASSERT_TRUE(t.getToCapiTranslator(Attribute("x", "SOURCE_X", vFLOAT32, 1), now));
+  EXPECT_STREQ("NEW_X", now->getDornName().c_str());
+  EXPECT_FALSE(t.getToCapiTranslator(Attribute("x", "CDP", vINT32, 1), now));
+  EXPECT_EQ(1, held.getMasterCount());
+}
+
+TEST_F(TranslationTableTest, TheEquivalenceSetsTheTwoSchemesSideBySide) {
+  tree.writeSystemFile("RondoAttributeTranslations3.txt",
+                       "SOURCE_X capi() dorn:() SHOT_X vFloat64 1\nCDP capi() dorn:() CDP_NO vInt32 1\n");
+  tree.writeSystemFile("KelpAttributeTranslations3.txt",
+                       "OFFSET capi() dorn:() SHOT_X vFloat32 1\nCOUNT capi() dorn:() N vInt32 1\n");
+  AttributeNamesEquivalence const& e = AttributeDefinition::getAttributeNamesEquivalence(true);
+  ASSERT_EQ(3u, e.size());
+  EXPECT_STREQ("SOURCE_X", e.at("SHOT_X").first.c_str());
+  EXPECT_STREQ("OFFSET", e.at("SHOT_X").second.c_str());
+  EXPECT_STREQ("CDP", e.at("CDP_NO").first.c_str());
+  EXPECT_STREQ("", e.at("CDP_NO").second.c_str());
+  EXPECT_STREQ("COUNT", e.at("N").second.c_str());
+
+  // Kept until asked to reload.
+  tree.writeSystemFile("KelpAttributeTranslations3.txt", "LINE_NAME capi() dorn:() N vString 1\n");
+  EXPECT_EQ(&e, &AttributeDefinition::getAttributeNamesEquivalence(false));
+  EXPECT_STREQ("COUNT", AttributeDefinition::getAttributeNamesEquivalence().at("N").second.c_str());
+  EXPECT_STREQ("LINE_NAME", AttributeDefinition::getAttributeNamesEquivalence(true).at("N").second.c_str());
+  EXPECT_EQ(3u, e.size());
+  EXPECT_STREQ("", e.at("SHOT_X").second.c_str());
+}
