@@ -88,6 +88,7 @@ TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
   tree.writeSystemFile("AttributeDefTable4.txt",
                        "NAME DATATYPE LENGTH\n"
                        "BAD_TYPE vFloat 1\n"
+                       "NOT_HELD vDate 1\n"
                        "AFTER_TYPE vInt32 1\n"
                        "BAD_LENGTH vInt32 two\n"
                        "NEGATIVE vInt32 -4\n"
@@ -98,7 +99,7 @@ TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
   std::string const out = printed([] { EXPECT_TRUE(table().hasDefinition("AFTER_TYPE")); });
   EXPECT_EQ("", out);
   EXPECT_EQ(4, table().getNEntries());
-  for (char const* gone : {"NAME", "BAD_TYPE", "BAD_LENGTH", "NEGATIVE", "TOO_LONG", "CUT_SHORT"})
+  for (char const* gone : {"NAME", "BAD_TYPE", "NOT_HELD", "BAD_LENGTH", "NEGATIVE", "TOO_LONG", "CUT_SHORT"})
     EXPECT_FALSE(table().hasDefinition(gone)) << gone;
   EXPECT_EQ(12, table().getDefinition("AFTER_LENGTH").getLength());
   // Words, not lines, make a record; the length word is read in any case.

@@ -91,6 +91,8 @@ TEST_F(TranslationTableTest, BadTranslationsAreFatal) {
        "Bad length 1.5 for Attribute class CDP."},
       {"CDP capi() dorn:() C vInteger 1\n", "LoadAttributeTranslations::load()",
        "Bad data type vInteger for Attribute class CDP."},
+      {"CDP capi() dorn:() C vBool8 1\n", "LoadAttributeTranslations::load()",
+       "Bad data type vBool8 for Attribute class CDP."},
       {"CDP capi() dorn:() C vInt32\n", "LoadAttributeTranslations::load()",
        "Incomplete translation for Attribute class CDP."},
       {"UNKNOWN capi() dorn:() U vInt32 1\n", "AttributeDefinitionTable::getDefinition()",

@@ -36,10 +36,25 @@ bool LoadAttributeDefinitions::parseLength(vString const& word, int& length) {
   return true;
 }
 
+DataType LoadAttributeDefinitions::parseDataType(vString const& word) {
+  DataType const type = vUtl::dataTypeFromName(word);
+  switch (type) {
+    case vINT16:
+    case vINT32:
+    case vINT64:
+    case vFLOAT32:
+    case vFLOAT64:
+    case vSTRING:
+      return type;
+    default:
+      return vNOTYPE;
+  }
+}
+
 void LoadAttributeDefinitions::doLoad(std::istream& in, vString const&) {
   std::string name, type, length;
   while (in >> name >> type >> length) {
-    DataType const dataType = vUtl::dataTypeFromName(vString(type.c_str()));
+    DataType const dataType = parseDataType(vString(type.c_str()));
     int n = 0;
     if (dataType == vNOTYPE || !parseLength(vString(length.c_str()), n)) continue;
     vUCString const upper(name.c_str());

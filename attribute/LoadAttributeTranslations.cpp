@@ -11,7 +11,6 @@
 #include "attribute/LoadAttributeDefinitions.h"
 #include "foundation/Message.h"
 #include "foundation/vUCString.h"
-#include "foundation/vUtl.h"
 
 namespace {
 
@@ -34,10 +33,11 @@ void LoadAttributeTranslations::doLoad(std::istream& in, vString const&) {
   std::string words[6];
   while (in >> words[0]) {
     for (int i = 1; i < 6; ++i)
-      if (!(in >> words[i])) Message::fatal(kLabel, 0, "Incomplete translation for Attribute class %s.", words[0].c_str());
+      if (!(in >> words[i]))
+        Message::fatal(kLabel, 0, "Incomplete translation for Attribute class %s.", words[0].c_str());
 
     vString const className(words[0].c_str());
-    DataType const type = vUtl::dataTypeFromName(vString(words[4].c_str()));
+    DataType const type = LoadAttributeDefinitions::parseDataType(vString(words[4].c_str()));
     if (type == vNOTYPE)
       Message::fatal(kLabel, 0, "Bad data type %s for Attribute class %s.", words[4].c_str(), className.c_str());
     int length = 0;

@@ -14,11 +14,12 @@
 // integer, "variable" or "vector", in any case.
 //
 // Unlike a definition, a translation that is not understood is fatal, as it
-// would misread data: an unknown class fails in the definition table, a
-// bad length with "Bad length %s for Attribute class %s.", a type name
-// that is not known with "Bad data type %s for Attribute class %s." and a
-// translation cut short by the end of the file with "Incomplete translation
-// for Attribute class %s.", all from "LoadAttributeTranslations::load()".
+// would misread data: an unknown class fails in the definition table; a
+// bad length gives "Bad length %s for Attribute class %s.", a type word
+// that names no type an attribute holds "Bad data type %s for Attribute
+// class %s.", and a translation cut short by the end of the file
+// "Incomplete translation for Attribute class %s.", all from
+// "LoadAttributeTranslations::load()".
 
 #include <iosfwd>
 
