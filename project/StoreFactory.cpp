@@ -4,7 +4,6 @@
 
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
-#include "project/FullStoreName.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreImp.h"
 
@@ -250,9 +249,7 @@ vHandle<Store> StoreFactory::openStore(StoreDescription const& description, vLCS
   if (description.isFlatFile()) return myOpenFile(description, options);
   vHandle<Project> project = ProjectFactory::openProject(description.getFullProjectName());
   vHandle<Store> store = create(project);
-  FullStoreName name = description.getFullStoreName();
-  if (!attributeSetName.isBlank()) name.setAttributeSetName(attributeSetName);
-  store->open(name, description.getStoreClass(), "", options);
+  store->open(description.getFullStoreName(), description.getStoreClass(), attributeSetName, options);
   return store;
 }
 
@@ -273,7 +270,7 @@ vHandle<Store> StoreFactory::createStore(StoreDescription const& description, vL
   if (description.isInMemory()) {
     vLCString name;
     vHandle<Store> store = description.getAddressAndName(name);
-    if (!store->isOpen()) store->create(name, "", "", keys, options);
+    if (!store->isOpen()) store->create(name, description.getStoreClass(), attributeSetName, keys, options);
     return store;
   }
   if (description.isFlatFile()) return myCreateFile(description, attributeSetName);
@@ -286,9 +283,7 @@ vHandle<Store> StoreFactory::createStore(StoreDescription const& description, vL
   }
   vHandle<Project> project = ProjectFactory::openProject(description.getFullProjectName());
   vHandle<Store> store = create(project);
-  store->create(description.getFullStoreName(), description.getStoreClass(), "", keys, options);
-  vLCString set = attributeSetName.isBlank() ? description.getAttributeSetName() : attributeSetName;
-  if (!set.isBlank()) store->createAttributeSet(set, keys);
+  store->create(description.getFullStoreName(), description.getStoreClass(), attributeSetName, keys, options);
   return store;
 }
 
@@ -305,9 +300,7 @@ vHandle<Store> StoreFactory::updateStore(StoreDescription const& description, vL
   }
   vHandle<Project> project = ProjectFactory::openProject(description.getFullProjectName());
   vHandle<Store> store = create(project);
-  FullStoreName name = description.getFullStoreName();
-  if (!attributeSetName.isBlank()) name.setAttributeSetName(attributeSetName);
-  store->update(name, description.getStoreClass(), "", options);
+  store->update(description.getFullStoreName(), description.getStoreClass(), attributeSetName, options);
   return store;
 }
 

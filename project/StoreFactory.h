@@ -80,6 +80,16 @@ class StoreFactory {
 
   // A new, unopened store for the project, or the first pushed store.
   static vHandle<Store> create(vHandle<Project> project);
+
+  // A store that a project serves is made by create() for its project and
+  // then opened, made or opened for update by its own operation, under the
+  // full store name and the store class of the description; the attribute
+  // set name goes to that operation as the subclass, by which the
+  // in-process back end picks a store's attribute set. A live in-memory
+  // store is used as it is; only when it is closed is it opened, made or
+  // opened for update under its own name. A flat file is opened by the
+  // store of its format; only text tables, shapefiles and Nyx files can be
+  // made, and none can be opened for update.
   static vHandle<Store> openStore(StoreDescription const& description, vLCString const& attributeSetName,
                                   StoreOpenOptions const* options);
   static vHandle<Store> createStore(StoreDescription const& description, vLCString const& attributeSetName,

@@ -158,23 +158,36 @@ TEST(StoreFactoryQueue, APushedStoreIsTheOneThatAProjectServedNameOpens) {
 // --- project-served names --------------------------------------------------------------------
 
 // Stores are made as the store of a UnitTest project (its registered class)
-// and opened, or opened for update, on the names given. Creating through a
-// project is tested with the real in-memory store, in the registry's tests.
-TEST(StoreFactoryProjectServed, OpenAndUpdateThroughTheProject) {
+// and opened, made or opened for update on the names given.
+TEST(StoreFactoryProjectServed, OpenCreateAndUpdateThroughTheProject) {
   CleanQueue queue;
   StandIn unitTest("InMemoryStore", unitTestMakers());
   storesMadeFor().clear();
-  shelve(projectShelf(), "line9");
   StoreDescription d = unitTestStore("127.0.0.95", "line9");
 
-  vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
-  ASSERT_NE(nullptr, dynamic_cast<TestMemoryStore*>(opened.get()));
+  // The attribute set name goes to the store as the subclass.
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  vHandle<Store> made = StoreFactory::createStore(d, "2d", keys, nullptr);
+  ASSERT_NE(nullptr, dynamic_cast<TestMemoryStore*>(made.get()));
   ASSERT_EQ(1u, storesMadeFor().size());
   vHandle<Project> project = ProjectFactory::openProject(d.getFullProjectName());
   EXPECT_EQ(project.get(), storesMadeFor()[0]);
-  EXPECT_EQ(project.get(), opened->getProject().get());
+  EXPECT_EQ(project.get(), made->getProject().get());
   EXPECT_EQ("survey", str(project->getName()));
-  EXPECT_EQ("line9", str(opened->getName()));
+  EXPECT_EQ("line9", str(made->getName()));
+  EXPECT_EQ("seismic", str(made->getClass()));
+  EXPECT_EQ("2d", str(made->getSubClass()));
+  made->addInstances(2);
+  made->write(ints("CDP", {10, 20}), 1, 2);
+  made->close();
+  // The store's own checks apply.
+  expectFatal([&] { StoreFactory::createStore(d, "", keys, nullptr); }, "TestMemoryAttributeSet::create",
+              "When creating AttributeSet 'line9', the subclass cannot be blank.");
+
+  vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
+  EXPECT_NE(made.get(), opened.get());
+  EXPECT_EQ(project.get(), opened->getProject().get());
   EXPECT_EQ((std::vector<int>{10, 20}), readInts(*opened, "CDP"));
   expectFatal([&] { opened->write(ints("CDP", {1}), 1, 1); }, "StoreImp::write(range)",
               "The store 'line9' has not been opened for modification!");
@@ -192,7 +205,7 @@ TEST(StoreFactoryProjectServed, OpenAndUpdateThroughTheProject) {
               "TestMemoryAttributeSet::open", "AttributeSet 'nosuch' does not exist.");
 }
 
-TEST(StoreFactoryProjectServed, TheAttributeSetAskedForIsOpened) {
+TEST(StoreFactoryProjectServed, TheAttributeSetOfTheNameIsOpened) {
   CleanQueue queue;
   StandIn unitTest("InMemoryStore", unitTestMakers());
   {
@@ -206,17 +219,13 @@ TEST(StoreFactoryProjectServed, TheAttributeSetAskedForIsOpened) {
     store.write(ints("CDP", {44}), 1, 1);
     store.close();
   }
-  StoreDescription d = unitTestStore("127.0.0.96", "line4");
-  vHandle<Store> opened = StoreFactory::openStore(d, "picks", nullptr);
+  StoreDescription d(vString("unittest::127.0.0.96:survey:line4/picks"));
+  ASSERT_EQ("picks", str(d.getAttributeSetName()));
+  vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ("line4_picks", str(opened->getAttributeSetName()));
   EXPECT_EQ((std::vector<int>{44}), readInts(*opened, "CDP"));
   opened->close();
-  // The set named in the description serves when none is asked for.
-  StoreDescription named = d;
-  named.setAttributeSetName("picks");
-  vHandle<Store> byName = StoreFactory::openStore(named, "", nullptr);
-  EXPECT_EQ("line4_picks", str(byName->getAttributeSetName()));
-  byName->close();
+  d.setAttributeSetName("");
   vHandle<Store> primary = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ("line4", str(primary->getAttributeSetName()));
   EXPECT_EQ(0u, primary->getNInstances());
@@ -271,17 +280,25 @@ TEST(StoreFactoryInMemory, CreateAndUpdateActOnTheLiveStore) {
   StoreDescription d(live, "fresh");
   KeyList keys;
   keys.addKey(Attribute("CDP", "CDP", vINT32));
-  // The test store will not make a set without class and subclass.
+  // Made with the class of the description and the attribute set name as
+  // the subclass, which this store will not do without.
   expectFatal([&] { StoreFactory::createStore(d, "", keys, nullptr); }, "TestMemoryAttributeSet::create",
               "When creating AttributeSet 'fresh', the class cannot be blank.");
-  shelve(shelf, "fresh");
-  vHandle<Store> store = StoreFactory::updateStore(d, "", nullptr);
+  d.setStoreClass("seismic");
+  vHandle<Store> store = StoreFactory::createStore(d, "3d", keys, nullptr);
   EXPECT_EQ(static_cast<Store*>(live.get()), store.get());
-  store->write(ints("CDP", {11}), 1, 1);
-  EXPECT_EQ((std::vector<int>{11, 20}), readInts(*store, "CDP"));
+  EXPECT_EQ("seismic", str(store->getClass()));
+  EXPECT_EQ("3d", str(store->getSubClass()));
+  store->addInstances(2);
+  store->write(ints("CDP", {11, 20}), 1, 2);
+  store->close();
+  vHandle<Store> updated = StoreFactory::updateStore(d, "", nullptr);
+  EXPECT_EQ(store.get(), updated.get());
+  updated->write(ints("CDP", {12}), 1, 1);
+  EXPECT_EQ((std::vector<int>{12, 20}), readInts(*store, "CDP"));
   // Open already: create leaves it as it is.
   EXPECT_EQ(store.get(), StoreFactory::createStore(d, "", keys, nullptr).get());
-  EXPECT_EQ((std::vector<int>{11, 20}), readInts(*store, "CDP"));
+  EXPECT_EQ((std::vector<int>{12, 20}), readInts(*store, "CDP"));
   EXPECT_TRUE(StoreFactory::hasStore(d));
   store->close();
 }

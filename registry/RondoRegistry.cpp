@@ -3,12 +3,16 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "decorator/ProfilingAttributeSetDecorator.h"
+#include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "foundation/Message.h"
 #include "foundation/vTokenizer.h"
+#include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreDetails.h"
+#include "project/StoreFactory.h"
 #include "project/UTProject.h"
 #include "project/UTProjectCatalog.h"
 
@@ -73,6 +77,20 @@ Project* makeUnitTestClientProject(vHandle<ProjectCatalog> const& catalog) {
   return project;
 }
 
+// --- the stores, sets and views of the layers above the project layer ------
+
+vHandle<Store> makeInMemoryStore(vHandle<Project> const& project) {
+  return vHandle<Store>(new InMemoryStore(project));
+}
+
+vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
+  return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
+}
+
+vHandle<AttributeSet> makeProfilingDecorator(vHandle<AttributeSet> const& set) {
+  return vHandle<AttributeSet>(new ProfilingAttributeSetDecorator(set));
+}
+
 }  // namespace
 
 bool rondoClientIsUnitTest() {
@@ -83,6 +101,14 @@ bool rondoClientIsUnitTest() {
 void registerRondoClasses() {
   // How the store layer sees an in-memory store (Store::writeIMSRange).
   Store::setInMemoryStoreView(&InMemoryStore::asAttributeSet);
+  // The stores and attribute sets of UnitTest projects, and the attribute
+  // set views that the site's configuration may ask for. The file stores,
+  // the database store and the translating view join here as they are
+  // linked in; until then a file of their format is one that this build
+  // cannot handle, and the others are reported as not available.
+  StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
+  AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
+  AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
   // The remote client proxies and the database projects register here as
   // their layers are linked in.
   if (rondoClientIsUnitTest()) {

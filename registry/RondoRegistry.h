@@ -3,7 +3,8 @@
 
 // The one place where the factories of the project layer learn about the
 // concrete classes of the layers above it (the remote client proxies, the
-// database projects). A program that wants those classes calls
+// database projects, the in-memory store and its sets, the attribute set
+// views). A program that wants those classes calls
 // registerRondoClasses() once before its first catalog; calling it again
 // does no harm. Nothing registers itself.
 //
