@@ -84,6 +84,20 @@ vString getDefaultDevServer();
 // empty line or the end of the input gives the default.
 vString enterc(char const* prompt, vString const& defaultValue);
 
+// --- Batch job identity and build (vUtlJob.cpp) ---------------------------
+// The batch job this process runs under, as the job system puts it in the
+// environment (DORNJOBDECKID, DORNJOBDECKNAME, DORNJOBID, DORNJOBNUMBER);
+// 0 or empty outside a job, and for a value that is not a number.
+int64_t getDornJobDeckID();
+vString getDornJobDeckName();
+int64_t getDornJobID();
+int64_t getDornJobNumber();
+// True when DORNJOBID names a job (is set and not 0).
+bool isDornBatchJob();
+// The build number this code was made with (RONDO_BUILD_NUMBER when the
+// build gives one), 0 otherwise.
+int getBuildNumber();
+
 // --- Diagnostics (vUtlDorn.cpp) -------------------------------------------
 // Process start-up: umask(0) and the default memory-mapping limit at every
 // call; on the first call PELLIN_FONT_PATH and, when asked, the crash
