@@ -1,0 +1,63 @@
+#ifndef SERVER_DATASERVERBACKEND_H
+#define SERVER_DATASERVERBACKEND_H
+
+// DataServerBackend: the local projects and attribute sets behind the
+// twins of one server process. Which local project type serves a client's
+// projects is a setting of the server: the system property "BACKEND" of
+// section "DataServer" (SP_DATASERVER_BACKEND in the environment), a type
+// name or number, UnitTest when not set. A type that would lead back to a
+// data server (NoType, Rondo, Kelp, Dorn) is refused.
+//
+// Projects are kept by name for the life of the process, so that every
+// twin of one project sees the same stores. A UnitTest project also lists
+// the stores scripted in RONDO_UNITTEST_STORES (blank-separated
+// "name.version[:class[:subclass]]") and every store created in it.
+//
+// Attribute sets of a UnitTest project live in memory: the set made for a
+// store is kept by project and store name, and every later open or update
+// of that store in this process is served by the same object, with its data.
+// A store the project lists that has no set yet is made empty on its first
+// open.
+
+#include <map>
+#include <utility>
+
+#include "foundation/vHandle.h"
+#include "foundation/vLCString.h"
+#include "foundation/vString.h"
+#include "project/AttributeSet.h"
+#include "project/Project.h"
+#include "project/ProjectCatalog.h"
+#include "project/ProjectType.h"
+
+class DataServerBackend {
+ public:
+  DataServerBackend();
+
+  // The configured type; fatal for one that cannot serve.
+  static ProjectType::PROJECT_TYPE configuredType();
+
+  // The catalog of the configured type for the client's host.
+  vHandle<ProjectCatalog> catalog(vString const& host);
+  // The open project of that name.
+  vHandle<Project> project(vHandle<ProjectCatalog> const& catalog, vLCString const& name);
+
+  // A new, closed attribute set of the project.
+  vHandle<AttributeSet> newSet(vHandle<Project> const& project);
+  // The set that serves the store, for open or update: the one kept for
+  // it, or, for a store the project lists, a new empty one. Fatal for a
+  // store that the project does not have.
+  vHandle<AttributeSet> setFor(vHandle<Project> const& project, vLCString const& store, int version);
+  // Notes a set just created, and lists its store in the project.
+  void created(vHandle<Project> const& project, vHandle<AttributeSet> const& set, vLCString const& store,
+               vLCString const& className, vLCString const& subClass);
+
+ private:
+  bool myKeepsSets(vHandle<Project> const& project) const;
+
+  ProjectType::PROJECT_TYPE m_type;
+  std::map<vLCString, vHandle<Project> > m_projects;
+  std::map<std::pair<vLCString, vLCString>, vHandle<AttributeSet> > m_sets;
+};
+
+#endif
