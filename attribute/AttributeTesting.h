@@ -16,23 +16,12 @@
 
 #include "foundation/MessageHandling.h"
 #include "foundation/Packer.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 
 namespace attribute_testing {
 
-// Runs f, which must fail with UtlExcept (through Message::fatal or thrown
-// directly) with this method and reason. Reports are kept quiet.
-template <class F>
-void expectFailure(F f, char const* method, std::string const& reason) {
-  try {
-    MessageHandling quiet;
-    f();
-    ADD_FAILURE() << "expected a failure: " << reason;
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ(std::string(method), std::string(e.getMethod().c_str())) << "reason: " << e.getReason().c_str();
-    EXPECT_EQ(reason, std::string(e.getReason().c_str()));
-  }
-}
+using ::expectFailure;
 
 // Appends entries in the Packer's wire layout, in this host's byte order.
 class Bytes {

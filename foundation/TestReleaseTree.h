@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/MessageHandling.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 
 class TestReleaseTree {
@@ -94,18 +95,10 @@ class TestReleaseTree {
   std::map<std::string, std::pair<bool, std::string> > m_saved;
 };
 
-// Runs f, which must end in a fatal message, with reports kept quiet, and
-// checks the exception's method and reason.
+// Runs f, which must end in a fatal message with this method and reason.
 template <class F>
 void expectFatal(F f, char const* method, std::string const& reason) {
-  try {
-    MessageHandling quiet;
-    f();
-    ADD_FAILURE() << "expected a fatal message: " << reason;
-  } catch (UtlExcept const& e) {
-    EXPECT_STREQ(method, e.getMethod().c_str());
-    EXPECT_EQ(reason, std::string(e.getReason().c_str()));
-  }
+  expectFailure(f, method, reason);
 }
 
 #endif

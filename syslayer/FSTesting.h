@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/MessageHandling.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 #include "syslayer/FSService.h"
 
@@ -90,18 +91,7 @@ class Fault {
   Fault& operator=(Fault const&) = delete;
 };
 
-// Runs f, which must fail with UtlExcept with this method and reason.
-template <class F>
-void expectFailure(F f, char const* method, std::string const& reason) {
-  try {
-    MessageHandling quiet;
-    f();
-    ADD_FAILURE() << "expected a failure: " << reason;
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ(std::string(method), std::string(e.getMethod().c_str())) << "reason: " << e.getReason().c_str();
-    EXPECT_EQ(reason, std::string(e.getReason().c_str()));
-  }
-}
+using ::expectFailure;
 
 }  // namespace fs_testing
 
