@@ -47,6 +47,10 @@ void addScriptedStores(UTProject& project, ProjectType::PROJECT_TYPE type) {
   while (entries.next(entry)) project.addStore(parseScriptedStore(entry, type));
 }
 
+// A set is made with a class and a subclass; a store listed without one
+// gets this word.
+vLCString orNone(vLCString const& text) { return text.isBlank() ? vLCString("none") : text; }
+
 }  // namespace
 
 DataServerBackend::DataServerBackend() : m_type(configuredType()) {}
@@ -111,7 +115,7 @@ vHandle<AttributeSet> DataServerBackend::setFor(vHandle<Project> const& project,
                    version, project->getName().c_str());
   StoreDetails const details = project->getStoreDetails(store, version);
   vHandle<AttributeSet> made = newSet(project);
-  made->create(store, details.getClass(), details.getSubClass(), KeyList(), nullptr);
+  made->create(store, orNone(details.getClass()), orNone(details.getSubClass()), KeyList(), nullptr);
   made->close();
   m_sets[key] = made;
   return made;

@@ -17,7 +17,7 @@
 // store is kept by project and store name, and every later open or update
 // of that store in this process is served by the same object, with its data.
 // A store the project lists that has no set yet is made empty on its first
-// open.
+// open, of the store's class and subclass ("none" for one not given).
 
 #include <map>
 #include <utility>

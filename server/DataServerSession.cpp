@@ -8,6 +8,7 @@
 
 #include "foundation/Message.h"
 #include "foundation/Packer.h"
+#include "foundation/SystemPropertyManager.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vLCString.h"
 #include "remote/ClientCodes.h"
@@ -31,7 +32,8 @@ int32_t readInt(Packer& in) {
 }  // namespace
 
 DataServerSession::DataServerSession(vHandle<CommChan> const& channel, std::FILE* log)
-    : m_channel(channel), m_log(log), m_backend(nullptr), m_lost(false) {}
+    : m_channel(channel), m_log(log), m_backend(nullptr), m_lost(false),
+      m_trace(SystemPropertyManager::hasSystemProperty("DataServer", "TRACE")) {}
 
 DataServerSession::~DataServerSession() {
   // Sets first, then projects, then catalogs: each holds the one above.
@@ -98,12 +100,10 @@ bool DataServerSession::myPortalMessage(Packer& in) {
       int32_t const id = readInt(in);
       auto const found = m_twins.find(id);
       if (found != m_twins.end()) {
-        if (!found->second.set.isEmpty() && found->second.set->isOpen()) {
-          try {
-            found->second.set->close();
-          } catch (UtlExcept const& e) {
-            note("closing %d: %s", static_cast<int>(id), e.getReason().c_str());
-          }
+        try {
+          myLetGo(found->second);
+        } catch (UtlExcept const& e) {
+          note("closing %d: %s", static_cast<int>(id), e.getReason().c_str());
         }
         m_twins.erase(found);
       }
@@ -141,6 +141,7 @@ void DataServerSession::myObjectMessage(Packer& in, int tag) {
     if (found == m_twins.end()) Message::fatal("DataServer", 0, "There is no object with PortalID %d.", tag);
     Twin& twin = found->second;
     int32_t const code = readInt(in);
+    if (m_trace) note("request %d code %d", tag, static_cast<int>(code));
     Packer out(1000);
     // Opening and closing a project is acknowledged by a code of its own.
     bool const acknowledged =

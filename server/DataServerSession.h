@@ -10,6 +10,10 @@
 // A request that fails (a bad message, an unknown code or twin, a failure
 // of the local store) is answered by the portal's failure report, severity
 // 1 with the failure's text, and no reply; the session goes on.
+// With the system property "TRACE" of section "DataServer" set (as by
+// SP_DATASERVER_TRACE), every request is logged as "request <PortalID>
+// code <code>": what reached the server, for those who have to know.
+//
 // A session whose start failed (a server that cannot serve) answers every
 // request with that failure.
 
@@ -17,6 +21,7 @@
 #include <map>
 
 #include "foundation/vHandle.h"
+#include "foundation/vLCString.h"
 #include "foundation/vString.h"
 #include "project/AttributeSet.h"
 #include "project/Project.h"
@@ -25,6 +30,7 @@
 #include "server/DataServerBackend.h"
 
 class Packer;
+class StoreOpenOptions;
 
 class DataServerSession {
  public:
@@ -68,12 +74,25 @@ class DataServerSession {
   void myReport(int code, int severity, vString const& text);
   void mySend(Packer& out, int tag);
 
+  // Twins of one store share the set that serves it: it is opened by the
+  // first, made writeable by the first that updates, and closed by the
+  // last to let go.
+  struct Use {
+    int twins = 0;
+    bool writeable = false;
+  };
+  void myOpen(Twin& twin, vHandle<AttributeSet> const& set, bool update, vLCString const& name, int version,
+              vLCString const& className, vLCString const& subClass, StoreOpenOptions const* options);
+  void myLetGo(Twin& twin);
+
   vHandle<CommChan> m_channel;
   std::FILE* m_log;
   vString m_failure;
   DataServerBackend* m_backend;
   std::map<int, Twin> m_twins;
+  std::map<AttributeSet*, Use> m_uses;
   bool m_lost;
+  bool m_trace;
 };
 
 #endif

@@ -46,6 +46,31 @@ std::vector<unsigned int> readInstances(Packer& in) {
   return list;
 }
 
+// A key list with the values its keys carry: KeyList's own unpack keeps
+// the definitions alone, and a read or write by keys needs the values.
+void readKeys(Packer& in, KeyList& keys) {
+  short magic = 0;
+  short version = 0;
+  in.unpackFrame(magic, version);
+  if (magic != KeyList::Magic || version != KeyList::Version)
+    Message::fatal("DataServer", 0, "Expected a KeyList (frame %d version %d), got frame %d version %d.",
+                   static_cast<int>(KeyList::Magic), static_cast<int>(KeyList::Version), magic, version);
+  int32_t n = 0;
+  in.unpack(n);
+  if (n < 0 || n > in.getNRemainingBytes())
+    Message::fatal("DataServer", 0, "Bad number of keys %d with %d bytes left.", static_cast<int>(n),
+                   in.getNRemainingBytes());
+  // Copies of an attribute drop its values: they are read in place, and
+  // moved over once the list has all its keys.
+  std::list<Attribute> read;
+  for (int32_t i = 0; i < n; ++i) read.emplace_back(in);
+  in.endFrame();
+  keys.clear();
+  for (Attribute const& key : read) keys.addKey(key);
+  KeyList::iterator target = keys.begin();
+  for (Attribute& key : read) (target++)->transferData(key);
+}
+
 vUtlSort::SortOrder::SortOrderType readOrder(Packer& in) {
   return static_cast<vUtlSort::SortOrder::SortOrderType>(readInt(in));
 }
@@ -54,6 +79,38 @@ vUtlSort::SortOrder::SortOrderType readOrder(Packer& in) {
 Attribute definitionOf(AttributeSet const& set, Packer& in) { return set.getAttribute(vUCString(readString(in))); }
 
 }  // namespace
+
+void DataServerSession::myOpen(Twin& twin, vHandle<AttributeSet> const& set, bool update, vLCString const& name,
+                               int version, vLCString const& className, vLCString const& subClass,
+                               StoreOpenOptions const* options) {
+  myLetGo(twin);
+  Use& use = m_uses[set.pointer()];
+  try {
+    if (use.twins == 0 || (update && !use.writeable)) {
+      if (use.twins > 0) set->close();
+      if (update)
+        set->update(name, version, className, subClass, options);
+      else
+        set->open(name, version, className, subClass, options);
+      use.writeable = update;
+    }
+  } catch (...) {
+    if (use.twins == 0) m_uses.erase(set.pointer());
+    throw;
+  }
+  ++use.twins;
+  twin.set = set;
+}
+
+void DataServerSession::myLetGo(Twin& twin) {
+  if (twin.set.isEmpty()) return;
+  vHandle<AttributeSet> const set = twin.set;
+  twin.set = vHandle<AttributeSet>();
+  auto const use = m_uses.find(set.pointer());
+  if (use != m_uses.end() && --use->second.twins > 0) return;
+  if (use != m_uses.end()) m_uses.erase(use);
+  if (set->isOpen()) set->close();
+}
 
 AttributeSet& DataServerSession::myOpenSet(Twin const& twin, int id) {
   if (twin.set.isEmpty() || !twin.set->isOpen())
@@ -72,9 +129,13 @@ void DataServerSession::mySetMessage(Twin& twin, int id, int code, Packer& in, P
       bool const hasOptions = readBool(in);
       if (hasOptions) in.unpack(options);
       vHandle<Project> const project = myOpenProject(myParent(twin, "Project", id), twin.parent);
+      myLetGo(twin);
       vHandle<AttributeSet> set = m_backend->newSet(project);
       set->create(name, className, subClass, keys, hasOptions ? &options : nullptr);
       m_backend->created(project, set, name, className, subClass);
+      Use& use = m_uses[set.pointer()];
+      use.twins = 1;
+      use.writeable = true;
       twin.set = set;
       return;
     }
@@ -89,19 +150,14 @@ void DataServerSession::mySetMessage(Twin& twin, int id, int code, Packer& in, P
       if (hasOptions) in.unpack(options);
       vHandle<Project> const project = myOpenProject(myParent(twin, "Project", id), twin.parent);
       vHandle<AttributeSet> set = m_backend->setFor(project, name, version);
-      if (code == ClientCode::Open)
-        set->open(name, version, className, subClass, hasOptions ? &options : nullptr);
-      else
-        set->update(name, version, className, subClass, hasOptions ? &options : nullptr);
-      twin.set = set;
+      myOpen(twin, set, code == ClientCode::Update, name, version, className, subClass,
+             hasOptions ? &options : nullptr);
       return;
     }
-    case ClientCode::Close: {
-      AttributeSet& set = myOpenSet(twin, id);
-      set.close();
-      twin.set = vHandle<AttributeSet>();
+    case ClientCode::Close:
+      myOpenSet(twin, id);
+      myLetGo(twin);
       return;
-    }
     default:
       break;
   }
@@ -201,7 +257,8 @@ void DataServerSession::mySetReadMessage(Twin& twin, int code, Packer& in, Packe
       break;
     }
     default: {
-      KeyList const keys(in);
+      KeyList keys;
+      readKeys(in, keys);
       set.read(attribute, keys);
       break;
     }
@@ -239,7 +296,8 @@ void DataServerSession::mySetWriteMessage(Twin& twin, int code, Packer& in, Pack
     }
     case ClientCode::WriteKeys: {
       Attribute const data(in);
-      KeyList const keys(in);
+      KeyList keys;
+      readKeys(in, keys);
       set.write(data, keys);
       return;
     }

@@ -1,0 +1,430 @@
+// The client proxies against the real data server (build/bin/DataServer),
+// started by the catalog as a process over a real channel, with the
+// UnitTest back end behind it: projects, stores, attribute sets, their
+// caches and properties, and what a client sees of a server that fails.
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "attribute/KeyList.h"
+#include "attribute/Property.h"
+#include "foundation/vUtl.h"
+#include "remote/COBPortal.h"
+#include "remote/ClientCodes.h"
+#include "remote/ClientTesting.h"
+
+using namespace remote_testing;
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+std::string names(Project::StoreList const& list) {
+  std::string all;
+  for (vLCString const& n : list) all += str(n) + " ";
+  return all;
+}
+
+std::string names(std::list<Attribute> const& list) {
+  std::string all;
+  for (Attribute const& a : list) all += str(a.getName()) + " ";
+  return all;
+}
+
+std::vector<double> values(Attribute const& a) {
+  std::vector<double> v;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i));
+  return v;
+}
+
+Attribute ints(char const* name, std::vector<int> const& v) {
+  Attribute a(name, "", vINT32);
+  a.copyData(static_cast<unsigned int>(v.size()), v.data());
+  return a;
+}
+
+bool has(std::vector<std::string> const& lines, std::string const& line) {
+  for (std::string const& l : lines)
+    if (l == line) return true;
+  return false;
+}
+
+// The text is head, a channel status ("CommChan::" and a word in
+// capitals), and tail.
+bool framed(std::string const& text, std::string const& head, std::string const& tail) {
+  std::string const prefix = "CommChan::";
+  if (text.size() <= head.size() + prefix.size() + tail.size()) return false;
+  if (text.compare(0, head.size(), head) != 0 || text.compare(text.size() - tail.size(), tail.size(), tail) != 0)
+    return false;
+  std::string const status = text.substr(head.size(), text.size() - head.size() - tail.size());
+  if (status.compare(0, prefix.size(), prefix) != 0) return false;
+  for (size_t i = prefix.size(); i < status.size(); ++i)
+    if (status[i] < 'A' || status[i] > 'Z') return false;
+  return true;
+}
+
+using ClientProxies = ClientTest;
+
+TEST_F(ClientProxies, CatalogStartsItsServerAndAProjectListsItsStores) {
+  testing::internal::CaptureStdout();
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  std::string const printed = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(ProjectType::RONDO, catalog->getProjectType());
+  EXPECT_EQ("", str(catalog->getHost()));
+  EXPECT_EQ("", str(catalog->getServer()));
+  EXPECT_EQ(0u, catalog->getProjectList()->size());
+
+  vHandle<Project> project(new ClientProject(catalog));
+  EXPECT_FALSE(project->isOpen());
+  EXPECT_EQ("ClientProject::getName: Project is not open yet.", fatalText([&] { project->getName(); }));
+  project->open("Survey");
+  EXPECT_TRUE(project->isOpen());
+  EXPECT_EQ("survey", str(project->getName()));
+  EXPECT_EQ(catalog.get(), project->getProjectCatalog().get());
+
+  EXPECT_EQ("line12.3 wells.1 cube.2 ", names(*project->getStoreList("", "")));
+  EXPECT_EQ("line12.3 cube.2 ", names(*project->getStoreList("seismic", "")));
+  EXPECT_EQ("cube.2 ", names(*project->getStoreList("seismic", "3d")));
+  vHandle<Project::StoreDetailsList> details = project->getStoreDetailsList("well", "");
+  ASSERT_EQ(1u, details->size());
+  EXPECT_EQ("wells", str(details->front().getName()));
+  EXPECT_EQ(1, details->front().getVersion());
+
+  EXPECT_TRUE(project->hasStore("line12", 3));
+  EXPECT_TRUE(project->hasStore("line12", 0));
+  EXPECT_FALSE(project->hasStore("line13", 0));
+  StoreDetails const cube = project->getStoreDetails("cube", 2);
+  EXPECT_EQ("seismic", str(cube.getClass()));
+  EXPECT_EQ("3d", str(cube.getSubClass()));
+  EXPECT_FALSE(project->purgeStore(1, "line12", "", ""));
+  EXPECT_TRUE(project->deleteStore("wells", 1, "", ""));
+  EXPECT_EQ("line12.3 cube.2 ", names(*project->getStoreList("", "")));
+
+  project->close();
+  EXPECT_FALSE(project->isOpen());
+  EXPECT_EQ((std::vector<int>{ClientCode::SessionStart, ClientCode::GetProjectList}), requestsTo(1));
+  EXPECT_EQ((std::vector<int>{98, 103, 103, 103, 104, 107, 107, 107, 108, 106, 105, 103, 99}), requestsTo(2));
+  // The command that started the server, its address in place of the token.
+  std::string const head = "Executing \"" + dataServerPath() + " Rondo Address:";
+  EXPECT_EQ(0u, printed.find(head)) << printed;
+  EXPECT_NE(std::string::npos, printed.find(" -build " + std::to_string(vUtl::getBuildNumber()) + "\" on \n"));
+}
+
+TEST_F(ClientProxies, ServerCommandComesFromThePropertyThenVServer) {
+  {
+    ScopedEnv release("VREL", "5");
+    ScopedEnv server("VSERVER", "/opt/bin/MyServer");
+    EXPECT_EQ("/opt/bin/MyServer Rondo <$COBADDRESS$> -build " + std::to_string(vUtl::getBuildNumber()) + " -v 5",
+              str(ClientProjectCatalog::makeServerCommand(ProjectType::RONDO)));
+    ScopedEnv property("SP_CAPI_DATASERVER", "/site/DS");
+    EXPECT_EQ(0u, str(ClientProjectCatalog::makeServerCommand(ProjectType::KELP)).find("/site/DS Kelp <$COBADDRESS$>"));
+  }
+  ScopedEnv release("VREL", nullptr);
+  ScopedEnv server("VSERVER", nullptr);
+  EXPECT_EQ("DataServer UnitTest <$COBADDRESS$> -build " + std::to_string(vUtl::getBuildNumber()),
+            str(ClientProjectCatalog::makeServerCommand(ProjectType::UNITTEST)));
+  EXPECT_EQ(
+      "ClientProjectCatalog::ClientProjectCatalog: Should not get here for Dorn projects. Check that the links "
+      "/dorn/xp/rel/TAO & Oracle exist and recompile Dorn.",
+      fatalText([] { ClientProjectCatalog catalog("", ProjectType::DORN, ""); }));
+}
+
+TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {
+  vHandle<ProjectCatalog> kelp(new ClientProjectCatalog(vUtl::gethostname(), ProjectType::KELP, "datahost"));
+  EXPECT_EQ("datahost", str(kelp->getHost()));
+  EXPECT_EQ(str(vUtl::gethostname()), str(kelp->getServer()));
+  vHandle<Project> project = openProject(kelp, "p");
+  EXPECT_EQ("datahost", str(project->getProjectHost()));
+  EXPECT_EQ(ProjectType::KELP, project->getProjectType());
+  // The server's back end got the data host from the session start.
+  bool seen = false;
+  std::string all;
+  for (std::string const& line : serverLines("Kelp")) {
+    seen = seen || line.find("session for host datahost") == 0;
+    all += line + "\n";
+  }
+  EXPECT_TRUE(seen) << all;
+}
+
+TEST_F(ClientProxies, SetIsCreatedWrittenReadAndOpenedAgain) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  {
+    ClientAttributeSet set(project);
+    EXPECT_EQ(3, set.getID());
+    KeyList keys;
+    keys.addKey(Attribute("CDP", "", vINT32));
+    set.create("shots", "seismic", "2d", keys, nullptr);
+    // The key is an attribute from the start.
+    EXPECT_TRUE(set.isOpen());
+    EXPECT_TRUE(set.isWriteable());
+    EXPECT_TRUE(set.isCreated());
+    set.addAttribute(Attribute("AMP", "", vFLOAT32));
+    set.addInstances(6);
+    EXPECT_EQ(6u, set.getNInstances());
+    set.write(ints("CDP", {10, 20, 20, 30, 30, 30}), 1, 6);
+    Attribute amp("AMP", "", vFLOAT32);
+    float const a[] = {0.5f, 1.5f};
+    amp.copyData(2, a);
+    set.write(amp, std::vector<unsigned int>{2, 5});
+    set.close();
+    EXPECT_FALSE(set.isOpen());
+  }
+  EXPECT_TRUE(project->hasStore("shots", 0));
+
+  ClientAttributeSet set(project);
+  set.open("shots", 0, "", "", nullptr);
+  EXPECT_FALSE(set.isWriteable());
+  EXPECT_EQ(6u, set.getNInstances());
+  EXPECT_EQ("shots", str(set.getName()));
+  EXPECT_EQ("seismic", str(set.getClass()));
+  EXPECT_EQ("2d", str(set.getSubClass()));
+  EXPECT_EQ(0, set.getVersion());
+  EXPECT_EQ(1u, set.getKeyList().getNKeys());
+  EXPECT_EQ("AMP CDP ", names(set.getAttributeList()));
+  EXPECT_EQ(2u, set.getNAttributes());
+  EXPECT_EQ(vFLOAT32, set.getAttribute("AMP").getDataType());
+
+  Attribute cdp("CDP", "", vINT32);
+  set.read(cdp, 2, 4);
+  EXPECT_EQ((std::vector<double>{20, 20, 30}), values(cdp));
+  set.read(cdp, std::vector<unsigned int>{6, 1});
+  EXPECT_EQ((std::vector<double>{30, 10}), values(cdp));
+  Attribute amp("AMP", "", vFLOAT32);
+  set.read(amp, 1, 6);
+  EXPECT_EQ((std::vector<double>{0, 0.5, 0, 0, 1.5, 0}), values(amp));
+  // Groups of CDP: 10 (one), 20 (two), 30 (three).
+  set.read(amp, ints("CDP", {}), 2, 2);
+  EXPECT_EQ((std::vector<double>{0.5, 0}), values(amp));
+  Attribute unique("CDP", "", vINT32);
+  set.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
+  EXPECT_EQ((std::vector<double>{30, 20, 10}), values(unique));
+  std::vector<unsigned int> sizes;
+  set.getGroupsAndSizes(unique, sizes, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ((std::vector<double>{10, 20, 30}), values(unique));
+  EXPECT_EQ((std::vector<unsigned int>{1, 2, 3}), sizes);
+  set.close();
+
+  // Writing by groups through an update, then reading by key values.
+  set.update("shots", 0, "", "", nullptr);
+  Attribute amps("AMP", "", vFLOAT32);
+  float const three[] = {7.0f, 8.0f, 9.0f};
+  amps.copyData(3, three);
+  set.write(amps, ints("CDP", {}), 3, 3);
+  KeyList select;
+  select.addKey(Attribute("CDP", "", vINT32));
+  int const thirty = 30;
+  select.beginKey()->copyData(1, &thirty);
+  set.read(amp, select);
+  // One instance for each value: the first of CDP 30.
+  EXPECT_EQ((std::vector<double>{7}), values(amp));
+  set.close();
+}
+
+TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet set(project);
+  set.create("shots", "seismic", "2d", KeyList(), nullptr);
+  set.addAttribute(Attribute("CDP", "", vINT32));
+  set.close();
+  EXPECT_EQ(0u, set.getCacheBits());
+
+  set.update("shots", 0, "", "", nullptr);
+  uint32_t const opened = ClientAttributeSet::NameBit | ClientAttributeSet::ClassBit |
+                          ClientAttributeSet::SubClassBit | ClientAttributeSet::VersionBit;
+  EXPECT_EQ(opened, set.getCacheBits());
+  std::vector<int> const atOpen = {ClientCode::Update, ClientCode::GetProperties, ClientCode::GetNInstances,
+                                   ClientCode::GetVersion, ClientCode::GetClass, ClientCode::GetSubClass};
+  std::vector<int> expected = {202, 228, 211, 229, 209};
+  expected.insert(expected.end(), atOpen.begin(), atOpen.end());
+  EXPECT_EQ(expected, requestsTo(3));
+
+  // Known: no message.
+  set.getName();
+  set.getClass();
+  set.getSubClass();
+  EXPECT_EQ(0, set.getVersion());
+  EXPECT_EQ(expected, requestsTo(3));
+  // Not known: asked for once.
+  EXPECT_TRUE(set.hasAttribute("CDP"));
+  expected.push_back(ClientCode::HasAttribute);
+  set.getKeyList();
+  set.getKeyList();
+  expected.push_back(ClientCode::GetKeyList);
+  EXPECT_EQ("CDP ", names(set.getAttributeList()));
+  expected.push_back(ClientCode::GetAttributeList);
+  EXPECT_EQ(expected, requestsTo(3));
+  EXPECT_EQ(opened | ClientAttributeSet::AttributeListBit | ClientAttributeSet::KeyListBit, set.getCacheBits());
+  EXPECT_TRUE(set.hasAttribute("CDP"));
+  EXPECT_FALSE(set.hasAttribute("OFFSET"));
+  EXPECT_EQ(1u, set.getNAttributes());
+  EXPECT_EQ(vINT32, set.getAttribute("CDP").getDataType());
+  EXPECT_EQ(expected, requestsTo(3));
+
+  // A changed class drops the list: the next question goes to the server.
+  set.setAttributeClass("CDP", "CMP");
+  expected.push_back(ClientCode::SetAttributeClass);
+  EXPECT_EQ(0u, set.getCacheBits() & ClientAttributeSet::AttributeListBit);
+  EXPECT_TRUE(set.hasAttribute("CDP"));
+  expected.push_back(ClientCode::HasAttribute);
+  EXPECT_EQ("CMP", str(set.getAttribute("CDP").getClass()));
+  expected.push_back(ClientCode::GetAttribute);
+  EXPECT_EQ(expected, requestsTo(3));
+
+  // A name missing from a cached list is asked for, and the list goes.
+  set.getAttributeList();
+  expected.push_back(ClientCode::GetAttributeList);
+  std::string const missing = fatalText([&] { set.getAttribute("NOPE"); });
+  EXPECT_EQ(0u, missing.find("COBPortal::myMessage: Server said:-o ")) << missing;
+  EXPECT_EQ(0u, set.getCacheBits() & ClientAttributeSet::AttributeListBit);
+  expected.push_back(ClientCode::GetAttribute);
+  EXPECT_EQ(expected, requestsTo(3));
+  set.close();
+}
+
+TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet set(project);
+  set.create("shots", "seismic", "2d", KeyList(), nullptr);
+  set.addProperty(Property("SURVEY", vString("north")));
+  set.addProperty(Property("SURVEY", vString("south")));
+  set.addProperty(Property("LINE", 12.0));
+  EXPECT_EQ(2u, set.getNProperties());
+  set.close();
+  std::vector<int> const created = requestsTo(3);
+  ASSERT_EQ(4u, created.size());
+  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), created);
+
+  set.open("shots", 0, "", "", nullptr);
+  EXPECT_EQ(2u, set.getNProperties());
+  EXPECT_EQ("south", str(set.findProperty(vUCString("SURVEY"))->getString()));
+  char const* const text = "AttributeSet shots is not open for writing.";
+  EXPECT_EQ(std::string("ClientAttributeSet::addProperty(): ") + text,
+            fatalText([&] { set.addProperty(Property("X", 1.0)); }));
+  EXPECT_EQ(std::string("ClientAttributeSet::addProperty(pi): ") + text, fatalText([&] { set.addProperties(set); }));
+  EXPECT_EQ(std::string("ClientAttributeSet::removeProperty(name): ") + text,
+            fatalText([&] { set.removeProperty(vUCString("LINE")); }));
+  EXPECT_EQ(std::string("ClientAttributeSet::removeProperty(iterator): ") + text,
+            fatalText([&] { set.removeProperty(set.beginProperty()); }));
+  EXPECT_EQ(std::string("ClientAttributeSet::clearProperties(): ") + text, fatalText([&] { set.clearProperties(); }));
+  EXPECT_EQ("setproplist: Needcode", fatalText([&] { set.setPropertyList(set); }));
+  set.close();
+  // Read-only: nothing sent at close.
+  std::vector<int> const all = requestsTo(3);
+  EXPECT_EQ(ClientCode::Close, all.back());
+  EXPECT_NE(ClientCode::SendProperties, all[all.size() - 2]);
+
+  set.update("shots", 0, "", "", nullptr);
+  set.removeProperty(vUCString("SURVEY"));
+  set.close();
+  set.open("shots", 0, "", "", nullptr);
+  EXPECT_EQ(1u, set.getNProperties());
+  EXPECT_TRUE(set.hasProperty(vUCString("LINE")));
+  set.close();
+}
+
+TEST_F(ClientProxies, OpenSetsCompareByStateInstancesVersionAndAttributes) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet a(project);
+  ClientAttributeSet b(project);
+  EXPECT_TRUE(a == b);
+  a.create("one", "seismic", "2d", KeyList(), nullptr);
+  EXPECT_TRUE(a != b);
+  a.addAttribute(Attribute("CDP", "", vINT32));
+  a.addInstances(2);
+  b.open("one", 0, "", "", nullptr);
+  EXPECT_TRUE(a == b);
+  a.addAttribute(Attribute("AMP", "", vFLOAT32));
+  a.getAttributeList();
+  EXPECT_FALSE(a == b);
+  EXPECT_EQ(1u, errors().size());
+  b.close();
+  a.close();
+}
+
+TEST_F(ClientProxies, ServerFailuresComeBackInTheServersWords) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet set(project);
+  EXPECT_EQ("COBPortal::myMessage: Server said:-o Store nothere version 4 is not in project survey.",
+            fatalText([&] { set.open("nothere", 4, "", "", nullptr); }));
+  EXPECT_FALSE(set.isOpen());
+  EXPECT_EQ("COBPortal::myMessage: Server said:-o The AttributeSet with PortalID 3 is not open.",
+            fatalText([&] { set.addInstances(1); }));
+  set.open("line12", 3, "", "", nullptr);
+  EXPECT_EQ(0u, set.getNInstances());
+  Attribute cdp("CDP", "", vINT32);
+  std::string const missing = fatalText([&] { set.read(cdp, 1, 1); });
+  EXPECT_EQ(0u, missing.find("COBPortal::myMessage: Server said:-o ")) << missing;
+  // The session goes on after a failure.
+  EXPECT_EQ("line12", str(set.getName()));
+  EXPECT_FALSE(set.hasAttribute("CDP"));
+  set.close();
+}
+
+TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
+  ScopedEnv stores("RONDO_UNITTEST_STORES", "shots.1:seismic");
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet set(project);
+  set.update("shots", 0, "", "", nullptr);
+  EXPECT_EQ(0u, set.getNInstances());
+  set.addAttribute(Attribute("CDP", "", vINT32));
+  set.addInstances(5);
+  int const first = serverProcesses().back();
+  killServer();
+
+  // The next request finds the server gone: a new one gets every object
+  // again, the set updated and made up to its five instances.
+  set.addInstances(2);
+  EXPECT_EQ(7u, set.getNInstances());
+  std::vector<int> const pids = serverProcesses();
+  ASSERT_EQ(2u, pids.size());
+  EXPECT_EQ(first, pids[0]);
+  EXPECT_NE(first, pids[1]);
+  EXPECT_TRUE(has(infos(), "COBPortal::sendAndReceive: The connection to the dataserver on  was lost.\n"
+                          "Will attempt to re-connect."));
+  std::vector<int> const again = requestsTo(3);
+  // In the new server: update, properties, count, version, class,
+  // subclass, the five instances made up, then the request itself.
+  std::vector<int> const tail(again.end() - 8, again.end());
+  EXPECT_EQ((std::vector<int>{213, 228, 201, 205, 206, 207, 214, 214}), tail);
+  EXPECT_TRUE(project->isOpen());
+  EXPECT_EQ("survey", str(project->getName()));
+  set.close();
+  // The new server holds them too.
+  ClientAttributeSet reopened(project);
+  reopened.open("shots", 0, "", "", nullptr);
+  EXPECT_EQ(7u, reopened.getNInstances());
+  reopened.close();
+}
+
+TEST_F(ClientProxies, NoServerToTalkToEndsInTheTwoWordings) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet set(project);
+  set.create("shots", "seismic", "2d", KeyList(), nullptr);
+  // From now on every server leaves at its first message.
+  ClientProjectCatalog* client = dynamic_cast<ClientProjectCatalog*>(catalog.get());
+  ASSERT_NE(nullptr, client);
+  client->getPortal()->setDataserverCommandLine(
+      vString((std::string(RONDO_TEST_BINARY_DIR) + "/bin/closingPeer Rondo ").c_str()) + COBPortal::addressToken);
+  killServer();
+  std::string const text = fatalText([&] { set.addInstances(1); });
+  EXPECT_TRUE(framed(text,
+                     "ClientAttributeSet::addInstances: Could not communicate with the data server. Status was ",
+                     ".Please include contents of ~/DataServer.Rondo on  in a error report."))
+      << text;
+  std::string const projectText = fatalText([&] { project->hasStore("line12", 0); });
+  EXPECT_TRUE(framed(projectText,
+                     "ClientProject::hasStore: Could not communicate with the data server. Status was ",
+                     ". Please include contents of ~/DataServer.Rondo on  in an error report."))
+      << projectText;
+}
+
+}  // namespace

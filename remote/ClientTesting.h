@@ -1,0 +1,133 @@
+#ifndef REMOTE_CLIENTTESTING_H
+#define REMOTE_CLIENTTESTING_H
+
+// Test helpers of the client proxies (tests only): a fixture whose client
+// catalogs start the real data server (build/bin/DataServer) with its home,
+// and so its log, in a directory of the test's own, and the server's log
+// read back.
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/vHandle.h"
+#include "project/Project.h"
+#include "project/ProjectCatalog.h"
+#include "remote/ClientAttributeSet.h"
+#include "remote/ClientProject.h"
+#include "remote/ClientProjectCatalog.h"
+#include "remote/RemoteTesting.h"
+
+namespace remote_testing {
+
+inline std::string dataServerPath() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer"; }
+
+// Sets an environment variable for the life of the object.
+class ScopedEnv {
+ public:
+  ScopedEnv(char const* name, char const* value) : m_name(name) {
+    char const* old = std::getenv(name);
+    m_had = old != nullptr;
+    if (m_had) m_old = old;
+    if (value == nullptr)
+      ::unsetenv(name);
+    else
+      ::setenv(name, value, 1);
+  }
+  ~ScopedEnv() {
+    if (m_had)
+      ::setenv(m_name.c_str(), m_old.c_str(), 1);
+    else
+      ::unsetenv(m_name.c_str());
+  }
+
+ private:
+  std::string m_name;
+  std::string m_old;
+  bool m_had = false;
+};
+
+class ClientTest : public RemoteTest {
+ protected:
+  ClientTest()
+      : m_home("HOME", m_dir.file("").c_str()),
+        m_server("VSERVER", dataServerPath().c_str()),
+        m_property("SP_CAPI_DATASERVER", nullptr),
+        m_backend("SP_DATASERVER_BACKEND", nullptr),
+        m_trace("SP_DATASERVER_TRACE", "1"),
+        m_stores("RONDO_UNITTEST_STORES", "line12.3:seismic:2d wells.1:well cube.2:seismic:3d") {}
+
+  // A Rondo catalog on this host: a new server.
+  vHandle<ProjectCatalog> newCatalog() {
+    return vHandle<ProjectCatalog>(new ClientProjectCatalog(vString(), ProjectType::RONDO, vString()));
+  }
+  vHandle<Project> openProject(vHandle<ProjectCatalog> const& catalog, char const* name) {
+    vHandle<Project> project(new ClientProject(catalog));
+    project->open(name);
+    return project;
+  }
+
+  // The log lines of the server of a type, without process ids.
+  std::vector<std::string> serverLines(char const* type = "Rondo") const {
+    std::vector<std::string> out;
+    std::ifstream in(m_dir.file(std::string("DataServer.") + type));
+    std::string line;
+    while (std::getline(in, line)) {
+      size_t const blank = line.find(' ');
+      if (blank != std::string::npos) out.push_back(line.substr(blank + 1));
+    }
+    return out;
+  }
+  // The requests the server got for an object, as their codes.
+  std::vector<int> requestsTo(int id) const {
+    std::vector<int> codes;
+    std::string const head = "request " + std::to_string(id) + " code ";
+    for (std::string const& line : serverLines())
+      if (line.compare(0, head.size(), head) == 0) codes.push_back(std::stoi(line.substr(head.size())));
+    return codes;
+  }
+  // The process ids that wrote to the log, in order of first appearance.
+  std::vector<int> serverProcesses() const {
+    std::vector<int> pids;
+    std::ifstream in(m_dir.file("DataServer.Rondo"));
+    std::string line;
+    while (std::getline(in, line)) {
+      int const pid = std::atoi(line.c_str());
+      if (pids.empty() || pids.back() != pid) pids.push_back(pid);
+    }
+    return pids;
+  }
+  // Kills the server process and waits until it is gone.
+  void killServer() {
+    std::vector<int> const pids = serverProcesses();
+    ASSERT_FALSE(pids.empty());
+    ::kill(pids.back(), SIGKILL);
+    for (int i = 0; i < 2000 && ::kill(pids.back(), 0) == 0; ++i) {
+      ::waitpid(pids.back(), nullptr, WNOHANG);
+      timespec t{0, 10 * 1000 * 1000};
+      ::nanosleep(&t, nullptr);
+    }
+  }
+
+  TempDir m_dir;
+
+ private:
+  ScopedEnv m_home;
+  ScopedEnv m_server;
+  ScopedEnv m_property;
+  ScopedEnv m_backend;
+  ScopedEnv m_trace;
+  ScopedEnv m_stores;
+};
+
+}  // namespace remote_testing
+
+#endif
