@@ -3,8 +3,7 @@
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
 
-Attribute AttributeDefinition::getDefinition(vUCString const& name, int length, double sampleRate,
-                                             double firstTime) {
+Attribute AttributeDefinition::getDefinition(vUCString const& name, int length, double sampleRate, double firstTime) {
   Attribute definition = AttributeDefinitionTable::instance().getDefinition(name);
   if (length != 0) definition.setLength(length);
   definition.setSampleRate(sampleRate);

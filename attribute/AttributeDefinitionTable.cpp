@@ -92,7 +92,8 @@ void AttributeDefinitionTable::printTable() const {
   }
   std::cout << "Dump of AttributeDefinitionTable." << std::endl;
   for (Definitions::const_iterator i = m_definitions.begin(); i != m_definitions.end(); ++i)
-    std::cout << "Class= " << i->first << " | " << "Attribute= " << i->second;
+    std::cout << "Class= " << i->first << " | "
+              << "Attribute= " << i->second;
   std::cout << std::flush;
 }
 

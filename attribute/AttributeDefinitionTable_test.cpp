@@ -9,8 +9,8 @@
 #include "foundation/Packer.h"
 #include "foundation/UtlExcept.h"
 
-using attribute_testing::Bytes;
 using attribute_testing::bodyOf;
+using attribute_testing::Bytes;
 using attribute_testing::expectFailure;
 using attribute_testing::receive;
 using vocabulary_testing::printed;

@@ -61,13 +61,27 @@ Attribute sample(DataTranslator const& translator) {
   for (long long i = 0; i < n; ++i) {
     int const v = static_cast<int>(i * 7 - 5);
     switch (a.getDataType()) {
-      case vINT16: a.getInt16Pointer(1)[i] = static_cast<short>(v); break;
-      case vINT32: a.getInt32Pointer(1)[i] = v; break;
-      case vINT64: a.getInt64Pointer(1)[i] = v; break;
-      case vFLOAT32: a.getFloat32Pointer(1)[i] = static_cast<float>(v) + 0.5f; break;
-      case vFLOAT64: a.getFloat64Pointer(1)[i] = v + 0.25; break;
-      case vSTRING: a.getStringPointer(1)[i] = vString("name ") + vString(std::to_string(v).c_str()); break;
-      default: ADD_FAILURE() << "type " << a.getDataType(); break;
+      case vINT16:
+        a.getInt16Pointer(1)[i] = static_cast<short>(v);
+        break;
+      case vINT32:
+        a.getInt32Pointer(1)[i] = v;
+        break;
+      case vINT64:
+        a.getInt64Pointer(1)[i] = v;
+        break;
+      case vFLOAT32:
+        a.getFloat32Pointer(1)[i] = static_cast<float>(v) + 0.5f;
+        break;
+      case vFLOAT64:
+        a.getFloat64Pointer(1)[i] = v + 0.25;
+        break;
+      case vSTRING:
+        a.getStringPointer(1)[i] = vString("name ") + vString(std::to_string(v).c_str());
+        break;
+      default:
+        ADD_FAILURE() << "type " << a.getDataType();
+        break;
     }
   }
   return a;

@@ -5,12 +5,12 @@
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
-#include "attribute/VocabularyTesting.h"
 #include "attribute/LoadAttributeTranslations.h"
+#include "attribute/VocabularyTesting.h"
 
 using attribute_testing::expectFailure;
-using vocabulary_testing::VocabularyTest;
 using vocabulary_testing::translations;
+using vocabulary_testing::VocabularyTest;
 
 namespace {
 

@@ -16,8 +16,8 @@ vHandle<DataConverterI> chain(char const* text) { return BuildConverter::createC
 // The client sees SHOT_X in single precision; the store keeps SOURCE_X in
 // double precision.
 DataTranslator& sourceX() {
-  static DataTranslator translator(Attribute("SHOT_X", "SOURCE_X", vFLOAT32, 1), chain("float64()"),
-                                   chain("float32()"), Attribute("SOURCE_X", "SOURCE_X", vFLOAT64, 1));
+  static DataTranslator translator(Attribute("SHOT_X", "SOURCE_X", vFLOAT32, 1), chain("float64()"), chain("float32()"),
+                                   Attribute("SOURCE_X", "SOURCE_X", vFLOAT64, 1));
   return translator;
 }
 

@@ -5,8 +5,8 @@
 #include "attribute/AttributeTranslationTable.h"
 #include "attribute/VocabularyTesting.h"
 
-using vocabulary_testing::VocabularyTest;
 using vocabulary_testing::translations;
+using vocabulary_testing::VocabularyTest;
 
 namespace {
 

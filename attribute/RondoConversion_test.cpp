@@ -24,8 +24,7 @@ TEST(RondoConversion, OtherValuesAreFatal) {
     reason.printf("Unexpected FT format:%d", code);
     expectFailure([&] { RondoConversion::FTToDorn(code); }, "RondoConversion:FTToDorn()", reason.c_str());
   }
-  expectFailure([] { RondoConversion::dornToFT(vINT16); }, "RondoConversion:dornToFT()",
-                "Unexpected DataType :vINT16");
+  expectFailure([] { RondoConversion::dornToFT(vINT16); }, "RondoConversion:dornToFT()", "Unexpected DataType :vINT16");
   expectFailure([] { RondoConversion::dornToFT(vNOTYPE); }, "RondoConversion:dornToFT()",
                 "Unexpected DataType :vNOTYPE");
   expectFailure([] { RondoConversion::dornToFT(vSTRINGARRAY); }, "RondoConversion:dornToFT()",
