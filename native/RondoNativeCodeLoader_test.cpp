@@ -3,24 +3,34 @@
 // the factories behind them can be looked at. The Java classes are those of
 // the test host (java/), compiled into the build tree.
 //
-// Servers are loopback addresses or names mapped onto them by FS_CLUSTERS,
-// and each test uses its own, because the maps live as long as the process.
+// The tests of the maps stand test catalogs and projects in for the client
+// classes; their servers are loopback addresses or names mapped onto them by
+// FS_CLUSTERS, and each test uses its own, because the maps live as long as
+// the process. The tests of the road to the data server use the real client
+// classes and start the real DataServer (VSERVER, as set here) on this host,
+// to which FS_CLUSTERS maps their server names.
 
 #include <gtest/gtest.h>
 #include <jni.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include "foundation/Message.h"
 #include "foundation/TestReleaseTree.h"
+#include "foundation/vUtl.h"
 #include "native/RondoNativeMaps.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreDetails.h"
 #include "project/UTProject.h"
 #include "project/UTProjectCatalog.h"
+#include "registry/RondoRegistry.h"
+#include "remote/ClientProject.h"
+#include "remote/ClientProjectCatalog.h"
 
 #define RONDO_JNI(name) Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_##name
 
@@ -119,6 +129,9 @@ class RondoNative : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_NE(nullptr, jvm()) << "no virtual machine";
+    // The entry points register the real classes once: that is done first,
+    // so that the stand-ins below stay for the test.
+    rondoEnsureClassesRegistered();
     m_catalog = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeCatalog);
     m_project = ProjectFactory::registerMaker("ClientProject", &makeProject);
   }
@@ -196,35 +209,87 @@ TEST_F(RondoNative, SpellingsOfOneServerShareTheFactorysCatalog) {
   EXPECT_EQ(map_projectCatalog["SrvB|RONDO"].get(), map_projectCatalog["SRVB|RONDO"].get());
 }
 
-TEST_F(RondoNative, OpenProjectOpensOnceAndListsStoresWithoutVersions) {
+void expectReport(std::string const& out, char const* reason, char const* method, char const* line);
+
+// The real client classes, with the real data server behind them.
+class RondoNativeServer : public RondoNative {
+ protected:
+  void SetUp() override {
+    ASSERT_NE(nullptr, jvm()) << "no virtual machine";
+    rondoEnsureClassesRegistered();
+    registerRondoClasses();
+    m_tree.setEnv("HOME", m_tree.workDir());
+    m_tree.setEnv("VSERVER", buildTree() + "/bin/DataServer");
+    m_tree.setEnv("SP_DATASERVER_TRACE", "1");
+    m_tree.unsetEnv("SP_CAPI_DATASERVER");
+    m_tree.unsetEnv("SP_DATASERVER_BACKEND");
+    m_tree.unsetEnv("CAPI_DISABLERONDODATASERVER");
+    m_tree.setEnv("RONDO_UNITTEST_STORES", "line12.2:seismic wells.2:well cube.2:seismic");
+  }
+  void TearDown() override {}
+
+  // The requests of the server's log to an object, as their codes.
+  std::vector<int> requestsTo(int id) {
+    std::vector<int> codes;
+    std::ifstream in(m_tree.workDir() + "DataServer.Rondo");
+    std::string line;
+    std::string const head = " request " + std::to_string(id) + " code ";
+    while (std::getline(in, line)) {
+      size_t const at = line.find(head);
+      if (at != std::string::npos) codes.push_back(std::stoi(line.substr(at + head.size())));
+    }
+    return codes;
+  }
+};
+
+TEST_F(RondoNativeServer, OpenProjectOpensOnceAndListsStoresWithoutVersions) {
   JNIEnv* env = jvm();
-  ASSERT_TRUE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.4")));
-  ASSERT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea")));
-  vHandle<Project> project = map_project["127.0.1.4|RONDO|North_Sea"];
-  ASSERT_FALSE(project.isEmpty());
+  m_tree.setEnv("FS_CLUSTERS", "north=" + str(vUtl::gethostname()));
+  ::testing::internal::CaptureStdout();
+  ASSERT_TRUE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("North")));
+  std::string const printed = ::testing::internal::GetCapturedStdout();
+  EXPECT_EQ(0u, printed.find("Executing \"" + buildTree() + "/bin/DataServer Rondo Address:")) << printed;
+  vHandle<ProjectCatalog> catalog = map_projectCatalog["North|RONDO"];
+  ASSERT_NE(nullptr, dynamic_cast<ClientProjectCatalog*>(catalog.get()));
+  EXPECT_EQ(str(vUtl::gethostname()), str(catalog->getHost()));
+
+  ASSERT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("North"), jstr("North_Sea")));
+  vHandle<Project> project = map_project["North|RONDO|North_Sea"];
+  ASSERT_NE(nullptr, dynamic_cast<ClientProject*>(project.get()));
   EXPECT_TRUE(project->isOpen());
   EXPECT_EQ("north_sea", str(project->getName()));
-  EXPECT_EQ(map_projectCatalog["127.0.1.4|RONDO"].get(), project->getProjectCatalog().get());
+  EXPECT_EQ(catalog.get(), project->getProjectCatalog().get());
+  int const id = dynamic_cast<ClientProject*>(project.get())->getID();
 
   // Open already: the second call neither makes nor opens.
-  UTProject* ut = dynamic_cast<UTProject*>(project.get());
-  ASSERT_NE(nullptr, ut);
-  ut->open("renamed");
   unsigned int cached = ProjectFactory::getCacheSize();
-  EXPECT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea")));
+  EXPECT_TRUE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("North"), jstr("North_Sea")));
   EXPECT_EQ(cached, ProjectFactory::getCacheSize());
-  EXPECT_EQ(project.get(), map_project["127.0.1.4|RONDO|North_Sea"].get());
-  EXPECT_EQ("isOpen", str(ut->getLastCall()));
+  EXPECT_EQ(project.get(), map_project["North|RONDO|North_Sea"].get());
+  EXPECT_EQ(std::vector<int>{98}, requestsTo(id));
 
   jobject sink = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
   ASSERT_NE(nullptr, sink);
-  EXPECT_TRUE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea"), jstr(""), sink));
+  EXPECT_TRUE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("North"), jstr("North_Sea"), jstr(""), sink));
   EXPECT_EQ("[line12, wells, cube]", received(sink));
   jobject seismic = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
   EXPECT_TRUE(
-      RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.4"), jstr("North_Sea"), jstr("SEISMIC"), seismic));
+      RONDO_JNI(RondoGetContents)(env, nullptr, jstr("North"), jstr("North_Sea"), jstr("SEISMIC"), seismic));
   EXPECT_EQ("[line12, cube]", received(seismic));
-  EXPECT_EQ("getStoreList", str(ut->getLastCall()));
+  EXPECT_EQ((std::vector<int>{98, 103, 103}), requestsTo(id));
+}
+
+TEST_F(RondoNativeServer, AServerThatCannotServeAnswersFalseWithItsReason) {
+  JNIEnv* env = jvm();
+  m_tree.setEnv("FS_CLUSTERS", "south=" + str(vUtl::gethostname()));
+  m_tree.setEnv("SP_DATASERVER_BACKEND", "Nonsense");
+  size_t entries = map_projectCatalog.size();
+  ::testing::internal::CaptureStdout();
+  EXPECT_FALSE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("South")));
+  std::string const out = ::testing::internal::GetCapturedStdout();
+  expectReport(out.substr(out.find('\n') + 1), "Server said:-o The DataServer BACKEND 'Nonsense' is not a project type.",
+               "COBPortal::myMessage", "Unable to Open Connection!!!!!!!!!!!");
+  EXPECT_EQ(entries, map_projectCatalog.size());
 }
 
 TEST_F(RondoNative, SinkWithoutAppendAnswersFalse) {

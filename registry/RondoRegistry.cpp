@@ -7,74 +7,26 @@
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "foundation/Message.h"
-#include "foundation/vTokenizer.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
-#include "project/StoreDetails.h"
 #include "project/StoreFactory.h"
-#include "project/UTProject.h"
-#include "project/UTProjectCatalog.h"
+#include "remote/ClientAttributeSet.h"
+#include "remote/ClientProject.h"
+#include "remote/ClientProjectCatalog.h"
 
 namespace {
 
-// Names its two hosts as the client catalog does: for Kelp the first is the
-// server and the second the data host, for any other type the reverse. So a
-// Kelp catalog is found again in the factory's cache by its server.
-class UnitTestClientCatalog : public UTProjectCatalog {
- public:
-  UnitTestClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second)
-      : UTProjectCatalog(type == ProjectType::KELP ? second : first, type),
-        m_server(type == ProjectType::KELP ? first : second) {}
-  vString getServer() const override { return m_server; }
+// --- the client proxies of a data server -------------------------------------
 
- private:
-  vString m_server;
-};
-
-ProjectCatalog* makeUnitTestClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type,
-                                          vString const& second) {
-  return new UnitTestClientCatalog(first, type, second);
+ProjectCatalog* makeClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second) {
+  return new ClientProjectCatalog(first, type, second);
 }
 
-// One scripted store: "name.version[:class[:subclass]]".
-StoreDetails parseScriptedStore(vString const& entry, ProjectType::PROJECT_TYPE type) {
-  vTokenizer fields(entry, ":");
-  vString nameAndVersion;
-  vString storeClass;
-  vString subClass;
-  fields.next(nameAndVersion);
-  fields.next(storeClass);
-  fields.next(subClass);
+Project* makeClientProject(vHandle<ProjectCatalog> const& catalog) { return new ClientProject(catalog); }
 
-  int dot = 0;
-  if (nameAndVersion.searchForLast('.', dot) != 0 || dot == 0)
-    Message::fatal("RondoRegistry::makeUnitTestClientProject", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
-                   entry.c_str());
-  vString version = nameAndVersion.substr(static_cast<unsigned int>(dot) + 1);
-  if (!version.isInteger())
-    Message::fatal("RondoRegistry::makeUnitTestClientProject", 0, "RONDO_UNITTEST_STORES entry '%s' is not name.version[:class[:subclass]].",
-                   entry.c_str());
-  StoreDetails details(type, vString(), vLCString(nameAndVersion.substr(0, static_cast<unsigned int>(dot))),
-                       version.readi());
-  details.setClass(vLCString(storeClass));
-  details.setSubClass(vLCString(subClass));
-  return details;
-}
-
-Project* makeUnitTestClientProject(vHandle<ProjectCatalog> const& catalog) {
-  UTProject* project = new UTProject(catalog);
-  char const* stores = std::getenv("RONDO_UNITTEST_STORES");
-  if (stores == nullptr) return project;
-  try {
-    vTokenizer entries(vString(stores), " \t\n");
-    vString entry;
-    while (entries.next(entry)) project->addStore(parseScriptedStore(entry, catalog->getProjectType()));
-  } catch (...) {
-    delete project;
-    throw;
-  }
-  return project;
+vHandle<AttributeSet> makeClientAttributeSet(vHandle<Project> const& project) {
+  return vHandle<AttributeSet>(new ClientAttributeSet(project));
 }
 
 // --- the stores, sets and views of the layers above the project layer ------
@@ -93,11 +45,6 @@ vHandle<AttributeSet> makeProfilingDecorator(vHandle<AttributeSet> const& set) {
 
 }  // namespace
 
-bool rondoClientIsUnitTest() {
-  char const* seam = std::getenv("RONDO_CLIENT_CATALOG_IS_UNITTEST");
-  return seam != nullptr && std::strcmp(seam, "1") == 0;
-}
-
 void registerRondoClasses() {
   // How the store layer sees an in-memory store (Store::writeIMSRange).
   Store::setInMemoryStoreView(&InMemoryStore::asAttributeSet);
@@ -109,10 +56,10 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
-  // The remote client proxies and the database projects register here as
-  // their layers are linked in.
-  if (rondoClientIsUnitTest()) {
-    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeUnitTestClientCatalog);
-    ProjectFactory::registerMaker("ClientProject", &makeUnitTestClientProject);
-  }
+  // The client proxies, through which the catalogs, projects and sets of a
+  // data server are reached; the database projects join here as they are
+  // linked in.
+  ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog);
+  ProjectFactory::registerMaker("ClientProject", &makeClientProject);
+  AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClientAttributeSet);
 }
