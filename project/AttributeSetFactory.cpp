@@ -92,9 +92,7 @@ void AttributeSetFactory::pushAttributeSet(vHandle<AttributeSet> set) { myPushed
 
 void AttributeSetFactory::clearAttributeSets() { myPushedSets().clear(); }
 
-unsigned int AttributeSetFactory::getNPushedAttributeSets() {
-  return static_cast<unsigned int>(myPushedSets().size());
-}
+unsigned int AttributeSetFactory::getNPushedAttributeSets() { return static_cast<unsigned int>(myPushedSets().size()); }
 
 // --- making sets -------------------------------------------------------------------
 

@@ -6,6 +6,8 @@
 // noted as they are made; the real classes are tested through the
 // registry.
 
+#include "project/AttributeSetFactory.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -17,7 +19,6 @@
 #include "foundation/SystemPropertyTable.h"
 #include "foundation/vDatabases.h"
 #include "foundation/vUtl.h"
-#include "project/AttributeSetFactory.h"
 #include "project/CapiAttributeSetW.h"
 #include "project/JITProjectDecorator.h"
 #include "project/StoreFactoryTesting.h"
@@ -130,8 +131,8 @@ class PropertyTree {
     reload();
   }
   static std::string record(char const* section, char const* name, char const* values) {
-    return std::string("<SystemProperty name= ") + name + " package= " + section + " description= \"test\" " +
-           values + " SystemProperty>\n";
+    return std::string("<SystemProperty name= ") + name + " package= " + section + " description= \"test\" " + values +
+           " SystemProperty>\n";
   }
 
  private:
@@ -218,7 +219,8 @@ TEST(AttributeSetFactoryCreate, ClassesWithoutAMaker) {
 TEST(AttributeSetFactoryCreate, ADeferredProjectIsOpenedAndTakenOut) {
   SetStandIns standIns;
   PropertyTree noProperties("");
-  vHandle<Project> inner(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("127.0.0.104", ProjectType::UNITTEST))));
+  vHandle<Project> inner(
+      new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("127.0.0.104", ProjectType::UNITTEST))));
   JITProjectDecorator* jit = new JITProjectDecorator(inner);
   vHandle<Project> deferred(jit);
   deferred->open("survey");
@@ -322,12 +324,13 @@ TEST(AttributeSetFactoryWrap, TranslationsForNoTypeAndRondoProjects) {
       expectFatal([&] { AttributeSetFactory::create(projectOn("127.0.0.107", type)); }, "AttributeSetFactory::create",
                   notAvailable("TranslatingAttributeSetDecorator"));
     for (ProjectType::PROJECT_TYPE type : {ProjectType::KELP, ProjectType::UNITTEST, ProjectType::DORN})
-      EXPECT_NE(nullptr, dynamic_cast<TestMemoryAttributeSet*>(AttributeSetFactory::create(projectOn("127.0.0.107", type)).get()))
+      EXPECT_NE(nullptr, dynamic_cast<TestMemoryAttributeSet*>(
+                             AttributeSetFactory::create(projectOn("127.0.0.107", type)).get()))
           << type;
   }
   PropertyTree none("");
-  EXPECT_NE(nullptr,
-            dynamic_cast<TestMemoryAttributeSet*>(AttributeSetFactory::create(projectOn("127.0.0.107", ProjectType::RONDO)).get()));
+  EXPECT_NE(nullptr, dynamic_cast<TestMemoryAttributeSet*>(
+                         AttributeSetFactory::create(projectOn("127.0.0.107", ProjectType::RONDO)).get()));
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
 }
 

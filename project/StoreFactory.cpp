@@ -31,15 +31,12 @@ struct TagEntry {
 // Which store serves which file format tag, and which of them can make a
 // new file.
 TagEntry const kFileTags[] = {
-    {"segy", "SegyDiskStore", false},       {"sgy", "SegyDiskStore", false},
-    {"dsegy", "SegyDiskStore", false},      {"segd", "SegdDiskStore", false},
-    {"sgd", "SegdDiskStore", false},        {"dsegd", "SegdDiskStore", false},
-    {"ascii", "AsciiDiskStore", true},      {"txt", "AsciiDiskStore", true},
-    {"shapefile", "ShapefileDiskStore", true}, {"shp", "ShapefileDiskStore", true},
-    {"fdm", "FdmDiskStore", false},         {"offload", "OffloadDiskStore", false},
-    {"nyx", "NyxDiskStore", true},          {"cst", "NyxDiskStore", true},
-    {"dat", "NyxDiskStore", true},          {"nyxcst", "NyxDiskStore", true},
-    {"nyxdat", "NyxDiskStore", true},
+    {"segy", "SegyDiskStore", false},    {"sgy", "SegyDiskStore", false},  {"dsegy", "SegyDiskStore", false},
+    {"segd", "SegdDiskStore", false},    {"sgd", "SegdDiskStore", false},  {"dsegd", "SegdDiskStore", false},
+    {"ascii", "AsciiDiskStore", true},   {"txt", "AsciiDiskStore", true},  {"shapefile", "ShapefileDiskStore", true},
+    {"shp", "ShapefileDiskStore", true}, {"fdm", "FdmDiskStore", false},   {"offload", "OffloadDiskStore", false},
+    {"nyx", "NyxDiskStore", true},       {"cst", "NyxDiskStore", true},    {"dat", "NyxDiskStore", true},
+    {"nyxcst", "NyxDiskStore", true},    {"nyxdat", "NyxDiskStore", true},
 };
 
 char const* const kNyxStore = "NyxDiskStore";
@@ -117,8 +114,7 @@ StoreFactory::NyxSpecificationFinder StoreFactory::registerNyxSpecificationFinde
   return previous;
 }
 
-StoreFactory::AsciiSpecificationFinder StoreFactory::registerAsciiSpecificationFinder(
-    AsciiSpecificationFinder finder) {
+StoreFactory::AsciiSpecificationFinder StoreFactory::registerAsciiSpecificationFinder(AsciiSpecificationFinder finder) {
   AsciiSpecificationFinder previous = state().asciiFinder;
   state().asciiFinder = finder;
   return previous;

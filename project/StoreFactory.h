@@ -126,8 +126,7 @@ class StoreFactory {
   static vHandle<Store> myCreateFile(StoreDescription const& description, vLCString const& attributeSetName);
   static vHandle<Store> myMapAttributes(vHandle<Store> store, StoreDescription const& description);
   // The fatal failures of a flat file whose tag no store takes.
-  [[noreturn]] static void myCannotHandle(char const* label, StoreDescription const& description,
-                                          vString const& tag);
+  [[noreturn]] static void myCannotHandle(char const* label, StoreDescription const& description, vString const& tag);
 };
 
 #endif

@@ -57,16 +57,13 @@ StoreDescription unitTestStore(char const* host, char const* store, char const* 
 TEST(StoreFactoryCreate, UnitTestAndZonmeshProjectsNeedTheirRegisteredClass) {
   CleanQueue queue;
   StandIn none("InMemoryStore", {nullptr, nullptr, nullptr, nullptr});
-  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); },
-              "StoreFactory::create",
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); }, "StoreFactory::create",
               "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
-  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.91")); },
-              "StoreFactory::create",
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.91")); }, "StoreFactory::create",
               "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
   // A class registered for files only does not make stores of projects.
   StandIn filesOnly("InMemoryStore", fileMakers());
-  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); },
-              "StoreFactory::create",
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); }, "StoreFactory::create",
               "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
 }
 
@@ -138,8 +135,7 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   StoreFactory::pushStore(first);
   StoreFactory::clearStores();
   EXPECT_EQ(0u, StoreFactory::getNPushedStores());
-  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93")); },
-              "StoreFactory::create",
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93")); }, "StoreFactory::create",
               "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
 }
 

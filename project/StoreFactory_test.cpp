@@ -166,8 +166,10 @@ TEST(StoreFactoryIdentify, WithoutATextTableFinderNothingIsDescribed) {
 }
 
 TEST(StoreFactoryIdentify, TagTable) {
-  for (char const* tag : {"segy", "SGY", "dsegy"}) EXPECT_EQ("SegyDiskStore", str(StoreFactory::getFileStoreClass(tag)));
-  for (char const* tag : {"segd", "sgd", "DSEGD"}) EXPECT_EQ("SegdDiskStore", str(StoreFactory::getFileStoreClass(tag)));
+  for (char const* tag : {"segy", "SGY", "dsegy"})
+    EXPECT_EQ("SegyDiskStore", str(StoreFactory::getFileStoreClass(tag)));
+  for (char const* tag : {"segd", "sgd", "DSEGD"})
+    EXPECT_EQ("SegdDiskStore", str(StoreFactory::getFileStoreClass(tag)));
   for (char const* tag : {"ascii", "txt"}) EXPECT_EQ("AsciiDiskStore", str(StoreFactory::getFileStoreClass(tag)));
   for (char const* tag : {"shapefile", "shp"})
     EXPECT_EQ("ShapefileDiskStore", str(StoreFactory::getFileStoreClass(tag)));
