@@ -15,6 +15,7 @@
 // No locks: the first caller loads the table.
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string_view>
 #include <unordered_map>

@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <unordered_map>
 #include <utility>
 #include <vector>
