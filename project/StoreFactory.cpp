@@ -82,12 +82,9 @@ class ProjectStore : public StoreImp {
   }
 };
 
-StoreFactory::Makers const& makersOf(char const* label, char const* className) {
-  auto it = state().makers.find(className);
-  if (it == state().makers.end())
-    Message::fatal(label, 0, "Class %s is not available: no maker is registered for it (see registerRondoClasses).",
-                   className);
-  return it->second;
+[[noreturn]] void notAvailable(char const* label, char const* className) {
+  Message::fatal(label, 0, "Class %s is not available: no maker is registered for it (see registerRondoClasses).",
+                 className);
 }
 
 }  // namespace
@@ -189,10 +186,8 @@ vHandle<Store> StoreFactory::create(vHandle<Project> project) {
   }
   char const* className = projectStoreClass(project->getProjectType());
   if (className == nullptr) return vHandle<Store>(new ProjectStore(project));
-  Makers const& makers = makersOf("StoreFactory::create", className);
-  if (makers.forProject == nullptr)
-    Message::fatal("StoreFactory::create", 0,
-                   "Class %s is not available: no maker is registered for it (see registerRondoClasses).", className);
+  Makers makers = getMakers(className);
+  if (makers.forProject == nullptr) notAvailable("StoreFactory::create", className);
   return makers.forProject(project);
 }
 
@@ -271,10 +266,8 @@ vHandle<Store> StoreFactory::createStore(StoreDescription const& description, vL
   }
   if (description.isFlatFile()) return myCreateFile(description, attributeSetName);
   if (description.getProjectType() == ProjectType::ZONMESH) {
-    Makers const& makers = makersOf(label, "ZonStore");
-    if (makers.createServed == nullptr)
-      Message::fatal(label, 0, "Class %s is not available: no maker is registered for it (see registerRondoClasses).",
-                     "ZonStore");
+    Makers makers = getMakers("ZonStore");
+    if (makers.createServed == nullptr) notAvailable(label, "ZonStore");
     return makers.createServed(description, attributeSetName, keys, options);
   }
   vHandle<Project> project = ProjectFactory::openProject(description.getFullProjectName());

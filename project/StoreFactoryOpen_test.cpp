@@ -87,6 +87,23 @@ TEST(StoreFactoryOpenFile, UnknownExtensionAndNoExtension) {
   }
 }
 
+// A format spec settles identification, but names no format: the file's
+// kind is then not known.
+TEST(StoreFactoryOpenFile, ASpecWithoutAFormatLeavesTheKindUnknown) {
+  TestReleaseTree tree;
+  StandIn segy("SegyDiskStore", fileMakers());
+  StoreDescription d = fileIn(tree, "line.segy");
+  d.setFormatSpec("line.syf");
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), unknownType(path(d)));
+  EXPECT_TRUE(seen().empty());
+  // Without the spec the extension is the tag.
+  d.setFormatSpec("");
+  shelve(fileShelf(), "line.segy");
+  StoreFactory::openStore(d, "", nullptr);
+  ASSERT_EQ(1u, seen().size());
+  EXPECT_EQ("", str(seen()[0].description.getFileFormat()));
+}
+
 TEST(StoreFactoryOpenFile, TagsOfTheTableWhoseStoreIsNotThere) {
   TestReleaseTree tree;
   struct Case {

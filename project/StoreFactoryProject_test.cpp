@@ -241,10 +241,45 @@ TEST(StoreFactoryProjectServed, HasStoreAsksTheProject) {
   EXPECT_FALSE(StoreFactory::hasStore(d));
 }
 
+struct ServedCreate {
+  StoreDescription description;
+  std::string setName;
+  unsigned int nKeys = 0;
+  StoreCreationOptions const* options = nullptr;
+};
+
+ServedCreate& servedCreate() {
+  static ServedCreate last;
+  return last;
+}
+
+vHandle<Store> createServedOnShelf(StoreDescription const& description, vLCString const& setName, KeyList const& keys,
+                                   StoreCreationOptions const* options) {
+  servedCreate() = {description, str(setName), keys.getNKeys(), options};
+  vHandle<Store> store(new TestMemoryStore(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  store->create(description.getStoreName(), "seismic", "3d", keys, options);
+  return store;
+}
+
+// The back end makes them itself, without a project being opened here.
 TEST(StoreFactoryProjectServed, ZonmeshStoresAreMadeByTheirBackEnd) {
   StoreDescription d(vString("zonmesh::127.0.0.98:survey:line1"));
   ASSERT_EQ(ProjectType::ZONMESH, d.getProjectType());
-  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, "StoreFactory::createStore",
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  expectFatal([&] { StoreFactory::createStore(d, "", keys, nullptr); }, "StoreFactory::createStore",
+              "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
+  StandIn zon("ZonStore", {nullptr, nullptr, nullptr, &createServedOnShelf});
+  StoreCreationOptions options;
+  vHandle<Store> store = StoreFactory::createStore(d, "traces", keys, &options);
+  EXPECT_EQ(d, servedCreate().description);
+  EXPECT_EQ("traces", servedCreate().setName);
+  EXPECT_EQ(1u, servedCreate().nKeys);
+  EXPECT_EQ(&options, servedCreate().options);
+  EXPECT_EQ("line1", str(store->getName()));
+  EXPECT_TRUE(store->isOpen());
+  // Stores of Zonmesh projects need the class's store maker.
+  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.98")); }, "StoreFactory::create",
               "Class ZonStore is not available: no maker is registered for it (see registerRondoClasses).");
 }
 
