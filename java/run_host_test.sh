@@ -6,11 +6,15 @@
 #
 # Scenarios:
 #   exports  the library exports exactly the seven native methods
-#   seam     the client catalog stood in for by the unit-test catalog: open,
-#            list by class, the four data methods (not there yet: false)
-#   no_seam  without a data server the connection fails with the report
+#   server   a real data server (VSERVER) on this host, to which FS_CLUSTERS
+#            maps the server name, with the UnitTest back end: open, list by
+#            class, the four data methods (not there yet: false)
+#   refused  a data server that cannot serve (an unknown back end): the
+#            connection fails with the server's report
 #   order    calls out of order: an empty map entry, and contents of a
 #            project that was never opened, which ends the host
+# The line the client prints when it starts a server carries a generated
+# address and the build number: it is compared with both left out.
 # Exit 0 on a match, 1 on a mismatch, 77 when no JVM of the library's width
 # is at hand.
 set -euo pipefail
@@ -73,6 +77,7 @@ run_host() {
      com.nyx.orda.business.io.protocols.rondo.RondoHost "$@") >"$work/out" 2>"$work/err"
   status=$?
   set -e
+  sed -i -E 's#Address:[^ "]*#Address:-#; s# -build [0-9]+"# -build -"#' "$work/out"
 }
 
 expect_output() {
@@ -94,14 +99,23 @@ report() {  # reason, method
   printf '\n\n%s\n%s\n   (Method=%s)\n%s\n' "$banner" "$1" "$2" "$rule"
 }
 
-unset RONDO_CLIENT_CATALOG_IS_UNITTEST RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER
+unset RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER SP_CAPI_DATASERVER SP_DATASERVER_BACKEND
+[ -n "${VSERVER:-}" ] || fail "VSERVER must name the DataServer program"
+# The server logs to its home directory.
+export HOME="$work"
+# A server on this host is reached by its name as the system gives it.
+this_host=$(hostname)
+this_host=${this_host%%.*}
+started() {  # server name: the line printed when the server is started
+  printf 'Executing "%s Rondo Address:- -build -" on %s\n' "$VSERVER" "$1"
+}
 
 case "$scenario" in
-  seam)
-    export RONDO_CLIENT_CATALOG_IS_UNITTEST=1
+  server)
     export RONDO_UNITTEST_STORES="line12.3:seismic wells.1:well:log grid_a.2:seismic line12.4:seismic"
     # The server is a name of its own, on the cluster of this machine.
-    export FS_CLUSTERS="seisserver=localhost"
+    export FS_CLUSTERS="seisserver=$this_host"
+    export SP_DATASERVER_TRACE=1
     run_host connect SeisServer connect SeisServer connect SEISSERVER project SeisServer survey \
       contents SeisServer survey - contents SeisServer survey Seismic contents SeisServer survey horizon \
       contents-without-append SeisServer survey - \
@@ -109,40 +123,45 @@ case "$scenario" in
       loadf SeisServer survey line12 TRACE 0 2 loadtab SeisServer survey line12 TRACE
     # Five calls answer false: the sink without append and the four data
     # methods.
-    expect_output 5 'RondoOpenConnection("SeisServer") = true
-RondoOpenConnection("SeisServer") = true
-RondoOpenConnection("SEISSERVER") = true
-RondoOpenProject("SeisServer", "survey") = true
+    expect_output 5 "$(started "$this_host")
+RondoOpenConnection(\"SeisServer\") = true
+RondoOpenConnection(\"SeisServer\") = true
+RondoOpenConnection(\"SEISSERVER\") = true
+RondoOpenProject(\"SeisServer\", \"survey\") = true
 append(line12)
 append(wells)
 append(grid_a)
 append(line12)
-RondoGetContents("SeisServer", "survey", "") stores=4 = true
+RondoGetContents(\"SeisServer\", \"survey\", \"\") stores=4 = true
 append(line12)
 append(grid_a)
 append(line12)
-RondoGetContents("SeisServer", "survey", "Seismic") stores=3 = true
-RondoGetContents("SeisServer", "survey", "horizon") stores=0 = true
-RondoGetContents("SeisServer", "survey", "") = false
-RondoGetDataInfo("line12") = false
-RondoLoadAttributeI("line12", "CDP") = false
-RondoLoadAttributeF("line12", "TRACE", 0, 2) = false
-RondoLoadAttributeFromTabindexF("line12", "TRACE") = false
-'
+RondoGetContents(\"SeisServer\", \"survey\", \"Seismic\") stores=3 = true
+RondoGetContents(\"SeisServer\", \"survey\", \"horizon\") stores=0 = true
+RondoGetContents(\"SeisServer\", \"survey\", \"\") = false
+RondoGetDataInfo(\"line12\") = false
+RondoLoadAttributeI(\"line12\", \"CDP\") = false
+RondoLoadAttributeF(\"line12\", \"TRACE\", 0, 2) = false
+RondoLoadAttributeFromTabindexF(\"line12\", \"TRACE\") = false
+"
+    grep -q ' request 2 code 98$' "$work/DataServer.Rondo" || fail "the server's log has no open of the project"
     ;;
-  no_seam)
-    run_host connect localhost project localhost survey
-    expect_output 2 "$(report 'Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).' 'ProjectCatalogFactory::createEx')
+  refused)
+    export FS_CLUSTERS="seisserver=$this_host"
+    export SP_DATASERVER_BACKEND=Nonsense
+    run_host connect SeisServer project SeisServer survey
+    expect_output 2 "$(started "$this_host")
+$(report "Server said:-o The DataServer BACKEND 'Nonsense' is not a project type." 'COBPortal::myMessage')
 Unable to Open Connection!!!!!!!!!!!
-RondoOpenConnection(\"localhost\") = false
+RondoOpenConnection(\"SeisServer\") = false
 $(report 'Trying to get a NULL pointer' 'vHandle::get()')
 Unable to Open Project!!!!!!!!!!!
-RondoOpenProject(\"localhost\", \"survey\") = false
+RondoOpenProject(\"SeisServer\", \"survey\") = false
 "
     ;;
   order)
-    export RONDO_CLIENT_CATALOG_IS_UNITTEST=1
     export RONDO_UNITTEST_STORES="line12.3"
+    export FS_CLUSTERS="localhost=$this_host"
     # A project asked for before its connection leaves an empty catalog in
     # the map under that spelling, which the connection then finds; another
     # spelling of the server connects. Contents of a project never opened
@@ -157,6 +176,7 @@ RondoOpenConnection(\"localhost\") = true
 $(report 'Trying to get a NULL pointer' 'vHandle::get()')
 Unable to Open Project!!!!!!!!!!!
 RondoOpenProject(\"localhost\", \"survey\") = false
+$(started "$this_host")
 RondoOpenConnection(\"LocalHost\") = true
 RondoOpenProject(\"LocalHost\", \"survey\") = true
 append(line12)
