@@ -1,0 +1,183 @@
+// The data server as a process, driven through a portal by a bare remote
+// object that sends what it is told: its command line, its settings, and
+// requests that it cannot serve, each answered by the portal's failure
+// report with the server's own words, after which the session goes on.
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "foundation/Packer.h"
+#include "remote/COB.h"
+#include "remote/COBPortal.h"
+#include "remote/ClientCodes.h"
+#include "remote/ClientTesting.h"
+
+using namespace remote_testing;
+
+namespace {
+
+// A remote object that sends what a test gives it.
+class BareCOB : public COB {
+ public:
+  BareCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
+  void doCommsReinitialize() override {}
+
+  // A request of the code and a string; the reply's code.
+  int call(int code, char const* text = nullptr) {
+    Packer p(100);
+    p.pack(static_cast<int32_t>(code));
+    if (text != nullptr) p.pack(vString(text));
+    if (sendAndReceive(p) != CommChan::OK) return -1;
+    int32_t reply = 0;
+    p.unpack(reply);
+    p.discard();
+    return reply;
+  }
+  // The session start of a catalog, for a host.
+  int start(char const* host) {
+    Packer p(200);
+    p.pack(static_cast<int32_t>(ClientCode::SessionStart));
+    p.pack(vString(host));
+    p.pack(0LL);
+    p.pack(vString(""));
+    p.pack(0LL);
+    p.pack(0LL);
+    p.packBool(false);
+    p.packBool(false);
+    if (sendAndReceive(p) != CommChan::OK) return -1;
+    int32_t reply = 0;
+    p.unpack(reply);
+    p.discard();
+    return reply;
+  }
+};
+
+class DataServerTest : public RemoteTest {
+ protected:
+  DataServerTest()
+      : m_home("HOME", m_dir.file("").c_str()),
+        m_backend("SP_DATASERVER_BACKEND", nullptr),
+        m_stores("RONDO_UNITTEST_STORES", "line12.3:seismic:2d") {}
+
+  // A portal that starts the server with the arguments after the program.
+  vHandle<COBPortal> start(std::string const& arguments) {
+    vString const command((dataServerPath() + " " + arguments).c_str());
+    vHandle<COBPortal> portal(new COBPortal(nullptr, &command));
+    portal->getChannel()->setMiscTimeout(60.0f);
+    return portal;
+  }
+  std::string rondo() const { return std::string("Rondo ") + COBPortal::addressToken + " -build 0"; }
+
+  TempDir m_dir;
+
+ private:
+  ScopedEnv m_home;
+  ScopedEnv m_backend;
+  ScopedEnv m_stores;
+};
+
+std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
+
+TEST_F(DataServerTest, RequestsItCannotServeAreReportedAndTheSessionGoesOn) {
+  vHandle<COBPortal> portal = start(rondo() + " -v " + m_dir.file("rel"));
+  BareCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  EXPECT_EQ(said("The session has not been started."), fatalText([&] { catalog.call(ClientCode::GetProjectList); }));
+  EXPECT_EQ(ClientCode::SessionStart, catalog.start("somehost"));
+  EXPECT_EQ(said("Unknown message code 77 for a ProjectCatalog."), fatalText([&] { catalog.call(77); }));
+  EXPECT_EQ(ClientCode::GetProjectList, catalog.call(ClientCode::GetProjectList));
+
+  BareCOB project("Project", &catalog);
+  EXPECT_EQ(said("The Project with PortalID 2 is not open."),
+            fatalText([&] { project.call(ClientCode::GetStoreList, "seismic"); }));
+  EXPECT_EQ(ClientCode::ProjectAck, project.call(ClientCode::ProjectOpen, "survey"));
+  // A request short of its arguments fails in the reading of them.
+  std::string const shortOne = fatalText([&] { project.call(ClientCode::GetStoreList, "seismic"); });
+  EXPECT_EQ(0u, shortOne.find("COBPortal::myMessage: Server said:-o ")) << shortOne;
+  EXPECT_EQ(said("Unknown message code 150 for a Project."), fatalText([&] { project.call(150); }));
+
+  BareCOB set("AttributeSet", &project);
+  EXPECT_EQ(said("The AttributeSet with PortalID 3 is not open."),
+            fatalText([&] { set.call(ClientCode::GetNInstances); }));
+  BareCOB widget("Widget", &catalog);
+  EXPECT_EQ(said("PortalID 4 is a Widget, which this server does not serve."), fatalText([&] { widget.call(1); }));
+  // A set under a catalog has no project above it.
+  BareCOB stray("AttributeSet", &catalog);
+  Packer open(100);
+  open.pack(static_cast<int32_t>(ClientCode::Open));
+  open.pack(vString("line12"));
+  open.pack(static_cast<int32_t>(3));
+  open.pack(vString(""));
+  open.pack(vString(""));
+  open.packBool(false);
+  EXPECT_EQ(said("The AttributeSet with PortalID 5 has no Project above it."),
+            fatalText([&] { stray.sendAndReceive(open); }));
+  EXPECT_EQ(ClientCode::ProjectAck, project.call(ClientCode::ProjectClose));
+  EXPECT_EQ(ClientCode::GetProjectList, catalog.call(ClientCode::GetProjectList));
+}
+
+TEST_F(DataServerTest, ArgumentsItCannotTakeFailEveryRequest) {
+  struct Case {
+    std::string arguments;
+    std::string reason;
+    char const* log;
+  };
+  std::string const address = COBPortal::addressToken;
+  Case const cases[] = {
+      {"Bogus " + address + " -build 0", "DataServer cannot serve projects of type 'Bogus'.", "DataServer.Bogus"},
+      {"Rondo " + address + " -build x", "DataServer was given the build number 'x'.", "DataServer.Rondo"},
+      {"Rondo " + address + " -build 0 -x", "DataServer does not take the argument '-x'.", "DataServer.Rondo"},
+  };
+  for (Case const& c : cases) {
+    vHandle<COBPortal> portal = start(c.arguments);
+    BareCOB catalog("ProjectCatalog", nullptr);
+    catalog.setPortal(portal);
+    EXPECT_EQ(said(c.reason), fatalText([&] { catalog.start("h"); })) << c.arguments;
+    EXPECT_EQ(said(c.reason), fatalText([&] { catalog.call(ClientCode::GetProjectList); }));
+    std::ifstream log(m_dir.file(c.log));
+    EXPECT_TRUE(log.good()) << c.log;
+  }
+}
+
+TEST_F(DataServerTest, BackEndSetting) {
+  struct Case {
+    char const* value;
+    std::string reason;
+  };
+  Case const cases[] = {
+      {"Nonsense", "The DataServer BACKEND 'Nonsense' is not a project type."},
+      {"Rondo", "The DataServer BACKEND cannot be Rondo: its projects are served by a data server."},
+      {"2", "The DataServer BACKEND cannot be Kelp: its projects are served by a data server."},
+      {"4", ""},
+      {"unittest", ""},
+  };
+  for (Case const& c : cases) {
+    ScopedEnv backend("SP_DATASERVER_BACKEND", c.value);
+    vHandle<COBPortal> portal = start(rondo());
+    BareCOB catalog("ProjectCatalog", nullptr);
+    catalog.setPortal(portal);
+    if (c.reason.empty())
+      EXPECT_EQ(ClientCode::SessionStart, catalog.start("h")) << c.value;
+    else
+      EXPECT_EQ(said(c.reason), fatalText([&] { catalog.start("h"); })) << c.value;
+  }
+}
+
+TEST_F(DataServerTest, MalformedScriptedStoresFailTheProjectsOpen) {
+  for (char const* entry : {"noversion", "name.x", ".3"}) {
+    ScopedEnv stores("RONDO_UNITTEST_STORES", (std::string("ok.1 ") + entry).c_str());
+    vHandle<COBPortal> portal = start(rondo());
+    BareCOB catalog("ProjectCatalog", nullptr);
+    catalog.setPortal(portal);
+    ASSERT_EQ(ClientCode::SessionStart, catalog.start("h"));
+    BareCOB project("Project", &catalog);
+    EXPECT_EQ(said(std::string("RONDO_UNITTEST_STORES entry '") + entry +
+                   "' is not name.version[:class[:subclass]]."),
+              fatalText([&] { project.call(ClientCode::ProjectOpen, "survey"); }));
+  }
+}
+
+}  // namespace
