@@ -101,11 +101,13 @@ TEST_F(ClientProxies, CatalogStartsItsServerAndAProjectListsItsStores) {
   EXPECT_FALSE(project->purgeStore(1, "line12", "", ""));
   EXPECT_TRUE(project->deleteStore("wells", 1, "", ""));
   EXPECT_EQ("line12.3 cube.2 ", names(*project->getStoreList("", "")));
+  // The UnitTest back end keeps no set details.
+  EXPECT_TRUE(project->getAttributeSetDetails("line12", 3).empty());
 
   project->close();
   EXPECT_FALSE(project->isOpen());
   EXPECT_EQ((std::vector<int>{ClientCode::SessionStart, ClientCode::GetProjectList}), requestsTo(1));
-  EXPECT_EQ((std::vector<int>{98, 103, 103, 103, 104, 107, 107, 107, 108, 106, 105, 103, 99}), requestsTo(2));
+  EXPECT_EQ((std::vector<int>{98, 103, 103, 103, 104, 107, 107, 107, 108, 106, 105, 103, 109, 99}), requestsTo(2));
   // The command that started the server, its address in place of the token.
   std::string const head = "Executing \"" + dataServerPath() + " Rondo Address:";
   EXPECT_EQ(0u, printed.find(head)) << printed;
@@ -262,6 +264,13 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   EXPECT_FALSE(set.hasAttribute("OFFSET"));
   EXPECT_EQ(1u, set.getNAttributes());
   EXPECT_EQ(vINT32, set.getAttribute("CDP").getDataType());
+  EXPECT_EQ(expected, requestsTo(3));
+
+  // A new attribute joins the list kept.
+  set.addAttribute(Attribute("AMP", "", vFLOAT32));
+  expected.push_back(ClientCode::AddAttribute);
+  EXPECT_TRUE(set.hasAttribute("AMP"));
+  EXPECT_EQ(2u, set.getNAttributes());
   EXPECT_EQ(expected, requestsTo(3));
 
   // A changed class drops the list: the next question goes to the server.
