@@ -15,7 +15,10 @@
 
 #include <gtest/gtest.h>
 
+#include "attribute/PropertyI.h"
 #include "foundation/Packer.h"
+#include "project/StoreCreationOptions.h"
+#include "project/StoreOpenOptions.h"
 #include "project/ProjectList.h"
 #include "remote/ClientCodes.h"
 #include "remote/ClientTesting.h"
@@ -98,6 +101,15 @@ class RawServer {
       int const v[] = {10, 11, 12, 13, 14};
       cdp.copyData(5, v);
       out.pack(cdp);
+    } else if (code == ClientCode::GetProperties) {
+      PropertyI none;
+      none.packProperties(out);
+    } else if (code == ClientCode::GetNInstances) {
+      out.pack(3u);
+    } else if (code == ClientCode::GetVersion) {
+      out.pack(2);
+    } else if (code == ClientCode::GetClass || code == ClientCode::GetSubClass) {
+      out.pack(vString(code == ClientCode::GetClass ? "seismic" : "2d"));
     } else if (code == ClientCode::GetProjectList) {
       ProjectList list;
       list.add(ProjectListEntry("north"));
@@ -223,6 +235,88 @@ TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatal) {
               fatalText([&] { set.hasAttribute("CDP"); }));
   }
   m_server.join();
+}
+
+// The message of a code among those the peer got.
+Packer messageOf(std::vector<Message> const& messages, int code) {
+  for (Message const& m : messages) {
+    if (m.tag <= 0) continue;
+    Packer p(static_cast<int>(m.bytes.size()), m.bytes.data());
+    int c = 0;
+    p.unpack(c);
+    if (c == code) return p;
+    p.discard();
+  }
+  ADD_FAILURE() << "no message of code " << code;
+  return Packer(20);
+}
+
+TEST_F(ClientFrames, OptionsTravelWithOpenUpdateAndCreate) {
+  StoreOpenOptions open;
+  open.setSparseReadOfAttributes();
+  open.setAutoDecompress(false);
+  StoreCreationOptions create;
+  create.setCompressed();
+  m_server.start();
+  {
+    vHandle<ProjectCatalog> catalog(new ClientProjectCatalog("", ProjectType::RONDO, ""));
+    vHandle<Project> project(new ClientProject(catalog));
+    ClientAttributeSet set(project);
+    set.open("line12", 7, "seismic", "", &open);
+    // Asked for at the open: count, version, class and subclass.
+    EXPECT_EQ(3u, set.getNInstances());
+    EXPECT_EQ(2, set.getVersion());
+    EXPECT_EQ("2d", std::string(set.getSubClass().c_str()));
+    set.close();
+    set.update("line12", 7, "", "", nullptr);
+    set.create("new", "seismic", "3d", KeyList(), &create);
+  }
+  m_server.join();
+  Packer opened = messageOf(m_server.messages, ClientCode::Open);
+  vString text;
+  int version = 0;
+  bool has = false;
+  opened.unpack(text);
+  EXPECT_EQ("line12", std::string(text.c_str()));
+  opened.unpack(version);
+  EXPECT_EQ(7, version);
+  opened.unpack(text);
+  EXPECT_EQ("seismic", std::string(text.c_str()));
+  opened.unpack(text);
+  EXPECT_EQ("", std::string(text.c_str()));
+  opened.unpackBool(has);
+  EXPECT_TRUE(has);
+  StoreOpenOptions got;
+  opened.unpack(got);
+  EXPECT_TRUE(got == open);
+  EXPECT_EQ(0, opened.getNRemainingBytes());
+  opened.discard();
+
+  Packer updated = messageOf(m_server.messages, ClientCode::Update);
+  updated.unpack(text);
+  updated.unpack(version);
+  updated.unpack(text);
+  updated.unpack(text);
+  updated.unpackBool(has);
+  EXPECT_FALSE(has);
+  EXPECT_EQ(0, updated.getNRemainingBytes());
+  updated.discard();
+
+  Packer created = messageOf(m_server.messages, ClientCode::Create);
+  created.unpack(text);
+  EXPECT_EQ("new", std::string(text.c_str()));
+  created.unpack(text);
+  created.unpack(text);
+  EXPECT_EQ("3d", std::string(text.c_str()));
+  KeyList keys(created);
+  EXPECT_EQ(0u, keys.getNKeys());
+  created.unpackBool(has);
+  EXPECT_TRUE(has);
+  StoreCreationOptions gotCreate;
+  created.unpack(gotCreate);
+  EXPECT_TRUE(gotCreate == create);
+  EXPECT_EQ(0, created.getNRemainingBytes());
+  created.discard();
 }
 
 TEST_F(ClientFrames, ProjectListComesInItsFrame) {
