@@ -1,6 +1,9 @@
 #include "remote/ClientProjectCatalog.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <string>
 
 #include "foundation/Message.h"
 #include "foundation/Packer.h"
@@ -14,6 +17,28 @@ namespace {
 
 // How long a starting server may take to connect back.
 float const kStartTimeout = 120.0f;
+
+// Whether the program that a command line starts is there to run: a path
+// that can be executed, or a name found on the PATH. Only known for this
+// host; a server that never comes would be waited for without end.
+bool isProgramHere(vString const& command) {
+  std::string const text = command.c_str();
+  size_t const start = text.find_first_not_of(" \t");
+  if (start == std::string::npos) return false;
+  std::string const program = text.substr(start, text.find_first_of(" \t", start) - start);
+  if (program.find('/') != std::string::npos) return ::access(program.c_str(), X_OK) == 0;
+  char const* path = std::getenv("PATH");
+  std::string const dirs = path != nullptr ? path : "";
+  size_t from = 0;
+  for (;;) {
+    size_t const colon = dirs.find(':', from);
+    std::string dir = dirs.substr(from, colon == std::string::npos ? std::string::npos : colon - from);
+    if (dir.empty()) dir = ".";
+    if (::access((dir + "/" + program).c_str(), X_OK) == 0) return true;
+    if (colon == std::string::npos) return false;
+    from = colon + 1;
+  }
+}
 
 }  // namespace
 
@@ -49,6 +74,9 @@ ClientProjectCatalog::ClientProjectCatalog(vString const& first, ProjectType::PR
                    "Should not get here for Dorn projects. Check that the links /dorn/xp/rel/TAO & Oracle exist "
                    "and recompile Dorn.");
   vString const command = makeServerCommand(type);
+  if ((first.isBlank() || first == vUtl::gethostname()) && !isProgramHere(command))
+    Message::fatal("ClientProjectCatalog::ClientProjectCatalog", 0,
+                   "The data server cannot be started: \"%s\" names no program on this host.", command.c_str());
   m_portal = vHandle<COBPortal>(new COBPortal(m_first.get(), &command));
   m_portal->getChannel()->setMiscTimeout(kStartTimeout);
   try {

@@ -10,6 +10,8 @@
 // The server's command line: the "dataserver" property of section "capi",
 // else VSERVER, else "DataServer", then the type's name, the portal's
 // address, " -build " and the build number, and " -v " VREL when VREL is set.
+// A server for this host whose program is not there is refused at once,
+// rather than waited for.
 
 #include "foundation/vHandle.h"
 #include "foundation/vString.h"

@@ -133,6 +133,18 @@ TEST_F(ClientProxies, ServerCommandComesFromThePropertyThenVServer) {
       fatalText([] { ClientProjectCatalog catalog("", ProjectType::DORN, ""); }));
 }
 
+TEST_F(ClientProxies, AServerProgramThatIsNotThereIsNotWaitedFor) {
+  {
+    ScopedEnv server("VSERVER", "/nonexistent/DataServer");
+    EXPECT_EQ("ClientProjectCatalog::ClientProjectCatalog: The data server cannot be started: \"/nonexistent/DataServer "
+              "Rondo <$COBADDRESS$> -build " + std::to_string(vUtl::getBuildNumber()) + "\" names no program on this host.",
+              fatalText([&] { newCatalog(); }));
+  }
+  ScopedEnv server("VSERVER", "NoSuchDataServerProgram");
+  std::string const text = fatalText([&] { newCatalog(); });
+  EXPECT_NE(std::string::npos, text.find("\"NoSuchDataServerProgram Rondo")) << text;
+}
+
 TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {
   vHandle<ProjectCatalog> kelp(new ClientProjectCatalog(vUtl::gethostname(), ProjectType::KELP, "datahost"));
   EXPECT_EQ("datahost", str(kelp->getHost()));
