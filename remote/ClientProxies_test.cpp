@@ -388,6 +388,19 @@ TEST_F(ClientProxies, ServerFailuresComeBackInTheServersWords) {
   set.close();
 }
 
+TEST_F(ClientProxies, ServerErrorsAreReportedAndTheReplyStillComes) {
+  // The server's attribute set factory reports a view it does not know.
+  ScopedEnv views("SP_CAPI_ATTRIBUTESETDECORATORS", "Bogus");
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  ClientAttributeSet set(project);
+  set.create("shots", "seismic", "2d", KeyList(), nullptr);
+  EXPECT_TRUE(set.isOpen());
+  EXPECT_EQ(std::vector<std::string>{"COBPortal::myMessage: Server said:-o Unknown decorator request BOGUS, ignored."},
+            errors());
+  set.close();
+}
+
 TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
   ScopedEnv stores("RONDO_UNITTEST_STORES", "shots.1:seismic");
   vHandle<ProjectCatalog> catalog = newCatalog();

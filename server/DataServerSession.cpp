@@ -4,9 +4,12 @@
 
 #include <cstdarg>
 #include <exception>
+#include <functional>
 #include <iterator>
 
+#include "foundation/ExceptionErrorHandler.h"
 #include "foundation/Message.h"
+#include "foundation/RaiseError.h"
 #include "foundation/Packer.h"
 #include "foundation/SystemPropertyManager.h"
 #include "foundation/UtlExcept.h"
@@ -28,6 +31,34 @@ int32_t readInt(Packer& in) {
   in.unpack(value);
   return value;
 }
+
+// While a request is served, the errors and notes of the code that serves
+// it go to the client as reports of severity 2 and 3, and the reply is
+// still awaited there; failures raise as everywhere.
+class ReportingHandler : public ExceptionErrorHandler {
+ public:
+  typedef std::function<void(int severity, char const* label, char const* text)> Report;
+  explicit ReportingHandler(Report report) : m_report(std::move(report)) {
+    RaiseError::getInstance()->install(this);
+  }
+  ~ReportingHandler() override { RaiseError::getInstance()->uninstall(this); }
+
+ protected:
+  void doError(char const* label, int, char const* text) override { myPass(2, label, text); }
+  void doInfo(char const* label, int, char const* text) override { myPass(3, label, text); }
+
+ private:
+  // A report that the sending of a report makes is not sent in turn.
+  void myPass(int severity, char const* label, char const* text) {
+    if (m_busy) return;
+    m_busy = true;
+    m_report(severity, label, text);
+    m_busy = false;
+  }
+
+  Report m_report;
+  bool m_busy = false;
+};
 
 }  // namespace
 
@@ -135,6 +166,10 @@ void DataServerSession::myReport(int code, int severity, vString const& text) {
 
 void DataServerSession::myObjectMessage(Packer& in, int tag) {
   vString failure;
+  ReportingHandler reports([this](int severity, char const* label, char const* text) {
+    note("%s from %s: %s", severity == 2 ? "error" : "note", label, text);
+    myReport(100, severity, vString(text));
+  });
   try {
     if (!m_failure.isBlank()) Message::fatal("DataServer", 0, "%s", m_failure.c_str());
     auto const found = m_twins.find(tag);

@@ -14,6 +14,9 @@
 // SP_DATASERVER_TRACE), every request is logged as "request <PortalID>
 // code <code>": what reached the server, for those who have to know.
 //
+// Errors and notes reported while a request is served go to the client as
+// the portal's reports of severity 2 and 3, before the reply.
+//
 // A session whose start failed (a server that cannot serve) answers every
 // request with that failure.
 
