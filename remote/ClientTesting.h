@@ -100,8 +100,9 @@ class ClientTest : public RemoteTest {
     std::ifstream in(m_dir.file("DataServer.Rondo"));
     std::string line;
     while (std::getline(in, line)) {
+      // Lines of the server's own (those of reports printed) bear no id.
       int const pid = std::atoi(line.c_str());
-      if (pids.empty() || pids.back() != pid) pids.push_back(pid);
+      if (pid > 0 && (pids.empty() || pids.back() != pid)) pids.push_back(pid);
     }
     return pids;
   }
