@@ -119,9 +119,12 @@ void KeyList::unpack(Packer& packer) {
   if (n < 0 || n > packer.getNRemainingBytes())
     Message::fatal("KeyList::unpack()", 0, "Bad number of keys %d with %d bytes left.", static_cast<int>(n),
                    packer.getNRemainingBytes());
+  // A key list that travels carries the wanted key values, and a copy of an
+  // Attribute keeps its definition alone: each key is unpacked in place, in
+  // room reserved up front so that no key is ever copied.
   Keys keys;
   keys.reserve(static_cast<std::size_t>(n));
-  for (int32_t i = 0; i < n; ++i) keys.push_back(Attribute(packer));
+  for (int32_t i = 0; i < n; ++i) keys.emplace_back(packer);
   packer.endFrame();
   m_keys.swap(keys);
 }

@@ -126,6 +126,29 @@ TEST(KeyList, PackedFormByteExact) {
   EXPECT_EQ(vINT16, back.findKey(2)->getDataType());
 }
 
+// The keys of a read or write by key values carry those values: they travel
+// with the list and come out of unpack with it.
+TEST(KeyList, KeyValuesTravelWithTheList) {
+  KeyList k;
+  k.addKey(Attribute("cdp", "hdr", vINT32));
+  k.addKey(Attribute("offset", "hdr", vFLOAT32));
+  int const cdps[] = {7, 9, 11};
+  float const offsets[] = {100.5f, 200.5f, 300.5f};
+  k.begin()->copyData(3, cdps);
+  (k.begin() + 1)->copyData(3, offsets);
+  Packer p(0);
+  k.pack(p);
+  std::unique_ptr<Packer> r = receive(p);
+  KeyList back(*r);
+  ASSERT_EQ(2u, back.getNKeys());
+  ASSERT_EQ(3u, back.begin()->getNInstances());
+  ASSERT_EQ(3u, (back.begin() + 1)->getNInstances());
+  for (unsigned int i = 1; i <= 3; ++i) {
+    EXPECT_EQ(cdps[i - 1], back.begin()->getInt32(i));
+    EXPECT_EQ(offsets[i - 1], (back.begin() + 1)->getFloat32(i));
+  }
+}
+
 TEST(KeyList, ReadsOldAttributeFramesInside) {
   Bytes b;
   b.frame(1501, 1).int32(1);

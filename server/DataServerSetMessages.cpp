@@ -46,31 +46,6 @@ std::vector<unsigned int> readInstances(Packer& in) {
   return list;
 }
 
-// A key list with the values its keys carry: KeyList's own unpack keeps
-// the definitions alone, and a read or write by keys needs the values.
-void readKeys(Packer& in, KeyList& keys) {
-  short magic = 0;
-  short version = 0;
-  in.unpackFrame(magic, version);
-  if (magic != KeyList::Magic || version != KeyList::Version)
-    Message::fatal("DataServer", 0, "Expected a KeyList (frame %d version %d), got frame %d version %d.",
-                   static_cast<int>(KeyList::Magic), static_cast<int>(KeyList::Version), magic, version);
-  int32_t n = 0;
-  in.unpack(n);
-  if (n < 0 || n > in.getNRemainingBytes())
-    Message::fatal("DataServer", 0, "Bad number of keys %d with %d bytes left.", static_cast<int>(n),
-                   in.getNRemainingBytes());
-  // Copies of an attribute drop its values: they are read in place, and
-  // moved over once the list has all its keys.
-  std::list<Attribute> read;
-  for (int32_t i = 0; i < n; ++i) read.emplace_back(in);
-  in.endFrame();
-  keys.clear();
-  for (Attribute const& key : read) keys.addKey(key);
-  KeyList::iterator target = keys.begin();
-  for (Attribute& key : read) (target++)->transferData(key);
-}
-
 vUtlSort::SortOrder::SortOrderType readOrder(Packer& in) {
   return static_cast<vUtlSort::SortOrder::SortOrderType>(readInt(in));
 }
@@ -258,7 +233,7 @@ void DataServerSession::mySetReadMessage(Twin& twin, int code, Packer& in, Packe
     }
     default: {
       KeyList keys;
-      readKeys(in, keys);
+      keys.unpack(in);
       set.read(attribute, keys);
       break;
     }
@@ -297,7 +272,7 @@ void DataServerSession::mySetWriteMessage(Twin& twin, int code, Packer& in, Pack
     case ClientCode::WriteKeys: {
       Attribute const data(in);
       KeyList keys;
-      readKeys(in, keys);
+      keys.unpack(in);
       set.write(data, keys);
       return;
     }
