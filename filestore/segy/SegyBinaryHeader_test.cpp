@@ -1,0 +1,127 @@
+// The binary header: every field, in either byte order, and the three ways
+// of holding the block.
+
+#include "filestore/segy/SegyBinaryHeader.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "filestore/segy/SegyTesting.h"
+#include "foundation/TestFailure.h"
+
+namespace {
+
+std::string binaryHeaderOf(segy_testing::SegyWriter const& writer) {
+  return writer.fileHeaders().substr(SegyKernels::TEXT_HEADER_LENGTH);
+}
+
+void expectGoldenFields(SegyBinaryHeader const& h) {
+  EXPECT_EQ(1000, h.getJobIdentNumber());
+  EXPECT_EQ(1004, h.getLineNumber());
+  EXPECT_EQ(1008, h.getReelNumber());
+  EXPECT_EQ(7, h.getNumberDataTracesPerRecord());
+  EXPECT_EQ(14, h.getNumberAuxiliaryTracesPerRecord());
+  EXPECT_EQ(50000, h.getSampleInterval()) << "unsigned";
+  EXPECT_EQ(18, h.getSampleIntervalInField());
+  EXPECT_EQ(-2, h.getNumberSamplePerTrace()) << "signed";
+  EXPECT_EQ(22, h.getNumberSamplePerTraceInField());
+  EXPECT_EQ(5, h.getFormatCode());
+  EXPECT_EQ(26, h.getCdpFold());
+  EXPECT_EQ(28, h.getTraceSortingCode());
+  EXPECT_EQ(30, h.getVerticalSumCode());
+  EXPECT_EQ(32, h.getSweepFrequencyStart());
+  EXPECT_EQ(34, h.getSweepFrequencyEnd());
+  EXPECT_EQ(36, h.getSweepLength());
+  EXPECT_EQ(38, h.getSweepTypeCode());
+  EXPECT_EQ(40, h.getSweepTraceNumber());
+  EXPECT_EQ(42, h.getSweepTaperlengthStart());
+  EXPECT_EQ(44, h.getSweepTaperlengthEnd());
+  EXPECT_EQ(46, h.getSweepTaperType());
+  EXPECT_EQ(48, h.getCorrelatedDataTraces());
+  EXPECT_EQ(50, h.getBinaryGainRecovered());
+  EXPECT_EQ(52, h.getAmplitudeRecoveryMethod());
+  EXPECT_EQ(54, h.getMeasurementSystem());
+  EXPECT_EQ(56, h.getImpulseSignalPolarity());
+  EXPECT_EQ(58, h.getVibratoryPolarityCode());
+}
+
+segy_testing::SegyWriter goldenWriter(bool bigEndian) {
+  segy_testing::SegyWriter w;
+  w.bigEndian = bigEndian;
+  w.formatCode = 5;
+  w.dataTracesPerRecord = 7;
+  w.sampleInterval = 50000;
+  w.nSamples = static_cast<uint16_t>(-2);
+  return w;
+}
+
+TEST(SegyBinaryHeader, ReadsEveryFieldOfABigEndianHeader) {
+  std::string const block = binaryHeaderOf(goldenWriter(true));
+  SegyBinaryHeader header(block.data());
+  expectGoldenFields(header);
+  EXPECT_TRUE(header.isByteSwapped());
+  EXPECT_EQ(400, SegyBinaryHeader::LENGTH);
+}
+
+TEST(SegyBinaryHeader, ReadsAHeaderInThisMachinesOrderUnswapped) {
+  std::string const block = binaryHeaderOf(goldenWriter(false));
+  SegyBinaryHeader header(block.data());
+  expectGoldenFields(header);
+  EXPECT_FALSE(header.isByteSwapped());
+  // Format code 1 written in this machine's order is not taken as swapped.
+  segy_testing::SegyWriter one;
+  one.bigEndian = false;
+  std::string const ibm = binaryHeaderOf(one);
+  SegyBinaryHeader native(ibm.data());
+  EXPECT_EQ(1, native.getFormatCode());
+  EXPECT_FALSE(native.isByteSwapped());
+}
+
+TEST(SegyBinaryHeader, WorksInTheCallersBlockOrCopiesIt) {
+  std::string const file = binaryHeaderOf(goldenWriter(true));
+  // On a caller's block: swapped there, once.
+  std::string block = file;
+  {
+    SegyBinaryHeader header(&block[0]);
+    EXPECT_EQ(1004, header.getLineNumber());
+    EXPECT_NE(file, block);
+    EXPECT_EQ(1004, SegyKernels::readInt32(&block[4]));
+    EXPECT_EQ(header.getBlock(), block.data());
+    EXPECT_EQ(1004, header.getLineNumber()) << "not swapped back by a second look";
+  }
+  EXPECT_EQ(1004, SegyKernels::readInt32(&block[4])) << "the block outlives the header";
+  // From a const block: a copy, the caller's bytes untouched.
+  std::string const constant = file;
+  SegyBinaryHeader copy(constant.data());
+  EXPECT_EQ(5, copy.getFormatCode());
+  EXPECT_EQ(file, constant);
+  EXPECT_NE(copy.getBlock(), constant.data());
+  // A null block, or none: a zeroed block of its own.
+  SegyBinaryHeader own(static_cast<char*>(nullptr));
+  EXPECT_EQ(0, own.getLineNumber());
+  EXPECT_FALSE(own.isByteSwapped());
+  SegyBinaryHeader fresh;
+  EXPECT_EQ(0, fresh.getJobIdentNumber());
+}
+
+TEST(SegyBinaryHeader, AcceptsOnlyTheFormatCodesItKnows) {
+  for (int code : {1, 5, 6, 8}) {
+    segy_testing::SegyWriter w;
+    w.formatCode = code;
+    std::string const block = binaryHeaderOf(w);
+    SegyBinaryHeader header(block.data());
+    EXPECT_EQ(code, header.getFormatCode());
+  }
+  for (int code : {0, 2, 3, 4, 7, 9, 125}) {
+    segy_testing::SegyWriter w;
+    w.formatCode = code;
+    std::string const block = binaryHeaderOf(w);
+    SegyBinaryHeader header(block.data());
+    expectFailure([&] { header.getFormatCode(); }, "SegyBinaryHeader::getFormatCode",
+                  "Unexpected format code " + std::to_string(code));
+  }
+}
+
+}  // namespace
