@@ -1,0 +1,258 @@
+// The format objects: the base, the default shot format and the format
+// description files with every message of their grammar.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "attribute/AttributeDefinitionTable.h"
+#include "attribute/AttributeTranslationTable.h"
+#include "filestore/segy/SegyFormatFile.h"
+#include "filestore/segy/SegyShotFormat.h"
+#include "filestore/segy/SegyTesting.h"
+#include "foundation/TestReleaseTree.h"
+
+namespace {
+
+// The base's own knowledge.
+class PlainFormat : public SegyFormatBase {};
+
+vHandle<SegyBinaryHeader> headerWith(uint16_t nSamples, uint16_t interval) {
+  segy_testing::SegyWriter w;
+  w.nSamples = nSamples;
+  w.sampleInterval = interval;
+  std::string const block = w.fileHeaders().substr(SegyKernels::TEXT_HEADER_LENGTH);
+  return vHandle<SegyBinaryHeader>(new SegyBinaryHeader(block.data()));
+}
+
+std::vector<std::string> names(std::list<Attribute> const& list) {
+  std::vector<std::string> out;
+  for (Attribute const& a : list) out.push_back(a.getName().c_str());
+  return out;
+}
+
+TEST(SegyFormatBase, KnowsTheReelCountTheCmpAndTheSamples) {
+  PlainFormat format;
+  expectFailure([&] { format.getAttributeList(); }, "SegyFormatBase::getAttributeList",
+                "A SegyBinaryHeader is required.");
+  format.setBinaryHeader(headerWith(750, 2000));
+  std::list<Attribute> const list = format.getAttributeList();
+  EXPECT_EQ((std::vector<std::string>{"TRACE", "CMP", "SEGY.REEL.COUNT"}), names(list));
+  Attribute const& trace = list.front();
+  EXPECT_EQ(vFLOAT32, trace.getDataType());
+  EXPECT_EQ(750, trace.getLength());
+  EXPECT_EQ(2.0, trace.getSampleRate());
+  EXPECT_EQ(4, format.getAttributeOffset("SEGY.REEL.COUNT"));
+  EXPECT_EQ(20, format.getAttributeOffset("CMP"));
+  EXPECT_EQ(240, format.getAttributeOffset("TRACE"));
+  EXPECT_EQ(vINT32, format.getSegyType("CMP"));
+  EXPECT_EQ(vINT32, format.getSegyType("SEGY.REEL.COUNT"));
+  EXPECT_EQ(vFLOAT32, format.getSegyType("TRACE"));
+  expectFailure([&] { format.getAttributeOffset("FFID"); }, "SegyFormatBase::doGetAttributeOffset",
+                "Attribute FFID is not in this file.");
+  expectFailure([&] { format.getSegyType("FFID"); }, "SegyFormatBase::doGetSegyType",
+                "Attribute FFID is not in this file.");
+}
+
+TEST(SegyShotFormat, LaysOutTheShotFieldsWithTheirOddPlaces) {
+  SegyShotFormat format;
+  format.setBinaryHeader(headerWith(5, 4000));
+  std::list<Attribute> const list = format.getAttributeList();
+  EXPECT_EQ((std::vector<std::string>{"TRACE", "SEGY.REEL.COUNT", "FFID", "CHANNEL", "SHOT.UNIQUE.ID", "CMP",
+                                      "CMP_NUMBER", "SHOT.RW.X", "SHOT.RW.Y", "RCVR.RW.X", "RCVR.RW.Y", "RCVR.LINE",
+                                      "RCVR.BIN", "RCVR.UNIQUE.ID"}),
+            names(list));
+  int const offsets[] = {4, 8, 12, 16, 20, 24, 72, 76, 80, 84, 197, 201, 201};
+  int k = 0;
+  for (Attribute const& a : list) {
+    if (a.getName() == vUCString("TRACE")) {
+      EXPECT_EQ(240, format.getAttributeOffset("TRACE"));
+      EXPECT_EQ(vFLOAT32, format.getSegyType("TRACE"));
+      EXPECT_EQ(5, a.getLength());
+      EXPECT_EQ(4.0, a.getSampleRate());
+      continue;
+    }
+    EXPECT_EQ(vINT32, a.getDataType()) << a.getName().c_str();
+    EXPECT_EQ(vINT32, format.getSegyType(a.getName()));
+    EXPECT_EQ(offsets[k++], format.getAttributeOffset(a.getName())) << a.getName().c_str();
+  }
+  EXPECT_EQ(format.getAttributeOffset("RCVR.BIN"), format.getAttributeOffset("RCVR.UNIQUE.ID"));
+  expectFailure([&] { format.getAttributeOffset("CDP"); }, "SegyShotFormat::getAttrbiteOffset",
+                "Attribute CDP is not in this file.");
+  expectFailure([&] { format.getSegyType("CDP"); }, "SegyShotFormat::getSegyType",
+                "Attribute CDP is not in this file.");
+  EXPECT_TRUE(format.getKeyNames().empty());
+  EXPECT_TRUE(format.getStoreClass().isBlank());
+}
+
+// --- format description files ---------------------------------------------------------
+
+class SegyFormatFileTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    AttributeDefinitionTable::instance().dropTable();
+    tree.writeSystemFile("AttributeDefTable4.txt", segy_testing::definitions());
+    tree.writeSystemFile("KelpAttributeTranslations3.txt", segy_testing::kelpTranslations());
+    // Translation tables live for the process: read this test's again.
+    AttributeTranslationTable::instance("Kelp").reload();
+  }
+  void TearDown() override { AttributeDefinitionTable::instance().dropTable(); }
+
+  // A format loaded from text written as name.syf in the working directory.
+  vHandle<SegyFormatFile> load(std::string const& text, std::string const& name = "layout") {
+    tree.writeWorkFile(name + ".syf", text);
+    vHandle<SegyFormatFile> format(new SegyFormatFile);
+    format->setBinaryHeader(headerWith(5, 4000));
+    EXPECT_TRUE(format->loadFormat(vFilename((name + ".txt").c_str())));
+    return format;
+  }
+  void expectLoadFailure(std::string const& text, std::string const& reason) {
+    tree.writeWorkFile("bad.syf", text);
+    SegyFormatFile format;
+    format.setBinaryHeader(headerWith(5, 4000));
+    expectFailure([&] { format.loadFormat(vFilename("bad")); }, "SegyFileFormat::myLoadFormat", reason);
+  }
+
+  TestReleaseTree tree;
+};
+
+TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
+  vHandle<SegyFormatFile> format = load(
+      "# a layout of our own\n"
+      "\n"
+      "   \t \r\n"
+      "format kelp\n"
+      "STORECLASS Horizons   # trailing comment\n"
+      "StoreSubClass picks\n"
+      "KEYNAMES FFID CHAN\n"
+      "FFID     ffid   TRACE  9    int4   field record number  \n"
+      "CHAN     chan   trace  13   int4\n"
+      "REEL_TRACE rt   trace  5    int4   reel trace count\n"
+      "STATIC   st     trace  99   int2   a static # comment\n"
+      "AMP      amp    trace  101  ieee4  amplitude\n"
+      "JOBID    job    binary 1    int4   job id, no attribute\n");
+  EXPECT_EQ(std::string("kelp"), format->getFormatName().c_str());
+  EXPECT_EQ(std::string("HORIZONS"), format->getStoreClass().c_str());
+  EXPECT_EQ(std::string("PICKS"), format->getStoreSubClass().c_str());
+  // Key names through the Kelp table: FFID is the scheme's FIELD_RECORD,
+  // CHAN its CHANNEL.
+  ASSERT_EQ(2u, format->getKeyNames().size());
+  EXPECT_EQ(std::string("FIELD_RECORD"), format->getKeyNames()[0].c_str());
+  EXPECT_EQ(std::string("CHANNEL"), format->getKeyNames()[1].c_str());
+  EXPECT_EQ(std::string("layout.syf"), format->getFormatFileName().c_str());
+
+  SegyFormatSpecs const& specs = format->getSpecs();
+  ASSERT_EQ(8u, specs.entries.size()) << "six lines, CMP and TRACE added";
+  EXPECT_EQ(std::string("field record number"), specs.entries[0].description.c_str());
+  EXPECT_EQ(std::string("ffid"), specs.entries[0].alias.c_str());
+  EXPECT_EQ(8, specs.entries[0].offset);
+  EXPECT_EQ(std::string("a static"), specs.entries[3].description.c_str());
+  EXPECT_EQ(SegyFormatSpecs::BINARY, specs.entries[5].location);
+  EXPECT_TRUE(specs.entries[5].attribute.isEmpty()) << "a binary entry makes no attribute";
+  EXPECT_EQ(0u, specs.traceEntries.count(vUCString("JOBID")));
+
+  std::list<Attribute> const list = format->getAttributeList();
+  EXPECT_EQ((std::vector<std::string>{"FIELD_RECORD", "CHANNEL", "SEGY.REEL.COUNT", "STATIC", "AMP", "CMP",
+                                      "TRACE"}),
+            names(list));
+  // Translated attributes take the defined type; the file's type stays
+  // what is read.
+  EXPECT_EQ(vINT64, format->getAttributeList().front().getDataType());
+  EXPECT_EQ(vINT32, format->getSegyType("FIELD_RECORD"));
+  EXPECT_EQ(8, format->getAttributeOffset("FIELD_RECORD"));
+  EXPECT_EQ(12, format->getAttributeOffset("CHANNEL"));
+  EXPECT_EQ(4, format->getAttributeOffset("SEGY.REEL.COUNT"));
+  EXPECT_EQ(vINT16, format->getSegyType("STATIC"));
+  EXPECT_EQ(98, format->getAttributeOffset("STATIC"));
+  EXPECT_EQ(vFLOAT32, format->getSegyType("AMP"));
+  EXPECT_EQ(20, format->getAttributeOffset("CMP"));
+  EXPECT_EQ(240, format->getAttributeOffset("TRACE"));
+  EXPECT_EQ(vFLOAT32, format->getSegyType("TRACE"));
+  EXPECT_EQ(5, list.back().getLength());
+  EXPECT_EQ(4.0, list.back().getSampleRate());
+  expectFailure([&] { format->getAttributeOffset("JOBID"); }, "SegyFormatFile::doGetAttributeOffset",
+                "Attribute 'JOBID' is not defined in format file 'layout.syf'.");
+  expectFailure([&] { format->getSegyType("FFID"); }, "SegyFormatFile::doGetSegyType",
+                "Attribute 'FFID' is not defined in format file 'layout.syf'.");
+}
+
+TEST_F(SegyFormatFileTest, MapsTheKelpNamesOfDefinedAttributes) {
+  char const* const pairs[][2] = {{"REEL_TRACE", "SEGY.REEL.COUNT"}, {"CDP_X", "CMP.X"},   {"CDP_Y", "CMP.Y"},
+                                  {"SHOT_X", "SHOT.RW.X"},           {"SHOT_Y", "SHOT.RW.Y"}, {"MIDX", "MID.X"},
+                                  {"MIDY", "MID.Y"},                 {"MCDP_X", "CMP.MEAN.X"}, {"MCDP_Y", "CMP.MEAN.Y"},
+                                  {"STN_X", "RCVR.RW.X"},            {"STN_Y", "RCVR.RW.Y"}};
+  std::string text;
+  int position = 1;
+  for (auto const& pair : pairs) text += std::string(pair[0]) + " x trace " + std::to_string(position += 4) + " int4\n";
+  text += "LINE_TRACE lt trace 200 int4\nCMP cmp trace 181 int4\nTRACE tr trace 241 ieee4\n";
+  vHandle<SegyFormatFile> format = load(text);
+  position = 1;
+  for (auto const& pair : pairs) {
+    SCOPED_TRACE(pair[0]);
+    position += 4;
+    EXPECT_EQ(position - 1, format->getAttributeOffset(pair[1]));
+    EXPECT_EQ(vINT32, format->getSegyType(pair[1]));
+  }
+  std::list<Attribute> const list = format->getAttributeList();
+  EXPECT_EQ(14u, list.size()) << "CMP and TRACE of the file, none added";
+  Attribute const cmpX = *std::next(list.begin());
+  EXPECT_EQ(std::string("CMP.X"), cmpX.getName().c_str());
+  EXPECT_EQ(vFLOAT64, cmpX.getDataType()) << "the definition's type";
+  EXPECT_EQ(vINT32, std::next(list.begin(), 11)->getDataType());
+  EXPECT_EQ(std::string("LINE_TRACE"), std::next(list.begin(), 11)->getName().c_str());
+  EXPECT_EQ(180, format->getAttributeOffset("CMP"));
+  // The file's own TRACE is one value of its type.
+  EXPECT_EQ(1, list.back().getLength());
+}
+
+TEST_F(SegyFormatFileTest, RefusesEachBadLineWithItsNumber) {
+  expectLoadFailure("FORMAT CSV\n", "The FORMAT line (1) must be followed by KELP or DORN, not CSV.");
+  expectLoadFailure("# one\nFORMAT\n", "The FORMAT line (2) must be followed by KELP or DORN, not .");
+  expectLoadFailure("\n\nLONELY\n", "Error on line 3: column 1 cannot be blank.");
+  expectLoadFailure("A a header 5 int4\n", "Error on line 1: segy location must be binary or trace, not header.");
+  expectLoadFailure("A a\n", "Error on line 1: segy location must be binary or trace, not .");
+  expectLoadFailure("A a trace 5x int4\n", "Error on line 1: position must an integer, not 5x.");
+  expectLoadFailure("A a trace\n", "Error on line 1: position must an integer, not .");
+  expectLoadFailure("A a trace 5 INT4\n", "Error on line 1: Unknown format 'INT4'.");
+  expectLoadFailure("A a trace 5 float8\n", "Error on line 1: Unknown format 'float8'.");
+  expectLoadFailure("A a trace 5\n", "Error on line 1: format cannot be blank.");
+  expectLoadFailure("A a trace 5 # int4\n", "Error on line 1: format cannot be blank.");
+}
+
+TEST_F(SegyFormatFileTest, RefusesTheDornSchemeAndNeedsTheHeaderFirst) {
+  tree.writeWorkFile("dorn.syf", "FORMAT DORN\nA a trace 5 int4\n");
+  SegyFormatFile format;
+  expectFailure([&] { format.loadFormat(vFilename("dorn.syf")); }, "SegyFormatFile::loadFormat",
+                "Requires that a BinaryHeader has been supplied first.");
+  format.setBinaryHeader(headerWith(5, 4000));
+  expectFailure([&] { format.loadFormat(vFilename("dorn.syf")); }, "SegyFormatFile::local_createAttributes",
+                "dorn format specifier not impelmented yet.");
+}
+
+TEST_F(SegyFormatFileTest, FindsTheFileAsNamedOrAmongTheSystemFiles) {
+  SegyFormatFile missing;
+  missing.setBinaryHeader(headerWith(5, 4000));
+  EXPECT_FALSE(missing.loadFormat(vFilename("nowhere.syf")));
+  tree.writeSystemFile("shipped.syf", "STORECLASS shipped\n");
+  SegyFormatFile shipped;
+  shipped.setBinaryHeader(headerWith(5, 4000));
+  EXPECT_TRUE(shipped.loadFormat(vFilename("shipped.dat")));
+  EXPECT_EQ(std::string("SHIPPED"), shipped.getStoreClass().c_str());
+  // A local copy wins over the shipped one.
+  tree.writeWorkFile("shipped.syf", "STORECLASS local\n");
+  SegyFormatFile local;
+  local.setBinaryHeader(headerWith(5, 4000));
+  EXPECT_TRUE(local.loadFormat(vFilename("shipped")));
+  EXPECT_EQ(std::string("LOCAL"), local.getStoreClass().c_str());
+  EXPECT_EQ((std::vector<std::string>{"CMP", "TRACE"}), names(local.getAttributeList()));
+}
+
+TEST_F(SegyFormatFileTest, CutsOverlongLines) {
+  std::string line = "LONGNAME ln trace 17 int4 " + std::string(1100, 'd') + "\n";
+  vHandle<SegyFormatFile> format = load(line);
+  EXPECT_EQ(1023u - 26u, format->getSpecs().entries[0].description.length());
+  EXPECT_EQ(16, format->getAttributeOffset("LONGNAME"));
+}
+
+}  // namespace
