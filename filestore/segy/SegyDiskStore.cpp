@@ -1,0 +1,277 @@
+#include "filestore/segy/SegyDiskStore.h"
+
+#include <cctype>
+#include <cstring>
+#include <string>
+
+#include "attribute/AttributeDefinition.h"
+#include "attribute/ByteSwappedRecordBuffer.h"
+#include "filestore/segy/SegyFormatFile.h"
+#include "filestore/segy/SegyKernels.h"
+#include "filestore/segy/SegyShotFormat.h"
+#include "foundation/Message.h"
+#include "project/AttributeMatch.h"
+#include "project/Project.h"
+
+namespace {
+
+char const* const kNotOpen = "Segy Disk File has not been opened yet!";
+// The record file service's options for reading a SEG-Y file.
+int const kOpenOptions = 1024;
+
+bool hasExtension(vFilename const& file, char const* extension) {
+  std::string ext(file.getExtension().c_str());
+  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return ext == extension;
+}
+
+}  // namespace
+
+SegyDiskStore::SegyDiskStore() : SegyDiskStore(vHandle<Project>()) {}
+
+SegyDiskStore::SegyDiskStore(vHandle<Project> const& project)
+    : DiskStore(project),
+      m_nInstances(0),
+      m_nSamples(0),
+      m_traceLength(0),
+      m_fileSize(0),
+      m_isOpen(false) {}
+
+SegyDiskStore::~SegyDiskStore() {
+  if (m_file.isOpen()) m_file.close();
+}
+
+// --- opening and closing ------------------------------------------------------------------
+
+void SegyDiskStore::open(StoreDescription const& description) {
+  if (!description.isFlatFile())
+    Message::fatal("SegyDiskStore::open(StoreDescription)", 0, "StoreDescription must contain a flat file.");
+  vFilename const file = description.getFlatFileName();
+  vString spec = description.getFormatSpec();
+  if (spec.isBlank()) {
+    vFilename beside(file);
+    beside.setExtension("syf");
+    if (FS::exists(beside)) spec = beside.getFilename();
+  }
+  if (!spec.isBlank() && !FS::exists(vFilename(spec)))
+    Message::fatal("SegyDiskStore::open(StoreDescription)", 0, "Store format spec file '%s' doesn't exist.",
+                   spec.c_str());
+  m_formatSpec = spec;
+  open(file);
+}
+
+void SegyDiskStore::open(vFilename const& file) {
+  if (m_isOpen || m_file.isOpen()) close();
+  m_fileName = file;
+  m_formatFileName = m_formatSpec.isBlank() ? vFilename() : vFilename(m_formatSpec);
+  try {
+    m_file = FS::open(file, FS::ByteFile, kOpenOptions);
+    if (!m_file.isGood()) m_file.terminate("SegyDiskStore::open");
+    myReadHeaders();
+    if (m_formatFileName.getFilename().isBlank()) {
+      m_format = vHandle<SegyFormatBase>(new SegyShotFormat);
+      m_format->setBinaryHeader(m_binaryHeader);
+    } else {
+      SegyFormatFile* format = new SegyFormatFile;
+      m_format = vHandle<SegyFormatBase>(format);
+      m_format->setBinaryHeader(m_binaryHeader);
+      if (!format->loadFormat(m_formatFileName))
+        Message::fatal("SegyDiskStore::open", 0, "Store format spec file '%s' doesn't exist.",
+                       m_formatFileName.c_str());
+      m_formatFileName = format->getFormatFileName();
+    }
+    if (hasExtension(file, "dsegy")) m_mapper = vHandle<SegyHalcyonInstanceMapper>(new SegyHalcyonInstanceMapper);
+    m_attributes = m_format->getAttributeList();
+    for (Attribute const& attribute : m_attributes) m_attributeMap[attribute.getName()] = attribute;
+    m_nInstances = myGetNInstances();
+    myPrepareRecordBuffer();
+    m_keyList = KeyList();
+    if (!m_format->getKeyNames().empty()) {
+      for (vUCString const& name : m_format->getKeyNames()) m_keyList.addKey(AttributeDefinition::getDefinition(name));
+    } else {
+      m_keyList.addKey(m_attributeMap.at(vUCString("CMP")));
+    }
+    getIndexingTable().clearCache();
+    m_isOpen = true;
+  } catch (...) {
+    close();
+    throw;
+  }
+}
+
+void SegyDiskStore::myReadHeaders() {
+  char const* const label = "SegyDiskStore::open";
+  char block[SegyKernels::TEXT_HEADER_LENGTH];
+  long long got = m_file.read(1, block, SegyBinaryHeader::LENGTH);
+  if (got >= 4 && std::memcmp(block, "=)=)", 4) == 0) Message::fatal(label, 0, "VLR datafiles not supported yet!");
+  if (got < SegyBinaryHeader::LENGTH) {
+    m_file.clear();
+    Message::fatal(label, 0, "Only read %d bytes from header of file %s.", static_cast<int>(got), m_fileName.c_str());
+  }
+  got = m_file.read(SegyKernels::TEXT_HEADER_LENGTH + 1, block, SegyBinaryHeader::LENGTH);
+  if (got < SegyBinaryHeader::LENGTH) {
+    m_file.clear();
+    Message::fatal(label, 0, "Only read %d bytes from header of file %s.", static_cast<int>(got), m_fileName.c_str());
+  }
+  m_binaryHeader = vHandle<SegyBinaryHeader>(new SegyBinaryHeader(static_cast<char const*>(block)));
+  uint16_t const code = m_binaryHeader->getFormatCode();
+  if (code != 1 && code != 5 && code != 6)
+    Message::fatal(label, 0, "Can only read IEEE and IBM format files at present.");
+  got = m_file.read(1, block, SegyKernels::TEXT_HEADER_LENGTH);
+  if (got < SegyKernels::TEXT_HEADER_LENGTH) {
+    m_file.clear();
+    Message::fatal(label, 0, "Only read %d bytes from header of file %s.", static_cast<int>(got), m_fileName.c_str());
+  }
+  SegyKernels::ebcdicToAscii(block, block, SegyKernels::TEXT_HEADER_LENGTH);
+  m_textHeader = vString(SegyKernels::TEXT_HEADER_LENGTH, block);
+  // A negative count in the header is taken as the unsigned word it is.
+  m_nSamples = static_cast<uint16_t>(m_binaryHeader->getNumberSamplePerTrace());
+  m_traceLength = SegyKernels::traceLength(m_nSamples);
+}
+
+unsigned int SegyDiskStore::myGetNInstances() {
+  if (!m_file.isOpen()) Message::fatal("SegyDiskStore::myGetNInstances", 0, kNotOpen);
+  m_fileSize = m_file.getNRecords();
+  if (!m_file.isGood()) m_file.terminate("SegyDiskStore::myGetNInstances");
+  if (m_mapper.isEmpty()) {
+    long long expected = 0;
+    unsigned int const traces = SegyKernels::countPlainTraces(m_fileSize, m_traceLength, expected);
+    if (expected != m_fileSize)
+      Message::error("SegyDiskStore::myGetNInstances", 0,
+                     "The file '%s' is either incomplete or corrupt.\nFilesize is %s bytes but we expect %s when the "
+                     "tracelength is %d",
+                     m_fileName.c_str(), std::to_string(m_fileSize).c_str(), std::to_string(expected).c_str(),
+                     m_traceLength);
+    return traces;
+  }
+  SegyKernels::BlockCount const count = SegyKernels::countBlockedTraces(
+      m_fileSize, m_traceLength, m_binaryHeader->getNumberDataTracesPerRecord());
+  if (count.mismatch)
+    Message::error("SegyHalcyonInstanceMapper::calculateNBlocks", 0,
+                   "The file '%s' is either incomplete or corrupt.\nFilesize is %s bytes but we expect %s when the "
+                   "tracelength is %d",
+                   m_fileName.c_str(), std::to_string(m_fileSize).c_str(), std::to_string(count.expectedSize).c_str(),
+                   m_traceLength);
+  m_mapper->setLayout(count.layout);
+  return count.instances;
+}
+
+void SegyDiskStore::myPrepareRecordBuffer() {
+  if (!m_binaryHeader->isByteSwapped()) {
+    m_recordBuffer = vHandle<RecordBuffer>(new RecordBuffer(m_traceLength));
+    return;
+  }
+  ByteSwappedRecordBuffer* buffer = new ByteSwappedRecordBuffer(m_traceLength);
+  m_recordBuffer = vHandle<RecordBuffer>(buffer);
+  for (Attribute const& attribute : m_attributes)
+    buffer->setType(m_format->getAttributeOffset(attribute.getName()), m_format->getSegyType(attribute.getName()));
+  // IBM floats go through the buffer as the file has them; their own
+  // conversion knows the byte order.
+  if (m_binaryHeader->getFormatCode() == 1) buffer->setType(m_format->getAttributeOffset("TRACE"), vCHAR8);
+}
+
+void SegyDiskStore::close() {
+  if (m_file.isOpen()) {
+    m_file.clear();
+    m_file.close();
+  }
+  m_file = FS::iFile();
+  m_attributes.clear();
+  m_attributeMap.clear();
+  m_nInstances = 0;
+  m_nSamples = 0;
+  m_traceLength = 0;
+  m_fileSize = 0;
+  m_binaryHeader = vHandle<SegyBinaryHeader>();
+  m_recordBuffer = vHandle<RecordBuffer>();
+  m_keyList = KeyList();
+  m_format = vHandle<SegyFormatBase>();
+  m_mapper = vHandle<SegyHalcyonInstanceMapper>();
+  m_textHeader = vString();
+  getIndexingTable().clearCache();
+  m_isOpen = false;
+}
+
+// --- what the store holds ----------------------------------------------------------------
+
+vLCString SegyDiskStore::getName() const {
+  if (!m_isOpen) Message::fatal("SegyDiskStore::getName", 0, kNotOpen);
+  return vLCString(m_fileName.getRoot());
+}
+
+unsigned int SegyDiskStore::getNInstances() const {
+  if (!m_isOpen) Message::fatal("SegyDiskStore::getNInstances", 0, kNotOpen);
+  return m_nInstances;
+}
+
+long long SegyDiskStore::getLength() const {
+  if (!m_isOpen) Message::fatal("SegyDiskStore::getLength", 0, kNotOpen);
+  return m_fileSize;
+}
+
+Attribute const& SegyDiskStore::myDefinition(char const* label, vUCString const& name) const {
+  auto const found = m_attributeMap.find(name);
+  if (found == m_attributeMap.end())
+    Message::fatal(label, 0, "Attribute %s does not exist in file %s.", name.c_str(), getName().c_str());
+  return found->second;
+}
+
+Attribute SegyDiskStore::getAttribute(vUCString const& name) const {
+  if (!m_isOpen) Message::fatal("SegyDiskStore::getAttribute", 0, kNotOpen);
+  return myDefinition("SegyDiskStore::getAttribute", name);
+}
+
+bool SegyDiskStore::hasAttribute(vUCString const& name) const { return m_attributeMap.count(name) > 0; }
+
+std::list<Attribute> SegyDiskStore::getAttributeList() const { return m_attributes; }
+
+void SegyDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
+
+std::list<Attribute> SegyDiskStore::getAttributeList(vUCString const& text,
+                                                     AttributeMatch::AttributeMatchType match) const {
+  std::list<Attribute> list;
+  for (Attribute const& attribute : m_attributes)
+    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
+  return list;
+}
+
+vHandle<Store::AttributeSetList> SegyDiskStore::getAttributeSetList() const {
+  vHandle<AttributeSetList> names(new AttributeSetList);
+  getAttributeSetList(*names);
+  return names;
+}
+
+void SegyDiskStore::getAttributeSetList(AttributeSetList& names) const {
+  names.clear();
+  names.push_back(getName());
+}
+
+vLCString SegyDiskStore::getAttributeSetName() const { return getName(); }
+
+void SegyDiskStore::openAttributeSet(vLCString const& name) {
+  if (name.isBlank() || name == getName()) return;
+  Message::fatal("SegyDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
+                 m_fileName.c_str(), name.c_str());
+}
+
+KeyList SegyDiskStore::getKeyList() const { return m_keyList; }
+
+unsigned int SegyDiskStore::getNAttributes() const { return static_cast<unsigned int>(m_attributes.size()); }
+
+int SegyDiskStore::getVersion() const { return 1; }
+
+vLCString SegyDiskStore::getClass() const {
+  if (!m_format.isEmpty() && !m_format->getStoreClass().isBlank()) return vLCString(m_format->getStoreClass());
+  return vLCString("seismic");
+}
+
+vLCString SegyDiskStore::getSubClass() const {
+  if (!m_format.isEmpty() && !m_format->getStoreSubClass().isBlank())
+    return vLCString(m_format->getStoreSubClass());
+  return vLCString("segydisk");
+}
+
+void SegyDiskStore::addAttribute(Attribute const&) {
+  // Refused in the words of every other write of this read-only store.
+  Message::fatal("SegyDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
+}

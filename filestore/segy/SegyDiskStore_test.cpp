@@ -1,0 +1,370 @@
+// The SEG-Y store over golden files written by the test writer: every value
+// of every attribute, in each sample format and byte order, the store's
+// questions, its conversions and its failures.
+
+#include "filestore/segy/SegyDiskStore.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "attribute/AttributeDefinitionTable.h"
+#include "attribute/AttributeTranslationTable.h"
+#include "filestore/segy/SegyTesting.h"
+#include "foundation/TestReleaseTree.h"
+#include "syslayer/FSTesting.h"
+
+namespace {
+
+using segy_testing::goldenHeader;
+using segy_testing::goldenSample;
+using segy_testing::SegyWriter;
+
+class SegyStoreTest : public ::testing::Test {
+ protected:
+  std::string write(SegyWriter const& writer, unsigned int nTraces, std::string const& name = "line.sgy") {
+    std::string const path = dir / name;
+    fs_testing::writeFile(path, writer.file(nTraces));
+    return path;
+  }
+  vHandle<SegyDiskStore> openFile(std::string const& path) {
+    vHandle<SegyDiskStore> store(new SegyDiskStore);
+    store->open(vFilename(path.c_str()));
+    return store;
+  }
+
+  fs_testing::TempDir dir;
+};
+
+// Every attribute of the shot format, every trace, through range reads of
+// several sizes and list reads.
+void expectGoldenShotStore(SegyDiskStore const& store, unsigned int nTraces, unsigned int nSamples) {
+  ASSERT_EQ(nTraces, store.getNInstances());
+  Attribute trace = store.getAttribute("TRACE");
+  ASSERT_EQ(static_cast<int>(nSamples), trace.getLength());
+  for (unsigned int step : {1u, 3u, nTraces}) {
+    for (unsigned int first = 1; first <= nTraces; first += step) {
+      unsigned int const last = std::min(nTraces, first + step - 1);
+      store.read(trace, first, last);
+      ASSERT_EQ(last - first + 1, trace.getNInstances());
+      for (unsigned int i = first; i <= last; ++i)
+        for (unsigned int s = 1; s <= nSamples; ++s)
+          ASSERT_EQ(goldenSample(i, s), trace.getFloat32Pointer(i - first + 1)[s - 1]) << i << " " << s;
+    }
+  }
+  std::vector<std::string> const fields = {"SEGY.REEL.COUNT", "FFID",      "CHANNEL",   "SHOT.UNIQUE.ID",
+                                           "CMP",             "CMP_NUMBER", "SHOT.RW.X", "SHOT.RW.Y",
+                                           "RCVR.RW.X",       "RCVR.RW.Y",  "RCVR.LINE", "RCVR.BIN"};
+  for (std::size_t f = 0; f < fields.size(); ++f) {
+    SCOPED_TRACE(fields[f]);
+    int const offset = segy_testing::shotOffsets()[f];
+    Attribute a = store.getAttribute(fields[f].c_str());
+    store.read(a, 1, nTraces);
+    for (unsigned int i = 1; i <= nTraces; ++i) ASSERT_EQ(goldenHeader(i, offset), a.getInt32(i)) << i;
+    std::vector<unsigned int> list = {nTraces, 1, nTraces, 2};
+    store.read(a, list);
+    ASSERT_EQ(4u, a.getNInstances());
+    for (unsigned int k = 0; k < list.size(); ++k) EXPECT_EQ(goldenHeader(list[k], offset), a.getInt32(k + 1));
+  }
+  Attribute unique = store.getAttribute("RCVR.UNIQUE.ID");
+  store.read(unique, 2, 2);
+  EXPECT_EQ(goldenHeader(2, 201), unique.getInt32(1)) << "the same bytes as RCVR.BIN";
+  std::vector<unsigned int> const list = {nTraces, 1, 2};
+  store.read(trace, list);
+  for (unsigned int k = 0; k < list.size(); ++k)
+    for (unsigned int s = 1; s <= nSamples; ++s)
+      EXPECT_EQ(goldenSample(list[k], s), trace.getFloat32Pointer(k + 1)[s - 1]);
+}
+
+TEST_F(SegyStoreTest, ReadsGoldenFilesOfEachFormatAndByteOrder) {
+  struct Case {
+    int code;
+    bool bigEndian;
+  };
+  for (Case c : {Case{1, true}, Case{5, true}, Case{6, true}, Case{1, false}, Case{5, false}}) {
+    SCOPED_TRACE("format " + std::to_string(c.code) + (c.bigEndian ? " big-endian" : " this machine's order"));
+    SegyWriter w;
+    w.formatCode = c.code;
+    w.bigEndian = c.bigEndian;
+    w.nSamples = 7;
+    vHandle<SegyDiskStore> store = openFile(write(w, 9));
+    EXPECT_EQ(c.bigEndian, store->getBinaryHeader()->isByteSwapped());
+    expectGoldenShotStore(*store, 9, 7);
+  }
+}
+
+TEST_F(SegyStoreTest, AnswersWhatItIsAndWhatItHolds) {
+  SegyWriter w;
+  w.text = "C 1 CLIENT: GOLDEN SEISMIC (TEST) LINE 42";
+  std::string const path = write(w, 4, "north_line.SGY");
+  vHandle<SegyDiskStore> store = openFile(path);
+  EXPECT_TRUE(store->isOpen());
+  EXPECT_EQ(std::string("north_line"), store->getName().c_str());
+  EXPECT_EQ(std::string("seismic"), store->getClass().c_str());
+  EXPECT_EQ(std::string("segydisk"), store->getSubClass().c_str());
+  EXPECT_EQ(1, store->getVersion());
+  EXPECT_EQ(3600 + 4 * 260, store->getLength());
+  EXPECT_EQ(14u, store->getNAttributes());
+  EXPECT_EQ(14u, store->getAttributeList().size());
+  std::list<Attribute> filled(1, Attribute("STALE", "", vINT32));
+  store->getAttributeList(filled);
+  EXPECT_TRUE(filled == store->getAttributeList());
+  EXPECT_EQ(1u, store->getAttributeList("CMP", AttributeMatch::MATCH_CLASS).size());
+  EXPECT_TRUE(store->hasAttribute("RCVR.LINE"));
+  EXPECT_FALSE(store->hasAttribute("CDP"));
+  EXPECT_TRUE(store->getFormatFile().getFilename().isBlank());
+  // The key: CMP alone.
+  KeyList const keys = store->getKeyList();
+  ASSERT_EQ(1u, keys.getNKeys());
+  EXPECT_EQ(std::string("CMP"), keys.begin()->getName().c_str());
+  // One attribute set, named as the store.
+  Store::AttributeSetList sets;
+  store->getAttributeSetList(sets);
+  EXPECT_EQ((Store::AttributeSetList{"north_line"}), sets);
+  EXPECT_EQ((Store::AttributeSetList{"north_line"}), *store->getAttributeSetList());
+  EXPECT_EQ(std::string("north_line"), store->getAttributeSetName().c_str());
+  store->openAttributeSet("");
+  store->openAttributeSet("north_line");
+  expectFailure([&] { store->openAttributeSet("south"); }, "SegyDiskStore::openAttributeSet",
+                "File '" + path + "' does not have AttributeSet named 'south'.");
+  // The text header in ASCII, all 3200 bytes.
+  vString const text = store->getEBCDICHeaderInASCII();
+  ASSERT_EQ(3200u, text.length());
+  EXPECT_EQ(w.text, std::string(text.c_str(), w.text.size()));
+  EXPECT_EQ(std::string(3200 - w.text.size(), ' '), std::string(text.c_str() + w.text.size()));
+  expectFailure([&] { store->getAttribute("CDP"); }, "SegyDiskStore::getAttribute",
+                "Attribute CDP does not exist in file north_line.");
+  Attribute unknown("CDP", "", vINT32);
+  expectFailure([&] { store->read(unknown, 1, 1); }, "SegyDiskStore::read",
+                "Attribute CDP does not exist in file north_line.");
+  // Key and group reads come from the disk store over the list read.
+  Attribute cmp = store->getAttribute("CMP");
+  int const wanted[] = {goldenHeader(3, 20), goldenHeader(1, 20)};
+  KeyList byCmp;
+  byCmp.addKey(store->getAttribute("CMP"));
+  byCmp.begin()->copyData(2, wanted);
+  Attribute ffid = store->getAttribute("FFID");
+  store->read(ffid, byCmp);
+  ASSERT_EQ(2u, ffid.getNInstances());
+  EXPECT_EQ(goldenHeader(3, 8), ffid.getInt32(1));
+  EXPECT_EQ(goldenHeader(1, 8), ffid.getInt32(2));
+  store->read(ffid, cmp, 2, 3);
+  ASSERT_EQ(2u, ffid.getNInstances());
+  EXPECT_EQ(goldenHeader(2, 8), ffid.getInt32(1));
+  EXPECT_EQ(goldenHeader(3, 8), ffid.getInt32(2));
+}
+
+TEST_F(SegyStoreTest, ConvertsToTheTypeAskedFor) {
+  SegyWriter w;
+  w.nSamples = 3;
+  vHandle<SegyDiskStore> store = openFile(write(w, 3));
+  Attribute cmp64("CMP", "", vINT64);
+  store->read(cmp64, 1, 3);
+  EXPECT_EQ(goldenHeader(3, 20), cmp64.getInt64(3));
+  Attribute cmpDouble("CMP", "", vFLOAT64);
+  store->read(cmpDouble, std::vector<unsigned int>{3, 1});
+  EXPECT_EQ(goldenHeader(3, 20), cmpDouble.getFloat64(1));
+  EXPECT_EQ(goldenHeader(1, 20), cmpDouble.getFloat64(2));
+  Attribute cmpFloat("CMP", "", vFLOAT32);
+  store->read(cmpFloat, 2, 2);
+  EXPECT_EQ(static_cast<float>(goldenHeader(2, 20)), cmpFloat.getFloat32(1));
+  Attribute trace64("TRACE", "", vFLOAT64, 1);
+  store->read(trace64, 2, 3);
+  ASSERT_EQ(3, trace64.getLength()) << "the store's length";
+  EXPECT_EQ(goldenSample(3, 2), trace64.getFloat64Pointer(2)[1]);
+  Attribute traceInt("TRACE", "", vINT32, 3);
+  store->read(traceInt, 1, 1);
+  EXPECT_EQ(1003, traceInt.getInt32Pointer(1)[2]);
+  char const* const label = "SegyDiskFile::local_doConversion";
+  Attribute cmp16("CMP", "", vINT16);
+  expectFailure([&] { store->read(cmp16, 1, 1); }, label, "Cannot convert from Int32 to vINT16 for Attribute CMP.");
+  Attribute cmpText("CMP", "", vSTRING);
+  expectFailure([&] { store->read(cmpText, 1, 1); }, label,
+                "Cannot convert from Int32 to vSTRING for Attribute CMP.");
+  Attribute trace16("TRACE", "", vINT16, 3);
+  expectFailure([&] { store->read(trace16, 1, 1); }, label,
+                "Cannot convert from Float32 to vINT16 for Attribute TRACE.");
+}
+
+TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
+  AttributeDefinitionTable::instance().dropTable();
+  TestReleaseTree tree;
+  tree.writeSystemFile("AttributeDefTable4.txt", segy_testing::definitions());
+  tree.writeSystemFile("KelpAttributeTranslations3.txt", segy_testing::kelpTranslations());
+  AttributeTranslationTable::instance("Kelp").reload();
+  SegyWriter w;
+  w.header = [](unsigned int t, SegyWriter const& writer, unsigned char* p) {
+    writer.put16(p + 114, static_cast<int16_t>(-static_cast<int>(t)));
+    writer.putIeee(p + 120, static_cast<float>(t) / 4.0f);
+  };
+  for (bool bigEndian : {true, false}) {
+    w.bigEndian = bigEndian;
+    w.formatCode = bigEndian ? 1 : 5;
+    std::string const path = write(w, 3);
+    TestReleaseTree::write(dir / "line.syf", "STATIC st trace 115 int2\nSCALE sc trace 121 ieee4\n");
+    StoreDescription description{vFilename(path.c_str())};
+    SegyDiskStore store;
+    store.open(description);
+    EXPECT_EQ(dir / "line.syf", std::string(store.getFormatFile().c_str()));
+    Attribute a = store.getAttribute("STATIC");
+    EXPECT_EQ(vINT16, a.getDataType());
+    store.read(a, 1, 3);
+    EXPECT_EQ(-3, a.getInt16(3));
+    for (DataType type : {vINT32, vINT64, vFLOAT32, vFLOAT64}) {
+      Attribute wide("STATIC", "", type);
+      store.read(wide, 1, 3);
+      EXPECT_EQ(-2.0, wide.getValue(2)) << vUtl::dataTypeName(type).c_str();
+    }
+    Attribute scale("SCALE", "", vFLOAT32);
+    store.read(scale, 1, 3);
+    EXPECT_EQ(0.75f, scale.getFloat32(3));
+    Attribute rounded("SCALE", "", vINT32);
+    store.read(rounded, 1, 3);
+    EXPECT_EQ(1, rounded.getInt32(3)) << "0.75 rounds to 1";
+    Attribute narrow("SCALE", "", vINT16);
+    expectFailure([&] { store.read(narrow, 1, 1); }, "SegyDiskFile::local_doConversion",
+                  "Cannot convert from Float32 to vINT16 for Attribute SCALE.");
+  }
+  AttributeDefinitionTable::instance().dropTable();
+}
+
+TEST_F(SegyStoreTest, KeepsTheLastRangeReadForTheNextAttributes) {
+  SegyWriter w;
+  std::string const path = write(w, 6);
+  vHandle<SegyDiskStore> store = openFile(path);
+  Attribute trace = store->getAttribute("TRACE");
+  store->read(trace, 2, 5);
+  {
+    // From here on no byte of the file can be read.
+    fs_testing::Fault broken(path, FS_FAULT_FAILREAD, 0);
+    Attribute cmp = store->getAttribute("CMP");
+    store->read(cmp, 2, 5);
+    EXPECT_EQ(goldenHeader(5, 20), cmp.getInt32(4));
+    store->read(cmp, 3, 4);
+    EXPECT_EQ(goldenHeader(3, 20), cmp.getInt32(1));
+    store->read(cmp, std::vector<unsigned int>{5, 2, 5});
+    EXPECT_EQ(goldenHeader(2, 20), cmp.getInt32(2));
+    expectFailure([&] { store->read(cmp, 1, 2); }, "SegyDiskStore::myAllocateBuffer", "Failed to read instance 1");
+  }
+  // The failure cleared; the file reads again.
+  Attribute cmp = store->getAttribute("CMP");
+  store->read(cmp, 1, 2);
+  EXPECT_EQ(goldenHeader(1, 20), cmp.getInt32(1));
+}
+
+TEST_F(SegyStoreTest, ChecksRangesAndListsWithTheirTexts) {
+  SegyWriter w;
+  vHandle<SegyDiskStore> store = openFile(write(w, 4));
+  Attribute a = store->getAttribute("CMP");
+  char const* const label = "SegyDiskStore::read";
+  expectFailure([&] { store->read(a, 0, 2); }, label, "first instance must be >0, yours was 0");
+  expectFailure([&] { store->read(a, 3, 2); }, label, "first instance 3 must be <= last instance 2.");
+  expectFailure([&] { store->read(a, 2, 5); }, label, "last instance 5 must be <= number of instances 4.");
+  store->read(a, 3, 0);
+  EXPECT_EQ(2u, a.getNInstances()) << "a last of 0 is the last instance";
+  expectFailure([&] { store->read(a, std::vector<unsigned int>{2, 0}); }, label,
+                "Attribute 'CMP': the vInstanceList has a zero in it, coont read from instance 0.");
+  expectFailure([&] { store->read(a, std::vector<unsigned int>{2, 9}); }, label,
+                "Instance numbers must be <5, list for 'CMP' contained 9.");
+  store->read(a, std::vector<unsigned int>());
+  EXPECT_EQ(0u, a.getNInstances());
+}
+
+TEST_F(SegyStoreTest, CountsWholeTracesAndReportsAPartialOne) {
+  SegyWriter w;
+  std::string const exact = dir / "empty.sgy";
+  fs_testing::writeFile(exact, w.fileHeaders());
+  {
+    segy_testing::Recording recording;
+    vHandle<SegyDiskStore> store = openFile(exact);
+    EXPECT_EQ(0u, store->getNInstances());
+    EXPECT_TRUE(recording.errors().empty());
+  }
+  std::string const partial = dir / "partial.sgy";
+  fs_testing::writeFile(partial, w.file(3) + w.trace(4).substr(0, 100));
+  segy_testing::Recording recording;
+  vHandle<SegyDiskStore> store = openFile(partial);
+  EXPECT_EQ(3u, store->getNInstances());
+  EXPECT_EQ((std::vector<std::string>{"SegyDiskStore::myGetNInstances: The file '" + partial +
+                                      "' is either incomplete or corrupt.\nFilesize is 4480 bytes but we expect 4380 "
+                                      "when the tracelength is 260"}),
+            recording.errors());
+  expectGoldenShotStore(*store, 3, 5);
+}
+
+TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
+  char const* const label = "SegyDiskStore::open";
+  SegyWriter w;
+  w.formatCode = 8;
+  std::string const eightBit = write(w, 2);
+  SegyDiskStore store;
+  expectFailure([&] { store.open(vFilename(eightBit.c_str())); }, label,
+                "Can only read IEEE and IBM format files at present.");
+  EXPECT_FALSE(store.isOpen());
+  w.formatCode = 3;
+  std::string const sixteenBit = write(w, 2);
+  expectFailure([&] { store.open(vFilename(sixteenBit.c_str())); }, "SegyBinaryHeader::getFormatCode",
+                "Unexpected format code 3");
+  std::string const vlr = dir / "old.sgy";
+  fs_testing::writeFile(vlr, "=)=)" + std::string(5000, 'x'));
+  expectFailure([&] { store.open(vFilename(vlr.c_str())); }, label, "VLR datafiles not supported yet!");
+  std::string const tiny = dir / "tiny.sgy";
+  fs_testing::writeFile(tiny, std::string(300, '\x40'));
+  expectFailure([&] { store.open(vFilename(tiny.c_str())); }, label,
+                "Only read 300 bytes from header of file " + tiny + ".");
+  std::string const noBinary = dir / "nobinary.sgy";
+  fs_testing::writeFile(noBinary, w.fileHeaders().substr(0, 3500));
+  expectFailure([&] { store.open(vFilename(noBinary.c_str())); }, label,
+                "Only read 300 bytes from header of file " + noBinary + ".");
+  std::string const missing = dir / "missing.sgy";
+  try {
+    MessageHandling quiet;
+    store.open(vFilename(missing.c_str()));
+    ADD_FAILURE() << "opened a missing file";
+  } catch (UtlExcept const& e) {
+    EXPECT_NE(std::string::npos, std::string(e.getReason().c_str()).find(missing)) << e.getReason().c_str();
+  }
+  EXPECT_FALSE(store.isOpen());
+  // After all that, a good file opens.
+  w.formatCode = 1;
+  store.open(vFilename(write(w, 2).c_str()));
+  EXPECT_EQ(2u, store.getNInstances());
+}
+
+TEST_F(SegyStoreTest, OpensByDescriptionWithItsFormatFile) {
+  SegyWriter w;
+  std::string const path = write(w, 2);
+  SegyDiskStore store;
+  expectFailure([&] { store.open(StoreDescription(vString("kelp:server:host:project:store"))); },
+                "SegyDiskStore::open(StoreDescription)", "StoreDescription must contain a flat file.");
+  StoreDescription described{vFilename(path.c_str())};
+  described.setFormatSpec((dir / "nothere.syf").c_str());
+  expectFailure([&] { store.open(described); }, "SegyDiskStore::open(StoreDescription)",
+                "Store format spec file '" + (dir / "nothere.syf") + "' doesn't exist.");
+  // No spec and nothing beside the file: the shot format.
+  store.open(StoreDescription(vFilename(path.c_str())));
+  EXPECT_TRUE(store.hasAttribute("FFID"));
+  store.close();
+  EXPECT_FALSE(store.isOpen());
+  expectFailure([&] { store.getName(); }, "SegyDiskStore::getName", "Segy Disk File has not been opened yet!");
+  expectFailure([&] { store.getNInstances(); }, "SegyDiskStore::getNInstances",
+                "Segy Disk File has not been opened yet!");
+  EXPECT_FALSE(store.hasAttribute("FFID"));
+}
+
+TEST_F(SegyStoreTest, RefusesEveryWrite) {
+  SegyWriter w;
+  vHandle<SegyDiskStore> store = openFile(write(w, 2));
+  Attribute cmp = store->getAttribute("CMP");
+  store->read(cmp, 1, 2);
+  std::string const refused = "Function not implemented in derived class -- needs code.";
+  expectFailure([&] { store->write(cmp, 1, 2); }, "DiskStore::write", refused);
+  expectFailure([&] { store->write(cmp, std::vector<unsigned int>{1, 2}); }, "DiskStore::write", refused);
+  expectFailure([&] { store->addInstances(1); }, "DiskStore::addInstances", refused);
+  expectFailure([&] { store->addAttribute(Attribute("NEW", "", vINT32)); }, "SegyDiskStore::addAttribute", refused);
+  expectFailure([&] { store->create("x", "seismic", "", KeyList(), nullptr); }, "DiskStore::create", refused);
+  EXPECT_EQ(2u, store->getNInstances());
+}
+
+}  // namespace

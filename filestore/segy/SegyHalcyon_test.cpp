@@ -1,0 +1,134 @@
+// The blocked layout ("dsegy"): the instance mapper's spans, and golden
+// blocked files read through the store.
+
+#include "filestore/segy/SegyHalcyonInstanceMapper.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "filestore/segy/SegyDiskStore.h"
+#include "filestore/segy/SegyTesting.h"
+#include "syslayer/FSTesting.h"
+
+namespace {
+
+using segy_testing::goldenHeader;
+using segy_testing::goldenSample;
+
+TEST(SegyHalcyonInstanceMapper, CutsRangesIntoSpansInsideBlocks) {
+  SegyHalcyonInstanceMapper mapper;
+  vInstanceMapperBase::RangeList ranges;
+  vInstanceMapperBase::compressInstancesToRanges(2, 7, ranges);
+  std::vector<SegyHalcyonInstanceMapper::Span> spans;
+  expectFailure([&] { mapper.doConvert(ranges, spans); }, "SegyHalcyonInstanceMapper::doConvert",
+                "Record byte length is not set, object not properly initialised!");
+  long long const B = 2048 + 3 * 260;
+  mapper.setLayout({3, 260, B});
+  mapper.doConvert(ranges, spans);
+  ASSERT_EQ(3u, spans.size());
+  EXPECT_EQ(2u, spans[0].count);
+  EXPECT_EQ(3600 + 2048 + 260, spans[0].firstOffset);
+  EXPECT_EQ(3600 + 2048 + 2 * 260, spans[0].lastOffset);
+  EXPECT_EQ(3u, spans[1].count);
+  EXPECT_EQ(3600 + B + 2048, spans[1].firstOffset);
+  EXPECT_EQ(3600 + B + 2048 + 2 * 260, spans[1].lastOffset);
+  EXPECT_EQ(1u, spans[2].count);
+  EXPECT_EQ(3600 + 2 * B + 2048, spans[2].firstOffset);
+  EXPECT_EQ(spans[2].firstOffset, spans[2].lastOffset);
+  // Several ranges, each walked on its own.
+  spans.clear();
+  vInstanceMapperBase::RangeList two;
+  vInstanceMapperBase::compressInstancesToRanges(std::vector<unsigned int>{1, 3, 4}, two);
+  mapper.doConvert(two, spans);
+  ASSERT_EQ(3u, spans.size());
+  EXPECT_EQ(1u, spans[0].count);
+  EXPECT_EQ(1u, spans[1].count);
+  EXPECT_EQ(3600 + 2048 + 2 * 260, spans[1].firstOffset);
+  EXPECT_EQ(3600 + B + 2048, spans[2].firstOffset);
+  EXPECT_EQ((std::vector<long long>{3600 + 2048 + 2 * 260, 3600 + B + 2048}), mapper.convert(3, 4));
+  EXPECT_EQ((std::vector<long long>{3600 + B + 2048, 3600 + 2048}), mapper.convert(std::vector<unsigned int>{4, 1}));
+}
+
+class SegyBlockedTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    writer.dataTracesPerRecord = 4;  // blocks of three traces
+    writer.nSamples = 6;
+  }
+  fs_testing::TempDir dir;
+  segy_testing::SegyWriter writer;
+};
+
+TEST_F(SegyBlockedTest, ReadsEveryTraceAcrossBlocks) {
+  std::string const path = dir / "blocked.DSEGY";
+  fs_testing::writeFile(path, writer.blockedFile(4));
+  segy_testing::Recording recording;
+  SegyDiskStore store;
+  store.open(vFilename(path.c_str()));
+  EXPECT_TRUE(recording.errors().empty());
+  ASSERT_EQ(12u, store.getNInstances());
+  Attribute trace = store.getAttribute("TRACE");
+  Attribute cmp = store.getAttribute("CMP");
+  for (unsigned int first = 1; first <= 12; ++first) {
+    for (unsigned int last = first; last <= 12; last += 4) {
+      store.read(trace, first, last);
+      store.read(cmp, first, last);
+      for (unsigned int i = first; i <= last; ++i) {
+        ASSERT_EQ(goldenHeader(i, 20), cmp.getInt32(i - first + 1)) << first << "-" << last;
+        for (unsigned int s = 1; s <= 6; ++s)
+          ASSERT_EQ(goldenSample(i, s), trace.getFloat32Pointer(i - first + 1)[s - 1]);
+      }
+    }
+  }
+  // A contiguous list is a range; any other list is refused.
+  store.read(cmp, std::vector<unsigned int>{3, 4, 5});
+  EXPECT_EQ(goldenHeader(4, 20), cmp.getInt32(2));
+  expectFailure([&] { store.read(cmp, std::vector<unsigned int>{5, 3}); }, "SegyDiskStore::read",
+                "Halcyon format not supported!");
+}
+
+TEST_F(SegyBlockedTest, BlocksOfOneTraceMoreAreReadAsSuch) {
+  // Written with four traces a block although the header says four a
+  // record: the instance count stays as the header's layout gives it, the
+  // mapper reads blocks of four.
+  segy_testing::SegyWriter four = writer;
+  four.dataTracesPerRecord = 5;
+  std::string bytes = four.blockedFile(3);
+  bytes.replace(3200 + 12, 2, std::string("\0\4", 2));
+  std::string const path = dir / "grown.dsegy";
+  fs_testing::writeFile(path, bytes);
+  segy_testing::Recording recording;
+  SegyDiskStore store;
+  store.open(vFilename(path.c_str()));
+  EXPECT_TRUE(recording.errors().empty());
+  long long const size = 3600 + 3 * (2048 + 4 * 264);
+  EXPECT_EQ(static_cast<unsigned int>((size - 3600) / (2048 + 3 * 264) * 3), store.getNInstances());
+  Attribute cmp = store.getAttribute("CMP");
+  store.read(cmp, 1, 8);
+  for (unsigned int i = 1; i <= 8; ++i) EXPECT_EQ(goldenHeader(i, 20), cmp.getInt32(i));
+}
+
+TEST_F(SegyBlockedTest, AnOddSizeIsReportedAndAFailedSpanNamed) {
+  std::string const path = dir / "odd.dsegy";
+  fs_testing::writeFile(path, writer.blockedFile(2) + std::string(10, 'z'));
+  segy_testing::Recording recording;
+  SegyDiskStore store;
+  store.open(vFilename(path.c_str()));
+  long long const block = 2048 + 3 * 264;
+  EXPECT_EQ((std::vector<std::string>{"SegyHalcyonInstanceMapper::calculateNBlocks: The file '" + path +
+                                      "' is either incomplete or corrupt.\nFilesize is " +
+                                      std::to_string(3600 + 2 * block + 10) + " bytes but we expect " +
+                                      std::to_string(3600 + 2 * block) + " when the tracelength is 264"}),
+            recording.errors());
+  EXPECT_EQ(6u, store.getNInstances());
+  // The layout grew by one trace a block: the second block's first
+  // instance is read from where a block of four would put it.
+  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 3600 + 2048 + 2 * 264);
+  Attribute cmp = store.getAttribute("CMP");
+  expectFailure([&] { store.read(cmp, 1, 4); }, "SegyDiskStore::myReadHalcyonData",
+                "Failed to read 1056 bytes at position 5648 in the halcyon segy file");
+}
+
+}  // namespace
