@@ -6,6 +6,7 @@
 #include "decorator/ProfilingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
+#include "filestore/segy/SegyDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
@@ -35,6 +36,14 @@ vHandle<Store> makeInMemoryStore(vHandle<Project> const& project) {
   return vHandle<Store>(new InMemoryStore(project));
 }
 
+// A file store is built on no project and then opened on the description.
+vHandle<Store> openSegyFile(StoreDescription const& description) {
+  SegyDiskStore* store = new SegyDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -54,6 +63,7 @@ void registerRondoClasses() {
   // linked in; until then a file of their format is one that this build
   // cannot handle, and the others are reported as not available.
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
+  StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
   // The client proxies, through which the catalogs, projects and sets of a
