@@ -1,8 +1,14 @@
 #include "server/DataServerBackend.h"
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
 
+#include "filestore/memory/InMemoryStore.h"
 #include "foundation/Message.h"
+#include "foundation/Packer.h"
 #include "foundation/SystemPropertyManager.h"
 #include "foundation/vTokenizer.h"
 #include "project/AttributeSetFactory.h"
@@ -39,12 +45,45 @@ StoreDetails parseScriptedStore(vString const& entry, ProjectType::PROJECT_TYPE 
   return details;
 }
 
-void addScriptedStores(UTProject& project, ProjectType::PROJECT_TYPE type) {
+// An entry's fourth field, a packed store file, is everything after the
+// third ':', so that a file name may hold one; the entry keeps the rest.
+vString takeStoreFile(vString& entry) {
+  std::string const text = entry.c_str();
+  size_t at = std::string::npos;
+  for (int n = 0; n < 3; ++n) {
+    at = text.find(':', at == std::string::npos ? 0 : at + 1);
+    if (at == std::string::npos) return vString();
+  }
+  entry = vString(text.substr(0, at).c_str());
+  return vString(text.substr(at + 1).c_str());
+}
+
+void addScriptedStores(UTProject& project, ProjectType::PROJECT_TYPE type, std::map<vLCString, vString>& files) {
   char const* stores = std::getenv(kScripted);
   if (stores == nullptr) return;
   vTokenizer entries(vString(stores), " \t\n");
   vString entry;
-  while (entries.next(entry)) project.addStore(parseScriptedStore(entry, type));
+  while (entries.next(entry)) {
+    vString const file = takeStoreFile(entry);
+    StoreDetails const details = parseScriptedStore(entry, type);
+    project.addStore(details);
+    if (!file.isBlank()) files[details.getName()] = file;
+  }
+}
+
+// The primary set of the in-memory store packed in the file, closed.
+vHandle<AttributeSet> loadStoreFile(vHandle<Project> const& project, vLCString const& store, vString const& file) {
+  char const* const label = "DataServerBackend::setFor";
+  std::ifstream in(file.c_str(), std::ios::binary);
+  if (!in) Message::fatal(label, 0, "Store file '%s' of store %s cannot be read.", file.c_str(), store.c_str());
+  std::vector<unsigned char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (bytes.empty()) Message::fatal(label, 0, "Store file '%s' of store %s is empty.", file.c_str(), store.c_str());
+  Packer packer(static_cast<int>(bytes.size()), static_cast<unsigned char const*>(bytes.data()));
+  InMemoryStore loaded(project);
+  packer.unpack(loaded);
+  vHandle<AttributeSet> set = loaded.getAttributeSets().front();
+  set->close();
+  return set;
 }
 
 // A set is made with a class and a subclass; a store listed without one
@@ -91,7 +130,7 @@ vHandle<Project> DataServerBackend::project(vHandle<ProjectCatalog> const& catal
   vHandle<Project> made = ProjectFactory::create(catalog);
   made->open(name);
   if (UTProject* scripted = dynamic_cast<UTProject*>(made.pointer()))
-    addScriptedStores(*scripted, catalog->getProjectType());
+    addScriptedStores(*scripted, catalog->getProjectType(), m_storeFiles[name]);
   m_projects[name] = made;
   return made;
 }
@@ -113,6 +152,11 @@ vHandle<AttributeSet> DataServerBackend::setFor(vHandle<Project> const& project,
   if (!project->hasStore(store, version))
     Message::fatal("DataServerBackend::setFor", 0, "Store %s version %d is not in project %s.", store.c_str(),
                    version, project->getName().c_str());
+  auto const files = m_storeFiles.find(project->getName());
+  if (files != m_storeFiles.end()) {
+    auto const file = files->second.find(store);
+    if (file != files->second.end()) return m_sets[key] = loadStoreFile(project, store, file->second);
+  }
   StoreDetails const details = project->getStoreDetails(store, version);
   vHandle<AttributeSet> made = newSet(project);
   made->create(store, orNone(details.getClass()), orNone(details.getSubClass()), KeyList(), nullptr);

@@ -11,7 +11,12 @@
 // Projects are kept by name for the life of the process, so that every
 // twin of one project sees the same stores. A UnitTest project also lists
 // the stores scripted in RONDO_UNITTEST_STORES (blank-separated
-// "name.version[:class[:subclass]]") and every store created in it.
+// "name.version[:class[:subclass[:file]]]") and every store created in it.
+// A file, when given, is an InMemoryStore in its packed form: the store's
+// data are its primary attribute set, loaded on the store's first open,
+// class, subclass, keys, properties and all (the listed class is what the
+// project's list shows). So a UnitTest server can serve real data without
+// a file format of its own.
 //
 // Attribute sets of a UnitTest project live in memory: the set made for a
 // store is kept by project and store name, and every later open or update
@@ -58,6 +63,8 @@ class DataServerBackend {
   ProjectType::PROJECT_TYPE m_type;
   std::map<vLCString, vHandle<Project> > m_projects;
   std::map<std::pair<vLCString, vLCString>, vHandle<AttributeSet> > m_sets;
+  // The packed store files of the scripted stores, by project and store.
+  std::map<vLCString, std::map<vLCString, vString> > m_storeFiles;
 };
 
 #endif

@@ -1,0 +1,104 @@
+// Scripted UnitTest stores with data: a store of RONDO_UNITTEST_STORES that
+// names a packed store file is served, through the real data server and a
+// client attribute set, with the file's data, class, keys and properties;
+// a file that cannot be had fails the store's open with the server's words.
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "attribute/KeyList.h"
+#include "attribute/Property.h"
+#include "filestore/memory/InMemoryStore.h"
+#include "remote/ClientAttributeSet.h"
+#include "remote/ClientTesting.h"
+#include "server/UnitTestStoreFile.h"
+
+using namespace remote_testing;
+
+namespace {
+
+std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
+
+// Three picks keyed by POINT, with a float64 DEPTH and a property.
+void writePicks(std::string const& file) {
+  InMemoryStore store{vHandle<Project>()};
+  KeyList keys;
+  keys.addKey(Attribute("POINT", "POINT", vINT32));
+  store.create("picks", "mapdata", "scattered", keys, nullptr);
+  store.addAttribute(Attribute("DEPTH", "", vFLOAT64));
+  store.addInstances(3);
+  for (unsigned int i = 1; i <= 3; ++i) {
+    *store.updateAttributeAndData("POINT").getInt32Pointer(i) = static_cast<int>(7 * i);
+    *store.updateAttributeAndData("DEPTH").getFloat64Pointer(i) = 1000.0 + 0.125 * i;
+  }
+  store.addProperty(Property("SURVEY", vString("north")));
+  writeUnitTestStoreFile(store, vString(file.c_str()));
+}
+
+class UnitTestStoreFile : public ClientTest {};
+
+TEST_F(UnitTestStoreFile, AStoreWithAFileIsServedWithItsData) {
+  // A file name may hold ':' itself: everything after the third one is it.
+  std::string const file = m_dir.file("picks:v1.store");
+  writePicks(file);
+  ScopedEnv stores("RONDO_UNITTEST_STORES", ("picks.2:horizon::" + file + " plain.1:seismic:2d").c_str());
+  vHandle<Project> project = openProject(newCatalog(), "survey");
+
+  // The project lists the scripted class; the data set has the file's.
+  vHandle<Project::StoreList> listed = project->getStoreList("horizon", "");
+  ASSERT_EQ(1u, listed->size());
+  EXPECT_STREQ("picks.2", listed->front().c_str());
+
+  ClientAttributeSet set(project);
+  set.open("picks", 2, "", "", nullptr);
+  EXPECT_EQ(3u, set.getNInstances());
+  EXPECT_STREQ("mapdata", set.getClass().c_str());
+  EXPECT_STREQ("scattered", set.getSubClass().c_str());
+  KeyList const keys = set.getKeyList();
+  ASSERT_EQ(1u, keys.getNKeys());
+  EXPECT_STREQ("POINT", keys.begin()->getName().c_str());
+  ASSERT_TRUE(set.hasProperty(vUCString("SURVEY")));
+  EXPECT_STREQ("north", set.findProperty(vUCString("SURVEY"))->getString().c_str());
+
+  Attribute depth = set.getAttribute("DEPTH");
+  set.read(depth, 1, 3);
+  Attribute point = set.getAttribute("POINT");
+  set.read(point, 2, 3);
+  for (unsigned int i = 1; i <= 3; ++i) EXPECT_EQ(1000.0 + 0.125 * i, depth.getFloat64(i)) << i;
+  EXPECT_EQ(14, point.getInt32(1));
+  EXPECT_EQ(21, point.getInt32(2));
+  set.close();
+
+  // A store without a file is still made empty.
+  ClientAttributeSet plain(project);
+  plain.open("plain", 1, "", "", nullptr);
+  EXPECT_EQ(0u, plain.getNInstances());
+  EXPECT_STREQ("seismic", plain.getClass().c_str());
+}
+
+TEST_F(UnitTestStoreFile, AFileThatCannotBeHadFailsTheOpen) {
+  std::string const missing = m_dir.file("nowhere/gone.store");
+  std::string const empty = m_dir.file("empty.store");
+  std::ofstream(empty).close();
+  ScopedEnv stores("RONDO_UNITTEST_STORES",
+                   ("gone.1:seismic:2d:" + missing + " hollow.1:seismic:2d:" + empty).c_str());
+  vHandle<Project> project = openProject(newCatalog(), "survey");
+  ClientAttributeSet gone(project);
+  EXPECT_EQ(said("Store file '" + missing + "' of store gone cannot be read."),
+            fatalText([&] { gone.open("gone", 1, "", "", nullptr); }));
+  ClientAttributeSet hollow(project);
+  EXPECT_EQ(said("Store file '" + empty + "' of store hollow is empty."),
+            fatalText([&] { hollow.open("hollow", 1, "", "", nullptr); }));
+}
+
+TEST(UnitTestStoreFileWrite, AFileThatCannotBeWrittenIsFatal) {
+  InMemoryStore store{vHandle<Project>()};
+  store.create("x", "seismic", "2d", KeyList(), nullptr);
+  EXPECT_EQ("writeUnitTestStoreFile: Store file '/nonexistent-dir/x.store' cannot be written.",
+            fatalText([&] { writeUnitTestStoreFile(store, "/nonexistent-dir/x.store"); }));
+}
+
+}  // namespace
