@@ -225,6 +225,11 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
     Attribute narrow("SCALE", "", vINT16);
     expectFailure([&] { store.read(narrow, 1, 1); }, "SegyDiskFile::local_doConversion",
                   "Cannot convert from Float32 to vINT16 for Attribute SCALE.");
+    // Opened again by file name alone: the default shot format.
+    store.open(vFilename(path.c_str()));
+    EXPECT_TRUE(store.getFormatFile().getFilename().isBlank());
+    EXPECT_FALSE(store.hasAttribute("STATIC"));
+    EXPECT_TRUE(store.hasAttribute("FFID"));
   }
   AttributeDefinitionTable::instance().dropTable();
 }
