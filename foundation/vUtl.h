@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "foundation/DataType.h"
+#include "foundation/vUtlSort.h"
 
 class vString;
 
@@ -249,6 +250,21 @@ uint32_t calculateCRC(void const* data, std::size_t n, uint32_t crc = 0);
 // for an empty list.
 bool getLimits(std::vector<unsigned int> const& list, unsigned int& smallest, unsigned int& largest);
 bool getLimits(std::vector<int> const& list, int& smallest, int& largest);
+
+// --- Sorting (vUtlHeapSort.cpp) -------------------------------------------
+// In-place heap sorts that carry an index array along with the keys: no
+// memory beyond the arrays, no recursion. Not stable: equal keys leave in
+// the order the heap leaves them. n must be at least 1. Instantiated for
+// short, int, long long, float and double keys with an unsigned int index.
+//
+// Ascending by key.
+template <class T, class Index>
+void heapSort(int n, T* keys, Index* index);
+// By key1 in order1, ties by key2 in order2. An order other than ASCENDING
+// or DESCENDING in either place leaves the arrays as they are.
+template <class K1, class K2, class Index>
+void heapSort2Key(int n, K1* key1, K2* key2, Index* index, vUtlSort::SortOrder::SortOrderType order1,
+                  vUtlSort::SortOrder::SortOrderType order2);
 
 }  // namespace vUtl
 

@@ -1,0 +1,156 @@
+// The heap sorts: orders, the index moved with the keys, the exact fate of
+// ties, both keys in every pair of directions, and every key type pair.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "foundation/vUtl.h"
+
+namespace {
+
+typedef vUtlSort::SortOrder S;
+
+std::vector<unsigned int> iota(int n) {
+  std::vector<unsigned int> index;
+  for (int i = 1; i <= n; ++i) index.push_back(static_cast<unsigned int>(i));
+  return index;
+}
+
+TEST(HeapSort, SortsAscendingAndCarriesTheIndex) {
+  std::vector<int> keys = {3, 1, 2};
+  std::vector<unsigned int> index = iota(3);
+  vUtl::heapSort<int, unsigned int>(3, keys.data(), index.data());
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), keys);
+  EXPECT_EQ((std::vector<unsigned int>{2, 3, 1}), index);
+
+  std::mt19937 random(7);
+  std::vector<double> many(5000);
+  for (double& v : many) v = std::uniform_real_distribution<double>(-1e6, 1e6)(random);
+  std::vector<double> original = many;
+  index = iota(5000);
+  vUtl::heapSort<double, unsigned int>(5000, many.data(), index.data());
+  EXPECT_TRUE(std::is_sorted(many.begin(), many.end()));
+  for (int i = 0; i < 5000; ++i) ASSERT_EQ(original[index[i] - 1], many[i]) << i;
+  std::vector<unsigned int> sorted = index;
+  std::sort(sorted.begin(), sorted.end());
+  EXPECT_EQ(iota(5000), sorted);
+}
+
+TEST(HeapSort, TiesLeaveAsTheHeapLeavesThem) {
+  // Two equal keys: the retire phase swaps them, so the sort is not stable.
+  std::vector<short> keys = {5, 5};
+  std::vector<unsigned int> index = iota(2);
+  vUtl::heapSort<short, unsigned int>(2, keys.data(), index.data());
+  EXPECT_EQ((std::vector<unsigned int>{2, 1}), index);
+  // Four equal keys: the build moves nothing, each retire rotates the top.
+  std::vector<long long> four = {9, 9, 9, 9};
+  index = iota(4);
+  vUtl::heapSort<long long, unsigned int>(4, four.data(), index.data());
+  EXPECT_EQ((std::vector<unsigned int>{2, 3, 4, 1}), index);
+  // One element, nothing to do.
+  float one = 1.5f;
+  unsigned int oneIndex = 7;
+  vUtl::heapSort<float, unsigned int>(1, &one, &oneIndex);
+  EXPECT_EQ(7u, oneIndex);
+}
+
+TEST(HeapSort, TwoKeysInEachPairOfDirections) {
+  struct Case {
+    S::SortOrderType order1, order2;
+    std::vector<unsigned int> expected;
+  };
+  // Pairs (1,1) (1,2) (0,5).
+  std::vector<Case> cases = {{S::ASCENDING, S::DESCENDING, {3, 2, 1}},
+                             {S::ASCENDING, S::ASCENDING, {3, 1, 2}},
+                             {S::DESCENDING, S::ASCENDING, {1, 2, 3}},
+                             {S::DESCENDING, S::DESCENDING, {2, 1, 3}}};
+  for (Case const& c : cases) {
+    std::vector<int> key1 = {1, 1, 0};
+    std::vector<double> key2 = {1, 2, 5};
+    std::vector<unsigned int> index = iota(3);
+    vUtl::heapSort2Key<int, double, unsigned int>(3, key1.data(), key2.data(), index.data(), c.order1, c.order2);
+    EXPECT_EQ(c.expected, index) << c.order1 << " " << c.order2;
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(std::vector<int>({1, 1, 0})[index[i] - 1], key1[i]);
+      EXPECT_EQ(std::vector<double>({1, 2, 5})[index[i] - 1], key2[i]);
+    }
+  }
+}
+
+TEST(HeapSort, AnOrderOutsideTheTwoLeavesEverything) {
+  std::vector<float> key1 = {3, 1, 2};
+  std::vector<short> key2 = {1, 2, 3};
+  std::vector<unsigned int> index = iota(3);
+  vUtl::heapSort2Key<float, short, unsigned int>(3, key1.data(), key2.data(), index.data(),
+                                                 static_cast<S::SortOrderType>(0), S::ASCENDING);
+  vUtl::heapSort2Key<float, short, unsigned int>(3, key1.data(), key2.data(), index.data(), S::ASCENDING,
+                                                 static_cast<S::SortOrderType>(2));
+  EXPECT_EQ((std::vector<float>{3, 1, 2}), key1);
+  EXPECT_EQ((std::vector<short>{1, 2, 3}), key2);
+  EXPECT_EQ(iota(3), index);
+}
+
+// Many random pairs against an ordering of the same pairs by std::sort:
+// the keys must come out in the combined order, with the index faithful.
+template <class K1, class K2>
+void checkPairs(S::SortOrderType order1, S::SortOrderType order2) {
+  std::mt19937 random(11);
+  int const n = 3000;
+  std::vector<K1> key1(n);
+  std::vector<K2> key2(n);
+  for (int i = 0; i < n; ++i) {
+    key1[i] = static_cast<K1>(random() % 40);
+    key2[i] = static_cast<K2>(random() % 1000);
+  }
+  std::vector<K1> a = key1;
+  std::vector<K2> b = key2;
+  std::vector<unsigned int> index = iota(n);
+  vUtl::heapSort2Key<K1, K2, unsigned int>(n, a.data(), b.data(), index.data(), order1, order2);
+  for (int i = 0; i < n; ++i) {
+    ASSERT_EQ(key1[index[i] - 1], a[i]);
+    ASSERT_EQ(key2[index[i] - 1], b[i]);
+    if (i == 0) continue;
+    if (a[i - 1] != a[i]) {
+      ASSERT_EQ(order1 == S::ASCENDING, a[i - 1] < a[i]) << i;
+    } else if (b[i - 1] != b[i]) {
+      ASSERT_EQ(order2 == S::ASCENDING, b[i - 1] < b[i]) << i;
+    }
+  }
+}
+
+template <class K1>
+void checkRow() {
+  checkPairs<K1, short>(S::ASCENDING, S::DESCENDING);
+  checkPairs<K1, int>(S::DESCENDING, S::ASCENDING);
+  checkPairs<K1, long long>(S::ASCENDING, S::ASCENDING);
+  checkPairs<K1, float>(S::DESCENDING, S::DESCENDING);
+  checkPairs<K1, double>(S::ASCENDING, S::DESCENDING);
+}
+
+TEST(HeapSort, EveryPairOfKeyTypes) {
+  checkRow<short>();
+  checkRow<int>();
+  checkRow<long long>();
+  checkRow<float>();
+  checkRow<double>();
+}
+
+TEST(HeapSort, NaNKeysDoNotBreakTheSort) {
+  double const nan = std::numeric_limits<double>::quiet_NaN();
+  std::vector<double> keys = {2, nan, 1, nan, 3};
+  std::vector<unsigned int> index = iota(5);
+  vUtl::heapSort<double, unsigned int>(5, keys.data(), index.data());
+  std::vector<unsigned int> sorted = index;
+  std::sort(sorted.begin(), sorted.end());
+  EXPECT_EQ(iota(5), sorted);
+  int nans = 0;
+  for (double v : keys) nans += std::isnan(v) ? 1 : 0;
+  EXPECT_EQ(2, nans);
+}
+
+}  // namespace
