@@ -91,8 +91,10 @@ class SegyDiskStore : public DiskStore {
   void myReadHalcyonData(unsigned int first, unsigned int last) const;
   // The store's definition of an attribute, fatal when it has none.
   Attribute const& myDefinition(char const* label, vUCString const& name) const;
-  // One file read, fatal with the instance when it comes short.
-  void myReadTraces(unsigned char* target, long long offset, long long count, unsigned int instance) const;
+  // One file read, fatal with the instance when it comes short, labelled
+  // by the caller.
+  void myReadTraces(char const* label, unsigned char* target, long long offset, long long count,
+                    unsigned int instance) const;
   // Cuts an attribute's values out of the buffer for the instances of a
   // range (list null) or list, and converts them.
   void myExtract(Attribute& attribute, unsigned int first, unsigned int count,

@@ -85,13 +85,13 @@ void SegyDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& 
 
 // --- filling the buffer ------------------------------------------------------------------
 
-void SegyDiskStore::myReadTraces(unsigned char* target, long long offset, long long count,
+void SegyDiskStore::myReadTraces(char const* label, unsigned char* target, long long offset, long long count,
                                  unsigned int instance) const {
   long long const got = m_file.read(offset + 1, target, count);
   if (got != count || !m_file.isGood()) {
     m_file.clear();
     m_recordBuffer->empty();
-    Message::fatal("SegyDiskStore::myAllocateBuffer", 0, "Failed to read instance %lld",
+    Message::fatal(label, 0, "Failed to read instance %lld",
                    static_cast<long long>(instance));
   }
 }
@@ -108,7 +108,8 @@ void SegyDiskStore::myAllocateBufferRange(unsigned int first, unsigned int last)
       SegyKernels::FILE_HEADER_LENGTH + static_cast<long long>(first - 1) * static_cast<long long>(m_traceLength);
   long long const count = static_cast<long long>(last - first + 1) * m_traceLength;
   try {
-    myReadTraces(static_cast<unsigned char*>(buffer.getBuffer(first, 0)), offset, count, first);
+    myReadTraces("SegyDiskStore::myAllocateBufferRange", static_cast<unsigned char*>(buffer.getBuffer(first, 0)),
+                 offset, count, first);
   } catch (...) {
     buffer.empty();
     throw;
@@ -129,7 +130,8 @@ void SegyDiskStore::myAllocateBufferList(std::vector<unsigned int> const& instan
     while (end < sorted.size() && sorted[end] == sorted[end - 1] + 1) ++end;
     long long const offset = SegyKernels::FILE_HEADER_LENGTH +
                              static_cast<long long>(sorted[k] - 1) * static_cast<long long>(m_traceLength);
-    myReadTraces(static_cast<unsigned char*>(buffer.getBuffer(sorted[k], 0)), offset,
+    myReadTraces("SegyDiskStore::myAllocateBufferList", static_cast<unsigned char*>(buffer.getBuffer(sorted[k], 0)),
+                 offset,
                  static_cast<long long>(end - k) * m_traceLength, sorted[k]);
     k = end;
   }

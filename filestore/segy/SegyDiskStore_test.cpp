@@ -250,7 +250,7 @@ TEST_F(SegyStoreTest, KeepsTheLastRangeReadForTheNextAttributes) {
     EXPECT_EQ(goldenHeader(3, 20), cmp.getInt32(1));
     store->read(cmp, std::vector<unsigned int>{5, 2, 5});
     EXPECT_EQ(goldenHeader(2, 20), cmp.getInt32(2));
-    expectFailure([&] { store->read(cmp, 1, 2); }, "SegyDiskStore::myAllocateBuffer", "Failed to read instance 1");
+    expectFailure([&] { store->read(cmp, 1, 2); }, "SegyDiskStore::myAllocateBufferRange", "Failed to read instance 1");
   }
   // The failure cleared; the file reads again.
   Attribute cmp = store->getAttribute("CMP");

@@ -51,9 +51,10 @@ TEST_F(SegyFaultTest, AFailedTraceReadNamesTheFirstInstanceAndClears) {
   {
     // Trace 4 cannot be read.
     fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 3600 + 3 * 280 + 100);
-    expectFailure([&] { store.read(cmp, 2, 6); }, "SegyDiskStore::myAllocateBuffer", "Failed to read instance 2");
+    expectFailure([&] { store.read(cmp, 2, 6); }, "SegyDiskStore::myAllocateBufferRange", "Failed to read instance 2");
     // A list read goes by runs of neighbours: the run from 4 fails.
-    expectFailure([&] { store.read(cmp, std::vector<unsigned int>{8, 1, 4, 5}); }, "SegyDiskStore::myAllocateBuffer",
+    expectFailure([&] { store.read(cmp, std::vector<unsigned int>{8, 1, 4, 5}); },
+                  "SegyDiskStore::myAllocateBufferList",
                   "Failed to read instance 4");
     // What lies before the fault still reads.
     store.read(cmp, std::vector<unsigned int>{3, 1});
