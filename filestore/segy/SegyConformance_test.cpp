@@ -21,14 +21,15 @@ namespace {
 // own that stays for the run, read again for each store in case another
 // test read its own in between.
 void installVocabulary() {
-  static TestReleaseTree* tree = nullptr;
-  if (tree == nullptr) {
-    tree = new TestReleaseTree;
-    tree->writeSystemFile("AttributeDefTable4.txt", "CDP vInt32 1\nOFFSET vInt32 1\n");
-    tree->writeSystemFile("KelpAttributeTranslations3.txt",
-                          "CDP capi(null()) dorn:(null()) CDP vInt32 1\n"
-                          "OFFSET capi(null()) dorn:(null()) OFFSET vInt32 1\n");
-  }
+  static TestReleaseTree tree;
+  static bool const written = [] {
+    tree.writeSystemFile("AttributeDefTable4.txt", "CDP vInt32 1\nOFFSET vInt32 1\n");
+    tree.writeSystemFile("KelpAttributeTranslations3.txt",
+                         "CDP capi(null()) dorn:(null()) CDP vInt32 1\n"
+                         "OFFSET capi(null()) dorn:(null()) OFFSET vInt32 1\n");
+    return true;
+  }();
+  (void)written;
   AttributeDefinitionTable::instance().dropTable();
   AttributeTranslationTable::instance("Kelp").reload();
 }

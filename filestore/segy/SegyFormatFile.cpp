@@ -139,13 +139,12 @@ void SegyFormatFile::myParseLine(int lineNumber, vString const& text) {
   } else {
     std::vector<std::string> fields(words);
     fields.resize(6);
-    std::string rest = words.size() > 5 ? stripped(line.substr(ends[4])) : std::string();
-    fields[5] = rest;
-    myParseAttributeLine(lineNumber, fields, line);
+    fields[5] = words.size() > 5 ? stripped(line.substr(ends[4])) : std::string();
+    myParseAttributeLine(lineNumber, fields);
   }
 }
 
-void SegyFormatFile::myParseAttributeLine(int lineNumber, std::vector<std::string> const& words, std::string const&) {
+void SegyFormatFile::myParseAttributeLine(int lineNumber, std::vector<std::string> const& words) {
   if (words[0].empty()) Message::fatal(kLoadLabel, 0, "Error on line %d: column 2 cannot be blank.", lineNumber);
   if (words[1].empty()) Message::fatal(kLoadLabel, 0, "Error on line %d: column 1 cannot be blank.", lineNumber);
   SegyFormatSpecs::Entry entry;

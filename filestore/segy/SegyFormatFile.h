@@ -54,7 +54,9 @@ class SegyFormatFile : public SegyFormatBase {
 
  private:
   void myParseLine(int lineNumber, vString const& line);
-  void myParseAttributeLine(int lineNumber, std::vector<std::string> const& words, std::string const& line);
+  // The words of an attribute line: name, alias, location, position,
+  // format, and the rest of the line as the sixth.
+  void myParseAttributeLine(int lineNumber, std::vector<std::string> const& words);
   // The attribute that a trace entry stands for.
   Attribute myKelpAttribute(SegyFormatSpecs::Entry const& entry) const;
   bool myDefines(char const* name) const;
