@@ -1,0 +1,5 @@
+#include "native/StoreClassReader.h"
+
+StoreClassReader::StoreClassReader(vHandle<Store> const& store) : m_store(store) {}
+
+StoreClassReader::~StoreClassReader() {}
