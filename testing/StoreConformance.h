@@ -145,6 +145,10 @@ struct StoreConformanceCase {
   bool hasKeyList = true;
   // Whether the store keeps attribute classes.
   bool hasClasses = true;
+  // Tests of the suite (by name, such as "ReadsBySelectorGroups") that do
+  // not apply to this store, for a view that refuses a whole form of read
+  // by design; they are skipped, not failed.
+  std::vector<std::string> notApplicable;
   StoreConformanceTexts texts;
 };
 

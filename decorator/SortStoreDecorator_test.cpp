@@ -1,0 +1,304 @@
+// The sort view: orders by one and two keys in both directions, the fate
+// of ties, its key list, refusals with their texts, laziness and the reads
+// it makes below, stacked on and under other views, and the shared
+// conformance suite over shuffled stores that the sort puts back in order.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "decorator/JoinTesting.h"
+#include "decorator/SortStoreDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+
+using namespace join_testing;
+
+namespace {
+
+typedef vUtlSort::SortOrder S;
+
+vHandle<Store> sorted(vHandle<Store> const& store, std::vector<std::pair<char const*, S::SortOrderType>> keys,
+                      vHandle<SortStoreDecorator>* out = nullptr) {
+  vHandle<SortStoreDecorator> view;
+  vHandle<Store> result = StoreDecoratorFactory::addSort(store, view);
+  for (auto const& key : keys) view->addSortKey(key.first, key.second);
+  if (out) *out = view;
+  return result;
+}
+
+// KEY 3 1 2 with ID 1 2 3.
+vHandle<Store> threeOneTwo() {
+  return simpleStore("three", {"KEY"}, {column("KEY", vINT32, {3, 1, 2}), column("ID", vINT32, {1, 2, 3})});
+}
+
+TEST(SortStoreDecorator, OneKeyInBothDirections) {
+  EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*sorted(threeOneTwo(), {{"KEY", S::ASCENDING}}), "ID"));
+  EXPECT_EQ((std::vector<double>{1, 3, 2}), all(*sorted(threeOneTwo(), {{"KEY", S::DESCENDING}}), "ID"));
+  EXPECT_EQ((std::vector<double>{3, 2, 1}), all(*sorted(threeOneTwo(), {{"KEY", S::DESCENDING}}), "KEY"));
+}
+
+TEST(SortStoreDecorator, TwoKeysFirstAscendingSecondDescending) {
+  vHandle<Store> store = simpleStore("pairs", {"A"},
+                                     {column("A", vINT16, {1, 1, 0}), column("B", vFLOAT64, {1, 2, 5}),
+                                      column("ID", vINT32, {1, 2, 3})});
+  vHandle<Store> view = sorted(store, {{"A", S::ASCENDING}, {"B", S::DESCENDING}});
+  EXPECT_EQ((std::vector<double>{3, 2, 1}), all(*view, "ID"));
+  EXPECT_EQ((std::vector<double>{5, 2, 1}), all(*view, "B"));
+}
+
+// A descending key is the ascending order mirrored, ties included: two
+// equal keys come out swapped ascending and in store order descending.
+TEST(SortStoreDecorator, DescendingMirrorsTheTies) {
+  auto store = [] { return simpleStore("ties", {"K"}, {column("K", vINT64, {5, 5}), column("ID", vINT32, {1, 2})}); };
+  EXPECT_EQ((std::vector<double>{2, 1}), all(*sorted(store(), {{"K", S::ASCENDING}}), "ID"));
+  EXPECT_EQ((std::vector<double>{1, 2}), all(*sorted(store(), {{"K", S::DESCENDING}}), "ID"));
+}
+
+TEST(SortStoreDecorator, KeyListIsTheSortKeysInTheirOrder) {
+  vHandle<SortStoreDecorator> view;
+  vHandle<Store> store = sorted(referenceStore(), {{"OFFSET", S::DESCENDING}, {"ELEV", S::ASCENDING}}, &view);
+  KeyList keys = store->getKeyList();
+  ASSERT_EQ(2u, keys.getNKeys());
+  EXPECT_STREQ("OFFSET", keys.findName(1).c_str());
+  EXPECT_STREQ("ELEV", keys.findName(2).c_str());
+  KeyList filled;
+  store->getKeyList(filled);
+  EXPECT_TRUE(filled == keys);
+  EXPECT_EQ(12u, store->getNInstances());
+  // OFFSET 300 first, within it ELEV ascending: reference 3 6 9 12.
+  Attribute elev = store->getAttribute("ELEV");
+  store->read(elev, 1, 4);
+  EXPECT_EQ((std::vector<double>{1001.5, 1003, 1004.5, 1006}), valuesOf(elev));
+}
+
+TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
+  vHandle<SortStoreDecorator> view;
+  StoreDecoratorFactory::addSort(referenceStore(), view);
+  view->addSortKey("CDP", S::ASCENDING);
+  view->addSortKey("OFFSET", S::ASCENDING);
+  expectFailure([&] { view->addSortKey("ELEV", S::ASCENDING); }, "SortStoreDecorator::addSortKey",
+                "Only two keys are allowed now.");
+  EXPECT_EQ(2u, view->getKeyList().getNKeys());
+
+  vHandle<SortStoreDecorator> bare;
+  StoreDecoratorFactory::addSort(referenceStore(), bare);
+  Attribute cdp = bare->getAttribute("CDP");
+  expectFailure([&] { bare->read(cdp, 1, 3); }, "SortStoreDecorator::mySetupRead", "Need code to sort on 0 keys.");
+}
+
+TEST(SortStoreDecorator, RefusesKeysThatCannotBeSortedAtTheFirstRead) {
+  auto store = [] {
+    return simpleStore("texts", {"K"}, {column("K", vINT32, {2, 1}), column("NAME", vSTRING, {1, 2})});
+  };
+  vHandle<SortStoreDecorator> one;
+  StoreDecoratorFactory::addSort(store(), one);
+  one->addSortKey("NAME", S::ASCENDING);  // accepted here
+  Attribute k = one->getAttribute("K");
+  expectFailure([&] { one->read(k, 1, 2); }, "SortStoreDecorator::local_1keysort",
+                "Unable to sort Attribute NAME of type vSTRING.");
+
+  vHandle<SortStoreDecorator> primary;
+  StoreDecoratorFactory::addSort(store(), primary);
+  primary->addSortKey("NAME", S::ASCENDING);
+  primary->addSortKey("K", S::ASCENDING);
+  expectFailure([&] { primary->read(k, 1, 2); }, "SortStoreDecorator::local_2keysort",
+                "Unable to sort Attribute NAME of type vSTRING. Primary type is vSTRING");
+
+  vHandle<SortStoreDecorator> secondary;
+  StoreDecoratorFactory::addSort(store(), secondary);
+  secondary->addSortKey("K", S::DESCENDING);
+  secondary->addSortKey("NAME", S::ASCENDING);
+  expectFailure([&] { secondary->read(k, 1, 2); }, "SortStoreDecorator::local_2keysort",
+                "Unable to sort secondary Attribute NAME of type vSTRING. Primary type is vINT32");
+}
+
+TEST(SortStoreDecorator, RefusesWritesWithItsOwnLabels) {
+  vHandle<Store> view = sorted(referenceStore(true), {{"CDP", S::ASCENDING}});
+  Attribute cdp = StoreConformance::referenceAttribute("CDP");
+  char const* text = "Has not been written yet.";
+  expectFailure([&] { view->write(cdp, 1, 12); }, "SortStoreDecorator::write(range)", text);
+  expectFailure([&] { view->write(cdp, std::vector<unsigned int>{1}); }, "SortStoreDecorator::write(list)", text);
+  expectFailure([&] { view->write(cdp, cdp, 1, 1); }, "SortStoreDecorator::write(groups)", text);
+  expectFailure([&] { view->write(cdp, KeyList()); }, "SortStoreDecorator::write(keys)", text);
+  expectFailure([&] { view->addAttribute(Attribute("NEW", "", vINT32)); }, "SortStoreDecorator::addAttribute", text);
+  expectFailure([&] { view->addInstances(1); }, "SortStoreDecorator::addInstances", text);
+}
+
+TEST(SortStoreDecorator, OneInstanceAndAnEmptyStore) {
+  vHandle<Store> one =
+      sorted(simpleStore("one", {"K"}, {column("K", vFLOAT32, {4}), column("ID", vINT32, {9})}), {{"K", S::ASCENDING}});
+  EXPECT_EQ((std::vector<double>{9}), all(*one, "ID"));
+
+  vHandle<SortStoreDecorator> view;
+  vHandle<Store> empty = sorted(simpleStore("none", {"K"}, {column("K", vINT32, {}), column("ID", vINT32, {})}),
+                                {{"K", S::ASCENDING}}, &view);
+  EXPECT_EQ(0u, empty->getNInstances());
+  Attribute id = empty->getAttribute("ID");
+  empty->read(id, std::vector<unsigned int>());
+  EXPECT_EQ(0u, id.getNInstances());
+  EXPECT_TRUE(view->getIndex().empty());
+  expectFailure([&] { empty->read(id, 1, 1); }, "SortStoreDecorator::read(range)",
+                "last instance 1 must be <= number of instances 0.");
+}
+
+TEST(SortStoreDecorator, RefusesInstancesOutsideTheView) {
+  vHandle<Store> view = sorted(threeOneTwo(), {{"KEY", S::ASCENDING}});
+  Attribute id = view->getAttribute("ID");
+  expectFailure([&] { view->read(id, 0, 2); }, "SortStoreDecorator::read(range)",
+                "first instance must be >0, yours was 0");
+  expectFailure([&] { view->read(id, 2, 4); }, "SortStoreDecorator::read(range)",
+                "last instance 4 must be <= number of instances 3.");
+  expectFailure([&] { view->read(id, 3, 2); }, "SortStoreDecorator::read(range)",
+                "first instance 3 must be <= last instance 2.");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{1, 0}); }, "SortStoreDecorator::read(list)",
+                "Attribute 'ID': the vInstanceList has a zero in it, coont read from instance 0.");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{4}); }, "SortStoreDecorator::read(list)",
+                "Instance numbers must be <4, list for 'ID' contained 4.");
+  // A last of 0 reads to the end.
+  view->read(id, 2, 0);
+  EXPECT_EQ((std::vector<double>{3, 1}), valuesOf(id));
+}
+
+// Keys are gathered once, in blocks of 1024, each block one range read
+// per key; every read of the view is then one list read below, and a key
+// added later changes the key list but not the order.
+TEST(SortStoreDecorator, GathersKeysOnceInBlocksAndReadsOneListPerRead) {
+  unsigned int const n = 2500;
+  std::vector<double> key(n), id(n);
+  for (unsigned int i = 0; i < n; ++i) {
+    key[i] = static_cast<double>((i * 7919) % n);
+    id[i] = i + 1;
+  }
+  ObservedStore* observed = new ObservedStore(joinShelf("many", {"KEY"}, {SetContent{"", {column("KEY", vINT32, key),
+                                                                                       column("ID", vINT32, id)}}}));
+  vHandle<Store> below(observed);
+  below->open("many", 0, "seismic", "3d", nullptr);
+  vHandle<SortStoreDecorator> view;
+  vHandle<Store> store = sorted(below, {{"KEY", S::DESCENDING}, {"ID", S::ASCENDING}}, &view);
+  EXPECT_EQ(0, observed->rangeReads) << "nothing is read before the first read";
+
+  Attribute a = store->getAttribute("KEY");
+  store->read(a, 1, n);
+  EXPECT_EQ(6, observed->rangeReads) << "three blocks of each of two keys";
+  ASSERT_EQ(1u, observed->lists.size());
+  for (unsigned int i = 1; i <= n; ++i) ASSERT_EQ(static_cast<double>(n - i), a.getValue(i)) << i;
+
+  store->read(a, 5, 9);
+  store->read(a, 5, 9);
+  store->read(a, std::vector<unsigned int>{9, 1, 2500});
+  EXPECT_EQ(6, observed->rangeReads) << "keys are not read again";
+  ASSERT_EQ(4u, observed->lists.size());
+  EXPECT_EQ((std::vector<unsigned int>(view->getIndex().begin() + 4, view->getIndex().begin() + 9)),
+            observed->lists[2]);
+  EXPECT_EQ((std::vector<double>{2491, 2499, 0}), valuesOf(a));
+
+  // The primary key's groups as the store below has them.
+  EXPECT_EQ(n, view->getNGroups());
+  EXPECT_EQ(n, view->getGroupSizes().size());
+  EXPECT_EQ(0.0, view->getGroupAttribute()->getValue(1));
+}
+
+TEST(SortStoreDecorator, AKeyAfterTheFirstReadDoesNotResort) {
+  vHandle<SortStoreDecorator> view;
+  vHandle<Store> store = StoreDecoratorFactory::addSort(threeOneTwo(), view);
+  view->addSortKey("KEY", S::ASCENDING);
+  EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*store, "ID"));
+  view->addSortKey("ID", S::DESCENDING);
+  EXPECT_EQ(2u, store->getKeyList().getNKeys());
+  EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*store, "ID"));
+}
+
+// A million instances: one pass of block reads over the keys, the order
+// right for every instance.
+TEST(SortStoreDecorator, SortsAMillionInstances) {
+  unsigned int const n = 1000000;
+  std::mt19937 random(5);
+  std::vector<double> line(n), trace(n);
+  for (unsigned int i = 0; i < n; ++i) {
+    line[i] = static_cast<double>(random() % 1000);
+    trace[i] = static_cast<double>(random() % 100000);
+  }
+  ObservedStore* observed = new ObservedStore(joinShelf(
+      "big", {"LINE"}, {SetContent{"", {column("LINE", vINT32, line), column("TRACE", vFLOAT64, trace)}}}));
+  vHandle<Store> below(observed);
+  below->open("big", 0, "seismic", "3d", nullptr);
+  vHandle<SortStoreDecorator> view;
+  vHandle<Store> store = sorted(below, {{"LINE", S::ASCENDING}, {"TRACE", S::DESCENDING}}, &view);
+  Attribute l = store->getAttribute("LINE");
+  Attribute t = store->getAttribute("TRACE");
+  store->read(l, 1, n);
+  store->read(t, 1, n);
+  EXPECT_EQ(2 * 977, observed->rangeReads);
+  EXPECT_EQ(2u, observed->lists.size());
+  for (unsigned int i = 2; i <= n; ++i) {
+    double const l0 = l.getValue(i - 1), l1 = l.getValue(i);
+    ASSERT_LE(l0, l1) << i;
+    if (l0 == l1) {
+      ASSERT_GE(t.getValue(i - 1), t.getValue(i)) << i;
+    }
+  }
+  std::vector<unsigned int> index = view->getIndex();
+  std::sort(index.begin(), index.end());
+  for (unsigned int i = 0; i < n; ++i) ASSERT_EQ(i + 1, index[i]);
+}
+
+// Sort over select: decoys hidden below, order restored above; and a
+// select over a sort sees the sorted order.
+TEST(SortStoreDecorator, StacksWithSelectViews) {
+  Layout layout = {9, -99, 3, 12, -99, 1, 7};
+  vHandle<SelectStoreDecorator> select;
+  vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
+  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
+  vHandle<Store> view = sorted(store, {{"ELEV", S::DESCENDING}});
+  EXPECT_EQ((std::vector<double>{1006, 1004.5, 1003.5, 1001.5, 1000.5}), all(*view, "ELEV"));
+
+  vHandle<SelectStoreDecorator> over;
+  vHandle<Store> top = StoreDecoratorFactory::addSelect(view, over);
+  over->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("low", "ELEV", 1000, 1005)));
+  EXPECT_EQ((std::vector<double>{1004.5, 1003.5, 1001.5, 1000.5}), all(*top, "ELEV"));
+}
+
+// --- the conformance suite -----------------------------------------------------------------
+
+Layout shuffled() { return {7, 3, 12, 1, 9, 5, 11, 2, 8, 4, 10, 6}; }
+
+void sortTexts(StoreConformanceCase& c) { c.texts.notWritable = "Has not been written yet."; }
+
+StoreConformanceCase sortTwoKeys() {
+  StoreConformanceCase c("SortByCdpOffset");
+  c.openForReading = [] {
+    return vHandle_cast<AttributeSet>(
+        sorted(openStore(layoutShelf(shuffled())), {{"CDP", S::ASCENDING}, {"OFFSET", S::ASCENDING}}));
+  };
+  sortTexts(c);
+  return c;
+}
+
+StoreConformanceCase sortOneKey() {
+  StoreConformanceCase c("SortByElev");
+  c.openForReading = [] {
+    return vHandle_cast<AttributeSet>(sorted(openStore(layoutShelf(shuffled())), {{"ELEV", S::ASCENDING}}));
+  };
+  c.hasKeyList = false;
+  sortTexts(c);
+  return c;
+}
+
+StoreConformanceCase sortOverSelect() {
+  StoreConformanceCase c("SortOverSelect");
+  c.openForReading = [] {
+    Layout layout = {-99, 7, 3, 12, -99, 1, 9, 5, 11, -99, 2, 8, 4, 10, 6, -99};
+    vHandle<SelectStoreDecorator> select;
+    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
+    select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
+    return vHandle_cast<AttributeSet>(sorted(store, {{"CDP", S::ASCENDING}, {"OFFSET", S::ASCENDING}}));
+  };
+  sortTexts(c);
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(SortViews, StoreConformance, ::testing::Values(sortTwoKeys(), sortOneKey(), sortOverSelect()),
+                         StoreConformance::caseName);
