@@ -19,6 +19,28 @@ vHandle<Store> StoreDecoratorFactory::addSelect(vHandle<Store> store, vHandle<Se
   return vHandle_cast<Store>(decorator);
 }
 
+vHandle<Store> StoreDecoratorFactory::addSort(vHandle<Store> store, vHandle<SortStoreDecorator>& decorator) {
+  return addDecorator(store, decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addMerge(vHandle<Store> store, unsigned int cacheMegabytes, bool forward) {
+  return vHandle<Store>(new MergeStoreDecorator(store, cacheMegabytes, forward));
+}
+
+vHandle<Store> StoreDecoratorFactory::addConcat(vHandle<Store> store) {
+  vHandle<ConcatStoreDecorator> decorator;
+  return addDecorator(store, decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addConcat(vHandle<Store> store, vHandle<ConcatStoreDecorator>& decorator) {
+  return addDecorator(store, decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addGather(vHandle<Store> store) {
+  vHandle<GatherStoreDecorator> decorator;
+  return addDecorator(store, decorator);
+}
+
 vHandle<Store> StoreDecoratorFactory::addOffloadCrosslines(vHandle<Store>, unsigned int, StoreDescription*) {
   Message::fatal("StoreDecoratorFactory::addOffloadDCrosslinesDecorator", 0, "Not supported ... no Dorn available!");
 }

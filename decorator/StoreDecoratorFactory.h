@@ -11,8 +11,12 @@
 // it leaves the decorator holding an empty handle.
 
 #include "decorator/AttributeSelectDecorator.h"
+#include "decorator/ConcatStoreDecorator.h"
+#include "decorator/GatherStoreDecorator.h"
+#include "decorator/MergeStoreDecorator.h"
 #include "decorator/ScratchStoreDecorator.h"
 #include "decorator/SelectStoreDecorator.h"
+#include "decorator/SortStoreDecorator.h"
 #include "foundation/vHandle.h"
 #include "project/Store.h"
 
@@ -34,6 +38,17 @@ class StoreDecoratorFactory {
   static vHandle<Store> addAttributeSelect(vHandle<Store> store, vHandle<AttributeSelectDecorator>& decorator);
   // A select view over a new, empty operator collection.
   static vHandle<Store> addSelect(vHandle<Store> store, vHandle<SelectStoreDecorator>& decorator);
+  // A sort view, to be given its keys (addSortKey) before its first read.
+  static vHandle<Store> addSort(vHandle<Store> store, vHandle<SortStoreDecorator>& decorator);
+  // A merge view with store as its first store; forward false merges in
+  // descending key order. Further stores are added through the returned
+  // store's own type (MergeStoreDecorator::addStore).
+  static vHandle<Store> addMerge(vHandle<Store> store, unsigned int cacheMegabytes, bool forward);
+  // The attribute sets of store end to end.
+  static vHandle<Store> addConcat(vHandle<Store> store);
+  static vHandle<Store> addConcat(vHandle<Store> store, vHandle<ConcatStoreDecorator>& decorator);
+  // The attribute sets of store interleaved, instance by instance.
+  static vHandle<Store> addGather(vHandle<Store> store);
   // Kept so that applications built for the full processing system link;
   // always refused here.
   static vHandle<Store> addOffloadCrosslines(vHandle<Store> store, unsigned int count, StoreDescription* description);
