@@ -7,6 +7,8 @@
 
 #include "decorator/InstanceCopy.h"
 #include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
 #include "foundation/vUtl.h"
 
 namespace Merge {
@@ -153,9 +155,18 @@ void MergeMethodNoSecondarySort::myDoReset() {
 void MergeMethodNoSecondarySort::myDoAddStore(vHandle<Store> const& store) {
   char const* label = "MergeMethodNoSecondarySort::myDoAddStore";
   if (m_validated) Message::fatal(label, 0, "Cannot add a store after we have started reading data!");
-  if (!store->isOpen())
-    Message::fatal(label, 0, "Trying to add the store '%s.%d' but it's not been opened!", store->getName().c_str(),
-                   store->getVersion());
+  if (!store->isOpen()) {
+    // A store that was never opened may not even tell its name.
+    vLCString name;
+    int version = 0;
+    try {
+      MessageHandling quiet;
+      name = store->getName();
+      version = store->getVersion();
+    } catch (UtlExcept const&) {
+    }
+    Message::fatal(label, 0, "Trying to add the store '%s.%d' but it's not been opened!", name.c_str(), version);
+  }
   if (m_stores.empty()) {
     KeyList keys = store->getKeyList();
     vHandle<StoreData> data(new StoreData(store, keys));

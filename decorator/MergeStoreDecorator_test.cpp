@@ -1,0 +1,331 @@
+// The merge view: stores joined by primary key in both directions, runs
+// that come back, dropped empty stores, the checks of keys and attributes
+// with their messages, missing attributes read as zeros, the read position,
+// the reads it makes below, the key scan's cache, stacking with sort views,
+// refusals, and the conformance suite over two stores that interleave into
+// the reference content.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "decorator/JoinTesting.h"
+#include "decorator/MergeStoreDecorator.h"
+#include "decorator/SortStoreDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+
+using namespace join_testing;
+
+namespace {
+
+vHandle<Store> keyed(char const* name, std::vector<double> keys, std::vector<double> ids, DataType type = vINT32) {
+  return simpleStore(name, {"KEY"}, {column("KEY", type, std::move(keys)), column("ID", vINT32, std::move(ids))});
+}
+
+MergeStoreDecorator& merge(vHandle<Store> const& view) { return dynamic_cast<MergeStoreDecorator&>(*view); }
+
+std::string title(vHandle<Store> const& store) {
+  vString t;
+  t.printf("%s.%d", store->getName().c_str(), store->getVersion());
+  return t.c_str();
+}
+
+TEST(MergeStoreDecorator, JoinsStoresByTheirPrimaryKey) {
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1, 1, 3}, {11, 12, 13}), 0, true);
+  merge(view).addStore(keyed("b", {2, 2, 3}, {21, 22, 23}));
+  EXPECT_EQ(6u, view->getNInstances());
+  EXPECT_EQ((std::vector<double>{1, 1, 2, 2, 3, 3}), all(*view, "KEY"));
+  std::vector<double> ids = all(*view, "ID");
+  EXPECT_EQ((std::vector<double>{11, 12, 21, 22}), std::vector<double>(ids.begin(), ids.begin() + 4));
+  // The two groups of 3 in either order.
+  std::vector<double> last(ids.begin() + 4, ids.end());
+  std::sort(last.begin(), last.end());
+  EXPECT_EQ((std::vector<double>{13, 23}), last);
+  EXPECT_EQ(4u, merge(view).getMethod().getGroups().size());
+}
+
+TEST(MergeStoreDecorator, ReverseKeepsTheOrderWithinAGroup) {
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1, 1, 3}, {11, 12, 13}), 0, false);
+  merge(view).addStore(keyed("b", {2, 2, 3}, {21, 22, 23}));
+  EXPECT_EQ((std::vector<double>{3, 3, 2, 2, 1, 1}), all(*view, "KEY"));
+  std::vector<double> ids = all(*view, "ID");
+  EXPECT_EQ((std::vector<double>{21, 22, 11, 12}), std::vector<double>(ids.begin() + 2, ids.end()));
+}
+
+// The scan assumes nothing about sorted input: a value that comes back
+// makes a new group, and groups of every store are ordered together.
+TEST(MergeStoreDecorator, RunsThatComeBackAreGroupsOfTheirOwn) {
+  vHandle<Store> view =
+      StoreDecoratorFactory::addMerge(keyed("a", {5, 5, 1, 5, 3}, {1, 2, 3, 4, 5}, vFLOAT64), 0, true);
+  merge(view).addStore(keyed("b", {4, 2}, {6, 7}, vFLOAT64));
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5, 5, 5}), all(*view, "KEY"));
+  std::vector<double> ids = all(*view, "ID");
+  EXPECT_EQ((std::vector<double>{3, 7, 5, 6}), std::vector<double>(ids.begin(), ids.begin() + 4));
+  // The run 5 5 stays together and in store order, beside the lone 5.
+  std::vector<double> fives(ids.begin() + 4, ids.end());
+  EXPECT_TRUE(fives == (std::vector<double>{1, 2, 4}) || fives == (std::vector<double>{4, 1, 2}));
+  EXPECT_EQ(6u, merge(view).getMethod().getGroups().size());
+}
+
+// Empty stores are dropped before the checks: the one with other keys
+// raises nothing, and the first store kept answers for the view.
+TEST(MergeStoreDecorator, DropsEmptyStoresWithANote) {
+  vHandle<Store> empty = keyed("empty", {}, {});
+  vHandle<Store> other = simpleStore("other", {"OTHER"}, {column("OTHER", vINT32, {})});
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(empty, 0, true);
+  merge(view).addStore(keyed("a", {2, 1}, {1, 2}));
+  merge(view).addStore(other);
+  RecordingHandler recorder;
+  EXPECT_EQ(2u, view->getNInstances());
+  char const* label = "MergeMethodNoSecondarySort::myDoValidateStores|The store ";
+  char const* text = " will be ignored as it does not contain any data";
+  EXPECT_EQ((std::vector<std::string>{label + title(empty) + text, label + title(other) + text}), recorder.infos);
+  EXPECT_TRUE(recorder.errors.empty());
+  EXPECT_EQ((std::vector<double>{2, 1}), all(*view, "ID"));
+  EXPECT_TRUE(view->hasAttribute("ID"));
+  EXPECT_STREQ("a", view->getAttributeSetName().c_str());
+}
+
+TEST(MergeStoreDecorator, ListsEveryDifferenceBeforeGivingUp) {
+  vHandle<Store> first = keyed("a", {1}, {1});
+  vHandle<Store> otherKeys = simpleStore("b", {"ID"}, {column("KEY", vINT32, {2}), column("ID", vINT32, {2})});
+  vHandle<Store> otherId = simpleStore("c", {"KEY"}, {column("KEY", vINT32, {3}), column("ID", vFLOAT32, {3})});
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(first, 0, true);
+  merge(view).addStore(otherKeys);
+  merge(view).addStore(otherId);
+  RecordingHandler recorder;
+  try {
+    view->getNInstances();
+    ADD_FAILURE() << "differences must be fatal";
+  } catch (UtlExcept const& e) {
+    EXPECT_STREQ("MergeMethodNoSecondarySort::myDoValidateStores", e.getMethod().c_str());
+    EXPECT_STREQ("Differences found, cannot continue!", e.getReason().c_str());
+  }
+  ASSERT_EQ(2u, recorder.errors.size());
+  EXPECT_EQ("MergeMethodNoSecondarySort::myDoValidateStores|The keys for '" + title(otherKeys) + "' do not match '" +
+                title(first) + "'!",
+            recorder.errors[0]);
+  EXPECT_EQ("MergeMethodNoSecondarySort::myDoValidateStores|The attribute 'ID' is not the same in all the stores!",
+            recorder.errors[1]);
+}
+
+TEST(MergeStoreDecorator, AnAttributeOfOneStoreReadsAsZerosForTheOthers) {
+  vHandle<Store> a = simpleStore("a", {"KEY"}, {column("KEY", vINT32, {1, 3}), column("ONLY_A", vFLOAT64, {1.5, 3.5})});
+  vHandle<Store> b = simpleStore("b", {"KEY"}, {column("KEY", vINT32, {2, 4}), column("ONLY_B", vINT16, {20, 40, 7})});
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(a, 0, true);
+  merge(view).addStore(b);
+  EXPECT_EQ(3u, view->getAttributeList().size()) << "the union";
+  Attribute onlyA("ONLY_A", "ONLY_A", vFLOAT64);
+  view->read(onlyA, 1, 4);
+  EXPECT_EQ((std::vector<double>{1.5, 0, 3.5, 0}), valuesOf(onlyA));
+  view->read(onlyA, std::vector<unsigned int>{4, 3, 2});
+  EXPECT_EQ((std::vector<double>{0, 3.5, 0}), valuesOf(onlyA));
+  Attribute onlyB("ONLY_B", "ONLY_B", vINT16);
+  view->read(onlyB, 2, 4);
+  EXPECT_EQ((std::vector<double>{20, 0, 40}), valuesOf(onlyB));
+  // Definitions and class matches are those of the first store.
+  EXPECT_TRUE(view->hasAttribute("ONLY_A"));
+  EXPECT_FALSE(view->hasAttribute("ONLY_B"));
+  EXPECT_EQ(1u, view->getAttributeList("ONLY_A", AttributeMatch::MATCH_CLASS).size());
+}
+
+TEST(MergeStoreDecorator, StoresAndDirectionAreFixedAtTheFirstQuestion) {
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
+  merge(view).addStore(keyed("b", {0}, {2}));
+  EXPECT_EQ(2u, view->getNInstances());
+  expectFailure([&] { merge(view).addStore(keyed("c", {1}, {3})); }, "MergeMethodBase::addStore",
+                "Cannot add stores after we've validated everything!");
+  Merge::MergeMethodNoSecondarySort method;
+  method.addStore(keyed("a", {1}, {1}));
+  method.validateStores();
+  expectFailure([&] { method.setReverse(true); }, "MergeMethodBase::setReverse",
+                "Cannot set reverse mode after we've validated everything!");
+  // reset goes back to configuring, without stores.
+  method.reset();
+  EXPECT_FALSE(method.isValidated());
+  method.addStore(keyed("b", {4, 3}, {1, 2}));
+  method.setReverse(true);
+  EXPECT_EQ(2u, method.getNInstances());
+  Attribute key("KEY", "KEY", vINT32);
+  method.read(key, 1, 2);
+  EXPECT_EQ((std::vector<double>{4, 3}), valuesOf(key));
+}
+
+TEST(MergeStoreDecorator, RefusesStoresItCannotMerge) {
+  char const* label = "MergeMethodNoSecondarySort::myDoAddStore";
+  vHandle<Store> closed(new TestMemoryStore(vHandle<Project>()));
+  expectFailure([&] { StoreDecoratorFactory::addMerge(closed, 0, true); }, label,
+                "Trying to add the store '.0' but it's not been opened!");
+  vHandle<Store> texts = simpleStore("t", {"NAME"}, {column("NAME", vSTRING, {1})});
+  expectFailure([&] { StoreDecoratorFactory::addMerge(texts, 0, true); }, label,
+                "The store '" + title(texts) + "' contains a key of datatype vSTRING but we do not support this!");
+  vHandle<Store> pairs = simpleStore("p", {"PAIR"}, {column("PAIR", vINT32, {1, 2}, 2)});
+  expectFailure([&] { StoreDecoratorFactory::addMerge(pairs, 0, true); }, label,
+                "The store '" + title(pairs) + "' contains the primary key length of 2 ... we only support length = 1!!");
+}
+
+TEST(MergeStoreDecorator, RefusesBadRangesAndLists) {
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1, 2, 3}, {1, 2, 3}), 0, true);
+  Attribute id("ID", "ID", vINT32);
+  char const* label = "MergeMethodNoSecondarySort::read(range)";
+  expectFailure([&] { view->read(id, 0, 3); }, label, "INvalid range specification 0:3 ... valid values are 1:3");
+  expectFailure([&] { view->read(id, 2, 4); }, label, "INvalid range specification 2:4 ... valid values are 1:3");
+  expectFailure([&] { view->read(id, 3, 2); }, label, "INvalid range specification 3:2 ... valid values are 1:3");
+  expectFailure([&] { view->read(id, 3, 0); }, label, "INvalid range specification 3:0 ... valid values are 1:3");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>()); }, "MergeMethodNoSecondarySort::read(list)",
+                "No list specified!");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{2, 4}); }, "MergeMethodNoSecondarySort::read(list)",
+                "Internal error, found invalid group (3:3) when searching for instance 4!");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{0, 2}); }, "MergeMethodNoSecondarySort::read(list)",
+                "Internal error, could not find instance 0 in the group bins!");
+  // A list that is a range is read as one.
+  view->read(id, std::vector<unsigned int>{2, 3});
+  EXPECT_EQ((std::vector<double>{2, 3}), valuesOf(id));
+
+  vHandle<Store> none = StoreDecoratorFactory::addMerge(keyed("e", {}, {}), 0, true);
+  {
+    RecordingHandler quiet;
+    EXPECT_EQ(0u, none->getNInstances());
+  }
+  expectFailure([&] { none->read(id, 1, 1); }, label, "INvalid range specification 1:1 ... valid values are 1:0");
+}
+
+TEST(MergeStoreDecorator, KeepsTheStartOfTheLastRangeRead) {
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1, 1, 3, 3, 5, 5}, {1, 2, 3, 4, 5, 6}), 0, true);
+  merge(view).addStore(keyed("b", {2, 2, 4, 4, 6, 6}, {7, 8, 9, 10, 11, 12}));
+  Merge::MergeMethodNoSecondarySort const& method = merge(view).getMethod();
+  Attribute id("ID", "ID", vINT32);
+  view->read(id, 5, 9);
+  EXPECT_EQ((std::vector<double>{3, 4, 9, 10, 5}), valuesOf(id));
+  EXPECT_EQ(1u, method.getNSearches());
+  view->read(id, 5, 9);
+  EXPECT_EQ((std::vector<double>{3, 4, 9, 10, 5}), valuesOf(id));
+  EXPECT_EQ(1u, method.getNSearches()) << "the kept position";
+  view->read(id, 1, 3);
+  EXPECT_EQ((std::vector<double>{1, 2, 7}), valuesOf(id));
+  EXPECT_EQ(1u, method.getNSearches()) << "the first group";
+  view->read(id, 6, 12);
+  EXPECT_EQ((std::vector<double>{4, 9, 10, 5, 6, 11, 12}), valuesOf(id));
+  EXPECT_EQ(2u, method.getNSearches());
+}
+
+// One range read below per run of one store; one list read per store.
+TEST(MergeStoreDecorator, ReadsRunsAndListsBelowInFewReads) {
+  ObservedStore* a = nullptr;
+  ObservedStore* b = nullptr;
+  auto observed = [](char const* name, std::vector<double> keys, std::vector<double> ids, ObservedStore*& out) {
+    out = new ObservedStore(
+        joinShelf(name, {"KEY"}, {SetContent{"", {column("KEY", vINT32, keys), column("ID", vINT32, ids)}}}));
+    vHandle<Store> store(out);
+    store->open(name, 0, "seismic", "3d", nullptr);
+    return store;
+  };
+  vHandle<Store> view =
+      StoreDecoratorFactory::addMerge(observed("a", {1, 2, 3, 7, 8, 9}, {1, 2, 3, 4, 5, 6}, a), 0, true);
+  merge(view).addStore(observed("b", {4, 5, 6, 10}, {7, 8, 9, 10}, b));
+  EXPECT_EQ(10u, view->getNInstances());
+  int const scanA = a->rangeReads, scanB = b->rangeReads;
+  EXPECT_EQ(1, scanA);
+  Attribute id("ID", "ID", vINT32);
+  view->read(id, 1, 10);
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 7, 8, 9, 4, 5, 6, 10}), valuesOf(id));
+  EXPECT_EQ(2, a->rangeReads - scanA) << "runs 1-3 and 4-6 of a";
+  EXPECT_EQ(2, b->rangeReads - scanB) << "runs 1-3 and 4 of b";
+  view->read(id, std::vector<unsigned int>{10, 1, 5, 4, 9});
+  EXPECT_EQ((std::vector<double>{10, 1, 8, 7, 6}), valuesOf(id));
+  ASSERT_EQ(1u, a->lists.size());
+  ASSERT_EQ(1u, b->lists.size());
+  EXPECT_EQ((std::vector<unsigned int>{1, 6}), a->lists[0]);
+  EXPECT_EQ((std::vector<unsigned int>{4, 2, 1}), b->lists[0]);
+}
+
+// With a cache the key scan fills a window per store and reads the rest
+// past it; the groups come out the same.
+TEST(MergeStoreDecorator, TheKeyScanThroughItsCache) {
+  unsigned int const n = 25000;
+  std::vector<double> keys(n), wide(n * 16, 1.0);
+  for (unsigned int i = 0; i < n; ++i) keys[i] = static_cast<double>(i / 10);
+  ObservedStore* observed = new ObservedStore(joinShelf(
+      "wide", {"KEY"}, {SetContent{"", {column("KEY", vINT32, keys), column("WIDE", vINT32, wide, 16)}}}));
+  vHandle<Store> store(observed);
+  store->open("wide", 0, "seismic", "3d", nullptr);
+  // 68 bytes an instance: a window of 15420 instances in one megabyte.
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(store, 1, false);
+  EXPECT_EQ(n, view->getNInstances());
+  Merge::MergeMethodNoSecondarySort const& method = merge(view).getMethod();
+  EXPECT_EQ(68u, method.getBytesPerInstance());
+  EXPECT_EQ(15420u, method.getStoreData(0).cacheSize);
+  // Fill 1-15420, the rest of the second block 15421-20480, fill 20481-25000.
+  EXPECT_EQ(3, observed->rangeReads);
+  ASSERT_EQ(2500u, method.getGroups().size());
+  Attribute key("KEY", "KEY", vINT32);
+  view->read(key, 1, 12);
+  EXPECT_EQ((std::vector<double>{2499, 2499, 2499, 2499, 2499, 2499, 2499, 2499, 2499, 2499, 2498, 2498}),
+            valuesOf(key));
+  view->read(key, n, n);
+  EXPECT_EQ(0.0, key.getValue(1));
+}
+
+// Merge of sort views, and a sort over a merge.
+TEST(MergeStoreDecorator, StacksWithSortViews) {
+  auto sortedBy = [](vHandle<Store> const& store) {
+    vHandle<SortStoreDecorator> view;
+    vHandle<Store> result = StoreDecoratorFactory::addSort(store, view);
+    view->addSortKey("KEY", vUtlSort::SortOrder::ASCENDING);
+    return result;
+  };
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(sortedBy(keyed("a", {5, 1, 3}, {1, 2, 3})), 0, true);
+  merge(view).addStore(sortedBy(keyed("b", {4, 2, 6}, {4, 5, 6})));
+  EXPECT_EQ((std::vector<double>{2, 5, 3, 4, 1, 6}), all(*view, "ID"));
+
+  vHandle<Store> merged = StoreDecoratorFactory::addMerge(keyed("a", {1, 2}, {1, 2}), 0, true);
+  merge(merged).addStore(keyed("b", {1, 2}, {3, 4}));
+  vHandle<SortStoreDecorator> over;
+  vHandle<Store> top = StoreDecoratorFactory::addSort(merged, over);
+  over->addSortKey("ID", vUtlSort::SortOrder::DESCENDING);
+  EXPECT_EQ((std::vector<double>{4, 3, 2, 1}), all(*top, "ID"));
+}
+
+TEST(MergeStoreDecorator, RefusesWritesAndReadsByGroupsOrKeys) {
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
+  Attribute id("ID", "ID", vINT32);
+  char const* text = "Has not been written yet!";
+  expectFailure([&] { view->read(id, id, 1, 1); }, "MergeStoreDecorator::read(groups)", text);
+  expectFailure([&] { view->read(id, KeyList()); }, "MergeStoreDecorator::read(keys)", text);
+  expectFailure([&] { view->write(id, 1, 1); }, "MergeStoreDecorator::write(range)", text);
+  expectFailure([&] { view->write(id, std::vector<unsigned int>{1}); }, "MergeStoreDecorator::write(list)", text);
+  expectFailure([&] { view->write(id, id, 1, 1); }, "MergeStoreDecorator::write(groups)", text);
+  expectFailure([&] { view->write(id, KeyList()); }, "MergeStoreDecorator::write(keys)", text);
+  expectFailure([&] { view->addAttribute(id); }, "MergeStoreDecorator::addAttribute", text);
+  expectFailure([&] { view->addInstances(1); }, "MergeStoreDecorator::addInstances", text);
+  view->openAttributeSet("");
+  view->openAttributeSet("a");
+  expectFailure([&] { view->openAttributeSet("other"); }, "MergeMethodNoSecondarySort::openAttributeSet",
+                "Invalid attribute set name 'other' ... we expect blank or 'a'!");
+  Store::AttributeSetList names;
+  view->getAttributeSetList(names);
+  EXPECT_EQ(1u, names.size());
+  EXPECT_EQ(1u, view->getAttributeSetList()->size());
+}
+
+// --- the conformance suite -----------------------------------------------------------------
+
+StoreConformanceCase mergeCase() {
+  StoreConformanceCase c("MergeOfTwo");
+  c.openForReading = [] {
+    vHandle<Store> view = StoreDecoratorFactory::addMerge(openStore(layoutShelf({1, 2, 3, 7, 8, 9})), 1, true);
+    merge(view).addStore(openStore(layoutShelf({4, 5, 6, 10, 11, 12})));
+    return vHandle_cast<AttributeSet>(view);
+  };
+  c.texts.notWritable = "Has not been written yet!";
+  // Reads by groups and keys are refused; a last of 0, an empty list and
+  // an unknown attribute mean other things to a merge (told above).
+  c.notApplicable = {"ReadsBySelectorGroups", "ReadsByKeyValues", "AnswersGroupQuestions",
+                     "RefusesBadGroupNumbersWithTheirTexts", "RefusesBadRangesWithTheirTexts",
+                     "RefusesBadListsAndNamesWithTheirTexts", "ReadsListsInTheirOrder"};
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(MergeViews, StoreConformance, ::testing::Values(mergeCase()), StoreConformance::caseName);
