@@ -65,6 +65,14 @@ std::string buildTree() {
 
 JNIEnv* jvm() {
   static JNIEnv* env = [] {
+    // One virtual machine per process: another suite may have made it.
+    JavaVM* created = nullptr;
+    jsize nCreated = 0;
+    if (JNI_GetCreatedJavaVMs(&created, 1, &nCreated) == JNI_OK && nCreated == 1) {
+      JNIEnv* found = nullptr;
+      created->GetEnv(reinterpret_cast<void**>(&found), JNI_VERSION_1_8);
+      return found;
+    }
     std::string classPath = "-Djava.class.path=" + buildTree() + "/java/classes";
     JavaVMOption options[2];
     options[0].optionString = const_cast<char*>(classPath.c_str());
@@ -306,7 +314,7 @@ TEST_F(RondoNative, SinkWithoutAppendAnswersFalse) {
   EXPECT_EQ(0u, map_project.count("127.0.1.5|RONDO|p"));
 }
 
-TEST_F(RondoNative, DataMethodsAnswerFalseUntilTheStoreLayerIsThere) {
+TEST_F(RondoNative, DataMethodsWithoutADescriptorAnswerFalse) {
   JNIEnv* env = jvm();
   jobject info = newObject("com/nyx/orda/business/io/protocols/rondo/RondoInfoSink");
   ASSERT_NE(nullptr, info);
