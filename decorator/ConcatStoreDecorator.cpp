@@ -51,8 +51,8 @@ void ConcatStoreDecorator::myValidateStore() const {
   for (vLCString const& name : *names) {
     m_decoratedStore->openAttributeSet(name);
     unsigned int const count = m_decoratedStore->getNInstances();
-    m_sets.push_back(new ConcatStoreDecoratorData{m_decoratedStore->getAttributeSetName(), next,
-                                                  next + count - 1, count, sequence++});
+    // Kept under the name the store lists, which is the one it opens by.
+    m_sets.push_back(new ConcatStoreDecoratorData{name, next, next + count - 1, count, sequence++});
     ConcatStoreDecoratorData const& set = *m_sets.back();
     next += count;
     if (m_sets.size() == 1) {
@@ -64,7 +64,7 @@ void ConcatStoreDecorator::myValidateStore() const {
                          attribute.getName().c_str());
         m_attributeMap[attribute.getNameID()] = attribute;
       }
-      m_setNames.assign(1, set.setName);
+      m_setNames.assign(1, m_decoratedStore->getAttributeSetName());
       continue;
     }
     if (m_decoratedStore->getKeyList() != m_keys)
@@ -78,6 +78,8 @@ void ConcatStoreDecorator::myValidateStore() const {
       Message::fatal(label, 0, "The attributes within attribute set %s are different than the primary set's ones!",
                      set.setName.c_str());
   }
+  // Back on the primary set, whose class and subclass are the store's.
+  if (m_sets.size() > 1) m_decoratedStore->openAttributeSet(m_sets.front()->setName);
   myAddKeys(m_attributes, m_keys);
   m_validated = true;
   m_nInstances = next - 1;

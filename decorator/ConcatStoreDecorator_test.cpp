@@ -1,0 +1,364 @@
+// The concat and gather views: how the sets of a store are laid end to
+// end or interleaved, the keys that tell instances apart afterwards, the
+// checks of sets, ranges and attributes with their texts, the gather
+// cache's size, its refills and its limits, refusals, and the conformance
+// suite over stores whose sets together hold the reference content.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "decorator/ConcatStoreDecorator.h"
+#include "decorator/GatherStoreDecorator.h"
+#include "decorator/JoinTesting.h"
+#include "decorator/StoreDecoratorFactory.h"
+
+using namespace join_testing;
+
+namespace {
+
+char const* const kSequence = "ATTRIBUTESET.SEQUENCE";
+
+// Sets with ID and VAL, keys ID.
+SetContent idSet(char const* name, std::vector<double> ids) {
+  std::vector<double> vals;
+  for (double id : ids) vals.push_back(id / 2);
+  return SetContent{name, {column("ID", vINT32, ids), column("VAL", vFLOAT64, vals)}};
+}
+
+ObservedStore* g_observed = nullptr;
+
+vHandle<Store> observedJoin(std::shared_ptr<TestMemoryShelf> const& shelf, char const* name,
+                            char const* subClass = "3d") {
+  g_observed = new ObservedStore(shelf);
+  vHandle<Store> store(g_observed);
+  store->open(name, 0, "seismic", subClass, nullptr);
+  return store;
+}
+
+// Primary set of 3 instances, set b of 2.
+vHandle<Store> shots() { return observedJoin(joinShelf("shots", {"ID"}, {idSet("", {1, 2, 3}), idSet("b", {4, 5})}), "shots"); }
+
+class ConcatStoreDecoratorTest : public ::testing::Test {
+ protected:
+  SequenceDefinition sequence;
+};
+
+std::vector<std::string> names(KeyList const& keys) {
+  std::vector<std::string> out;
+  for (Attribute const& key : keys) out.push_back(key.getName().c_str());
+  return out;
+}
+
+std::vector<std::string> names(std::list<Attribute> const& attributes) {
+  std::vector<std::string> out;
+  for (Attribute const& a : attributes) out.push_back(a.getName().c_str());
+  return out;
+}
+
+TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
+  EXPECT_EQ(5u, view->getNInstances());
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5}), all(*view, "ID"));
+  Attribute id = view->getAttribute("ID");
+  view->read(id, 4, 4);
+  EXPECT_EQ((std::vector<double>{4}), valuesOf(id));
+  // The sequence attribute tells the sets apart and leads the keys.
+  EXPECT_EQ((std::vector<double>{1, 1, 1, 2, 2}), all(*view, kSequence));
+  EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
+  EXPECT_EQ((std::vector<std::string>{"ID", "VAL", kSequence}), names(view->getAttributeList()));
+  EXPECT_TRUE(view->hasAttribute(kSequence));
+  EXPECT_EQ(vINT32, view->getAttribute(kSequence).getDataType());
+  // The one set name is the primary set's.
+  Store::AttributeSetList sets;
+  view->getAttributeSetList(sets);
+  EXPECT_EQ((Store::AttributeSetList{"shots"}), sets);
+  EXPECT_STREQ("shots", view->getAttributeSetName().c_str());
+  view->openAttributeSet("");
+  view->openAttributeSet("shots");
+  expectFailure([&] { view->openAttributeSet("b"); }, "ConcatStoreDecorator::openAttributeSet",
+                "Invalid attribute set name!");
+}
+
+TEST_F(ConcatStoreDecoratorTest, AListMakesRunsInItsOrder) {
+  vHandle<ConcatStoreDecorator> concat;
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots(), concat);
+  ASSERT_EQ(2u, concat->getSets().size());
+  EXPECT_EQ(4u, concat->getSets()[1]->first);
+  EXPECT_EQ(2, concat->getSets()[1]->sequence);
+  int const before = g_observed->rangeReads;
+  Attribute val = view->getAttribute("VAL");
+  view->read(val, std::vector<unsigned int>{3, 4, 5, 1});
+  EXPECT_EQ((std::vector<double>{1.5, 2, 2.5, 0.5}), valuesOf(val));
+  // Runs 3-5 and 1: instance 3 of the first set, 1-2 of b, 1 of the first.
+  EXPECT_EQ(3, g_observed->rangeReads - before);
+  view->read(val, std::vector<unsigned int>{2, 2, 1});
+  EXPECT_EQ((std::vector<double>{1, 1, 0.5}), valuesOf(val));
+  view->read(val, std::vector<unsigned int>());
+  EXPECT_EQ(0u, val.getNInstances());
+}
+
+TEST_F(ConcatStoreDecoratorTest, OffsetBinTellsTheInstancesApart) {
+  auto withOffsetBin = [](std::vector<std::string> keys, char const* subClass) {
+    SetContent a{"", {column("ID", vINT32, {1, 2}), column("OFFSET.BIN", vINT32, {7, 8})}};
+    SetContent b{"b", {column("ID", vINT32, {3}), column("OFFSET.BIN", vINT32, {9})}};
+    return openJoin(joinShelf("bins", keys, {a, b}, subClass), "bins", subClass);
+  };
+  // An attribute of the sets: it leads the keys; no sequence attribute.
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(withOffsetBin({"ID"}, "3d"));
+  EXPECT_EQ((std::vector<std::string>{"OFFSET.BIN", "ID"}), names(view->getKeyList()));
+  EXPECT_FALSE(view->hasAttribute(kSequence));
+  EXPECT_EQ((std::vector<std::string>{"ID", "OFFSET.BIN"}), names(view->getAttributeList()));
+  EXPECT_EQ((std::vector<double>{7, 8, 9}), all(*view, "OFFSET.BIN"));
+  // Already a key: the keys stay.
+  view = StoreDecoratorFactory::addConcat(withOffsetBin({"ID", "OFFSET.BIN"}, "3d"));
+  EXPECT_EQ((std::vector<std::string>{"ID", "OFFSET.BIN"}), names(view->getKeyList()));
+}
+
+TEST_F(ConcatStoreDecoratorTest, OffloadHeadersGetTheSequenceButNotAsAKey) {
+  for (char const* subClass : {"offloadheader", "moffldheader"}) {
+    vHandle<Store> view = StoreDecoratorFactory::addConcat(
+        openJoin(joinShelf("off", {"ID"}, {idSet("", {1}), idSet("b", {2})}, subClass), "off", subClass));
+    EXPECT_EQ((std::vector<std::string>{"ID"}), names(view->getKeyList())) << subClass;
+    EXPECT_TRUE(view->hasAttribute(kSequence));
+    EXPECT_EQ((std::vector<double>{1, 2}), all(*view, kSequence));
+  }
+}
+
+TEST_F(ConcatStoreDecoratorTest, RefusesBadRangesWithTheirTexts) {
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
+  Attribute id = view->getAttribute("ID");
+  char const* label = "ConcatStoreDecorator::myValidateRange";
+  expectFailure([&] { view->read(id, 0, 2); }, label,
+                "The first instance (0) is out of range!   Valid values are 1 thru 5.");
+  expectFailure([&] { view->read(id, 6, 6); }, label,
+                "The first instance (6) is out of range!   Valid values are 1 thru 5.");
+  expectFailure([&] { view->read(id, 2, 6); }, label,
+                "The last instance (6) is out of range!   Valid values are 1 thru 5.");
+  expectFailure([&] { view->read(id, 2, 0); }, label,
+                "The last instance (0) is out of range!   Valid values are 1 thru 5.");
+  expectFailure([&] { view->read(id, 4, 3); }, label,
+                "The last instance (3) must be greater than or equal to the first (4)!");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{1, 0}); }, label,
+                "The first instance (0) is out of range!   Valid values are 1 thru 5.");
+
+  vHandle<Store> empty = StoreDecoratorFactory::addConcat(
+      openJoin(joinShelf("none", {"ID"}, {idSet("", {}), idSet("b", {})}), "none"));
+  EXPECT_EQ(0u, empty->getNInstances());
+  expectFailure([&] { empty->read(id, 1, 1); }, "ConcatStoreDecorator::read(range)",
+                "There are no instances within this store!");
+  expectFailure([&] { empty->read(id, std::vector<unsigned int>{1}); }, "ConcatStoreDecorator::read(list)",
+                "There are no instances within this store!");
+}
+
+TEST_F(ConcatStoreDecoratorTest, ChecksAttributesAndSets) {
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
+  Attribute wrong("ID", "ID", vFLOAT32);
+  expectFailure([&] { view->read(wrong, 1, 1); }, "ConcatStoreDecorator::myValidateAttribute",
+                "The attribute 'ID' was not found!");
+  // A name the view does not know is left to the store below.
+  Attribute unknown("NOPE", "", vINT32);
+  expectFailure([&] { view->read(unknown, 1, 1); }, "TestMemoryAttributeSet::read(range)",
+                "Attribute NOPE is not in the AttributeSet shots.");
+
+  char const* label = "ConcatStoreDecorator::myValidateStore";
+  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}};
+  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1})});
+  {
+    TestMemoryStore writer(vHandle<Project>(), shelf);
+    writer.update("k", 0, "seismic", "3d", nullptr);
+    KeyList keys;
+    keys.addKey(Attribute("VAL", "VAL", vFLOAT64));
+    writer.createAttributeSet("b", keys);
+    writeColumns(writer, otherKeys.columns);
+    writer.close();
+  }
+  vHandle<Store> keysDiffer = StoreDecoratorFactory::addConcat(openJoin(shelf, "k"));
+  expectFailure([&] { keysDiffer->getNInstances(); }, label,
+                "The keys within attribute set b are different than the primary set's ones!");
+  SetContent otherAttributes{"c", {column("ID", vINT32, {4}), column("VAL", vFLOAT32, {2})}};
+  vHandle<Store> attributesDiffer = StoreDecoratorFactory::addConcat(
+      openJoin(joinShelf("a", {"ID"}, {idSet("", {1}), otherAttributes}), "a"));
+  expectFailure([&] { attributesDiffer->getKeyList(); }, label,
+                "The attributes within attribute set c are different than the primary set's ones!");
+  vHandle<Store> closed(new TestMemoryStore(vHandle<Project>(), shelf));
+  vHandle<Store> notOpen = StoreDecoratorFactory::addConcat(closed);
+  expectFailure([&] { notOpen->getNInstances(); }, label, "The store is not open!");
+}
+
+TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
+  vHandle<Store> concat = StoreDecoratorFactory::addConcat(shots());
+  vHandle<Store> gather = StoreDecoratorFactory::addGather(shots());
+  for (auto const& view : {std::make_pair(concat, "ConcatStoreDecorator::"), std::make_pair(gather,
+                                                                                          "GatherStoreDecorator::")}) {
+    std::string const prefix = view.second;
+    Store& store = *view.first;
+    Attribute id("ID", "ID", vINT32);
+    char const* text = "Has not been written yet!";
+    expectFailure([&] { store.read(id, id, 1, 1); }, (prefix + "read(groups)").c_str(), text);
+    expectFailure([&] { store.read(id, KeyList()); }, (prefix + "read(keys)").c_str(), text);
+    expectFailure([&] { store.write(id, 1, 1); }, (prefix + "write(range)").c_str(), text);
+    expectFailure([&] { store.write(id, std::vector<unsigned int>{1}); }, (prefix + "write(list)").c_str(), text);
+    expectFailure([&] { store.write(id, id, 1, 1); }, (prefix + "write(groups)").c_str(), text);
+    expectFailure([&] { store.write(id, KeyList()); }, (prefix + "write(keys)").c_str(), text);
+    expectFailure([&] { store.addAttribute(id); }, (prefix + "addAttribute").c_str(), text);
+    expectFailure([&] { store.addInstances(1); }, (prefix + "addInstances").c_str(), text);
+  }
+}
+
+// --- gather --------------------------------------------------------------------------------
+
+// Three sets of equal size: set s holds IDs 10 s + i.
+vHandle<Store> threeSets() {
+  return observedJoin(
+      joinShelf("g", {"ID"}, {idSet("", {11, 12, 13}), idSet("two", {21, 22, 23}), idSet("three", {31, 32, 33})}),
+      "g");
+}
+
+TEST_F(ConcatStoreDecoratorTest, GatherInterleavesTheSets) {
+  vHandle<Store> view = StoreDecoratorFactory::addGather(threeSets());
+  EXPECT_EQ(9u, view->getNInstances());
+  EXPECT_EQ((std::vector<double>{11, 21, 31, 12, 22, 32, 13, 23, 33}), all(*view, "ID"));
+  Attribute val = view->getAttribute("VAL");
+  view->read(val, std::vector<unsigned int>{4, 1, 9});
+  EXPECT_EQ((std::vector<double>{6, 5.5, 16.5}), valuesOf(val));
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 1, 2, 3, 1, 2, 3}), all(*view, kSequence));
+  Attribute id = view->getAttribute("ID");
+  expectFailure([&] { view->read(id, 0, 1); }, "ConcatStoreDecorator::myValidateRange",
+                "The first instance (0) is out of range!   Valid values are 1 thru 9.");
+  // The list read is not checked against the view: the cache refuses what
+  // no set holds.
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{10}); }, "GatherStoreDecorator::CacheData::read",
+                "Instance 4 is not in attribute set 1 of the gather!");
+  expectFailure([&] { view->read(id, std::vector<unsigned int>{0}); }, "GatherStoreDecorator::CacheData::read",
+                "Instance 0 is not in attribute set 3 of the gather!");
+}
+
+// Every attribute of a set refills together, a window of one more than
+// the instances per fill, and the sets take turns on the store below.
+TEST_F(ConcatStoreDecoratorTest, GatherRefillsASetAtATime) {
+  std::vector<double> wide(12 * 26214, 1.0);
+  std::vector<double> ids = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  SetContent one{"", {column("ID", vINT32, ids), column("W", vFLOAT32, wide, 26214)}};
+  SetContent two{"two", {column("ID", vINT32, ids), column("W", vFLOAT32, wide, 26214)}};
+  vHandle<GatherStoreDecorator> gather(new GatherStoreDecorator(observedJoin(joinShelf("w", {"ID"}, {one, two}), "w")));
+  gather->setCacheSize(1);
+  EXPECT_EQ(0, gather->getInstancesPerFill());
+  Attribute id = gather->getAttribute("ID");
+  gather->read(id, 1, 24);
+  // 2 x (4 + 4 x 26214) bytes an instance: 4 instances per fill, windows
+  // 1-5, 6-10, 11-12 of each set, each a read of both attributes.
+  EXPECT_EQ(4, gather->getInstancesPerFill());
+  EXPECT_EQ(2 * 3 * 2, g_observed->rangeReads);
+  EXPECT_EQ(6u, gather->getTimer().getNCalls());
+  for (unsigned int k = 1; k <= 24; ++k) EXPECT_EQ(static_cast<double>((k + 1) / 2), id.getValue(k)) << k;
+  Attribute w = gather->getAttribute("W");
+  gather->read(w, 23, 24);
+  EXPECT_EQ(2 * 3 * 2, g_observed->rangeReads) << "in the windows already";
+}
+
+TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeAndItsLimits) {
+  vHandle<GatherStoreDecorator> gather(new GatherStoreDecorator(threeSets()));
+  EXPECT_EQ(256, gather->getCacheSize());
+  gather->setCacheSize(0);
+  EXPECT_EQ(0, gather->getCacheSize());
+  // The size held, not the one given, is checked.
+  expectFailure([&] { gather->setCacheSize(5); }, "GatherStoreDecorator::CacheData::setCacheSize",
+                "The size of the cache must be greater than zero, not 0!");
+
+  // 3 sets of 200000 bytes an instance in one megabyte.
+  std::vector<double> wide(50000, 2.0);
+  std::vector<SetContent> sets;
+  for (char const* name : {"", "b", "c"}) sets.push_back(SetContent{name, {column("W", vFLOAT32, wide, 50000)}});
+  vHandle<GatherStoreDecorator> big(new GatherStoreDecorator(openJoin(joinShelf("big", {}, sets), "big")));
+  big->setCacheSize(1);
+  Attribute w = big->getAttribute("W");
+  expectFailure([&] { big->read(w, 1, 1); }, "GatherStoreDecorator::CacheData::read",
+                "Cache error, memory size too small for an efficient cache (mb 1/total instance size 600000/#ToCache "
+                "1).");
+}
+
+TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeFromTheEnvironment) {
+  char const* name = "GATHERSTOREDECORATOR_CACHESIZE";
+  ::setenv(name, "64", 1);
+  {
+    RecordingHandler recorder;
+    GatherStoreDecorator gather(threeSets());
+    EXPECT_EQ(64, gather.getCacheSize());
+    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 64 megabytes"}),
+              recorder.infos);
+  }
+  ::setenv(name, "", 1);
+  {
+    RecordingHandler recorder;
+    GatherStoreDecorator gather(threeSets());
+    EXPECT_EQ(0, gather.getCacheSize());
+    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 0 megabytes"}),
+              recorder.infos);
+  }
+  ::unsetenv(name);
+  RecordingHandler recorder;
+  GatherStoreDecorator gather(threeSets());
+  EXPECT_EQ(256, gather.getCacheSize());
+  EXPECT_TRUE(recorder.infos.empty());
+}
+
+// --- the conformance suite -----------------------------------------------------------------
+
+// A set holding the reference instances listed, with the reference keys.
+SetContent referenceSet(char const* name, std::vector<unsigned int> const& instances) {
+  SetContent set{name, {}};
+  for (char const* attribute : kReferenceAttributes) {
+    Column c{StoreConformance::referenceDefinition(attribute), {}};
+    for (unsigned int i : instances)
+      for (int k = 1; k <= c.definition.getLength(); ++k)
+        c.values.push_back(StoreConformance::referenceValue(attribute, i, k));
+    set.columns.push_back(c);
+  }
+  return set;
+}
+
+void joinCase(StoreConformanceCase& c) {
+  c.texts.notWritable = "Has not been written yet!";
+  // The sequence attribute leads the keys.
+  c.hasKeyList = false;
+  // Reads by groups and keys are refused, and ranges are checked in words
+  // of these views (told above).
+  c.notApplicable = {"ReadsBySelectorGroups", "ReadsByKeyValues", "AnswersGroupQuestions",
+                     "RefusesBadGroupNumbersWithTheirTexts", "RefusesBadRangesWithTheirTexts",
+                     "RefusesBadListsAndNamesWithTheirTexts"};
+}
+
+void defineSequence() {
+  AttributeDefinitionTable::instance().addDefinition(Attribute(kSequence, kSequence, vINT32));
+}
+
+StoreConformanceCase concatCase() {
+  StoreConformanceCase c("ConcatOfThreeSets");
+  c.openForReading = [] {
+    defineSequence();
+    auto shelf = joinShelf(kStore, {"CDP", "OFFSET"},
+                           {referenceSet("", {1, 2, 3, 4, 5}), referenceSet("b", {6}), referenceSet("c", {7, 8, 9, 10, 11, 12})});
+    return vHandle_cast<AttributeSet>(StoreDecoratorFactory::addConcat(openJoin(shelf, kStore)));
+  };
+  joinCase(c);
+  return c;
+}
+
+StoreConformanceCase gatherCase() {
+  StoreConformanceCase c("GatherOfThreeSets");
+  c.openForReading = [] {
+    defineSequence();
+    auto shelf = joinShelf(kStore, {"CDP", "OFFSET"},
+                           {referenceSet("", {1, 4, 7, 10}), referenceSet("b", {2, 5, 8, 11}),
+                            referenceSet("c", {3, 6, 9, 12})});
+    return vHandle_cast<AttributeSet>(StoreDecoratorFactory::addGather(openJoin(shelf, kStore)));
+  };
+  joinCase(c);
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(JoinViews, StoreConformance, ::testing::Values(concatCase(), gatherCase()),
+                         StoreConformance::caseName);
