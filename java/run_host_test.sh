@@ -8,7 +8,11 @@
 #   exports  the library exports exactly the seven native methods
 #   server   a real data server (VSERVER) on this host, to which FS_CLUSTERS
 #            maps the server name, with the UnitTest back end: open, list by
-#            class, the four data methods (not there yet: false)
+#            class
+#   data     the same with stores that have data (packed store files that
+#            DEMOSTORES writes): what a seismic line, a map and a time slice
+#            hold, attributes loaded into arrays with their checksums, and
+#            the loads that answer false
 #   refused  a data server that cannot serve (an unknown back end): the
 #            connection fails with the server's report
 #   order    calls out of order: an empty map entry, and contents of a
@@ -74,7 +78,7 @@ fi
 run_host() {
   set +e
   (cd "$work" && "$JAVA" -Xshare:off -Djava.library.path="$(dirname "$library")" -cp classes \
-     com.nyx.orda.business.io.protocols.rondo.RondoHost "$@") >"$work/out" 2>"$work/err"
+     "com.nyx.orda.business.io.protocols.rondo.${host_class:-RondoHost}" "$@") >"$work/out" 2>"$work/err"
   status=$?
   set -e
   sed -i -E 's#Address:[^ "]*#Address:-#; s# -build [0-9]+"# -build -"#' "$work/out"
@@ -118,12 +122,9 @@ case "$scenario" in
     export SP_DATASERVER_TRACE=1
     run_host connect SeisServer connect SeisServer connect SEISSERVER project SeisServer survey \
       contents SeisServer survey - contents SeisServer survey Seismic contents SeisServer survey horizon \
-      contents-without-append SeisServer survey - \
-      datainfo SeisServer survey line12 loadi SeisServer survey line12 CDP \
-      loadf SeisServer survey line12 TRACE 0 2 loadtab SeisServer survey line12 TRACE
-    # Five calls answer false: the sink without append and the four data
-    # methods.
-    expect_output 5 "$(started "$this_host")
+      contents-without-append SeisServer survey -
+    # One call answers false: the sink without append.
+    expect_output 1 "$(started "$this_host")
 RondoOpenConnection(\"SeisServer\") = true
 RondoOpenConnection(\"SeisServer\") = true
 RondoOpenConnection(\"SEISSERVER\") = true
@@ -139,12 +140,92 @@ append(line12)
 RondoGetContents(\"SeisServer\", \"survey\", \"Seismic\") stores=3 = true
 RondoGetContents(\"SeisServer\", \"survey\", \"horizon\") stores=0 = true
 RondoGetContents(\"SeisServer\", \"survey\", \"\") = false
-RondoGetDataInfo(\"line12\") = false
-RondoLoadAttributeI(\"line12\", \"CDP\") = false
-RondoLoadAttributeF(\"line12\", \"TRACE\", 0, 2) = false
-RondoLoadAttributeFromTabindexF(\"line12\", \"TRACE\") = false
 "
     grep -q ' request 2 code 98$' "$work/DataServer.Rondo" || fail "the server's log has no open of the project"
+    ;;
+  data)
+    [ -n "${DEMOSTORES:-}" ] || fail "DEMOSTORES must name the DemoStores program"
+    mkdir -p "$work/stores"
+    "$DEMOSTORES" "$work/stores" || fail "DemoStores could not write the stores"
+    s=$work/stores
+    export RONDO_UNITTEST_STORES="line12.1:seismic:2d:$s/line12.store tops.1:horizon::$s/tops.store \
+slices.1:seismic:timeslice:$s/slices.store"
+    export FS_CLUSTERS="seisserver=$this_host"
+    # The grid of a time slice takes its position attributes from the
+    # vocabulary, found in the working directory when no release is set.
+    mkdir -p "$work/SystemFiles"
+    cp "$here/../release/SystemFiles/AttributeDefTable4.txt" "$work/SystemFiles/"
+    host_class=RondoDataHost
+    run_host connect SeisServer project SeisServer survey \
+      datainfo SeisServer survey line12 datainfo SeisServer survey tops datainfo SeisServer survey slices \
+      sumi SeisServer survey line12 CDP 6 sumi SeisServer survey line12 STATIC 8 \
+      sumf SeisServer survey line12 AMP.RMS -1 -1 6 sumf SeisServer survey line12 TRACE 0 6 48 \
+      sumf SeisServer survey line12 TRACE 4 2 16 sumtab SeisServer survey line12 TRACE 16 5,0 \
+      sumf SeisServer survey tops DEPTH -1 -1 4 \
+      sumf SeisServer survey line12 CDP 0 2 16 sumi SeisServer survey line12 CDP 5
+    # The line: key and attribute statistics, the trace layout; the map by
+    # its property; the slice as a grid of 3 inlines by 2 crosslines. Sums
+    # and CRC-32s of the arrays: all traces, traces 5 and 6, traces 6 and 1
+    # by index; two loads answer false.
+    expect_output 2 "$(started "$this_host")
+RondoOpenConnection(SeisServer) = true
+RondoOpenProject(SeisServer, survey) = true
+setNbElements(6)
++++++KEY Attribute is: CDP
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(CDP, 0.0, 0.0)
+addKeyAttributeName(CDP, 1)
++++++KEY Attribute is: OFFSET
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(OFFSET, 0.0, 0.0)
+addKeyAttributeName(OFFSET, 1)
++++++PRIMARY KEY is: CDP
++++++SECONDARY KEY is: OFFSET
+setProperty(Primary Key, CDP)
+setProperty(Secondary Key, OFFSET)
+++++Attribute is: AMP.RMS
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(AMP.RMS, 0.0, 0.0)
+addAttributeName(AMP.RMS, 2)
+++++Attribute is: CDP
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(CDP, 0.0, 0.0)
+addAttributeName(CDP, 1)
+++++Attribute is: OFFSET
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(OFFSET, 0.0, 0.0)
+addAttributeName(OFFSET, 1)
+++++Attribute is: STATIC
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(STATIC, 0.0, 0.0)
+addAttributeName(STATIC, 2)
+================== Length: 8
+setProperty(Length, 8)
+setProperty(SampleRate, 4.000000)
+setProperty(FirstTime, 0.000000)
+RondoGetDataInfo(line12) = true
+setNbElements(4)
+addKeyAttributeName(XVAL, 1)
+addKeyAttributeName(YVAL, 1)
+addAttributeName(DEPTH, 2)
+RondoGetDataInfo(tops) = true
+setNbElements(6)
+addKeyAttributeName(CROSSLINE, 1)
+addKeyAttributeName(INLINE, 1)
+addAttributeName(AMPLITUDE.000100, 2)
+RondoGetDataInfo(slices) = true
+RondoLoadAttributeI(line12, CDP) n=6 sum=621 crc=3464a7ea = true
+RondoLoadAttributeI(line12, STATIC) n=8 sum=7 crc=c016178b = true
+RondoLoadAttributeF(line12, AMP.RMS, -1, -1) n=6 sum=5.25 crc=4b89b5a0 = true
+RondoLoadAttributeF(line12, TRACE, 0, 6) n=48 sum=1764.0 crc=ad20d669 = true
+RondoLoadAttributeF(line12, TRACE, 4, 2) n=16 sum=908.0 crc=823f6132 = true
+RondoLoadAttributeFromTabindexF(line12, TRACE, 5,0) n=16 sum=588.0 crc=004ce1f8 = true
+RondoLoadAttributeF(tops, DEPTH, -1, -1) n=4 sum=4875.0 crc=eddc0098 = true
+RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! 
+RondoLoadAttributeF(line12, CDP, 0, 2) n=16 sum=0.0 crc=758d6336 = false
+RondoLoadAttributeI---------- The array holds 5 values, 6 are needed!!!!!!!!!!!
+RondoLoadAttributeI(line12, CDP) n=5 sum=0 crc=0fd59b8d = false
+"
     ;;
   refused)
     export FS_CLUSTERS="seisserver=$this_host"
