@@ -186,6 +186,27 @@ TEST_F(ConcatStoreDecoratorTest, ChecksAttributesAndSets) {
   expectFailure([&] { notOpen->getNInstances(); }, label, "The store is not open!");
 }
 
+// A store that lists a variable-length attribute among its own.
+class VariableListingStore : public TestMemoryStore {
+ public:
+  explicit VariableListingStore(std::shared_ptr<TestMemoryShelf> const& shelf)
+      : TestMemoryStore(vHandle<Project>(), shelf) {}
+  std::list<Attribute> getAttributeList() const override {
+    std::list<Attribute> list = TestMemoryStore::getAttributeList();
+    list.push_back(Attribute("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH));
+    return list;
+  }
+  using TestMemoryStore::getAttributeList;
+};
+
+TEST_F(ConcatStoreDecoratorTest, RefusesVariableLengthAttributes) {
+  vHandle<Store> store(new VariableListingStore(joinShelf("v", {"ID"}, {idSet("", {1}), idSet("b", {2})})));
+  store->open("v", 0, "seismic", "3d", nullptr);
+  vHandle<Store> view = StoreDecoratorFactory::addGather(store);
+  expectFailure([&] { view->getNInstances(); }, "ConcatStoreDecorator::myValidateStore",
+                "The attribute 'PICKS' is variable length ... not supported!");
+}
+
 TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
   vHandle<Store> concat = StoreDecoratorFactory::addConcat(shots());
   vHandle<Store> gather = StoreDecoratorFactory::addGather(shots());

@@ -151,6 +151,19 @@ TEST(MergeStoreDecorator, StoresAndDirectionAreFixedAtTheFirstQuestion) {
   EXPECT_EQ((std::vector<double>{4, 3}), valuesOf(key));
 }
 
+// The method's own guard, behind the one of addStore.
+struct ProbedMethod : Merge::MergeMethodNoSecondarySort {
+  using Merge::MergeMethodNoSecondarySort::myDoAddStore;
+};
+
+TEST(MergeStoreDecorator, TheMethodRefusesAStoreAfterReading) {
+  ProbedMethod method;
+  method.addStore(keyed("a", {1}, {1}));
+  EXPECT_EQ(1u, method.getNInstances());
+  expectFailure([&] { method.myDoAddStore(keyed("b", {2}, {2})); }, "MergeMethodNoSecondarySort::myDoAddStore",
+                "Cannot add a store after we have started reading data!");
+}
+
 TEST(MergeStoreDecorator, RefusesStoresItCannotMerge) {
   char const* label = "MergeMethodNoSecondarySort::myDoAddStore";
   vHandle<Store> closed(new TestMemoryStore(vHandle<Project>()));
