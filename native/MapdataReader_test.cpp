@@ -298,6 +298,10 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
                 reason);
   PropertyI properties;
   expectFailure([&] { grid = properties; }, "TimesliceToMapdataDecorator::read(const PropertyI &rhs)const", reason);
+  expectFailure([&] { grid.read(a, 2, 3); }, "TimesliceToMapdataDecorator::read",
+                "Instances 2 to 3 of INLINE are outside the grid of 2 inlines by 1 crosslines.");
+  expectFailure([&] { grid.read(a, 0, 1); }, "TimesliceToMapdataDecorator::read",
+                "Instances 0 to 1 of INLINE are outside the grid of 2 inlines by 1 crosslines.");
   // A letter the view does not know reads nothing.
   Attribute unknown("ZED", "", vFLOAT32);
   grid.read(unknown, 1, 2);

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <list>
 
@@ -388,7 +389,7 @@ JNIEXPORT jboolean JNICALL Java_com_nyx_orda_business_io_protocols_rondo_RondoNa
     Attribute attribute = store->getAttribute(vUCString(name.get()));
     unsigned int n = store->getNInstances();
     bool const whole = first == -1 || count == -1;
-    if (!whole && !(attribute.getName() == "TRACE")) {
+    if (!whole && std::strcmp(name.get(), "TRACE") != 0) {
       std::cout << kNotTrace << std::endl;
       return JNI_FALSE;
     }
@@ -430,7 +431,7 @@ Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_RondoLoadAtt
   try {
     JavaChars name(env, attributeName);
     Attribute attribute = store->getAttribute(vUCString(name.get()));
-    if (!(attribute.getName() == "TRACE")) {
+    if (std::strcmp(name.get(), "TRACE") != 0) {
       std::cout << kNotTrace << std::endl;
       return JNI_FALSE;
     }

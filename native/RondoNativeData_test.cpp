@@ -414,10 +414,12 @@ TEST_F(RondoData, LoadFTakesWholeAttributesOrRangesOfTraces) {
   EXPECT_EQ((std::vector<float>{5, 5, 5, 5}), floats(kept));
   EXPECT_EQ("", m_printed);
 
-  // Ranges are for traces only.
-  EXPECT_FALSE(loadF("loadf", "line", "STATIC", values, 0, 2));
-  EXPECT_EQ("RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! \n",
-            m_printed);
+  // Ranges are for traces only, by that name exactly.
+  for (char const* name : {"STATIC", "trace"}) {
+    EXPECT_FALSE(loadF("loadf", "line", name, values, 0, 2));
+    EXPECT_EQ("RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! \n",
+              m_printed);
+  }
 }
 
 TEST_F(RondoData, LoadFromTabindexTakesTheListedTraces) {

@@ -148,6 +148,12 @@ bool TimesliceToMapdataDecorator::hasAttribute(vUCString const& name) const {
 // --- reads -------------------------------------------------------------------
 
 void TimesliceToMapdataDecorator::read(Attribute& attribute, unsigned int first, unsigned int last) const {
+  // The grid is computed from the instance numbers: outside it there is
+  // nothing to compute from.
+  if (first == 0 || last < first || last > getNInstances())
+    Message::fatal("TimesliceToMapdataDecorator::read", 0,
+                   "Instances %u to %u of %s are outside the grid of %d inlines by %u crosslines.", first, last,
+                   attribute.getName().c_str(), m_nInlines, myNCrosslines());
   char const letter = attribute.getName().isBlank() ? '\0' : attribute.getName().c_str()[0];
   bool const crossline = myHasCrossline();
   if (letter == 'C') {
