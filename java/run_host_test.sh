@@ -13,6 +13,8 @@
 #            DEMOSTORES writes): what a seismic line, a map and a time slice
 #            hold, attributes loaded into arrays with their checksums, and
 #            the loads that answer false
+#   nostore  a data set the project does not have: the host ends with the
+#            reason
 #   refused  a data server that cannot serve (an unknown back end): the
 #            connection fails with the server's report
 #   order    calls out of order: an empty map entry, and contents of a
@@ -225,6 +227,18 @@ RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!
 RondoLoadAttributeF(line12, CDP, 0, 2) n=16 sum=0.0 crc=758d6336 = false
 RondoLoadAttributeI---------- The array holds 5 values, 6 are needed!!!!!!!!!!!
 RondoLoadAttributeI(line12, CDP) n=5 sum=0 crc=0fd59b8d = false
+"
+    ;;
+  nostore)
+    export RONDO_UNITTEST_STORES="line12.3:seismic:2d"
+    export FS_CLUSTERS="seisserver=$this_host"
+    host_class=RondoDataHost
+    run_host connect SeisServer project SeisServer survey datainfo SeisServer survey line13
+    expect_output 255 "$(started "$this_host")
+RondoOpenConnection(SeisServer) = true
+RondoOpenProject(SeisServer, survey) = true
+Can't open project
+Reason: 'Server said:-o Store line13 version 0 is not in project survey. in method 'COBPortal::myMessage'
 "
     ;;
   refused)

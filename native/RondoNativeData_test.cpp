@@ -572,7 +572,10 @@ TEST_F(RondoDataDeathTest, AFailureOfAnOpenStoreEndsTheHostWithItsReport) {
                                        newInts({0, 0, 0, 0, 0}));
         std::exit(0);
       },
-      ::testing::ExitedWithCode(255), "NOSUCH");
+      ::testing::ExitedWithCode(255),
+      literally("\n====================== EXCEPTION TRACEBACK =======================\n"
+                "Server said:-o Attribute NOSUCH is not in the AttributeSet line.\n"
+                "   (Method=COBPortal::myMessage)\n"));
   EXPECT_EXIT(
       {
         open("bad");
@@ -581,7 +584,9 @@ TEST_F(RondoDataDeathTest, AFailureOfAnOpenStoreEndsTheHostWithItsReport) {
                                                    jstr("TRACE"), newInts({5}), 1, newFloats(4));
         std::exit(0);
       },
-      ::testing::ExitedWithCode(255), "\\(Method=");
+      ::testing::ExitedWithCode(255),
+      literally("Server said:-o last instance 6 must be <= number of instances 5.\n"
+                "   (Method=COBPortal::myMessage)\n"));
   EXPECT_EXIT(
       {
         open("bad");
