@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 
+#include "attribute/AttributeDefinition.h"
 #include "decorator/ConcatStoreDecorator.h"
 #include "decorator/GatherStoreDecorator.h"
 #include "decorator/JoinTesting.h"
@@ -225,6 +226,24 @@ TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
     expectFailure([&] { store.addAttribute(id); }, (prefix + "addAttribute").c_str(), text);
     expectFailure([&] { store.addInstances(1); }, (prefix + "addInstances").c_str(), text);
   }
+}
+
+// The views take the sequence attribute from the vocabulary the release
+// ships.
+TEST(ConcatStoreDecorator, TheShippedVocabularyDefinesTheSequence) {
+  char const* old = std::getenv("VREL");
+  std::string saved = old ? old : "";
+  ::setenv("VREL", (std::string(RONDO_TEST_SOURCE_DIR) + "/release/").c_str(), 1);
+  AttributeDefinitionTable::instance().dropTable();
+  Attribute sequence = AttributeDefinition::getDefinition("attributeset.sequence");
+  AttributeDefinitionTable::instance().dropTable();
+  if (old)
+    ::setenv("VREL", saved.c_str(), 1);
+  else
+    ::unsetenv("VREL");
+  EXPECT_STREQ(kSequence, sequence.getName().c_str());
+  EXPECT_EQ(vINT32, sequence.getDataType());
+  EXPECT_EQ(1, sequence.getLength());
 }
 
 // --- gather --------------------------------------------------------------------------------
