@@ -38,7 +38,9 @@ vHandle<Store> observedJoin(std::shared_ptr<TestMemoryShelf> const& shelf, char 
 }
 
 // Primary set of 3 instances, set b of 2.
-vHandle<Store> shots() { return observedJoin(joinShelf("shots", {"ID"}, {idSet("", {1, 2, 3}), idSet("b", {4, 5})}), "shots"); }
+vHandle<Store> shots() {
+  return observedJoin(joinShelf("shots", {"ID"}, {idSet("", {1, 2, 3}), idSet("b", {4, 5})}), "shots");
+}
 
 class ConcatStoreDecoratorTest : public ::testing::Test {
  protected:
@@ -378,7 +380,8 @@ StoreConformanceCase concatCase() {
   c.openForReading = [] {
     defineSequence();
     auto shelf = joinShelf(kStore, {"CDP", "OFFSET"},
-                           {referenceSet("", {1, 2, 3, 4, 5}), referenceSet("b", {6}), referenceSet("c", {7, 8, 9, 10, 11, 12})});
+                           {referenceSet("", {1, 2, 3, 4, 5}), referenceSet("b", {6}),
+                            referenceSet("c", {7, 8, 9, 10, 11, 12})});
     return vHandle_cast<AttributeSet>(StoreDecoratorFactory::addConcat(openJoin(shelf, kStore)));
   };
   joinCase(c);

@@ -323,7 +323,8 @@ void MergeMethodNoSecondarySort::myCollateMergeData() const {
       }
     }
   }
-  if ((m_groups.capacity() - m_groups.size()) * sizeof(Group) >= (1u << 20)) std::vector<Group>(m_groups).swap(m_groups);
+  if ((m_groups.capacity() - m_groups.size()) * sizeof(Group) >= (1u << 20))
+    std::vector<Group>(m_groups).swap(m_groups);
   switch (m_keyType) {
     case vINT16:
       mySortGroups<short>();

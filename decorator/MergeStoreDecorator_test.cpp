@@ -174,7 +174,8 @@ TEST(MergeStoreDecorator, RefusesStoresItCannotMerge) {
                 "The store '" + title(texts) + "' contains a key of datatype vSTRING but we do not support this!");
   vHandle<Store> pairs = simpleStore("p", {"PAIR"}, {column("PAIR", vINT32, {1, 2}, 2)});
   expectFailure([&] { StoreDecoratorFactory::addMerge(pairs, 0, true); }, label,
-                "The store '" + title(pairs) + "' contains the primary key length of 2 ... we only support length = 1!!");
+                "The store '" + title(pairs) +
+                    "' contains the primary key length of 2 ... we only support length = 1!!");
 }
 
 TEST(MergeStoreDecorator, RefusesBadRangesAndLists) {

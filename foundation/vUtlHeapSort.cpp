@@ -80,7 +80,9 @@ struct TwoKeys {
   K1 held1;
   K2 held2;
   Index heldIndex;
-  bool after(int i, int j) const { return later<K1, K2, Ascending1, Ascending2>(a[i - 1], b[i - 1], a[j - 1], b[j - 1]); }
+  bool after(int i, int j) const {
+    return later<K1, K2, Ascending1, Ascending2>(a[i - 1], b[i - 1], a[j - 1], b[j - 1]);
+  }
   bool afterHeld(int i) const { return later<K1, K2, Ascending1, Ascending2>(a[i - 1], b[i - 1], held1, held2); }
   void take(int i) {
     held1 = a[i - 1];
