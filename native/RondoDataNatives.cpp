@@ -284,6 +284,12 @@ void describeData(JNIEnv* env, jobject sink, InfoSink const& calls, vHandle<Stor
   }
 }
 
+// The stores of the map go at the exit of the process, before the
+// process-wide objects that a store uses to close itself (names of reserved
+// properties, the factories' caches): the map is built when the library
+// loads, before those, and would otherwise be destroyed after them.
+void releaseStoresAtExit() { map_store.clear(); }
+
 }  // namespace
 
 vHandle<Store> getRondoStore(JNIEnv* env, jstring server, jstring project, jstring dataName) {
@@ -291,6 +297,8 @@ vHandle<Store> getRondoStore(JNIEnv* env, jstring server, jstring project, jstri
   auto const found = map_store.find(key);
   if (found != map_store.end()) return found->second;
   vHandle<Store> store = StoreFactory::create(getRondoProject(env, server, project));
+  static bool const releasedAtExit = std::atexit(&releaseStoresAtExit) == 0;
+  (void)releasedAtExit;
   map_store[key] = store;
   return store;
 }
