@@ -505,6 +505,14 @@ TEST_F(RondoData, TheFirstOpenerChoosesTheVersion) {
   EXPECT_EQ(map_store["|RONDO|versions|tops"].get(), closed.get());
   EXPECT_FALSE(closed->isOpen());
   EXPECT_FALSE(closeStoreOnData(jvm(), nullptr, closed));
+  // A store open for reading closes without writing its properties back to
+  // the server's set, which would refuse them; it opens again afterwards.
+  ASSERT_TRUE(store->isOpen());
+  EXPECT_TRUE(closeStoreOnData(jvm(), descriptor(kServer, "versions", "late"), closed));
+  EXPECT_EQ(store.get(), closed.get());
+  EXPECT_FALSE(store->isOpen());
+  EXPECT_TRUE(loadF("versions", "late", "TRACE", values, 0, 1));
+  EXPECT_EQ((std::vector<float>{100, 101, 102, 103}), floats(values));
 }
 
 // --- the paths that end the host ---------------------------------------------------

@@ -80,7 +80,9 @@ void StoreImp::mySetActiveProperties() { PropertyI::setPropertyList(*m_active); 
 void StoreImp::myCopyPrimeSetProperties() { PropertyI::setPropertyList(*m_primary); }
 
 void StoreImp::mySavePrimeSetProperties() {
-  if (!isSet()) return;
+  // A store open for reading cannot have changed its properties, and its
+  // primary set (a remote one above all) refuses to be written to.
+  if (!isSet() || !m_writable) return;
   // Taken aside first: the store may share the primary set's list.
   std::vector<Property> own;
   for (const_iterator it = PropertyI::beginProperty(); it != PropertyI::endProperty(); ++it)
