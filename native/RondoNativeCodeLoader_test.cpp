@@ -21,6 +21,7 @@
 
 #include "foundation/Message.h"
 #include "foundation/TestReleaseTree.h"
+#include "native/NativeTesting.h"
 #include "foundation/vUtl.h"
 #include "native/RondoNativeMaps.h"
 #include "project/ProjectCatalogFactory.h"
@@ -53,44 +54,9 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-// The build tree: RONDO_BINARY_DIR, or else the one this program was built
-// into (build/bin/native_tests).
-std::string buildTree() {
-  char const* build = std::getenv("RONDO_BINARY_DIR");
-  if (build && *build) return build;
-  std::error_code error;
-  std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? std::string(".") : self.parent_path().parent_path().string();
-}
-
-JNIEnv* jvm() {
-  static JNIEnv* env = [] {
-    // One virtual machine per process: another suite may have made it.
-    JavaVM* created = nullptr;
-    jsize nCreated = 0;
-    if (JNI_GetCreatedJavaVMs(&created, 1, &nCreated) == JNI_OK && nCreated == 1) {
-      JNIEnv* found = nullptr;
-      created->GetEnv(reinterpret_cast<void**>(&found), JNI_VERSION_1_8);
-      return found;
-    }
-    std::string classPath = "-Djava.class.path=" + buildTree() + "/java/classes";
-    JavaVMOption options[2];
-    options[0].optionString = const_cast<char*>(classPath.c_str());
-    options[1].optionString = const_cast<char*>("-Xrs");
-    JavaVMInitArgs args;
-    args.version = JNI_VERSION_1_8;
-    args.nOptions = 2;
-    args.options = options;
-    args.ignoreUnrecognized = JNI_FALSE;
-    JavaVM* vm = nullptr;
-    JNIEnv* made = nullptr;
-    if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&made), &args) != JNI_OK) return static_cast<JNIEnv*>(nullptr);
-    return made;
-  }();
-  return env;
-}
-
-jstring jstr(char const* text) { return jvm()->NewStringUTF(text); }
+using native_testing::buildTree;
+using native_testing::jstr;
+using native_testing::jvm;
 
 int nCatalogs = 0;
 

@@ -31,6 +31,7 @@
 #include "filestore/memory/InMemoryStore.h"
 #include "foundation/Packer.h"
 #include "foundation/TestReleaseTree.h"
+#include "native/NativeTesting.h"
 #include "native/RondoDataNatives.h"
 #include "native/RondoNativeMaps.h"
 #include "project/Project.h"
@@ -50,37 +51,9 @@ jboolean RONDO_JNI(RondoLoadAttributeFromTabindexF)(JNIEnv*, jobject, jobject, j
 
 namespace {
 
-std::string buildTree() {
-  char const* build = std::getenv("RONDO_BINARY_DIR");
-  return build && *build ? std::string(build) : std::string(RONDO_TEST_BINARY_DIR);
-}
-
-// The process has one virtual machine, whichever test made it first.
-JNIEnv* jvm() {
-  static JNIEnv* env = [] {
-    JavaVM* vm = nullptr;
-    JNIEnv* made = nullptr;
-    jsize n = 0;
-    if (JNI_GetCreatedJavaVMs(&vm, 1, &n) == JNI_OK && n == 1) {
-      vm->GetEnv(reinterpret_cast<void**>(&made), JNI_VERSION_1_8);
-      return made;
-    }
-    std::string classPath = "-Djava.class.path=" + buildTree() + "/java/classes";
-    JavaVMOption options[2];
-    options[0].optionString = const_cast<char*>(classPath.c_str());
-    options[1].optionString = const_cast<char*>("-Xrs");
-    JavaVMInitArgs args;
-    args.version = JNI_VERSION_1_8;
-    args.nOptions = 2;
-    args.options = options;
-    args.ignoreUnrecognized = JNI_FALSE;
-    if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&made), &args) != JNI_OK) return static_cast<JNIEnv*>(nullptr);
-    return made;
-  }();
-  return env;
-}
-
-jstring jstr(char const* text) { return jvm()->NewStringUTF(text); }
+using native_testing::buildTree;
+using native_testing::jstr;
+using native_testing::jvm;
 
 char const kServer[] = "";
 char const kPackage[] = "com/nyx/orda/business/io/protocols/rondo/";

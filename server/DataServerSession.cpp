@@ -15,22 +15,12 @@
 #include "foundation/UtlExcept.h"
 #include "foundation/vLCString.h"
 #include "remote/ClientCodes.h"
+#include "server/DataServerRequest.h"
 
 namespace {
 
-// Request entries are read as they come; a request that ends early, or
-// carries an entry of another type, fails in the Packer with its own text.
-vString readString(Packer& in) {
-  vString text;
-  in.unpack(text);
-  return text;
-}
-
-int32_t readInt(Packer& in) {
-  int32_t value = 0;
-  in.unpack(value);
-  return value;
-}
+using DataServerRequest::readInt;
+using DataServerRequest::readString;
 
 // While a request is served, the errors and notes of the code that serves
 // it go to the client as reports of severity 2 and 3, and the reply is

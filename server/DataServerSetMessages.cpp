@@ -1,7 +1,6 @@
 // The attribute set twins of a session: each request runs the local set
 // that serves the store.
 
-#include <iterator>
 #include <vector>
 
 #include "attribute/Attribute.h"
@@ -12,39 +11,16 @@
 #include "project/StoreCreationOptions.h"
 #include "project/StoreOpenOptions.h"
 #include "remote/ClientCodes.h"
+#include "server/DataServerRequest.h"
 #include "server/DataServerSession.h"
 
 namespace {
 
-vString readString(Packer& in) {
-  vString text;
-  in.unpack(text);
-  return text;
-}
-
-int32_t readInt(Packer& in) {
-  int32_t value = 0;
-  in.unpack(value);
-  return value;
-}
-
-uint32_t readUInt(Packer& in) {
-  uint32_t value = 0;
-  in.unpack(value);
-  return value;
-}
-
-bool readBool(Packer& in) {
-  bool value = false;
-  in.unpackBool(value);
-  return value;
-}
-
-std::vector<unsigned int> readInstances(Packer& in) {
-  std::vector<unsigned int> list;
-  unpack(in, std::back_inserter(list), 0u);
-  return list;
-}
+using DataServerRequest::readBool;
+using DataServerRequest::readInstances;
+using DataServerRequest::readInt;
+using DataServerRequest::readString;
+using DataServerRequest::readUInt;
 
 vUtlSort::SortOrder::SortOrderType readOrder(Packer& in) {
   return static_cast<vUtlSort::SortOrder::SortOrderType>(readInt(in));
