@@ -96,7 +96,7 @@ TEST(StoreFactoryOpenFile, ASpecWithoutAFormatLeavesTheKindUnknown) {
   d.setFormatSpec("line.syf");
   expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), unknownType(path(d)));
   EXPECT_TRUE(seen().empty());
-  // Without the spec the extension is the tag.
+  // Without a format spec the extension is the tag.
   d.setFormatSpec("");
   shelve(fileShelf(), "line.segy");
   StoreFactory::openStore(d, "", nullptr);
@@ -152,7 +152,7 @@ Mapped& mapped() {
   return m;
 }
 
-// A mapping file is the spec with ".cstf" in the data file's directory.
+// A mapping file is the format spec, with ".cstf", in the data file's directory.
 bool resolveBeside(vFilename const& file, vString const& spec, vFilename& mapFile) {
   mapped().file = str(file.getFilename());
   mapped().spec = str(spec);

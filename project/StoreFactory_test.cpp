@@ -52,7 +52,7 @@ TEST(StoreFactoryIdentify, SegyAndNyxByTheLowerCasedExtension) {
   }
 }
 
-// The spec found for a Nyx file: a mapping file named after the kind of
+// The format spec found for a Nyx file: a mapping file named after the kind of
 // data that the file name tells, where one exists in the working directory.
 vFilename nyxSpecBeside(StoreDescription const& description) {
   vString name = description.getFlatFileName().getRoot();
@@ -96,7 +96,7 @@ TEST(StoreFactoryIdentify, CstFilesGetTheSpecFoundForThemOnlyWhenAsked) {
     ASSERT_TRUE(StoreFactory::identifyFileFormat(d, options));
     EXPECT_EQ("", str(d.getFormatSpec()));
   }
-  // Nothing found: the spec stays blank, the file is still Nyx.
+  // Nothing found: the format spec stays blank, the file is still Nyx.
   StoreDescription none = fileIn(tree, "volume3d.cst");
   ASSERT_TRUE(StoreFactory::identifyFileFormat(none, &automatic));
   EXPECT_EQ("", str(none.getFormatSpec()));

@@ -63,7 +63,7 @@ void SegyDiskStore::open(StoreDescription const& description) {
 void SegyDiskStore::open(vFilename const& file) {
   if (m_isOpen || m_file.isOpen()) close();
   m_fileName = file;
-  // The spec of the description being opened, if any; a later open by file
+  // The format spec of the description being opened, if any; a later open by file
   // name alone takes the default format.
   m_formatFileName = m_formatSpec.isBlank() ? vFilename() : vFilename(m_formatSpec);
   m_formatSpec = vString();
