@@ -103,6 +103,36 @@ Bytes message(Bytes const& body, int tag = 0) {
 
 Packer fromBytes(Bytes const& m) { return Packer(static_cast<int>(m.size()), m.data()); }
 
+// The next entry, read as a T.
+template <class T>
+T take(Packer& p) {
+  T v{};
+  p.unpack(v);
+  return v;
+}
+
+// The next array entry, its count checked against what unpack reports.
+template <class T>
+std::vector<T> takeArray(Packer& p) {
+  std::vector<T> v(p.getNElements());
+  EXPECT_EQ(p.unpack(v.data()), v.size());
+  return v;
+}
+
+std::vector<std::string> strs(std::vector<vString> const& v) {
+  std::vector<std::string> out;
+  for (vString const& s : v) out.push_back(str(s));
+  return out;
+}
+
+using Frame = std::pair<short, short>;
+
+Frame frameOf(Packer& p) {
+  Frame f{0, 0};
+  p.unpackFrame(f.first, f.second);
+  return f;
+}
+
 // --- Byte layouts ----------------------------------------------------------------
 
 TEST_F(PackerTest, HeaderAndTheRemoteReadExample) {
@@ -214,20 +244,11 @@ TEST_F(PackerTest, StringsAndStringArrays) {
 
   Packer q(p);
   vString a("junk");
-  vString b;
-  vString c;
   q.unpack(a);
-  q.unpack(b);
-  q.unpack(c);
   EXPECT_TRUE(a.isEmpty());
-  EXPECT_EQ(str(b), "CDP");
-  EXPECT_EQ(str(c), "ab");
-  ASSERT_EQ(q.getNElements(), 3u);
-  std::vector<vString> back(3);
-  EXPECT_EQ(q.unpack(back.data()), 3u);
-  EXPECT_EQ(str(back[0]), "ab");
-  EXPECT_TRUE(back[1].isEmpty());
-  EXPECT_EQ(str(back[2]), "c");
+  EXPECT_EQ(str(take<vString>(q)), "CDP");
+  EXPECT_EQ(str(take<vString>(q)), "ab");
+  EXPECT_EQ(strs(takeArray<vString>(q)), (std::vector<std::string>{"ab", "", "c"}));
   EXPECT_EQ(q.getNElements(), 0u);
   EXPECT_EQ(q.unpack(static_cast<vString*>(nullptr)), 0u);
   EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
@@ -239,12 +260,8 @@ TEST_F(PackerTest, FoldingStringsFoldOnUnpack) {
   p.pack(vUCString("abc"));
   finish(p);
   Packer q(p);
-  vUCString upper;
-  vString plain;
-  q.unpack(upper);
-  q.unpack(plain);
-  EXPECT_EQ(str(upper), "MIXEDCASE");
-  EXPECT_EQ(str(plain), "ABC");
+  EXPECT_EQ(str(take<vUCString>(q)), "MIXEDCASE");
+  EXPECT_EQ(str(take<vString>(q)), "ABC");
 }
 
 TEST_F(PackerTest, DatesAndDateArrays) {
@@ -262,27 +279,19 @@ TEST_F(PackerTest, DatesAndDateArrays) {
 
   Packer q(p);
   vDate a(vDate::Invalid);
-  vDate b;
   q.unpack(a);
-  q.unpack(b);
   EXPECT_TRUE(a.isValid());
   EXPECT_EQ(a.getSeconds(), 0x01020304L);
-  EXPECT_FALSE(b.isValid());
-  vDate back[2];
-  EXPECT_EQ(q.unpack(back), 2u);
+  EXPECT_FALSE(take<vDate>(q).isValid());
+  std::vector<vDate> const back = takeArray<vDate>(q);
   EXPECT_EQ(back[0].getSeconds(), 0x01020304L);
   EXPECT_TRUE(back[0].isValid());
   EXPECT_FALSE(back[1].isValid());
-}
 
-TEST_F(PackerTest, DateFlagIsAppliedAfterTheSeconds) {
-  // Seconds that would make a valid date, with the flag set: not valid.
-  Packer q = fromBytes(message({0x12, 0x01, 0x10, 0x00, 0x00, 0x00, 0x12, 0x02, 0x10, 0x00, 0x00, 0x00}));
-  vDate d;
-  q.unpack(d);
-  EXPECT_FALSE(d.isValid());
-  // Only bit 0 of the flag counts.
-  q.unpack(d);
+  // The flag is applied after the seconds, and only its bit 0 counts.
+  Packer r = fromBytes(message({0x12, 0x01, 0x10, 0x00, 0x00, 0x00, 0x12, 0x02, 0x10, 0x00, 0x00, 0x00}));
+  EXPECT_FALSE(take<vDate>(r).isValid());
+  vDate const d = take<vDate>(r);
   EXPECT_TRUE(d.isValid());
   EXPECT_EQ(d.getSeconds(), 16L);
 }
@@ -296,18 +305,10 @@ TEST_F(PackerTest, Frames) {
   p.endFrame();
   EXPECT_EQ(bodyOf(p), (Bytes{0x7F, 0xD9, 0x04, 0x05, 0x00, 0x05, 0x01, 0, 0, 0, 0x7F, 0xFE, 0xFF, 0xFF, 0xFF,
                               0x7E, 0x7E}));
-  short magic = 0;
-  short version = 0;
-  p.unpackFrame(magic, version);
-  EXPECT_EQ(magic, 1241);
-  EXPECT_EQ(version, 5);
+  EXPECT_EQ(frameOf(p), (Frame{1241, 5}));
   EXPECT_EQ(p.getFrameDepth(), 1);
-  int one = 0;
-  p.unpack(one);
-  EXPECT_EQ(one, 1);
-  p.unpackFrame(magic, version);
-  EXPECT_EQ(magic, -2);
-  EXPECT_EQ(version, -1);
+  EXPECT_EQ(take<int>(p), 1);
+  EXPECT_EQ(frameOf(p), (Frame{-2, -1}));
   p.endFrame();
   p.endFrame();
   EXPECT_EQ(p.getFrameDepth(), 0);
@@ -347,22 +348,15 @@ TEST_F(PackerTest, AddressOfGoesOutAsAnOrdinaryArray) {
   EXPECT_TRUE(sawCallerMemory);
 
   // Reading in the same process goes through the address.
-  int a = 0;
-  p.unpack(a);
-  EXPECT_EQ(a, 7);
+  EXPECT_EQ(take<int>(p), 7);
   EXPECT_EQ(p.getNextDataType(), vADDRESSOF | vARRAYOF | vFLOAT32);
-  ASSERT_EQ(p.getNElements(), 2u);
-  float back[2] = {};
-  EXPECT_EQ(p.unpack(back), 2u);
-  EXPECT_EQ(back[0], 1.0f);
-  EXPECT_EQ(back[1], 2.5f);
+  EXPECT_EQ(takeArray<float>(p), (std::vector<float>{1.0f, 2.5f}));
   EXPECT_EQ(p.unpack(static_cast<short*>(nullptr)), 0u);
-  p.unpack(a);
-  EXPECT_EQ(a, 8);
+  EXPECT_EQ(take<int>(p), 8);
 
   // A message read from the bytes holds an ordinary array.
   Packer q = fromBytes(message(body, 4));
-  q.unpack(a);
+  take<int>(q);
   EXPECT_EQ(q.getNextDataType(), vARRAYOF | vFLOAT32);
 }
 
@@ -420,82 +414,37 @@ void packAll(Packer& p, std::vector<double> const& big) {
 }
 
 void readAll(Packer& p, std::vector<double> const& big) {
-  short magic = 0;
-  short version = 0;
-  p.unpackFrame(magic, version);
-  EXPECT_EQ(magic, 500);
-  EXPECT_EQ(version, 3);
-  signed char sc = 0;
-  char c = 0;
-  unsigned char uc = 0;
-  short s = 0;
-  unsigned short us = 0;
-  int i = 0;
-  unsigned int ui = 0;
-  long long ll = 0;
-  unsigned long long ull = 0;
-  float f = 0;
-  double d = 0;
+  EXPECT_EQ(frameOf(p), (Frame{500, 3}));
+  EXPECT_EQ(take<signed char>(p), -5);
+  EXPECT_EQ(take<char>(p), 'z');
+  EXPECT_EQ(take<unsigned char>(p), 250);
+  EXPECT_EQ(take<short>(p), -12345);
+  EXPECT_EQ(take<unsigned short>(p), 54321);
+  EXPECT_EQ(take<int>(p), -123456789);
+  EXPECT_EQ(take<unsigned int>(p), 3123456789u);
+  EXPECT_EQ(take<long long>(p), -1234567890123LL);
+  EXPECT_EQ(take<unsigned long long>(p), 12345678901234567890ULL);
+  EXPECT_EQ(take<float>(p), 3.5f);
+  EXPECT_EQ(take<double>(p), -2.25);
   bool b = false;
-  p.unpack(sc);
-  p.unpack(c);
-  p.unpack(uc);
-  p.unpack(s);
-  p.unpack(us);
-  p.unpack(i);
-  p.unpack(ui);
-  p.unpack(ll);
-  p.unpack(ull);
-  p.unpack(f);
-  p.unpack(d);
   p.unpackBool(b);
-  EXPECT_EQ(sc, -5);
-  EXPECT_EQ(c, 'z');
-  EXPECT_EQ(uc, 250);
-  EXPECT_EQ(s, -12345);
-  EXPECT_EQ(us, 54321);
-  EXPECT_EQ(i, -123456789);
-  EXPECT_EQ(ui, 3123456789u);
-  EXPECT_EQ(ll, -1234567890123LL);
-  EXPECT_EQ(ull, 12345678901234567890ULL);
-  EXPECT_EQ(f, 3.5f);
-  EXPECT_EQ(d, -2.25);
   EXPECT_TRUE(b);
   ASSERT_EQ(p.getNElements(), 3u);
-  int ints[3] = {};
-  EXPECT_EQ(p.unpack(ints), 3u);
-  EXPECT_EQ(ints[1], -2);
-  long long longs[2] = {};
-  EXPECT_EQ(p.unpack(longs), 2u);
-  EXPECT_EQ(longs[1], 1LL << 40);
-  unsigned short shorts[2] = {};
-  EXPECT_EQ(p.unpack(shorts), 2u);
-  EXPECT_EQ(shorts[1], 65535);
+  EXPECT_EQ(takeArray<int>(p), (std::vector<int>{1, -2, 3}));
+  EXPECT_EQ(takeArray<long long>(p), (std::vector<long long>{-1, 1LL << 40}));
+  EXPECT_EQ(takeArray<unsigned short>(p), (std::vector<unsigned short>{1, 65535}));
   EXPECT_EQ(p.unpack(static_cast<float*>(nullptr)), 0u);
-  vString text;
-  p.unpack(text);
-  EXPECT_EQ(str(text), "hello");
-  p.unpack(text);
-  EXPECT_TRUE(text.isEmpty());
-  vString texts[3];
-  EXPECT_EQ(p.unpack(texts), 3u);
-  EXPECT_EQ(str(texts[0]), "one");
-  EXPECT_TRUE(texts[1].isEmpty());
-  EXPECT_EQ(str(texts[2]), "three");
-  vDate date;
-  p.unpack(date);
-  EXPECT_EQ(date.getSeconds(), 86400L * 365);
-  vDate dates[3];
-  EXPECT_EQ(p.unpack(dates), 3u);
+  EXPECT_EQ(str(take<vString>(p)), "hello");
+  EXPECT_TRUE(take<vString>(p).isEmpty());
+  EXPECT_EQ(strs(takeArray<vString>(p)), (std::vector<std::string>{"one", "", "three"}));
+  EXPECT_EQ(take<vDate>(p).getSeconds(), 86400L * 365);
+  std::vector<vDate> const dates = takeArray<vDate>(p);
+  ASSERT_EQ(dates.size(), 3u);
   EXPECT_EQ(dates[0].getSeconds(), 1000L);
   EXPECT_FALSE(dates[1].isValid());
   EXPECT_EQ(dates[2].getSeconds(), 2000L);
-  p.unpackFrame(magic, version);
-  EXPECT_EQ(magic, 501);
-  ASSERT_EQ(p.getNElements(), big.size());
-  std::vector<double> back(big.size());
-  EXPECT_EQ(p.unpack(back.data()), big.size());
-  EXPECT_EQ(back, big);
+  EXPECT_EQ(frameOf(p).first, 501);
+  EXPECT_EQ(takeArray<double>(p), big);
   p.endFrame();
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
   p.endFrame();
@@ -562,14 +511,9 @@ TEST_F(PackerTest, AddressOfRoundTripAndCopies) {
   EXPECT_EQ(finish(copy, 1), m);
   EXPECT_EQ(static_cast<int>(m.size()), 16 + 11 + 5 + 4000 + 5);
   Packer q = fromBytes(m);
-  vString name;
-  q.unpack(name);
-  std::vector<float> back(q.getNElements());
-  q.unpack(back.data());
-  int three = 0;
-  q.unpack(three);
-  EXPECT_EQ(back, trace);
-  EXPECT_EQ(three, 3);
+  EXPECT_EQ(str(take<vString>(q)), "TRACE");
+  EXPECT_EQ(takeArray<float>(q), trace);
+  EXPECT_EQ(take<int>(q), 3);
 }
 
 TEST_F(PackerTest, EachMessageIsAssembledAfresh) {
@@ -646,14 +590,9 @@ TEST_F(PackerTest, ThroughAPipeWithGatheredWrites) {
   close(fds[0]);
 
   EXPECT_EQ(in.getMessageTag(), 12);
-  vString x;
-  in.unpack(x);
-  std::vector<float> back(in.getNElements());
-  in.unpack(back.data());
-  int last = 0;
-  in.unpack(last);
-  EXPECT_EQ(back, trace);
-  EXPECT_EQ(last, -1);
+  EXPECT_EQ(str(take<vString>(in)), "x");
+  EXPECT_EQ(takeArray<float>(in), trace);
+  EXPECT_EQ(take<int>(in), -1);
   EXPECT_EQ(in.getState(), Packer::PACKUNPACKED);
 }
 
@@ -771,39 +710,17 @@ TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
   Packer p = fromBytes(m);
   EXPECT_TRUE(p.isSwapped());
   EXPECT_EQ(p.getMessageTag(), 258);
-  short magic = 0;
-  short version = 0;
-  p.unpackFrame(magic, version);
-  EXPECT_EQ(magic, 1241);
-  EXPECT_EQ(version, 5);
-  int i = 0;
-  p.unpack(i);
-  EXPECT_EQ(i, -2);
-  short s[2];
-  EXPECT_EQ(p.unpack(s), 2u);
-  EXPECT_EQ(s[0], 1);
-  EXPECT_EQ(s[1], -2);
-  float f = 0;
-  p.unpack(f);
-  EXPECT_EQ(f, 1.0f);
-  double d = 0;
-  p.unpack(d);
-  EXPECT_EQ(d, 2.0);
-  unsigned long long u = 0;
-  p.unpack(u);
-  EXPECT_EQ(u, 0x0102030405060708ULL);
-  vString text;
-  p.unpack(text);
-  EXPECT_EQ(str(text), "ab");
-  vString texts[2];
-  EXPECT_EQ(p.unpack(texts), 2u);
-  EXPECT_EQ(str(texts[0]), "x");
-  EXPECT_EQ(str(texts[1]), "yz");
-  vDate date;
-  p.unpack(date);
-  EXPECT_EQ(date.getSeconds(), 0x01020304L);
-  vDate dates[2];
-  EXPECT_EQ(p.unpack(dates), 2u);
+  EXPECT_EQ(frameOf(p), (Frame{1241, 5}));
+  EXPECT_EQ(take<int>(p), -2);
+  EXPECT_EQ(takeArray<short>(p), (std::vector<short>{1, -2}));
+  EXPECT_EQ(take<float>(p), 1.0f);
+  EXPECT_EQ(take<double>(p), 2.0);
+  EXPECT_EQ(take<unsigned long long>(p), 0x0102030405060708ULL);
+  EXPECT_EQ(str(take<vString>(p)), "ab");
+  EXPECT_EQ(strs(takeArray<vString>(p)), (std::vector<std::string>{"x", "yz"}));
+  EXPECT_EQ(take<vDate>(p).getSeconds(), 0x01020304L);
+  std::vector<vDate> const dates = takeArray<vDate>(p);
+  ASSERT_EQ(dates.size(), 2u);
   EXPECT_EQ(dates[0].getSeconds(), 16L);
   EXPECT_FALSE(dates[1].isValid());
   p.endFrame();
@@ -815,9 +732,8 @@ TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
   EXPECT_EQ(Bytes(again.begin(), again.begin() + 4), (Bytes{0xD6, 0x12, 0x6A, 0x02}));
   Packer r = fromBytes(again);
   EXPECT_FALSE(r.isSwapped());
-  r.unpackFrame(magic, version);
-  r.unpack(i);
-  EXPECT_EQ(i, -2);
+  frameOf(r);
+  EXPECT_EQ(take<int>(r), -2);
 }
 
 TEST_F(PackerTest, SwappedTwinReadsBackTheSame) {
@@ -879,9 +795,7 @@ TEST_F(PackerTest, VersionWordInTheOtherOrderIsAccepted) {
   m[4] = 0;
   m[7] = 1;  // 0x01000000
   Packer p = fromBytes(m);
-  int v = 0;
-  p.unpack(v);
-  EXPECT_EQ(v, 42);
+  EXPECT_EQ(take<int>(p), 42);
 }
 
 // --- State table -------------------------------------------------------------------
@@ -1040,9 +954,7 @@ TEST_F(PackerTest, ReuseForAWholeExchange) {
   int n = p.beginReceive(reply.data());
   std::memcpy(p.getReceiveBuffer(0, n), reply.data() + 16, static_cast<std::size_t>(n));
   p.endReceive();
-  vString text;
-  p.unpack(text);
-  EXPECT_EQ(str(text), "reply");
+  EXPECT_EQ(str(take<vString>(p)), "reply");
   EXPECT_EQ(p.getMessageTag(), 2);
   // And is filled again.
   p.pack(2);
@@ -1081,11 +993,8 @@ TEST_F(PackerTest, UnbalancedFramesAreRefusedAtTheFinish) {
 
   // A message whose frame does not end raises when its last entry is read.
   Packer q = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
-  short m;
-  short v;
-  q.unpackFrame(m, v);
-  int i = 0;
-  EXPECT_EQ(reasonOf([&] { q.unpack(i); }), "Number of packframes does not match endframes");
+  frameOf(q);
+  EXPECT_EQ(reasonOf([&] { take<int>(q); }), "Number of packframes does not match endframes");
 }
 
 TEST_F(PackerTest, MismatchedTypes) {
@@ -1135,10 +1044,8 @@ TEST_F(PackerTest, EndOfMessage) {
   EXPECT_EQ(p.getNextDataType(), vNOTYPE);
   EXPECT_EQ(p.getNElements(), 0u);
   p.first();
-  p.unpack(v);
-  EXPECT_EQ(v, 1);
-  p.unpack(v);
-  EXPECT_EQ(v, 2);
+  EXPECT_EQ(take<int>(p), 1);
+  EXPECT_EQ(take<int>(p), 2);
 
   // A message without entries.
   Packer empty = fromBytes(message({}));
@@ -1160,9 +1067,7 @@ TEST_F(PackerTest, NextStepsOverEveryForm) {
   EXPECT_EQ(q.getFrameDepth(), 0);
   q.first();
   for (int k = 0; k < 26; ++k) q.next();
-  int last = 0;
-  q.unpack(last);
-  EXPECT_EQ(last, 99);
+  EXPECT_EQ(take<int>(q), 99);
 }
 
 TEST_F(PackerTest, Inspection) {
@@ -1313,9 +1218,7 @@ TEST_F(PackerTest, OlderReaderSkipsANewerFrame) {
   EXPECT_EQ(v1.a, 5);
   EXPECT_EQ(str(v1.name), "five");
   EXPECT_EQ(v1.extra, -1);
-  int eleven = 0;
-  p.unpack(eleven);
-  EXPECT_EQ(eleven, 11);
+  EXPECT_EQ(take<int>(p), 11);
   EXPECT_EQ(p.getFrameDepth(), 0);
   // The newer frame at the very end: the skip ends the message cleanly.
   Sample last(1);
@@ -1352,9 +1255,7 @@ TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
   p.pack(4);
   finish(p);
   p.skipFrame();
-  int v = 0;
-  p.unpack(v);
-  EXPECT_EQ(v, 3);
+  EXPECT_EQ(take<int>(p), 3);
   // After a frame end the skip takes the next single entry.
   Packer q(0);
   q.packFrame(1, 1);
@@ -1362,13 +1263,15 @@ TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
   q.pack(5);
   q.pack(6);
   finish(q);
-  short m;
-  short ver;
-  q.unpackFrame(m, ver);
+  frameOf(q);
   q.endFrame();
   q.skipFrame();
-  q.unpack(v);
-  EXPECT_EQ(v, 6);
+  EXPECT_EQ(take<int>(q), 6);
+  // Skipping off the end of a truncated frame is quiet.
+  Packer r = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
+  frameOf(r);
+  r.skipFrame();
+  EXPECT_EQ(r.getState(), Packer::PACKUNPACKED);
 }
 
 // A reader whose last known field is a frame of its own, facing a newer
@@ -1386,31 +1289,18 @@ TEST_F(PackerTest, SkipRestOfFrameAfterANestedFrame) {
   p.endFrame();
   p.pack(4);
   finish(p);
-  short m;
-  short ver;
-  int v = 0;
-  p.unpackFrame(m, ver);
-  p.unpackFrame(m, ver);
-  p.unpack(v);
+  frameOf(p);
+  frameOf(p);
+  take<int>(p);
   p.endFrame();
   p.skipRestOfFrame();
-  p.unpack(v);
-  EXPECT_EQ(v, 4);
+  EXPECT_EQ(take<int>(p), 4);
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
   // Running off the end of a truncated frame is quiet.
   Packer q = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
-  q.unpackFrame(m, ver);
+  frameOf(q);
   q.skipRestOfFrame();
   EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
-}
-
-TEST_F(PackerTest, SkipFrameOffTheEndIsQuiet) {
-  Packer p = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
-  short m;
-  short v;
-  p.unpackFrame(m, v);
-  p.skipFrame();
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
 }
 
 // --- STL ranges --------------------------------------------------------------------
