@@ -11,24 +11,8 @@
 #include <vector>
 
 #include "foundation/TestAddressSpaceCap.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
-
-namespace {
-
-// Runs f, which must raise a fatal message or throw UtlExcept, and returns
-// the exception.
-template <class F>
-UtlExcept catchUtl(F f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return e;
-  }
-  ADD_FAILURE() << "no UtlExcept was thrown";
-  return UtlExcept("", "");
-}
-
-}  // namespace
 
 // --- empty strings -------------------------------------------------------------
 
@@ -131,28 +115,14 @@ TEST(vStringCompare, StricmpFoldsAsciiOnly) {
 
 // --- blank and integer tests ------------------------------------------------------
 
-TEST(vStringTests, BlankMeansOnlySpacesAndTabs) {
-  EXPECT_TRUE(vString("").isBlank());
-  EXPECT_TRUE(vString(" \t ").isBlank());
-  EXPECT_FALSE(vString("\n\n").isBlank());
-  EXPECT_FALSE(vString(" x ").isBlank());
+TEST(vStringTests, BlankAndInteger) {
+  // Blank means only spaces and tabs; a zero-padded string is blank too.
+  for (char const* t : {"", " \t ", " \t"}) EXPECT_TRUE(vString(t).isBlank() && vString(t).isEmpty()) << t;
+  for (char const* t : {"\n\n", " x ", "\n", "a"}) EXPECT_FALSE(vString(t).isBlank() || vString(t).isEmpty()) << t;
   EXPECT_TRUE(vString(4, " ").isBlank());
-  EXPECT_TRUE(vString(" \t").isEmpty());
-  EXPECT_FALSE(vString("\n").isEmpty());
-  EXPECT_FALSE(vString("a").isEmpty());
-}
-
-TEST(vStringTests, IsIntegerAllowsOneSignAndDigitsOnly) {
-  EXPECT_TRUE(vString("123").isInteger());
-  EXPECT_TRUE(vString("-12").isInteger());
-  EXPECT_TRUE(vString("+7").isInteger());
-  EXPECT_TRUE(vString("-").isInteger());
-  EXPECT_FALSE(vString("").isInteger());
-  EXPECT_FALSE(vString("  ").isInteger());
-  EXPECT_FALSE(vString("+-1").isInteger());
-  EXPECT_FALSE(vString("12a").isInteger());
-  EXPECT_FALSE(vString(" 12").isInteger());
-  EXPECT_FALSE(vString("1.5").isInteger());
+  // One sign and digits only; a lone sign counts.
+  for (char const* t : {"123", "-12", "+7", "-"}) EXPECT_TRUE(vString(t).isInteger()) << t;
+  for (char const* t : {"", "  ", "+-1", "12a", " 12", "1.5"}) EXPECT_FALSE(vString(t).isInteger()) << t;
 }
 
 // --- trimming ------------------------------------------------------------------
@@ -188,12 +158,8 @@ TEST(vStringGet, RangeIsInclusiveAndClipped) {
 
 TEST(vStringGet, BadRangesAreFatal) {
   vString s("abc");
-  UtlExcept neg = catchUtl([&] { s.get(-1, 2); });
-  EXPECT_EQ(neg.getReason(), "negative startIndex -1 for string abc");
-  EXPECT_EQ(neg.getMethod(), "vString::get");
-  UtlExcept order = catchUtl([&] { s.get(3, 1); });
-  EXPECT_EQ(order.getReason(), "startIndex 3 greater than endIndex 1 for string abc");
-  EXPECT_EQ(order.getMethod(), "vString::get");
+  expectFailure([&] { s.get(-1, 2); }, "vString::get", "negative startIndex -1 for string abc");
+  expectFailure([&] { s.get(3, 1); }, "vString::get", "startIndex 3 greater than endIndex 1 for string abc");
 }
 
 TEST(vStringGet, BetweenTwoTokens) {
@@ -374,17 +340,8 @@ TEST(vStringRead, Booleans) {
 
 TEST(vStringWrite, StreamOperatorsUseFixedFormats) {
   vString s;
-  s << 0.1;
-  EXPECT_EQ(s, "0.1");
-  s.erase();
-  s << 1.0e20;
-  EXPECT_EQ(s, "1E+20");
-  s.erase();
-  s << 3.14159265358979;
-  EXPECT_EQ(s, "3.14159265358979");
-  s.erase();
-  s << 3.14159265f;
-  EXPECT_EQ(s, "3.141593");
+  s << 0.1 << ' ' << 1.0e20 << ' ' << 3.14159265358979 << ' ' << 3.14159265f;
+  EXPECT_EQ(s, "0.1 1E+20 3.14159265358979 3.141593");
   s.erase();
   s << 12 << ' ' << 9000000000LL << "/" << vString("x");
   EXPECT_EQ(s, "12 9000000000/x");
@@ -544,13 +501,9 @@ TEST(vStringChange, SwapContents) {
 TEST(vStringAt, OutOfRangeThrowsDirectly) {
   vString s("abc");
   EXPECT_EQ('b', s.at(1));
-  UtlExcept e = catchUtl([&] { s.at(3); });
-  EXPECT_EQ(e.getReason(), "Trying to index beyond end of string");
-  EXPECT_EQ(e.getMethod(), "vString::at()");
+  expectFailure([&] { s.at(3); }, "vString::at()", "Trying to index beyond end of string");
   vString const& cs = s;
-  UtlExcept ce = catchUtl([&] { cs.at(7); });
-  EXPECT_EQ(ce.getReason(), "Requested position is out of range.");
-  EXPECT_EQ(ce.getMethod(), "vString::at()");
+  expectFailure([&] { cs.at(7); }, "vString::at()", "Requested position is out of range.");
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
@@ -625,46 +578,29 @@ TEST(vStringDeathTest, WithNoMemoryAtAllTheFailureIsBadAlloc) {
 
 // --- patterns -----------------------------------------------------------------------
 
-TEST(vStringMatch, ShellPatterns) {
-  vString s("trace_042.sgy");
-  EXPECT_TRUE(s.match(vString("*")));
-  EXPECT_TRUE(s.match(vString("trace*")));
-  EXPECT_TRUE(s.match(vString("*.sgy")));
-  EXPECT_TRUE(s.match(vString("trace_???.sgy")));
-  EXPECT_FALSE(s.match(vString("trace_??.sgy")));
-  EXPECT_TRUE(s.match(vString("trace_[0-9][0-9][0-9].*")));
-  EXPECT_FALSE(s.match(vString("trace_[^0]*")));
-  EXPECT_TRUE(s.match(vString("trace_[^1-9]*")));
-  EXPECT_TRUE(s.match(vString("*_*2.s*y")));
-  EXPECT_FALSE(s.match(vString("TRACE*")));
-  EXPECT_FALSE(s.match(vString("trace")));
-  EXPECT_TRUE(vString("-").match(vString("[-a]")));
-  EXPECT_TRUE(vString("-").match(vString("[a-]")));
-  EXPECT_FALSE(vString("b").match(vString("[-a]")));
-  EXPECT_TRUE(vString("").match(vString("*")));
-  EXPECT_FALSE(vString("").match(vString("?")));
-}
-
-TEST(vStringMatch, SetsRangesAndBacktracking) {
-  // Several members and ranges in one set; a '-' after a range is a member.
-  EXPECT_TRUE(vString("q").match(vString("[a-cq-s]")));
-  EXPECT_FALSE(vString("m").match(vString("[a-cq-s]")));
-  EXPECT_TRUE(vString("-").match(vString("[a-c-]")));
-  EXPECT_TRUE(vString("-").match(vString("[a-c-x]")));
-  EXPECT_FALSE(vString("b").match(vString("[^a-c]")));
-  EXPECT_TRUE(vString("d").match(vString("[^a-c]")));
-  // A set always takes one character, also when negated.
-  EXPECT_FALSE(vString("").match(vString("[^a]")));
-  EXPECT_FALSE(vString("ab").match(vString("[^x]")));
-  // '*' is tried at every position, so a later occurrence can still match.
-  EXPECT_TRUE(vString("abXcdXef").match(vString("*X*X*")));
-  EXPECT_TRUE(vString("aXbXc").match(vString("*Xc")));
-  EXPECT_FALSE(vString("aXbXc").match(vString("*Xd")));
-  EXPECT_TRUE(vString("abc").match(vString("a**c")));
-  EXPECT_TRUE(vString("ab").match(vString("*?")));
-  EXPECT_FALSE(vString("").match(vString("*?")));
-  EXPECT_TRUE(vString("a.b").match(vString("a.b")));
-  EXPECT_FALSE(vString("aXb").match(vString("a.b")));
+TEST(vStringMatch, ShellPatternsSetsAndBacktracking) {
+  vString const s("trace_042.sgy");
+  for (char const* p : {"*", "trace*", "*.sgy", "trace_???.sgy", "trace_[0-9][0-9][0-9].*", "trace_[^1-9]*", "*_*2.s*y"})
+    EXPECT_TRUE(s.match(vString(p))) << p;
+  for (char const* p : {"trace_??.sgy", "trace_[^0]*", "TRACE*", "trace"}) EXPECT_FALSE(s.match(vString(p))) << p;
+  struct Case {
+    char const* text;
+    char const* pattern;
+    bool matches;
+  };
+  Case const cases[] = {
+      // A '-' first or last in a set, or after a range, is a member.
+      {"-", "[-a]", true}, {"-", "[a-]", true}, {"b", "[-a]", false}, {"-", "[a-c-]", true}, {"-", "[a-c-x]", true},
+      {"", "*", true}, {"", "?", false}, {"q", "[a-cq-s]", true}, {"m", "[a-cq-s]", false},
+      {"b", "[^a-c]", false}, {"d", "[^a-c]", true},
+      // A set always takes one character, also when negated.
+      {"", "[^a]", false}, {"ab", "[^x]", false},
+      // '*' is tried at every position, so a later occurrence can still match.
+      {"abXcdXef", "*X*X*", true}, {"aXbXc", "*Xc", true}, {"aXbXc", "*Xd", false}, {"abc", "a**c", true},
+      {"ab", "*?", true}, {"", "*?", false}, {"a.b", "a.b", true}, {"aXb", "a.b", false},
+  };
+  for (Case const& c : cases)
+    EXPECT_EQ(c.matches, vString(c.text).match(vString(c.pattern))) << c.text << " ~ " << c.pattern;
 }
 
 // --- environment -------------------------------------------------------------------
@@ -684,9 +620,7 @@ TEST(vStringPrintf, FormatsAndLimits) {
   vString s("old");
   s.printf("%s=%d %lld %.2f", "n", 7, 5000000000LL, 0.5);
   EXPECT_EQ(s, "n=7 5000000000 0.50");
-  UtlExcept over = catchUtl([&] { s.printf("%10240d", 1); });
-  EXPECT_EQ(over.getReason(), "Message buffer overflow for format '%10240d'");
-  EXPECT_EQ(over.getMethod(), "vString::printf");
+  expectFailure([&] { s.printf("%10240d", 1); }, "vString::printf", "Message buffer overflow for format '%10240d'");
   EXPECT_EQ(s, "n=7 5000000000 0.50");
 }
 
@@ -728,9 +662,7 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
 TEST(vStringPrintf, CLibraryFailureUsesItsOwnMethodName) {
   // A wide character that the C locale cannot encode makes vsnprintf fail.
   vString s;
-  UtlExcept e = catchUtl([&] { s.printf("%ls", L"\u00e9"); });
-  EXPECT_EQ(e.getReason(), "Error writing message with format '%ls'");
-  EXPECT_EQ(e.getMethod(), "vStrinf::printf");
+  expectFailure([&] { s.printf("%ls", L"\u00e9"); }, "vStrinf::printf", "Error writing message with format '%ls'");
 }
 
 // --- streams -----------------------------------------------------------------------
