@@ -57,8 +57,13 @@ TEST(StoreDetails, PacksAllFieldsInAVersionSevenFrame) {
 }
 
 TEST(StoreDetails, AnUnknownDateTravelsAsInvalid) {
-  StoreDetails d(ProjectType::RONDO, "srv", "wells", 4);
+  StoreDetails d(ProjectType::RONDO, "srv", "Wells", 4);
   EXPECT_FALSE(d.getDate().isValid());
+  EXPECT_FALSE(StoreDetails().getDate().isValid());
+  EXPECT_EQ(0, StoreDetails().getVersion());
+  std::ostringstream out;
+  out << d;
+  EXPECT_EQ("wells:4:::0:::::0:0:Rondo", out.str());
   Packer p;
   d.pack(p);
   StoreDetails back = sample();
