@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "attribute/AttributeSetBuffer.h"
 #include "attribute/Property.h"
 #include "attribute/RecordBuffer.h"
@@ -79,56 +81,53 @@ TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeeded) {
   EXPECT_EQ(1, store.getNSetsMade()) << "the primary set is kept across a close";
 }
 
+// Every guard names its operation; the detail form follows from the
+// operation, not from the name it is given.
 TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   Attribute cdp("CDP", "", vINT32);
-  expectFailure([&] { store.read(cdp, 1, 2); }, "StoreImp::read(range)", "The store has not been opened yet ... CDP");
-  expectFailure([&] { store.read(cdp, std::vector<unsigned int>{1}); }, "StoreImp::read(list)",
-                "The store has not been opened yet ... CDP");
-  expectFailure([&] { store.read(cdp, KeyList()); }, "StoreImp::read(keys)",
-                "The store has not been opened yet ... CDP");
-  expectFailure([&] { store.getAttribute("TRACE"); }, "StoreImp::getAttribute",
-                "The store has not been opened yet ... TRACE");
-  expectFailure([&] { store.getNInstances(); }, "StoreImp::getNInstances", "The store has not been opened yet!");
-  expectFailure([&] { store.getName(); }, "StoreImp::getName", "The store has not been opened yet!");
-  expectFailure([&] { store.getAttributeSetList(); }, "StoreImp::getAttributeSetList",
-                "The store has not been opened yet!");
-  expectFailure([&] { store.close(); }, "StoreImp::close", "The store has not been opened yet!");
-  expectFailure([&] { store.write(cdp, 1, 1); }, "StoreImp::write(range)",
-                "The store '' has not been opened for modification!");
-  expectFailure([&] { store.openAttributeSet("b"); }, "StoreImp::openAttributeSet",
-                "The store has not been opened yet!");
-}
-
-TEST(StoreImp, EveryGuardNamesItsOperation) {
-  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
-  Attribute cdp("CDP", "", vINT32);
   Attribute key("CDP", "", vINT32);
+  Attribute blank;
   std::vector<unsigned int> sizes;
   AttributeSetBuffer buffer;
   std::string const closed = "The store has not been opened yet!";
   std::string const closedCdp = "The store has not been opened yet ... CDP";
-  expectFailure([&] { store.read(cdp, key, 1, 1); }, "StoreImp::read(groups)", closedCdp);
-  expectFailure([&] { store.getUnique(cdp, vUtlSort::SortOrder::ASCENDING); }, "StoreImp::getUnique", closedCdp);
-  expectFailure([&] { store.getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::DESCENDING); },
-                "StoreImp::getGroupsAndSizes", closedCdp);
-  expectFailure([&] { store.hasAttribute("CDP"); }, "StoreImp::hasAttribute", closedCdp);
-  expectFailure([&] { store.getAttributeList("CDP", AttributeMatch::MATCH_CLASS); }, "StoreImp::getAttributeList",
-                closedCdp);
-  expectFailure([&] { store.getAttributeList(); }, "StoreImp::getAttributeList", closed);
-  expectFailure([&] { store.getClass(); }, "StoreImp::getClass", closed);
-  expectFailure([&] { store.getSubClass(); }, "StoreImp::getSubClass", closed);
-  expectFailure([&] { store.getVersion(); }, "StoreImp::getVersion", closed);
-  expectFailure([&] { store.getKeyList(); }, "StoreImp::getKeyList", closed);
-  expectFailure([&] { store.getNAttributes(); }, "StoreImp::getNAttributes", closed);
-  expectFailure([&] { store.getAttributeSetName(); }, "StoreImp::getAttributeSetName", closed);
-  expectFailure([&] { store.getPrimaryAttributeSetName(); }, "StoreImp::getPrimaryAttributeSetName", closed);
-  expectFailure([&] { store.updateAttributeSet("b"); }, "StoreImp::updateAttributeSet", closed);
-  expectFailure([&] { store.readBufferRange(buffer, 1, 1); }, "StoreImp::readBufferRange", closed);
-  // The detail form follows from the operation, not from the name it is
-  // given: a blank attribute name still gets " ... ".
-  Attribute blank;
-  expectFailure([&] { store.read(blank, 1, 1); }, "StoreImp::read(range)", "The store has not been opened yet ... ");
+  struct {
+    std::function<void()> call;
+    char const* method;
+    std::string reason;
+  } const guards[] = {
+      {[&] { store.read(cdp, 1, 2); }, "read(range)", closedCdp},
+      {[&] { store.read(cdp, std::vector<unsigned int>{1}); }, "read(list)", closedCdp},
+      {[&] { store.read(cdp, KeyList()); }, "read(keys)", closedCdp},
+      {[&] { store.read(cdp, key, 1, 1); }, "read(groups)", closedCdp},
+      {[&] { store.read(blank, 1, 1); }, "read(range)", "The store has not been opened yet ... "},
+      {[&] { store.getAttribute("TRACE"); }, "getAttribute", "The store has not been opened yet ... TRACE"},
+      {[&] { store.getUnique(cdp, vUtlSort::SortOrder::ASCENDING); }, "getUnique", closedCdp},
+      {[&] { store.getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::DESCENDING); }, "getGroupsAndSizes", closedCdp},
+      {[&] { store.hasAttribute("CDP"); }, "hasAttribute", closedCdp},
+      {[&] { store.getAttributeList("CDP", AttributeMatch::MATCH_CLASS); }, "getAttributeList", closedCdp},
+      {[&] { store.getAttributeList(); }, "getAttributeList", closed},
+      {[&] { store.getNInstances(); }, "getNInstances", closed},
+      {[&] { store.getName(); }, "getName", closed},
+      {[&] { store.getAttributeSetList(); }, "getAttributeSetList", closed},
+      {[&] { store.close(); }, "close", closed},
+      {[&] { store.openAttributeSet("b"); }, "openAttributeSet", closed},
+      {[&] { store.getClass(); }, "getClass", closed},
+      {[&] { store.getSubClass(); }, "getSubClass", closed},
+      {[&] { store.getVersion(); }, "getVersion", closed},
+      {[&] { store.getKeyList(); }, "getKeyList", closed},
+      {[&] { store.getNAttributes(); }, "getNAttributes", closed},
+      {[&] { store.getAttributeSetName(); }, "getAttributeSetName", closed},
+      {[&] { store.getPrimaryAttributeSetName(); }, "getPrimaryAttributeSetName", closed},
+      {[&] { store.updateAttributeSet("b"); }, "updateAttributeSet", closed},
+      {[&] { store.readBufferRange(buffer, 1, 1); }, "readBufferRange", closed},
+      {[&] { store.write(cdp, 1, 1); }, "write(range)", "The store '' has not been opened for modification!"},
+  };
+  for (auto const& g : guards) {
+    SCOPED_TRACE(g.method);
+    expectFailure(g.call, std::string("StoreImp::") + g.method, g.reason);
+  }
   EXPECT_EQ(1, store.getNSetsMade()) << "the guard made the set it looks at";
 
   store.open("a", 0, "", "", nullptr);
@@ -146,7 +145,12 @@ TEST(StoreImp, EveryGuardNamesItsOperation) {
 
 TEST(StoreImp, OpensOnceAndForReadingOnly) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+  // A failed open leaves the store closed.
+  expectFailure([&] { store.open("nosuch", 0, "", "", nullptr); }, "TestMemoryAttributeSet::open",
+                "AttributeSet 'nosuch' does not exist.");
+  EXPECT_FALSE(store.isOpen());
   store.open("a", 0, "", "", nullptr);
+  EXPECT_TRUE(store.isOpen());
   EXPECT_EQ("a", str(store.getName()));
   EXPECT_EQ(1, store.getVersion());
   EXPECT_EQ("seismic", str(store.getClass()));
@@ -172,15 +176,6 @@ TEST(StoreImp, OpensOnceAndForReadingOnly) {
   store.update("a", 0, "", "", nullptr);
   store.write(ints("CDP", {9}), 2, 2);
   EXPECT_EQ((std::vector<int>{1, 9, 3}), readInts(store, "CDP"));
-}
-
-TEST(StoreImp, AFailedOpenLeavesTheStoreClosed) {
-  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
-  expectFailure([&] { store.open("nosuch", 0, "", "", nullptr); }, "TestMemoryAttributeSet::open",
-                "AttributeSet 'nosuch' does not exist.");
-  EXPECT_FALSE(store.isOpen());
-  store.open("a", 0, "", "", nullptr);
-  EXPECT_TRUE(store.isOpen());
 }
 
 TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
@@ -245,7 +240,8 @@ TEST(StoreImp, CreatesSwitchesAndKeepsSecondarySets) {
 
     // The bookkeeping sits on the primary set.
     AttributeSet& primary = *store.getPrimarySet();
-    ASSERT_TRUE(primary.hasProperty(Store::ATTRIBUTESET_NAMES));
+    ASSERT_TRUE(primary.hasProperty("ATTRIBUTESET_NAMES"));
+    ASSERT_TRUE(primary.hasProperty("ATTRIBUTESET_VERSIONS"));
     EXPECT_EQ("b", str(primary.findProperty(Store::ATTRIBUTESET_NAMES)->getString(1)));
     EXPECT_EQ(1, primary.findProperty(Store::ATTRIBUTESET_VERSIONS)->getInt32(1));
     EXPECT_EQ((std::vector<std::string>{"a", "b"}), setList(store));
@@ -399,13 +395,6 @@ TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
   TestMemoryAttributeSet set(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
   expectFailure([&] { open.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
                 "Need code, what does this mean?");
-}
-
-TEST(Store, ReservedNamesOfTheSecondarySetsBookkeeping) {
-  EXPECT_EQ("ATTRIBUTESET_NAMES", str(Store::ATTRIBUTESET_NAMES));
-  EXPECT_EQ("ATTRIBUTESET_VERSIONS", str(Store::ATTRIBUTESET_VERSIONS));
-  EXPECT_EQ("attributeset", str(Store::ATTRIBUTESET_CLASS));
-  EXPECT_EQ("set", str(Store::ATTRIBUTESET_SUBCLASS));
 }
 
 TEST(Store, WritesEveryAttributeOfAnotherSet) {
