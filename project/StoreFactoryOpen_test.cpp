@@ -76,17 +76,6 @@ TEST(StoreFactoryOpenFile, AFormatGivenWinsOverTheExtensionInAnyCase) {
   EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
 }
 
-TEST(StoreFactoryOpenFile, UnknownExtensionAndNoExtension) {
-  TestReleaseTree tree;
-  StoreDescription unknown = fileIn(tree, "grid.XYZ");
-  expectFatal([&] { StoreFactory::openStore(unknown, "", nullptr); }, kOpen.c_str(),
-              cannotHandle(path(unknown), "xyz"));
-  for (char const* name : {"grid", "grid."}) {
-    StoreDescription none = fileIn(tree, name);
-    expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
-  }
-}
-
 // A format spec settles identification, but names no format: the file's
 // kind is then not known.
 TEST(StoreFactoryOpenFile, ASpecWithoutAFormatLeavesTheKindUnknown) {
@@ -104,7 +93,7 @@ TEST(StoreFactoryOpenFile, ASpecWithoutAFormatLeavesTheKindUnknown) {
   EXPECT_EQ("", str(seen()[0].description.getFileFormat()));
 }
 
-TEST(StoreFactoryOpenFile, TagsOfTheTableWhoseStoreIsNotThere) {
+TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
   TestReleaseTree tree;
   struct Case {
     char const* name;
@@ -112,9 +101,15 @@ TEST(StoreFactoryOpenFile, TagsOfTheTableWhoseStoreIsNotThere) {
   };
   for (Case c : {Case{"a.segy", "segy"}, Case{"a.sgy", "segy"}, Case{"a.DSEGY", "dsegy"}, Case{"a.segd", "segd"},
                  Case{"a.sgd", "sgd"}, Case{"a.fdm", "fdm"}, Case{"a.offload", "offload"}, Case{"a.txt", "txt"},
-                 Case{"a.shp", "shapefile"}, Case{"a.cst", "nyxcst"}, Case{"a.dat", "nyxdat"}}) {
+                 Case{"a.shp", "shapefile"}, Case{"a.cst", "nyxcst"}, Case{"a.dat", "nyxdat"},
+                 Case{"grid.XYZ", "xyz"}}) {
     StoreDescription d = fileIn(tree, c.name);
     expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), c.tag));
+  }
+  // Without an extension the kind is not known.
+  for (char const* name : {"grid", "grid."}) {
+    StoreDescription none = fileIn(tree, name);
+    expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
   }
 }
 
@@ -199,7 +194,7 @@ TEST(StoreFactoryNyx, WithoutSpecAndMappingThePlainStore) {
   EXPECT_TRUE(store->isOpen());
 }
 
-TEST(StoreFactoryNyx, ASpecWithoutAMappingFileIsFatal) {
+TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   TestReleaseTree tree;
   StandIn nyx("NyxDiskStore", fileMakers());
   shelve(fileShelf(), "line.dat");
@@ -217,16 +212,8 @@ TEST(StoreFactoryNyx, ASpecWithoutAMappingFileIsFatal) {
   EXPECT_EQ("2dStack", mapped().spec);
   // The store was opened first.
   EXPECT_EQ(2u, seen().size());
-}
 
-TEST(StoreFactoryNyx, TheMappingFoundIsPutOnTheStore) {
-  TestReleaseTree tree;
-  StandIn nyx("NyxDiskStore", fileMakers());
-  Mapping mapping({&resolveBeside, &applyMapping});
   std::string const map = tree.writeWorkFile("2dStack.cstf", "mapping");
-  shelve(fileShelf(), "line.dat");
-  StoreDescription d = fileIn(tree, "line.dat");
-  d.setFormatSpec("2dStack");
   vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ(map, mapped().mapFile);
   EXPECT_EQ(mapped().view.get(), store.get());

@@ -101,17 +101,11 @@ TEST(StoreFactoryIdentify, CstFilesGetTheSpecFoundForThemOnlyWhenAsked) {
   ASSERT_TRUE(StoreFactory::identifyFileFormat(none, &automatic));
   EXPECT_EQ("", str(none.getFormatSpec()));
   EXPECT_EQ("nyxcst", str(none.getFileFormat()));
-}
-
-TEST(StoreFactoryIdentify, WithoutAFinderACstFileKeepsABlankSpec) {
-  TestReleaseTree tree;
-  NyxFinder finder(nullptr);
-  tree.writeWorkFile("2dStack.cstf", "mapping");
-  StoreOpenOptions automatic;
-  automatic.setAutoSpecifyCSTFiles(true);
-  StoreDescription d = fileIn(tree, "line2d.cst");
-  ASSERT_TRUE(StoreFactory::identifyFileFormat(d, &automatic));
-  EXPECT_EQ("", str(d.getFormatSpec()));
+  // Without a finder, not even the spec beside it is found.
+  NyxFinder noFinder(nullptr);
+  StoreDescription unfound = fileIn(tree, "line2d.cst");
+  ASSERT_TRUE(StoreFactory::identifyFileFormat(unfound, &automatic));
+  EXPECT_EQ("", str(unfound.getFormatSpec()));
 }
 
 // A text table is described by a ".txf" file of the same root beside it,
@@ -155,14 +149,11 @@ TEST(StoreFactoryIdentify, TextTablesByTheirFormatDescription) {
   ASSERT_TRUE(StoreFactory::identifyFileFormat(given, nullptr));
   EXPECT_EQ("", str(given.getFileFormat()));
   EXPECT_EQ("other.txf", str(given.getFormatSpec()));
-}
 
-TEST(StoreFactoryIdentify, WithoutATextTableFinderNothingIsDescribed) {
-  TestReleaseTree tree;
-  AsciiFinder finder(nullptr);
-  tree.writeWorkFile("wells.txf", "Well\n");
-  StoreDescription d = fileIn(tree, "wells.xyz");
-  EXPECT_FALSE(StoreFactory::identifyFileFormat(d, nullptr));
+  // Without a finder nothing is described.
+  AsciiFinder noFinder(nullptr);
+  StoreDescription unread = fileIn(tree, "wells.xyz");
+  EXPECT_FALSE(StoreFactory::identifyFileFormat(unread, nullptr));
 }
 
 TEST(StoreFactoryIdentify, TagTable) {
