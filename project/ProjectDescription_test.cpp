@@ -168,15 +168,9 @@ TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
 TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
   DefaultProject none(false);
   ProjectCatalogDescription d;
-  for (ProjectType::PROJECT_TYPE t : {ProjectType::FLATFILE, ProjectType::MEMORY}) {
-    try {
-      d.setCapi(t, "s", "h");
-      ADD_FAILURE() << t;
-    } catch (UtlExcept const& e) {
-      EXPECT_EQ("ProjectType must be either DORN, RONDO or KELP", str(e.getReason()));
-      EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
-    }
-  }
+  for (ProjectType::PROJECT_TYPE t : {ProjectType::FLATFILE, ProjectType::MEMORY})
+    expectFatal([&] { d.setCapi(t, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
+                "ProjectType must be either DORN, RONDO or KELP");
   d.setFlatFile(vFilename("/x/y.txt"));
   d.setCapi(ProjectType::UNITTEST, "s", "h");
   EXPECT_EQ("", str(d.getFlatFileName().getFilename()));
