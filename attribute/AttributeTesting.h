@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,6 +23,21 @@
 namespace attribute_testing {
 
 using ::expectFailure;
+
+// One expected failure: what to run, the method that reports it, its text.
+struct Failure {
+  std::function<void()> run;
+  char const* method;
+  std::string reason;
+};
+
+// Runs the rows in order; each must fail with its own method and text.
+inline void expectFailures(std::vector<Failure> const& rows) {
+  for (Failure const& row : rows) {
+    SCOPED_TRACE(row.reason);
+    expectFailure(row.run, row.method, row.reason);
+  }
+}
 
 // Appends entries in the Packer's wire layout, in this host's byte order.
 class Bytes {
