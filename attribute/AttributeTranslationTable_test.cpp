@@ -180,29 +180,23 @@ TEST_F(TranslationTableTest, TranslatorsAreFoundByClassOrByName) {
 
 TEST_F(TranslationTableTest, TellsWhatAConversionWouldChange) {
   AttributeTranslationTable& t = load("Changes", translations());
-  Attribute capiX("SOURCE_X", "SOURCE_X", vFLOAT64, 1);
-  Attribute dornX("SHOT_X", "SOURCE_X", vFLOAT32, 1);
-  EXPECT_TRUE(t.isDornDataChanged(capiX));
-  EXPECT_FALSE(t.isDornDataChanged(dornX));
-  EXPECT_TRUE(t.isCapiDataChanged(dornX));
-  EXPECT_FALSE(t.isCapiDataChanged(capiX));
-  EXPECT_TRUE(t.isDornNameDifferent(capiX));
-  EXPECT_FALSE(t.isDornNameDifferent(dornX));
-  EXPECT_TRUE(t.isCapiNameDifferent(dornX));
-  EXPECT_FALSE(t.isCapiNameDifferent(capiX));
-
   // Without a translator: nothing changes in the data, and a name differs
   // unless it carries the table's name.
-  Attribute plain("OFFSET", "OFFSET", vFLOAT32, 1);
-  Attribute marked("CHANGES.OFFSET", "", vFLOAT32, 1);
-  Attribute inside("XCHANGESX", "", vFLOAT32, 1);
-  EXPECT_FALSE(t.isDornDataChanged(plain));
-  EXPECT_FALSE(t.isCapiDataChanged(plain));
-  EXPECT_TRUE(t.isCapiNameDifferent(plain));
-  EXPECT_TRUE(t.isDornNameDifferent(plain));
-  EXPECT_FALSE(t.isCapiNameDifferent(marked));
-  EXPECT_FALSE(t.isDornNameDifferent(marked));
-  EXPECT_FALSE(t.isDornNameDifferent(inside));
+  struct Row {
+    Attribute a;
+    bool dornData, capiData, dornName, capiName;
+  } const rows[] = {{Attribute("SOURCE_X", "SOURCE_X", vFLOAT64, 1), true, false, true, false},
+                    {Attribute("SHOT_X", "SOURCE_X", vFLOAT32, 1), false, true, false, true},
+                    {Attribute("OFFSET", "OFFSET", vFLOAT32, 1), false, false, true, true},
+                    {Attribute("CHANGES.OFFSET", "", vFLOAT32, 1), false, false, false, false}};
+  for (Row const& r : rows) {
+    SCOPED_TRACE(r.a.getName().c_str());
+    EXPECT_EQ(r.dornData, t.isDornDataChanged(r.a));
+    EXPECT_EQ(r.capiData, t.isCapiDataChanged(r.a));
+    EXPECT_EQ(r.dornName, t.isDornNameDifferent(r.a));
+    EXPECT_EQ(r.capiName, t.isCapiNameDifferent(r.a));
+  }
+  EXPECT_FALSE(t.isDornNameDifferent(Attribute("XCHANGESX", "", vFLOAT32, 1)));
 }
 
 TEST_F(TranslationTableTest, RoundTripThroughATranslator) {
