@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "foundation/UtlExcept.h"
 
@@ -19,15 +20,23 @@ class MonthTable : public vDate {
   static int number(vString const& s) { return myGetMonthNumber(s); }
 };
 
+// "method: reason" (or with the file: "file/method: reason") of the
+// UtlExcept that f raises.
 template <class F>
-UtlExcept catchUtl(F f) {
+std::string failureOf(F f, bool withFile = false) {
   try {
     f();
   } catch (UtlExcept const& e) {
-    return e;
+    return (withFile ? std::string(e.getFileName().c_str()) + "/" : std::string()) + e.getMethod().c_str() + ": " +
+           e.getReason().c_str();
   }
-  ADD_FAILURE() << "no UtlExcept was thrown";
-  return UtlExcept("", "");
+  return "(nothing raised)";
+}
+
+template <class F>
+std::string reasonOf(F f) {
+  std::string const all = failureOf(f);
+  return all.substr(all.find(": ") + 2);
 }
 
 // Runs the body with TZ set, then restores it.
@@ -58,15 +67,10 @@ TEST(vDateFields, UtcGetters) {
   EXPECT_TRUE(d.isValid());
   EXPECT_FALSE(d.isLocalTime());
   EXPECT_EQ(kSample, d.getSeconds());
-  EXPECT_EQ(2023, d.getYear());
-  EXPECT_EQ(20, d.getCentury());
-  EXPECT_EQ(2000, d.getCenturyFull());
-  EXPECT_EQ(23, d.getCenturyYear());
-  EXPECT_EQ(11, d.getMonth());
-  EXPECT_EQ(14, d.getDay());
-  EXPECT_EQ(22, d.getHour());
-  EXPECT_EQ(13, d.getMinute());
-  EXPECT_EQ(20, d.getSecond());
+  // year, century, full century, year of century, month, day, hour, minute, second
+  EXPECT_EQ((std::vector<int>{d.getYear(), d.getCentury(), d.getCenturyFull(), d.getCenturyYear(), d.getMonth(),
+                              d.getDay(), d.getHour(), d.getMinute(), d.getSecond()}),
+            (std::vector<int>{2023, 20, 2000, 23, 11, 14, 22, 13, 20}));
   EXPECT_FALSE(d.isDST());
 }
 
@@ -140,33 +144,30 @@ TEST(vDateFormat, SetFormattedRoundTrips) {
   EXPECT_EQ(12, d.getMonth());
 }
 
-TEST(vDateFormat, SetFormattedErrors) {
+TEST(vDateFormat, SetFormattedErrorsAndMonthNames) {
   vDate d(kSample, false);
-  UtlExcept longLen = catchUtl([&] { d.setFormatted(vDate::formatLONG, vString("2023")); });
-  EXPECT_EQ(longLen.getReason(), "formatLONG length must = 14 characters!");
-  UtlExcept rondoLen = catchUtl([&] { d.setFormatted(vDate::formatRONDO, vString("5-MAR-2021 01:02:03")); });
-  EXPECT_EQ(rondoLen.getReason(), "formatRONDO length must = 20 characters!");
-  UtlExcept unknown = catchUtl([&] { d.setFormatted(static_cast<vDate::Format>(7), vString("x")); });
-  EXPECT_EQ(unknown.getReason(), "Invalid format specified!");
-  UtlExcept month = catchUtl([&] { d.setFormatted(vDate::formatRONDO, vString("05-XYZ-2021 01:02:03")); });
-  EXPECT_EQ(month.getReason(), "Month not found!");
-  EXPECT_EQ(month.getMethod(), "vDate::myGetMonthValue()");
-  UtlExcept digits = catchUtl([&] { d.setFormatted(vDate::formatLONG, vString("2023111422135x")); });
-  EXPECT_EQ(digits.getReason(), "Second parameter is out of range!");
+  struct Case {
+    vDate::Format format;
+    char const* text;
+    char const* reason;
+  } const cases[] = {
+      {vDate::formatLONG, "2023", "formatLONG length must = 14 characters!"},
+      {vDate::formatRONDO, "5-MAR-2021 01:02:03", "formatRONDO length must = 20 characters!"},
+      {static_cast<vDate::Format>(7), "x", "Invalid format specified!"},
+      {vDate::formatRONDO, "05-XYZ-2021 01:02:03", "Month not found!"},
+      {vDate::formatLONG, "2023111422135x", "Second parameter is out of range!"},
+  };
+  for (Case const& c : cases) EXPECT_EQ(reasonOf([&] { d.setFormatted(c.format, vString(c.text)); }), c.reason) << c.text;
   EXPECT_FALSE(d.isValid());
-}
+  EXPECT_EQ(failureOf([&] { d.setFormatted(vDate::formatRONDO, vString("05-XYZ-2021 01:02:03")); }),
+            "vDate::myGetMonthValue(): Month not found!");
 
-TEST(vDateMonths, NamesAndNumbers) {
   EXPECT_EQ(MonthTable::name(1), "JAN");
   EXPECT_EQ(MonthTable::name(12), "DEC");
   EXPECT_EQ(7, MonthTable::number(vString("jul")));
   EXPECT_EQ(9, MonthTable::number(vString("September")));
-  UtlExcept range = catchUtl([] { MonthTable::name(13); });
-  EXPECT_EQ(range.getReason(), "Month requested is out of range!");
-  EXPECT_EQ(range.getMethod(), "vDate::myGetMonthValue()");
-  UtlExcept unknown = catchUtl([] { MonthTable::number(vString("XYZ")); });
-  EXPECT_EQ(unknown.getReason(), "Month not found!");
-  EXPECT_EQ(unknown.getMethod(), "vDate::myGetMonthValue()");
+  EXPECT_EQ(failureOf([] { MonthTable::name(13); }), "vDate::myGetMonthValue(): Month requested is out of range!");
+  EXPECT_EQ(failureOf([] { MonthTable::number(vString("XYZ")); }), "vDate::myGetMonthValue(): Month not found!");
   EXPECT_THROW(MonthTable::name(0), UtlExcept);
   // Only whole table entries match, not a run across two of them.
   EXPECT_THROW(MonthTable::number(vString("ANF")), UtlExcept);
@@ -190,10 +191,8 @@ TEST(vDateRanges, EachFieldIsChecked) {
   };
   for (Case const& c : cases) {
     vDate d(kSample, false);
-    UtlExcept e = catchUtl([&] { d.set(c.s, c.mi, c.h, c.d, c.mo, c.y); });
-    EXPECT_EQ(e.getReason(), c.reason);
-    EXPECT_EQ(e.getMethod(), "vDate::set()");
-    EXPECT_EQ(e.getFileName(), "vDate");
+    EXPECT_EQ(failureOf([&] { d.set(c.s, c.mi, c.h, c.d, c.mo, c.y); }, true),
+              std::string("vDate/vDate::set(): ") + c.reason);
     EXPECT_FALSE(d.isValid());
     EXPECT_EQ(-1, d.getSeconds());
   }
@@ -236,18 +235,10 @@ TEST(vDateArithmetic, SecondsAndDates) {
   vDate d(kSample, false);
   vDate later = d + 3600L;
   EXPECT_EQ(23, later.getHour());
-  EXPECT_TRUE(later > d);
-  EXPECT_TRUE(later >= d);
-  EXPECT_TRUE(d < later);
-  EXPECT_TRUE(d <= later);
-  EXPECT_TRUE(d != later);
-  EXPECT_TRUE(later - 3600L == d);
-  EXPECT_TRUE(d == kSample);
-  EXPECT_TRUE(d < kSample + 1);
-  EXPECT_TRUE(d >= kSample);
-  EXPECT_TRUE(d > kSample - 1);
-  EXPECT_TRUE(d <= kSample);
-  EXPECT_TRUE(d != 0L);
+  EXPECT_TRUE(later > d && later >= d && d < later && d <= later && d != later && later - 3600L == d);
+  EXPECT_FALSE(later < d || later <= d || d > later || d >= later || d == later);
+  EXPECT_TRUE(d == kSample && d < kSample + 1 && d >= kSample && d > kSample - 1 && d <= kSample && d != 0L);
+  EXPECT_FALSE(d != kSample || d < kSample || d > kSample);
   vDate span(3600L, false);
   EXPECT_EQ(kSample, (later - span).getSeconds());
   EXPECT_EQ(kSample + 7200L, (later + span).getSeconds());
