@@ -10,22 +10,7 @@
 #include "foundation/vString.h"
 #include "foundation/vUtl.h"
 
-TEST(vUtlSignals, TextsByNumber) {
-  EXPECT_STREQ("SIGHUP Hangup detected on controlling terminal or death of controlling process.", vUtl::signalText(1));
-  EXPECT_STREQ("SIGSEGV Invalid memory reference.", vUtl::signalText(11));
-  EXPECT_STREQ("SIGTERM Termination signal.", vUtl::signalText(15));
-  EXPECT_STREQ("SIGFPE Floating point exception.", vUtl::signalText(8));
-  EXPECT_STREQ("SIGPIPE Broken pipe:write to pipe with no readers.", vUtl::signalText(13));
-  EXPECT_STREQ("SIGPOLL Pollable event (Sys V). Synonym of SIGIO.", vUtl::signalText(29));
-  EXPECT_STREQ("SIGSYS Bad argument to routine (SVID).", vUtl::signalText(31));
-  EXPECT_EQ(nullptr, vUtl::signalText(16));
-  EXPECT_EQ(nullptr, vUtl::signalText(28));
-  EXPECT_EQ(nullptr, vUtl::signalText(30));
-  EXPECT_EQ(nullptr, vUtl::signalText(0));
-  EXPECT_EQ(nullptr, vUtl::signalText(64));
-}
-
-TEST(vUtlSignals, EveryListedSignalHasItsText) {
+TEST(vUtlSignals, EveryListedSignalHasItsTextTheOthersNone) {
   struct {
     int number;
     char const* text;
@@ -60,6 +45,7 @@ TEST(vUtlSignals, EveryListedSignalHasItsText) {
       {31, "SIGSYS Bad argument to routine (SVID)."},
   };
   for (auto const& entry : table) EXPECT_STREQ(entry.text, vUtl::signalText(entry.number)) << entry.number;
+  for (int unlisted : {0, 16, 28, 30, 64}) EXPECT_EQ(nullptr, vUtl::signalText(unlisted)) << unlisted;
   // The text begins with the signal's own name on this system too.
   for (auto const& entry : table) {
     if (entry.number == 29) continue;  // SIGIO on Linux, listed by its System V name
@@ -69,46 +55,23 @@ TEST(vUtlSignals, EveryListedSignalHasItsText) {
   }
 }
 
-TEST(vUtlSignalsDeathTest, TerminationPrintsItsTextAndNoStack) {
-  EXPECT_EXIT(
-      {
-        vUtl::startDorn(true);
-        ::raise(SIGTERM);
-      },
-      ::testing::ExitedWithCode(SIGTERM),
-      "^\n \\*\\*\\*\\*\\* Signal caught on [^ ]+ \\*\\*\\*\\* \nReceived Signal:SIGTERM Termination signal.\n$");
-}
-
-TEST(vUtlSignalsDeathTest, SegmentationAbortsAfterTheStack) {
-  EXPECT_EXIT(
-      {
-        vUtl::startDorn(true);
-        ::raise(SIGSEGV);
-      },
-      ::testing::KilledBySignal(SIGABRT), "Received Signal:SIGSEGV Invalid memory reference.\n(.|\n)*----- stack -----");
-}
-
-TEST(vUtlSignalsDeathTest, OtherSignalsExitWithTheirNumber) {
-  EXPECT_EXIT(
-      {
-        vUtl::startDorn(true);
-        ::raise(SIGHUP);
-      },
-      ::testing::ExitedWithCode(SIGHUP),
-      "Received Signal:SIGHUP Hangup detected on controlling terminal or death of controlling process.\n(.|\n)*"
-      "----- stack -----");
+TEST(vUtlSignalsDeathTest, EachSignalEndsTheProcessItsOwnWay) {
+  // Termination prints its text and no stack.
+  EXPECT_EXIT((vUtl::startDorn(true), ::raise(SIGTERM)), ::testing::ExitedWithCode(SIGTERM),
+              "^\n \\*\\*\\*\\*\\* Signal caught on [^ ]+ \\*\\*\\*\\* \n"
+              "Received Signal:SIGTERM Termination signal.\n$");
+  // A segmentation fault aborts after the stack.
+  EXPECT_EXIT((vUtl::startDorn(true), ::raise(SIGSEGV)), ::testing::KilledBySignal(SIGABRT),
+              "Received Signal:SIGSEGV Invalid memory reference.\n(.|\n)*----- stack -----");
+  // Others exit with their number.
+  EXPECT_EXIT((vUtl::startDorn(true), ::raise(SIGHUP)), ::testing::ExitedWithCode(SIGHUP),
+              "Received Signal:SIGHUP Hangup detected on controlling terminal or death of controlling process.\n(.|\n)*"
+              "----- stack -----");
   EXPECT_EXIT(vUtl::signalHandler(SIGFPE), ::testing::ExitedWithCode(SIGFPE),
               "Received Signal:SIGFPE Floating point exception.");
   EXPECT_EXIT(vUtl::signalHandler(16), ::testing::ExitedWithCode(16), "Received Signal:16\n");
-}
-
-TEST(vUtlSignalsDeathTest, SignalsAreOnlyTakenWhenAsked) {
-  EXPECT_EXIT(
-      {
-        vUtl::startDorn(false);
-        ::raise(SIGTERM);
-      },
-      ::testing::KilledBySignal(SIGTERM), "");
+  // Signals are only taken when asked.
+  EXPECT_EXIT((vUtl::startDorn(false), ::raise(SIGTERM)), ::testing::KilledBySignal(SIGTERM), "");
 }
 
 TEST(vUtlMemory, NoMoreMemoryReportsAndThrows) {
