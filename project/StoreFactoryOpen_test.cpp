@@ -47,8 +47,13 @@ TEST(StoreFactoryOpenFile, UpperCaseShpReachesTheShapefileStoreByItsExtension) {
   EXPECT_TRUE(store->getProject().isEmpty());
 }
 
-TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopy) {
+TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopyAndAFormatGivenWinsInAnyCase) {
   TestReleaseTree tree;
+  std::string const file = tree.writeWorkFile("traces.bin", "data");
+  StoreDescription given(vString(("file:" + file + "#SGY#").c_str()));
+  ASSERT_EQ("SGY", str(given.getFileFormat()));
+  expectFatal([&] { StoreFactory::openStore(given, "", nullptr); }, kOpen.c_str(), cannotHandle(file, "SGY"));
+
   StandIn segy("SegyDiskStore", fileMakers());
   shelve(fileShelf(), "line.sgy");
   StoreDescription d = fileIn(tree, "line.SGY");
@@ -58,22 +63,13 @@ TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopy) {
   EXPECT_EQ("seismic", str(seen()[0].description.getStoreClass()));
   EXPECT_EQ("", str(d.getFileFormat()));
   EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
-}
 
-TEST(StoreFactoryOpenFile, AFormatGivenWinsOverTheExtensionInAnyCase) {
-  TestReleaseTree tree;
-  std::string const file = tree.writeWorkFile("traces.bin", "data");
-  StoreDescription d(vString(("file:" + file + "#SGY#").c_str()));
-  ASSERT_EQ("SGY", str(d.getFileFormat()));
-  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(file, "SGY"));
-
-  StandIn segy("SegyDiskStore", fileMakers());
   shelve(fileShelf(), "traces.bin");
-  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
-  ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("SGY", str(seen()[0].description.getFileFormat()));
+  StoreFactory::openStore(given, "", nullptr);
+  ASSERT_EQ(2u, seen().size());
+  EXPECT_EQ("SGY", str(seen()[1].description.getFileFormat()));
   // Told, not identified: no class is made up.
-  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
+  EXPECT_EQ("", str(seen()[1].description.getStoreClass()));
 }
 
 // A format spec settles identification, but names no format: the file's
@@ -111,15 +107,6 @@ TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
     StoreDescription none = fileIn(tree, name);
     expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
   }
-}
-
-// A class registered without an opener is no help to opening.
-TEST(StoreFactoryOpenFile, AClassThatCanOnlyCreateDoesNotOpen) {
-  TestReleaseTree tree;
-  StandIn ascii("AsciiDiskStore", {nullptr, nullptr, &createOnShelf, nullptr});
-  StoreDescription d = fileIn(tree, "wells.txt");
-  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "txt"));
-  EXPECT_TRUE(seen().empty());
 }
 
 TEST(StoreFactoryOpenFile, UpdateAndHasStoreRefuseFiles) {
@@ -182,7 +169,8 @@ class Mapping {
   StoreFactory::AttributeMapping m_saved;
 };
 
-TEST(StoreFactoryNyx, WithoutSpecAndMappingThePlainStore) {
+// Only Nyx stores with a spec are mapped.
+TEST(StoreFactoryNyx, WithoutSpecOrOfAnotherFormatThePlainStore) {
   TestReleaseTree tree;
   StandIn nyx("NyxDiskStore", fileMakers());
   Mapping mapping({&resolveBeside, &applyMapping});
@@ -192,6 +180,15 @@ TEST(StoreFactoryNyx, WithoutSpecAndMappingThePlainStore) {
   EXPECT_EQ("nyxcst", str(seen()[0].description.getFileFormat()));
   EXPECT_TRUE(mapped().view.isEmpty());
   EXPECT_TRUE(store->isOpen());
+
+  StandIn segy("SegyDiskStore", fileMakers());
+  tree.writeWorkFile("2dStack.cstf", "mapping");
+  shelve(fileShelf(), "line.sgy");
+  StoreDescription d = fileIn(tree, "line.sgy");
+  d.setFormatSpec("2dStack");
+  StoreFactory::openStore(d, "", nullptr);
+  EXPECT_TRUE(mapped().view.isEmpty());
+  EXPECT_EQ("", mapped().spec);
 }
 
 TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
@@ -220,20 +217,6 @@ TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   ASSERT_NE(nullptr, mapped().below);
   EXPECT_NE(mapped().below, store.get());
   EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
-}
-
-// Only the Nyx stores are mapped.
-TEST(StoreFactoryNyx, OtherFormatsAreNotMapped) {
-  TestReleaseTree tree;
-  StandIn segy("SegyDiskStore", fileMakers());
-  Mapping mapping({&resolveBeside, &applyMapping});
-  tree.writeWorkFile("2dStack.cstf", "mapping");
-  shelve(fileShelf(), "line.sgy");
-  StoreDescription d = fileIn(tree, "line.sgy");
-  d.setFormatSpec("2dStack");
-  StoreFactory::openStore(d, "", nullptr);
-  EXPECT_TRUE(mapped().view.isEmpty());
-  EXPECT_EQ("", mapped().spec);
 }
 
 // --- creating files ----------------------------------------------------------------------
@@ -271,15 +254,20 @@ TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
   }
 }
 
-TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStore) {
+// A class registered without the maker of the act is no help to it.
+TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStoreOrItsMaker) {
   TestReleaseTree tree;
   StoreDescription d = fileIn(tree, "wells.txt");
   expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
               cannotHandle(path(d), "txt"));
-  // A class that opens but cannot create.
-  StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
-  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
-              cannotHandle(path(d), "txt"));
+  {
+    StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
+    expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
+                cannotHandle(path(d), "txt"));
+  }
+  StandIn ascii("AsciiDiskStore", {nullptr, nullptr, &createOnShelf, nullptr});
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "txt"));
+  EXPECT_TRUE(seen().empty());
 }
 
 }  // namespace
