@@ -260,17 +260,16 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
 
 // --- wrapping by configuration --------------------------------------------------------------
 
-TEST(AttributeSetFactoryWrap, WithoutThePropertyTheSetStaysBare) {
-  SetStandIns standIns;
-  PropertyTree noProperties(PropertyTree::record("capi", "Other", "value= PROFILING"));
-  Recording recording;
-  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
-  EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
-  EXPECT_TRUE(recording.errors().empty());
-}
-
 TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOver) {
   SetStandIns standIns;
+  {
+    // Without the property the set stays bare.
+    PropertyTree noProperties(PropertyTree::record("capi", "Other", "value= PROFILING"));
+    Recording recording;
+    vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+    EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
+    EXPECT_TRUE(recording.errors().empty());
+  }
   PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
                           PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
   Recording recording;
