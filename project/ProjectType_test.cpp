@@ -57,7 +57,13 @@ TEST(ProjectType, UnknownSpellings) {
   }
 }
 
-TEST(ProjectType, EnterTakesTheFirstLetterAndOffersTheCurrentType) {
+TEST(ProjectType, EnterTakesTheFirstLetterOffersTheCurrentTypeAndAsksAgain) {
+  auto enter = [](char const* answer, ProjectType::PROJECT_TYPE& t) {
+    std::istringstream in(answer);
+    std::ostringstream out;
+    ProjectType::enter(t, in, out);
+    return out.str();
+  };
   struct {
     char const* answer;
     ProjectType::PROJECT_TYPE type;
@@ -65,41 +71,27 @@ TEST(ProjectType, EnterTakesTheFirstLetterAndOffersTheCurrentType) {
                      {"f\n", ProjectType::FLATFILE},   {"memory\n", ProjectType::MEMORY},
                      {"inmem\n", ProjectType::INMEMORY}, {"Zon\n", ProjectType::ZONMESH}};
   for (auto const& c : cases) {
-    std::istringstream in(c.answer);
-    std::ostringstream out;
+    SCOPED_TRACE(c.answer);
     ProjectType::PROJECT_TYPE t = ProjectType::DORN;
-    ProjectType::enter(t, in, out);
-    EXPECT_EQ(c.type, t) << c.answer;
-    EXPECT_EQ("type of project Rondo, Kelp, Zon [Dorn]: ", out.str());
+    EXPECT_EQ("type of project Rondo, Kelp, Zon [Dorn]: ", enter(c.answer, t));
+    EXPECT_EQ(c.type, t);
   }
-
   // A blank answer takes the offered type.
-  std::istringstream in("\n");
-  std::ostringstream out;
   ProjectType::PROJECT_TYPE t = ProjectType::KELP;
-  ProjectType::enter(t, in, out);
+  enter("\n", t);
   EXPECT_EQ(ProjectType::KELP, t);
-}
 
-TEST(ProjectType, EnterAsksAgainAfterAnUnknownAnswer) {
-  std::istringstream in("dorn\nzon\n");
-  std::ostringstream out;
-  ProjectType::PROJECT_TYPE t = ProjectType::RONDO;
-  ProjectType::enter(t, in, out);
-  EXPECT_EQ(ProjectType::ZONMESH, t);
+  t = ProjectType::RONDO;
   EXPECT_EQ(
       "type of project Rondo, Kelp, Zon [Rondo]: "
       "Unknown project Type:dorn\nChoose rondo or kelp.\n    or f for flatfile\n"
       "type of project Rondo, Kelp, Zon [Rondo]: ",
-      out.str());
-}
+      enter("dorn\nzon\n", t));
+  EXPECT_EQ(ProjectType::ZONMESH, t);
 
-TEST(ProjectType, EnterEndsAtTheEndOfInput) {
-  std::istringstream in("x\n");
-  std::ostringstream out;
-  ProjectType::PROJECT_TYPE t = ProjectType::NOTYPE;
-  expectFatal([&] { ProjectType::enter(t, in, out); }, "ProjectType::enter",
-              "No answer to the question for the type of project.");
+  // The end of input ends it.
+  t = ProjectType::NOTYPE;
+  expectFatal([&] { enter("x\n", t); }, "ProjectType::enter", "No answer to the question for the type of project.");
   EXPECT_EQ(ProjectType::NOTYPE, t);
 }
 
