@@ -99,12 +99,8 @@ TEST(vUtlDataType, UnknownCodesRaise) {
 }
 
 TEST(vUtlDataType, AddressOfIsBit64WithoutBit32) {
-  EXPECT_TRUE(vUtl::dataTypeIsAddressOf(0xC5));
-  EXPECT_TRUE(vUtl::dataTypeIsAddressOf(0x45));
-  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(0x85));
-  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(vENDFRAME));
-  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(vPACKFRAME));
-  EXPECT_FALSE(vUtl::dataTypeIsAddressOf(0x60));
+  for (int t : {0xC5, 0x45}) EXPECT_TRUE(vUtl::dataTypeIsAddressOf(t)) << t;
+  for (int t : {0x85, int{vENDFRAME}, int{vPACKFRAME}, 0x60}) EXPECT_FALSE(vUtl::dataTypeIsAddressOf(t)) << t;
 }
 
 TEST(vUtlDataType, FromName) {
