@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "foundation/TestAddressSpaceCap.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 
 TEST(vUCStringTable, IdsAreLexicalRanksAndPointersStay) {
@@ -18,13 +19,9 @@ TEST(vUCStringTable, IdsAreLexicalRanksAndPointersStay) {
   EXPECT_EQ(m->getString(), "MIDPOINT");
   vUCStringTableData const* z = t.add(vUCString("Zeta"));
   vUCStringTableData const* a = t.add("alpha");
-  EXPECT_EQ(0, a->getID());
-  EXPECT_EQ(1, m->getID());
-  EXPECT_EQ(2, z->getID());
+  EXPECT_EQ((std::vector<int>{a->getID(), m->getID(), z->getID()}), (std::vector<int>{0, 1, 2}));
   vUCStringTableData const* b = t.add("BETA");
-  EXPECT_EQ(1, b->getID());
-  EXPECT_EQ(2, m->getID());
-  EXPECT_EQ(3, z->getID());
+  EXPECT_EQ((std::vector<int>{a->getID(), b->getID(), m->getID(), z->getID()}), (std::vector<int>{0, 1, 2, 3}));
   EXPECT_EQ(4, t.size());
   // Adding again gives the same entry and changes nothing.
   EXPECT_EQ(m, t.add("MidPoint"));
@@ -45,14 +42,8 @@ TEST(vUCStringTable, ExistsAndUnknownNames) {
   EXPECT_FALSE(t.exists(vUCString("Y_COORD"), &found));
   EXPECT_EQ(nullptr, found);
   EXPECT_FALSE(t.exists(vUCString("Y_COORD")));
-  try {
-    t.getID(vUCString("y_coord"));
-    FAIL() << "no exception";
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ(e.getReason(), "The string 'Y_COORD' is not within the table!");
-    EXPECT_EQ(e.getMethod(), "vUCStringTableIDTable::getID");
-  }
-  EXPECT_EQ(vUCStringTable::invalidID, -1);
+  expectFailure([&] { t.getID(vUCString("y_coord")); }, "vUCStringTableIDTable::getID",
+                "The string 'Y_COORD' is not within the table!");
   t.clear();
   EXPECT_EQ(0, t.size());
   EXPECT_FALSE(t.exists(vUCString("X_COORD")));
