@@ -57,20 +57,13 @@ TEST(vDatabases, EntriesAliasesAndKeys) {
 
   EXPECT_EQ("houston", str(dbs.getTrueDomain("testdomain.example")));
   EXPECT_EQ("lab", str(dbs.getTrueDomain("LAB")));
-  EXPECT_TRUE(dbs.exists("branch.example"));
-  EXPECT_TRUE(dbs.exists("lab"));
-  EXPECT_FALSE(dbs.exists("dangling.example"));
-  EXPECT_FALSE(dbs.exists("aliases"));
+  for (char const* d : {"branch.example", "lab"}) EXPECT_TRUE(dbs.exists(d)) << d;
+  for (char const* d : {"dangling.example", "aliases"}) EXPECT_FALSE(dbs.exists(d)) << d;
 
-  EXPECT_TRUE(dbs.isValidProductionDatabase("hprod"));
-  EXPECT_FALSE(dbs.isValidProductionDatabase("hdev"));
-  EXPECT_TRUE(dbs.isValidDevelopmentDatabase("HDEV"));
-  EXPECT_FALSE(dbs.isValidDevelopmentDatabase(""));
-  EXPECT_TRUE(dbs.isValidDatabase("houston"));
-  EXPECT_TRUE(dbs.isValidDatabase("branch.example"));
-  EXPECT_TRUE(dbs.isValidDatabase("lprod"));
-  EXPECT_FALSE(dbs.isValidDatabase("rondo"));
-  EXPECT_FALSE(dbs.isValidDatabase(""));
+  EXPECT_TRUE(dbs.isValidProductionDatabase("hprod") && dbs.isValidDevelopmentDatabase("HDEV"));
+  EXPECT_FALSE(dbs.isValidProductionDatabase("hdev") || dbs.isValidDevelopmentDatabase(""));
+  for (char const* d : {"houston", "branch.example", "lprod"}) EXPECT_TRUE(dbs.isValidDatabase(d)) << d;
+  for (char const* d : {"rondo", ""}) EXPECT_FALSE(dbs.isValidDatabase(d)) << d;
 }
 
 TEST(vDatabases, UnknownDomainIsFatal) {
