@@ -40,21 +40,16 @@ class FixedRecordMapper : public vInstanceMapper<int64_t> {
 
 }  // namespace
 
-TEST(vInstanceMapper, SingleRunIsOneRange) {
+TEST(vInstanceMapper, OnlyAscendingUnitStepsMerge) {
   EXPECT_EQ(ranges({{4, 9}}), compress({4, 5, 6, 7, 8, 9}));
   EXPECT_EQ(ranges({{7, 7}}), compress({7}));
   EXPECT_TRUE(compress({}).empty());
-}
-
-TEST(vInstanceMapper, OnlyAscendingUnitStepsMerge) {
   EXPECT_EQ(ranges({{1, 3}, {7, 8}, {10, 10}}), compress({1, 2, 3, 7, 8, 10}));
   EXPECT_EQ(ranges({{1, 2}, {2, 3}}), compress({1, 2, 2, 3}));
   EXPECT_EQ(ranges({{5, 5}, {4, 4}, {3, 3}}), compress({5, 4, 3}));
   EXPECT_EQ(ranges({{3, 4}, {1, 2}}), compress({3, 4, 1, 2}));
   EXPECT_EQ(ranges({{0xFFFFFFFEu, 0xFFFFFFFFu}, {0, 0}}), compress({0xFFFFFFFEu, 0xFFFFFFFFu, 0}));
-}
-
-TEST(vInstanceMapper, FirstAndLastFormIsOneRange) {
+  // The first-and-last form is one range.
   Ranges r;
   r.push_back(std::make_pair(1u, 1u));
   vInstanceMapperBase::compressInstancesToRanges(3, 12, r);
