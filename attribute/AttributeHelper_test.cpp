@@ -356,20 +356,15 @@ TEST(AttributeHelperCRC, StableAndSensitive) {
 }
 
 TEST(AttributeHelperTime, NearestTimeRoundsHalvesAwayFromTheFirstTime) {
-  Attribute unit("T", "CLASS", vFLOAT32, 10, 1.0, 0.0);
-  EXPECT_DOUBLE_EQ(-101.0, AttributeHelper::findNearestTime(unit, -101.1));
-  EXPECT_DOUBLE_EQ(-102.0, AttributeHelper::findNearestTime(unit, -101.6));
-  EXPECT_DOUBLE_EQ(101.0, AttributeHelper::findNearestTime(unit, 101.1));
-  EXPECT_DOUBLE_EQ(102.0, AttributeHelper::findNearestTime(unit, 101.6));
-  Attribute four("T", "CLASS", vFLOAT32, 10, 4.0, 0.0);
-  EXPECT_DOUBLE_EQ(-104.0, AttributeHelper::findNearestTime(four, -104.1));
-  EXPECT_DOUBLE_EQ(-108.0, AttributeHelper::findNearestTime(four, -107.6));
-  EXPECT_DOUBLE_EQ(100.0, AttributeHelper::findNearestTime(four, 101.1));
-  EXPECT_DOUBLE_EQ(104.0, AttributeHelper::findNearestTime(four, 103.3));
-  // Halves go away from the first time on both sides of it.
-  Attribute shifted("T", "CLASS", vFLOAT32, 10, 4.0, 10.0);
-  EXPECT_DOUBLE_EQ(14.0, AttributeHelper::findNearestTime(shifted, 12.0));
-  EXPECT_DOUBLE_EQ(6.0, AttributeHelper::findNearestTime(shifted, 8.0));
+  // Sample rate, first time, time asked, nearest sample time. Halves go
+  // away from the first time on both sides of it.
+  double const rows[][4] = {{1, 0, -101.1, -101}, {1, 0, -101.6, -102}, {1, 0, 101.1, 101}, {1, 0, 101.6, 102},
+                            {4, 0, -104.1, -104}, {4, 0, -107.6, -108}, {4, 0, 101.1, 100}, {4, 0, 103.3, 104},
+                            {4, 10, 12, 14},      {4, 10, 8, 6}};
+  for (auto const& r : rows) {
+    SCOPED_TRACE(std::to_string(r[0]) + " " + std::to_string(r[1]) + " " + std::to_string(r[2]));
+    EXPECT_DOUBLE_EQ(r[3], AttributeHelper::findNearestTime(Attribute("T", "CLASS", vFLOAT32, 10, r[0], r[1]), r[2]));
+  }
 }
 
 TEST(AttributeHelperTime, TimegateCopiesTheOverlapAndZeroesTheRest) {
@@ -448,15 +443,9 @@ TEST(AttributeHelperPresentation, DumpPrintsDefinitionAndValues) {
   fill(v, {100, -200, 300, 400});
   std::ostringstream out;
   AttributeHelper::dump(out, v);
-  std::string const text = out.str();
-  EXPECT_NE(std::string::npos, text.find("OFFSET"));
-  EXPECT_NE(std::string::npos, text.find("CLASS"));
-  EXPECT_NE(std::string::npos, text.find("DataType=vINT32"));
-  EXPECT_NE(std::string::npos, text.find("#Instances=2"));
-  EXPECT_NE(std::string::npos, text.find("Length=2"));
-  EXPECT_NE(std::string::npos, text.find("SampleRate=0"));
-  EXPECT_NE(std::string::npos, text.find("1: 100 -200"));
-  EXPECT_NE(std::string::npos, text.find("2: 300 400"));
+  for (char const* part :
+       {"OFFSET", "CLASS", "DataType=vINT32", "#Instances=2", "Length=2", "SampleRate=0", "1: 100 -200", "2: 300 400"})
+    EXPECT_NE(std::string::npos, out.str().find(part)) << part;
   std::ostringstream one;
   AttributeHelper::dump(one, v, 2, 2);
   EXPECT_EQ(std::string::npos, one.str().find("1: 100"));
@@ -477,15 +466,12 @@ TEST(AttributeHelperPresentation, SelectAttributesFromAScript) {
   for (Attribute const& a : selection) names.push_back(a.getName().c_str());
   // The empty line ended it before OFFSET.
   EXPECT_EQ((std::vector<std::string>{"CDP", "TRACE"}), names);
-  std::string const text = out.str();
-  EXPECT_NE(std::string::npos, text.find("attribute name or -h for help"));
-  EXPECT_NE(std::string::npos,
-            text.find("Enter an attribute name to add to the selection list.   Wildcards are supported, e.g. use * to "
-                      "add all attributes."));
-  EXPECT_NE(std::string::npos, text.find("No attribute matches NOPE"));
-  EXPECT_NE(std::string::npos, text.find("Not in the selection: NOPE"));
-  EXPECT_NE(std::string::npos, text.find("  OFFSET (HEADER)"));
-  EXPECT_NE(std::string::npos, text.find("* TRACE (SEISMIC)"));
+  for (char const* part : {"attribute name or -h for help",
+                           "Enter an attribute name to add to the selection list.   Wildcards are supported, e.g. use * "
+                           "to add all attributes.",
+                           "No attribute matches NOPE", "Not in the selection: NOPE", "  OFFSET (HEADER)",
+                           "* TRACE (SEISMIC)"})
+    EXPECT_NE(std::string::npos, out.str().find(part)) << part;
   // The end of the input ends it too.
   std::istringstream more("OFFSET");
   AttributeHelper::selectAttributes(all, selection, more, out);
