@@ -26,20 +26,19 @@ TEST(DataPtr, EmptyByDefault) {
   EXPECT_EQ(vNOTYPE, d.getOriginalDataType());
 }
 
-TEST(DataPtr, TransferTakesThePointersOver) {
+TEST(DataPtr, TransferCopyAllocateAndBorrow) {
   int32_t* data = new int32_t[5]{1, 2, 3, 4, 5};
-  unsigned int* lengths = new unsigned int[2]{2, 3};
-  DataPtr d(vINT32, 2, data, lengths, DataPtr::TRANSFER);
+  unsigned int* given = new unsigned int[2]{2, 3};
+  DataPtr d(vINT32, 2, data, given, DataPtr::TRANSFER);
   EXPECT_EQ(data, d.getData());
-  EXPECT_EQ(lengths, d.getLengths());
+  EXPECT_EQ(given, d.getLengths());
   EXPECT_TRUE(d.isVariableLength());
   EXPECT_EQ(5, d.getTotalLength());
   EXPECT_EQ(20, d.getTotalNBytes());
   EXPECT_EQ(DataPtr::TRANSFER, d.getTransferMethod());
   // Freed by d: AddressSanitizer would report a leak otherwise.
-}
 
-TEST(DataPtr, CopyAndAllocateOwnFreshMemory) {
+  // Copy and allocate own fresh memory.
   double const values[3] = {1.5, 2.5, 3.5};
   DataPtr c(vFLOAT64, 3, values);
   ASSERT_NE(static_cast<void const*>(values), c.getData());
@@ -65,9 +64,8 @@ TEST(DataPtr, CopyAndAllocateOwnFreshMemory) {
   DataPtr z(vBOOL8, 4);
   EXPECT_EQ(4, z.getTotalNBytes());
   EXPECT_EQ(0, static_cast<uint8_t*>(z.getData())[3]);
-}
 
-TEST(DataPtr, BorrowNeverFrees) {
+  // Borrowed blocks are never freed.
   float block[2] = {1.0f, 2.0f};
   {
     DataPtr b(vFLOAT32, 2, block, nullptr, DataPtr::BORROW);
@@ -90,10 +88,7 @@ TEST(DataPtr, EveryBlockTypeAllocates) {
   int x = 0;
   expectFailure([&] { DataPtr d(vCOMPLEX32, 1, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr()",
                 "Unsupported data type vCOMPLEX32.");
-}
-
-TEST(DataPtr, ZeroElementsWithPointersIsRefused) {
-  int32_t x = 1;
+  // Zero elements with pointers are refused.
   unsigned int l = 1;
   expectFailure([&] { DataPtr d(vINT32, 0, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr(...)",
                 "Given nElements=0, but mData or myLength!=0");
@@ -145,16 +140,15 @@ TEST(DataPtr, AssignmentMoves) {
   DataPtr e(vINT32, 1, nullptr, new unsigned int[1]{3}, DataPtr::TRANSFER);
   delete[] e.releaseLengths();
   expectFailure([&] { d = e; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
-}
 
-TEST(DataPtr, MoveConstructionTakesTheBlock) {
-  DataPtr a(vINT32, 4);
-  void* block = a.getData();
-  DataPtr b(std::move(a));
-  EXPECT_EQ(block, b.getData());
-  EXPECT_EQ(nullptr, a.getData());
-  EXPECT_EQ(0u, a.getNElements());
-  EXPECT_EQ(4u, b.getNElements());
+  // Move construction takes the block.
+  DataPtr f(vINT32, 4);
+  void* const fourInts = f.getData();
+  DataPtr g(std::move(f));
+  EXPECT_EQ(fourInts, g.getData());
+  EXPECT_EQ(nullptr, f.getData());
+  EXPECT_EQ(0u, f.getNElements());
+  EXPECT_EQ(4u, g.getNElements());
 }
 
 TEST(DataPtr, CopyConstructionIsDeep) {
@@ -172,7 +166,7 @@ TEST(DataPtr, CopyConstructionIsDeep) {
   expectFailure([&] { DataPtr d(b); }, "DataPtr::deepCopy()", "rhs is in the middle of releasing its data");
 }
 
-TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgree) {
+TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgreeAndOwned) {
   float* block = new float[3]{1.5f, 2.5f, -3.5f};
   DataPtr in(vFLOAT32, 3, block, nullptr, DataPtr::TRANSFER);
   in.setOriginalDataType(vINT16);
@@ -193,19 +187,18 @@ TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgree) {
   }
   EXPECT_EQ(-3, o[2]);
   // Only out frees the block.
-}
 
-TEST(DataPtr, PrepareAllocatesWhenSizesDifferOrNotOwned) {
+  // Otherwise it allocates.
   unsigned int lengths[2] = {2, 1};
   int16_t values[3] = {1, 2, 3};
-  DataPtr in(vINT16, 2, values, lengths, DataPtr::BORROW);
-  DataPtr out(vFLOAT64, 0);
-  out.prepare(in);
-  EXPECT_FALSE(out.isInPlace());
-  EXPECT_NE(static_cast<void*>(values), out.getData());
-  EXPECT_NE(in.getLengths(), out.getLengths());
-  EXPECT_EQ(1u, out.getLengths()[1]);
-  EXPECT_EQ(24, out.getTotalNBytes());
+  DataPtr borrowed(vINT16, 2, values, lengths, DataPtr::BORROW);
+  DataPtr out64(vFLOAT64, 0);
+  out64.prepare(borrowed);
+  EXPECT_FALSE(out64.isInPlace());
+  EXPECT_NE(static_cast<void*>(values), out64.getData());
+  EXPECT_NE(borrowed.getLengths(), out64.getLengths());
+  EXPECT_EQ(1u, out64.getLengths()[1]);
+  EXPECT_EQ(24, out64.getTotalNBytes());
 
   DataPtr owned(vINT16, 3);
   DataPtr wider(vINT64, 0);
