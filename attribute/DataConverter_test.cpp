@@ -64,6 +64,17 @@ TEST(Int32DataConverter, EachInputType) {
   EXPECT_EQ((std::vector<int>{3, -1}), valuesOf<int>(fromDoubles));
   EXPECT_NE(doubles.getData(), fromDoubles.getData());
   EXPECT_EQ((std::vector<double>{2.5, -0.5}), valuesOf<double>(doubles));
+
+  // Lengths pass along.
+  unsigned int const lengths[] = {2, 1};
+  float const values[] = {1.4f, 1.6f, -7.5f};
+  DataPtr variable(vFLOAT32, 2, values, lengths);
+  DataPtr fromVariable = c.convertData(variable);
+  ASSERT_TRUE(fromVariable.isVariableLength());
+  EXPECT_EQ(2u, fromVariable.getNElements());
+  EXPECT_EQ(2u, fromVariable.getLengths()[0]);
+  EXPECT_EQ(1u, fromVariable.getLengths()[1]);
+  EXPECT_EQ((std::vector<int>{1, 2, -8}), valuesOf<int>(fromVariable));
 }
 
 TEST(Int32DataConverter, SameTypeIsHandedOnOrCopiedWhenConst) {
@@ -83,19 +94,6 @@ TEST(Int32DataConverter, SameTypeIsHandedOnOrCopiedWhenConst) {
   DataPtr const f = block<float>(vFLOAT32, {1.75f});
   EXPECT_EQ((std::vector<int>{2}), valuesOf<int>(c.convertData(f)));
   EXPECT_EQ((std::vector<float>{1.75f}), valuesOf<float>(f));
-}
-
-TEST(Int32DataConverter, LengthsPassAlong) {
-  Int32DataConverter const c("", none());
-  unsigned int const lengths[] = {2, 1};
-  float const values[] = {1.4f, 1.6f, -7.5f};
-  DataPtr variable(vFLOAT32, 2, values, lengths);
-  DataPtr out = c.convertData(variable);
-  ASSERT_TRUE(out.isVariableLength());
-  EXPECT_EQ(2u, out.getNElements());
-  EXPECT_EQ(2u, out.getLengths()[0]);
-  EXPECT_EQ(1u, out.getLengths()[1]);
-  EXPECT_EQ((std::vector<int>{1, 2, -8}), valuesOf<int>(out));
 }
 
 TEST(Int32DataConverter, RefusalsLeaveTheInputAsItWas) {
@@ -201,19 +199,16 @@ TEST(OriginalDataConverter, TruncatesWhereInt32DataConverterRounds) {
   DataPtr same = block<float>(vFLOAT32, {1.25f});
   void* const p = same.getData();
   EXPECT_EQ(p, c.convertData(same).getData());
-}
 
-TEST(OriginalDataConverter, Refusals) {
-  OriginalDataConverter c("", none());
+  // Input of the output type, or an output type it cannot make, is refused.
   c.setOutputDT(vINT32);
   DataPtr ints = block<int>(vINT32, {1});
   expectFailure([&] { c.convertData(ints); }, "OriginalDataConverter::doConvertData",
                 "Unexpected attribute input data type 'vINT32'.  Output data type is 'vINT32'.");
   EXPECT_EQ((std::vector<int>{1}), valuesOf<int>(ints));
   c.setOutputDT(vINT16);
-  DataPtr floats = block<float>(vFLOAT32, {1.0f});
-  expectFailure([&] { c.convertData(floats); }, "OriginalDataConverter::doConvertData",
-                "Unexpected output type 'vINT16'.");
+  DataPtr one = block<float>(vFLOAT32, {1.0f});
+  expectFailure([&] { c.convertData(one); }, "OriginalDataConverter::doConvertData", "Unexpected output type 'vINT16'.");
   expectFailure([&] { c.getOutputDT(); }, "OriginalDataConverter::doGetOutputDT", "Need code");
 }
 
