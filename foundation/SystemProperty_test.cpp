@@ -74,17 +74,12 @@ TEST(SystemProperty, ValuesAndConversions) {
   expectFatal([&] { p.getFloat64Value(2); }, "SystemProperty::getFloat64Value",
               "The value 'Enabled' at index 2 is not a number! ");
   // Decimal, whatever the leading zeros; hexadecimal after "0x".
-  SystemProperty numbers("a", "b", "", {"0900", "010", "-0x10", " +0X1f ", "0x", "0"});
-  EXPECT_EQ(900, numbers.getInt32Value(0));
-  EXPECT_EQ(10, numbers.getInt32Value(1));
-  EXPECT_EQ(-16, numbers.getInt32Value(2));
-  EXPECT_EQ(31, numbers.getInt32Value(3));
-  expectFatal([&] { numbers.getInt32Value(4); }, "SystemProperty::getInt32Value",
-              "The value '0x' at index 4 is not a 32-bit integer! ");
-  EXPECT_EQ(0, numbers.getInt32Value(5));
-  SystemProperty big("a", "b", "", {"4294967296"});
-  expectFatal([&] { big.getInt32Value(0); }, "SystemProperty::getInt32Value",
-              "The value '4294967296' at index 0 is not a 32-bit integer! ");
+  SystemProperty numbers("a", "b", "", {"0900", "010", "-0x10", " +0X1f ", "0", "0x", "4294967296"});
+  for (int i = 0; i < 5; ++i) EXPECT_EQ((std::vector<int>{900, 10, -16, 31, 0})[i], numbers.getInt32Value(i)) << i;
+  expectFatal([&] { numbers.getInt32Value(5); }, "SystemProperty::getInt32Value",
+              "The value '0x' at index 5 is not a 32-bit integer! ");
+  expectFatal([&] { numbers.getInt32Value(6); }, "SystemProperty::getInt32Value",
+              "The value '4294967296' at index 6 is not a 32-bit integer! ");
 }
 
 TEST(SystemProperty, TrueTextsInAnyCase) {
@@ -121,12 +116,7 @@ TEST(SystemPropertyRecord, ReadsTokensInAnyCaseWithQuotesAndRepeatedValues) {
   SystemProperty p = readOne(
       "  <systemproperty NAME= Verbose\n package= CommChan description= \"trace the \\\"channel\\\"\"\n"
       "  value= \"verbose=yes\" Value= filename=/tmp/x systemproperty>");
-  EXPECT_EQ("COMMCHAN", str(p.getSection()));
-  EXPECT_EQ("VERBOSE", str(p.getName()));
-  EXPECT_EQ("trace the \"channel\"", str(p.getDescription()));
-  ASSERT_EQ(2, p.getNValues());
-  EXPECT_EQ("verbose=yes", str(p.getValue(0)));
-  EXPECT_EQ("filename=/tmp/x", str(p.getValue(1)));
+  EXPECT_EQ(p, SystemProperty("commchan", "verbose", "trace the \"channel\"", {"verbose=yes", "filename=/tmp/x"}));
 }
 
 TEST(SystemPropertyRecord, UnquotedValuesRunToTheNextKeyword) {
@@ -139,24 +129,13 @@ TEST(SystemPropertyRecord, UnquotedValuesRunToTheNextKeyword) {
       "value= vping -c 1 %s\n"
       "value= second one\n"
       "SystemProperty>\n");
-  EXPECT_EQ("UTL", str(p.getSection()));
-  EXPECT_EQ("PING", str(p.getName()));
-  EXPECT_EQ("the ping  command, with\ttabs", str(p.getDescription()));
-  ASSERT_EQ(2, p.getNValues());
-  EXPECT_EQ("vping -c 1 %s", str(p.getValue(0)));
-  EXPECT_EQ("second one", str(p.getValue(1)));
+  EXPECT_EQ(p, SystemProperty("utl", "ping", "the ping  command, with\ttabs", {"vping -c 1 %s", "second one"}));
 
   // On one line the next keyword ends the value; the keyword may carry its
   // value in the same token.
   p = readOne("<SystemProperty name=Verbose package=commchan description= trace it value=yes please "
               "value= \"x y\" value= 3 SystemProperty>");
-  EXPECT_EQ("VERBOSE", str(p.getName()));
-  EXPECT_EQ("COMMCHAN", str(p.getSection()));
-  EXPECT_EQ("trace it", str(p.getDescription()));
-  ASSERT_EQ(3, p.getNValues());
-  EXPECT_EQ("yes please", str(p.getValue(0)));
-  EXPECT_EQ("x y", str(p.getValue(1)));
-  EXPECT_EQ("3", str(p.getValue(2)));
+  EXPECT_EQ(p, SystemProperty("commchan", "verbose", "trace it", {"yes please", "x y", "3"}));
 
   // A value on the line after its keyword is still its value.
   p = readOne("<SystemProperty name=\n  a package= b value=\n  c d\nSystemProperty>");
@@ -200,32 +179,30 @@ TEST(SystemPropertyRecord, CommentLinesBetweenRecords) {
 }
 
 TEST(SystemPropertyRecord, BadRecordsAreFatal) {
-  char const* m = "SystemProperty::operator>>";
-  expectFatal([] { readOne("<SystemProperty name= a package= b colour= red SystemProperty>"); }, m,
-              "Unknown token 'colour=' in the system property record.");
-  expectFatal([] { readOne("SystemProperty name= a"); }, m,
-              "Unknown token 'SystemProperty' where a system property record should start.");
-  expectFatal([] { readOne("<SystemProperty name= a package= b value= 1"); }, m,
-              "The system property record ended before 'SystemProperty>'.");
-  expectFatal([] { readOne("<SystemProperty name= a package= b value="); }, m,
-              "The system property record ended before 'SystemProperty>'.");
-  expectFatal([] { readOne("<SystemProperty name= a package= b value= \"open quote SystemProperty>"); }, m,
-              "The system property record ended before 'SystemProperty>'.");
-  expectFatal([] { readOne("<SystemProperty package= b value= 1 SystemProperty>"); }, m,
-              "The system property record has no name.");
-  expectFatal([] { readOne("<SystemProperty name= a value= 1 SystemProperty>"); }, m,
-              "The system property record 'A' has no package.");
-  expectFatal([] { readOne("<SystemProperty name= a \"package=\" b SystemProperty>"); }, m,
-              "Unknown token 'package=' in the system property record.");
-  // A misspelt keyword after an unquoted value is not taken into the value.
-  expectFatal([] { readOne("<SystemProperty name= a package= b valeu= 2 SystemProperty>"); }, m,
-              "Unknown token 'valeu=' in the system property record.");
-  expectFatal([] { readOne("<SystemProperty name= a package= b\nstray words SystemProperty>"); }, m,
-              "Unknown token 'stray' in the system property record.");
-  expectFatal([] { readOne("<SystemProperty name= a package= b value= 1 <SystemProperty name= c"); }, m,
-              "Unknown token '<SystemProperty' in the system property record.");
-  expectFatal([] { readOne("<SystemProperty name= a package= b value= x \"open"); }, m,
-              "The system property record ended before 'SystemProperty>'.");
+  std::string const ended = "The system property record ended before 'SystemProperty>'.";
+  auto token = [](std::string const& t) { return "Unknown token '" + t + "' in the system property record."; };
+  struct Case {
+    char const* text;
+    std::string reason;
+  } const cases[] = {
+      {"<SystemProperty name= a package= b colour= red SystemProperty>", token("colour=")},
+      {"SystemProperty name= a", "Unknown token 'SystemProperty' where a system property record should start."},
+      {"<SystemProperty name= a package= b value= 1", ended},
+      {"<SystemProperty name= a package= b value=", ended},
+      {"<SystemProperty name= a package= b value= \"open quote SystemProperty>", ended},
+      {"<SystemProperty package= b value= 1 SystemProperty>", "The system property record has no name."},
+      {"<SystemProperty name= a value= 1 SystemProperty>", "The system property record 'A' has no package."},
+      {"<SystemProperty name= a \"package=\" b SystemProperty>", token("package=")},
+      // A misspelt keyword after an unquoted value is not taken into the value.
+      {"<SystemProperty name= a package= b valeu= 2 SystemProperty>", token("valeu=")},
+      {"<SystemProperty name= a package= b\nstray words SystemProperty>", token("stray")},
+      {"<SystemProperty name= a package= b value= 1 <SystemProperty name= c", token("<SystemProperty")},
+      {"<SystemProperty name= a package= b value= x \"open", ended},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.text);
+    expectFatal([&] { readOne(c.text); }, "SystemProperty::operator>>", c.reason);
+  }
 }
 
 // --- Finding system files -----------------------------------------------
