@@ -11,6 +11,13 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
+template <class Strings>
+std::vector<std::string> strs(Strings const& v) {
+  std::vector<std::string> out;
+  for (vString const& s : v) out.push_back(str(s));
+  return out;
+}
+
 std::string keys(vIni const& ini, char const* section) {
   std::string all;
   for (vLCString const& k : ini.getKeys(section)) all += "[" + str(k) + "]";
@@ -40,9 +47,7 @@ TEST(vIni, LineRules) {
       "late = resumed\n"
       "NAME = third\n"
       "[ab\n");
-  EXPECT_EQ(2u, ini.getSections().size());
-  EXPECT_EQ("main", str(ini.getSections()[0]));
-  EXPECT_EQ("other", str(ini.getSections()[1]));
+  EXPECT_EQ(strs(ini.getSections()), (std::vector<std::string>{"main", "other"}));
   EXPECT_FALSE(ini.doesKeyExist("main", "before"));
 
   // Keys stripped and folded, first value kept, values as written.
@@ -116,14 +121,8 @@ TEST(vIni, TypedValues) {
   EXPECT_EQ(-2, ini.getInt64("u", "absent", -2));
   EXPECT_FLOAT_EQ(0.5f, ini.getFloat32("t", "absent", 0.5f));
 
-  std::vector<vString> parts = ini.getStringDelimited("t", "list");
-  ASSERT_EQ(3u, parts.size());
-  EXPECT_EQ("a", str(parts[0]));
-  EXPECT_EQ("b", str(parts[1]));
-  EXPECT_EQ("c ;d", str(parts[2]));
-  parts = ini.getStringDelimited("t", "list", ",;");
-  ASSERT_EQ(4u, parts.size());
-  EXPECT_EQ("d", str(parts[3]));
+  EXPECT_EQ(strs(ini.getStringDelimited("t", "list")), (std::vector<std::string>{"a", "b", "c ;d"}));
+  EXPECT_EQ(strs(ini.getStringDelimited("t", "list", ",;")), (std::vector<std::string>{"a", "b", "c", "d"}));
   EXPECT_TRUE(ini.getStringDelimited("t", "absent").empty());
 
   expectFatal([&] { ini.getInt32("t", "big"); }, "vIni::getInt32",
@@ -139,10 +138,7 @@ TEST(vIni, TypedValues) {
 TEST(vIni, ListsInFileOrder) {
   vIni ini;
   ini.loadFromMemory("[s]\nb = 2\na = 1\nc\n");
-  std::vector<vString> values = ini.getValues("s");
-  ASSERT_EQ(3u, values.size());
-  EXPECT_EQ(" 2", str(values[0]));
-  EXPECT_EQ("", str(values[2]));
+  EXPECT_EQ(strs(ini.getValues("s")), (std::vector<std::string>{" 2", " 1", ""}));
   std::vector<vIni::KeyValue> kv = ini.getKeysAndValues("s");
   ASSERT_EQ(3u, kv.size());
   EXPECT_EQ("a", str(kv[1].first));
