@@ -31,6 +31,22 @@ struct Failure {
   std::string reason;
 };
 
+// Runs f, which must fail with this method and text, raised in the source
+// file named `file` at a real line.
+template <class F>
+void expectFailureFrom(F f, char const* method, std::string const& reason, char const* file) {
+  try {
+    MessageHandling quiet;
+    f();
+    ADD_FAILURE() << "expected a failure: " << reason;
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ(std::string(method), std::string(e.getMethod().c_str()));
+    EXPECT_EQ(reason, std::string(e.getReason().c_str()));
+    EXPECT_EQ(std::string(file), std::string(e.getFileName().c_str()));
+    EXPECT_GT(e.getLineNumber(), 0);
+  }
+}
+
 // Runs the rows in order; each must fail with its own method and text.
 inline void expectFailures(std::vector<Failure> const& rows) {
   for (Failure const& row : rows) {
