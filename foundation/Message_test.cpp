@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -62,7 +61,23 @@ std::string tempPath(char const* stem) {
 
 // "14-NOV-2023 22:13:20"
 bool isRondoTime(std::string const& t) {
-  return std::regex_match(t, std::regex("[0-9]{2}-[A-Z]{3}-[0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}"));
+  if (t.size() != 20) return false;
+  for (size_t i = 0; i < t.size(); ++i) {
+    char const c = t[i];
+    bool ok;
+    if (i == 2 || i == 6)
+      ok = c == '-';
+    else if (i >= 3 && i <= 5)
+      ok = c >= 'A' && c <= 'Z';
+    else if (i == 11)
+      ok = c == ' ';
+    else if (i == 14 || i == 17)
+      ok = c == ':';
+    else
+      ok = c >= '0' && c <= '9';
+    if (!ok) return false;
+  }
+  return true;
 }
 
 }  // namespace
