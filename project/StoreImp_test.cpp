@@ -129,18 +129,6 @@ TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
     expectFailure(g.call, std::string("StoreImp::") + g.method, g.reason);
   }
   EXPECT_EQ(1, store.getNSetsMade()) << "the guard made the set it looks at";
-
-  store.open("a", 0, "", "", nullptr);
-  std::string const refused = "The store 'a' has not been opened for modification!";
-  Attribute three = ints("CDP", {1, 2, 3});
-  KeyList keys;
-  keys.addKey(ints("CDP", {1}));
-  expectFailure([&] { store.write(three, key, 1, 1); }, "StoreImp::write(groups)", refused);
-  expectFailure([&] { store.write(three, keys); }, "StoreImp::write(keys)", refused);
-  expectFailure([&] { store.addProperties(PropertyI()); }, "StoreImp::addProperties", refused);
-  expectFailure([&] { store.removeProperty(vUCString("X")); }, "StoreImp::removeProperty", refused);
-  expectFailure([&] { store.setPropertyList(PropertyI()); }, "StoreImp::setPropertyList", refused);
-  EXPECT_EQ((std::vector<int>{1, 2, 3}), readInts(store, "CDP"));
 }
 
 TEST(StoreImp, OpensOnceAndForReadingOnly) {
@@ -160,16 +148,32 @@ TEST(StoreImp, OpensOnceAndForReadingOnly) {
                 "The store 'a' has already been opened!");
   expectFailure([&] { store.update("a", 0, "", "", nullptr); }, "StoreImp::update",
                 "The store 'a' has already been opened!");
-  std::string refused = "The store 'a' has not been opened for modification!";
-  expectFailure([&] { store.write(ints("CDP", {9}), 1, 1); }, "StoreImp::write(range)", refused);
-  expectFailure([&] { store.write(ints("CDP", {9}), std::vector<unsigned int>{2}); }, "StoreImp::write(list)",
-                refused);
-  expectFailure([&] { store.addInstances(1); }, "StoreImp::addInstances", refused);
-  expectFailure([&] { store.addAttribute(Attribute("X", "", vINT32)); }, "StoreImp::addAttribute", refused);
-  expectFailure([&] { store.setAttributeClass("CDP", "BIN"); }, "StoreImp::setAttributeClass", refused);
-  expectFailure([&] { store.createAttributeSet("b", KeyList()); }, "StoreImp::createAttributeSet", refused);
-  expectFailure([&] { store.addProperty(Property("P", 1)); }, "StoreImp::addProperty", refused);
-  expectFailure([&] { store.clearProperties(); }, "StoreImp::clearProperties", refused);
+  Attribute three = ints("CDP", {1, 2, 3});
+  Attribute key("CDP", "", vINT32);
+  KeyList keys;
+  keys.addKey(ints("CDP", {1}));
+  struct {
+    std::function<void()> call;
+    char const* method;
+  } const refusals[] = {
+      {[&] { store.write(ints("CDP", {9}), 1, 1); }, "write(range)"},
+      {[&] { store.write(ints("CDP", {9}), std::vector<unsigned int>{2}); }, "write(list)"},
+      {[&] { store.write(three, key, 1, 1); }, "write(groups)"},
+      {[&] { store.write(three, keys); }, "write(keys)"},
+      {[&] { store.addInstances(1); }, "addInstances"},
+      {[&] { store.addAttribute(Attribute("X", "", vINT32)); }, "addAttribute"},
+      {[&] { store.setAttributeClass("CDP", "BIN"); }, "setAttributeClass"},
+      {[&] { store.createAttributeSet("b", KeyList()); }, "createAttributeSet"},
+      {[&] { store.addProperty(Property("P", 1)); }, "addProperty"},
+      {[&] { store.addProperties(PropertyI()); }, "addProperties"},
+      {[&] { store.removeProperty(vUCString("X")); }, "removeProperty"},
+      {[&] { store.setPropertyList(PropertyI()); }, "setPropertyList"},
+      {[&] { store.clearProperties(); }, "clearProperties"},
+  };
+  for (auto const& r : refusals) {
+    SCOPED_TRACE(r.method);
+    expectFailure(r.call, std::string("StoreImp::") + r.method, "The store 'a' has not been opened for modification!");
+  }
   EXPECT_EQ((std::vector<int>{1, 2, 3}), readInts(store, "CDP"));
 
   store.close();
