@@ -214,17 +214,16 @@ TEST(vStringSearch, PositionsAndOffsets) {
 }
 
 TEST(vStringSearch, SearchForLastReturnsZeroAndStoresThePosition) {
-  int pos = 99;
-  EXPECT_EQ(0, vString("a:b").searchForLast(':', pos));
-  EXPECT_EQ(1, pos);
-  pos = 99;
-  EXPECT_EQ(-1, vString("abc").searchForLast(':', pos));
-  EXPECT_EQ(0, pos);
-  pos = 99;
-  EXPECT_EQ(0, vString("x.y.z").searchForLast(vString("."), pos));
-  EXPECT_EQ(3, pos);
-  EXPECT_EQ(-1, vString("xyz").searchForLast(vString(".."), pos));
-  EXPECT_EQ(0, pos);
+  // (result, position stored), the position starting at 99.
+  auto last = [](char const* text, auto token) {
+    int pos = 99;
+    int const result = vString(text).searchForLast(token, pos);
+    return std::make_pair(result, pos);
+  };
+  EXPECT_EQ(last("a:b", ':'), std::make_pair(0, 1));
+  EXPECT_EQ(last("abc", ':'), std::make_pair(-1, 0));
+  EXPECT_EQ(last("x.y.z", vString(".")), std::make_pair(0, 3));
+  EXPECT_EQ(last("xyz", vString("..")), std::make_pair(-1, 0));
 }
 
 TEST(vStringSearch, SearchIntegerSkipsPartsOfLargerNumbers) {
@@ -352,78 +351,63 @@ TEST(vStringWrite, StreamOperatorsUseFixedFormats) {
 }
 
 TEST(vStringWrite, NumberIntoAField) {
-  vString s("|....|....|");
-  EXPECT_EQ(4, s.write(42, 1, 4, 0, ' ', 0, 0));
-  EXPECT_EQ(s, "|  42|....|");
-  EXPECT_EQ(4, s.write(123456, 6, 9, 0, ' ', 0, 0));
-  EXPECT_EQ(s, "|  42|9999|");
-  EXPECT_EQ(4, s.write(-123456, 1, 4, 0, ' ', 0, 0));
-  EXPECT_EQ(s, "|-999|9999|");
-  EXPECT_EQ(4, s.write(255, 6, 9, 64 | 512, '0', 0, 0));
-  EXPECT_EQ(s, "|-999|00FF|");
-  EXPECT_EQ(-1, s.write(1, 8, 20, 0, ' ', 0, 0));
-  EXPECT_EQ(-1, s.write(1, -1, 2, 0, ' ', 0, 0));
-  EXPECT_EQ(-1, s.write(1, 5, 2, 0, ' ', 0, 0));
-  vString a("x=");
-  EXPECT_EQ(4, a.write(7, 0, -1, 1024, '0', 4, 0));
-  EXPECT_EQ(a, "x=+007");
-  vString f("[      ]");
-  EXPECT_EQ(6, f.write(3.14159f, 1, 6, 0, ' ', 0, 2));
-  EXPECT_EQ(f, "[  3.14]");
-}
-
-TEST(vStringWrite, ZeroFillGoesBetweenSignAndDigits) {
-  vString s("|....|......|");
-  EXPECT_EQ(4, s.write(-42, 1, 4, 0, '0', 0, 0));
-  EXPECT_EQ(s, "|-042|......|");
-  EXPECT_EQ(6, s.write(-2.5f, 6, 11, 0, '0', 0, 1));
-  EXPECT_EQ(s, "|-042|-002.5|");
-  EXPECT_EQ(4, s.write(-42, 1, 4, 0, ' ', 0, 0));
-  EXPECT_EQ(s, "| -42|-002.5|");
-  // A stream width beyond the field does not fit: nines, sign kept.
-  EXPECT_EQ(4, s.write(-1, 1, 4, 0, ' ', 6, 0));
-  EXPECT_EQ(s, "|-999|-002.5|");
-}
-
-TEST(vStringWrite, FlagBitsMapToStreamFlags) {
-  vString s("[....]");
-  s.write(8, 1, 4, 32 | 128, ' ', 0, 0);  // octal, show base
-  EXPECT_EQ(s, "[ 010]");
-  s.write(255, 1, 4, 64 | 128, ' ', 0, 0);  // hexadecimal, show base
-  EXPECT_EQ(s, "[0xff]");
-  s.write(255, 1, 4, 64 | 128 | 512, ' ', 0, 0);  // and upper case
-  EXPECT_EQ(s, "[0XFF]");
-  s.write(12, 1, 4, 16 | 1024, ' ', 0, 0);  // decimal, show positive
-  EXPECT_EQ(s, "[ +12]");
-  s.write(12, 1, 4, 16, ' ', 0, 0);
-  EXPECT_EQ(s, "[  12]");
-  vString f("[......]");
-  f.write(2.0f, 1, 6, 256, ' ', 0, -1);  // show point, default precision
-  EXPECT_EQ(f, "[999999]");
-  f.write(2.0f, 1, 6, 0, ' ', 0, -1);
-  EXPECT_EQ(f, "[     2]");
-  vString p;
-  p.write(2.0f, 0, -1, 256, ' ', 0, -1);
-  EXPECT_EQ(p, "2.00000");
-  vString e;
-  e.write(1.0e10f, 0, -1, 512, ' ', 0, -1);
-  EXPECT_EQ(e, "1E+10");
-}
-
-TEST(vStringWrite, AppendingTakesAtMostFiftyCharacters) {
+  // Flag bits: 16 decimal, 32 octal, 64 hexadecimal, 128 show base, 256 show
+  // point, 512 upper case, 1024 show positive. A field outside the string
+  // changes nothing; a number too wide for its field shows nines.
+  struct Case {
+    char const* before;
+    bool real;
+    double value;
+    int first, last;
+    long flags;
+    char fill;
+    int width, precision, written;
+    char const* after;
+  } const cases[] = {
+      {"|....|....|", false, 42, 1, 4, 0, ' ', 0, 0, 4, "|  42|....|"},
+      {"|  42|....|", false, 123456, 6, 9, 0, ' ', 0, 0, 4, "|  42|9999|"},
+      {"|  42|9999|", false, -123456, 1, 4, 0, ' ', 0, 0, 4, "|-999|9999|"},
+      {"|-999|9999|", false, 255, 6, 9, 64 | 512, '0', 0, 0, 4, "|-999|00FF|"},
+      {"|-999|00FF|", false, 1, 8, 20, 0, ' ', 0, 0, -1, "|-999|00FF|"},
+      {"|-999|00FF|", false, 1, -1, 2, 0, ' ', 0, 0, -1, "|-999|00FF|"},
+      {"|-999|00FF|", false, 1, 5, 2, 0, ' ', 0, 0, -1, "|-999|00FF|"},
+      {"x=", false, 7, 0, -1, 1024, '0', 4, 0, 4, "x=+007"},
+      {"[      ]", true, 3.14159, 1, 6, 0, ' ', 0, 2, 6, "[  3.14]"},
+      // Zero fill goes between the sign and the digits.
+      {"|....|......|", false, -42, 1, 4, 0, '0', 0, 0, 4, "|-042|......|"},
+      {"|-042|......|", true, -2.5, 6, 11, 0, '0', 0, 1, 6, "|-042|-002.5|"},
+      {"|-042|-002.5|", false, -42, 1, 4, 0, ' ', 0, 0, 4, "| -42|-002.5|"},
+      // A stream width beyond the field does not fit: nines, sign kept.
+      {"| -42|-002.5|", false, -1, 1, 4, 0, ' ', 6, 0, 4, "|-999|-002.5|"},
+      {"[....]", false, 8, 1, 4, 32 | 128, ' ', 0, 0, 4, "[ 010]"},
+      {"[....]", false, 255, 1, 4, 64 | 128, ' ', 0, 0, 4, "[0xff]"},
+      {"[....]", false, 255, 1, 4, 64 | 128 | 512, ' ', 0, 0, 4, "[0XFF]"},
+      {"[....]", false, 12, 1, 4, 16 | 1024, ' ', 0, 0, 4, "[ +12]"},
+      {"[....]", false, 12, 1, 4, 16, ' ', 0, 0, 4, "[  12]"},
+      {"[......]", true, 2.0, 1, 6, 256, ' ', 0, -1, 6, "[999999]"},
+      {"[......]", true, 2.0, 1, 6, 0, ' ', 0, -1, 6, "[     2]"},
+      // Appending: a last of -1 adds the number at the end.
+      {"", true, 2.0, 0, -1, 256, ' ', 0, -1, 7, "2.00000"},
+      {"", true, 1.0e10, 0, -1, 512, ' ', 0, -1, 5, "1E+10"},
+      {"t=", false, -12, 0, -1, 0, ' ', 0, 0, 3, "t=-12"},
+      {"ab", false, 1, 0, 2, 0, ' ', 0, 0, -1, "ab"},
+      {"ab", true, 1.0, 1, 0, 0, ' ', 0, 0, -1, "ab"},
+      {"", false, 1, 0, 0, 0, ' ', 0, 0, -1, ""},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(std::string(c.before) + " <- " + std::to_string(c.value));
+    vString s(c.before);
+    int const written =
+        c.real ? s.write(static_cast<float>(c.value), c.first, c.last, c.flags, c.fill, c.width, c.precision)
+               : s.write(static_cast<int>(c.value), c.first, c.last, c.flags, c.fill, c.width, c.precision);
+    EXPECT_EQ(c.written, written);
+    EXPECT_STREQ(c.after, s.c_str());
+  }
+  // Appending takes at most fifty characters.
   vString s("v=");
   EXPECT_EQ(50, s.write(7, 0, -1, 0, '.', 70, 0));
   EXPECT_EQ(52u, s.length());
   EXPECT_EQ(std::string(s.c_str()), "v=" + std::string(50, '.'));
-  vString t("t=");
-  EXPECT_EQ(3, t.write(-12, 0, -1, 0, ' ', 0, 0));
-  EXPECT_EQ(t, "t=-12");
-  // The field must lie within the string; nothing changes otherwise.
-  vString u("ab");
-  EXPECT_EQ(-1, u.write(1, 0, 2, 0, ' ', 0, 0));
-  EXPECT_EQ(-1, u.write(1.0f, 1, 0, 0, ' ', 0, 0));
-  EXPECT_EQ(-1, vString().write(1, 0, 0, 0, ' ', 0, 0));
-  EXPECT_EQ(u, "ab");
 }
 
 // --- changing the content ----------------------------------------------------------
