@@ -22,6 +22,13 @@ std::string fatalText(std::function<void()> const& f) {
   return "(nothing raised)";
 }
 
+template <class T>
+T load(unsigned char const* p) {
+  T v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
+
 uint32_t bitsOf(float f) {
   uint32_t b;
   std::memcpy(&b, &f, 4);
@@ -219,22 +226,16 @@ TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
         std::copy(src.begin(), src.end(), in.begin() + offset);
         vUtl::copyConvert(in.data() + offset, vINT32, out.data() + offset, vFLOAT32, n,
                           swap ? vUtl::ConvertSwapSource : 0);
-        for (std::size_t k = 0; k < n; ++k) {
-          float got;
-          std::memcpy(&got, out.data() + offset + 4 * k, 4);
-          ASSERT_EQ(static_cast<float>(ints[k]), got) << k;
-        }
+        for (std::size_t k = 0; k < n; ++k)
+          ASSERT_EQ(static_cast<float>(ints[k]), load<float>(out.data() + offset + 4 * k)) << k;
       }
       // int16 -> float32 swapped
       {
         std::vector<unsigned char> const src = swappedBytesOf(shorts);
         std::copy(src.begin(), src.end(), in.begin() + offset);
         vUtl::copyConvert(in.data() + offset, vINT16, out.data() + offset, vFLOAT32, n, vUtl::ConvertSwapSource);
-        for (std::size_t k = 0; k < n; ++k) {
-          float got;
-          std::memcpy(&got, out.data() + offset + 4 * k, 4);
-          ASSERT_EQ(static_cast<float>(shorts[k]), got) << k;
-        }
+        for (std::size_t k = 0; k < n; ++k)
+          ASSERT_EQ(static_cast<float>(shorts[k]), load<float>(out.data() + offset + 4 * k)) << k;
       }
       // float32 -> int32 rounding, swapped, and in place
       for (bool swap : {false, true}) {
@@ -242,11 +243,8 @@ TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
         std::copy(src.begin(), src.end(), in.begin() + offset);
         vUtl::copyConvert(in.data() + offset, vFLOAT32, in.data() + offset, vINT32, n,
                           vUtl::ConvertClip | (swap ? vUtl::ConvertSwapSource : 0));
-        for (std::size_t k = 0; k < n; ++k) {
-          int32_t got;
-          std::memcpy(&got, in.data() + offset + 4 * k, 4);
-          ASSERT_EQ(vUtl::nint(floats[k]), got) << k;
-        }
+        for (std::size_t k = 0; k < n; ++k)
+          ASSERT_EQ(vUtl::nint(floats[k]), load<int32_t>(in.data() + offset + 4 * k)) << k;
       }
       // float32 -> float64 -> float32 through the fused kernels
       {
@@ -300,6 +298,19 @@ TEST(vUtlCopyConvert, RefusesWhatItCannotDo) {
 
 // ---------------------------------------------------------------------------
 
+// One word each way, in this host's byte order.
+uint32_t toIeee(uint32_t w) {
+  uint32_t out;
+  vUtl::ibmToIeee(&w, &out, 1, false);
+  return out;
+}
+
+uint32_t toIbm(uint32_t f) {
+  uint32_t out;
+  vUtl::ieeeToIbm(&f, &out, 1, false);
+  return out;
+}
+
 struct IbmCase {
   uint32_t ibm;
   uint32_t ieee;
@@ -322,25 +333,12 @@ TEST(vUtlIbmFloat, HandComputedValuesBothWays) {
   };
   for (IbmCase const& c : exact) {
     SCOPED_TRACE(std::to_string(c.ibm));
-    uint32_t out = 0;
-    vUtl::ibmToIeee(&c.ibm, &out, 1, false);
-    EXPECT_EQ(c.ieee, out);
-    vUtl::ieeeToIbm(&c.ieee, &out, 1, false);
-    EXPECT_EQ(c.ibm, out);
+    EXPECT_EQ(c.ieee, toIeee(c.ibm));
+    EXPECT_EQ(c.ibm, toIbm(c.ieee));
   }
 }
 
 TEST(vUtlIbmFloat, RangeAndPrecisionLimits) {
-  auto toIeee = [](uint32_t w) {
-    uint32_t out;
-    vUtl::ibmToIeee(&w, &out, 1, false);
-    return out;
-  };
-  auto toIbm = [](uint32_t f) {
-    uint32_t out;
-    vUtl::ieeeToIbm(&f, &out, 1, false);
-    return out;
-  };
   // The IBM range is far wider: its extremes leave the float range.
   EXPECT_EQ(0x7F800000u, toIeee(0x7FFFFFFFu));  // about 7.2e75
   EXPECT_EQ(0xFF800000u, toIeee(0xFFFFFFFFu));
@@ -413,10 +411,8 @@ TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {
   EXPECT_EQ(-118.625f, out[1]);
   // In place, then back to the file's bytes in place.
   vUtl::ibmToIeee(file, file, 2, little);
-  float inPlace[2];
-  std::memcpy(inPlace, file, 8);
-  EXPECT_EQ(100.0f, inPlace[0]);
-  EXPECT_EQ(-118.625f, inPlace[1]);
+  EXPECT_EQ(100.0f, load<float>(file));
+  EXPECT_EQ(-118.625f, load<float>(file + 4));
   vUtl::ieeeToIbm(file, file, 2, little);
   unsigned char const expected[8] = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
   EXPECT_EQ(0, std::memcmp(expected, file, 8));
