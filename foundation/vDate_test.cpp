@@ -147,17 +147,19 @@ TEST(vDateFormat, SetFormattedRoundTrips) {
 TEST(vDateFormat, SetFormattedErrorsAndMonthNames) {
   vDate d(kSample, false);
   struct Case {
-    vDate::Format format;
+    int format;
     char const* text;
     char const* reason;
   } const cases[] = {
       {vDate::formatLONG, "2023", "formatLONG length must = 14 characters!"},
       {vDate::formatRONDO, "5-MAR-2021 01:02:03", "formatRONDO length must = 20 characters!"},
-      {static_cast<vDate::Format>(7), "x", "Invalid format specified!"},
+      {7, "x", "Invalid format specified!"},
       {vDate::formatRONDO, "05-XYZ-2021 01:02:03", "Month not found!"},
       {vDate::formatLONG, "2023111422135x", "Second parameter is out of range!"},
   };
-  for (Case const& c : cases) EXPECT_EQ(reasonOf([&] { d.setFormatted(c.format, vString(c.text)); }), c.reason) << c.text;
+  for (Case const& c : cases)
+    EXPECT_EQ(reasonOf([&] { d.setFormatted(static_cast<vDate::Format>(c.format), vString(c.text)); }), c.reason)
+        << c.text;
   EXPECT_FALSE(d.isValid());
   EXPECT_EQ(failureOf([&] { d.setFormatted(vDate::formatRONDO, vString("05-XYZ-2021 01:02:03")); }),
             "vDate::myGetMonthValue(): Month not found!");
