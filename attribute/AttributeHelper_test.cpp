@@ -16,6 +16,10 @@
 #include "foundation/vUtl.h"
 
 using attribute_testing::expectFailure;
+using attribute_testing::intsOf;
+using attribute_testing::namesOf;
+using attribute_testing::reasonOf;
+using attribute_testing::stringsOf;
 
 namespace {
 
@@ -27,21 +31,9 @@ void fill(Attribute& a, std::vector<int> const& values) {
   if (n > 0) std::copy(values.begin(), values.end(), a.getInt32Pointer(1));
 }
 
-std::vector<int> intValues(Attribute const& a) {
-  if (a.getNInstances() == 0) return {};
-  int const* p = a.getInt32Pointer(1);
-  return std::vector<int>(p, p + a.getTotalLength());
-}
-
 void fillStrings(Attribute& a, std::vector<char const*> const& values) {
   a.resize(static_cast<unsigned int>(values.size()));
   for (std::size_t k = 0; k < values.size(); ++k) a.setString(static_cast<unsigned int>(k + 1), values[k]);
-}
-
-std::vector<std::string> stringValues(Attribute const& a) {
-  std::vector<std::string> out;
-  for (unsigned int i = 1; i <= a.getNInstances(); ++i) out.push_back(a.getString(i).c_str());
-  return out;
 }
 
 // Gives a variable-length vINT32 attribute the given instances.
@@ -66,16 +58,6 @@ std::vector<std::vector<int>> instancesOf(Attribute const& a) {
   return out;
 }
 
-std::string failureText(std::function<void()> const& f) {
-  try {
-    MessageHandling quiet;
-    f();
-  } catch (UtlExcept const& e) {
-    return e.getReason().c_str();
-  }
-  return "";
-}
-
 // ---------------------------------------------------------------------------
 
 TEST(AttributeHelperCopy, BlockOfInstances) {
@@ -84,17 +66,17 @@ TEST(AttributeHelperCopy, BlockOfInstances) {
   Attribute dst("DST", "CLASS", vINT32, 1);
   fill(dst, {0, 0, 0, 0, 0, 0, 0});
   AttributeHelper::copy(src, 2, dst, 4, 3);
-  EXPECT_EQ((std::vector<int>{0, 0, 0, 2, 3, 4, 0}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{0, 0, 0, 2, 3, 4, 0}), intsOf(dst));
   // Within one attribute, overlapping.
   AttributeHelper::copy(src, 1, src, 2, 4);
-  EXPECT_EQ((std::vector<int>{1, 1, 2, 3, 4}), intValues(src));
+  EXPECT_EQ((std::vector<int>{1, 1, 2, 3, 4}), intsOf(src));
   // Vectors move whole instances.
   Attribute v("V", "CLASS", vINT32, 3);
   fill(v, {1, 2, 3, 4, 5, 6});
   Attribute w("W", "CLASS", vINT32, 3);
   fill(w, {0, 0, 0, 0, 0, 0});
   AttributeHelper::copy(v, 2, w, 1, 1);
-  EXPECT_EQ((std::vector<int>{4, 5, 6, 0, 0, 0}), intValues(w));
+  EXPECT_EQ((std::vector<int>{4, 5, 6, 0, 0, 0}), intsOf(w));
   // A shorter source is one block of its own bytes per instance: two
   // instances of 2 values fill the first instance of length 4.
   Attribute pairs("PAIRS", "CLASS", vINT32, 2);
@@ -102,14 +84,14 @@ TEST(AttributeHelperCopy, BlockOfInstances) {
   Attribute quads("QUADS", "CLASS", vINT32, 4);
   fill(quads, {0, 0, 0, 0, 0, 0, 0, 0});
   AttributeHelper::copy(pairs, 1, quads, 1, 2);
-  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 0, 0, 0, 0}), intValues(quads));
+  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 0, 0, 0, 0}), intsOf(quads));
   // Strings go one by one, overlapping too.
   Attribute s("S", "CLASS", vSTRING);
   fillStrings(s, {"a", "b", "c", "d"});
   AttributeHelper::copy(s, 1, s, 2, 3);
-  EXPECT_EQ((std::vector<std::string>{"a", "a", "b", "c"}), stringValues(s));
+  EXPECT_EQ((std::vector<std::string>{"a", "a", "b", "c"}), stringsOf(s));
   AttributeHelper::copy(s, 3, s, 1, 2);
-  EXPECT_EQ((std::vector<std::string>{"b", "c", "b", "c"}), stringValues(s));
+  EXPECT_EQ((std::vector<std::string>{"b", "c", "b", "c"}), stringsOf(s));
 }
 
 TEST(AttributeHelperCopy, RefusalsLeaveTheDestinationAlone) {
@@ -137,10 +119,10 @@ TEST(AttributeHelperCopy, RefusalsLeaveTheDestinationAlone) {
   fillVariable(var2, {{1}, {2, 3}});
   expectFailure([&] { AttributeHelper::copy(var, 1, var2, 1, 1); }, "AttributeHelper::copy()",
                 "Source Attribute can't be variable length for now.");
-  EXPECT_EQ((std::vector<int>{9, 9}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{9, 9}), intsOf(dst));
   // Nothing to copy is no error.
   AttributeHelper::copy(src, 1, dst, 1, 0);
-  EXPECT_EQ((std::vector<int>{9, 9}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{9, 9}), intsOf(dst));
 }
 
 TEST(AttributeHelperCopy, ScatterAndGatherByList) {
@@ -149,13 +131,13 @@ TEST(AttributeHelperCopy, ScatterAndGatherByList) {
   Attribute dst("DST", "CLASS", vINT32, 1);
   fill(dst, {0, 0, 0, 0});
   AttributeHelper::copy(src, std::vector<int>{5, 1, 3}, dst, 2);
-  EXPECT_EQ((std::vector<int>{0, 50, 10, 30}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{0, 50, 10, 30}), intsOf(dst));
   AttributeHelper::copy(src, 2u, dst, std::vector<unsigned int>{4, 1});
-  EXPECT_EQ((std::vector<int>{30, 50, 10, 20}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{30, 50, 10, 20}), intsOf(dst));
   AttributeHelper::copy(src, std::vector<unsigned int>{2, 2}, dst, 3u);
-  EXPECT_EQ((std::vector<int>{30, 50, 20, 20}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{30, 50, 20, 20}), intsOf(dst));
   AttributeHelper::copy(src, 4, dst, std::vector<int>{1});
-  EXPECT_EQ((std::vector<int>{40, 50, 20, 20}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{40, 50, 20, 20}), intsOf(dst));
   // Vectors of doubles (8-byte values) and strings.
   Attribute d("D", "CLASS", vFLOAT64, 2);
   d.resize(3);
@@ -172,7 +154,7 @@ TEST(AttributeHelperCopy, ScatterAndGatherByList) {
   Attribute t("T", "CLASS", vSTRING);
   fillStrings(t, {"", ""});
   AttributeHelper::copy(s, std::vector<int>{3, 2}, t, 1);
-  EXPECT_EQ((std::vector<std::string>{"z", "y"}), stringValues(t));
+  EXPECT_EQ((std::vector<std::string>{"z", "y"}), stringsOf(t));
 }
 
 TEST(AttributeHelperCopy, ListRefusals) {
@@ -194,7 +176,7 @@ TEST(AttributeHelperCopy, ListRefusals) {
   fillVariable(var, {{1}, {2, 3}});
   expectFailure([&] { AttributeHelper::copy(var, std::vector<int>{1}, dst, 1); }, "AttributeHelper::copy(list)",
                 "Source Attribute can't be variable length for now.");
-  EXPECT_EQ((std::vector<int>{0, 0}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{0, 0}), intsOf(dst));
 }
 
 TEST(AttributeHelperCopyRange, StringsKeepOrderAndText) {
@@ -203,11 +185,11 @@ TEST(AttributeHelperCopyRange, StringsKeepOrderAndText) {
   Attribute dst("OTHER", "CLASS", vSTRING);
   fillStrings(dst, {"", "", "", "", "", ""});
   AttributeHelper::copyRange(src, 1, 5, dst, 2);
-  EXPECT_EQ((std::vector<std::string>{"", "one", "two", "three", "four", "five"}), stringValues(dst));
-  EXPECT_EQ((std::vector<std::string>{"one", "two", "three", "four", "five"}), stringValues(src));
+  EXPECT_EQ((std::vector<std::string>{"", "one", "two", "three", "four", "five"}), stringsOf(dst));
+  EXPECT_EQ((std::vector<std::string>{"one", "two", "three", "four", "five"}), stringsOf(src));
   // A first instance out of range is an exception with a text.
-  EXPECT_NE("", failureText([&] { AttributeHelper::copyRange(src, 0, 2, dst, 1); }));
-  EXPECT_NE("", failureText([&] { AttributeHelper::copyRange(src, 6, 6, dst, 1); }));
+  EXPECT_NE("", reasonOf([&] { AttributeHelper::copyRange(src, 0, 2, dst, 1); }));
+  EXPECT_NE("", reasonOf([&] { AttributeHelper::copyRange(src, 6, 6, dst, 1); }));
 }
 
 TEST(AttributeHelperCopyRange, NumbersAndRefusals) {
@@ -216,7 +198,7 @@ TEST(AttributeHelperCopyRange, NumbersAndRefusals) {
   Attribute dst("DST", "CLASS", vINT32, 2);
   fill(dst, {0, 0, 0, 0});
   AttributeHelper::copyRange(src, 2, 3, dst, 1);
-  EXPECT_EQ((std::vector<int>{3, 4, 5, 6}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{3, 4, 5, 6}), intsOf(dst));
   Attribute scalar("SCALAR", "CLASS", vINT32, 1);
   fill(scalar, {0, 0, 0});
   expectFailure([&] { AttributeHelper::copyRange(src, 1, 1, scalar, 1); }, "AttributeHelper::copyRange()",
@@ -225,7 +207,7 @@ TEST(AttributeHelperCopyRange, NumbersAndRefusals) {
                 "Destination attribute DST does not have enough space");
   expectFailure([&] { AttributeHelper::copyRange(src, 2, 1, dst, 1); }, "AttributeHelper::copyRange()",
                 "Instances 2 to 1 are outside the range 1 to 3 of attribute SRC.");
-  EXPECT_EQ((std::vector<int>{3, 4, 5, 6}), intValues(dst));
+  EXPECT_EQ((std::vector<int>{3, 4, 5, 6}), intsOf(dst));
 }
 
 TEST(AttributeHelperCopyRange, VariableLengthTakesTheSourceLengths) {
@@ -245,9 +227,9 @@ TEST(AttributeHelperSizes, ReallocateKeepsWhatFits) {
   Attribute a("A", "CLASS", vINT32, 1);
   fill(a, {1, 2, 3, 4, 5, 6, 7, 8});
   AttributeHelper::reallocate(a, 5);
-  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5}), intValues(a));
+  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5}), intsOf(a));
   AttributeHelper::reallocate(a, 7);
-  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5, 0, 0}), intValues(a));
+  EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5, 0, 0}), intsOf(a));
   AttributeHelper::reallocate(a, 0);
   EXPECT_EQ(0u, a.getNInstances());
   EXPECT_EQ(vINT32, a.getDataType());
@@ -269,8 +251,8 @@ TEST(AttributeHelperSizes, ReallocateKeepsWhatFits) {
   auto last = list.end();
   --last;
   AttributeHelper::reallocate(list.begin(), last, 2);
-  EXPECT_EQ((std::vector<int>{1, 2}), intValues(list.front()));
-  EXPECT_EQ((std::vector<std::string>{"a", "b"}), stringValues(*std::next(list.begin())));
+  EXPECT_EQ((std::vector<int>{1, 2}), intsOf(list.front()));
+  EXPECT_EQ((std::vector<std::string>{"a", "b"}), stringsOf(*std::next(list.begin())));
   EXPECT_EQ(3u, list.back().getNInstances());
 }
 
@@ -278,15 +260,15 @@ TEST(AttributeHelperValues, SetZeroAndNoise) {
   Attribute a("A", "CLASS", vINT32, 1);
   fill(a, {1, 2, 3, 4, 5});
   AttributeHelper::set(a, 2, 4, 7.9);
-  EXPECT_EQ((std::vector<int>{1, 7, 7, 7, 5}), intValues(a));
+  EXPECT_EQ((std::vector<int>{1, 7, 7, 7, 5}), intsOf(a));
   AttributeHelper::set(a, std::vector<unsigned int>{5, 1}, -1.0);
-  EXPECT_EQ((std::vector<int>{-1, 7, 7, 7, -1}), intValues(a));
+  EXPECT_EQ((std::vector<int>{-1, 7, 7, 7, -1}), intsOf(a));
   AttributeHelper::zero(a);
-  EXPECT_EQ((std::vector<int>{0, 0, 0, 0, 0}), intValues(a));
+  EXPECT_EQ((std::vector<int>{0, 0, 0, 0, 0}), intsOf(a));
   Attribute s("S", "CLASS", vSTRING);
   fillStrings(s, {"a", "b"});
   AttributeHelper::zero(s);
-  EXPECT_EQ((std::vector<std::string>{"", ""}), stringValues(s));
+  EXPECT_EQ((std::vector<std::string>{"", ""}), stringsOf(s));
 
   Attribute f("F", "CLASS", vFLOAT32, 50);
   f.resize(4);
@@ -303,7 +285,7 @@ TEST(AttributeHelperValues, SetZeroAndNoise) {
   fill(big, std::vector<int>(100, 1000));
   AttributeHelper::addNoise(big, 100.0f);
   int changed = 0;
-  for (int v : intValues(big)) {
+  for (int v : intsOf(big)) {
     EXPECT_LE(std::abs(v - 1000), 50);
     if (v != 1000) ++changed;
   }
@@ -425,7 +407,7 @@ TEST(AttributeHelperSearch, FindAndKeepInstances) {
                 "Unsupported data type vSTRING for attribute S.");
 
   AttributeHelper::keepInstances(v, {4, 1, 4});
-  EXPECT_EQ((std::vector<int>{7, 20, 1, 9, 7, 20}), intValues(v));
+  EXPECT_EQ((std::vector<int>{7, 20, 1, 9, 7, 20}), intsOf(v));
   Attribute var("VAR", "CLASS", vINT32, Attribute::VARIABLE_LENGTH);
   fillVariable(var, {{1}, {2, 3}, {}});
   AttributeHelper::keepInstances(var, {3, 2});
@@ -433,7 +415,7 @@ TEST(AttributeHelperSearch, FindAndKeepInstances) {
   Attribute names("N", "CLASS", vSTRING);
   fillStrings(names, {"a", "b", "c"});
   AttributeHelper::keepInstances(names, {2});
-  EXPECT_EQ((std::vector<std::string>{"b"}), stringValues(names));
+  EXPECT_EQ((std::vector<std::string>{"b"}), stringsOf(names));
   expectFailure([&] { AttributeHelper::keepInstances(names, {1, 2}); }, "AttributeHelper::keepInstances()",
                 "Instance number 1(smallest) and/or 2(largest) are outside \t\t\t\t\t\t\t\t\t\tthe allowed range of 1 to 1");
 }
@@ -462,15 +444,13 @@ TEST(AttributeHelperPresentation, SelectAttributesFromAScript) {
   std::istringstream in("-h\ncdp*\n  trace \ncdp\n-l\n-CDP_X\n-a\nnope\n-nope\n\nOFFSET\n");
   std::ostringstream out;
   AttributeHelper::selectAttributes(all, selection, in, out);
-  std::vector<std::string> names;
-  for (Attribute const& a : selection) names.push_back(a.getName().c_str());
   // The empty line ended it before OFFSET.
-  EXPECT_EQ((std::vector<std::string>{"CDP", "TRACE"}), names);
-  for (char const* part : {"attribute name or -h for help",
-                           "Enter an attribute name to add to the selection list.   Wildcards are supported, e.g. use * "
-                           "to add all attributes.",
-                           "No attribute matches NOPE", "Not in the selection: NOPE", "  OFFSET (HEADER)",
-                           "* TRACE (SEISMIC)"})
+  EXPECT_EQ((std::vector<std::string>{"CDP", "TRACE"}), namesOf(selection));
+  for (char const* part :
+       {"attribute name or -h for help",
+        "Enter an attribute name to add to the selection list.   Wildcards are supported, e.g. use * "
+        "to add all attributes.",
+        "No attribute matches NOPE", "Not in the selection: NOPE", "  OFFSET (HEADER)", "* TRACE (SEISMIC)"})
     EXPECT_NE(std::string::npos, out.str().find(part)) << part;
   // The end of the input ends it too.
   std::istringstream more("OFFSET");

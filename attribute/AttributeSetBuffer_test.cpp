@@ -11,7 +11,10 @@
 #include "attribute/ByteSwappedRecordBuffer.h"
 #include "attribute/RecordBuffer.h"
 
+using attribute_testing::doublesOf;
 using attribute_testing::expectFailure;
+using attribute_testing::intsOf;
+using attribute_testing::namesOf;
 
 namespace {
 
@@ -45,25 +48,7 @@ std::vector<char> records(std::vector<int> const& offsets, std::vector<double> c
   return raw;
 }
 
-std::vector<int> intsOf(Attribute const& a) {
-  if (a.getNInstances() == 0) return {};
-  int const* p = a.getInt32Pointer(1);
-  return std::vector<int>(p, p + a.getTotalLength());
-}
-
-std::vector<double> doublesOf(Attribute const& a) {
-  if (a.getNInstances() == 0) return {};
-  double const* p = a.getFloat64Pointer(1);
-  return std::vector<double>(p, p + a.getTotalLength());
-}
-
 void setInts(Attribute& a, std::vector<int> const& v) { std::copy(v.begin(), v.end(), a.getInt32Pointer(1)); }
-
-std::vector<std::string> namesOf(std::list<Attribute> const& list) {
-  std::vector<std::string> names;
-  for (Attribute const& a : list) names.push_back(a.getName().c_str());
-  return names;
-}
 
 // ---------------------------------------------------------------------------
 

@@ -11,10 +11,12 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "attribute/Attribute.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/Packer.h"
 #include "foundation/TestFailure.h"
@@ -45,6 +47,63 @@ void expectFailureFrom(F f, char const* method, std::string const& reason, char 
     EXPECT_EQ(std::string(file), std::string(e.getFileName().c_str()));
     EXPECT_GT(e.getLineNumber(), 0);
   }
+}
+
+// The reason of the UtlExcept that f raises, and its method when asked: for
+// texts that carry a line number. Empty when f returns.
+template <class F>
+std::string reasonOf(F f, std::string* method = nullptr) {
+  try {
+    MessageHandling quiet;
+    f();
+  } catch (UtlExcept const& e) {
+    if (method) *method = e.getMethod().c_str();
+    return e.getReason().c_str();
+  }
+  return "";
+}
+
+// The values of a vINT32, vFLOAT64 or vSTRING attribute, all instances in a row.
+inline std::vector<int> intsOf(Attribute const& a) {
+  if (a.getNInstances() == 0) return {};
+  int const* p = a.getInt32Pointer(1);
+  return std::vector<int>(p, p + a.getTotalLength());
+}
+inline std::vector<double> doublesOf(Attribute const& a) {
+  if (a.getNInstances() == 0) return {};
+  double const* p = a.getFloat64Pointer(1);
+  return std::vector<double>(p, p + a.getTotalLength());
+}
+inline std::vector<std::string> stringsOf(Attribute const& a) {
+  std::vector<std::string> out;
+  long long const n = a.getTotalLength();
+  vString const* s = n > 0 ? a.getStringPointer(1) : nullptr;
+  for (long long i = 0; i < n; ++i) out.push_back(s[i].c_str());
+  return out;
+}
+
+// A scalar attribute holding these values, one an instance.
+inline Attribute filled(char const* name, char const* className, DataType type, std::initializer_list<double> values) {
+  Attribute a(name, className, type, 1);
+  a.resize(static_cast<unsigned int>(values.size()));
+  unsigned int i = 1;
+  for (double v : values) a.setValue(i++, v);
+  return a;
+}
+
+// The names of a container's attributes, in its order.
+template <class C>
+std::vector<std::string> namesOf(C const& attributes) {
+  std::vector<std::string> out;
+  for (Attribute const& a : attributes) out.push_back(a.getName().c_str());
+  return out;
+}
+
+// The length of each instance.
+inline std::vector<int> lengthsOf(Attribute const& a) {
+  std::vector<int> out;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i) out.push_back(a.getLength(i));
+  return out;
 }
 
 // Runs the rows in order; each must fail with its own method and text.

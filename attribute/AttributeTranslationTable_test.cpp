@@ -9,6 +9,7 @@
 #include "attribute/VocabularyTesting.h"
 
 using attribute_testing::expectFailure;
+using attribute_testing::filled;
 using vocabulary_testing::translations;
 using vocabulary_testing::VocabularyTest;
 
@@ -27,14 +28,6 @@ class TranslationTableTest : public VocabularyTest {
     return std::string("File ") + file + " was not found in ./ or " + tree.systemFilesDir() + ".";
   }
 };
-
-Attribute filled(char const* name, char const* className, DataType type, std::initializer_list<double> values) {
-  Attribute a(name, className, type, 1);
-  a.resize(static_cast<unsigned int>(values.size()));
-  unsigned int i = 1;
-  for (double v : values) a.setValue(i++, v);
-  return a;
-}
 
 }  // namespace
 

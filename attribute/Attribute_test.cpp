@@ -17,23 +17,7 @@
 
 using attribute_testing::expectFailure;
 using attribute_testing::expectFailures;
-
-namespace {
-
-// Reason of the UtlExcept that f raises, for texts that carry a line number.
-template <class F>
-std::string reasonOf(F f, std::string* method = nullptr) {
-  try {
-    MessageHandling quiet;
-    f();
-  } catch (UtlExcept const& e) {
-    if (method) *method = e.getMethod().c_str();
-    return e.getReason().c_str();
-  }
-  return "(no failure)";
-}
-
-}  // namespace
+using attribute_testing::reasonOf;
 
 TEST(AttributeDefinition, DefaultIsAnEmptyVectorDefinition) {
   Attribute a;
@@ -232,8 +216,8 @@ TEST(AttributeLength, SetLengthRules) {
   v.setLength(10);
   for (int n : {0, -4})
     expectFailure([&] { v.setLength(n); }, "Attribute::setLength",
-                  "Length must be a positive, non-zero number or Attribute::VARIABLE_LENGTH - not " + std::to_string(n) +
-                      ", for Attribute VEC.");
+                  "Length must be a positive, non-zero number or Attribute::VARIABLE_LENGTH - not " +
+                      std::to_string(n) + ", for Attribute VEC.");
   v.resize(2);
   expectFailure([&] { v.setLength(11); }, "Attribute::setLength",
                 "Not allowed to change the length os an Attribute 'VEC' with existing instances.");
@@ -297,7 +281,8 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
        "Time 503 is outside the range 100 - 500 for Attribute TRACE."},
       {[&] { t.getSampleAtTime(94.0); }, "Attribute::getSampleAtTime",
        "Time 94 is outside the range 100 - 500 for Attribute TRACE."},
-      {[&] { t.getTimeAtSample(0); }, "Attribute::getTimeAtSample", "Sample 0 outside the range 1 - 101 for Attribute TRACE."},
+      {[&] { t.getTimeAtSample(0); }, "Attribute::getTimeAtSample",
+       "Sample 0 outside the range 1 - 101 for Attribute TRACE."},
       {[&] { t.getTimeAtSample(102); }, "Attribute::getTimeAtSample",
        "Sample 102 outside the range 1 - 101 for Attribute TRACE."},
   });
@@ -359,8 +344,8 @@ TEST(AttributeAccess, EveryTypeGetsAndSets) {
   struct Row {
     Attribute* a;
     double in, out;
-  } const rows[] = {{&i32, 3.9, 3},     {&i32, -3.9, -3},     {&i16, 12.7, 12},       {&i64, 5e12, 5e12},
-                    {&f32, 0.5, 0.5},   {&f64, 1e300, 1e300}, {&i16, 1e9, 32767},     {&i32, -1e20, -2147483648.0}};
+  } const rows[] = {{&i32, 3.9, 3},   {&i32, -3.9, -3},     {&i16, 12.7, 12},   {&i64, 5e12, 5e12},
+                    {&f32, 0.5, 0.5}, {&f64, 1e300, 1e300}, {&i16, 1e9, 32767}, {&i32, -1e20, -2147483648.0}};
   for (Row const& r : rows) {
     SCOPED_TRACE(r.a->getName().c_str() + (" " + std::to_string(r.in)));
     r.a->setValue(1, r.in);
@@ -451,7 +436,8 @@ TEST(AttributeAccess, InstanceOutOfRange) {
     std::string method;
     std::string const reason = reasonOf(r.run, &method);
     EXPECT_EQ(r.method, method);
-    std::string const head = "Instance " + std::to_string(r.instance) + " is out of range 1:3 for RANGE (Attribute - line ";
+    std::string const head =
+        "Instance " + std::to_string(r.instance) + " is out of range 1:3 for RANGE (Attribute - line ";
     ASSERT_EQ(0u, reason.find(head)) << reason;
     // The text carries a real line number.
     EXPECT_GT(std::stoi(reason.substr(head.size())), 0);

@@ -10,6 +10,7 @@
 #include "attribute/OriginalDataConverter.h"
 
 using attribute_testing::expectFailure;
+using attribute_testing::filled;
 
 namespace {
 
@@ -21,14 +22,6 @@ DataTranslator& sourceX() {
   static DataTranslator translator(Attribute("SHOT_X", "SOURCE_X", vFLOAT32, 1), chain("float64()"), chain("float32()"),
                                    Attribute("SOURCE_X", "SOURCE_X", vFLOAT64, 1));
   return translator;
-}
-
-Attribute filledFloat64(char const* name, char const* className, std::initializer_list<double> values) {
-  Attribute a(name, className, vFLOAT64, 1);
-  a.resize(static_cast<unsigned int>(values.size()));
-  unsigned int i = 1;
-  for (double v : values) a.setFloat64(i++, v);
-  return a;
 }
 
 // A block that a store lends out.
@@ -67,7 +60,7 @@ TEST(DataTranslator, TellsBothSides) {
 
 TEST(DataTranslator, ConvertsBothWaysAndBack) {
   DataTranslator& t = sourceX();
-  Attribute stored = filledFloat64("SURVEY_A_X", "SOURCE_X", {1.5, -2.25, 1e6, 0.1});
+  Attribute stored = filled("SURVEY_A_X", "SOURCE_X", vFLOAT64, {1.5, -2.25, 1e6, 0.1});
   Attribute dorn = t.convertToDorn(stored);
   EXPECT_STREQ("SHOT_X", dorn.getName().c_str());
   EXPECT_EQ(vFLOAT32, dorn.getDataType());
@@ -260,7 +253,7 @@ TEST(DataTranslator, CompatibilityIsAboutVariableAndVectorKinds) {
 }
 
 TEST(DataTranslator, MovesAndCopiesInstancesBetweenDefinitions) {
-  Attribute from = filledFloat64("FROM", "FROM", {4.0, 5.0});
+  Attribute from = filled("FROM", "FROM", vFLOAT64, {4.0, 5.0});
   Attribute to("TO", "OTHER", vFLOAT64, 1);
   DataTranslator::copyData(from, to);
   EXPECT_STREQ("TO", to.getName().c_str());

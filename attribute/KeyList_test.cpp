@@ -14,17 +14,8 @@ using attribute_testing::Bytes;
 using attribute_testing::bodyOf;
 using attribute_testing::expectFailure;
 using attribute_testing::expectFailureFrom;
+using attribute_testing::namesOf;
 using attribute_testing::receive;
-
-namespace {
-
-std::vector<std::string> namesOf(KeyList const& k) {
-  std::vector<std::string> out;
-  for (KeyList::const_iterator i = k.begin(); i != k.end(); ++i) out.push_back(i->getName().c_str());
-  return out;
-}
-
-}  // namespace
 
 TEST(KeyList, KeysKeepInsertionOrder) {
   KeyList k;
