@@ -44,7 +44,7 @@ TEST(CapiSearch, ListsOfAttributesByName) {
   EXPECT_EQ(list.begin(), Capi::find(list, vUCString("cdp")));
 }
 
-TEST(CapiSearch, ListsOfNames) {
+TEST(CapiSearch, ListsOfNamesAndPrintingARange) {
   std::vector<vUCString> names = {"CDP", "OFFSET"};
   std::vector<vUCString> const& constant = names;
   EXPECT_TRUE(Capi::has(names, vUCString("offset")));
@@ -56,9 +56,8 @@ TEST(CapiSearch, ListsOfNames) {
   EXPECT_EQ(constant.begin(), Capi::find(constant, Attribute("cdp", "", vINT32)));
   EXPECT_EQ(constant.end(), Capi::find(constant, vUCString("X")));
   EXPECT_EQ(names.end(), Capi::find(names, Attribute("X", "", vINT32)));
-}
 
-TEST(CapiSearch, PrintEachOfARange) {
+  // Printing each of a range.
   std::list<Attribute> const list = sample();
   std::ostringstream out;
   Capi::print(out, std::next(list.begin()), list.end());
@@ -106,9 +105,8 @@ TEST(CapiSwitches, ConversionsFlagsAndBackEnds) {
     ::setenv("RELEASE", keep.c_str(), 1);
   else
     ::unsetenv("RELEASE");
-}
 
-TEST(CapiSwitches, HorizonTimes) {
+  // Horizon times.
   EXPECT_EQ(vINT32, Capi::getHorizonTimesType());
   EXPECT_EQ(vUCString("HTIME"), Capi::getHorizonTimeName());
   EXPECT_EQ(vINT32, Capi::setHorizonTimesType(vFLOAT32));
