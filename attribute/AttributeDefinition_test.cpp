@@ -136,18 +136,14 @@ TEST_F(ShippedVocabularyTest, EveryDefinitionIsUnderstood) {
   EXPECT_EQ(vSTRING, AttributeDefinition::getDefinition("line_name").getDataType());
 }
 
-TEST_F(ShippedVocabularyTest, RondoTranslationsCarryDataThereAndBack) {
-  AttributeTranslationTable& rondo = table("Rondo");
-  std::size_t const words = countWords(shippedRelease() + "SystemFiles/RondoAttributeTranslations3.txt");
-  EXPECT_EQ(words / 6, rondo.getNTranslators());
-  roundTripEveryTranslator(rondo);
-}
-
-TEST_F(ShippedVocabularyTest, KelpTranslationsCarryDataThereAndBack) {
-  AttributeTranslationTable& kelp = table("Kelp");
-  std::size_t const words = countWords(shippedRelease() + "SystemFiles/KelpAttributeTranslations3.txt");
-  EXPECT_EQ(words / 6, kelp.getNTranslators());
-  roundTripEveryTranslator(kelp);
+TEST_F(ShippedVocabularyTest, RondoAndKelpTranslationsCarryDataThereAndBack) {
+  for (char const* name : {"Rondo", "Kelp"}) {
+    SCOPED_TRACE(name);
+    AttributeTranslationTable& t = table(name);
+    std::size_t const words = countWords(shippedRelease() + "SystemFiles/" + name + "AttributeTranslations3.txt");
+    EXPECT_EQ(words / 6, t.getNTranslators());
+    roundTripEveryTranslator(t);
+  }
 }
 
 TEST_F(ShippedVocabularyTest, BothSchemesShareTheShotCoordinates) {
