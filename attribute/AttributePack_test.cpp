@@ -54,7 +54,8 @@ TEST(AttributePack, ScalarAndVariableLengthFramesByteExact) {
   EXPECT_EQ(tail(b, -30.0, 20.0, 0, vINT16).body(), packed(a));
   // The first bytes spelled out: frame start, magic 1241 = 0x04D9, version.
   std::vector<unsigned char> const body = packed(a);
-  EXPECT_EQ((std::vector<unsigned char>{0x7F, 0xD9, 0x04, 5, 0}), std::vector<unsigned char>(body.begin(), body.begin() + 5));
+  EXPECT_EQ((std::vector<unsigned char>{0x7F, 0xD9, 0x04, 5, 0}),
+            std::vector<unsigned char>(body.begin(), body.begin() + 5));
 
   // A variable length vector.
   Attribute t("trace", "seismic", vFLOAT32, Attribute::VARIABLE_LENGTH, 4.0, 100.0);

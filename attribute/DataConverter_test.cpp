@@ -208,7 +208,8 @@ TEST(OriginalDataConverter, TruncatesWhereInt32DataConverterRounds) {
   EXPECT_EQ((std::vector<int>{1}), valuesOf<int>(ints));
   c.setOutputDT(vINT16);
   DataPtr one = block<float>(vFLOAT32, {1.0f});
-  expectFailure([&] { c.convertData(one); }, "OriginalDataConverter::doConvertData", "Unexpected output type 'vINT16'.");
+  expectFailure([&] { c.convertData(one); }, "OriginalDataConverter::doConvertData",
+                "Unexpected output type 'vINT16'.");
   expectFailure([&] { c.getOutputDT(); }, "OriginalDataConverter::doGetOutputDT", "Need code");
 }
 

@@ -234,9 +234,10 @@ TEST(Property, TextConversions) {
   Property fl(vUCString("fl"), 0.0f);
   Property us(vUCString("us"), static_cast<unsigned short>(0));
   Property bo(vUCString("bo"), static_cast<unsigned char>(0));
-  std::pair<Property*, char const*> const refusing[] = {
-      {&n, "Int32 in property NUM"}, {&fl, "Float32 in property FL"}, {&us, "UInt16 in property US"},
-      {&bo, "Bool8 in property BO"}};
+  std::pair<Property*, char const*> const refusing[] = {{&n, "Int32 in property NUM"},
+                                                        {&fl, "Float32 in property FL"},
+                                                        {&us, "UInt16 in property US"},
+                                                        {&bo, "Bool8 in property BO"}};
   for (auto const& r : refusing)
     expectFailure([&] { r.first->setString("x"); }, "Property::setString()",
                   std::string("Unable to convert string value (x) to ") + r.second);
