@@ -56,14 +56,8 @@ TEST_F(DefinitionTableTest, NamesAreFoundInAnyCase) {
 }
 
 TEST_F(DefinitionTableTest, AnAbsentClassThrowsWithItsName) {
-  try {
-    table().getDefinition("nothing_here");
-    ADD_FAILURE() << "no exception";
-  } catch (UtlExcept const& e) {
-    EXPECT_STREQ("AttributeDefinitionTable::getDefinition() Attribute definition for 'NOTHING_HERE' not found.",
-                 e.getReason().c_str());
-    EXPECT_STREQ("AttributeDefinitionTable::getDefinition()", e.getMethod().c_str());
-  }
+  expectFailure([] { table().getDefinition("nothing_here"); }, "AttributeDefinitionTable::getDefinition()",
+                "AttributeDefinitionTable::getDefinition() Attribute definition for 'NOTHING_HERE' not found.");
   expectFailure([] { AttributeDefinition::getDefinition("GONE"); }, "AttributeDefinitionTable::getDefinition()",
                 "AttributeDefinitionTable::getDefinition() Attribute definition for 'GONE' not found.");
 }
