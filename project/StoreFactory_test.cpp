@@ -101,7 +101,7 @@ TEST(StoreFactoryIdentify, CstFilesGetTheSpecFoundForThemOnlyWhenAsked) {
   ASSERT_TRUE(StoreFactory::identifyFileFormat(none, &automatic));
   EXPECT_EQ("", str(none.getFormatSpec()));
   EXPECT_EQ("nyxcst", str(none.getFileFormat()));
-  // Without a finder, not even the spec beside it is found.
+  // Without a finder, not even the format spec beside it is found.
   NyxFinder noFinder(nullptr);
   StoreDescription unfound = fileIn(tree, "line2d.cst");
   ASSERT_TRUE(StoreFactory::identifyFileFormat(unfound, &automatic));
