@@ -168,6 +168,17 @@ Attribute AttributeTranslationTable::convertToDorn(Attribute& attribute) {
   return result;
 }
 
+bool AttributeTranslationTable::myStripPrefix(Attribute const& attribute, Attribute& stripped) const {
+  vUCString prefix(myUpperName());
+  prefix += ".";
+  vUCString const& name = attribute.getName();
+  if (name.length() <= prefix.length() || std::strncmp(name.c_str(), prefix.c_str(), prefix.length()) != 0)
+    return false;
+  stripped = Attribute(vUCString(name.c_str() + prefix.length()), attribute.getClass(), attribute.getDataType(),
+                       attribute.getLength(), attribute.getSampleRate(), attribute.getFirstTime());
+  return true;
+}
+
 Attribute AttributeTranslationTable::convertToCapi(Attribute& attribute) {
   Attribute result;
   vHandle<DataTranslator> const translator = myFindToCapiTranslator(attribute);
@@ -176,12 +187,8 @@ Attribute AttributeTranslationTable::convertToCapi(Attribute& attribute) {
     moveInto(converted, result);
     return result;
   }
-  vUCString prefix(myUpperName());
-  prefix += ".";
-  vUCString const& name = attribute.getName();
-  if (name.length() > prefix.length() && std::strncmp(name.c_str(), prefix.c_str(), prefix.length()) == 0) {
-    Attribute rebuilt(vUCString(name.c_str() + prefix.length()), attribute.getClass(), attribute.getDataType(),
-                      attribute.getLength(), attribute.getSampleRate(), attribute.getFirstTime());
+  Attribute rebuilt;
+  if (myStripPrefix(attribute, rebuilt)) {
     DataTranslator::moveData(attribute, rebuilt);
     moveInto(rebuilt, result);
     return result;
@@ -198,12 +205,8 @@ Attribute AttributeTranslationTable::convertToCapi(Attribute const& attribute) {
     moveInto(converted, result);
     return result;
   }
-  vUCString prefix(myUpperName());
-  prefix += ".";
-  vUCString const& name = attribute.getName();
-  if (name.length() > prefix.length() && std::strncmp(name.c_str(), prefix.c_str(), prefix.length()) == 0) {
-    Attribute rebuilt(vUCString(name.c_str() + prefix.length()), attribute.getClass(), attribute.getDataType(),
-                      attribute.getLength(), attribute.getSampleRate(), attribute.getFirstTime());
+  Attribute rebuilt;
+  if (myStripPrefix(attribute, rebuilt)) {
     DataTranslator::copyData(attribute, rebuilt);
     moveInto(rebuilt, result);
     return result;

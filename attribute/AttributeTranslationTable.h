@@ -95,6 +95,9 @@ class AttributeTranslationTable {
   vHandle<DataTranslator> myAt(Positions const& positions, vUCStringTableData const* key) const;
   // The table's name upper-cased, and that with a '.' behind it.
   vUCString myUpperName() const;
+  // For a name "<TABLE>.<rest>": true, and the definition renamed <rest>
+  // (without data) in stripped.
+  bool myStripPrefix(Attribute const& attribute, Attribute& stripped) const;
 
   std::deque<vHandle<DataTranslator> > m_translators;
   vString m_name;
