@@ -18,7 +18,6 @@ int64_t g_words = 0;  // capacity of ss_
 int64_t g_top = 0;    // first word never handed out
 std::map<int32_t, std::vector<int32_t>> g_free;  // block words -> block starts
 
-int32_t const kHeader = 20;
 int32_t const kRootSlots = 2;
 
 int32_t mapWords(int32_t nslots) { return (nslots + 7) / 8; }
@@ -26,6 +25,13 @@ int32_t mapWords(int32_t nslots) { return (nslots + 7) / 8; }
 }  // namespace
 
 namespace ss_internal {
+
+int64_t heapTop() { return g_top; }
+
+bool isLive(int32_t index) {
+  return ss_ != nullptr && index > kHeader && index + 2 < g_top && ss_[index - 1] == index && ss_[index] >= 3 &&
+         index + static_cast<int64_t>(ss_[index]) <= g_top;
+}
 
 bool checking() { return ss_ != nullptr && (ss_[1] & 1) != 0; }
 
@@ -331,36 +337,4 @@ void ss_gettext_(int32_t const& id, int32_t const& ordinal, char* text, int32_t 
 void ss_lentext_(int32_t const& id, int32_t const& ordinal, int32_t& length) {
   int32_t const at = slotAt(id, ordinal, "SS_lentext");
   length = typeOf(id, ordinal) == SS_TEXT ? textLength(ss_[at]) : 0;
-}
-
-void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key, int32_t& found) {
-  checkId(id, "SS_locate");
-  found = 0;
-  // Depth first with an explicit stack, so deep trees cannot exhaust the
-  // machine stack.
-  std::vector<int32_t> stack;
-  auto pushChildren = [&stack](int32_t s) {
-    int32_t const n = nSlots(s);
-    for (int32_t k = n; k >= 1; --k) {
-      int32_t const v = ss_[mapAt(s) + mapWords(n) + k - 1];
-      int32_t const type = typeOf(s, k);
-      if (v <= kHeader || v >= g_top || ss_[v - 1] != v) continue;
-      if (type == SS_STRUCT) stack.push_back(v);
-      if (type == SS_ASTRUCT)
-        for (int32_t e = ss_[v + 2] - 1; e >= 0; --e)
-          if (ss_[v + 3 + e] > kHeader && ss_[v + 3 + e] < g_top && ss_[ss_[v + 3 + e] - 1] == ss_[v + 3 + e])
-            stack.push_back(ss_[v + 3 + e]);
-    }
-  };
-  pushChildren(id);
-  while (!stack.empty()) {
-    int32_t const s = stack.back();
-    stack.pop_back();
-    if (keyOrdinal >= 1 && keyOrdinal <= nSlots(s) && typeOf(s, keyOrdinal) == SS_INT &&
-        ss_[mapAt(s) + mapWords(nSlots(s)) + keyOrdinal - 1] == key) {
-      found = s;
-      return;
-    }
-    pushChildren(s);
-  }
 }

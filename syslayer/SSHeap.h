@@ -119,6 +119,24 @@ void ss_getaword_(int32_t const& id, int32_t const& ordinal, int32_t const& elem
 // structure arrays) whose integer slot keyOrdinal holds key; 0 for none.
 void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key, int32_t& found);
 
+// The same as a search that stops at each hit and goes on from it. The
+// caller keeps the state: two work arrays of SS_LOCATEDEPTH entries (the
+// path from id down to the hit, and where the search goes on at each step)
+// and size. A size of SS_LOCATEMARK or less starts a new search; after a
+// hit size is SS_LOCATEMARK plus the path's depth, and the next call with
+// it goes on below the hit; a search that ends finds 0 and sets size to 0.
+// A path deeper than the arrays is fatal ("Tree too deep"), and so is a
+// state whose structures went away ("Bad search state").
+enum { SS_LOCATEDEPTH = 100, SS_LOCATEMARK = 1000000 };
+void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key, int32_t& found, int32_t* path,
+                int32_t* next, int32_t& size);
+// ss_unlocate1_ steps back over the last hit, so that the search skips what
+// lies below it; ss_unlocate_ steps back over the structure id on the
+// search's path ("Not on the search path" when it is not there), and over
+// the search's own start ends it.
+void ss_unlocate1_(int32_t* path, int32_t* next, int32_t& size);
+void ss_unlocate_(int32_t const& id, int32_t* path, int32_t* next, int32_t& size);
+
 // The same for a text key: the first structure whose text slot keyOrdinal
 // holds exactly the `length` bytes of key.
 void ss_locates_(int32_t const& id, int32_t const& keyOrdinal, char const* key, int32_t const& length,
@@ -149,6 +167,25 @@ void ss_subremove_(int32_t const& id, int32_t const& ordinal);
 void ss_balloc_(int32_t const& words, int32_t& index);
 void ss_calloc_(int32_t const& words, int32_t& index);
 void ss_untalloc_(int32_t const& index);
+// A block reserved at its largest size while its use is not known yet:
+// ss_commit_ keeps the first `used` words as a raw block (ss_untalloc_
+// gives it back later) and frees the rest, ss_break_ frees it all.
+// Anything else than an open reservation is fatal ("Not a reservation").
+void ss_allocate_(int32_t const& words, int32_t& index);
+void ss_commit_(int32_t const& index, int32_t const& used);
+void ss_break_(int32_t const& index);
+// The index of a slot's first data word, to fill or read it in bulk
+// through ss_ until the heap next grows: the value word of a scalar, the
+// first element of an array, the first bytes of a text; 0 for an array or
+// text not made yet.
+void ss_base_(int32_t const& id, int32_t const& ordinal, int32_t& base);
+// The words the heap spends on id and all it owns: its block, texts,
+// arrays and the structures below it.
+void ss_slength_(int32_t const& id, int32_t& length);
+// Hangs id at the end of the structure array in slot ordinal of parent (an
+// unset slot becomes one); element is its place there. The old parent
+// lets go; refusals as ss_adopt_.
+void ss_attach_(int32_t const& id, int32_t const& parent, int32_t const& ordinal, int32_t& element);
 
 // Four-bit type maps: slot ordinal (from 1) of the map starting at map.
 void ss_bitload_(int32_t* map, int32_t const& ordinal, int32_t const& type);

@@ -7,6 +7,17 @@
 
 namespace ss_internal {
 
+int32_t const kHeader = 20;
+// First words of raw blocks: handed out (ss_balloc_) and only reserved
+// (ss_allocate_, until committed).
+int32_t const kRawMark = -5;
+int32_t const kReservedMark = -6;
+
+// The first word never handed out.
+int64_t heapTop();
+// A live block with its self index (a structure or an array).
+bool isLive(int32_t index);
+
 bool checking();
 // A zeroed block of `words` words; its first word's index.
 int32_t allocBlock(int32_t words, char const* routine);

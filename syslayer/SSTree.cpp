@@ -12,8 +12,6 @@ using namespace ss_internal;
 
 namespace {
 
-int32_t const kRawMark = -5;
-
 // Clears whatever hold parent has on child: a structure slot or an element
 // of a structure array.
 void dropHold(int32_t parent, int32_t child) {
@@ -123,6 +121,25 @@ void ss_adoptarray_(int32_t const& id, int32_t const& parent, int32_t const& ord
   ss_[a + 3 + element - 1] = 0;
   releaseValue(SS_STRUCT, old, parent);
   ss_[a + 3 + element - 1] = id;
+  ss_[id + 1] = parent;
+}
+
+void ss_attach_(int32_t const& id, int32_t const& parent, int32_t const& ordinal, int32_t& element) {
+  element = 0;
+  checkAdopt(id, parent, "SS_attach");
+  slotAt(parent, ordinal, "SS_attach");
+  int32_t const type = typeOf(parent, ordinal);
+  if (type != SS_ASTRUCT && type != SS_UNSET) {
+    er_warn_("SS_attach", "Mis-matched array type");
+    return;
+  }
+  if (type == SS_UNSET) setType(parent, ordinal, SS_ASTRUCT);
+  dropHold(ss_[id + 1], id);
+  int32_t count = 0;
+  ss_asize_(parent, ordinal, count);
+  ss_alloc_(parent, ordinal, count + 1);
+  element = count + 1;
+  ss_putaword_(parent, ordinal, element, id);
   ss_[id + 1] = parent;
 }
 

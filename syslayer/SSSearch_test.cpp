@@ -1,0 +1,157 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "syslayer/FSTesting.h"
+#include "syslayer/SSHeap.h"
+
+namespace {
+
+using fs_testing::expectFailure;
+
+int32_t root() {
+  int32_t r;
+  ss_init_(r);
+  return r;
+}
+
+int32_t const kLeaf[] = {SS_INT, SS_UNSET, SS_UNSET};
+
+// A node with key in slot 1, slot 2 for one child, slot 3 for an array.
+int32_t node(int32_t parent, int32_t key) {
+  int32_t s;
+  ss_define_(s, parent, 3, kLeaf);
+  ss_putnth_(s, 1, key);
+  return s;
+}
+
+struct Search {
+  int32_t path[SS_LOCATEDEPTH];
+  int32_t next[SS_LOCATEDEPTH];
+  int32_t size = 0;
+  int32_t from;
+  explicit Search(int32_t id) : from(id) {}
+  int32_t locate(int32_t key) {
+    int32_t found = -1;
+    ss_locate_(from, 1, key, found, path, next, size);
+    return found;
+  }
+};
+
+TEST(SSSearch, HitsInOrderAndSteppingBack) {
+  // t: a(7) holding b(7) in slot 2; array slot 3 of t holding c(7), d(5)
+  // with d holding e(7).
+  int32_t const t = node(root(), 0);
+  int32_t const a = node(t, 7);
+  int32_t b, e, el;
+  ss_defnth_(b, a, 2, 3, kLeaf);
+  ss_putnth_(b, 1, 7);
+  ss_adopt_(a, t, 2);
+  int32_t const c = node(t, 7), d = node(t, 5);
+  ss_attach_(c, t, 3, el);
+  EXPECT_EQ(el, 1);
+  ss_attach_(d, t, 3, el);
+  EXPECT_EQ(el, 2);
+  ss_defnth_(e, d, 2, 3, kLeaf);
+  ss_putnth_(e, 1, 7);
+
+  Search all(t);
+  std::vector<int32_t> hits;
+  for (int32_t f; (f = all.locate(7)) != 0;) {
+    hits.push_back(f);
+    EXPECT_GT(all.size, SS_LOCATEMARK);
+  }
+  EXPECT_EQ(hits, (std::vector<int32_t>{a, b, c, e}));
+  EXPECT_EQ(all.size, 0);
+
+  // Stepping back over a skips what lies below it; stepping back over the
+  // array's owner d's parent t ends the search.
+  Search skip(t);
+  EXPECT_EQ(skip.locate(7), a);
+  ss_unlocate1_(skip.path, skip.next, skip.size);
+  EXPECT_EQ(skip.locate(7), c);
+  EXPECT_EQ(skip.locate(5), d);
+  ss_unlocate_(d, skip.path, skip.next, skip.size);
+  EXPECT_EQ(skip.locate(7), 0);
+  Search end(t);
+  EXPECT_EQ(end.locate(7), a);
+  ss_unlocate_(t, end.path, end.next, end.size);
+  EXPECT_EQ(end.size, 0);
+  EXPECT_EQ(end.locate(7), a);  // a new search
+  expectFailure([&] { ss_unlocate_(e, end.path, end.next, end.size); }, "SS_unlocate", "Not on the search path");
+
+  // A state whose path went away, and a tree deeper than the work arrays.
+  Search stale(t);
+  EXPECT_EQ(stale.locate(7), a);
+  ss_delete_(a);
+  expectFailure([&] { stale.locate(7); }, "SS_locate", "Bad search state");
+  int32_t deep = t;
+  for (int i = 0; i < SS_LOCATEDEPTH + 1; ++i) {
+    int32_t child;
+    ss_defnth_(child, deep, 2, 3, kLeaf);
+    deep = child;
+  }
+  ss_putnth_(deep, 1, 42);
+  Search tooDeep(t);
+  expectFailure([&] { tooDeep.locate(42); }, "SS_locate", "Tree too deep");
+  ss_delete_(t);
+}
+
+TEST(SSSearch, LengthBaseAndReservations) {
+  int32_t const types[] = {SS_INT, SS_TEXT, SS_AINT};
+  int32_t t, child, base;
+  ss_define_(t, root(), 3, types);
+  ss_puttext_(t, 2, "abcdefg", 7);
+  ss_alloc_(t, 3, 4);
+  ss_defnth_(child, t, 1, 1, types);
+  // Blocks with their self words: t 3+1+3+1, text (7+3)/4+4, array 3+4+1,
+  // child 3+1+1+1.
+  struct {
+    int32_t length;
+  } steps[] = {{8 + 6 + 8 + 6}, {8 + 8 + 6}, {8 + 6}};
+  int32_t length;
+  ss_slength_(t, length);
+  EXPECT_EQ(length, steps[0].length);
+  ss_delnth_(t, 2);
+  ss_slength_(t, length);
+  EXPECT_EQ(length, steps[1].length);
+  ss_subremove_(t, 3);
+  ss_def_(t, 3, SS_UNSET);
+  ss_slength_(t, length);
+  EXPECT_EQ(length, steps[2].length);
+
+  // Bulk words through the base index land in the elements.
+  ss_def_(t, 3, SS_AINT);
+  ss_base_(t, 3, base);
+  EXPECT_EQ(base, 0);
+  ss_alloc_(t, 3, 3);
+  ss_base_(t, 3, base);
+  for (int32_t k = 0; k < 3; ++k) ss_[base + k] = 10 + k;
+  int32_t w;
+  ss_getaword_(t, 3, 3, w);
+  EXPECT_EQ(w, 12);
+  ss_puttext_(t, 2, "xyzw", 4);
+  ss_base_(t, 2, base);
+  EXPECT_EQ(std::string(reinterpret_cast<char const*>(ss_ + base), 4), "xyzw");
+
+  // A reservation gives back its tail at commit: the next block of that
+  // size takes the freed words.
+  int32_t r, again, gone;
+  ss_allocate_(50, r);
+  ss_commit_(r, 10);
+  ss_allocate_(38, again);
+  EXPECT_EQ(again, r + 10 + 2);
+  ss_break_(again);
+  ss_allocate_(38, gone);
+  EXPECT_EQ(gone, again);
+  expectFailure([&] { ss_commit_(r, 5); }, "SS_commit", "Not a reservation");
+  expectFailure([&] { ss_commit_(gone, 39); }, "SS_commit", "Illegal commit");
+  ss_break_(gone);
+  expectFailure([&] { ss_break_(gone); }, "SS_break", "Not a reservation");
+  ss_untalloc_(r);
+  expectFailure([&] { ss_attach_(t, t, 3, w); }, "SS_attach", "Illegal adopt");
+  ss_delete_(t);
+}
+
+}  // namespace
