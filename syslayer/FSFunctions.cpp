@@ -14,11 +14,19 @@
 namespace {
 
 template <class File>
-File openAs(vFilename const& name, FS::FileType type, int options, int recordLength, long long size,
-            FS::DiskArea area) {
+File openAs(char const* label, vFilename const& name, FS::FileType type, int options, int recordLength,
+            long long size, FS::DiskArea area) {
   int32_t id = 0;
   int32_t status = 0;
   fs_open_(name.c_str(), static_cast<int>(type) | options, recordLength, size, static_cast<int>(area), id, status);
+  // No later check could tell more than that the host is not served, and
+  // the file's status text alone would not name the host.
+  if (status == FS_REMOTE) {
+    char text[600];
+    int last = 0;
+    fs_rrc_(last, text, sizeof text);
+    Message::fatal(label, 0, "%s", text);
+  }
   return File(id, status, name, type);
 }
 
@@ -27,29 +35,29 @@ std::atomic<unsigned> g_tempCount{0};
 }  // namespace
 
 FS::iFile FS::open(vFilename const& name, FileType type, int options, int recordLength) {
-  return openAs<iFile>(name, type, options | FS_READONLY, recordLength, 0, DefaultArea);
+  return openAs<iFile>("FS::open", name, type, options | FS_READONLY, recordLength, 0, DefaultArea);
 }
 
 FS::iCFile FS::copen(vFilename const& name, FileType type, int options, int recordLength) {
-  return openAs<iCFile>(name, type, options | FS_READONLY, recordLength, 0, DefaultArea);
+  return openAs<iCFile>("FS::copen", name, type, options | FS_READONLY, recordLength, 0, DefaultArea);
 }
 
 FS::ioFile FS::update(vFilename const& name, FileType type, int options, int recordLength) {
-  return openAs<ioFile>(name, type, options & ~FS_READONLY, recordLength, 0, DefaultArea);
+  return openAs<ioFile>("FS::update", name, type, options & ~FS_READONLY, recordLength, 0, DefaultArea);
 }
 
 FS::ioCFile FS::cupdate(vFilename const& name, FileType type, int recordLength) {
-  return openAs<ioCFile>(name, type, 0, recordLength, 0, DefaultArea);
+  return openAs<ioCFile>("FS::cupdate", name, type, 0, recordLength, 0, DefaultArea);
 }
 
 FS::ioFile FS::create(vFilename const& name, FileType type, int options, int recordLength, long long size,
                       DiskArea area) {
-  return openAs<ioFile>(name, type, (options | FS_CREATE) & ~FS_READONLY, recordLength, size, area);
+  return openAs<ioFile>("FS::create", name, type, (options | FS_CREATE) & ~FS_READONLY, recordLength, size, area);
 }
 
 FS::ioCFile FS::ccreate(vFilename const& name, FileType type, int options, int recordLength, long long size,
                         DiskArea area) {
-  return openAs<ioCFile>(name, type, (options | FS_CREATE) & ~FS_READONLY, recordLength, size, area);
+  return openAs<ioCFile>("FS::ccreate", name, type, (options | FS_CREATE) & ~FS_READONLY, recordLength, size, area);
 }
 
 vString FS::getSpace(DiskArea area, int sizeMB) {

@@ -84,7 +84,9 @@ enum {
   FS_BADFRAME = 0x200007,
   FS_NOTEXIST = 0x200008,
   FS_NOSPACE = 0x200009,
-  FS_BADLABEL = 0x20000A
+  FS_BADLABEL = 0x20000A,
+  FS_REMOTE = 0x20000B,
+  FS_BADHEADER = 0x20000C
 };
 
 // Items of fs_getinfo_ and fs_setinfo_.
@@ -193,6 +195,56 @@ void fs_bansi_(char const* kind, char const* value, char* record, int& status);
 // valueLength-1 characters. FS_BADLABEL for anything else.
 void fs_ransi_(char const* record, int const& length, char* kind, char* value, int const& valueLength,
                int& status);
+
+// One block like fs_readt_; blockLength tells the block's whole length, also
+// when it is longer than the buffer (FS_BLOCKTOOLONG), so that the caller
+// can size its buffer. 0 for a mark or a gap; -1 when a drive does not tell.
+void fs_readti_(int const& id, void* buffer, int const& maxLength, int& got, int& blockLength, int& status);
+
+// ---- locks that wait ---------------------------------------------------
+// A lock of this type (FS_READLOCK, FS_WRITELOCK) on an open file, waiting up
+// to `seconds` while another open holds one that keeps it off (0: one try;
+// below 0: no limit). FS_LOCKED when the time runs out.
+void fs_alock_(int const& id, int const& type, int const& seconds, int& status);
+
+// ---- multi-volume files --------------------------------------------------
+// A multi-volume file is a header file naming its volumes, each an ordinary
+// file; names not starting with '/' lie beside the header. The header is
+// text: "RONDO MULTIVOLUME <n>" and n lines with a volume name each.
+// A header cut short or not of this form is FS_BADHEADER.
+// fs_writemvh_ writes (or replaces) the header with `count` volume names.
+void fs_writemvh_(char const* name, char const* const* volumes, int const& count, int& status);
+// Adds one volume at the end of the set.
+void fs_mvex_(char const* name, char const* volume, int& status);
+// nVolumes the volumes the header names, exists 1 when the header and all
+// its volumes exist. A missing header is FS_NOTEXIST.
+void fs_mvexist_(char const* name, int& exists, int& nVolumes, int& status);
+// Opens volume `volume` (from 1) of the set as fs_open_ opens a file (byte
+// or record files). Reading off the end of a volume that is not the last
+// gives FS_EOV; fs_chgvol_ then moves the open file to another volume, from
+// its start. FS_whichv tells the volume an open file is on, 0 for a file
+// that is not part of a set.
+int FS_dvopen(char const* name, int volume, int options, int recordLength, int* id);
+void fs_chgvol_(int const& id, int const& volume, int& status);
+int FS_whichv(int id);
+
+// ---- keep-open -----------------------------------------------------------
+// FS_cclose closes a file, except one in keep-open mode (FS_INFO_KEEPOPEN):
+// that one only gives back its descriptor, keeping its id, position and
+// place in the tables; its next use opens it again. A file holding a lock
+// of its own cannot give it back (FS_LOCKED). FS_copen opens a file, taking
+// back a file of that name and options that FS_cclose kept.
+int FS_cclose(int id);
+int FS_copen(char const* name, int options, int recordLength, int* id);
+
+// ---- nearline and remote names --------------------------------------------
+// flag 1 for a name on nearline storage: below one of the directories that
+// FS_NEARLINE lists (separated by blanks, commas or colons).
+void fs_isnearline_(char const* name, int& flag);
+// Remote files ("host:/path") are not supported: the service's entries that
+// take a name hand a remote one to fs_rfinit_, which fails with FS_REMOTE
+// and a text naming the host.
+void fs_rfinit_(char const* name, char const* routine, int& status);
 
 // ---- names and trees ---------------------------------------------------
 void fs_exist_(char const* name, int& exists, int& status);

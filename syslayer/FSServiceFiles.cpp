@@ -112,6 +112,7 @@ int64_t ceilDiv(int64_t a, int64_t b) { return (a + b - 1) / b; }
 void fs_open_(char const* name, int const& options, int const& recordLength, int64_t const& size, int const& area,
               int& id, int& status) {
   id = 0;
+  if (fs_internal::remoteRefused("FS_open", name, status)) return;
   int kind = options & FS_KINDMASK;
   if (kind == FS_TAPE || kind == FS_TIMAGE) return fs_opent_(name, options, id, status);
   if (kind == FS_VLR) return fs_internal_openvlr(name, options, id, status);
@@ -229,7 +230,7 @@ void fs_read_(int const& id, void* buffer, int const& count, int& got, int& stat
   if (err != 0)
     status = fs_internal::fail("FS_read", fs_internal::errnoStatus(err), e.name);
   else if (atEnd && n < count)
-    status = fs_internal::fail("FS_read", FS_EOF, e.name);
+    status = fs_internal::fail("FS_read", fs_internal::endStatus(e), e.name);
 }
 
 void fs_write_(int const& id, void const* buffer, int const& count, int& put, int& status) {

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "syslayer/FSService.h"
+
 namespace fs_internal {
 
 struct Entry {
@@ -34,6 +36,9 @@ struct Entry {
   std::vector<int64_t> lineStart;  // text files: where each line starts
   std::vector<int64_t> lineLength; // without the line end
   int32_t record = 0;      // the file's structure in the ss tree
+  bool parked = false;     // keep-open: descriptor given back, fd is -1
+  int volume = 0;          // multi-volume: this volume, from 1; 0 for none
+  std::vector<std::string> volumes;  // the set's volume paths
 };
 
 // Holds the service lock (when thread-safe mode is on) for a scope.
@@ -49,6 +54,8 @@ class TableLock {
 Entry* find(int id);
 // Adds an entry and returns its id.
 int add(Entry* entry);
+// The id of a file of this name and options that FS_cclose kept; 0 for none.
+int findParked(std::string const& name, int options);
 // Removes and deletes the entry.
 void remove(int id);
 
@@ -69,6 +76,19 @@ int64_t readFull(Entry& e, void* buffer, int64_t n, int64_t offset, bool& atEnd,
 int writeAt(Entry& e, void const* buffer, int64_t n, int64_t offset);
 // The size as reads see it; -1 with err set on failure.
 int64_t sizeOf(Entry& e, int& err);
+
+// Opens path for e as its open did (no creation) and takes the locks e
+// holds; on success the old descriptor goes (the position stays).
+// Returns an FS status.
+int reopen(Entry& e, std::string const& path, char const* routine);
+// A parked file's descriptor back; an FS status.
+int unpark(Entry& e, char const* routine);
+// What reading off the end gives: FS_EOV on a volume that others follow.
+inline int endStatus(Entry const& e) {
+  return e.volume > 0 && e.volume < static_cast<int>(e.volumes.size()) ? FS_EOV : FS_EOF;
+}
+// FS_REMOTE through fs_rfinit_ when name is on another host.
+bool remoteRefused(char const* routine, char const* name, int& status);
 
 bool readLocksOn();
 // Takes (F_RDLCK, F_WRLCK) or drops (F_UNLCK) an open-file-description lock

@@ -80,6 +80,13 @@ int add(Entry* entry) {
   return id;
 }
 
+int findParked(std::string const& name, int options) {
+  for (size_t k = 0; k < g_table.size(); ++k)
+    if (g_table[k] && g_table[k]->parked && g_table[k]->name == name && g_table[k]->options == options)
+      return static_cast<int>(k + 1);
+  return 0;
+}
+
 void remove(int id) {
   if (Entry* e = find(id)) {
     int32_t table;
@@ -216,8 +223,10 @@ int setLock(int fd, int type) {
 }  // namespace fs_internal
 
 int fs_chkid_(int const& id, char const* routine, int const& length) {
-  if (fs_internal::find(id) != nullptr) return FS_GOOD;
+  fs_internal::Entry* e = fs_internal::find(id);
+  if (e != nullptr && !e->parked) return FS_GOOD;
   std::string name(routine ? routine : "", routine ? static_cast<size_t>(std::max(length, 0)) : 0u);
+  if (e != nullptr) return fs_internal::unpark(*e, name.c_str());
   return fs_internal::fail(name.c_str(), FS_BADID, "id " + std::to_string(id));
 }
 
@@ -240,6 +249,8 @@ void fs_errmsg_(int const& status, char* text, int const& length) {
     case FS_NOTEXIST: s = "No such file or directory"; break;
     case FS_NOSPACE: s = "Not enough free space"; break;
     case FS_BADLABEL: s = "Not a tape label"; break;
+    case FS_REMOTE: s = "Remote files are not supported"; break;
+    case FS_BADHEADER: s = "Not a multi-volume header"; break;
     default:
       if (status > FS_ERRNO && status < FS_ERRNO + 0x10000) {
         char buf[160];

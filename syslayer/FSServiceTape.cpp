@@ -40,6 +40,7 @@ void putLE32(unsigned char* b, uint32_t v) {
 
 void openFramed(char const* routine, char const* name, int options, int kind, int& id, int& status) {
   id = 0;
+  if (fs_internal::remoteRefused(routine, name, status)) return;
   std::string const subject = name ? name : "";
   if (subject.empty()) {
     status = fs_internal::fail(routine, FS_BADARG, subject);
@@ -75,7 +76,9 @@ void openFramed(char const* routine, char const* name, int options, int kind, in
 }
 
 // One block of a framed file. Marks are blocks only on tape images.
-void readFramed(char const* routine, Entry& e, void* buffer, int maxLength, int& got, int& status) {
+// blockLength, when asked for, gets the length the frame tells.
+void readFramed(char const* routine, Entry& e, void* buffer, int maxLength, int& got, int& status,
+                int* blockLength = nullptr) {
   got = 0;
   status = FS_GOOD;
   bool const image = e.kind == FS_TAPE;
@@ -97,6 +100,7 @@ void readFramed(char const* routine, Entry& e, void* buffer, int maxLength, int&
     return;
   }
   uint32_t const length = getLE32(head);
+  if (blockLength != nullptr && !(length & 0x80000000u)) *blockLength = static_cast<int>(length);
   if (image && length == kTapeMark) {
     e.position += 4;
     status = fs_internal::fail(routine, FS_EOF, e.name);
@@ -230,6 +234,22 @@ void fs_readt_(int const& id, void* buffer, int const& maxLength, int const& blo
     readDevice(*e, buffer, maxLength, got, status);
   else
     readFramed("FS_readt", *e, buffer, maxLength, got, status);
+}
+
+void fs_readti_(int const& id, void* buffer, int const& maxLength, int& got, int& blockLength, int& status) {
+  TableLock lock;
+  got = 0;
+  blockLength = 0;
+  Entry* e = framedEntry(id, "FS_readti", FS_TAPE, status);
+  if (e == nullptr) return;
+  if (maxLength < 0) {
+    status = fs_internal::fail("FS_readti", FS_BADARG, e->name);
+    return;
+  }
+  if (!e->device) return readFramed("FS_readti", *e, buffer, maxLength, got, status, &blockLength);
+  // A drive drops what does not fit without telling how much there was.
+  readDevice(*e, buffer, maxLength, got, status);
+  blockLength = status == FS_BLOCKTOOLONG ? -1 : got;
 }
 
 void fs_writet_(int const& id, void const* buffer, int const& count, int& status) {

@@ -37,6 +37,7 @@ void fillStat(struct stat const& st, FsStat& info) {
 void statWith(int (*how)(char const*, struct stat*), char const* routine, char const* name, FsStat& info,
               int& status) {
   std::memset(&info, 0, sizeof info);
+  if (fs_internal::remoteRefused(routine, name, status)) return;
   struct stat st;
   if (name == nullptr || how(name, &st) != 0) {
     status = fs_internal::fail(routine, name && errno != ENOENT ? fs_internal::errnoStatus(errno) : FS_NOTEXIST,
@@ -118,6 +119,8 @@ int clearTarget(int type, char const* to) {
 }  // namespace
 
 void fs_exist_(char const* name, int& exists, int& status) {
+  exists = 0;
+  if (fs_internal::remoteRefused("FS_exist", name, status)) return;
   struct stat st;
   exists = name != nullptr && *name && ::stat(name, &st) == 0 ? 1 : 0;
   status = FS_GOOD;
@@ -181,6 +184,7 @@ void fs_getspace_(int const& area, int const& sizeMB, char* dir, int const& dirL
 
 void fs_mkdir_(char const* name, int const& parents, int& status) {
   std::string const path = name ? name : "";
+  if (fs_internal::remoteRefused("FS_mkdir", name, status)) return;
   if (path.empty()) {
     status = fs_internal::fail("FS_mkdir", FS_BADARG, path);
     return;
@@ -207,6 +211,7 @@ void fs_mkdir_(char const* name, int const& parents, int& status) {
 
 void fs_rm_(int const& type, char const* name, int& status) {
   std::string const path = name ? name : "";
+  if (fs_internal::remoteRefused("FS_rm", name, status)) return;
   struct stat st;
   if (path.empty() || (type & (FS_RMFILE | FS_RMTREE)) == 0) {
     status = fs_internal::fail("FS_rm", FS_BADARG, path);
@@ -227,6 +232,7 @@ void fs_rm_(int const& type, char const* name, int& status) {
 }
 
 void fs_mv_(int const& type, char const* from, char const* to, int& status) {
+  if (fs_internal::remoteRefused("FS_mv", from, status) || fs_internal::remoteRefused("FS_mv", to, status)) return;
   struct stat st;
   if (from == nullptr || to == nullptr || !*from || !*to) {
     status = fs_internal::fail("FS_mv", FS_BADARG, from ? from : "");
@@ -246,6 +252,7 @@ void fs_mv_(int const& type, char const* from, char const* to, int& status) {
 }
 
 void fs_cp_(int const& type, char const* from, char const* to, int& status) {
+  if (fs_internal::remoteRefused("FS_cp", from, status) || fs_internal::remoteRefused("FS_cp", to, status)) return;
   struct stat st;
   if (from == nullptr || to == nullptr || !*from || !*to) {
     status = fs_internal::fail("FS_cp", FS_BADARG, from ? from : "");
@@ -262,6 +269,7 @@ void fs_cp_(int const& type, char const* from, char const* to, int& status) {
 
 void fs_islocked_(char const* name, int const& type, int& flag, int& status) {
   flag = 0;
+  if (fs_internal::remoteRefused("FS_islocked", name, status)) return;
   if (name == nullptr || (type != FS_READLOCK && type != FS_WRITELOCK)) {
     status = fs_internal::fail("FS_islocked", FS_BADARG, name ? name : "");
     return;

@@ -69,6 +69,26 @@ inline int FS_readt(int id, void* buffer, int maxLength, int blockSize, int* got
   fs_readt_(id, buffer, maxLength, blockSize, *got, status);
   return status;
 }
+inline int FS_readti(int id, void* buffer, int maxLength, int* got, int* blockLength) {
+  int status;
+  fs_readti_(id, buffer, maxLength, *got, *blockLength, status);
+  return status;
+}
+inline int FS_alock(int id, int type, int seconds) {
+  int status;
+  fs_alock_(id, type, seconds, status);
+  return status;
+}
+inline int FS_chgvol(int id, int volume) {
+  int status;
+  fs_chgvol_(id, volume, status);
+  return status;
+}
+inline int FS_isnearline(char const* name) {
+  int flag;
+  fs_isnearline_(name, flag);
+  return flag;
+}
 inline int FS_writet(int id, void const* buffer, int count) {
   int status;
   fs_writet_(id, buffer, count, status);

@@ -1,0 +1,188 @@
+#include <dirent.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "syslayer/FS.h"
+#include "syslayer/FSService.h"
+#include "syslayer/FSTesting.h"
+
+namespace {
+
+using fs_testing::Fault;
+using fs_testing::TempDir;
+using fs_testing::writeFile;
+
+std::string lastText() {
+  char text[400];
+  FS_rrc(text, sizeof text);
+  return text;
+}
+
+int openDescriptors() {
+  int n = 0;
+  if (DIR* d = ::opendir("/proc/self/fd")) {
+    while (::readdir(d)) ++n;
+    ::closedir(d);
+  }
+  return n;
+}
+
+TEST(FSVolumes, HeaderVolumesAndMovingOn) {
+  TempDir dir;
+  std::string const set = dir / "set";
+  std::string const v2 = dir / "v2";
+  char const* names[] = {"v1", v2.c_str()};
+  int status, exists, n, id, got;
+  fs_writemvh_(set.c_str(), names, 2, status);
+  ASSERT_EQ(status, FS_GOOD);
+  EXPECT_EQ(fs_testing::readFile(set), "RONDO MULTIVOLUME 2\nv1\n" + v2 + "\n");
+  writeFile(dir / "v1", "0123456789");
+  fs_mvexist_(set.c_str(), exists, n, status);
+  EXPECT_EQ(exists * 10 + n, 2);  // v2 missing
+  writeFile(v2, "abcde");
+  fs_mvexist_(set.c_str(), exists, n, status);
+  EXPECT_EQ(exists * 10 + n, 12);
+
+  ASSERT_EQ(FS_dvopen(set.c_str(), 1, FS_C | FS_READONLY, 0, &id), FS_GOOD);
+  char buf[16];
+  EXPECT_EQ(FS_read(id, buf, 16, &got), FS_EOV);
+  EXPECT_EQ(std::string(buf, got), "0123456789");
+  EXPECT_EQ(FS_whichv(id), 1);
+  ASSERT_EQ(FS_chgvol(id, 2), FS_GOOD);
+  EXPECT_EQ(FS_read(id, buf, 16, &got), FS_EOF);
+  EXPECT_EQ(std::string(buf, got), "abcde");
+  EXPECT_EQ(FS_whichv(id), 2);
+  EXPECT_EQ(FS_chgvol(id, 3), FS_BADARG);
+  FS_close(id);
+
+  fs_mvex_(set.c_str(), "v3", status);
+  fs_mvexist_(set.c_str(), exists, n, status);
+  EXPECT_EQ(exists * 10 + n, 3);
+
+  // Headers that are broken, cut, unreadable or slow to read.
+  writeFile(dir / "bad", "RONDO MULTIVOLUME 2\nv1\n");
+  struct {
+    std::string name;
+    int kind;
+    int64_t limit;
+    int status;
+  } const cases[] = {{set, FS_FAULT_SHORTREAD, 3, FS_GOOD},
+                     {set, FS_FAULT_TRUNCATE, 25, FS_BADHEADER},
+                     {set, FS_FAULT_FAILREAD, 5, FS_ERRNO + EIO},
+                     {dir / "bad", FS_FAULT_NONE, 0, FS_BADHEADER},
+                     {dir / "v1", FS_FAULT_NONE, 0, FS_BADHEADER},
+                     {dir / "none", FS_FAULT_NONE, 0, FS_NOTEXIST}};
+  for (auto const& c : cases) {
+    Fault fault(c.name, c.kind, c.limit);
+    fs_mvexist_(c.name.c_str(), exists, n, status);
+    EXPECT_EQ(status, c.status) << c.name << " " << c.kind;
+  }
+  EXPECT_EQ(FS_dvopen(set.c_str(), 4, FS_C, 0, &id), FS_BADARG);
+}
+
+TEST(FSVolumes, KeepOpenGivesBackTheDescriptor) {
+  TempDir dir;
+  std::string const name = dir / "k";
+  writeFile(name, "abcdefgh");
+  int id, again, got;
+  char buf[4];
+  ASSERT_EQ(FS_copen(name.c_str(), FS_C | FS_READONLY, 0, &id), FS_GOOD);
+  ASSERT_EQ(FS_read(id, buf, 3, &got), FS_GOOD);
+  int const before = openDescriptors();
+  ASSERT_EQ(FS_cclose(id), FS_GOOD);
+  EXPECT_EQ(openDescriptors(), before - 1);
+  ASSERT_EQ(FS_read(id, buf, 3, &got), FS_GOOD);  // opened again, where it was
+  EXPECT_EQ(std::string(buf, 3), "def");
+  ASSERT_EQ(FS_cclose(id), FS_GOOD);
+  ASSERT_EQ(FS_copen(name.c_str(), FS_C | FS_READONLY, 0, &again), FS_GOOD);
+  EXPECT_EQ(again, id);
+  ASSERT_EQ(FS_read(id, buf, 3, &got), FS_GOOD);
+  EXPECT_EQ(std::string(buf, 3), "abc");
+  // Gone while put aside: the next use says so.
+  ASSERT_EQ(FS_cclose(id), FS_GOOD);
+  ::unlink(name.c_str());
+  EXPECT_EQ(FS_read(id, buf, 3, &got), FS_ERRNO + ENOENT);
+  EXPECT_EQ(lastText(), "FS_read: No such file or directory (" + name + ")");
+  // A lock of its own keeps it open; a file not in keep-open mode closes.
+  writeFile(name, "x");
+  ASSERT_EQ(FS_copen(name.c_str(), FS_C, 0, &id), FS_GOOD);
+  ASSERT_EQ(FS_lockit(id), FS_GOOD);
+  EXPECT_EQ(FS_cclose(id), FS_LOCKED);
+  ASSERT_EQ(FS_setinfo(id, FS_INFO_KEEPOPEN, 0), FS_GOOD);
+  ASSERT_EQ(FS_cclose(id), FS_GOOD);
+  EXPECT_EQ(FS_chkid(id, "FS_test"), FS_BADID);
+}
+
+TEST(FSVolumes, LockThatWaitsAndBlockLengths) {
+  TempDir dir;
+  std::string const name = dir / "l";
+  writeFile(name, "x");
+  int a, b;
+  ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &a), FS_GOOD);
+  ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &b), FS_GOOD);
+  ASSERT_EQ(FS_alock(a, FS_WRITELOCK, 0), FS_GOOD);
+  EXPECT_EQ(FS_alock(b, FS_READLOCK, 0), FS_LOCKED);
+  std::thread holder([a] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    FS_unlockit(a);
+  });
+  EXPECT_EQ(FS_alock(b, FS_WRITELOCK, 60), FS_GOOD);
+  holder.join();
+  EXPECT_EQ(FS_alock(b, 9, 0), FS_BADARG);
+  FS_close(a);
+  FS_close(b);
+
+  std::string const image = dir / "t";
+  int t, got, length;
+  ASSERT_EQ(FS_opent(image.c_str(), FS_TAPE | FS_CREATE, &t), FS_GOOD);
+  ASSERT_EQ(FS_writet(t, std::string(100, 'q').data(), 100), FS_GOOD);
+  ASSERT_EQ(FS_writet(t, "", 0), FS_GOOD);
+  FS_closet(t);
+  ASSERT_EQ(FS_opent(image.c_str(), FS_TAPE | FS_READONLY, &t), FS_GOOD);
+  char buf[10];
+  EXPECT_EQ(FS_readti(t, buf, 10, &got, &length), FS_BLOCKTOOLONG);
+  EXPECT_EQ(got * 1000 + length, 10100);
+  EXPECT_EQ(FS_readti(t, buf, 10, &got, &length), FS_EOF);
+  EXPECT_EQ(length, 0);
+  FS_closet(t);
+}
+
+TEST(FSVolumes, NearlineAndRemoteNames) {
+  ::setenv("FS_NEARLINE", "/hsm/a/, /near:/x", 1);
+  struct {
+    char const* name;
+    int flag;
+  } const near[] = {{"/hsm/a/f", 1}, {"/hsm/ab/f", 0}, {"/near/d/f", 1}, {"/x", 0}, {"/y/x/f", 0}};
+  for (auto const& c : near) EXPECT_EQ(FS_isnearline(c.name), c.flag) << c.name;
+  ::unsetenv("FS_NEARLINE");
+  EXPECT_EQ(FS_isnearline("/hsm/a/f"), 0);
+
+  // Every entry that takes a name refuses one on another host by name.
+  std::string const remote = "node7:/data/x.sgy";
+  char const* volumes[] = {"v"};
+  int id, status, flag, n;
+  FsStat info;
+  int const results[] = {FS_open(remote.c_str(), FS_C, 0, 0, 0, &id),
+                         FS_opent(remote.c_str(), FS_TAPE, &id),
+                         (fs_exist_(remote.c_str(), flag, status), status),
+                         FS_stat(remote.c_str(), &info),
+                         FS_mkdir(remote.c_str(), 1),
+                         FS_rm(FS_RMFILE, remote.c_str()),
+                         FS_mv(FS_RMFILE, "/tmp/x", remote.c_str()),
+                         FS_islocked(remote.c_str(), FS_READLOCK, &flag),
+                         (fs_writemvh_(remote.c_str(), volumes, 1, status), status),
+                         (fs_mvexist_(remote.c_str(), flag, n, status), status),
+                         FS_dvopen(remote.c_str(), 1, FS_C, 0, &id)};
+  for (int r : results) EXPECT_EQ(r, FS_REMOTE);
+  EXPECT_EQ(lastText(), "FS_dvopen: Remote files are not supported (host node7: node7:/data/x.sgy)");
+  fs_testing::expectFailure([&] { FS::open(vFilename(remote.c_str()), FS::ByteFile); }, "FS::open",
+                            "FS_open: Remote files are not supported (host node7: node7:/data/x.sgy)");
+}
+
+}  // namespace
