@@ -102,7 +102,7 @@ enum {
   FS_INFO_NSEEKS = 11,     // seeks that moved the position
   FS_INFO_NREADS = 12,     // reads handed to the system
   FS_INFO_NOSWAP = 40,     // 1: deliver bytes exactly as stored
-  FS_INFO_KEEPOPEN = 41    // 1: keep-open mode (recorded; descriptors are never recycled)
+  FS_INFO_KEEPOPEN = 41    // 1: keep-open mode (FS_cclose only gives back the descriptor)
 };
 
 // Delete types of fs_rm_, fs_mv_, fs_cp_ (bits).

@@ -195,6 +195,7 @@ void fs_open_(char const* name, int const& options, int const& recordLength, int
 
 void fs_close_(int const& id, int& status) {
   TableLock lock;
+  if (fs_internal::closeParked(id, status)) return;
   if ((status = fs_chkid_(id, "FS_close", 8)) != FS_GOOD) return;
   Entry* e = fs_internal::find(id);
   // The lock nests, so the tape close may take it again.

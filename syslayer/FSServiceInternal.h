@@ -83,6 +83,9 @@ int64_t sizeOf(Entry& e, int& err);
 int reopen(Entry& e, std::string const& path, char const* routine);
 // A parked file's descriptor back; an FS status.
 int unpark(Entry& e, char const* routine);
+// Closes id if it is parked, without opening it again (its file may be
+// gone); false when it is not parked.
+bool closeParked(int id, int& status);
 // What reading off the end gives: FS_EOV on a volume that others follow.
 inline int endStatus(Entry const& e) {
   return e.volume > 0 && e.volume < static_cast<int>(e.volumes.size()) ? FS_EOV : FS_EOF;

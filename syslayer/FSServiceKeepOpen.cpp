@@ -44,6 +44,15 @@ int unpark(Entry& e, char const* routine) {
   return status;
 }
 
+bool closeParked(int id, int& status) {
+  Entry* e = find(id);
+  if (e == nullptr || !e->parked) return false;
+  if ((e->options & FS_DELETE) && !(e->options & FS_KEEP)) ::unlink(e->name.c_str());
+  remove(id);
+  status = FS_GOOD;
+  return true;
+}
+
 }  // namespace fs_internal
 
 int FS_cclose(int id) {

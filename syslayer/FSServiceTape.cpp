@@ -194,6 +194,7 @@ void writeFramed(char const* routine, Entry& e, void const* buffer, int count, i
 
 void closeFramed(char const* routine, int const& id, int& status) {
   TableLock lock;
+  if (fs_internal::closeParked(id, status)) return;
   if ((status = fs_chkid_(id, routine, static_cast<int>(std::strlen(routine)))) != FS_GOOD) return;
   Entry* e = fs_internal::find(id);
   if (e->device && !(e->options & FS_NOREWIND)) {

@@ -109,6 +109,9 @@ TEST(FSVolumes, KeepOpenGivesBackTheDescriptor) {
   ::unlink(name.c_str());
   EXPECT_EQ(FS_read(id, buf, 3, &got), FS_ERRNO + ENOENT);
   EXPECT_EQ(lastText(), "FS_read: No such file or directory (" + name + ")");
+  ASSERT_EQ(FS_cclose(id), FS_GOOD);  // still there to close
+  EXPECT_EQ(FS_close(id), FS_GOOD);
+  EXPECT_EQ(FS_chkid(id, "FS_test"), FS_BADID);
   // A lock of its own keeps it open; a file not in keep-open mode closes.
   writeFile(name, "x");
   ASSERT_EQ(FS_copen(name.c_str(), FS_C, 0, &id), FS_GOOD);

@@ -117,6 +117,7 @@ void ss_getaword_(int32_t const& id, int32_t const& ordinal, int32_t const& elem
 
 // The first structure below id (depth first, through structure slots and
 // structure arrays) whose integer slot keyOrdinal holds key; 0 for none.
+// The search below, started afresh.
 void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key, int32_t& found);
 
 // The same as a search that stops at each hit and goes on from it. The

@@ -9,10 +9,6 @@ using namespace ss_internal;
 
 namespace {
 
-// Where the search goes on in a path entry: the next slot of a structure
-// (positive), or minus the next element of a structure array.
-bool usable(int32_t s) { return isLive(s); }
-
 void push(int32_t* path, int32_t* next, int32_t& depth, int32_t entry, int32_t where) {
   if (depth >= SS_LOCATEDEPTH) er_fatal_("SS_locate", "Tree too deep");
   path[depth] = entry;
@@ -31,11 +27,13 @@ void checkState(int32_t id, int32_t const* path, int32_t depth, char const* rout
   // Structures deleted between the calls end the search here rather than
   // lead it through freed words.
   for (int32_t k = 0; k < depth; ++k)
-    if (!usable(path[k])) er_fatal_(routine, "Bad search state");
+    if (!isLive(path[k])) er_fatal_(routine, "Bad search state");
 }
 
 }  // namespace
 
+// next[k] tells where the search goes on in path[k]: the next slot of a
+// structure (positive), or minus the next element of a structure array.
 void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key, int32_t& found, int32_t* path,
                 int32_t* next, int32_t& size) {
   checkId(id, "SS_locate");
@@ -60,7 +58,7 @@ void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key
       next[depth - 1] = where + 1;
       int32_t const type = typeOf(top, where);
       int32_t const v = ss_[slotAt(top, where, "SS_locate")];
-      if (!usable(v)) continue;
+      if (!isLive(v)) continue;
       if (type == SS_ASTRUCT) push(path, next, depth, v, -1);
       if (type == SS_STRUCT) child = v;
     } else {
@@ -72,7 +70,7 @@ void ss_locate_(int32_t const& id, int32_t const& keyOrdinal, int32_t const& key
       next[depth - 1] = where - 1;
       child = ss_[top + 3 + e - 1];
     }
-    if (child == 0 || !usable(child)) continue;
+    if (child == 0 || !isLive(child)) continue;
     push(path, next, depth, child, 1);
     if (matches(child, keyOrdinal, key)) {
       found = child;
