@@ -49,7 +49,8 @@ void fs_isnearline_(char const* name, int& flag) {
     if (dir.empty()) continue;
     // Below the directory means its name and then a '/', not a longer name
     // that starts the same.
-    if (path.compare(0, dir.size(), dir) == 0 && (dir == "/" || (path.size() > dir.size() && path[dir.size()] == '/'))) {
+    bool const below = dir == "/" || (path.size() > dir.size() && path[dir.size()] == '/');
+    if (below && path.compare(0, dir.size(), dir) == 0) {
       flag = 1;
       return;
     }

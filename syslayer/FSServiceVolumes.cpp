@@ -124,7 +124,8 @@ int FS_dvopen(char const* name, int volume, int options, int recordLength, int* 
   std::vector<std::string> list;
   if ((status = readHeader("FS_dvopen", name ? name : "", list)) != FS_GOOD) return status;
   int const kind = options & FS_KINDMASK;
-  bool const bytes = kind == FS_C || kind == FS_BYPASS || ((kind == FS_DISK || kind == FS_FORTRAN) && !(options & FS_NOHEADER));
+  bool const records = (kind == FS_DISK || kind == FS_FORTRAN) && !(options & FS_NOHEADER);
+  bool const bytes = kind == FS_C || kind == FS_BYPASS || records;
   if (volume < 1 || volume > static_cast<int>(list.size()) || !bytes || (options & FS_CREATE))
     return fs_internal::fail("FS_dvopen", FS_BADARG, name);
   for (std::string& v : list) v = besideHeader(name, v);
