@@ -1,5 +1,5 @@
 // The SEG-Y store over golden files written by the test writer: every value
-// of every attribute, in each sample format and byte order, the store's
+// of every attribute, in each IEEE sample format and byte order, the store's
 // questions, its conversions and its failures.
 
 #include "filestore/segy/SegyDiskStore.h"
@@ -82,7 +82,9 @@ TEST_F(SegyStoreTest, ReadsGoldenFilesOfEachFormatAndByteOrder) {
     int code;
     bool bigEndian;
   };
-  for (Case c : {Case{1, true}, Case{5, true}, Case{6, true}, Case{1, false}, Case{5, false}}) {
+  // IBM samples are checked on files that segyio writes; this writer's IBM
+  // words come from the converter that reads them.
+  for (Case c : {Case{5, true}, Case{6, true}, Case{5, false}, Case{6, false}}) {
     SCOPED_TRACE("format " + std::to_string(c.code) + (c.bigEndian ? " big-endian" : " this machine's order"));
     SegyWriter w;
     w.formatCode = c.code;
