@@ -313,6 +313,13 @@ TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
   std::string const sixteenBit = write(w, 2);
   expectFailure([&] { store.open(vFilename(sixteenBit.c_str())); }, "SegyBinaryHeader::getFormatCode",
                 "Unexpected format code 3");
+  w.formatCode = 5;
+  std::string variable = w.file(2);
+  variable[3200 + 304] = variable[3200 + 305] = '\xFF';
+  fs_testing::writeFile(dir / "variable.sgy", variable);
+  expectFailure([&] { store.open(vFilename((dir / "variable.sgy").c_str())); }, label,
+                "File " + (dir / "variable.sgy") +
+                    " has a variable number of extended text headers; only a fixed number can be read.");
   std::string const vlr = dir / "old.sgy";
   fs_testing::writeFile(vlr, "=)=)" + std::string(5000, 'x'));
   expectFailure([&] { store.open(vFilename(vlr.c_str())); }, label, "VLR datafiles not supported yet!");
