@@ -70,10 +70,10 @@ with segyio.open(path, ignore_geometry=True, endian=endian) as f:
 unsigned int const kTraces = 23;
 unsigned int const kSamples = 50;
 
-// A sample that tells its place: trace * 1000 + sample in quarters, with
-// a sign and a power of two that vary along the trace, so that every IBM
-// exponent shift and both signs occur; a few are zero. All are exact in
-// IBM and IEEE single precision.
+// A sample that tells its place: trace * 1000 + sample, plus quarters,
+// with a sign and a power of two that vary along the trace, so that every
+// IBM exponent shift and both signs occur; a few are zero. All are exact
+// in IBM and IEEE single precision.
 float sampleValue(unsigned int t, unsigned int s) {
   if ((t + s) % 17 == 0) return 0.0f;
   float const place = static_cast<float>(t * 1000 + s) + static_cast<float>(s % 4) / 4.0f;
@@ -261,6 +261,26 @@ TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
     for (std::size_t k = 0; k < list.size(); ++k)
       EXPECT_EQ(headerValue(list[k], field), a.getValue(static_cast<unsigned int>(k + 1)));
   }
+
+  // Cut in the middle of the last trace: the whole traces stay readable.
+  std::vector<char> bytes = load<char>(path);
+  long long const traceLength = 240 + 4 * kSamples;
+  long long const whole = static_cast<long long>(bytes.size()) - traceLength;
+  std::string const cut = dir / "cut.sgy";
+  fs_testing::writeFile(cut, std::string(bytes.data(), static_cast<std::size_t>(whole + traceLength / 2)));
+  segy_testing::Recording cutRecording;
+  SegyDiskStore truncated;
+  truncated.open(vFilename(cut.c_str()));
+  ASSERT_EQ(kTraces - 1, truncated.getNInstances());
+  EXPECT_EQ((std::vector<std::string>{"SegyDiskStore::myGetNInstances: The file '" + cut +
+                                      "' is either incomplete or corrupt.\nFilesize is " +
+                                      std::to_string(whole + traceLength / 2) + " bytes but we expect " +
+                                      std::to_string(whole) + " when the tracelength is " +
+                                      std::to_string(traceLength)}),
+            cutRecording.errors());
+  Attribute last = truncated.getAttribute("TRACE");
+  truncated.read(last, kTraces - 1, kTraces - 1);
+  for (unsigned int s = 1; s <= kSamples; ++s) ASSERT_EQ(sampleValue(kTraces - 1, s), last.getFloat32Pointer(1)[s - 1]);
   AttributeDefinitionTable::instance().dropTable();
 }
 
