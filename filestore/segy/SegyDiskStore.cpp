@@ -135,6 +135,10 @@ void SegyDiskStore::myReadHeaders() {
   m_textHeader = vString(SegyKernels::TEXT_HEADER_LENGTH, block);
   // A negative count in the header is taken as the unsigned word it is.
   m_nSamples = static_cast<uint16_t>(m_binaryHeader->getNumberSamplePerTrace());
+  // Without a sample count the traces cannot be told apart: the samples
+  // would be read as trace headers.
+  if (m_nSamples == 0)
+    Message::fatal(label, 0, "File %s has no samples per trace in its binary header.", m_fileName.c_str());
   m_traceLength = SegyKernels::traceLength(m_nSamples);
 }
 

@@ -314,6 +314,11 @@ TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
   expectFailure([&] { store.open(vFilename(sixteenBit.c_str())); }, "SegyBinaryHeader::getFormatCode",
                 "Unexpected format code 3");
   w.formatCode = 5;
+  w.nSamples = 0;
+  fs_testing::writeFile(dir / "nosamples.sgy", w.file(2));
+  expectFailure([&] { store.open(vFilename((dir / "nosamples.sgy").c_str())); }, label,
+                "File " + (dir / "nosamples.sgy") + " has no samples per trace in its binary header.");
+  w.nSamples = 5;
   std::string variable = w.file(2);
   variable[3200 + 304] = variable[3200 + 305] = '\xFF';
   fs_testing::writeFile(dir / "variable.sgy", variable);
