@@ -1,75 +1,178 @@
 // Files written by an independent SEG-Y writer (segyio, run by the system's
-// Python) read back through the store: IBM and IEEE samples, big-endian,
-// with every value telling its trace, sample and header position.
+// Python) read back through the store, in each sample format and byte order
+// that segyio writes: every sample, trace header word and binary header
+// field compared with what was given to segyio and with what segyio itself
+// reads back. segyio does its own IBM conversion, so these files check ours.
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <ostream>
 #include <string>
 #include <vector>
 
+#include "attribute/AttributeDefinitionTable.h"
+#include "attribute/AttributeTranslationTable.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/segy/SegyTesting.h"
+#include "foundation/TestFailure.h"
+#include "foundation/TestReleaseTree.h"
 #include "syslayer/FSTesting.h"
 
 namespace {
 
 char const* const kPython = "/usr/bin/python3";
 
-// Writes <path> with <format> (1 or 5), <traces> traces of <samples>
-// samples: sample s of trace t is t * 1000 + s, the header field at byte
-// offset o is t * 1000 + o.
+// Writes <path> through segyio from <path>.samples (float32) and
+// <path>.headers (int32, one row of trace header words a trace), then reads
+// it again with segyio into <path>.binary.back, .headers.back and
+// .samples.back. Binary header fields come as position=value pairs, trace
+// header words by position (segyio's field numbers are byte positions);
+// the last argument is the number of extended text headers.
 char const* const kWriter = R"PY(
 import sys
 import numpy as np
 import segyio
 
-path, fmt, ntraces, nsamples = sys.argv[1], int(sys.argv[2]), int(sys.argv[3]), int(sys.argv[4])
+path, fmt, endian = sys.argv[1], int(sys.argv[2]), sys.argv[3]
+ntraces, nsamples = int(sys.argv[4]), int(sys.argv[5])
+binary = [tuple(int(x) for x in kv.split('=')) for kv in sys.argv[6].split(',')]
+fields = [int(p) for p in sys.argv[7].split(',')]
+extended = int(sys.argv[8])
+samples = np.fromfile(path + '.samples', dtype=np.float32).reshape(ntraces, nsamples)
+headers = np.fromfile(path + '.headers', dtype=np.int32).reshape(ntraces, len(fields))
+
 spec = segyio.spec()
 spec.format = fmt
+spec.endian = endian
 spec.samples = list(range(nsamples))
 spec.tracecount = ntraces
-spec.iline = 189
-spec.xline = 193
-spec.sorting = 0
-fields = {
-    4: segyio.TraceField.TRACE_SEQUENCE_FILE,
-    8: segyio.TraceField.FieldRecord,
-    12: segyio.TraceField.TraceNumber,
-    16: segyio.TraceField.EnergySourcePoint,
-    20: segyio.TraceField.CDP,
-    24: segyio.TraceField.CDP_TRACE,
-    72: segyio.TraceField.SourceX,
-    76: segyio.TraceField.SourceY,
-    80: segyio.TraceField.GroupX,
-    84: segyio.TraceField.GroupY,
-}
+spec.ext_headers = extended
 with segyio.create(path, spec) as f:
-    f.text[0] = "C 1 WRITTEN BY SEGYIO FOR THE STORE TESTS"
-    f.bin.update(hdt=2000, hns=nsamples, format=fmt)
-    for i in range(ntraces):
-        t = i + 1
-        f.header[i] = {field: t * 1000 + offset for offset, field in fields.items()}
-        f.trace[i] = np.array([t * 1000 + s for s in range(1, nsamples + 1)], dtype=np.float32)
+    f.text[0] = 'C 1 WRITTEN BY SEGYIO FOR THE STORE TESTS'
+    f.bin.update({p: v for p, v in binary})
+    for t in range(ntraces):
+        f.header[t] = {p: int(v) for p, v in zip(fields, headers[t])}
+        f.trace[t] = samples[t]
+
+with segyio.open(path, ignore_geometry=True, endian=endian) as f:
+    np.array([f.bin[p] for p, _ in binary], dtype=np.int32).tofile(path + '.binary.back')
+    np.array([[f.header[t][p] for p in fields] for t in range(ntraces)], dtype=np.int32).tofile(path + '.headers.back')
+    np.array([f.trace[t] for t in range(ntraces)], dtype=np.float32).tofile(path + '.samples.back')
 )PY";
 
-bool havePeer() {
-  std::string const probe = std::string(kPython) + " -c 'import segyio, numpy' > /dev/null 2>&1";
-  return std::system(probe.c_str()) == 0;
+unsigned int const kTraces = 23;
+unsigned int const kSamples = 50;
+
+// A sample that tells its place: trace * 1000 + sample, plus quarters,
+// with a sign and a power of two that vary along the trace, so that every
+// IBM exponent shift and both signs occur; a few are zero. All are exact
+// in IBM and IEEE single precision.
+float sampleValue(unsigned int t, unsigned int s) {
+  if ((t + s) % 17 == 0) return 0.0f;
+  float const place = static_cast<float>(t * 1000 + s) + static_cast<float>(s % 4) / 4.0f;
+  int const exponent = static_cast<int>((t * 7 + s * 13) % 201) - 100;
+  return std::ldexp((t + s) % 3 == 0 ? -place : place, exponent);
 }
 
-class SegyPeerTest : public ::testing::TestWithParam<int> {
+// A trace header field by its 1-based byte position: its store attribute,
+// its width, and whether the default shot format has it (else a format
+// file names it).
+struct Field {
+  char const* attribute;
+  int position;
+  int width;
+  bool shot;
+};
+std::vector<Field> const& fields() {
+  static std::vector<Field> const all = {
+      {"SEGY.REEL.COUNT", 5, 4, true}, {"FFID", 9, 4, true},       {"CHANNEL", 13, 4, true},
+      {"SHOT.UNIQUE.ID", 17, 4, true}, {"CMP", 21, 4, true},       {"CMP_NUMBER", 25, 4, true},
+      {"SHOT.RW.X", 73, 4, true},      {"SHOT.RW.Y", 77, 4, true}, {"RCVR.RW.X", 81, 4, true},
+      {"RCVR.RW.Y", 85, 4, true},      {"OFFSET", 37, 4, false},   {"INLINE", 189, 4, false},
+      {"CROSSLINE", 193, 4, false},    {"SCALCO", 71, 2, false},   {"NS", 115, 2, false},
+      {"DT", 117, 2, false}};
+  return all;
+}
+int32_t headerValue(unsigned int t, Field const& f) {
+  int32_t const magnitude = static_cast<int32_t>(f.width == 4 ? t * 100000 + f.position : t * 100 + f.position % 100);
+  return t % 2 ? -magnitude : magnitude;
+}
+
+// A binary header field by its 1-based file position, the value given and
+// how the store's header reads it.
+struct BinaryField {
+  int position;
+  int32_t value;
+  std::function<int32_t(SegyBinaryHeader const&)> read;
+};
+
+struct PeerCase {
+  char const* name;
+  int format;
+  char const* endian;
+  int extendedTextHeaders;
+};
+
+void PrintTo(PeerCase const& c, std::ostream* out) { *out << c.name; }
+
+class SegyPeerTest : public ::testing::TestWithParam<PeerCase> {
  protected:
   void SetUp() override {
-    if (!havePeer()) GTEST_SKIP() << "segyio is not installed for " << kPython;
+    std::string const probe = std::string(kPython) + " -c 'import segyio, numpy' > /dev/null 2>&1";
+    ASSERT_EQ(0, std::system(probe.c_str())) << "segyio and numpy for " << kPython
+                                              << " are missing: run scripts/install-deps";
     script = dir / "writer.py";
     fs_testing::writeFile(script, kWriter);
   }
-  std::string writeWithPeer(int format, int traces, int samples) {
-    std::string const path = dir / ("peer" + std::to_string(format) + ".sgy");
-    std::string const command = std::string(kPython) + " " + script + " " + path + " " + std::to_string(format) +
-                                " " + std::to_string(traces) + " " + std::to_string(samples);
+
+  template <typename T>
+  static std::vector<T> load(std::string const& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::string const bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::vector<T> values(bytes.size() / sizeof(T));
+    if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(T));
+    return values;
+  }
+
+  // Writes <name> with segyio and checks that segyio reads back what it was
+  // given.
+  std::string writeWithPeer(std::string const& name, int format, char const* endian,
+                            std::vector<BinaryField> const& binary, int extendedTextHeaders = 0) {
+    std::string const path = dir / name;
+    std::vector<float> samples;
+    std::vector<int32_t> headers;
+    for (unsigned int t = 1; t <= kTraces; ++t) {
+      for (unsigned int s = 1; s <= kSamples; ++s) samples.push_back(sampleValue(t, s));
+      for (Field const& f : fields()) headers.push_back(headerValue(t, f));
+    }
+    fs_testing::writeFile(path + ".samples", std::string(reinterpret_cast<char const*>(samples.data()),
+                                                         samples.size() * sizeof(float)));
+    fs_testing::writeFile(path + ".headers", std::string(reinterpret_cast<char const*>(headers.data()),
+                                                         headers.size() * sizeof(int32_t)));
+    std::string pairs, positions;
+    for (BinaryField const& b : binary)
+      pairs += (pairs.empty() ? "" : ",") + std::to_string(b.position) + "=" + std::to_string(b.value);
+    for (Field const& f : fields()) positions += (positions.empty() ? "" : ",") + std::to_string(f.position);
+    std::string const command = std::string(kPython) + " -W ignore " + script + " " + path + " " +
+                                std::to_string(format) + " " + endian + " " + std::to_string(kTraces) + " " +
+                                std::to_string(kSamples) + " " + pairs + " " + positions + " " +
+                                std::to_string(extendedTextHeaders);
     EXPECT_EQ(0, std::system(command.c_str())) << command;
+    if (format == 1 || format == 5) {
+      EXPECT_EQ(samples, load<float>(path + ".samples.back"));
+      EXPECT_EQ(headers, load<int32_t>(path + ".headers.back"));
+    }
+    std::vector<int32_t> const back = load<int32_t>(path + ".binary.back");
+    EXPECT_EQ(binary.size(), back.size());
+    for (std::size_t k = 0; k < binary.size() && k < back.size(); ++k)
+      EXPECT_EQ(static_cast<uint16_t>(binary[k].value), static_cast<uint16_t>(back[k])) << binary[k].position;
     return path;
   }
 
@@ -77,45 +180,131 @@ class SegyPeerTest : public ::testing::TestWithParam<int> {
   std::string script;
 };
 
-TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
-  int const format = GetParam();
-  unsigned int const traces = 23;
-  unsigned int const samples = 50;
-  std::string const path = writeWithPeer(format, static_cast<int>(traces), static_cast<int>(samples));
-  segy_testing::Recording recording;
-  SegyDiskStore store;
-  store.open(vFilename(path.c_str()));
-  EXPECT_TRUE(recording.errors().empty());
-  EXPECT_TRUE(store.getBinaryHeader()->isByteSwapped()) << "the peer writes big-endian";
-  EXPECT_EQ(format, store.getBinaryHeader()->getFormatCode());
-  ASSERT_EQ(traces, store.getNInstances());
-  EXPECT_EQ(std::string("C 1 WRITTEN BY SEGYIO FOR THE STORE TESTS"),
-            std::string(store.getEBCDICHeaderInASCII().c_str(), 41));
-  Attribute trace = store.getAttribute("TRACE");
-  EXPECT_EQ(static_cast<int>(samples), trace.getLength());
-  EXPECT_EQ(2.0, trace.getSampleRate());
-  store.read(trace, 1, traces);
-  for (unsigned int t = 1; t <= traces; ++t)
-    for (unsigned int s = 1; s <= samples; ++s)
-      ASSERT_EQ(segy_testing::goldenSample(t, s), trace.getFloat32Pointer(t)[s - 1]) << t << " " << s;
-  char const* const names[] = {"SEGY.REEL.COUNT", "FFID",      "CHANNEL",   "SHOT.UNIQUE.ID", "CMP",
-                               "CMP_NUMBER",      "SHOT.RW.X", "SHOT.RW.Y", "RCVR.RW.X",      "RCVR.RW.Y"};
-  for (std::size_t f = 0; f < 10; ++f) {
-    SCOPED_TRACE(names[f]);
-    int const offset = segy_testing::shotOffsets()[f];
-    Attribute a = store.getAttribute(names[f]);
-    store.read(a, std::vector<unsigned int>{traces, 5, 1});
-    EXPECT_EQ(segy_testing::goldenHeader(traces, offset), a.getInt32(1));
-    EXPECT_EQ(segy_testing::goldenHeader(5, offset), a.getInt32(2));
-    EXPECT_EQ(segy_testing::goldenHeader(1, offset), a.getInt32(3));
-    store.read(a, 1, traces);
-    for (unsigned int t = 1; t <= traces; ++t) ASSERT_EQ(segy_testing::goldenHeader(t, offset), a.getInt32(t));
-  }
+// Binary header fields, sized by the file's shape where they shape it.
+std::vector<BinaryField> binaryFields(int format) {
+  using H = SegyBinaryHeader const&;
+  return {
+      {3201, -1000001, [](H h) { return h.getJobIdentNumber(); }},
+      {3205, 1000005, [](H h) { return h.getLineNumber(); }},
+      {3209, 1000009, [](H h) { return h.getReelNumber(); }},
+      {3213, -13, [](H h) { return h.getNumberDataTracesPerRecord(); }},
+      {3217, 40000, [](H h) { return h.getSampleInterval(); }},
+      {3219, -19, [](H h) { return h.getSampleIntervalInField(); }},
+      {3221, static_cast<int32_t>(kSamples), [](H h) { return h.getNumberSamplePerTrace(); }},
+      {3225, format, [](H h) { return h.getFormatCode(); }},
+      {3229, -29, [](H h) { return h.getTraceSortingCode(); }},
+      {3255, 55, [](H h) { return h.getMeasurementSystem(); }},
+      {3259, -59, [](H h) { return h.getVibratoryPolarityCode(); }},
+  };
 }
 
-INSTANTIATE_TEST_SUITE_P(IbmAndIeee, SegyPeerTest, ::testing::Values(1, 5),
-                         [](::testing::TestParamInfo<int> const& info) {
-                           return info.param == 1 ? std::string("Ibm") : std::string("Ieee");
-                         });
+TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
+  PeerCase const c = GetParam();
+  std::vector<BinaryField> const binary = binaryFields(c.format);
+  std::string const path = writeWithPeer("peer.sgy", c.format, c.endian, binary, c.extendedTextHeaders);
+  uint16_t const one = 1;
+  bool const hostBig = *reinterpret_cast<unsigned char const*>(&one) == 0;
+  TestReleaseTree tree;
+  tree.writeSystemFile("AttributeDefTable4.txt", segy_testing::definitions());
+  tree.writeSystemFile("KelpAttributeTranslations3.txt", segy_testing::kelpTranslations());
+  AttributeDefinitionTable::instance().dropTable();
+  AttributeTranslationTable::instance("Kelp").reload();
+  std::string formatFile;
+  for (Field const& f : fields())
+    if (!f.shot)
+      formatFile += std::string(f.attribute) + " x trace " + std::to_string(f.position) +
+                    (f.width == 4 ? " int4\n" : " int2\n");
+  TestReleaseTree::write(dir / "peer.syf", formatFile);
+
+  segy_testing::Recording recording;
+  SegyDiskStore shot;
+  shot.open(vFilename(path.c_str()));
+  SegyDiskStore described;
+  described.open(StoreDescription(vFilename(path.c_str())));
+  EXPECT_TRUE(recording.errors().empty());
+  SegyBinaryHeader const& header = *shot.getBinaryHeader();
+  EXPECT_EQ(hostBig != (std::string(c.endian) == "big"), header.isByteSwapped());
+  EXPECT_EQ(c.extendedTextHeaders, header.getNumberExtendedTextHeaders());
+  for (BinaryField const& b : binary) EXPECT_EQ(b.value, b.read(header)) << b.position;
+  EXPECT_EQ(std::string("C 1 WRITTEN BY SEGYIO FOR THE STORE TESTS"),
+            std::string(shot.getEBCDICHeaderInASCII().c_str(), 41));
+  ASSERT_EQ(kTraces, shot.getNInstances());
+  ASSERT_EQ(kTraces, described.getNInstances());
+
+  std::vector<float> const peerSamples = load<float>(path + ".samples.back");
+  ASSERT_EQ(kTraces * kSamples, peerSamples.size());
+  std::vector<unsigned int> const list = {kTraces, 1, 7, 1};
+  for (SegyDiskStore const* store : {&shot, &described}) {
+    Attribute trace = store->getAttribute("TRACE");
+    EXPECT_EQ(static_cast<int>(kSamples), trace.getLength());
+    EXPECT_EQ(40.0, trace.getSampleRate());
+    store->read(trace, 1, kTraces);
+    for (unsigned int t = 1; t <= kTraces; ++t)
+      for (unsigned int s = 1; s <= kSamples; ++s)
+        ASSERT_EQ(peerSamples[(t - 1) * kSamples + s - 1], trace.getFloat32Pointer(t)[s - 1]) << t << " " << s;
+    store->read(trace, list);
+    for (std::size_t k = 0; k < list.size(); ++k)
+      for (unsigned int s = 1; s <= kSamples; ++s)
+        ASSERT_EQ(sampleValue(list[k], s), trace.getFloat32Pointer(static_cast<unsigned int>(k + 1))[s - 1]);
+  }
+
+  std::vector<int32_t> const peerHeaders = load<int32_t>(path + ".headers.back");
+  for (std::size_t f = 0; f < fields().size(); ++f) {
+    Field const& field = fields()[f];
+    SCOPED_TRACE(field.attribute);
+    SegyDiskStore const& store = field.shot ? shot : described;
+    Attribute a = store.getAttribute(field.attribute);
+    store.read(a, 1, kTraces);
+    for (unsigned int t = 1; t <= kTraces; ++t)
+      ASSERT_EQ(peerHeaders[(t - 1) * fields().size() + f], a.getValue(t)) << t;
+    store.read(a, list);
+    for (std::size_t k = 0; k < list.size(); ++k)
+      EXPECT_EQ(headerValue(list[k], field), a.getValue(static_cast<unsigned int>(k + 1)));
+  }
+
+  // Cut in the middle of the last trace: the whole traces stay readable.
+  std::vector<char> bytes = load<char>(path);
+  long long const traceLength = 240 + 4 * kSamples;
+  long long const whole = static_cast<long long>(bytes.size()) - traceLength;
+  std::string const cut = dir / "cut.sgy";
+  fs_testing::writeFile(cut, std::string(bytes.data(), static_cast<std::size_t>(whole + traceLength / 2)));
+  segy_testing::Recording cutRecording;
+  SegyDiskStore truncated;
+  truncated.open(vFilename(cut.c_str()));
+  ASSERT_EQ(kTraces - 1, truncated.getNInstances());
+  EXPECT_EQ((std::vector<std::string>{"SegyDiskStore::myGetNInstances: The file '" + cut +
+                                      "' is either incomplete or corrupt.\nFilesize is " +
+                                      std::to_string(whole + traceLength / 2) + " bytes but we expect " +
+                                      std::to_string(whole) + " when the tracelength is " +
+                                      std::to_string(traceLength)}),
+            cutRecording.errors());
+  Attribute last = truncated.getAttribute("TRACE");
+  truncated.read(last, kTraces - 1, kTraces - 1);
+  for (unsigned int s = 1; s <= kSamples; ++s) ASSERT_EQ(sampleValue(kTraces - 1, s), last.getFloat32Pointer(1)[s - 1]);
+  AttributeDefinitionTable::instance().dropTable();
+}
+
+INSTANTIATE_TEST_SUITE_P(FormatsAndByteOrders, SegyPeerTest,
+                         ::testing::Values(PeerCase{"IbmBigEndian", 1, "big", 0},
+                                           PeerCase{"IbmLittleEndianWithExtendedText", 1, "little", 1},
+                                           PeerCase{"IeeeBigEndianWithExtendedText", 5, "big", 2},
+                                           PeerCase{"IeeeLittleEndian", 5, "little", 0}),
+                         [](::testing::TestParamInfo<PeerCase> const& info) { return std::string(info.param.name); });
+
+// Files of integer samples, as segyio writes them, are refused by their
+// format code.
+class SegyPeerRefusalTest : public SegyPeerTest {};
+
+TEST_F(SegyPeerRefusalTest, RefusesTheSampleFormatsItCannotRead) {
+  for (auto const& c : {std::make_pair(2, "big"), std::make_pair(3, "little")}) {
+    SCOPED_TRACE(c.first);
+    std::string const path =
+        writeWithPeer("int" + std::to_string(c.first) + ".sgy", c.first, c.second, binaryFields(c.first));
+    SegyDiskStore store;
+    expectFailure([&] { store.open(vFilename(path.c_str())); }, "SegyBinaryHeader::getFormatCode",
+                  "Unexpected format code " + std::to_string(c.first));
+    EXPECT_FALSE(store.isOpen());
+  }
+}
 
 }  // namespace
