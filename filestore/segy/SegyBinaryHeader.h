@@ -58,9 +58,6 @@ class SegyBinaryHeader {
   int16_t getMeasurementSystem() const { return my16(54); }
   int16_t getImpulseSignalPolarity() const { return my16(56); }
   int16_t getVibratoryPolarityCode() const { return my16(58); }
-  // Revision 1: the number of 3200-byte extended text headers after this
-  // one, -1 for a variable number.
-  int16_t getNumberExtendedTextHeaders() const { return my16(304); }
 
   // Whether the header was found in the other byte order (after the check).
   bool isByteSwapped() const;

@@ -35,7 +35,6 @@ SegyDiskStore::SegyDiskStore(vHandle<Project> const& project)
       m_nSamples(0),
       m_traceLength(0),
       m_fileSize(0),
-      m_dataOffset(SegyKernels::FILE_HEADER_LENGTH),
       m_isOpen(false) {}
 
 SegyDiskStore::~SegyDiskStore() {
@@ -121,11 +120,6 @@ void SegyDiskStore::myReadHeaders() {
   uint16_t const code = m_binaryHeader->getFormatCode();
   if (code != 1 && code != 5 && code != 6)
     Message::fatal(label, 0, "Can only read IEEE and IBM format files at present.");
-  int const extended = m_binaryHeader->getNumberExtendedTextHeaders();
-  if (extended < 0)
-    Message::fatal(label, 0, "File %s has a variable number of extended text headers; only a fixed number can be read.",
-                   m_fileName.c_str());
-  m_dataOffset = SegyKernels::traceDataOffset(extended);
   got = m_file.read(1, block, SegyKernels::TEXT_HEADER_LENGTH);
   if (got < SegyKernels::TEXT_HEADER_LENGTH) {
     m_file.clear();
@@ -148,7 +142,7 @@ unsigned int SegyDiskStore::myGetNInstances() {
   if (!m_file.isGood()) m_file.terminate("SegyDiskStore::myGetNInstances");
   if (m_mapper.isEmpty()) {
     long long expected = 0;
-    unsigned int const traces = SegyKernels::countPlainTraces(m_fileSize, m_dataOffset, m_traceLength, expected);
+    unsigned int const traces = SegyKernels::countPlainTraces(m_fileSize, m_traceLength, expected);
     if (expected != m_fileSize)
       Message::error("SegyDiskStore::myGetNInstances", 0,
                      "The file '%s' is either incomplete or corrupt.\nFilesize is %s bytes but we expect %s when the "
@@ -195,7 +189,6 @@ void SegyDiskStore::close() {
   m_nSamples = 0;
   m_traceLength = 0;
   m_fileSize = 0;
-  m_dataOffset = SegyKernels::FILE_HEADER_LENGTH;
   m_binaryHeader = vHandle<SegyBinaryHeader>();
   m_recordBuffer = vHandle<RecordBuffer>();
   m_keyList = KeyList();

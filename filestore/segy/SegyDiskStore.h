@@ -110,8 +110,6 @@ class SegyDiskStore : public DiskStore {
   unsigned int m_nSamples;
   int m_traceLength;
   long long m_fileSize;
-  // Where the first trace of a plain file begins.
-  long long m_dataOffset;
   vHandle<SegyBinaryHeader> m_binaryHeader;
   vHandle<RecordBuffer> m_recordBuffer;
   KeyList m_keyList;

@@ -105,7 +105,7 @@ void SegyDiskStore::myAllocateBufferRange(unsigned int first, unsigned int last)
     return;
   }
   long long const offset =
-      m_dataOffset + static_cast<long long>(first - 1) * static_cast<long long>(m_traceLength);
+      SegyKernels::FILE_HEADER_LENGTH + static_cast<long long>(first - 1) * static_cast<long long>(m_traceLength);
   long long const count = static_cast<long long>(last - first + 1) * m_traceLength;
   try {
     myReadTraces("SegyDiskStore::myAllocateBufferRange", static_cast<unsigned char*>(buffer.getBuffer(first, 0)),
@@ -128,8 +128,8 @@ void SegyDiskStore::myAllocateBufferList(std::vector<unsigned int> const& instan
   while (k < sorted.size()) {
     std::size_t end = k + 1;
     while (end < sorted.size() && sorted[end] == sorted[end - 1] + 1) ++end;
-    long long const offset =
-        m_dataOffset + static_cast<long long>(sorted[k] - 1) * static_cast<long long>(m_traceLength);
+    long long const offset = SegyKernels::FILE_HEADER_LENGTH +
+                             static_cast<long long>(sorted[k] - 1) * static_cast<long long>(m_traceLength);
     myReadTraces("SegyDiskStore::myAllocateBufferList", static_cast<unsigned char*>(buffer.getBuffer(sorted[k], 0)),
                  offset,
                  static_cast<long long>(end - k) * m_traceLength, sorted[k]);

@@ -100,10 +100,10 @@ bool convertSamples(void const* source, float* target, std::size_t n, int format
   }
 }
 
-uint32_t countPlainTraces(long long fileSize, long long dataOffset, int32_t traceLength, long long& expectedSize) {
-  long long const data = fileSize - dataOffset;
+uint32_t countPlainTraces(long long fileSize, int32_t traceLength, long long& expectedSize) {
+  long long const data = fileSize - FILE_HEADER_LENGTH;
   uint32_t const traces = data > 0 && traceLength > 0 ? static_cast<uint32_t>(data / traceLength) : 0u;
-  expectedSize = dataOffset + static_cast<long long>(traces) * traceLength;
+  expectedSize = FILE_HEADER_LENGTH + static_cast<long long>(traces) * traceLength;
   return traces;
 }
 

@@ -57,17 +57,10 @@ inline int32_t traceLength(uint32_t nSamples) {
 // another format, with nothing written.
 bool convertSamples(void const* source, float* target, std::size_t n, int formatCode, bool swapped);
 
-// Where the traces of a plain file begin: after the text and binary
-// headers and the 3200-byte extended text headers that a revision 1 binary
-// header announces.
-inline long long traceDataOffset(int extendedTextHeaders) {
-  return FILE_HEADER_LENGTH + static_cast<long long>(extendedTextHeaders) * TEXT_HEADER_LENGTH;
-}
-
-// The whole traces of a plain file of fileSize bytes whose traces begin at
-// dataOffset. expectedSize is the size those traces make; a file of another
-// size has a partial last trace (or less than the headers).
-uint32_t countPlainTraces(long long fileSize, long long dataOffset, int32_t traceLength, long long& expectedSize);
+// The whole traces of a plain file of fileSize bytes. expectedSize is the
+// size those traces make; a file of another size has a partial last trace
+// (or less than the headers).
+uint32_t countPlainTraces(long long fileSize, int32_t traceLength, long long& expectedSize);
 
 // The blocked layout: after the 3600 bytes of headers, blocks of a 2048-byte
 // block header and tracesPerBlock traces.

@@ -125,18 +125,14 @@ TEST(SegyKernels, CountsWholeTracesOfAPlainFile) {
   long long expected = -1;
   EXPECT_EQ(240 + 4 * 5, traceLength(5));
   EXPECT_EQ(240 + 4 * 65535, traceLength(65535));
-  EXPECT_EQ(0u, countPlainTraces(3600, 3600, 260, expected));
+  EXPECT_EQ(0u, countPlainTraces(3600, 260, expected));
   EXPECT_EQ(3600, expected);
-  EXPECT_EQ(3u, countPlainTraces(3600 + 3 * 260, 3600, 260, expected));
+  EXPECT_EQ(3u, countPlainTraces(3600 + 3 * 260, 260, expected));
   EXPECT_EQ(3600 + 3 * 260, expected);
-  EXPECT_EQ(3u, countPlainTraces(3600 + 3 * 260 + 100, 3600, 260, expected));
+  EXPECT_EQ(3u, countPlainTraces(3600 + 3 * 260 + 100, 260, expected));
   EXPECT_EQ(3600 + 3 * 260, expected);
-  EXPECT_EQ(0u, countPlainTraces(1000, 3600, 260, expected));
+  EXPECT_EQ(0u, countPlainTraces(1000, 260, expected));
   EXPECT_EQ(3600, expected);
-  // Two extended text headers: the traces begin after them.
-  EXPECT_EQ(10000, traceDataOffset(2));
-  EXPECT_EQ(2u, countPlainTraces(10000 + 2 * 260 + 1, 10000, 260, expected));
-  EXPECT_EQ(10000 + 2 * 260, expected);
 }
 
 TEST(SegyKernels, CountsBlocksOfABlockedFile) {

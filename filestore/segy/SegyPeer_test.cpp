@@ -33,8 +33,7 @@ char const* const kPython = "/usr/bin/python3";
 // <path>.headers (int32, one row of trace header words a trace), then reads
 // it again with segyio into <path>.binary.back, .headers.back and
 // .samples.back. Binary header fields come as position=value pairs, trace
-// header words by position (segyio's field numbers are byte positions);
-// the last argument is the number of extended text headers.
+// header words by position (segyio's field numbers are byte positions).
 char const* const kWriter = R"PY(
 import sys
 import numpy as np
@@ -44,7 +43,6 @@ path, fmt, endian = sys.argv[1], int(sys.argv[2]), sys.argv[3]
 ntraces, nsamples = int(sys.argv[4]), int(sys.argv[5])
 binary = [tuple(int(x) for x in kv.split('=')) for kv in sys.argv[6].split(',')]
 fields = [int(p) for p in sys.argv[7].split(',')]
-extended = int(sys.argv[8])
 samples = np.fromfile(path + '.samples', dtype=np.float32).reshape(ntraces, nsamples)
 headers = np.fromfile(path + '.headers', dtype=np.int32).reshape(ntraces, len(fields))
 
@@ -53,7 +51,6 @@ spec.format = fmt
 spec.endian = endian
 spec.samples = list(range(nsamples))
 spec.tracecount = ntraces
-spec.ext_headers = extended
 with segyio.create(path, spec) as f:
     f.text[0] = 'C 1 WRITTEN BY SEGYIO FOR THE STORE TESTS'
     f.bin.update({p: v for p, v in binary})
@@ -117,7 +114,6 @@ struct PeerCase {
   char const* name;
   int format;
   char const* endian;
-  int extendedTextHeaders;
 };
 
 void PrintTo(PeerCase const& c, std::ostream* out) { *out << c.name; }
@@ -144,7 +140,7 @@ class SegyPeerTest : public ::testing::TestWithParam<PeerCase> {
   // Writes <name> with segyio and checks that segyio reads back what it was
   // given.
   std::string writeWithPeer(std::string const& name, int format, char const* endian,
-                            std::vector<BinaryField> const& binary, int extendedTextHeaders = 0) {
+                            std::vector<BinaryField> const& binary) {
     std::string const path = dir / name;
     std::vector<float> samples;
     std::vector<int32_t> headers;
@@ -162,8 +158,7 @@ class SegyPeerTest : public ::testing::TestWithParam<PeerCase> {
     for (Field const& f : fields()) positions += (positions.empty() ? "" : ",") + std::to_string(f.position);
     std::string const command = std::string(kPython) + " -W ignore " + script + " " + path + " " +
                                 std::to_string(format) + " " + endian + " " + std::to_string(kTraces) + " " +
-                                std::to_string(kSamples) + " " + pairs + " " + positions + " " +
-                                std::to_string(extendedTextHeaders);
+                                std::to_string(kSamples) + " " + pairs + " " + positions;
     EXPECT_EQ(0, std::system(command.c_str())) << command;
     if (format == 1 || format == 5) {
       EXPECT_EQ(samples, load<float>(path + ".samples.back"));
@@ -201,7 +196,7 @@ std::vector<BinaryField> binaryFields(int format) {
 TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
   PeerCase const c = GetParam();
   std::vector<BinaryField> const binary = binaryFields(c.format);
-  std::string const path = writeWithPeer("peer.sgy", c.format, c.endian, binary, c.extendedTextHeaders);
+  std::string const path = writeWithPeer("peer.sgy", c.format, c.endian, binary);
   uint16_t const one = 1;
   bool const hostBig = *reinterpret_cast<unsigned char const*>(&one) == 0;
   TestReleaseTree tree;
@@ -224,7 +219,6 @@ TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
   EXPECT_TRUE(recording.errors().empty());
   SegyBinaryHeader const& header = *shot.getBinaryHeader();
   EXPECT_EQ(hostBig != (std::string(c.endian) == "big"), header.isByteSwapped());
-  EXPECT_EQ(c.extendedTextHeaders, header.getNumberExtendedTextHeaders());
   for (BinaryField const& b : binary) EXPECT_EQ(b.value, b.read(header)) << b.position;
   EXPECT_EQ(std::string("C 1 WRITTEN BY SEGYIO FOR THE STORE TESTS"),
             std::string(shot.getEBCDICHeaderInASCII().c_str(), 41));
@@ -285,10 +279,9 @@ TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
 }
 
 INSTANTIATE_TEST_SUITE_P(FormatsAndByteOrders, SegyPeerTest,
-                         ::testing::Values(PeerCase{"IbmBigEndian", 1, "big", 0},
-                                           PeerCase{"IbmLittleEndianWithExtendedText", 1, "little", 1},
-                                           PeerCase{"IeeeBigEndianWithExtendedText", 5, "big", 2},
-                                           PeerCase{"IeeeLittleEndian", 5, "little", 0}),
+                         ::testing::Values(PeerCase{"IbmBigEndian", 1, "big"}, PeerCase{"IbmLittleEndian", 1, "little"},
+                                           PeerCase{"IeeeBigEndian", 5, "big"},
+                                           PeerCase{"IeeeLittleEndian", 5, "little"}),
                          [](::testing::TestParamInfo<PeerCase> const& info) { return std::string(info.param.name); });
 
 // Files of integer samples, as segyio writes them, are refused by their
