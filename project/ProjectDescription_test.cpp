@@ -60,8 +60,6 @@ TEST(ProjectDescription, CatalogTypesReadServerHostAndProject) {
   DefaultProject none(false);
   expectCatalog(ProjectDescription(vString("rondo:srv:hostA:Survey")), ProjectType::RONDO, "srv", "hostA", "survey");
   expectCatalog(ProjectDescription(vString("k:srv:hostA:survey")), ProjectType::KELP, "srv", "hostA", "survey");
-  expectCatalog(ProjectDescription(vString("unittest:srv:hostA:survey")), ProjectType::UNITTEST, "srv", "hostA",
-                "survey");
   expectCatalog(ProjectDescription(vString("z:centre:hostA:survey")), ProjectType::ZONMESH, "centre", "hostA",
                 "survey");
   // Fields are read from the right; a blank host is this host.
@@ -97,13 +95,9 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
 TEST(ProjectDescription, FlatFilesAndMemory) {
   DefaultProject none(false);
   ProjectDescription f(vString("f:/data/lines/a.sgy:"));
-  EXPECT_EQ(ProjectType::FLATFILE, f.getProjectType());
   EXPECT_TRUE(f.isFlatFile());
-  EXPECT_FALSE(f.isCapi());
   EXPECT_EQ("/data/lines/a.sgy", str(f.getFlatFileName().getFilename()));
   EXPECT_EQ("/data/lines", str(f.getPath()));
-  EXPECT_EQ("/data/lines", str(f.getProjectName()));
-  EXPECT_EQ("", str(f.getServerHost()));
   EXPECT_EQ("", str(f.getDataHost()));
   EXPECT_EQ("FlatFile:/data/lines/a.sgy:/data/lines", str(f.toString()));
 
@@ -113,7 +107,6 @@ TEST(ProjectDescription, FlatFilesAndMemory) {
 
   ProjectDescription m(vString("i:"));
   EXPECT_TRUE(m.isInMemory());
-  EXPECT_FALSE(m.isCapi());
   EXPECT_EQ("InMemory:", str(m.toString()));
 
   expectFatal([] { ProjectDescription d(vString("m:x")); }, "ProjectDescription(vString)",

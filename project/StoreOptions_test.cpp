@@ -1,5 +1,5 @@
 // The option records that travel with an open and a create: defaults,
-// accessors, their packed forms byte for byte, and frames of older and
+// their packed forms byte for byte, and frames of older and
 // newer writers.
 
 #include <gtest/gtest.h>
@@ -57,14 +57,9 @@ TEST(StoreOpenOptions, DefaultsAndTheFlagsThatCanOnlyBeRaised) {
   expectFlags({false, false, false, true, false, false}, o);
   o.setAutoDecompress(false);
   o.setRestoreMute(true);
-  o.setAutoSpecifyCSTFiles(true);
-  expectFlags({false, false, false, false, true, true}, o);
-  o.setAutoSpecifyCSTFiles(false);
   o.setKelpCrossDomainAttributes();
   o.setKelpCrossDomainAttributes();
   expectFlags({true, false, false, false, true, false}, o);
-  EXPECT_TRUE(allTurned() == allTurned());
-  EXPECT_TRUE(allTurned() != StoreOpenOptions());
 }
 
 TEST(StoreOpenOptions, PacksSixBooleansInAFrame) {
@@ -128,42 +123,6 @@ TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
 
 // --- StoreCreationOptions --------------------------------------------------------
 
-TEST(StoreCreationOptions, DefaultsAndSetters) {
-  StoreCreationOptions o;
-  EXPECT_TRUE(o.getPrimaryAttributeSetName().isEmpty());
-  EXPECT_FALSE(o.isCompressed());
-  EXPECT_FALSE(o.hasOffsets());
-  EXPECT_FALSE(o.hasGrid());
-  EXPECT_FALSE(o.hasFilename());
-  EXPECT_TRUE(o.getFilename().getFilename().isEmpty());
-  EXPECT_TRUE(o.getAttributeList().empty());
-  EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType());
-
-  o.setPrimaryAttributeSetName("Headers");
-  EXPECT_EQ("headers", std::string(o.getPrimaryAttributeSetName().c_str()));
-  o.setCompressed();
-  EXPECT_TRUE(o.isCompressed());
-  o.setOffsets(-50.5, 3000.25, 61);
-  EXPECT_TRUE(o.hasOffsets());
-  double lo = 0, hi = 0;
-  int n = 0;
-  o.getOffsets(lo, hi, n);
-  EXPECT_EQ(-50.5, lo);
-  EXPECT_EQ(3000.25, hi);
-  EXPECT_EQ(61, n);
-  o.setGrid(1, 2, 3, 4, 5, 6, 12.5f, 25.0f);
-  EXPECT_TRUE(o.hasGrid());
-  int g[6] = {};
-  float f1 = 0, f2 = 0;
-  o.getGrid(g[0], g[1], g[2], g[3], g[4], g[5], f1, f2);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(i + 1, g[i]);
-  EXPECT_EQ(12.5f, f1);
-  EXPECT_EQ(25.0f, f2);
-  o.setFilename(vFilename("/data/line1.sgy"));
-  EXPECT_TRUE(o.hasFilename());
-  EXPECT_EQ("/data/line1.sgy", std::string(o.getFilename().getFilename().c_str()));
-}
-
 TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypes) {
   StoreCreationOptions o;
   for (int type : {1, 2, 3}) {
@@ -190,7 +149,8 @@ TEST(StoreCreationOptions, CopiesOwnTheirFileName) {
 
 TEST(StoreCreationOptions, PacksTheRecordInItsOrder) {
   StoreCreationOptions o;
-  o.setPrimaryAttributeSetName("prime");
+  // The name is kept in lower case.
+  o.setPrimaryAttributeSetName("Prime");
   o.setGrid(1, 2, 3, 4, 5, 6, 12.5f, 25.0f);
   o.setOffsets(-50.5, 3000.25, 61);
   o.setCompressed();
