@@ -199,7 +199,9 @@ TEST_F(ConcatStoreDecoratorTest, RefusesVariableLengthAttributes) {
                 "The attribute 'PICKS' is variable length ... not supported!");
 }
 
-TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
+// Writes are refused as the conformance suite checks; reads by groups and
+// keys too, which the suite does not ask of these views.
+TEST_F(ConcatStoreDecoratorTest, RefusesReadsByGroupsOrKeys) {
   vHandle<Store> concat = StoreDecoratorFactory::addConcat(shots());
   vHandle<Store> gather = StoreDecoratorFactory::addGather(shots());
   for (auto const& view : {std::make_pair(concat, "ConcatStoreDecorator::"), std::make_pair(gather,
@@ -210,12 +212,6 @@ TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
     char const* text = "Has not been written yet!";
     expectFailure([&] { store.read(id, id, 1, 1); }, (prefix + "read(groups)").c_str(), text);
     expectFailure([&] { store.read(id, KeyList()); }, (prefix + "read(keys)").c_str(), text);
-    expectFailure([&] { store.write(id, 1, 1); }, (prefix + "write(range)").c_str(), text);
-    expectFailure([&] { store.write(id, std::vector<unsigned int>{1}); }, (prefix + "write(list)").c_str(), text);
-    expectFailure([&] { store.write(id, id, 1, 1); }, (prefix + "write(groups)").c_str(), text);
-    expectFailure([&] { store.write(id, KeyList()); }, (prefix + "write(keys)").c_str(), text);
-    expectFailure([&] { store.addAttribute(id); }, (prefix + "addAttribute").c_str(), text);
-    expectFailure([&] { store.addInstances(1); }, (prefix + "addInstances").c_str(), text);
   }
 }
 
