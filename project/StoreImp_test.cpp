@@ -11,6 +11,7 @@
 #include "attribute/RecordBuffer.h"
 #include "project/FullStoreName.h"
 #include "project/Project.h"
+#include "project/StoreFactoryTesting.h"
 #include "project/StoreTesting.h"
 #include "testing/TestMemoryStore.h"
 
@@ -18,21 +19,9 @@ using store_testing::expectFailure;
 
 namespace {
 
-std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
-
-Attribute ints(char const* name, std::vector<int> const& values) {
-  Attribute a(name, "", vINT32);
-  a.copyData(static_cast<unsigned int>(values.size()), values.data());
-  return a;
-}
-
-std::vector<int> readInts(Store const& store, char const* name) {
-  Attribute a = store.getAttribute(name);
-  store.read(a, 1, store.getNInstances());
-  std::vector<int> values;
-  for (unsigned int i = 1; i <= a.getNInstances(); ++i) values.push_back(a.getInt32(i));
-  return values;
-}
+using factory_testing::ints;
+using factory_testing::readInts;
+using factory_testing::str;
 
 // A shelf with store "a": three instances of CDP 1 2 3, key CDP.
 std::shared_ptr<TestMemoryShelf> shelfWithStoreA() {
