@@ -28,33 +28,85 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-int nCatalogsMade = 0;
-int nProjectsMade = 0;
+// What a maker of a higher layer was asked for: class, arguments.
+struct Made {
+  std::string cls;
+  std::string first;
+  int type;
+  std::string second;
+};
+std::vector<Made> madeLog;
 
-ProjectCatalog* makeClientCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
-  ++nCatalogsMade;
-  return new UTProjectCatalog(host, type);
+std::string describe(Made const& m) {
+  return m.cls + "(" + m.first + ", " + std::to_string(m.type) + ", " + m.second + ")";
+}
+std::string lastMade() { return madeLog.empty() ? std::string("nothing") : describe(madeLog.back()); }
+
+// Names its hosts as the client catalog does: for Kelp the first is the
+// server and the second the data host, otherwise the reverse.
+class RecordedCatalog : public UTProjectCatalog {
+ public:
+  RecordedCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second, bool serverFirst)
+      : UTProjectCatalog(serverFirst ? second : first, type), m_server(serverFirst ? first : second) {}
+  vString getServer() const override { return m_server; }
+
+ private:
+  vString m_server;
+};
+
+ProjectCatalog* recordClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second) {
+  madeLog.push_back({"ClientProjectCatalog", str(first), type, str(second)});
+  return new RecordedCatalog(first, type, second, type == ProjectType::KELP);
 }
 
-Project* makeClientProject(vHandle<ProjectCatalog> const& catalog) {
-  ++nProjectsMade;
+ProjectCatalog* recordZonCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const& server) {
+  madeLog.push_back({"ZonProjectCatalog", str(host), type, str(server)});
+  return new RecordedCatalog(host, type, server, false);
+}
+
+Project* recordClientProject(vHandle<ProjectCatalog> const& catalog) {
+  madeLog.push_back({"ClientProject", str(catalog->getHost()), catalog->getProjectType(), str(catalog->getServer())});
   return new UTProject(catalog);
 }
 
-// Stands in for the remote client classes while it lives.
-class ClientStandIn {
+Project* recordZonProject(vHandle<ProjectCatalog> const& catalog) {
+  madeLog.push_back({"ZonProject", str(catalog->getHost()), catalog->getProjectType(), str(catalog->getServer())});
+  return new UTProject(catalog);
+}
+
+// A project that no server has: open fails.
+class AbsentProject : public UTProject {
  public:
-  ClientStandIn()
-      : m_catalog(ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog)),
-        m_project(ProjectFactory::registerMaker("ClientProject", &makeClientProject)) {}
-  ~ClientStandIn() {
-    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_catalog);
-    ProjectFactory::registerMaker("ClientProject", m_project);
+  explicit AbsentProject(vHandle<ProjectCatalog> const& catalog) : UTProject(catalog) { UTProject::close(); }
+  void open(vLCString const& name) override {
+    Message::fatal("AbsentProject::open", 0, "No project %s here.", name.c_str());
+  }
+};
+
+Project* makeAbsentProject(vHandle<ProjectCatalog> const& catalog) { return new AbsentProject(catalog); }
+
+// Records every class of the higher layers while it lives.
+class Recorder {
+ public:
+  Recorder()
+      : m_client(ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &recordClientCatalog)),
+        m_zon(ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &recordZonCatalog)),
+        m_clientProject(ProjectFactory::registerMaker("ClientProject", &recordClientProject)),
+        m_zonProject(ProjectFactory::registerMaker("ZonProject", &recordZonProject)) {
+    madeLog.clear();
+  }
+  ~Recorder() {
+    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_client);
+    ProjectCatalogFactory::registerMaker("ZonProjectCatalog", m_zon);
+    ProjectFactory::registerMaker("ClientProject", m_clientProject);
+    ProjectFactory::registerMaker("ZonProject", m_zonProject);
   }
 
  private:
-  ProjectCatalogFactory::Maker m_catalog;
-  ProjectFactory::Maker m_project;
+  ProjectCatalogFactory::Maker m_client;
+  ProjectCatalogFactory::Maker m_zon;
+  ProjectFactory::Maker m_clientProject;
+  ProjectFactory::Maker m_zonProject;
 };
 
 // Restores the default project a test changed.
@@ -70,12 +122,11 @@ class DefaultProjectGuard {
 // --- catalogs ----------------------------------------------------------------
 
 TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
-  ClientStandIn client;
-  int before = nCatalogsMade;
+  Recorder recorder;
   vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
   vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
   vHandle<ProjectCatalog> c = ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11");
-  EXPECT_EQ(1, nCatalogsMade - before);
+  EXPECT_EQ(1u, madeLog.size());
   EXPECT_EQ(a.get(), b.get());
   EXPECT_EQ(a.get(), c.get());
   EXPECT_EQ("127.0.0.11", str(a->getHost()));
@@ -84,7 +135,7 @@ TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
   // Another host is another catalog.
   vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA");
   EXPECT_NE(a.get(), d.get());
-  EXPECT_EQ(2, nCatalogsMade - before);
+  EXPECT_EQ(2u, madeLog.size());
 }
 
 TEST(ProjectCatalogFactory, OtherTypesMatchOnServerToo) {
@@ -296,14 +347,6 @@ TEST(ProjectList, OrderSearchAndComparison) {
   EXPECT_EQ(list.end(), list.find("mid"));
 }
 
-}  // namespace
-
-namespace {
-
-ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
-  return new UTProjectCatalog(host, type);
-}
-
 // Feeds a terminal session to std::cin and keeps what is written to
 // std::cout, while it lives.
 class Terminal {
@@ -326,7 +369,7 @@ class Terminal {
 
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   DefaultProjectGuard guard;
-  ProjectCatalogFactory::Maker savedMaker = ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
+  Recorder recorder;
   // The list offered is that of the database servers installed.
   TestReleaseTree tree;
   for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"})
@@ -338,7 +381,6 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
     catalog = ProjectCatalogFactory::enter(ProjectType::RONDO, "", "uthostY");
     output = terminal.output();
   }
-  ProjectCatalogFactory::registerMaker("ZonProjectCatalog", savedMaker);
 
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
   EXPECT_EQ("uthostZ", str(catalog->getHost()));
@@ -356,7 +398,7 @@ TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {
   DefaultProjectGuard guard;
   vHandle<Project> def = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey");
   ProjectFactory::setDefaultProject(def);
-  ClientStandIn client;
+  Recorder recorder;
   vHandle<ProjectCatalog> catalog;
   std::string output;
   {
@@ -370,96 +412,10 @@ TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {
       "data host name [uthostX]: ",
       output);
   // A Kelp client is made on its server, with the data host beside it.
-  EXPECT_EQ(ProjectType::KELP, catalog->getProjectType());
-  EXPECT_EQ("127.0.0.71", str(catalog->getHost()));
+  EXPECT_EQ("ClientProjectCatalog(127.0.0.71, 2, 127.0.0.72)", lastMade());
 }
-
-}  // namespace
 
 // --- which class each request makes ----------------------------------------
-
-namespace {
-
-// What a maker of a higher layer was asked for: class, arguments.
-struct Made {
-  std::string cls;
-  std::string first;
-  int type;
-  std::string second;
-};
-std::vector<Made> madeLog;
-
-std::string describe(Made const& m) {
-  return m.cls + "(" + m.first + ", " + std::to_string(m.type) + ", " + m.second + ")";
-}
-std::string lastMade() { return madeLog.empty() ? std::string("nothing") : describe(madeLog.back()); }
-
-// Names its hosts as the client catalog does: for Kelp the first is the
-// server and the second the data host, otherwise the reverse.
-class RecordedCatalog : public UTProjectCatalog {
- public:
-  RecordedCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second, bool serverFirst)
-      : UTProjectCatalog(serverFirst ? second : first, type), m_server(serverFirst ? first : second) {}
-  vString getServer() const override { return m_server; }
-
- private:
-  vString m_server;
-};
-
-ProjectCatalog* recordClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second) {
-  madeLog.push_back({"ClientProjectCatalog", str(first), type, str(second)});
-  return new RecordedCatalog(first, type, second, type == ProjectType::KELP);
-}
-
-ProjectCatalog* recordZonCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const& server) {
-  madeLog.push_back({"ZonProjectCatalog", str(host), type, str(server)});
-  return new RecordedCatalog(host, type, server, false);
-}
-
-Project* recordClientProject(vHandle<ProjectCatalog> const& catalog) {
-  madeLog.push_back({"ClientProject", str(catalog->getHost()), catalog->getProjectType(), str(catalog->getServer())});
-  return new UTProject(catalog);
-}
-
-Project* recordZonProject(vHandle<ProjectCatalog> const& catalog) {
-  madeLog.push_back({"ZonProject", str(catalog->getHost()), catalog->getProjectType(), str(catalog->getServer())});
-  return new UTProject(catalog);
-}
-
-// A project that no server has: open fails.
-class AbsentProject : public UTProject {
- public:
-  explicit AbsentProject(vHandle<ProjectCatalog> const& catalog) : UTProject(catalog) { UTProject::close(); }
-  void open(vLCString const& name) override {
-    Message::fatal("AbsentProject::open", 0, "No project %s here.", name.c_str());
-  }
-};
-
-Project* makeAbsentProject(vHandle<ProjectCatalog> const& catalog) { return new AbsentProject(catalog); }
-
-// Records every class of the higher layers while it lives.
-class Recorder {
- public:
-  Recorder()
-      : m_client(ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &recordClientCatalog)),
-        m_zon(ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &recordZonCatalog)),
-        m_clientProject(ProjectFactory::registerMaker("ClientProject", &recordClientProject)),
-        m_zonProject(ProjectFactory::registerMaker("ZonProject", &recordZonProject)) {
-    madeLog.clear();
-  }
-  ~Recorder() {
-    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_client);
-    ProjectCatalogFactory::registerMaker("ZonProjectCatalog", m_zon);
-    ProjectFactory::registerMaker("ClientProject", m_clientProject);
-    ProjectFactory::registerMaker("ZonProject", m_zonProject);
-  }
-
- private:
-  ProjectCatalogFactory::Maker m_client;
-  ProjectCatalogFactory::Maker m_zon;
-  ProjectFactory::Maker m_clientProject;
-  ProjectFactory::Maker m_zonProject;
-};
 
 TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   Recorder recorder;
