@@ -17,23 +17,14 @@ using store_testing::receive;
 
 namespace {
 
-struct OpenFlags {
-  bool kelp, dorn, sparse, decompress, mute, cst;
-};
-
-OpenFlags flagsOf(StoreOpenOptions const& o) {
-  return {o.hasKelpCrossDomainAttributes(), o.hasDornOnlyDealWithOneAttributeSet(), o.getSparseReadOfAttributes(),
-          o.getAutoDecompress(), o.getRestoreMute(), o.getAutoSpecifyCSTFiles()};
-}
-
-void expectFlags(OpenFlags const& want, StoreOpenOptions const& o) {
-  OpenFlags got = flagsOf(o);
-  EXPECT_EQ(want.kelp, got.kelp);
-  EXPECT_EQ(want.dorn, got.dorn);
-  EXPECT_EQ(want.sparse, got.sparse);
-  EXPECT_EQ(want.decompress, got.decompress);
-  EXPECT_EQ(want.mute, got.mute);
-  EXPECT_EQ(want.cst, got.cst);
+// The six flags in their packed order (Kelp, Dorn, sparse, decompress,
+// mute, CST), as 0s and 1s.
+std::string flags(StoreOpenOptions const& o) {
+  std::string out;
+  for (bool f : {o.hasKelpCrossDomainAttributes(), o.hasDornOnlyDealWithOneAttributeSet(), o.getSparseReadOfAttributes(),
+                 o.getAutoDecompress(), o.getRestoreMute(), o.getAutoSpecifyCSTFiles()})
+    out += f ? '1' : '0';
+  return out;
 }
 
 // All six flags the other way round from their defaults.
@@ -54,12 +45,12 @@ StoreOpenOptions allTurned() {
 
 TEST(StoreOpenOptions, DefaultsAndTheFlagsThatCanOnlyBeRaised) {
   StoreOpenOptions o;
-  expectFlags({false, false, false, true, false, false}, o);
+  EXPECT_EQ("000100", flags(o));
   o.setAutoDecompress(false);
   o.setRestoreMute(true);
   o.setKelpCrossDomainAttributes();
   o.setKelpCrossDomainAttributes();
-  expectFlags({true, false, false, false, true, false}, o);
+  EXPECT_EQ("100010", flags(o));
 }
 
 TEST(StoreOpenOptions, PacksSixBooleansInAFrame) {
@@ -82,7 +73,7 @@ TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
     StoreOpenOptions o;
     o.setRestoreMute(true);
     o.unpack(*b.reader());
-    expectFlags({true, false, false, true, true, false}, o);
+    EXPECT_EQ("100110", flags(o));
   }
   // Version 0 holds no flag, and the first flag is cleared all the same.
   {
@@ -90,7 +81,7 @@ TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
     b.frame(6673, 0).end();
     StoreOpenOptions o = allTurned();
     o.unpack(*b.reader());
-    expectFlags({false, true, true, false, true, true}, o);
+    EXPECT_EQ("011011", flags(o));
   }
   // Version 3: flags one to four.
   {
@@ -99,7 +90,7 @@ TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
     StoreOpenOptions o;
     o.setAutoSpecifyCSTFiles(true);
     o.unpack(*b.reader());
-    expectFlags({false, true, false, false, false, true}, o);
+    EXPECT_EQ("010001", flags(o));
   }
 }
 
@@ -111,7 +102,7 @@ TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
   std::unique_ptr<Packer> reader = b.reader();
   StoreOpenOptions o;
   o.unpack(*reader);
-  expectFlags({true, false, true, true, false, true}, o);
+  EXPECT_EQ("101101", flags(o));
   int after = 0;
   reader->unpack(after);
   EXPECT_EQ(4242, after);
