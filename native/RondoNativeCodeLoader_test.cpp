@@ -33,18 +33,7 @@
 #include "remote/ClientProject.h"
 #include "remote/ClientProjectCatalog.h"
 
-#define RONDO_JNI(name) Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_##name
-
 extern "C" {
-jboolean RONDO_JNI(RondoOpenConnection)(JNIEnv*, jobject, jstring);
-jboolean RONDO_JNI(RondoOpenProject)(JNIEnv*, jobject, jstring, jstring);
-jboolean RONDO_JNI(RondoGetContents)(JNIEnv*, jobject, jstring, jstring, jstring, jobject);
-jboolean RONDO_JNI(RondoGetDataInfo)(JNIEnv*, jobject, jobject, jobject);
-jboolean RONDO_JNI(RondoLoadAttributeI)(JNIEnv*, jobject, jobject, jstring, jintArray);
-jboolean RONDO_JNI(RondoLoadAttributeF)(JNIEnv*, jobject, jobject, jstring, jfloatArray, jint, jint);
-jboolean RONDO_JNI(RondoLoadAttributeFromTabindexF)(JNIEnv*, jobject, jobject, jstring, jintArray, jint,
-                                                     jfloatArray);
-
 // The virtual machine uses memory faults on purpose and keeps its memory to
 // the end; a sanitized test process must leave both to it.
 char const* __asan_default_options() { return "handle_segv=0:allow_user_segv_handler=1:detect_leaks=0"; }
@@ -57,6 +46,7 @@ std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 using native_testing::buildTree;
 using native_testing::jstr;
 using native_testing::jvm;
+using native_testing::newObject;
 
 int nCatalogs = 0;
 
@@ -125,17 +115,6 @@ class RondoNative : public ::testing::Test {
     std::string out(chars);
     env->ReleaseStringUTFChars(static_cast<jstring>(text), chars);
     return out;
-  }
-
-  static jobject newObject(char const* className) {
-    JNIEnv* env = jvm();
-    jclass cls = env->FindClass(className);
-    if (cls == nullptr) {
-      env->ExceptionDescribe();
-      env->ExceptionClear();
-      return nullptr;
-    }
-    return env->NewObject(cls, env->GetMethodID(cls, "<init>", "()V"));
   }
 
   TestReleaseTree m_tree;
