@@ -47,18 +47,6 @@ class ConcatStoreDecoratorTest : public ::testing::Test {
   SequenceDefinition sequence;
 };
 
-std::vector<std::string> names(KeyList const& keys) {
-  std::vector<std::string> out;
-  for (Attribute const& key : keys) out.push_back(key.getName().c_str());
-  return out;
-}
-
-std::vector<std::string> names(std::list<Attribute> const& attributes) {
-  std::vector<std::string> out;
-  for (Attribute const& a : attributes) out.push_back(a.getName().c_str());
-  return out;
-}
-
 TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
   vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
   EXPECT_EQ(5u, view->getNInstances());
