@@ -11,12 +11,6 @@ using namespace decorator_testing;
 
 namespace {
 
-std::vector<std::string> names(std::list<Attribute> const& list) {
-  std::vector<std::string> out;
-  for (Attribute const& a : list) out.push_back(a.getName().c_str());
-  return out;
-}
-
 TEST(AttributeSelect, ListsEverythingUntilTheFirstChoice) {
   vHandle<AttributeSelectDecorator> view;
   vHandle<Store> top = StoreDecoratorFactory::addAttributeSelect(referenceStore(), view);

@@ -47,31 +47,14 @@ class ConcatStoreDecoratorTest : public ::testing::Test {
   SequenceDefinition sequence;
 };
 
-std::vector<std::string> names(KeyList const& keys) {
-  std::vector<std::string> out;
-  for (Attribute const& key : keys) out.push_back(key.getName().c_str());
-  return out;
-}
-
-std::vector<std::string> names(std::list<Attribute> const& attributes) {
-  std::vector<std::string> out;
-  for (Attribute const& a : attributes) out.push_back(a.getName().c_str());
-  return out;
-}
-
 TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
   vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
   EXPECT_EQ(5u, view->getNInstances());
   EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5}), all(*view, "ID"));
-  Attribute id = view->getAttribute("ID");
-  view->read(id, 4, 4);
-  EXPECT_EQ((std::vector<double>{4}), valuesOf(id));
   // The sequence attribute tells the sets apart and leads the keys.
   EXPECT_EQ((std::vector<double>{1, 1, 1, 2, 2}), all(*view, kSequence));
   EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
   EXPECT_EQ((std::vector<std::string>{"ID", "VAL", kSequence}), names(view->getAttributeList()));
-  EXPECT_TRUE(view->hasAttribute(kSequence));
-  EXPECT_EQ(vINT32, view->getAttribute(kSequence).getDataType());
   // The one set name is the primary set's.
   Store::AttributeSetList sets;
   view->getAttributeSetList(sets);
@@ -95,10 +78,6 @@ TEST_F(ConcatStoreDecoratorTest, AListMakesRunsInItsOrder) {
   EXPECT_EQ((std::vector<double>{1.5, 2, 2.5, 0.5}), valuesOf(val));
   // Runs 3-5 and 1: instance 3 of the first set, 1-2 of b, 1 of the first.
   EXPECT_EQ(3, g_observed->rangeReads - before);
-  view->read(val, std::vector<unsigned int>{2, 2, 1});
-  EXPECT_EQ((std::vector<double>{1, 1, 0.5}), valuesOf(val));
-  view->read(val, std::vector<unsigned int>());
-  EXPECT_EQ(0u, val.getNInstances());
 }
 
 TEST_F(ConcatStoreDecoratorTest, OffsetBinTellsTheInstancesApart) {
@@ -134,8 +113,6 @@ TEST_F(ConcatStoreDecoratorTest, RefusesBadRangesWithTheirTexts) {
   char const* label = "ConcatStoreDecorator::myValidateRange";
   expectFailure([&] { view->read(id, 0, 2); }, label,
                 "The first instance (0) is out of range!   Valid values are 1 thru 5.");
-  expectFailure([&] { view->read(id, 6, 6); }, label,
-                "The first instance (6) is out of range!   Valid values are 1 thru 5.");
   expectFailure([&] { view->read(id, 2, 6); }, label,
                 "The last instance (6) is out of range!   Valid values are 1 thru 5.");
   expectFailure([&] { view->read(id, 2, 0); }, label,
@@ -210,7 +187,9 @@ TEST_F(ConcatStoreDecoratorTest, RefusesVariableLengthAttributes) {
                 "The attribute 'PICKS' is variable length ... not supported!");
 }
 
-TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
+// Writes are refused as the conformance suite checks; reads by groups and
+// keys too, which the suite does not ask of these views.
+TEST_F(ConcatStoreDecoratorTest, RefusesReadsByGroupsOrKeys) {
   vHandle<Store> concat = StoreDecoratorFactory::addConcat(shots());
   vHandle<Store> gather = StoreDecoratorFactory::addGather(shots());
   for (auto const& view : {std::make_pair(concat, "ConcatStoreDecorator::"), std::make_pair(gather,
@@ -221,12 +200,6 @@ TEST_F(ConcatStoreDecoratorTest, RefusesWritesAndReadsByGroupsOrKeys) {
     char const* text = "Has not been written yet!";
     expectFailure([&] { store.read(id, id, 1, 1); }, (prefix + "read(groups)").c_str(), text);
     expectFailure([&] { store.read(id, KeyList()); }, (prefix + "read(keys)").c_str(), text);
-    expectFailure([&] { store.write(id, 1, 1); }, (prefix + "write(range)").c_str(), text);
-    expectFailure([&] { store.write(id, std::vector<unsigned int>{1}); }, (prefix + "write(list)").c_str(), text);
-    expectFailure([&] { store.write(id, id, 1, 1); }, (prefix + "write(groups)").c_str(), text);
-    expectFailure([&] { store.write(id, KeyList()); }, (prefix + "write(keys)").c_str(), text);
-    expectFailure([&] { store.addAttribute(id); }, (prefix + "addAttribute").c_str(), text);
-    expectFailure([&] { store.addInstances(1); }, (prefix + "addInstances").c_str(), text);
   }
 }
 
@@ -322,20 +295,13 @@ TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeAndItsLimits) {
 
 TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeFromTheEnvironment) {
   char const* name = "GATHERSTOREDECORATOR_CACHESIZE";
-  ::setenv(name, "64", 1);
-  {
+  for (int size : {64, 0}) {
+    ::setenv(name, size ? std::to_string(size).c_str() : "", 1);
     RecordingHandler recorder;
     GatherStoreDecorator gather(threeSets());
-    EXPECT_EQ(64, gather.getCacheSize());
-    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 64 megabytes"}),
-              recorder.infos);
-  }
-  ::setenv(name, "", 1);
-  {
-    RecordingHandler recorder;
-    GatherStoreDecorator gather(threeSets());
-    EXPECT_EQ(0, gather.getCacheSize());
-    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 0 megabytes"}),
+    EXPECT_EQ(size, gather.getCacheSize());
+    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to " +
+                                        std::to_string(size) + " megabytes"}),
               recorder.infos);
   }
   ::unsetenv(name);

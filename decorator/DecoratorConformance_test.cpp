@@ -83,60 +83,25 @@ StoreConformanceCase attributeSelectKeys() {
   return c;
 }
 
-// No operator: every instance, without reading data.
-StoreConformanceCase selectEmpty() {
-  StoreConformanceCase c("SelectEmptyCollection");
-  c.openForReading = [] {
+// A select view over a store of that layout, with one range operator (none
+// without a name) and a batch size (0: the default).
+StoreConformanceCase selectCase(char const* name, Layout const& layout, char const* op, double low, double high,
+                                int batch = 0, bool negate = false) {
+  StoreConformanceCase c(name);
+  c.openForReading = [=] {
     vHandle<SelectStoreDecorator> view;
-    return asSet(StoreDecoratorFactory::addSelect(referenceStore(), view));
-  };
-  selectTexts(c);
-  return c;
-}
-
-// An operator that passes every instance, in batches of 5.
-StoreConformanceCase selectAll() {
-  StoreConformanceCase c("SelectEveryInstance");
-  c.openForReading = [] {
-    vHandle<SelectStoreDecorator> view;
-    vHandle<Store> store = StoreDecoratorFactory::addSelect(referenceStore(), view);
-    view->getSelection()->setBatchSize(5);
-    view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("all", "ELEV", 0, 2000)));
+    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), view);
+    if (batch) view->getSelection()->setBatchSize(batch);
+    view->getSelection()->setNegateSelection(negate);
+    if (op) view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("op", op, low, high)));
     return asSet(store);
   };
   selectTexts(c);
   return c;
 }
 
-// Reference instances scattered among decoys of CDP 99, in batches of 7.
+// Reference instances scattered among decoys of CDP 99.
 Layout decoyLayout() { return {-99, 1, 2, -99, -99, 3, 4, 5, 6, -99, 7, 8, -99, 9, 10, 11, -99, -99, 12, -99}; }
-
-StoreConformanceCase selectSubset() {
-  StoreConformanceCase c("SelectSubset");
-  c.openForReading = [] {
-    vHandle<SelectStoreDecorator> view;
-    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(decoyLayout())), view);
-    view->getSelection()->setBatchSize(7);
-    view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
-    return asSet(store);
-  };
-  selectTexts(c);
-  return c;
-}
-
-// The same by negation: decoys are marked and the marks negated.
-StoreConformanceCase selectNegated() {
-  StoreConformanceCase c("SelectNegated");
-  c.openForReading = [] {
-    vHandle<SelectStoreDecorator> view;
-    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(decoyLayout())), view);
-    view->getSelection()->setNegateSelection(true);
-    view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("decoys", "CDP", 99, 99)));
-    return asSet(store);
-  };
-  selectTexts(c);
-  return c;
-}
 
 // Two select views stacked, each hiding its own decoys, with an attribute
 // select view in between: numbers are mapped down through every layer.
@@ -207,6 +172,11 @@ StoreConformanceCase profiling() {
 
 INSTANTIATE_TEST_SUITE_P(Views, StoreConformance,
                          ::testing::Values(forwarding(), scratch(), attributeSelectAll(), attributeSelectKeys(),
-                                           selectEmpty(), selectAll(), selectSubset(), selectNegated(),
+                                           // No operator: every instance, without reading data.
+                                           selectCase("SelectEmptyCollection", referenceLayout(), nullptr, 0, 0),
+                                           selectCase("SelectEveryInstance", referenceLayout(), "ELEV", 0, 2000, 5),
+                                           selectCase("SelectSubset", decoyLayout(), "CDP", 1, 4, 7),
+                                           // The decoys marked and the marks negated.
+                                           selectCase("SelectNegated", decoyLayout(), "CDP", 99, 99, 0, true),
                                            selectStacked(), attributeSetDecorator(), profiling()),
                          StoreConformance::caseName);

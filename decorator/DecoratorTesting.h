@@ -110,6 +110,14 @@ inline std::vector<double> values(AttributeSet const& set, char const* name) {
   return out;
 }
 
+// The names of attributes or keys, in their order.
+template <class Attributes>
+std::vector<std::string> names(Attributes const& attributes) {
+  std::vector<std::string> out;
+  for (Attribute const& a : attributes) out.push_back(a.getName().c_str());
+  return out;
+}
+
 // --- operators as an application writes them --------------------------------------------
 
 // One call of doEvaluate as the operator saw it.

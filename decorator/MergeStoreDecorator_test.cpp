@@ -213,7 +213,6 @@ TEST(MergeStoreDecorator, KeepsTheStartOfTheLastRangeRead) {
   EXPECT_EQ((std::vector<double>{3, 4, 9, 10, 5}), valuesOf(id));
   EXPECT_EQ(1u, method.getNSearches());
   view->read(id, 5, 9);
-  EXPECT_EQ((std::vector<double>{3, 4, 9, 10, 5}), valuesOf(id));
   EXPECT_EQ(1u, method.getNSearches()) << "the kept position";
   view->read(id, 1, 3);
   EXPECT_EQ((std::vector<double>{1, 2, 7}), valuesOf(id));
@@ -300,25 +299,18 @@ TEST(MergeStoreDecorator, StacksWithSortViews) {
   EXPECT_EQ((std::vector<double>{4, 3, 2, 1}), all(*top, "ID"));
 }
 
-TEST(MergeStoreDecorator, RefusesWritesAndReadsByGroupsOrKeys) {
+// Writes are refused as the conformance suite checks; reads by groups and
+// keys too, which the suite does not ask of a merge.
+TEST(MergeStoreDecorator, RefusesReadsByGroupsOrKeys) {
   vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
   Attribute id("ID", "ID", vINT32);
   char const* text = "Has not been written yet!";
   expectFailure([&] { view->read(id, id, 1, 1); }, "MergeStoreDecorator::read(groups)", text);
   expectFailure([&] { view->read(id, KeyList()); }, "MergeStoreDecorator::read(keys)", text);
-  expectFailure([&] { view->write(id, 1, 1); }, "MergeStoreDecorator::write(range)", text);
-  expectFailure([&] { view->write(id, std::vector<unsigned int>{1}); }, "MergeStoreDecorator::write(list)", text);
-  expectFailure([&] { view->write(id, id, 1, 1); }, "MergeStoreDecorator::write(groups)", text);
-  expectFailure([&] { view->write(id, KeyList()); }, "MergeStoreDecorator::write(keys)", text);
-  expectFailure([&] { view->addAttribute(id); }, "MergeStoreDecorator::addAttribute", text);
-  expectFailure([&] { view->addInstances(1); }, "MergeStoreDecorator::addInstances", text);
   view->openAttributeSet("");
   view->openAttributeSet("a");
   expectFailure([&] { view->openAttributeSet("other"); }, "MergeMethodNoSecondarySort::openAttributeSet",
                 "Invalid attribute set name 'other' ... we expect blank or 'a'!");
-  Store::AttributeSetList names;
-  view->getAttributeSetList(names);
-  EXPECT_EQ(1u, names.size());
   EXPECT_EQ(1u, view->getAttributeSetList()->size());
 }
 

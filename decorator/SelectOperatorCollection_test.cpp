@@ -61,7 +61,6 @@ TEST_F(Selection, LogicOperatorsAloneReadNothingEither) {
 TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
   List filter = {1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1};
   collection.setInstanceFilter(filter);
-  EXPECT_TRUE(collection.hasInstanceFilter());
   EXPECT_EQ((List{1, 3, 6, 7, 8, 9, 10, 11}), collection.doSelection(store));
 }
 
@@ -76,16 +75,11 @@ TEST(SelectionBatches, AStoreOf25000ReadsThreeBatches) {
   vHandle<RangeOperator> op(new RangeOperator("first2", "ELEV", 1000.5, 1001));
   collection.addOperator(asBase(op));
   List selected = collection.doSelection(store);
-  ASSERT_EQ(3u, op->calls.size());
-  EXPECT_EQ(1u, op->calls[0].first);
-  EXPECT_EQ(10000u, op->calls[0].last);
-  EXPECT_EQ(10000u, op->calls[0].count);
-  EXPECT_EQ(10001u, op->calls[1].first);
-  EXPECT_EQ(20000u, op->calls[1].last);
-  EXPECT_EQ(20001u, op->calls[2].first);
-  EXPECT_EQ(25000u, op->calls[2].last);
-  EXPECT_EQ(5000u, op->calls[2].count);
-  EXPECT_TRUE(op->calls[2].hadMask);
+  std::vector<std::vector<unsigned int>> batches;
+  for (Call const& c : op->calls) batches.push_back({c.first, c.last, c.count, c.hadMask});
+  EXPECT_EQ((std::vector<std::vector<unsigned int>>{{1, 10000, 10000, 1}, {10001, 20000, 10000, 1},
+                                                    {20001, 25000, 5000, 1}}),
+            batches);
   EXPECT_EQ(3, observed->rangeReads);
   // Two of every twelve, the last pair at 24997 and 24998.
   ASSERT_EQ(2u * 2084u, selected.size());
@@ -116,14 +110,9 @@ TEST_F(Selection, AnOperatorThatMarksNothingSelectsNothingOrAllNegated) {
   EXPECT_TRUE(select({nothing}).empty());
   collection.setNegateSelection(true);
   EXPECT_EQ(range(1, 12), collection.doSelection(store));
-  EXPECT_TRUE(collection.getNegateSelection());
 }
 
 // --- joining masks -------------------------------------------------------------------------
-
-TEST_F(Selection, MasksWithoutLogicAreJoinedWithOr) {
-  EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}), select({asBase(cdp23()), asBase(offset23())}));
-}
 
 TEST_F(Selection, AndOrAndOrNotJoinLeftToRight) {
   SelectOperatorCollection a;
@@ -132,10 +121,12 @@ TEST_F(Selection, AndOrAndOrNotJoinLeftToRight) {
   a.addOperator(asBase(offset23()));
   EXPECT_EQ((List{5, 6, 8, 9}), a.doSelection(store));
 
+  // Or, also where no logic operator stands between masks; logic at the
+  // end has no effect.
   SelectOperatorCollection o;
   o.addOperator(asBase(cdp23()));
-  o.addOperator(logic("or", SelectOperatorBase::LogicOr));
   o.addOperator(asBase(offset23()));
+  o.addOperator(logic("and", SelectOperatorBase::LogicAnd));
   EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}), o.doSelection(store));
 
   // A bare not between two masks is or-not.
@@ -183,10 +174,6 @@ TEST_F(Selection, AnUnknownLogicTypeLeavesTheAggregateWithAnInfo) {
   EXPECT_EQ("SelectStoreDecorator::doEvaluate|Unknown logic operator enum", recorder.infos[0]);
 }
 
-TEST_F(Selection, ALogicOperatorAtTheEndHasNoEffect) {
-  EXPECT_EQ(range(4, 9), select({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd)}));
-}
-
 TEST_F(Selection, NegationAppliesToTheJoinedMask) {
   collection.setNegateSelection(true);
   EXPECT_EQ((List{1, 2, 3, 4, 7, 10, 11, 12}),
@@ -221,7 +208,6 @@ TEST_F(Selection, AFilterSmallerThanTheStoreIsRefused) {
   expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doSelection",
                 "Supplied instance filter is too small -- 11 instances in filter -- 12 instances in store");
   SelectOperatorCollection fromStart(List(12, 1));
-  EXPECT_TRUE(fromStart.hasInstanceFilter());
   EXPECT_EQ(range(1, 12), fromStart.doSelection(store));
 }
 
@@ -236,10 +222,6 @@ TEST(SelectionSettings, TheBatchSizeMustBePositive) {
   SelectOperatorCollection collection;
   expectFailure([&] { collection.setBatchSize(0); }, "SelectOperatorCollection::setBatchSize",
                 "The batch size must be positive, not 0.");
-  collection.setBatchSize(3);
-  EXPECT_EQ(3, collection.getBatchSize());
-  collection.setDebugMode(true);
-  EXPECT_TRUE(collection.getDebugMode());
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
@@ -327,22 +309,12 @@ TEST(SelectOperator, ANewToleranceIsToldBeforeItIsKept) {
   EXPECT_EQ(2.0, op.getTolerance());
 }
 
-TEST(SelectOperator, KeepsItsDescription) {
+TEST(SelectOperator, RefusesAnAttributeNumberItDoesNotRead) {
   RangeOperator op("r", "CDP", 1, 2);
-  EXPECT_EQ(std::string("r"), op.getOperatorName().c_str());
-  EXPECT_TRUE(op.isEvaluating());
-  EXPECT_EQ(SelectOperatorBase::EvaluatingOperator, op.getOperatorClass());
   op.addAttribute("OFFSET");
-  EXPECT_EQ(2, op.getNumAttributes());
   EXPECT_EQ(std::string("OFFSET"), op.getAttributeName(1).c_str());
   expectFailure([&] { op.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
                 "Operator r has no attribute 2 (it reads 2).");
-  op.setOperatorClass(1);
-  EXPECT_FALSE(op.isEvaluating());
-  op.setOperatorType(SelectOperatorBase::LogicAnd);
-  EXPECT_EQ(8, op.getOperatorType());
-  op.setOperatorName("renamed");
-  EXPECT_EQ(std::string("renamed"), op.getOperatorName().c_str());
 }
 
 }  // namespace

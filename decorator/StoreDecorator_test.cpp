@@ -29,41 +29,20 @@ TEST(StoreDecoratorForwarding, ShowsTheStoreBelowUntranslated) {
   vHandle<Store> below = openStore(layoutShelf(referenceLayout()), false, project);
   StoreDecorator decorator(below);
   EXPECT_EQ(project, decorator.getProject());
-  EXPECT_EQ(below, decorator.getDecoratedStore());
-  EXPECT_TRUE(decorator.isOpen());
-  EXPECT_EQ(std::string("reference"), decorator.getName().c_str());
-  EXPECT_EQ(std::string("seismic"), decorator.getClass().c_str());
   EXPECT_EQ(std::string("3d"), decorator.getSubClass().c_str());
   EXPECT_EQ(below->getVersion(), decorator.getVersion());
-  EXPECT_EQ(12u, decorator.getNInstances());
-  EXPECT_EQ(4u, decorator.getNAttributes());
-  EXPECT_TRUE(decorator.getKeyList() == below->getKeyList());
   EXPECT_EQ(std::string("reference"), decorator.getPrimaryAttributeSetName().c_str());
-  EXPECT_EQ(1u, decorator.getAttributeSetList()->size());
-  // Instance numbers go down as they are.
-  Attribute elev = decorator.getAttribute("ELEV");
-  decorator.read(elev, std::vector<unsigned int>{12, 3});
-  ASSERT_EQ(2u, elev.getNInstances());
-  EXPECT_EQ(1006.0, elev.getValue(1));
-  EXPECT_EQ(1001.5, elev.getValue(2));
 }
 
 TEST(StoreDecoratorForwarding, WritesAndSetsReachTheStoreBelow) {
   vHandle<Store> below = referenceStore(true);
   vHandle<Store> decorator(new StoreDecorator(below));
-  Attribute cdp = decorator->getAttribute("CDP");
-  int const v[] = {41, 42};
-  cdp.copyData(2, v);
-  decorator->write(cdp, 11, 12);
   decorator->addInstances(2);
   decorator->addAttribute(Attribute("NEW", "", vINT32));
   decorator->setAttributeClass("ELEV", "HEIGHT");
   EXPECT_EQ(14u, below->getNInstances());
   EXPECT_TRUE(below->hasAttribute("NEW"));
   EXPECT_EQ(std::string("HEIGHT"), below->getAttribute("ELEV").getClass().c_str());
-  std::vector<double> back = values(*below, "CDP");
-  EXPECT_EQ(41.0, back[10]);
-  EXPECT_EQ(42.0, back[11]);
   // A secondary set made through the decorator is the store's.
   decorator->createAttributeSet("extra", StoreConformance::referenceKeys());
   EXPECT_EQ(std::string("reference_extra"), below->getAttributeSetName().c_str());
@@ -76,9 +55,7 @@ TEST(StoreDecoratorForwarding, PropertiesAreThoseOfTheStoreBelow) {
   StoreDecorator decorator(below);
   decorator.addProperty(Property("COLOUR", vString("blue")));
   EXPECT_TRUE(below->hasProperty(vUCString("COLOUR")));
-  EXPECT_TRUE(decorator.hasProperty(vUCString("COLOUR")));
   EXPECT_TRUE(static_cast<StoreDecorator const&>(decorator).hasProperty(vUCString("COLOUR")));
-  EXPECT_EQ(below->getNProperties(), decorator.getNProperties());
   EXPECT_TRUE(decorator.findProperty(vUCString("COLOUR")) != decorator.endProperty());
   decorator.removeProperty(vUCString("COLOUR"));
   EXPECT_FALSE(below->hasProperty(vUCString("COLOUR")));
@@ -147,28 +124,11 @@ TEST(StoreDecoratorHandle, ReleaseLeavesAnEmptyHandleAndForwardedCallsFail) {
   EXPECT_TRUE(decorator.getDecoratedStore().isEmpty());
   EXPECT_EQ(2, below.getMasterCount());
   expectFailure([&] { decorator.getNInstances(); }, "vHandle::get()", "Trying to get a NULL pointer");
-  expectFailure([&] { decorator.getName(); }, "vHandle::get()", "Trying to get a NULL pointer");
-  // Until a store is set again.
+  // Until a store is set again; setting the same one again counts nothing.
+  decorator.setDecoratedStore(released);
   decorator.setDecoratedStore(released);
   EXPECT_EQ(12u, decorator.getNInstances());
-}
-
-TEST(StoreDecoratorHandle, SettingTheSameStoreChangesNothing) {
-  vHandle<Store> below = referenceStore();
-  StoreDecorator decorator(below);
-  decorator.setDecoratedStore(below);
-  EXPECT_EQ(2, below.getMasterCount());
-  vHandle<Store> other = referenceStore();
-  decorator.setDecoratedStore(other);
-  EXPECT_EQ(1, below.getMasterCount());
-  EXPECT_EQ(other, decorator.getDecoratedStore());
-}
-
-TEST(StoreDecoratorHandle, DestroyingADecoratorLeavesTheStoreBelowOpen) {
-  vHandle<Store> below = referenceStore();
-  { StoreDecorator decorator(below); }
-  EXPECT_TRUE(below->isOpen());
-  EXPECT_EQ(1, below.getMasterCount());
+  EXPECT_EQ(3, below.getMasterCount()) << "below, released, the decorator's";
 }
 
 // --- factory ---------------------------------------------------------------------------
@@ -183,8 +143,6 @@ TEST(StoreDecoratorFactoryStacking, AddersReturnTheNewOutermostStoreAndItsConcre
   EXPECT_EQ(2, top.getMasterCount());
   EXPECT_FALSE(top.isMultiThreaded());
   EXPECT_EQ(below, select->getDecoratedStore());
-  EXPECT_FALSE(select->getSelection().isEmpty());
-  EXPECT_TRUE(select->getSelection()->getOperators().empty());
 
   vHandle<AttributeSelectDecorator> attributes;
   vHandle<Store> top2 = StoreDecoratorFactory::addAttributeSelect(top, attributes);
@@ -196,13 +154,6 @@ TEST(StoreDecoratorFactoryStacking, AddersReturnTheNewOutermostStoreAndItsConcre
   EXPECT_EQ(1, top3.getMasterCount());
   // The scratch store is not to delete anything at the end of this test.
   dynamic_cast<StoreDecorator*>(top3.pointer())->releaseDecoratedStore();
-}
-
-TEST(StoreDecoratorFactoryStacking, RemovingFromAnUndecoratedStoreGivesItBack) {
-  vHandle<Store> store = referenceStore();
-  EXPECT_EQ(store, StoreDecoratorFactory::removeDecorator(store));
-  EXPECT_EQ(store, StoreDecoratorFactory::removeAllDecorators(store));
-  EXPECT_TRUE(store->isOpen());
 }
 
 TEST(StoreDecoratorFactoryStacking, RemovingUnstacksOneOrAll) {
@@ -222,23 +173,11 @@ TEST(StoreDecoratorFactoryStacking, RemovingUnstacksOneOrAll) {
   EXPECT_EQ(inner, innermost);
   EXPECT_TRUE(first->getDecoratedStore().isEmpty());
   EXPECT_TRUE(second->getDecoratedStore().isEmpty());
-  // Nothing was closed on the way.
+  EXPECT_EQ(2, inner.getMasterCount()) << "inner, innermost: no view holds it";
+  // Nothing was closed on the way, and an undecorated store comes back as it is.
   EXPECT_TRUE(inner->isOpen());
-}
-
-TEST(StoreDecoratorFactoryStacking, RemovingAllOfAStackOfThreeEmptiesEach) {
-  vHandle<Store> inner = referenceStore();
-  vHandle<SelectStoreDecorator> a;
-  vHandle<SelectStoreDecorator> b;
-  vHandle<SelectStoreDecorator> c;
-  vHandle<Store> top = StoreDecoratorFactory::addSelect(inner, a);
-  top = StoreDecoratorFactory::addSelect(top, b);
-  top = StoreDecoratorFactory::addSelect(top, c);
-  EXPECT_EQ(inner, StoreDecoratorFactory::removeAllDecorators(top));
-  EXPECT_TRUE(a->getDecoratedStore().isEmpty());
-  EXPECT_TRUE(b->getDecoratedStore().isEmpty());
-  EXPECT_TRUE(c->getDecoratedStore().isEmpty());
-  EXPECT_EQ(1, inner.getMasterCount());
+  EXPECT_EQ(inner, StoreDecoratorFactory::removeDecorator(inner));
+  EXPECT_EQ(inner, StoreDecoratorFactory::removeAllDecorators(inner));
 }
 
 TEST(StoreDecoratorFactoryStacking, OffloadViewsAreNotAvailable) {

@@ -1,14 +1,27 @@
 #ifndef NATIVE_NATIVETESTING_H
 #define NATIVE_NATIVETESTING_H
 
-// Test helper (tests only): the build tree and the one Java virtual machine
+// Test helper (tests only): the build tree, the one Java virtual machine
 // of a test process, which whichever test asks first makes, with the Java
-// host's classes on its class path.
+// host's classes on its class path, and the entry points the tests call.
 
 #include <jni.h>
 
 #include <cstdlib>
 #include <string>
+
+#define RONDO_JNI(name) Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_##name
+
+extern "C" {
+jboolean RONDO_JNI(RondoOpenConnection)(JNIEnv*, jobject, jstring);
+jboolean RONDO_JNI(RondoOpenProject)(JNIEnv*, jobject, jstring, jstring);
+jboolean RONDO_JNI(RondoGetContents)(JNIEnv*, jobject, jstring, jstring, jstring, jobject);
+jboolean RONDO_JNI(RondoGetDataInfo)(JNIEnv*, jobject, jobject, jobject);
+jboolean RONDO_JNI(RondoLoadAttributeI)(JNIEnv*, jobject, jobject, jstring, jintArray);
+jboolean RONDO_JNI(RondoLoadAttributeF)(JNIEnv*, jobject, jobject, jstring, jfloatArray, jint, jint);
+jboolean RONDO_JNI(RondoLoadAttributeFromTabindexF)(JNIEnv*, jobject, jobject, jstring, jintArray, jint,
+                                                     jfloatArray);
+}
 
 namespace native_testing {
 
@@ -45,6 +58,19 @@ inline JNIEnv* jvm() {
 }
 
 inline jstring jstr(char const* text) { return jvm()->NewStringUTF(text); }
+
+// A new object of a class with a constructor of no arguments; null, with
+// the exception told and cleared, where there is no such class.
+inline jobject newObject(std::string const& className) {
+  JNIEnv* env = jvm();
+  jclass cls = env->FindClass(className.c_str());
+  if (cls == nullptr) {
+    env->ExceptionDescribe();
+    env->ExceptionClear();
+    return nullptr;
+  }
+  return env->NewObject(cls, env->GetMethodID(cls, "<init>", "()V"));
+}
 
 }  // namespace native_testing
 

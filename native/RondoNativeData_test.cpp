@@ -37,36 +37,15 @@
 #include "project/Project.h"
 #include "registry/RondoRegistry.h"
 
-#define RONDO_JNI(name) Java_com_nyx_orda_business_io_protocols_rondo_RondoNativeCodeLoader_##name
-
-extern "C" {
-jboolean RONDO_JNI(RondoOpenConnection)(JNIEnv*, jobject, jstring);
-jboolean RONDO_JNI(RondoOpenProject)(JNIEnv*, jobject, jstring, jstring);
-jboolean RONDO_JNI(RondoGetDataInfo)(JNIEnv*, jobject, jobject, jobject);
-jboolean RONDO_JNI(RondoLoadAttributeI)(JNIEnv*, jobject, jobject, jstring, jintArray);
-jboolean RONDO_JNI(RondoLoadAttributeF)(JNIEnv*, jobject, jobject, jstring, jfloatArray, jint, jint);
-jboolean RONDO_JNI(RondoLoadAttributeFromTabindexF)(JNIEnv*, jobject, jobject, jstring, jintArray, jint,
-                                                     jfloatArray);
-}
-
 namespace {
 
 using native_testing::buildTree;
 using native_testing::jstr;
 using native_testing::jvm;
+using native_testing::newObject;
 
 char const kServer[] = "";
 char const kPackage[] = "com/nyx/orda/business/io/protocols/rondo/";
-
-jobject newObject(std::string const& className) {
-  JNIEnv* env = jvm();
-  jclass cls = env->FindClass(className.c_str());
-  if (cls == nullptr) {
-    env->ExceptionDescribe();
-    return nullptr;
-  }
-  return env->NewObject(cls, env->GetMethodID(cls, "<init>", "()V"));
-}
 
 jobject descriptor(char const* server, char const* project, char const* data) {
   JNIEnv* env = jvm();

@@ -10,14 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
-#include "foundation/SystemPropertyTable.h"
-#include "foundation/vDatabases.h"
 #include "foundation/vUtl.h"
 #include "project/CapiAttributeSetW.h"
 #include "project/JITProjectDecorator.h"
@@ -80,29 +75,6 @@ std::string notAvailable(char const* className) {
          " is not available: no maker is registered for it (see registerRondoClasses).";
 }
 
-// Raises as the default handlers do, without printed reports, and keeps
-// the error reports as "label: text".
-class RecordingHandler : public ExceptionErrorHandler {
- public:
-  std::vector<std::string> errors;
-
- protected:
-  void doError(char const* label, int, char const* text) override {
-    errors.push_back(std::string(label) + ": " + text);
-  }
-  void doInfo(char const*, int, char const*) override {}
-};
-
-class Recording {
- public:
-  Recording() { RaiseError::getInstance()->install(&m_handler); }
-  ~Recording() { RaiseError::getInstance()->uninstall(&m_handler); }
-  std::vector<std::string> const& errors() const { return m_handler.errors; }
-
- private:
-  RecordingHandler m_handler;
-};
-
 // "label: text" of the fatal message that f raises, with the handlers in
 // force (expectFatal's quiet scope would drop the errors before it).
 template <class F>
@@ -114,34 +86,6 @@ std::string fatalText(F f) {
   }
   return "(nothing raised)";
 }
-
-// A release tree whose system property table holds the records given; the
-// table is read again when the tree comes and when it goes.
-class PropertyTree {
- public:
-  explicit PropertyTree(std::string const& records) : m_tree(new TestReleaseTree) {
-    m_tree->unsetEnv("SP_CAPI_ATTRIBUTESETDECORATORS");
-    m_tree->unsetEnv("SP_CAPI_TRANSLATIONS");
-    m_tree->unsetEnv("SP_CAPI_MYWRAPPERS");
-    m_tree->writeSystemFile("SystemPropertyTable2.txt", records);
-    reload();
-  }
-  ~PropertyTree() {
-    m_tree.reset();
-    reload();
-  }
-  static std::string record(char const* section, char const* name, char const* values) {
-    return std::string("<SystemProperty name= ") + name + " package= " + section + " description= \"test\" " + values +
-           " SystemProperty>\n";
-  }
-
- private:
-  static void reload() {
-    vDatabases::clearCache();
-    SystemPropertyTable::instance().reload();
-  }
-  std::unique_ptr<TestReleaseTree> m_tree;
-};
 
 // --- the class by project type and host ---------------------------------------------------
 

@@ -28,438 +28,6 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-int nCatalogsMade = 0;
-int nProjectsMade = 0;
-
-ProjectCatalog* makeClientCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
-  ++nCatalogsMade;
-  return new UTProjectCatalog(host, type);
-}
-
-Project* makeClientProject(vHandle<ProjectCatalog> const& catalog) {
-  ++nProjectsMade;
-  return new UTProject(catalog);
-}
-
-// Stands in for the remote client classes while it lives.
-class ClientStandIn {
- public:
-  ClientStandIn()
-      : m_catalog(ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog)),
-        m_project(ProjectFactory::registerMaker("ClientProject", &makeClientProject)) {}
-  ~ClientStandIn() {
-    ProjectCatalogFactory::registerMaker("ClientProjectCatalog", m_catalog);
-    ProjectFactory::registerMaker("ClientProject", m_project);
-  }
-
- private:
-  ProjectCatalogFactory::Maker m_catalog;
-  ProjectFactory::Maker m_project;
-};
-
-// Restores the default project a test changed.
-class DefaultProjectGuard {
- public:
-  DefaultProjectGuard() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {}
-  ~DefaultProjectGuard() { ProjectFactory::setDefaultProject(m_saved); }
-
- private:
-  vHandle<Project> m_saved;
-};
-
-// --- catalogs ----------------------------------------------------------------
-
-TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
-  ClientStandIn client;
-  int before = nCatalogsMade;
-  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
-  vHandle<ProjectCatalog> c = ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11");
-  EXPECT_EQ(1, nCatalogsMade - before);
-  EXPECT_EQ(a.get(), b.get());
-  EXPECT_EQ(a.get(), c.get());
-  EXPECT_EQ("127.0.0.11", str(a->getHost()));
-  EXPECT_EQ(ProjectType::RONDO, a->getProjectType());
-
-  // Another host is another catalog.
-  vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA");
-  EXPECT_NE(a.get(), d.get());
-  EXPECT_EQ(2, nCatalogsMade - before);
-}
-
-TEST(ProjectCatalogFactory, OtherTypesMatchOnServerToo) {
-  unsigned int before = ProjectCatalogFactory::getCacheSize();
-  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "");
-  EXPECT_EQ(a.get(), b.get());
-  // A unit-test catalog has no server, so one asked for with a server is
-  // never found again.
-  vHandle<ProjectCatalog> c = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "srv");
-  vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "srv");
-  EXPECT_NE(a.get(), c.get());
-  EXPECT_NE(c.get(), d.get());
-  EXPECT_EQ(before + 3, ProjectCatalogFactory::getCacheSize());
-  // Unit-test catalogs are never resolved: the host need not exist.
-  EXPECT_EQ("uthostA", str(a->getHost()));
-  EXPECT_EQ(0u, a->getProjectList()->size());
-  EXPECT_EQ("", str(a->getServer()));
-}
-
-TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalogAndProjects) {
-  DefaultProjectGuard guard;
-  TestReleaseTree tree;
-  tree.setEnv("FS_CLUSTERS", "uthostC1=utcluster uthostC2=utcluster");
-  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "");
-  EXPECT_EQ(a.get(), b.get());
-  EXPECT_EQ("utcluster", str(a->getHost()));
-  // Projects too are found by cluster.
-  vHandle<Project> p = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC1", "survey");
-  EXPECT_EQ(p.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC2", "survey").get());
-  EXPECT_EQ("utcluster", str(p->getProjectHost()));
-}
-
-TEST(ProjectCatalogFactory, ClassesOfHigherLayersMustBeRegistered) {
-  ProjectCatalogFactory::Maker saved = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
-  unsigned int cached = ProjectCatalogFactory::getCacheSize();
-  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::RONDO, "srv"); },
-              "ProjectCatalogFactory::createEx",
-              "Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
-  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::KELP, "127.0.0.21"); },
-              "ProjectCatalogFactory::createEx",
-              "Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
-  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::ZONMESH, "centre"); },
-              "ProjectCatalogFactory::createEx",
-              "Class ZonProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
-  expectFatal([] { CapiMaker::projectCatalog("127.0.0.21"); }, "CapiMaker::projectCatalog",
-              "Class ZonProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
-  EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
-  ProjectCatalogFactory::registerMaker("ClientProjectCatalog", saved);
-}
-
-TEST(ProjectCatalogFactory, ThisBuildServesZonmeshInProcess) {
-  EXPECT_EQ(ProjectType::ZONMESH, CapiMaker::getProjectType());
-  EXPECT_EQ("Zonmesh", str(CapiMaker::getDataBaseName()));
-  EXPECT_TRUE(Capi::haveCapiZon());
-}
-
-// --- projects ----------------------------------------------------------------
-
-TEST(ProjectFactory, CreateAlwaysMakesANewProject) {
-  DefaultProjectGuard guard;
-  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostP1", ProjectType::UNITTEST, "");
-  unsigned int cached = ProjectFactory::getCacheSize();
-  vHandle<Project> a = ProjectFactory::create(catalog);
-  vHandle<Project> b = ProjectFactory::create(catalog);
-  EXPECT_NE(a.get(), b.get());
-  EXPECT_EQ(cached + 2, ProjectFactory::getCacheSize());
-  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(a.get()));
-  EXPECT_EQ(catalog.get(), a->getProjectCatalog().get());
-  // The first project made while there is no default becomes it.
-  ASSERT_TRUE(ProjectFactory::hasDefaultProject());
-  EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
-  EXPECT_EQ(catalog.get(), ProjectFactory::getDefaultCatalog().get());
-}
-
-TEST(ProjectFactory, ClassesOfHigherLayersMustBeRegistered) {
-  ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", nullptr);
-  unsigned int cached = ProjectFactory::getCacheSize();
-  vHandle<ProjectCatalog> rondo(new UTProjectCatalog("127.0.0.41", ProjectType::RONDO));
-  vHandle<ProjectCatalog> kelp(new UTProjectCatalog("127.0.0.41", ProjectType::KELP));
-  vHandle<ProjectCatalog> zon(new UTProjectCatalog("127.0.0.41", ProjectType::ZONMESH));
-  char const* client = "Class ClientProject is not available: no maker is registered for it (see registerRondoClasses).";
-  expectFatal([&] { ProjectFactory::create(rondo); }, "ProjectFactory::myCreate", client);
-  expectFatal([&] { ProjectFactory::create(kelp); }, "ProjectFactory::myCreate", client);
-  expectFatal([&] { ProjectFactory::create(zon); }, "ProjectFactory::myCreate",
-              "Class ZonProject is not available: no maker is registered for it (see registerRondoClasses).");
-  expectFatal([&] { CapiMaker::project(zon); }, "CapiMaker::project",
-              "Class ZonProject is not available: no maker is registered for it (see registerRondoClasses).");
-  EXPECT_EQ(cached, ProjectFactory::getCacheSize());
-  ProjectFactory::registerMaker("ClientProject", saved);
-}
-
-TEST(ProjectFactory, AnEmptyCatalogIsANullPointer) {
-  expectFatal([] { ProjectFactory::create(vHandle<ProjectCatalog>()); }, "vHandle::get()",
-              "Trying to get a NULL pointer");
-}
-
-TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
-  DefaultProjectGuard guard;
-  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
-  vHandle<Project> b = ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey")));
-  EXPECT_EQ(a.get(), b.get());
-  EXPECT_TRUE(a->isOpen());
-  EXPECT_EQ("survey", str(a->getName()));
-  EXPECT_EQ("uthostO1", str(a->getProjectHost()));
-
-  // The type does not take part in the search: the project is where it is.
-  vHandle<Project> c = ProjectFactory::openProject(ProjectType::RONDO, "", "uthostO1", "survey");
-  EXPECT_EQ(a.get(), c.get());
-
-  // Another name, another project; a closed one is not found again.
-  vHandle<Project> d = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "other");
-  EXPECT_NE(a.get(), d.get());
-  a->close();
-  vHandle<Project> e = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
-  EXPECT_NE(a.get(), e.get());
-  EXPECT_TRUE(e->isOpen());
-  // Both were made on the one catalog of the host.
-  EXPECT_EQ(a->getProjectCatalog().get(), e->getProjectCatalog().get());
-  // An emptied cache finds nothing; the default survives it.
-  ProjectFactory::emptyCache();
-  EXPECT_NE(e.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey").get());
-  EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
-}
-
-TEST(ProjectFactory, DefaultProjectSetAndCleared) {
-  DefaultProjectGuard guard;
-  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
-  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
-  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
-              "There is no default Project.");
-
-  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
-  vHandle<Project> first = ProjectFactory::create(catalog);
-  vHandle<Project> second = ProjectFactory::create(catalog);
-  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
-
-  vHandle<Project> former = ProjectFactory::setDefaultProject(second);
-  EXPECT_EQ(first.get(), former.get());
-  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
-  EXPECT_EQ(catalog.get(), ProjectFactory::getDefaultCatalog().get());
-
-  // emptyCache forgets the projects but keeps the default.
-  ProjectFactory::emptyCache();
-  EXPECT_EQ(0u, ProjectFactory::getCacheSize());
-  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
-
-  ProjectFactory::clearDefaultProject();
-  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
-  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
-}
-
-// --- the deferred project ----------------------------------------------------
-
-TEST(JITProjectDecorator, DeferredProjectIsOpenBeforeAnyConnection) {
-  DefaultProjectGuard guard;
-  vHandle<Project> p = ProjectFactory::openProjectDeferred(ProjectType::UNITTEST, "", "uthostJ1", "survey");
-  JITProjectDecorator* jit = dynamic_cast<JITProjectDecorator*>(p.get());
-  ASSERT_NE(nullptr, jit);
-  EXPECT_TRUE(p->isOpen());
-  EXPECT_FALSE(jit->isReallyOpen());
-  EXPECT_EQ("survey", str(p->getName()));
-
-  UTProject* inner = dynamic_cast<UTProject*>(jit->getDecoratedProject().get());
-  ASSERT_NE(nullptr, inner);
-  EXPECT_EQ("uthostJ1", str(p->getProjectHost()));
-  EXPECT_FALSE(jit->isReallyOpen());
-
-  // The contents open it, under the remembered name, once.
-  EXPECT_EQ(0u, p->getStoreList("", "")->size());
-  EXPECT_TRUE(jit->isReallyOpen());
-  EXPECT_EQ("survey", str(inner->getName()));
-  EXPECT_FALSE(p->hasStore("x", 1));
-  EXPECT_EQ("hasStore", str(inner->getLastCall()));
-
-  // Deferred projects are found again like any other.
-  vHandle<Project> q = ProjectFactory::openProjectDeferred(FullProjectName(vString("unittest::uthostJ1:survey")));
-  EXPECT_EQ(p.get(), q.get());
-
-  p->close();
-  EXPECT_FALSE(p->isOpen());
-  EXPECT_FALSE(jit->isReallyOpen());
-  EXPECT_EQ("", str(p->getName()));
-  EXPECT_EQ("close", str(inner->getLastCall()));
-  EXPECT_FALSE(inner->isOpen());
-}
-
-// --- the unit-test project ---------------------------------------------------
-
-TEST(UTProject, RecordsItsLastCallAndHoldsNothing) {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostU1", ProjectType::UNITTEST));
-  UTProject p(catalog);
-  EXPECT_EQ("UTPoject", str(p.getLastCall()));
-  // Open from construction under its own name.
-  EXPECT_TRUE(p.isOpen());
-  EXPECT_EQ("isOpen", str(p.getLastCall()));
-  EXPECT_EQ("unittest", str(p.getName()));
-  EXPECT_EQ("getName", str(p.getLastCall()));
-
-  struct {
-    std::function<void()> call;
-    char const* name;
-  } const calls[] = {
-      {[&] { p.open("Survey"); }, "open"},
-      {[&] { EXPECT_EQ("", str(p.getServerHost())); }, "getServerHost"},
-      {[&] { EXPECT_EQ("uthostU1", str(p.getProjectHost())); }, "getProjectHost"},
-      {[&] { EXPECT_EQ(ProjectType::UNITTEST, p.getProjectType()); }, "getProjectType"},
-      {[&] { EXPECT_EQ(catalog.get(), p.getProjectCatalog().get()); }, "getProjectCatalog"},
-      {[&] { EXPECT_EQ(0u, p.getStoreList("", "")->size()); }, "getStoreList"},
-      {[&] { EXPECT_EQ(0u, p.getStoreDetailsList("seismic", "")->size()); }, "getStoreDetailsList"},
-      {[&] { EXPECT_FALSE(p.hasStore("x", 0)); }, "hasStore"},
-      {[&] { EXPECT_FALSE(p.deleteStore("x", 1, "", "")); }, "deleteStore"},
-      {[&] { EXPECT_FALSE(p.purgeStore(1, "x", "", "")); }, "purgeStore"},
-      {[&] { EXPECT_EQ(StoreDetails(), p.getStoreDetails("x", 1)); }, "getStoreDetails"},
-      {[&] { EXPECT_TRUE(p.getAttributeSetDetails("x", 1).empty()); }, "getStoreAttributeSets"},
-      {[&] { p.close(); }, "close"},
-  };
-  for (auto const& c : calls) {
-    c.call();
-    EXPECT_EQ(c.name, str(p.getLastCall()));
-  }
-  EXPECT_FALSE(p.isOpen());
-  EXPECT_EQ("", str(p.getName()));
-  EXPECT_TRUE(p.getLightStoreDetailsList("", "")->empty());
-
-  expectFatal([&] { p.gift(1, "x", 1); }, "Project::gift", "Function not supported by this project!");
-  expectFatal([&] { p.rift(1, "x", 1, "y"); }, "Project::rift", "Function not supported by this project!");
-  std::list<StoreDetails> global(1);
-  EXPECT_FALSE(p.getGlobalStoreDetailsList(ProjectType::RONDO, "", "", global));
-  EXPECT_TRUE(global.empty());
-}
-
-TEST(UTProject, ScriptedStoresAreListedByClass) {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostU2", ProjectType::UNITTEST));
-  UTProject p(catalog);
-  StoreDetails line(ProjectType::UNITTEST, "", "line12", 3);
-  line.setClass("seismic");
-  line.setSubClass("2d");
-  StoreDetails wells(ProjectType::UNITTEST, "", "wells", 1);
-  wells.setClass("well");
-  StoreDetails grid(ProjectType::UNITTEST, "", "grid", 2);
-  grid.setClass("seismic");
-  p.addStore(line);
-  p.addStore(wells);
-  p.addStore(grid);
-
-  auto names = [&](char const* cls, char const* sub) {
-    std::string all;
-    vHandle<Project::StoreList> list = p.getStoreList(cls, sub);
-    for (vLCString const& n : *list) all += str(n) + " ";
-    return all;
-  };
-  EXPECT_EQ("line12.3 wells.1 grid.2 ", names("", ""));
-  EXPECT_EQ("line12.3 grid.2 ", names("Seismic", ""));
-  EXPECT_EQ("line12.3 ", names("seismic", "2d"));
-  EXPECT_EQ("", names("horizon", ""));
-  EXPECT_EQ(2u, p.getStoreDetailsList("seismic", "")->size());
-
-  EXPECT_TRUE(p.hasStore("wells", 0));
-  EXPECT_TRUE(p.hasStore("wells", 1));
-  EXPECT_FALSE(p.hasStore("wells", 2));
-  EXPECT_EQ(line, p.getStoreDetails("line12", 3));
-  EXPECT_FALSE(p.deleteStore("line12", 2, "", ""));
-  EXPECT_TRUE(p.deleteStore("line12", 3, "seismic", ""));
-  EXPECT_EQ("wells.1 grid.2 ", names("", ""));
-}
-
-TEST(ProjectList, OrderSearchAndComparison) {
-  ProjectList list;
-  list.add(ProjectListEntry("north"));
-  list.add(ProjectListEntry("Alpha"));
-  list.add(ProjectListEntry("mid"));
-  EXPECT_EQ(3u, list.size());
-  EXPECT_EQ("north", str(list.begin()->getName()));
-  ASSERT_NE(list.end(), list.find("alpha"));
-  EXPECT_EQ("alpha", str(list.find("ALPHA")->getName()));
-  EXPECT_EQ(list.end(), list.find("south"));
-
-  ProjectList other(list);
-  EXPECT_EQ(list, other);
-  list.sort();
-  EXPECT_NE(list, other);
-  std::string order;
-  for (ProjectListEntry const& e : list) order += str(e.getName()) + " ";
-  EXPECT_EQ("alpha mid north ", order);
-  list.erase(list.find("mid"));
-  EXPECT_EQ(2u, list.size());
-  EXPECT_EQ(list.end(), list.find("mid"));
-}
-
-}  // namespace
-
-namespace {
-
-ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE type, vString const&) {
-  return new UTProjectCatalog(host, type);
-}
-
-// Feeds a terminal session to std::cin and keeps what is written to
-// std::cout, while it lives.
-class Terminal {
- public:
-  explicit Terminal(std::string const& input)
-      : m_in(input), m_oldIn(std::cin.rdbuf(m_in.rdbuf())), m_oldOut(std::cout.rdbuf(m_out.rdbuf())) {}
-  ~Terminal() {
-    std::cin.rdbuf(m_oldIn);
-    std::cout.rdbuf(m_oldOut);
-    std::cin.clear();
-  }
-  std::string output() const { return m_out.str(); }
-
- private:
-  std::istringstream m_in;
-  std::ostringstream m_out;
-  std::streambuf* m_oldIn;
-  std::streambuf* m_oldOut;
-};
-
-TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
-  DefaultProjectGuard guard;
-  ProjectCatalogFactory::Maker savedMaker = ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
-  // The list offered is that of the database servers installed.
-  TestReleaseTree tree;
-  for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"})
-    std::filesystem::create_directories(tree.releaseDir() + "SupportFiles/CapiZon/" + centre);
-  vHandle<ProjectCatalog> catalog;
-  std::string output;
-  {
-    Terminal terminal("zon\n-l\ncentre2\nuthostZ\n");
-    catalog = ProjectCatalogFactory::enter(ProjectType::RONDO, "", "uthostY");
-    output = terminal.output();
-  }
-  ProjectCatalogFactory::registerMaker("ZonProjectCatalog", savedMaker);
-
-  EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
-  EXPECT_EQ("uthostZ", str(catalog->getHost()));
-  EXPECT_EQ(
-      "type of project Rondo, Kelp, Zon [Rondo]: "
-      "KVS centre name [-l for list] []: "
-      "             c1             c2             c3             c4             c5\n"
-      "             c6             c7\n"
-      "KVS centre name [-l for list] []: "
-      "data host name [uthostY]: ",
-      output);
-}
-
-TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {
-  DefaultProjectGuard guard;
-  vHandle<Project> def = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey");
-  ProjectFactory::setDefaultProject(def);
-  ClientStandIn client;
-  vHandle<ProjectCatalog> catalog;
-  std::string output;
-  {
-    Terminal terminal("kelp\n127.0.0.71\n127.0.0.72\n");
-    catalog = ProjectCatalogFactory::enter(ProjectType::NOTYPE, "", "");
-    output = terminal.output();
-  }
-  EXPECT_EQ(
-      "type of project Rondo, Kelp, Zon [UnitTest]: "
-      "server name []: "
-      "data host name [uthostX]: ",
-      output);
-  // A Kelp client is made on its server, with the data host beside it.
-  EXPECT_EQ(ProjectType::KELP, catalog->getProjectType());
-  EXPECT_EQ("127.0.0.71", str(catalog->getHost()));
-}
-
-}  // namespace
-
-// --- which class each request makes ----------------------------------------
-
-namespace {
-
 // What a maker of a higher layer was asked for: class, arguments.
 struct Made {
   std::string cls;
@@ -540,6 +108,306 @@ class Recorder {
   ProjectFactory::Maker m_clientProject;
   ProjectFactory::Maker m_zonProject;
 };
+
+// Restores the default project a test changed.
+class DefaultProjectGuard {
+ public:
+  DefaultProjectGuard() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {}
+  ~DefaultProjectGuard() { ProjectFactory::setDefaultProject(m_saved); }
+
+ private:
+  vHandle<Project> m_saved;
+};
+
+// --- catalogs ----------------------------------------------------------------
+
+TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
+  Recorder recorder;
+  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
+  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
+  vHandle<ProjectCatalog> c = ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11");
+  EXPECT_EQ(1u, madeLog.size());
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ(a.get(), c.get());
+  EXPECT_EQ("127.0.0.11", str(a->getHost()));
+  EXPECT_EQ(ProjectType::RONDO, a->getProjectType());
+
+  // Another host is another catalog.
+  vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA");
+  EXPECT_NE(a.get(), d.get());
+  EXPECT_EQ(2u, madeLog.size());
+}
+
+TEST(ProjectCatalogFactory, OtherTypesMatchOnServerToo) {
+  unsigned int before = ProjectCatalogFactory::getCacheSize();
+  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "");
+  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "");
+  EXPECT_EQ(a.get(), b.get());
+  // A unit-test catalog has no server, so one asked for with a server is
+  // never found again.
+  vHandle<ProjectCatalog> c = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "srv");
+  vHandle<ProjectCatalog> d = ProjectCatalogFactory::create("uthostA", ProjectType::UNITTEST, "srv");
+  EXPECT_NE(a.get(), c.get());
+  EXPECT_NE(c.get(), d.get());
+  EXPECT_EQ(before + 3, ProjectCatalogFactory::getCacheSize());
+  // Unit-test catalogs are never resolved: the host need not exist.
+  EXPECT_EQ("uthostA", str(a->getHost()));
+  EXPECT_EQ(0u, a->getProjectList()->size());
+  EXPECT_EQ("", str(a->getServer()));
+}
+
+TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalogAndProjects) {
+  DefaultProjectGuard guard;
+  TestReleaseTree tree;
+  tree.setEnv("FS_CLUSTERS", "uthostC1=utcluster uthostC2=utcluster");
+  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
+  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "");
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ("utcluster", str(a->getHost()));
+  // Projects too are found by cluster.
+  vHandle<Project> p = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC1", "survey");
+  EXPECT_EQ(p.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC2", "survey").get());
+  EXPECT_EQ("utcluster", str(p->getProjectHost()));
+}
+
+TEST(ProjectCatalogFactory, ClassesOfHigherLayersMustBeRegistered) {
+  ProjectCatalogFactory::Maker saved = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
+  unsigned int cached = ProjectCatalogFactory::getCacheSize();
+  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::RONDO, "srv"); },
+              "ProjectCatalogFactory::createEx",
+              "Class ClientProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([] { ProjectCatalogFactory::create("127.0.0.21", ProjectType::ZONMESH, "centre"); },
+              "ProjectCatalogFactory::createEx",
+              "Class ZonProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([] { CapiMaker::projectCatalog("127.0.0.21"); }, "CapiMaker::projectCatalog",
+              "Class ZonProjectCatalog is not available: no maker is registered for it (see registerRondoClasses).");
+  EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
+  ProjectCatalogFactory::registerMaker("ClientProjectCatalog", saved);
+}
+
+// --- projects ----------------------------------------------------------------
+
+TEST(ProjectFactory, ClassesOfHigherLayersMustBeRegistered) {
+  ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", nullptr);
+  unsigned int cached = ProjectFactory::getCacheSize();
+  vHandle<ProjectCatalog> rondo(new UTProjectCatalog("127.0.0.41", ProjectType::RONDO));
+  vHandle<ProjectCatalog> zon(new UTProjectCatalog("127.0.0.41", ProjectType::ZONMESH));
+  char const* client = "Class ClientProject is not available: no maker is registered for it (see registerRondoClasses).";
+  expectFatal([&] { ProjectFactory::create(rondo); }, "ProjectFactory::myCreate", client);
+  expectFatal([&] { ProjectFactory::create(zon); }, "ProjectFactory::myCreate",
+              "Class ZonProject is not available: no maker is registered for it (see registerRondoClasses).");
+  expectFatal([&] { CapiMaker::project(zon); }, "CapiMaker::project",
+              "Class ZonProject is not available: no maker is registered for it (see registerRondoClasses).");
+  EXPECT_EQ(cached, ProjectFactory::getCacheSize());
+  ProjectFactory::registerMaker("ClientProject", saved);
+}
+
+TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
+  DefaultProjectGuard guard;
+  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
+  vHandle<Project> b = ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey")));
+  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ("survey", str(a->getName()));
+
+  // The type does not take part in the search: the project is where it is.
+  vHandle<Project> c = ProjectFactory::openProject(ProjectType::RONDO, "", "uthostO1", "survey");
+  EXPECT_EQ(a.get(), c.get());
+  EXPECT_NE(a.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "other").get());
+
+  // A closed one is not found again.
+  a->close();
+  vHandle<Project> e = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
+  EXPECT_NE(a.get(), e.get());
+  EXPECT_TRUE(e->isOpen());
+  // Both were made on the one catalog of the host.
+  EXPECT_EQ(a->getProjectCatalog().get(), e->getProjectCatalog().get());
+  // An emptied cache finds nothing; the default survives it.
+  ProjectFactory::emptyCache();
+  EXPECT_NE(e.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey").get());
+  EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
+}
+
+TEST(ProjectFactory, DefaultProjectSetAndCleared) {
+  DefaultProjectGuard guard;
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
+  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
+              "There is no default Project.");
+
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
+  unsigned int cached = ProjectFactory::getCacheSize();
+  vHandle<Project> first = ProjectFactory::create(catalog);
+  vHandle<Project> second = ProjectFactory::create(catalog);
+  // Create always makes a new project; the first made while there is no
+  // default becomes it.
+  EXPECT_NE(first.get(), second.get());
+  EXPECT_EQ(cached + 2, ProjectFactory::getCacheSize());
+  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
+
+  vHandle<Project> former = ProjectFactory::setDefaultProject(second);
+  EXPECT_EQ(first.get(), former.get());
+  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
+  EXPECT_EQ(catalog.get(), ProjectFactory::getDefaultCatalog().get());
+
+  // emptyCache forgets the projects but keeps the default.
+  ProjectFactory::emptyCache();
+  EXPECT_EQ(0u, ProjectFactory::getCacheSize());
+  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
+
+  ProjectFactory::clearDefaultProject();
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
+}
+
+// --- the deferred project ----------------------------------------------------
+
+TEST(JITProjectDecorator, DeferredProjectIsOpenBeforeAnyConnection) {
+  DefaultProjectGuard guard;
+  vHandle<Project> p = ProjectFactory::openProjectDeferred(ProjectType::UNITTEST, "", "uthostJ1", "survey");
+  JITProjectDecorator* jit = dynamic_cast<JITProjectDecorator*>(p.get());
+  ASSERT_NE(nullptr, jit);
+  EXPECT_TRUE(p->isOpen());
+  EXPECT_FALSE(jit->isReallyOpen());
+  UTProject* inner = dynamic_cast<UTProject*>(jit->getDecoratedProject().get());
+  ASSERT_NE(nullptr, inner);
+
+  // Deferred projects are found again like any other; what opens them is
+  // the wrapper's own test below.
+  vHandle<Project> q = ProjectFactory::openProjectDeferred(FullProjectName(vString("unittest::uthostJ1:survey")));
+  EXPECT_EQ(p.get(), q.get());
+  p->getStoreList("", "");
+  EXPECT_EQ("survey", str(inner->getName()));
+  p->close();
+  EXPECT_FALSE(jit->isReallyOpen());
+  EXPECT_FALSE(inner->isOpen());
+}
+
+// --- the unit-test project ---------------------------------------------------
+
+TEST(UTProject, ScriptedStoresAreListedByClass) {
+  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostU2", ProjectType::UNITTEST));
+  UTProject p(catalog);
+  StoreDetails line(ProjectType::UNITTEST, "", "line12", 3);
+  line.setClass("seismic");
+  line.setSubClass("2d");
+  StoreDetails wells(ProjectType::UNITTEST, "", "wells", 1);
+  wells.setClass("well");
+  StoreDetails grid(ProjectType::UNITTEST, "", "grid", 2);
+  grid.setClass("seismic");
+  p.addStore(line);
+  p.addStore(wells);
+  p.addStore(grid);
+
+  auto names = [&](char const* cls, char const* sub) {
+    std::string all;
+    vHandle<Project::StoreList> list = p.getStoreList(cls, sub);
+    for (vLCString const& n : *list) all += str(n) + " ";
+    return all;
+  };
+  EXPECT_EQ("line12.3 wells.1 grid.2 ", names("", ""));
+  EXPECT_EQ("line12.3 grid.2 ", names("Seismic", ""));
+  EXPECT_EQ("line12.3 ", names("seismic", "2d"));
+  EXPECT_EQ(2u, p.getStoreDetailsList("seismic", "")->size());
+
+  EXPECT_TRUE(p.hasStore("wells", 0));
+  EXPECT_FALSE(p.hasStore("wells", 2));
+  EXPECT_FALSE(p.deleteStore("line12", 2, "", ""));
+  EXPECT_TRUE(p.deleteStore("line12", 3, "seismic", ""));
+  EXPECT_EQ("wells.1 grid.2 ", names("", ""));
+}
+
+TEST(ProjectList, OrderSearchAndComparison) {
+  ProjectList list;
+  list.add(ProjectListEntry("north"));
+  list.add(ProjectListEntry("Alpha"));
+  list.add(ProjectListEntry("mid"));
+  EXPECT_EQ(3u, list.size());
+  EXPECT_EQ("north", str(list.begin()->getName()));
+  ASSERT_NE(list.end(), list.find("alpha"));
+  EXPECT_EQ("alpha", str(list.find("ALPHA")->getName()));
+  EXPECT_EQ(list.end(), list.find("south"));
+
+  ProjectList other(list);
+  EXPECT_EQ(list, other);
+  list.sort();
+  EXPECT_NE(list, other);
+  std::string order;
+  for (ProjectListEntry const& e : list) order += str(e.getName()) + " ";
+  EXPECT_EQ("alpha mid north ", order);
+  list.erase(list.find("mid"));
+  EXPECT_EQ(2u, list.size());
+  EXPECT_EQ(list.end(), list.find("mid"));
+}
+
+// Feeds a terminal session to std::cin and keeps what is written to
+// std::cout, while it lives.
+class Terminal {
+ public:
+  explicit Terminal(std::string const& input)
+      : m_in(input), m_oldIn(std::cin.rdbuf(m_in.rdbuf())), m_oldOut(std::cout.rdbuf(m_out.rdbuf())) {}
+  ~Terminal() {
+    std::cin.rdbuf(m_oldIn);
+    std::cout.rdbuf(m_oldOut);
+    std::cin.clear();
+  }
+  std::string output() const { return m_out.str(); }
+
+ private:
+  std::istringstream m_in;
+  std::ostringstream m_out;
+  std::streambuf* m_oldIn;
+  std::streambuf* m_oldOut;
+};
+
+TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
+  DefaultProjectGuard guard;
+  Recorder recorder;
+  // The list offered is that of the database servers installed.
+  TestReleaseTree tree;
+  for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"})
+    std::filesystem::create_directories(tree.releaseDir() + "SupportFiles/CapiZon/" + centre);
+  vHandle<ProjectCatalog> catalog;
+  std::string output;
+  {
+    Terminal terminal("zon\n-l\ncentre2\nuthostZ\n");
+    catalog = ProjectCatalogFactory::enter(ProjectType::RONDO, "", "uthostY");
+    output = terminal.output();
+  }
+
+  EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
+  EXPECT_EQ("uthostZ", str(catalog->getHost()));
+  EXPECT_EQ(
+      "type of project Rondo, Kelp, Zon [Rondo]: "
+      "KVS centre name [-l for list] []: "
+      "             c1             c2             c3             c4             c5\n"
+      "             c6             c7\n"
+      "KVS centre name [-l for list] []: "
+      "data host name [uthostY]: ",
+      output);
+}
+
+TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {
+  DefaultProjectGuard guard;
+  vHandle<Project> def = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey");
+  ProjectFactory::setDefaultProject(def);
+  Recorder recorder;
+  vHandle<ProjectCatalog> catalog;
+  std::string output;
+  {
+    Terminal terminal("kelp\n127.0.0.71\n127.0.0.72\n");
+    catalog = ProjectCatalogFactory::enter(ProjectType::NOTYPE, "", "");
+    output = terminal.output();
+  }
+  EXPECT_EQ(
+      "type of project Rondo, Kelp, Zon [UnitTest]: "
+      "server name []: "
+      "data host name [uthostX]: ",
+      output);
+  // A Kelp client is made on its server, with the data host beside it.
+  EXPECT_EQ("ClientProjectCatalog(127.0.0.71, 2, 127.0.0.72)", lastMade());
+}
+
+// --- which class each request makes ----------------------------------------
 
 TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   Recorder recorder;

@@ -50,10 +50,8 @@ TEST(StoreDetails, PacksAllFieldsInAVersionSevenFrame) {
   StoreDetails back;
   back.unpack(*receive(p));
   EXPECT_EQ(sample(), back);
+  // Equality leaves the project type out.
   EXPECT_EQ(ProjectType::ZONMESH, back.getProjectType());
-  EXPECT_EQ(4000000000u, back.getNInstances());
-  EXPECT_TRUE(back.getDate().isValid());
-  EXPECT_EQ(1000000000L, back.getDate().getSeconds());
 }
 
 TEST(StoreDetails, AnUnknownDateTravelsAsInvalid) {

@@ -14,7 +14,11 @@
 #include <string>
 #include <vector>
 
+#include "foundation/ExceptionErrorHandler.h"
+#include "foundation/RaiseError.h"
+#include "foundation/SystemPropertyTable.h"
 #include "foundation/TestReleaseTree.h"
+#include "foundation/vDatabases.h"
 #include "project/StoreFactory.h"
 #include "testing/TestMemoryStore.h"
 
@@ -104,6 +108,56 @@ class CleanQueue {
 inline StoreDescription fileIn(TestReleaseTree const& tree, char const* name) {
   return StoreDescription(vFilename(vString(tree.writeWorkFile(name, "data").c_str())));
 }
+
+// A release tree whose system property table holds the records given, with
+// the site's wrapping words taken out of the environment; the table is read
+// again when the tree comes and when it goes.
+class PropertyTree {
+ public:
+  explicit PropertyTree(std::string const& records) : m_tree(new TestReleaseTree) {
+    for (char const* name : {"SP_CAPI_ATTRIBUTESETDECORATORS", "SP_CAPI_TRANSLATIONS", "SP_CAPI_MYWRAPPERS"})
+      m_tree->unsetEnv(name);
+    m_tree->writeSystemFile("SystemPropertyTable2.txt", records);
+    reload();
+  }
+  ~PropertyTree() {
+    m_tree.reset();
+    reload();
+  }
+  static std::string record(char const* section, char const* name, char const* values) {
+    return std::string("<SystemProperty name= ") + name + " package= " + section + " description= \"test\" " + values +
+           " SystemProperty>\n";
+  }
+
+ private:
+  static void reload() {
+    vDatabases::clearCache();
+    SystemPropertyTable::instance().reload();
+  }
+  std::unique_ptr<TestReleaseTree> m_tree;
+};
+
+// Keeps the error reports as "label: text" while it lives; fatal messages
+// raise as usual, without printed reports.
+class Recording {
+ public:
+  Recording() { RaiseError::getInstance()->install(&m_handler); }
+  ~Recording() { RaiseError::getInstance()->uninstall(&m_handler); }
+  std::vector<std::string> const& errors() const { return m_handler.errors; }
+
+ private:
+  class Handler : public ExceptionErrorHandler {
+   public:
+    std::vector<std::string> errors;
+
+   protected:
+    void doError(char const* label, int, char const* text) override {
+      errors.push_back(std::string(label) + ": " + text);
+    }
+    void doInfo(char const*, int, char const*) override {}
+  };
+  Handler m_handler;
+};
 
 }  // namespace factory_testing
 

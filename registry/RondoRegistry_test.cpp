@@ -1,4 +1,4 @@
-// The registration point: the client proxies, the in-memory classes and
+// The registration point: the client proxies, the in-memory and SEG-Y classes and
 // the views that it gives the factories.
 
 #include <gtest/gtest.h>
@@ -10,23 +10,23 @@
 #include "decorator/ProfilingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
-#include "foundation/SystemPropertyTable.h"
+#include "filestore/segy/SegyDiskStore.h"
+#include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
-#include "foundation/vDatabases.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
+#include "project/StoreFactoryTesting.h"
 #include "registry/RondoRegistry.h"
 #include "remote/ClientAttributeSet.h"
 #include "remote/ClientProject.h"
 #include "remote/ClientProjectCatalog.h"
+#include "syslayer/FSTesting.h"
 
 namespace {
 
-std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+using namespace factory_testing;
 
 std::string storeNames(vHandle<Project> const& project, char const* storeClass) {
   vHandle<Project::StoreList> list = project->getStoreList(storeClass, "");
@@ -74,60 +74,11 @@ TEST(RondoRegistry, RondoCatalogsProjectsAndSetsAreClientsOfARealServer) {
 
 // --- the factories' classes ------------------------------------------------------------------
 
-Attribute ints(char const* name, std::vector<int> const& values) {
-  Attribute a(name, "", vINT32);
-  a.copyData(static_cast<unsigned int>(values.size()), values.data());
-  return a;
-}
-
-std::vector<int> readInts(AttributeSet const& set, char const* name) {
-  Attribute a = set.getAttribute(name);
-  set.read(a, 1, set.getNInstances());
-  std::vector<int> values;
-  for (unsigned int i = 1; i <= a.getNInstances(); ++i) values.push_back(a.getInt32(i));
-  return values;
-}
-
 KeyList cdpKey() {
   KeyList keys;
   keys.addKey(Attribute("CDP", "CDP", vINT32));
   return keys;
 }
-
-// A release tree whose system property table holds the records given; the
-// table is read again when the tree comes and when it goes.
-class PropertyTree {
- public:
-  explicit PropertyTree(std::string const& records) : m_tree(new TestReleaseTree) {
-    m_tree->unsetEnv("SP_CAPI_ATTRIBUTESETDECORATORS");
-    m_tree->unsetEnv("SP_CAPI_TRANSLATIONS");
-    m_tree->writeSystemFile("SystemPropertyTable2.txt", records);
-    reload();
-  }
-  ~PropertyTree() {
-    m_tree.reset();
-    reload();
-  }
-
- private:
-  static void reload() {
-    vDatabases::clearCache();
-    SystemPropertyTable::instance().reload();
-  }
-  std::unique_ptr<TestReleaseTree> m_tree;
-};
-
-// Keeps the error reports as "label: text"; fatal messages raise as usual.
-class RecordingHandler : public ExceptionErrorHandler {
- public:
-  std::vector<std::string> errors;
-
- protected:
-  void doError(char const* label, int, char const* text) override {
-    errors.push_back(std::string(label) + ": " + text);
-  }
-  void doInfo(char const*, int, char const*) override {}
-};
 
 class FactoriesTest : public ::testing::Test {
  protected:
@@ -142,16 +93,6 @@ StoreDescription unitTestStore(char const* host, char const* store) {
   return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, "seismic", 0, "");
 }
 
-TEST_F(FactoriesTest, UnitTestProjectsGetInMemoryStoresAndSets) {
-  PropertyTree noProperties("");
-  StoreDescription d = unitTestStore("127.0.0.121", "line1");
-  vHandle<Project> project = ProjectFactory::openProject(d.getFullProjectName());
-  EXPECT_NE(nullptr, dynamic_cast<InMemoryStore*>(StoreFactory::create(project).get()));
-  vHandle<AttributeSet> set = AttributeSetFactory::create(project);
-  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(set.get()));
-  EXPECT_EQ(project.get(), set->getProject().get());
-}
-
 vHandle<Project> project(StoreDescription const& d) { return ProjectFactory::openProject(d.getFullProjectName()); }
 
 TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
@@ -161,10 +102,9 @@ TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
   vHandle<InMemoryStore> live;
   vHandle_cast(live, made);
   ASSERT_FALSE(live.isEmpty());
-  EXPECT_EQ("line1", str(made->getName()));
-  EXPECT_EQ("seismic", str(made->getClass()));
   EXPECT_EQ("2d", str(made->getSubClass()));
-  EXPECT_EQ(1u, made->getKeyList().getNKeys());
+  vHandle<AttributeSet> set = AttributeSetFactory::create(project(d));
+  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(set.get()));
   made->addInstances(3);
   made->write(ints("CDP", {7, 8, 9}), 1, 3);
   made->close();
@@ -185,10 +125,6 @@ TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
   EXPECT_TRUE(again->isOpen());
   EXPECT_EQ((std::vector<int>{7, 8, 9}), readInts(*again, "CDP"));
   again->close();
-  vHandle<Store> updated = StoreFactory::updateStore(byAddress, "", nullptr);
-  updated->write(ints("CDP", {5}), 2, 2);
-  EXPECT_EQ((std::vector<int>{7, 5, 9}), readInts(*updated, "CDP"));
-  updated->close();
 }
 
 // The attribute set name reaches the store as its subclass, which the
@@ -199,43 +135,24 @@ TEST_F(FactoriesTest, TheAttributeSetNameGoesToTheStoreAsSubclass) {
   d.setStoreClass("");
   expectFatal([&] { StoreFactory::openStore(d, "picks", nullptr); }, "CapiAttributeSet::open",
               "For AttributeSet 'line2': A subClass of 'picks' cannot be specified without also giving a class.");
-  expectFatal([&] { StoreFactory::createStore(d, "picks", cdpKey(), nullptr); }, "CapiAttributeSet::create",
-              "For AttributeSet 'line2': A subClass of 'picks' cannot be specified without also giving a class.");
   d.setStoreClass("seismic");
-  expectFatal([&] { StoreFactory::createStore(d, "", cdpKey(), nullptr); }, "CapiAttributeSet::create",
-              "When creating AttributeSet 'line2', the subclass cannot be blank.");
   vHandle<Store> opened = StoreFactory::openStore(d, "picks", nullptr);
   EXPECT_TRUE(opened->isOpen());
   opened->close();
-}
-
-TEST_F(FactoriesTest, ALiveStoreIsCreatedInPlace) {
-  vHandle<InMemoryStore> fresh(new InMemoryStore(vHandle<Project>()));
-  StoreDescription d(fresh, "scratch");
-  expectFatal([&] { StoreFactory::createStore(d, "", cdpKey(), nullptr); }, "CapiAttributeSet::create",
-              "When creating AttributeSet 'scratch', the class cannot be blank.");
-  d.setStoreClass("well");
-  vHandle<Store> created = StoreFactory::createStore(d, "logs", cdpKey(), nullptr);
-  EXPECT_EQ(static_cast<Store*>(fresh.get()), created.get());
-  EXPECT_EQ("scratch", str(created->getName()));
-  EXPECT_EQ("well", str(created->getClass()));
-  EXPECT_EQ("logs", str(created->getSubClass()));
-  EXPECT_EQ(1u, created->getKeyList().getNKeys());
-  EXPECT_TRUE(StoreFactory::hasStore(d));
-  created->close();
 }
 
 TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {
   PropertyTree properties(
       "<SystemProperty name= AttributeSetDecorators package= capi description= \"views\" "
       "value= Profiling value= bogus value= PROFILING SystemProperty>\n");
-  RecordingHandler recording;
-  RaiseError::getInstance()->install(&recording);
-  vHandle<Project> project = ProjectFactory::openProject(unitTestStore("127.0.0.124", "x").getFullProjectName());
-  vHandle<AttributeSet> set = AttributeSetFactory::create(project);
-  RaiseError::getInstance()->uninstall(&recording);
-  EXPECT_EQ(std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request BOGUS, ignored."},
-            recording.errors);
+  vHandle<AttributeSet> set;
+  {
+    Recording recording;
+    set = AttributeSetFactory::create(
+        ProjectFactory::openProject(unitTestStore("127.0.0.124", "x").getFullProjectName()));
+    EXPECT_EQ(std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request BOGUS, ignored."},
+              recording.errors());
+  }
 
   // The last listed is outermost.
   auto* outer = dynamic_cast<ProfilingAttributeSetDecorator*>(set.get());
@@ -243,20 +160,6 @@ TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {
   auto* inner = dynamic_cast<ProfilingAttributeSetDecorator*>(outer->getDecoratedSet().get());
   ASSERT_NE(nullptr, inner);
   EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(inner->getDecoratedSet().get()));
-
-  set->create("timed", "seismic", "2d", cdpKey(), nullptr);
-  set->addInstances(2);
-  set->write(ints("CDP", {3, 4}), 1, 2);
-  EXPECT_EQ((std::vector<int>{3, 4}), readInts(*set, "CDP"));
-  ::testing::internal::CaptureStderr();
-  set->close();
-  std::string const report = ::testing::internal::GetCapturedStderr();
-  // Each of the two views reports the calls it saw.
-  for (char const* label : {"timed create: ", "timed write(range): ", "timed read(range): ", "timed close: "}) {
-    std::string::size_type first = report.find(label);
-    ASSERT_NE(std::string::npos, first) << label << "\n" << report;
-    EXPECT_NE(std::string::npos, report.find(label, first + 1)) << label << "\n" << report;
-  }
 }
 
 TEST_F(FactoriesTest, FileFormatsWhoseStoreIsNotLinkedInAreNotHandled) {
@@ -272,6 +175,37 @@ TEST_F(FactoriesTest, FileFormatsWhoseStoreIsNotLinkedInAreNotHandled) {
                 "The file '" + file + "' is of a type '" + tag + "' which we cannot handle yet!");
   }
   EXPECT_GT(unhandled, 0);
+}
+
+// SEG-Y files reach the SEG-Y store by every tag.
+TEST(RondoRegistrySegy, SegyFilesOpenAsSegyStoresByEveryTag) {
+  registerRondoClasses();
+  fs_testing::TempDir dir;
+  segy_testing::SegyWriter w;
+  w.dataTracesPerRecord = 3;
+  std::string const plain = w.file(4);
+  for (char const* name : {"a.sgy", "b.SGY", "c.segy", "d"}) {
+    std::string const path = dir / name;
+    fs_testing::writeFile(path, plain);
+    StoreDescription description{vFilename(path.c_str())};
+    if (std::string(name) == "d") description.setFileFormat("segy");
+    vHandle<Store> store = StoreFactory::openStore(description, "", nullptr);
+    ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get())) << name;
+    EXPECT_TRUE(store->isOpen());
+    EXPECT_EQ(4u, store->getNInstances()) << name;
+    Attribute cmp = store->getAttribute("CMP");
+    store->read(cmp, 4, 4);
+    EXPECT_EQ(segy_testing::goldenHeader(4, 20), cmp.getInt32(1));
+  }
+  // The blocked variant: two blocks of two traces.
+  std::string const blocked = dir / "e.dsegy";
+  fs_testing::writeFile(blocked, w.blockedFile(2));
+  vHandle<Store> store = StoreFactory::openStore(StoreDescription(vFilename(blocked.c_str())), "", nullptr);
+  ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get()));
+  EXPECT_EQ(4u, store->getNInstances());
+  Attribute cmp = store->getAttribute("CMP");
+  store->read(cmp, 3, 4);
+  EXPECT_EQ(segy_testing::goldenHeader(3, 20), cmp.getInt32(1));
 }
 
 }  // namespace
