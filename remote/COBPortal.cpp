@@ -93,12 +93,18 @@ void COBPortal::setDataserverCommandLine(vString const& command) { *m_command = 
 void COBPortal::connect() {
   m_inUse = false;
   m_channel = vHandle<CommChan>(nullptr);
+  CommChan::StatusType made = CommChan::OK;
   if (m_local) {
-    m_channel = CommChanMaker::local(nullptr);
+    m_channel = CommChanMaker::local(nullptr, made);
   } else {
     m_port = 0;
-    m_channel = CommChanMaker::remote(m_port);
+    m_channel = CommChanMaker::remote(m_port, made);
   }
+  // A server is never sent to an address that this portal does not hold:
+  // whoever holds it would get the server.
+  if (made != CommChan::OK)
+    Message::fatal("COBPortal::connect", 0, "Could not listen on %s (%s): no data server is started.",
+                   getAddress().getAddress().c_str(), CommChan::status(made));
   static int rshTimeout = 0;
   if (rshTimeout == 0) {
     rshTimeout = 10;

@@ -4,7 +4,11 @@
 
 #include "remote/COBPortal.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
@@ -15,6 +19,7 @@
 #include "foundation/vUtl.h"
 #include "remote/CommChanAddress.h"
 #include "remote/PortalTesting.h"
+#include "remote/Socket.h"
 
 using namespace remote_testing;
 
@@ -268,6 +273,24 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   // memory.
   EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::ForgedLength));
   EXPECT_TRUE(contains(serverLines(m_dir), "forged"));
+}
+
+// The portal never sends a server to an address that it does not hold:
+// with every name it could take already there, it starts none.
+TEST_F(COBPortalTest, NoServerIsStartedOnANameThePortalDidNotMake) {
+  ScopedEnv tmp("TMPDIR", m_dir.path().c_str());
+  std::string const dir = m_dir.file("rondo-" + std::to_string(::geteuid()));
+  ASSERT_EQ(0, ::mkdir(dir.c_str(), 0700));
+  std::string const stem = dir + "/Socket_" + std::to_string(::getpid()) + ".";
+  for (int i = 0; i < 100; ++i) std::ofstream(stem + std::to_string(Socket::sequence + i)) << "stranger";
+  std::string const last = stem + std::to_string(Socket::sequence + 99);
+  testing::internal::CaptureStdout();
+  std::string const text = fatalText([&] { startPortal(); });
+  std::string const printed = testing::internal::GetCapturedStdout();
+  EXPECT_EQ("COBPortal::connect: Could not listen on Address:" + last +
+                " (CommChan::INUSE): no data server is started.",
+            text);
+  EXPECT_EQ(std::string::npos, printed.find("Executing")) << printed;
 }
 
 // The server's connection can be taken before the first message; a portal
