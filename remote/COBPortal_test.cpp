@@ -37,6 +37,12 @@ class COBPortalTest : public RemoteTest {
   TempDir m_dir;
 };
 
+size_t occurrences(std::string const& text, std::string const& part) {
+  size_t n = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+  return n;
+}
+
 bool contains(std::vector<std::string> const& lines, std::string const& line) {
   for (auto const& l : lines)
     if (l == line) return true;
@@ -273,6 +279,27 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   // memory.
   EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::ForgedLength));
   EXPECT_TRUE(contains(serverLines(m_dir), "forged"));
+}
+
+// A server that never connects back is waited for no longer than the
+// portal's time, at the start as after a reconnection: the call ends in
+// the TIMEOUT status instead of hanging.
+TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
+  vString const leaves = vString("/bin/true ") + COBPortal::addressToken;
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  portal->setAcceptTimeout(0.2f);
+  portal->setDataserverCommandLine(leaves);
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(CommChan::TIMEOUT, catalog.call(TestServer::CrashAlways));
+  EXPECT_EQ(2u, occurrences(testing::internal::GetCapturedStdout(), "Executing \"/bin/true Address:"));
+
+  vHandle<COBPortal> never(new COBPortal(nullptr, &leaves));
+  never->setAcceptTimeout(0.2f);
+  TestCOB first("ProjectCatalog", nullptr);
+  EXPECT_EQ("COBPortal::create: Failed to create SOB for ProjectCatalog, CommChan::StatusType=CommChan::TIMEOUT",
+            fatalText([&] { first.setPortal(never); }));
 }
 
 // The portal never sends a server to an address that it does not hold:
