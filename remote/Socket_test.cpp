@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -360,31 +361,38 @@ TEST_F(SocketTest, NamesPutInTheWayAreNeverTakenForTheChannelsOwn) {
   EXPECT_FALSE(ours->waitOn(0.0f, CommChan::READ));
 }
 
-// A process of another user (the test turned into "nobody") that gets past
-// the modes, by a listener of its own at a name or through a socket whose
-// modes were opened, is still refused by its user id, from either end.
+// Runs f in a child process as the user "nobody"; its exit code is f's.
+pid_t asNobody(std::function<int()> const& f) {
+  pid_t const child = ::fork();
+  if (child == 0) ::_exit(::setuid(65534) == 0 ? f() : 99);
+  return child;
+}
+
+int exitCode(pid_t child) {
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// A process of another user that gets past the modes, by a listener of its
+// own at a name or through a socket whose modes were opened, is still
+// refused by its user id, from either end.
 TEST_F(SocketTest, ProcessOfAnotherUserIsRefusedFromEitherEnd) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can act as a second user";
-  uid_t const nobody = 65534;
   TempDir dir;
   ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0777));
   std::string const theirs = dir.file("theirs");
   int ready[2];
   ASSERT_EQ(0, ::pipe(ready));
-  pid_t const listener = ::fork();
-  if (listener == 0) {
-    if (::setuid(nobody) != 0) ::_exit(1);
-    int const fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un a{};
-    a.sun_family = AF_UNIX;
-    std::strncpy(a.sun_path, theirs.c_str(), sizeof a.sun_path - 1);
-    if (::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 || ::listen(fd, 5) != 0) ::_exit(2);
-    if (::write(ready[1], "r", 1) != 1) ::_exit(3);
+  pid_t const listener = asNobody([&] {
+    Socket own;
+    own.createLocal(theirs.c_str());
+    if (::write(ready[1], "r", 1) != 1) return 1;
     ::sleep(100);
-    ::_exit(0);
-  }
-  char signal = 0;
-  ASSERT_EQ(1, ::read(ready[0], &signal, 1));
+    return 0;
+  });
+  char byte = 0;
+  ASSERT_EQ(1, ::read(ready[0], &byte, 1));
   Socket client;
   EXPECT_EQ("Socket::connectLocal: " + theirs + " is not a channel of this user: it is not connected to.",
             fatalText([&] { client.connectLocal(theirs.c_str()); }));
@@ -393,25 +401,20 @@ TEST_F(SocketTest, ProcessOfAnotherUserIsRefusedFromEitherEnd) {
                 " is served by user 65534, not by this user: the connection is refused.",
             fatalText([&] { client.connectLocal(theirs.c_str()); }));
   ::kill(listener, SIGKILL);
-  ::waitpid(listener, nullptr, 0);
+  exitCode(listener);
 
   std::string const ours = dir.file("ours");
   vHandle<CommChan> server = CommChanMaker::local(ours.c_str());
   ASSERT_EQ(0, ::chmod(ours.c_str(), 0777));
-  pid_t const knocker = ::fork();
-  if (knocker == 0) {
-    if (::setuid(nobody) != 0) ::_exit(1);
+  // Turned away, the stranger's connection ends without a byte.
+  pid_t const knocker = asNobody([&] {
     int const fd = rawConnectLocal(ours);
-    if (fd < 0) ::_exit(2);
-    // Turned away: the connection ends without a byte.
-    ::_exit(::recv(fd, &signal, 1, 0) == 0 ? 0 : 3);
-  }
+    return fd >= 0 && ::recv(fd, &byte, 1, 0) == 0 ? 0 : 1;
+  });
   ASSERT_TRUE(server->waitOn(60.0f, CommChan::READ));
   server->setMiscTimeout(0.5f);
   EXPECT_EQ(CommChan::TIMEOUT, server->accept());
-  int status = -1;
-  ::waitpid(knocker, &status, 0);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+  EXPECT_EQ(0, exitCode(knocker));
   EXPECT_NE(infos().end(), std::find(infos().begin(), infos().end(),
                                      "Socket::accept: Refused a connection to " + ours + " from user 65534."));
 }
