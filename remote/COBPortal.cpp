@@ -52,7 +52,8 @@ COBPortal::COBPortal(vString const* host, vString const* command)
       m_command(new vString(command ? *command : vString())),
       m_host(new vString(host ? *host : vString())),
       m_inUse(false),
-      m_rebuilding(false) {
+      m_rebuilding(false),
+      m_acceptTimeout(defaultAcceptTimeout) {
   if (!m_host->isBlank() && *m_host != vUtl::gethostname()) {
     m_local = false;
     vString port;
@@ -90,15 +91,28 @@ COBPortal::~COBPortal() {
 
 void COBPortal::setDataserverCommandLine(vString const& command) { *m_command = command; }
 
+void COBPortal::setAcceptTimeout(float seconds) {
+  m_acceptTimeout = seconds;
+  if (!m_channel.isEmpty()) m_channel->setMiscTimeout(seconds);
+}
+
 void COBPortal::connect() {
   m_inUse = false;
   m_channel = vHandle<CommChan>(nullptr);
+  CommChan::StatusType made = CommChan::OK;
   if (m_local) {
-    m_channel = CommChanMaker::local(nullptr);
+    m_channel = CommChanMaker::local(nullptr, made);
   } else {
     m_port = 0;
-    m_channel = CommChanMaker::remote(m_port);
+    m_channel = CommChanMaker::remote(m_port, made);
   }
+  // A server is never sent to an address that this portal does not hold:
+  // whoever holds it would get the server.
+  if (made != CommChan::OK)
+    Message::fatal("COBPortal::connect", 0, "Could not listen on %s (%s): no data server is started.",
+                   getAddress().getAddress().c_str(), CommChan::status(made));
+  // Each new channel waits as long as the first for its server.
+  m_channel->setMiscTimeout(m_acceptTimeout);
   static int rshTimeout = 0;
   if (rshTimeout == 0) {
     rshTimeout = 10;
@@ -222,34 +236,44 @@ void COBPortal::myMessages(Packer& packer) {
   }
 }
 
-bool COBPortal::myRetry(int& failures, CommChan::StatusType, char const* label) {
-  if (++failures == 1)
-    Message::info(label, 0, "The connection to the dataserver on %s was lost.\nWill attempt to re-connect.",
-                  m_host->c_str());
-  if (failures >= 3 || m_rebuilding) return false;
-  m_rebuilding = true;
-  try {
-    connect();
-    // Parents before children: IDs grow from the root. The table is looked
-    // up afresh for each, as an object may go on the way.
-    std::vector<int> ids;
-    for (auto const& entry : m_table) ids.push_back(entry.first);
-    for (int id : ids) {
-      std::map<int, COB*>::iterator const at = m_table.find(id);
-      if (at != m_table.end() && m_creating.count(id) == 0) at->second->commsReinitialize();
+bool COBPortal::myRetry(int& failures, CommChan::StatusType& status, char const* label) {
+  for (;;) {
+    if (++failures == 1)
+      Message::info(label, 0, "The connection to the dataserver on %s was lost.\nWill attempt to re-connect.",
+                    m_host->c_str());
+    if (failures >= 3 || m_rebuilding) return false;
+    m_rebuilding = true;
+    try {
+      connect();
+      // The new server is waited for here, within the portal's time: one
+      // that does not come is a failed attempt of its own.
+      CommChan::StatusType const accepted = accept();
+      if (accepted != CommChan::OK) {
+        status = accepted;
+        m_rebuilding = false;
+        continue;
+      }
+      // Parents before children: IDs grow from the root. The table is
+      // looked up afresh for each, as an object may go on the way.
+      std::vector<int> ids;
+      for (auto const& entry : m_table) ids.push_back(entry.first);
+      for (int id : ids) {
+        std::map<int, COB*>::iterator const at = m_table.find(id);
+        if (at != m_table.end() && m_creating.count(id) == 0) at->second->commsReinitialize();
+      }
+    } catch (UtlExcept const&) {
+      m_rebuilding = false;
+      return false;
     }
-  } catch (UtlExcept const&) {
     m_rebuilding = false;
-    return false;
+    return true;
   }
-  m_rebuilding = false;
-  return true;
 }
 
 CommChan::StatusType COBPortal::send(int tag, Packer& packer) {
   int failures = 0;
   for (;;) {
-    CommChan::StatusType const s = mySend(tag, packer);
+    CommChan::StatusType s = mySend(tag, packer);
     if (s == CommChan::OK) return s;
     if (!myRetry(failures, s, "COBPortal::send")) return s;
   }

@@ -20,6 +20,10 @@
 // A lost connection is met by starting a new server and making every
 // remote object again, parents first, in the new one; a request is then
 // sent again. After three failed attempts the status is returned.
+//
+// Every channel of the portal waits a bounded time for its server to
+// connect (by default defaultAcceptTimeout seconds): a server that never
+// comes, at the start or after a reconnection, is a TIMEOUT status.
 
 #include <map>
 #include <set>
@@ -35,6 +39,8 @@ class Packer;
 class COBPortal {
  public:
   static char const* const addressToken;
+  // How long a starting server may take to connect back, in seconds.
+  static constexpr float defaultAcceptTimeout = 120.0f;
 
   // Starts listening, and the server if a command is given. A host that is
   // neither blank nor this host's name is reached over TCP.
@@ -55,11 +61,15 @@ class COBPortal {
   // Listens afresh and starts the server.
   void connect();
   void setDataserverCommandLine(vString const& command);
+  // The wait for the server's connection, for this channel and every later
+  // one; FOREVER (or any negative value) waits without limit.
+  void setAcceptTimeout(float seconds);
+  float getAcceptTimeout() const { return m_acceptTimeout; }
   // Forgets an ID without a word to the server: for an object that never
   // came into being.
   void forgetID(int id);
 
-  // The channel in use: callers set its accept time-out through it.
+  // The channel in use.
   vHandle<CommChan> const& getChannel() const { return m_channel; }
   bool isLocal() const { return m_local; }
   bool isInUse() const { return m_inUse; }
@@ -76,8 +86,10 @@ class COBPortal {
   COBPortal& operator=(COBPortal const&) = delete;
 
   // Notes a failed attempt; true when another one is to be made, after the
-  // server was started again and every object made again in it.
-  bool myRetry(int& failures, CommChan::StatusType status, char const* label);
+  // server was started again and every object made again in it. A server
+  // that does not connect back counts as a further failed attempt, and its
+  // status replaces status.
+  bool myRetry(int& failures, CommChan::StatusType& status, char const* label);
 
   std::map<int, COB*> m_table;
   // Objects whose create message is on its way: a rebuild leaves them to
@@ -93,6 +105,7 @@ class COBPortal {
   // Set while objects are being made again: a failure then ends the
   // attempt rather than starting yet another server from within.
   bool m_rebuilding;
+  float m_acceptTimeout;
 };
 
 #endif

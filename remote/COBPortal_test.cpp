@@ -4,7 +4,11 @@
 
 #include "remote/COBPortal.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
@@ -15,6 +19,7 @@
 #include "foundation/vUtl.h"
 #include "remote/CommChanAddress.h"
 #include "remote/PortalTesting.h"
+#include "remote/Socket.h"
 
 using namespace remote_testing;
 
@@ -31,6 +36,12 @@ class COBPortalTest : public RemoteTest {
 
   TempDir m_dir;
 };
+
+size_t occurrences(std::string const& text, std::string const& part) {
+  size_t n = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+  return n;
+}
 
 bool contains(std::vector<std::string> const& lines, std::string const& line) {
   for (auto const& l : lines)
@@ -268,6 +279,45 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   // memory.
   EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::ForgedLength));
   EXPECT_TRUE(contains(serverLines(m_dir), "forged"));
+}
+
+// A server that never connects back is waited for no longer than the
+// portal's time, at the start as after a reconnection: the call ends in
+// the TIMEOUT status instead of hanging.
+TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
+  vString const leaves = vString("/bin/true ") + COBPortal::addressToken;
+  vHandle<COBPortal> portal = startPortal();
+  TestCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  portal->setAcceptTimeout(0.2f);
+  portal->setDataserverCommandLine(leaves);
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(CommChan::TIMEOUT, catalog.call(TestServer::CrashAlways));
+  EXPECT_EQ(2u, occurrences(testing::internal::GetCapturedStdout(), "Executing \"/bin/true Address:"));
+
+  vHandle<COBPortal> never(new COBPortal(nullptr, &leaves));
+  never->setAcceptTimeout(0.2f);
+  TestCOB first("ProjectCatalog", nullptr);
+  EXPECT_EQ("COBPortal::create: Failed to create SOB for ProjectCatalog, CommChan::StatusType=CommChan::TIMEOUT",
+            fatalText([&] { first.setPortal(never); }));
+}
+
+// The portal never sends a server to an address that it does not hold:
+// with every name it could take already there, it starts none.
+TEST_F(COBPortalTest, NoServerIsStartedOnANameThePortalDidNotMake) {
+  ScopedEnv tmp("TMPDIR", m_dir.path().c_str());
+  std::string const dir = m_dir.file("rondo-" + std::to_string(::geteuid()));
+  ASSERT_EQ(0, ::mkdir(dir.c_str(), 0700));
+  std::string const stem = dir + "/Socket_" + std::to_string(::getpid()) + ".";
+  for (int i = 0; i < 100; ++i) std::ofstream(stem + std::to_string(Socket::sequence + i)) << "stranger";
+  std::string const last = stem + std::to_string(Socket::sequence + 99);
+  testing::internal::CaptureStdout();
+  std::string const text = fatalText([&] { startPortal(); });
+  std::string const printed = testing::internal::GetCapturedStdout();
+  EXPECT_EQ("COBPortal::connect: Could not listen on Address:" + last +
+                " (CommChan::INUSE): no data server is started.",
+            text);
+  EXPECT_EQ(std::string::npos, printed.find("Executing")) << printed;
 }
 
 // The server's connection can be taken before the first message; a portal

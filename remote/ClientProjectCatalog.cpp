@@ -77,16 +77,12 @@ ClientProjectCatalog::ClientProjectCatalog(vString const& first, ProjectType::PR
   if ((first.isBlank() || first == vUtl::gethostname()) && !isProgramHere(command))
     Message::fatal("ClientProjectCatalog::ClientProjectCatalog", 0,
                    "The data server cannot be started: \"%s\" names no program on this host.", command.c_str());
+  // The portal gives the server a bounded time to connect back, at the
+  // start and at every reconnection.
   m_portal = vHandle<COBPortal>(new COBPortal(m_first.get(), &command));
-  m_portal->getChannel()->setMiscTimeout(kStartTimeout);
-  try {
-    setPortal(m_portal);
-    doCommsReinitialize();
-  } catch (...) {
-    if (!m_portal->getChannel().isEmpty()) m_portal->getChannel()->setMiscTimeout(0.0f);
-    throw;
-  }
-  m_portal->getChannel()->setMiscTimeout(0.0f);
+  m_portal->setAcceptTimeout(kStartTimeout);
+  setPortal(m_portal);
+  doCommsReinitialize();
 }
 
 ClientProjectCatalog::~ClientProjectCatalog() {}

@@ -30,31 +30,6 @@ namespace remote_testing {
 
 inline std::string dataServerPath() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer"; }
 
-// Sets an environment variable for the life of the object.
-class ScopedEnv {
- public:
-  ScopedEnv(char const* name, char const* value) : m_name(name) {
-    char const* old = std::getenv(name);
-    m_had = old != nullptr;
-    if (m_had) m_old = old;
-    if (value == nullptr)
-      ::unsetenv(name);
-    else
-      ::setenv(name, value, 1);
-  }
-  ~ScopedEnv() {
-    if (m_had)
-      ::setenv(m_name.c_str(), m_old.c_str(), 1);
-    else
-      ::unsetenv(m_name.c_str());
-  }
-
- private:
-  std::string m_name;
-  std::string m_old;
-  bool m_had = false;
-};
-
 class ClientTest : public RemoteTest {
  protected:
   ClientTest()

@@ -20,9 +20,14 @@ vHandle<CommChan> CommChanMaker::connect(char const* path) {
 }
 
 vHandle<CommChan> CommChanMaker::local(char const* path) {
+  CommChan::StatusType status;
+  return local(path, status);
+}
+
+vHandle<CommChan> CommChanMaker::local(char const* path, CommChan::StatusType& status) {
   Socket* socket = new Socket;
   vHandle<CommChan> channel = made(socket);
-  socket->createLocal(path);
+  status = socket->createLocal(path);
   myDecorate(channel);
   return channel;
 }
@@ -36,9 +41,14 @@ vHandle<CommChan> CommChanMaker::connect(char const* host, int port) {
 }
 
 vHandle<CommChan> CommChanMaker::remote(int& port) {
+  CommChan::StatusType status;
+  return remote(port, status);
+}
+
+vHandle<CommChan> CommChanMaker::remote(int& port, CommChan::StatusType& status) {
   Socket* socket = new Socket;
   vHandle<CommChan> channel = made(socket);
-  socket->createRemote(port);
+  status = socket->createRemote(port);
   myDecorate(channel);
   return channel;
 }

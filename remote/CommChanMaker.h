@@ -19,10 +19,14 @@ class CommChanMaker {
   static vHandle<CommChan> connect(char const* path);
   // Listens on a UNIX-domain path (null or empty: a generated one).
   static vHandle<CommChan> local(char const* path);
+  // The same, for a caller that must know whether the channel listens:
+  // the status of the create step comes back in status.
+  static vHandle<CommChan> local(char const* path, CommChan::StatusType& status);
   // Connects to host:port, waiting without time-out.
   static vHandle<CommChan> connect(char const* host, int port);
   // Listens on TCP port (0: a free one), which comes back in port.
   static vHandle<CommChan> remote(int& port);
+  static vHandle<CommChan> remote(int& port, CommChan::StatusType& status);
   static vHandle<CommChan> connect(CommChanAddress const& address);
 
  protected:

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -175,9 +176,35 @@ class TempDir {
     }
   }
   std::string file(std::string const& name) const { return m_path + "/" + name; }
+  std::string const& path() const { return m_path; }
 
  private:
   std::string m_path;
+};
+
+// Sets an environment variable for the life of the object.
+class ScopedEnv {
+ public:
+  ScopedEnv(char const* name, char const* value) : m_name(name) {
+    char const* old = std::getenv(name);
+    m_had = old != nullptr;
+    if (m_had) m_old = old;
+    if (value == nullptr)
+      ::unsetenv(name);
+    else
+      ::setenv(name, value, 1);
+  }
+  ~ScopedEnv() {
+    if (m_had)
+      ::setenv(m_name.c_str(), m_old.c_str(), 1);
+    else
+      ::unsetenv(m_name.c_str());
+  }
+
+ private:
+  std::string m_name;
+  std::string m_old;
+  bool m_had = false;
 };
 
 }  // namespace remote_testing

@@ -6,13 +6,17 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <string>
 
 #include "foundation/Message.h"
 #include "foundation/SystemPropertyManager.h"
@@ -45,6 +49,49 @@ void setCloseOnExec(int fd, char const* label) {
   if (flags < 0) systemFailure(label, "Error %d from fcntl(F_GETFD).", -1);
   if (::fcntl(fd, F_SETFD, flags | FD_CLOEXEC) < 0) systemFailure(label, "Error %d from fcntl(F_SETFD).", -1);
 }
+
+// The user at the other end of a UNIX-domain connection: the one that
+// connected, or, seen from the connecting end, the one that listens.
+bool peerUser(int fd, uid_t& uid) {
+  ucred credentials;
+  socklen_t length = sizeof credentials;
+  if (::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) return false;
+  uid = credentials.uid;
+  return true;
+}
+
+// The directory of this user's generated local channels,
+// "$TMPDIR/rondo-<uid>" (/tmp without TMPDIR). Made with mode 0700; one that
+// is there already is taken only if it is a real directory of this user
+// that nobody else may write to, so that no one else can put a name in it
+// or swap it for a link to a place of theirs.
+std::string privateDirectory(char const* label) {
+  char const* base = std::getenv("TMPDIR");
+  std::string dir = base != nullptr && *base != '\0' ? base : "/tmp";
+  dir += "/rondo-" + std::to_string(static_cast<unsigned long>(::geteuid()));
+  if (::mkdir(dir.c_str(), S_IRWXU) == 0) {
+    // The umask may have taken the owner's own rights.
+    if (::chmod(dir.c_str(), S_IRWXU) != 0) systemFailure(label, "Error %d from chmod()", -1);
+  } else if (errno != EEXIST) {
+    int const e = errno;
+    std::perror(label);
+    Message::fatal(label, 0, "Error %d making the directory %s.", e, dir.c_str());
+  }
+  struct stat status;
+  if (::lstat(dir.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != ::geteuid() ||
+      (status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+    Message::fatal(label, 0, "%s is not a private directory of this user: no channel is made in it.", dir.c_str());
+  return dir;
+}
+
+double monotonicSeconds() {
+  timespec t;
+  ::clock_gettime(CLOCK_MONOTONIC, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
+// Names tried in the private directory before a taken one is given up.
+int const kNameAttempts = 100;
 
 }  // namespace
 
@@ -175,6 +222,12 @@ CommChan::StatusType Socket::connectLocal(char const* path) {
   std::memset(&address, 0, sizeof address);
   if (std::strlen(path) >= std::min(sizeof m_path, sizeof address.sun_path))
     Message::fatal(label, 0, "The local name %s is too long.", path);
+  // A link, a plain file or another user's socket at the name is not the
+  // channel that this user's process made: the name may have been taken
+  // before it.
+  struct stat status;
+  if (::lstat(path, &status) == 0 && (!S_ISSOCK(status.st_mode) || status.st_uid != ::geteuid()))
+    Message::fatal(label, 0, "%s is not a channel of this user: it is not connected to.", path);
   std::strcpy(m_path, path);
   std::strcpy(address.sun_path, path);
   address.sun_family = AF_UNIX;
@@ -187,6 +240,13 @@ CommChan::StatusType Socket::connectLocal(char const* path) {
     // Reported under the remote name, as callers have always seen it.
     systemFailure("Socket::connectRemote", "Error %d from connect", -1);
   }
+  // Whoever listens must be this user too, whatever the name looked like.
+  uid_t owner = static_cast<uid_t>(-1);
+  if (!peerUser(m_connFd, owner) || owner != ::geteuid()) {
+    close();
+    Message::fatal(label, 0, "%s is served by user %d, not by this user: the connection is refused.", path,
+                   static_cast<int>(owner));
+  }
   return OK;
 }
 
@@ -195,26 +255,50 @@ CommChan::StatusType Socket::createLocal(char const* path) {
   myInit();
   sockaddr_un address;
   std::memset(&address, 0, sizeof address);
-  if (path == nullptr || *path == '\0') {
-    std::snprintf(m_path, sizeof m_path, "/tmp/Socket_%d.%d", static_cast<int>(::getpid()), m_sequence);
-  } else {
-    if (std::strlen(path) >= std::min(sizeof m_path, sizeof address.sun_path))
-      Message::fatal(label, 0, "The local name %s is too long.", path);
-    std::strcpy(m_path, path);
-  }
-  std::strcpy(address.sun_path, m_path);
-  address.sun_family = AF_UNIX;
+  bool const generated = path == nullptr || *path == '\0';
+  std::string const dir = generated ? privateDirectory(label) : std::string();
+  if (!generated && std::strlen(path) >= std::min(sizeof m_path, sizeof address.sun_path))
+    Message::fatal(label, 0, "The local name %s is too long.", path);
   myCreateSocket(AF_UNIX);
-  if (::bind(m_listenFd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+  for (int attempt = 1;; ++attempt) {
+    if (generated) {
+      int const n = std::snprintf(address.sun_path, sizeof address.sun_path, "%s/Socket_%d.%d", dir.c_str(),
+                                  static_cast<int>(::getpid()), m_sequence);
+      if (n < 0 || static_cast<size_t>(n) >= std::min(sizeof m_path, sizeof address.sun_path))
+        Message::fatal(label, 0, "The local name %s is too long.", dir.c_str());
+    } else {
+      std::strcpy(address.sun_path, path);
+    }
+    address.sun_family = AF_UNIX;
+    // bind makes the name itself: it follows no link and takes no name
+    // that is there already.
+    if (::bind(m_listenFd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) break;
     int const e = errno;
+    // In the private directory a taken name is a leftover of this user's:
+    // the next number is as good.
+    if (generated && e == EADDRINUSE && attempt < kNameAttempts) {
+      m_sequence = sequence++;
+      continue;
+    }
+    std::strcpy(m_path, address.sun_path);
     std::cout << "Socket::createLocal-bind error " << e << std::endl;
-    // The path is someone else's: closing must not remove it.
+    // The path is someone else's: closing must not remove it, and the
+    // channel, which listens nowhere, says so at its first use.
     ::close(m_listenFd);
     m_listenFd = -1;
+    m_closed = true;
     if (e == EADDRINUSE) return INUSE;
-    close();
     errno = e;
     systemFailure(label, "Error %d from bind()", e);
+  }
+  std::strcpy(m_path, address.sun_path);
+  // Only the owner may connect, whatever the umask: the mode is set while
+  // nobody can connect yet, before listen.
+  if (::chmod(m_path, S_IRUSR | S_IWUSR) != 0) {
+    int const e = errno;
+    close();
+    errno = e;
+    systemFailure(label, "Error %d from chmod()", e);
   }
   if (::listen(m_listenFd, 5) != 0) systemFailure(label, "Error %d from listen()", -1);
   return OK;
@@ -288,6 +372,8 @@ CommChan::StatusType Socket::myBind(int& port, void* where) {
 
 CommChan::StatusType Socket::accept() {
   char const* const label = "Socket::accept";
+  // A channel that listens nowhere (its path was taken) accepts nobody.
+  if (m_closed || m_listenFd < 0) return CLOSED;
   if (m_connected && m_connFd >= 0 && m_connFd != m_listenFd) {
     ::shutdown(m_connFd, SHUT_RDWR);
     ::close(m_connFd);
@@ -296,12 +382,27 @@ CommChan::StatusType Socket::accept() {
   }
   m_magicReceived = 0;
   setSwap(false);
-  if (m_socketMiscTimeout != 0.0f && !waitOn(m_socketMiscTimeout, READ)) return TIMEOUT;
+  // Refused peers do not lengthen the wait.
+  double const deadline = monotonicSeconds() + m_socketMiscTimeout;
   int fd;
-  do {
-    fd = ::accept(m_listenFd, nullptr, nullptr);
-  } while (fd < 0 && errno == EINTR);
-  if (fd < 0) systemFailure(label, "Error %d calling accept()", -1);
+  for (;;) {
+    if (m_socketMiscTimeout != 0.0f) {
+      float wait = m_socketMiscTimeout;
+      if (wait > 0.0f) wait = std::max(0.0f, static_cast<float>(deadline - monotonicSeconds()));
+      if (!waitOn(wait, READ)) return TIMEOUT;
+    }
+    do {
+      fd = ::accept(m_listenFd, nullptr, nullptr);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0) systemFailure(label, "Error %d calling accept()", -1);
+    if (m_remote) break;
+    // On this host a peer of another user is turned away, should it have
+    // got past the modes of the path.
+    uid_t peer = static_cast<uid_t>(-1);
+    if (peerUser(fd, peer) && peer == ::geteuid()) break;
+    ::close(fd);
+    Message::info(label, 0, "Refused a connection to %s from user %d.", m_path, static_cast<int>(peer));
+  }
   m_connFd = fd;
   m_connected = true;
   setCloseOnExec(fd, label);

@@ -13,6 +13,9 @@
 // accepting end reads the peer's magic at once, the connecting end at its
 // first receive. UNIX-domain channels carry no magic and never swap.
 //
+// On one host only the owner's processes meet: accept turns away a peer of
+// another user, as connectLocal does a listener of another user.
+//
 // Only the misc time-out is used, by accept; reads and writes block. A
 // process using sockets must ignore SIGPIPE or rely on the MSG_NOSIGNAL
 // that the writes here pass, so that a lost peer is a status.
@@ -31,10 +34,15 @@ class Socket : public CommChanImp {
   // (FOREVER without limit) in select. NOTFOUND when nobody listens there,
   // TIMEOUT when the wait ran out.
   StatusType connectRemote(char const* host, int port, float timeout);
-  // Connects to a UNIX-domain path; failure is raised.
+  // Connects to a UNIX-domain path; failure is raised, and so is a path
+  // that is not a socket of this user or whose listener is another user.
   StatusType connectLocal(char const* path);
-  // Listens on a UNIX-domain path, by default "/tmp/Socket_<pid>.<seq>".
-  // INUSE when the path is taken.
+  // Listens on a UNIX-domain path, by default "Socket_<pid>.<seq>" in the
+  // private directory "$TMPDIR/rondo-<uid>" (/tmp without TMPDIR), which is
+  // made with mode 0700 or raised against when it is not a directory of
+  // this user closed to others' writes. The socket gets mode 0600 before
+  // it listens. INUSE when the path is taken: the channel then listens
+  // nowhere and its first use says CLOSED.
   StatusType createLocal(char const* path);
   // Listens on TCP port, or on a free one for 0 (within the COMMCHAN
   // USE_PORT_RANGE property if set); the port comes back in port.

@@ -1,10 +1,16 @@
 #include "remote/Socket.h"
 
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -26,6 +32,20 @@ class SocketTest : public RemoteTest {};
 bool exists(std::string const& path) {
   struct stat s;
   return ::lstat(path.c_str(), &s) == 0;
+}
+
+// The permission bits of a path, or -1.
+int modeOf(std::string const& path) {
+  struct stat s;
+  return ::lstat(path.c_str(), &s) == 0 ? static_cast<int>(s.st_mode & 07777) : -1;
+}
+
+// Where this user's generated local channels go under a base directory.
+std::string privateDir(std::string const& base) { return base + "/rondo-" + std::to_string(::geteuid()); }
+
+std::string localPath(vHandle<CommChan> const& channel) {
+  std::unique_ptr<CommChanAddress> address(channel->getAddress());
+  return address->getFilename().c_str();
 }
 
 TEST_F(SocketTest, StatusWords) {
@@ -251,8 +271,9 @@ TEST_F(SocketTest, LocalChannelsCarryNoMagicAndOwnTheirPath) {
   std::unique_ptr<CommChanAddress> address(server->getAddress());
   ASSERT_FALSE(address->isRemote());
   std::string const path = address->getFilename().c_str();
-  char expected[64];
-  std::snprintf(expected, sizeof expected, "/tmp/Socket_%d.", static_cast<int>(::getpid()));
+  char const* base = std::getenv("TMPDIR");
+  std::string const expected = privateDir(base != nullptr && *base != '\0' ? base : "/tmp") + "/Socket_" +
+                               std::to_string(::getpid()) + ".";
   EXPECT_EQ(0u, path.find(expected)) << path;
   EXPECT_TRUE(exists(path));
 
@@ -278,6 +299,124 @@ TEST_F(SocketTest, LocalChannelsCarryNoMagicAndOwnTheirPath) {
   EXPECT_TRUE(exists(path));
   server->close();
   EXPECT_FALSE(exists(path));
+}
+
+// A local stranger is kept out by the modes of the path: the private
+// directory is made with 0700 and the socket gets 0600 before it listens,
+// whatever the umask.
+TEST_F(SocketTest, LocalListenerIsReachableOnlyByItsOwnerEvenWithUmaskZero) {
+  TempDir dir;
+  ScopedEnv tmp("TMPDIR", dir.path().c_str());
+  mode_t const umask = ::umask(0);
+  vHandle<CommChan> generated = CommChanMaker::local(nullptr);
+  vHandle<CommChan> given = CommChanMaker::local(dir.file("given").c_str());
+  ::umask(umask);
+  std::string const path = localPath(generated);
+  EXPECT_EQ(0u, path.find(privateDir(dir.path()) + "/Socket_" + std::to_string(::getpid()) + ".")) << path;
+  EXPECT_EQ(0700, modeOf(privateDir(dir.path())));
+  EXPECT_EQ(0600, modeOf(path));
+  EXPECT_EQ(0600, modeOf(dir.file("given")));
+}
+
+// Names that someone else may have put in the way are never taken for the
+// channel's own: a link or an open directory in place of the private one,
+// a file at a listener's path, a file or a link at a connector's path.
+TEST_F(SocketTest, NamesPutInTheWayAreNeverTakenForTheChannelsOwn) {
+  TempDir dir;
+  ScopedEnv tmp("TMPDIR", dir.path().c_str());
+  std::string const priv = privateDir(dir.path());
+  std::string const notPrivate =
+      "Socket::createLocal: " + priv + " is not a private directory of this user: no channel is made in it.";
+  ASSERT_EQ(0, ::mkdir(dir.file("elsewhere").c_str(), 0700));
+  ASSERT_EQ(0, ::symlink(dir.file("elsewhere").c_str(), priv.c_str()));
+  Socket linked;
+  EXPECT_EQ(notPrivate, fatalText([&] { linked.createLocal(nullptr); }));
+  EXPECT_EQ(0, ::rmdir(dir.file("elsewhere").c_str())) << "something was made in the link's target";
+  ASSERT_EQ(0, ::unlink(priv.c_str()));
+  ASSERT_EQ(0, ::mkdir(priv.c_str(), 0700));
+  ASSERT_EQ(0, ::chmod(priv.c_str(), 0777));
+  Socket open;
+  EXPECT_EQ(notPrivate, fatalText([&] { open.createLocal(nullptr); }));
+  ASSERT_EQ(0, ::chmod(priv.c_str(), 0700));
+
+  // A listener on a taken path listens nowhere and leaves the path alone.
+  std::string const planted = dir.file("planted");
+  std::ofstream(planted) << "stranger";
+  Socket listener;
+  EXPECT_EQ(CommChan::INUSE, listener.createLocal(planted.c_str()));
+  EXPECT_EQ(CommChan::CLOSED, listener.accept());
+  char byte = 0;
+  EXPECT_EQ(CommChan::CLOSED, listener.receiveChar8(&byte, 1));
+  listener.close();
+  EXPECT_TRUE(exists(planted));
+
+  vHandle<CommChan> ours = CommChanMaker::local(nullptr);
+  std::string const link = dir.file("link");
+  ASSERT_EQ(0, ::symlink(localPath(ours).c_str(), link.c_str()));
+  for (std::string const& path : {planted, link}) {
+    Socket client;
+    EXPECT_EQ("Socket::connectLocal: " + path + " is not a channel of this user: it is not connected to.",
+              fatalText([&] { client.connectLocal(path.c_str()); }));
+  }
+  EXPECT_FALSE(ours->waitOn(0.0f, CommChan::READ));
+}
+
+// Runs f in a child process as the user "nobody"; its exit code is f's.
+pid_t asNobody(std::function<int()> const& f) {
+  pid_t const child = ::fork();
+  if (child == 0) ::_exit(::setuid(65534) == 0 ? f() : 99);
+  return child;
+}
+
+int exitCode(pid_t child) {
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// A process of another user that gets past the modes, by a listener of its
+// own at a name or through a socket whose modes were opened, is still
+// refused by its user id, from either end.
+TEST_F(SocketTest, ProcessOfAnotherUserIsRefusedFromEitherEnd) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can act as a second user";
+  TempDir dir;
+  ASSERT_EQ(0, ::chmod(dir.path().c_str(), 0777));
+  std::string const theirs = dir.file("theirs");
+  int ready[2];
+  ASSERT_EQ(0, ::pipe(ready));
+  pid_t const listener = asNobody([&] {
+    Socket own;
+    own.createLocal(theirs.c_str());
+    if (::write(ready[1], "r", 1) != 1) return 1;
+    ::sleep(100);
+    return 0;
+  });
+  char byte = 0;
+  ASSERT_EQ(1, ::read(ready[0], &byte, 1));
+  Socket client;
+  EXPECT_EQ("Socket::connectLocal: " + theirs + " is not a channel of this user: it is not connected to.",
+            fatalText([&] { client.connectLocal(theirs.c_str()); }));
+  ASSERT_EQ(0, ::chown(theirs.c_str(), ::geteuid(), ::getegid()));
+  EXPECT_EQ("Socket::connectLocal: " + theirs +
+                " is served by user 65534, not by this user: the connection is refused.",
+            fatalText([&] { client.connectLocal(theirs.c_str()); }));
+  ::kill(listener, SIGKILL);
+  exitCode(listener);
+
+  std::string const ours = dir.file("ours");
+  vHandle<CommChan> server = CommChanMaker::local(ours.c_str());
+  ASSERT_EQ(0, ::chmod(ours.c_str(), 0777));
+  // Turned away, the stranger's connection ends without a byte.
+  pid_t const knocker = asNobody([&] {
+    int const fd = rawConnectLocal(ours);
+    return fd >= 0 && ::recv(fd, &byte, 1, 0) == 0 ? 0 : 1;
+  });
+  ASSERT_TRUE(server->waitOn(60.0f, CommChan::READ));
+  server->setMiscTimeout(0.5f);
+  EXPECT_EQ(CommChan::TIMEOUT, server->accept());
+  EXPECT_EQ(0, exitCode(knocker));
+  EXPECT_NE(infos().end(), std::find(infos().begin(), infos().end(),
+                                     "Socket::accept: Refused a connection to " + ours + " from user 65534."));
 }
 
 TEST_F(SocketTest, ClosedPeerIsAStatusNotAFailure) {

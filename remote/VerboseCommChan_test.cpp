@@ -82,7 +82,7 @@ TEST_F(VerboseCommChanTest, EachOperationIsOneLineAndArraysShowTheirFirstElement
   }
   expectLines(trace.str(), {
                                "",
-                               "VerboseCommChan: wrapping Socket [0-9]+ \\(local /tmp/Socket_.*\\)",
+                               "VerboseCommChan: wrapping Socket [0-9]+ \\(local .*/rondo-[0-9]+/Socket_.*\\)",
                                "CommChan::sendInt32\\(0x[0-9a-f]+, 2\\)  \\(Ex\\.<t> sec\\.\\)CommChan::OK \\(In\\.<t> sec\\.\\)",
                                " {39}array\\[0\\]:7",
                                "CommChan::receiveFloat64\\(0x[0-9a-f]+, 1\\)  \\(Ex\\.<t> sec\\.\\)CommChan::OK \\(In\\.<t> sec\\.\\)",
