@@ -35,9 +35,9 @@ CMPBasicGrid::CMPBasicGrid(int firstCMP, int cmpIncrement, int firstInline, int 
                            int firstCrossline, int crosslineIncrement, int numCrosslines,
                            vCoordinate const& realWorldOrigin, float inlineInterval, float crosslineInterval,
                            double rotationAngle, int ordering, vCoordinate const& surveyOrigin)
-    : CMPBasicGrid(firstCMP, cmpIncrement, firstInline, inlineIncrement, numInlines, firstCrossline,
-                   crosslineIncrement, numCrosslines, ordering == ALONG_CROSSLINES ? numInlines : numCrosslines,
-                   realWorldOrigin, inlineInterval, crosslineInterval, rotationAngle, ordering, surveyOrigin) {}
+    : CMPBasicGrid(firstCMP, cmpIncrement, firstInline, inlineIncrement, numInlines, firstCrossline, crosslineIncrement,
+                   numCrosslines, ordering == ALONG_CROSSLINES ? numInlines : numCrosslines, realWorldOrigin,
+                   inlineInterval, crosslineInterval, rotationAngle, ordering, surveyOrigin) {}
 
 CMPBasicGrid::CMPBasicGrid(int firstCMP, int cmpIncrement, int firstInline, int inlineIncrement, int numInlines,
                            int firstCrossline, int crosslineIncrement, int numCrosslines,
@@ -80,11 +80,9 @@ bool CMPBasicGrid::operator==(CMPBasicGrid const& o) const {
 
 void CMPBasicGrid::myCheckPaddedLine(int numBinsWithPadding, char const* label) const {
   if (m_ordering == ALONG_INLINES && numBinsWithPadding < m_numCrosslines)
-    Message::fatal(label, 0,
-                   "Number of CMPs in a CMPLine ALONG_INLINES must not be less than number of crosslines.");
+    Message::fatal(label, 0, "Number of CMPs in a CMPLine ALONG_INLINES must not be less than number of crosslines.");
   if (m_ordering == ALONG_CROSSLINES && numBinsWithPadding < m_numInlines)
-    Message::fatal(label, 0,
-                   "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines.");
+    Message::fatal(label, 0, "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines.");
 }
 
 void CMPBasicGrid::myCheckup() {
@@ -140,8 +138,7 @@ void CMPBasicGrid::setInlineInterval(float interval) {
 }
 
 void CMPBasicGrid::setCrosslineInterval(float interval) {
-  if (interval == 0.0f)
-    Message::fatal("CMPBasicGrid::setCrosslineInterval", 0, "CrosslineInterval must not be zero.");
+  if (interval == 0.0f) Message::fatal("CMPBasicGrid::setCrosslineInterval", 0, "CrosslineInterval must not be zero.");
   m_crosslineInterval = interval;
   m_binWidth = std::fabs(interval);
 }
@@ -151,8 +148,7 @@ void CMPBasicGrid::setCMPLineInc(int value) {
   if (value == 0) Message::fatal(label, 0, "CMPLineInc (%d) must NOT be 0.", value);
   if (m_cmpIncrement == 0) Message::fatal(label, 0, "CMP Increment (%d) must NOT be 0.", m_cmpIncrement);
   if (value % m_cmpIncrement != 0)
-    Message::fatal(label, 0, "CMPLineInc (%d) must be a multiple of the CMP increment (%d).", value,
-                   m_cmpIncrement);
+    Message::fatal(label, 0, "CMPLineInc (%d) must be a multiple of the CMP increment (%d).", value, m_cmpIncrement);
   setNumBinsAlongOrderingWithPadding(value / m_cmpIncrement);
 }
 
@@ -169,8 +165,8 @@ void CMPBasicGrid::getCMPInfo(int& firstCMP, int& lastCMP, int& cmpIncrement, in
   cmpLineIncrement = getCMPLineInc();
 }
 
-bool CMPBasicGrid::calculateCMP(int numBinsPerLine, int const inlines[3], int const crosslines[3],
-                                int const cmps[3], int& constant, int& a, int& b) {
+bool CMPBasicGrid::calculateCMP(int numBinsPerLine, int const inlines[3], int const crosslines[3], int const cmps[3],
+                                int& constant, int& a, int& b) {
   if (numBinsPerLine < 2) return false;
   for (int i = 0; i < 3; ++i)
     for (int j = i + 1; j < 3; ++j)
@@ -193,8 +189,8 @@ bool CMPBasicGrid::calculateCMP(int numBinsPerLine, int const inlines[3], int co
 void CMPBasicGrid::print(std::ostream& out) const {
   char line[160];
   out << "CMP Ordering       : " << (m_ordering == ALONG_INLINES ? "ALONG_INLINES" : "ALONG_CROSSLINES") << "\n";
-  std::snprintf(line, sizeof line, "CMP's              : %d - %d step %d, line step %d\n", m_firstCMP,
-                getLastCMP(), m_cmpIncrement, getCMPLineInc());
+  std::snprintf(line, sizeof line, "CMP's              : %d - %d step %d, line step %d\n", m_firstCMP, getLastCMP(),
+                m_cmpIncrement, getCMPLineInc());
   out << line;
   std::snprintf(line, sizeof line, "CMP                : %u\n", static_cast<unsigned>(getNumBins()));
   out << line;

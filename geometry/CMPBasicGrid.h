@@ -32,16 +32,16 @@ class CMPBasicGrid {
   // An empty grid: nothing is valid on it until values are assigned.
   CMPBasicGrid();
   // A grid without padding. ordering is 0 or 1 (an Ordering).
-  CMPBasicGrid(int firstCMP, int cmpIncrement, int firstInline, int inlineIncrement, int numInlines,
-               int firstCrossline, int crosslineIncrement, int numCrosslines, vCoordinate const& realWorldOrigin,
-               float inlineInterval, float crosslineInterval, double rotationAngle, int ordering = ALONG_INLINES,
+  CMPBasicGrid(int firstCMP, int cmpIncrement, int firstInline, int inlineIncrement, int numInlines, int firstCrossline,
+               int crosslineIncrement, int numCrosslines, vCoordinate const& realWorldOrigin, float inlineInterval,
+               float crosslineInterval, double rotationAngle, int ordering = ALONG_INLINES,
                vCoordinate const& surveyOrigin = vCoordinate());
   // The same with a number of CMPs reserved per CMP line, at least the bins
   // of a line.
-  CMPBasicGrid(int firstCMP, int cmpIncrement, int firstInline, int inlineIncrement, int numInlines,
-               int firstCrossline, int crosslineIncrement, int numCrosslines, int numBinsAlongOrderingWithPadding,
-               vCoordinate const& realWorldOrigin, float inlineInterval, float crosslineInterval,
-               double rotationAngle, int ordering = ALONG_INLINES, vCoordinate const& surveyOrigin = vCoordinate());
+  CMPBasicGrid(int firstCMP, int cmpIncrement, int firstInline, int inlineIncrement, int numInlines, int firstCrossline,
+               int crosslineIncrement, int numCrosslines, int numBinsAlongOrderingWithPadding,
+               vCoordinate const& realWorldOrigin, float inlineInterval, float crosslineInterval, double rotationAngle,
+               int ordering = ALONG_INLINES, vCoordinate const& surveyOrigin = vCoordinate());
   // A grid from the values of an SGD header: the real-world position of bin
   // (0, 0), the azimuths of the crossline and inline axes (radians,
   // counter-clockwise from the x axis), the crossline and inline intervals,
@@ -190,8 +190,8 @@ class CMPBasicGrid {
   void myCheckPaddedLine(int numBinsWithPadding, char const* label) const;
   // 1 when azimuthY is azimuthX plus a right angle, -1 when minus, else 0.
   static int myIsPerpendicular(double azimuthX, double azimuthY);
-  void myValidateSGDParameters(double azimuthX, double azimuthY, float dx, float dy, int firstInline,
-                               int lastInline, int firstCrossline, int lastCrossline) const;
+  void myValidateSGDParameters(double azimuthX, double azimuthY, float dx, float dy, int firstInline, int lastInline,
+                               int firstCrossline, int lastCrossline) const;
   std::vector<vCoordinate> myGetExtensionLocations(std::vector<ExactBinPos> const& positions) const;
   // The CMP-line index (from 1) of a CMP index.
   int myCMPLineIndex(int cmpIndex) const;

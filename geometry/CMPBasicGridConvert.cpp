@@ -9,8 +9,7 @@
 
 vCoordinate CMPBasicGrid::convertSurveyToRW(vCoordinate const& survey) const {
   vCoordinate const q = survey - m_surveyOrigin + m_rotatedOrigin;
-  return vCoordinate(q.getY() * m_sinMinusA + q.getX() * m_cosMinusA,
-                     q.getY() * m_cosMinusA - q.getX() * m_sinMinusA);
+  return vCoordinate(q.getY() * m_sinMinusA + q.getX() * m_cosMinusA, q.getY() * m_cosMinusA - q.getX() * m_sinMinusA);
 }
 
 vCoordinate CMPBasicGrid::convertRWToSurvey(vCoordinate const& rw) const {
@@ -101,14 +100,12 @@ int CMPBasicGrid::getLastCMP() const {
 
 int CMPBasicGrid::getLastInline() const { return (m_numInlines - 1) * m_inlineIncrement + m_firstInline; }
 
-int CMPBasicGrid::getLastCrossline() const {
-  return (m_numCrosslines - 1) * m_crosslineIncrement + m_firstCrossline;
-}
+int CMPBasicGrid::getLastCrossline() const { return (m_numCrosslines - 1) * m_crosslineIncrement + m_firstCrossline; }
 
 int CMPBasicGrid::convertCMPToCMPIndex(int cmp) const {
   if (!isValidCMP(cmp))
-    Message::fatal("CMPBasicGrid::convertCMPToCMPIndex", 0, "The given CMP (%d) is not on the CMP grid (%d+n*%d).",
-                   cmp, m_firstCMP, m_cmpIncrement);
+    Message::fatal("CMPBasicGrid::convertCMPToCMPIndex", 0, "The given CMP (%d) is not on the CMP grid (%d+n*%d).", cmp,
+                   m_firstCMP, m_cmpIncrement);
   int const k = (cmp - m_firstCMP) / m_cmpIncrement;
   return k + 1 - (k / m_numBinsAlongOrderingWithPadding) * m_padding;
 }

@@ -2,13 +2,13 @@
 // (testdata/grid_peer.py, run by /usr/bin/python3). The peer must be there.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "geometry/CMPBasicGrid.h"
@@ -21,8 +21,8 @@ std::vector<std::string> runPeer(std::string const& args, std::string const& inp
   std::string const in = dir + "grid_peer_in_" + std::to_string(getpid());
   std::string const out = dir + "grid_peer_out_" + std::to_string(getpid());
   std::ofstream(in) << input;
-  std::string const command = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/geometry/testdata/grid_peer.py " + args +
-                              " < " + in + " > " + out;
+  std::string const command =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/geometry/testdata/grid_peer.py " + args + " < " + in + " > " + out;
   int const rc = std::system(command.c_str());
   EXPECT_EQ(0, rc) << "the numpy peer failed: " << command;
   std::vector<std::string> lines;

@@ -46,8 +46,8 @@ void CMPBasicGrid::myValidateSGDParameters(double azimuthX, double azimuthY, flo
   if (!complaints.isEmpty()) Message::fatal("CMPBasicGrid::myValidateSGDParameters", 0, "%s", complaints.c_str());
 }
 
-CMPBasicGrid::CMPBasicGrid(double x0, double y0, double azimuthX, double azimuthY, float dx, float dy,
-                           int firstInline, int lastInline, int firstCrossline, int lastCrossline)
+CMPBasicGrid::CMPBasicGrid(double x0, double y0, double azimuthX, double azimuthY, float dx, float dy, int firstInline,
+                           int lastInline, int firstCrossline, int lastCrossline)
     : CMPBasicGrid() {
   myValidateSGDParameters(azimuthX, azimuthY, dx, dy, firstInline, lastInline, firstCrossline, lastCrossline);
   m_units = 1;
@@ -87,9 +87,8 @@ bool CMPBasicGrid::isValidForSGDGrid(vString* reason) const {
   return why == nullptr;
 }
 
-void CMPBasicGrid::getSGDGridValues(double& x0, double& y0, double& azimuthX, double& azimuthY, float& dx,
-                                    float& dy, int& firstInline, int& lastInline, int& firstCrossline,
-                                    int& lastCrossline) const {
+void CMPBasicGrid::getSGDGridValues(double& x0, double& y0, double& azimuthX, double& azimuthY, float& dx, float& dy,
+                                    int& firstInline, int& lastInline, int& firstCrossline, int& lastCrossline) const {
   vString reason;
   if (!isValidForSGDGrid(&reason)) Message::fatal("CMPBasicGrid::getSGDGridValues", 0, "%s", reason.c_str());
   vCoordinate const origin = convertSurveyToRW(convertBinToSurvey(BinPos(0, 0)));

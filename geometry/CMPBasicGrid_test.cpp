@@ -63,7 +63,8 @@ TEST(CMPBasicGrid, SurveyOriginAndIntervals) {
   EXPECT_EQ(g.getSurveyOrigin(), g.convertBinToSurvey(BinPos(100, 20)));
   EXPECT_EQ(BinPos(100, 20), g.convertSurveyToBin(g.getSurveyOrigin()));
   // Without rotation the real world is the survey frame shifted.
-  EXPECT_EQ(vCoordinate(1000.0 + 2 * 12.5, 2000.0 + 3 * 25.0), g.convertSurveyToRW(g.convertBinToSurvey(BinPos(106, 22))));
+  EXPECT_EQ(vCoordinate(1000.0 + 2 * 12.5, 2000.0 + 3 * 25.0),
+            g.convertSurveyToRW(g.convertBinToSurvey(BinPos(106, 22))));
   ExactBinPos const e = g.convertSurveyToExactBin(vCoordinate(6.25, 37.5));
   EXPECT_DOUBLE_EQ(103.0, e.getInline());
   EXPECT_DOUBLE_EQ(20.5, e.getCrossline());
@@ -91,7 +92,8 @@ TEST(CMPBasicGrid, RotatedRoundTripThroughBinsAndCMPs) {
     ASSERT_TRUE(g.convertRWToCMPandBin(off, cmp, bin));
     EXPECT_EQ(g.convertCMPIndexToCMP(index), cmp);
     EXPECT_TRUE(centre.within(g.convertSurveyToRW(g.convertCMPToSurvey(cmp)), tolerance));
-    vCoordinate const back = g.convertSurveyToRW(g.convertBinToSurvey(g.convertSurveyToExactBin(g.convertRWToSurvey(off))));
+    vCoordinate const back =
+        g.convertSurveyToRW(g.convertBinToSurvey(g.convertSurveyToExactBin(g.convertRWToSurvey(off))));
     EXPECT_TRUE(off.within(back, tolerance));
     ++checked;
   }
@@ -121,8 +123,9 @@ TEST(CMPBasicGrid, ChecksOfConstructionAndSetting) {
       {5, 5, 5, 1, 2, 1, 1, "CMPBasicGrid::CMPBasicGrid", "Unexpected Ordering option (2)."},
   };
   for (Case const& c : cases)
-    expectFailure([&] { CMPBasicGrid(1, c.cmpInc, 1, 1, c.nIl, 1, 1, c.nXl, c.padded, o, c.ilInt, c.xlInt, 0.0, c.ordering); },
-                  c.method, c.text);
+    expectFailure(
+        [&] { CMPBasicGrid(1, c.cmpInc, 1, 1, c.nIl, 1, 1, c.nXl, c.padded, o, c.ilInt, c.xlInt, 0.0, c.ordering); },
+        c.method, c.text);
 
   CMPBasicGrid g(1, 2, 1, 1, 3, 1, 1, 4, o, 1.0f, 1.0f, 0.0);
   expectFailure([&] { g.setCMPLineInc(0); }, "CMPBasicGrid::setCMPLineInc", "CMPLineInc (0) must NOT be 0.");

@@ -17,12 +17,23 @@ vLCString const CMPGrid::GRID_SUBCLASS("cmp");
 
 namespace {
 
-char const* const Mandatory[] = {
-    "CROSSLINE_INCREMENT", "FIRST_CROSSLINE",    "INLINE_INCREMENT",   "FIRST_INLINE",
-    "NUM_CROSSLINES",      "NUM_INLINES",        "INLINE_INTERVAL",    "CROSSLINE_INTERVAL",
-    "CMP_INCREMENT",       "FIRST_CMP",          "X_REALWORLD_ORIGIN", "Y_REALWORLD_ORIGIN",
-    "X_SURVEY_ORIGIN",     "Y_SURVEY_ORIGIN",    "ROTATION_ANGLE",     "CMP_ORDERING",
-    "UNITS"};
+char const* const Mandatory[] = {"CROSSLINE_INCREMENT",
+                                 "FIRST_CROSSLINE",
+                                 "INLINE_INCREMENT",
+                                 "FIRST_INLINE",
+                                 "NUM_CROSSLINES",
+                                 "NUM_INLINES",
+                                 "INLINE_INTERVAL",
+                                 "CROSSLINE_INTERVAL",
+                                 "CMP_INCREMENT",
+                                 "FIRST_CMP",
+                                 "X_REALWORLD_ORIGIN",
+                                 "Y_REALWORLD_ORIGIN",
+                                 "X_SURVEY_ORIGIN",
+                                 "Y_SURVEY_ORIGIN",
+                                 "ROTATION_ANGLE",
+                                 "CMP_ORDERING",
+                                 "UNITS"};
 
 char const* const PaddedLine = "NUM_BINS_ALONG_ORDERING_WITH_PADDING";
 char const* const CMPLineIncrement = "CMPLINE_INCREMENT";
@@ -43,7 +54,9 @@ void put(Store& store, char const* name, T value) {
 CMPGrid::CMPGrid(Store const& store) { loadFromStore(store); }
 
 CMPGrid::CMPGrid(StoreDescription const& description) {
-  myLoadFrom(StoreFactory::openStore(description, vLCString(), nullptr));
+  StoreDescription grid(description);
+  if (grid.getStoreClass().isBlank()) grid.setStoreClass(GRID_CLASS);
+  myLoadFrom(StoreFactory::openStore(grid, vLCString(), nullptr));
 }
 
 CMPGrid::CMPGrid(FullStoreName const& name) : CMPGrid(StoreDescription(name)) {}
@@ -84,15 +97,14 @@ void CMPGrid::loadFromStore(Store const& store) {
   else if (store.PropertyI::hasProperty(vUCString(CMPLineIncrement)) && cmpIncrement != 0)
     padded = get(store, CMPLineIncrement).getInt32() / cmpIncrement;
 
-  CMPBasicGrid grid(get(store, "FIRST_CMP").getInt32(), cmpIncrement, get(store, "FIRST_INLINE").getInt32(),
-                    get(store, "INLINE_INCREMENT").getInt32(), numInlines, get(store, "FIRST_CROSSLINE").getInt32(),
-                    get(store, "CROSSLINE_INCREMENT").getInt32(), numCrosslines, padded,
-                    vCoordinate(get(store, "X_REALWORLD_ORIGIN").getFloat64(),
-                                get(store, "Y_REALWORLD_ORIGIN").getFloat64()),
-                    get(store, "INLINE_INTERVAL").getFloat32(), get(store, "CROSSLINE_INTERVAL").getFloat32(),
-                    get(store, "ROTATION_ANGLE").getFloat64(), order,
-                    vCoordinate(get(store, "X_SURVEY_ORIGIN").getFloat64(),
-                                get(store, "Y_SURVEY_ORIGIN").getFloat64()));
+  CMPBasicGrid grid(
+      get(store, "FIRST_CMP").getInt32(), cmpIncrement, get(store, "FIRST_INLINE").getInt32(),
+      get(store, "INLINE_INCREMENT").getInt32(), numInlines, get(store, "FIRST_CROSSLINE").getInt32(),
+      get(store, "CROSSLINE_INCREMENT").getInt32(), numCrosslines, padded,
+      vCoordinate(get(store, "X_REALWORLD_ORIGIN").getFloat64(), get(store, "Y_REALWORLD_ORIGIN").getFloat64()),
+      get(store, "INLINE_INTERVAL").getFloat32(), get(store, "CROSSLINE_INTERVAL").getFloat32(),
+      get(store, "ROTATION_ANGLE").getFloat64(), order,
+      vCoordinate(get(store, "X_SURVEY_ORIGIN").getFloat64(), get(store, "Y_SURVEY_ORIGIN").getFloat64()));
   grid.setUnits(get(store, "UNITS").getString() != vString("FEET"));
   CMPBasicGrid::operator=(grid);
 }
@@ -158,9 +170,8 @@ void CMPGrid::createGridStore(vHandle<Project> const& project, vLCString const& 
 }
 
 void CMPGrid::createGridStore(vHandle<Project> const& project, FullStoreName const& name) const {
-  myWriteGridStore(project, name.getFullName(), [&name](Store& store) {
-    store.create(name, GRID_CLASS, GRID_SUBCLASS, KeyList(), nullptr);
-  });
+  myWriteGridStore(project, name.getFullName(),
+                   [&name](Store& store) { store.create(name, GRID_CLASS, GRID_SUBCLASS, KeyList(), nullptr); });
 }
 
 void CMPGrid::updateGridStore(StoreDescription const& description) const { myWriteGridStore(description, false); }

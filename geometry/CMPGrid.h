@@ -23,8 +23,10 @@ class CMPGrid : public CMPBasicGrid {
   using CMPBasicGrid::CMPBasicGrid;
   CMPGrid() = default;
   explicit CMPGrid(CMPBasicGrid const& grid) : CMPBasicGrid(grid) {}
-  // The grid of a store, opened for reading where it is not open yet.
+  // The grid of an open store.
   explicit CMPGrid(Store const& store);
+  // The grid of a grid store, opened for reading (a live in-memory store is
+  // read as it is).
   explicit CMPGrid(StoreDescription const& description);
   explicit CMPGrid(FullStoreName const& name);
   CMPGrid(vHandle<Project> const& project, vLCString const& storeName, int version);

@@ -17,8 +17,8 @@
 namespace {
 
 CMPGrid rotatedPadded() {
-  return CMPGrid(101, -3, 2000, 2, 30, 400, -1, 70, 75, vCoordinate(612345.125, 5712345.875), -25.0f, 12.5f,
-                 0.4321, CMPBasicGrid::ALONG_INLINES, vCoordinate(-50.0, 75.0));
+  return CMPGrid(101, -3, 2000, 2, 30, 400, -1, 70, 75, vCoordinate(612345.125, 5712345.875), -25.0f, 12.5f, 0.4321,
+                 CMPBasicGrid::ALONG_INLINES, vCoordinate(-50.0, 75.0));
 }
 
 TEST(CMPGrid, KeptAsPropertiesOfAnInMemoryStore) {
@@ -86,7 +86,8 @@ TEST(CMPGrid, GridStoresThroughTheStoreFactory) {
     ADD_FAILURE() << "a grid store was made of an unknown format";
   } catch (UtlExcept const& e) {
     std::string const reason = e.getReason().c_str();
-    EXPECT_EQ(0u, reason.find("Requested Grid '" + std::string(unwritable.toString().c_str()) + "' could not be created."))
+    EXPECT_EQ(0u,
+              reason.find("Requested Grid '" + std::string(unwritable.toString().c_str()) + "' could not be created."))
         << reason;
   }
 }

@@ -140,7 +140,8 @@ bool OGRProjector::convertLatLongToRW(int n, double* x, double* y, int flags) {
     bool near = false;
     for (int i = 0; i < n && !near; ++i) near = std::fabs(std::remainder(x[i] - meridian, 360.0)) < MeridianLimit;
     if (!near) {
-      if (tracing) DornDebug::printf("%s: Shape is not close to central meridian--transformation skipped", myTraceName());
+      if (tracing)
+        DornDebug::printf("%s: Shape is not close to central meridian--transformation skipped", myTraceName());
       return false;
     }
   }

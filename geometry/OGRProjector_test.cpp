@@ -4,6 +4,7 @@
 #include "geometry/OGRProjector.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +12,6 @@
 #include <memory>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "foundation/ErrorHandler.h"
@@ -24,14 +24,14 @@ namespace {
 class ErrorRecorder : public ErrorHandler {
  public:
   ErrorRecorder() { RaiseError::getInstance()->install(this); }
-  ~ErrorRecorder() override {
-    RaiseError::getInstance()->uninstall(this);
-  }
+  ~ErrorRecorder() override { RaiseError::getInstance()->uninstall(this); }
   std::vector<std::string> errors;
 
  protected:
   void doFatal(char const*, int, char const*) override {}
-  void doError(char const* label, int, char const* text) override { errors.push_back(std::string(label) + ": " + text); }
+  void doError(char const* label, int, char const* text) override {
+    errors.push_back(std::string(label) + ": " + text);
+  }
   void doInfo(char const*, int, char const*) override {}
 };
 
@@ -73,8 +73,15 @@ TEST(OGRProjector, AgreesWithCs2csToAMillimetre) {
   Case const cases[] = {
       {"WGS84", 0, 31, true, false, {{3.0, 52.0}, {5.5, 51.2}, {0.5, 49.0}}, "EPSG:4326", "EPSG:32631", true},
       {"", 32733, 0, false, false, {{15.0, -20.0}, {12.1, -5.0}}, "EPSG:4326", "EPSG:32733", true},
-      {"NAD27", 0, 15, true, true, {{-93.0, 30.0}, {-95.2, 29.7}},
-       "+proj=longlat +ellps=clrk66 +no_defs", "+to +proj=utm +zone=15 +ellps=clrk66 +units=ft +no_defs", false},
+      {"NAD27",
+       0,
+       15,
+       true,
+       true,
+       {{-93.0, 30.0}, {-95.2, 29.7}},
+       "+proj=longlat +ellps=clrk66 +no_defs",
+       "+to +proj=utm +zone=15 +ellps=clrk66 +units=ft +no_defs",
+       false},
       {"", 27700, 0, true, false, {{-1.5, 52.6}, {-3.0, 55.0}}, "EPSG:4277", "EPSG:27700", true},
       // A code wins over a zone.
       {"EPSG:4326", 32632, 31, true, false, {{9.0, 45.0}}, "EPSG:4326", "EPSG:32632", true},
@@ -127,8 +134,8 @@ TEST(OGRProjector, LongitudeIsXWhateverTheAuthoritysOrder) {
   ASSERT_TRUE(projector.convertLatLongToRW(1, &x, &y, 0));
   EXPECT_NEAR(500000.0, x, 1e-6);
   EXPECT_GT(y, 5.7e6);
-  EXPECT_NE(std::string::npos,
-            std::string(projector.getDescription(CoordinateProjector::ProjectedSystem).c_str()).find("    Central Meridian = 3\n"));
+  EXPECT_NE(std::string::npos, std::string(projector.getDescription(CoordinateProjector::ProjectedSystem).c_str())
+                                   .find("    Central Meridian = 3\n"));
 }
 
 TEST(OGRProjector, PointsFarFromTheCentralMeridianAreLeftAlone) {
@@ -163,9 +170,10 @@ TEST(OGRProjector, UndefinedSystemsAreReportedNotRaised) {
   EXPECT_FALSE(none.isValid());
   EXPECT_FALSE(none.convertRWToLatLong(1, &x, &y));
   EXPECT_EQ("Projection technology not available on this platform.", std::string(none.getDescription(0).c_str()));
-  EXPECT_EQ("NoProjector::convertRWToLatLong: Operation unavailable--the lat/long map projection toolkit is not "
-            "available.",
-            recorder.errors.back());
+  EXPECT_EQ(
+      "NoProjector::convertRWToLatLong: Operation unavailable--the lat/long map projection toolkit is not "
+      "available.",
+      recorder.errors.back());
 }
 
 class Counter : public CoordinateProjectionSubscriber {
@@ -181,8 +189,8 @@ TEST(CoordinateDatum, NamesCodesAndNotification) {
   struct {
     char const* name;
     int code;
-  } const names[] = {{"WGS84", 4326}, {"WGS72", 4322}, {"NAD27", 4267}, {"NAD83", 4269},
-                     {"EPSG:2000", 2000}, {"EPSG:", 0}, {"Bessel", 0}};
+  } const names[] = {{"WGS84", 4326},     {"WGS72", 4322}, {"NAD27", 4267}, {"NAD83", 4269},
+                     {"EPSG:2000", 2000}, {"EPSG:", 0},    {"Bessel", 0}};
   for (auto const& n : names) {
     projection.setGeodeticDatum(n.name);
     EXPECT_EQ(n.code, projection.getGCSCode()) << n.name;

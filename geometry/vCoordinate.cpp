@@ -15,9 +15,7 @@ vCoordinate& vCoordinate::operator-=(vCoordinate const& o) {
   return *this;
 }
 
-bool vCoordinate::operator<(vCoordinate const& o) const {
-  return m_x < o.m_x || (m_x == o.m_x && m_y < o.m_y);
-}
+bool vCoordinate::operator<(vCoordinate const& o) const { return m_x < o.m_x || (m_x == o.m_x && m_y < o.m_y); }
 
 double vCoordinate::getDistance(vCoordinate const& o) const { return std::hypot(m_x - o.m_x, m_y - o.m_y); }
 
