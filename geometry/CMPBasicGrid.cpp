@@ -1,5 +1,6 @@
 #include "geometry/CMPBasicGrid.h"
 
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <ostream>
@@ -93,6 +94,13 @@ void CMPBasicGrid::myCheckup() {
   if (m_crosslineInterval == 0.0f) Message::fatal(label, 0, "CrosslineInterval must not be zero.");
   if (m_cmpIncrement == 0) Message::fatal(label, 0, "CMP Increment must be not be 0.");
   myCheckPaddedLine(m_numBinsAlongOrderingWithPadding, label);
+  // Line numbers are divided by these; a zero would stop the program.
+  if (m_inlineIncrement == 0) Message::fatal(label, 0, "Inline Increment must not be 0.");
+  if (m_crosslineIncrement == 0) Message::fatal(label, 0, "Crossline Increment must not be 0.");
+  long long const lines = m_ordering == ALONG_INLINES ? m_numInlines : m_numCrosslines;
+  long long const span = static_cast<long long>(m_numBinsAlongOrderingWithPadding) * lines * m_cmpIncrement;
+  if (span + m_firstCMP > INT_MAX || span + m_firstCMP < INT_MIN || lines * m_numBinsAlongOrderingWithPadding > INT_MAX)
+    Message::fatal(label, 0, "The grid has more CMP numbers than an int holds (%lld).", span);
   m_rotatedOrigin = m_realWorldOrigin;
   m_rotatedOrigin.rotate(m_rotationAngle);
   m_binWidth = std::fabs(m_crosslineInterval);

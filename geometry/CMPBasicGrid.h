@@ -193,6 +193,8 @@ class CMPBasicGrid {
   void myValidateSGDParameters(double azimuthX, double azimuthY, float dx, float dy, int firstInline, int lastInline,
                                int firstCrossline, int lastCrossline) const;
   std::vector<vCoordinate> myGetExtensionLocations(std::vector<ExactBinPos> const& positions) const;
+  // Fatal for an index outside the grid.
+  void myCheckCMPIndex(int index, char const* label) const;
   // The CMP-line index (from 1) of a CMP index.
   int myCMPLineIndex(int cmpIndex) const;
 

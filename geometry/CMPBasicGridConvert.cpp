@@ -111,30 +111,34 @@ int CMPBasicGrid::convertCMPToCMPIndex(int cmp) const {
 }
 
 int CMPBasicGrid::convertCMPIndexToCMP(int index) const {
-  if (!isValidCMPIndex(index))
-    Message::fatal("CMPBasicGrid::convertCMPIndexToCMP", 0,
-                   "CMP index must be between 1 and %d inclusive, supplied value was %d", getNumBins(), index);
+  myCheckCMPIndex(index, "CMPBasicGrid::convertCMPIndexToCMP");
   int cmp = m_firstCMP + (index - 1) * m_cmpIncrement;
   if (m_padding != 0) cmp += (myCMPLineIndex(index) - 1) * m_padding * m_cmpIncrement;
   return cmp;
 }
 
+void CMPBasicGrid::myCheckCMPIndex(int index, char const* label) const {
+  if (!isValidCMPIndex(index))
+    Message::fatal(label, 0, "CMP index must be between 1 and %d inclusive, supplied value was %d", getNumBins(),
+                   index);
+}
+
 int CMPBasicGrid::convertCMPIndexToInline(int index) const {
+  myCheckCMPIndex(index, "CMPBasicGrid::convertCMPIndexToInline");
   int const i = index - 1;
   int const position = m_ordering == ALONG_INLINES ? i / m_numCrosslines : i % m_numInlines;
   return position * m_inlineIncrement + m_firstInline;
 }
 
 int CMPBasicGrid::convertCMPIndexToCrossline(int index) const {
+  myCheckCMPIndex(index, "CMPBasicGrid::convertCMPIndexToCrossline");
   int const i = index - 1;
   int const position = m_ordering == ALONG_INLINES ? i % m_numCrosslines : i / m_numInlines;
   return position * m_crosslineIncrement + m_firstCrossline;
 }
 
 BinPos CMPBasicGrid::convertCMPIndexToBin(int index) const {
-  if (!isValidCMPIndex(index))
-    Message::fatal("CMPBasicGrid::convertCMPIndexToBin", 0,
-                   "CMP index must be between 1 and %d inclusive, supplied value was %d", getNumBins(), index);
+  myCheckCMPIndex(index, "CMPBasicGrid::convertCMPIndexToBin");
   return BinPos(convertCMPIndexToInline(index), convertCMPIndexToCrossline(index));
 }
 

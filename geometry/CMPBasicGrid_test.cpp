@@ -121,11 +121,18 @@ TEST(CMPBasicGrid, ChecksOfConstructionAndSetting) {
       {6, 5, 5, 1, 1, 1, 1, "CMPBasicGrid::myCheckup",
        "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines."},
       {5, 5, 5, 1, 2, 1, 1, "CMPBasicGrid::CMPBasicGrid", "Unexpected Ordering option (2)."},
+      {50000, 50000, 50000, 1, 0, 1, 1, "CMPBasicGrid::myCheckup",
+       "The grid has more CMP numbers than an int holds (2500000000)."},
   };
   for (Case const& c : cases)
     expectFailure(
         [&] { CMPBasicGrid(1, c.cmpInc, 1, 1, c.nIl, 1, 1, c.nXl, c.padded, o, c.ilInt, c.xlInt, 0.0, c.ordering); },
         c.method, c.text);
+
+  expectFailure([&] { CMPBasicGrid(1, 1, 1, 0, 5, 1, 1, 5, o, 1.0f, 1.0f, 0.0); }, "CMPBasicGrid::myCheckup",
+                "Inline Increment must not be 0.");
+  expectFailure([] { CMPBasicGrid().convertCMPIndexToInline(1); }, "CMPBasicGrid::convertCMPIndexToInline",
+                "CMP index must be between 1 and 0 inclusive, supplied value was 1");
 
   CMPBasicGrid g(1, 2, 1, 1, 3, 1, 1, 4, o, 1.0f, 1.0f, 0.0);
   expectFailure([&] { g.setCMPLineInc(0); }, "CMPBasicGrid::setCMPLineInc", "CMPLineInc (0) must NOT be 0.");

@@ -1,6 +1,7 @@
 #include "geometry/OGRProjector.h"
 
 #include <cpl_conv.h>
+#include <cpl_error.h>
 #include <ogr_spatialref.h>
 
 #include <cmath>
@@ -37,6 +38,23 @@ void addLine(vString& text, char const* label, double value) {
   addLine(text, label, number);
 }
 
+// GDAL's own reports go to the trace rather than to standard error: the
+// projector reports through Message what it could not do.
+class QuietGDAL {
+ public:
+  QuietGDAL() {
+    CPLErrorReset();
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+  }
+  ~QuietGDAL() {
+    CPLPopErrorHandler();
+    if (DornDebug::isEnabled() && CPLGetLastErrorNo() != CPLE_None)
+      DornDebug::printf("CoordinateProjector: GDAL: %s", CPLGetLastErrorMsg());
+  }
+  QuietGDAL(QuietGDAL const&) = delete;
+  QuietGDAL& operator=(QuietGDAL const&) = delete;
+};
+
 }  // namespace
 
 OGRProjector::OGRProjector() : m_projected(nullptr), m_toRW(nullptr), m_toLatLong(nullptr) {
@@ -65,6 +83,7 @@ void OGRProjector::myCreateCoordinateTransformations() {
   char const* label = "OGRProjector::myCreateCoordinateTransformations";
   CoordinateProjection const& projection = getProjection();
   bool const tracing = DornDebug::isEnabled();
+  QuietGDAL quiet;
   myDeleteTransformations();
   delete m_projected;
   m_projected = new OGRSpatialReference();
@@ -146,6 +165,7 @@ bool OGRProjector::convertLatLongToRW(int n, double* x, double* y, int flags) {
     }
   }
   std::vector<int> states(n > 0 ? n : 1);
+  QuietGDAL quiet;
   bool const done = m_toRW->Transform(n, x, y, nullptr, states.data()) != 0;
   if (!done && tracing) myTraceStates(n, states.data());
   return done;
@@ -155,6 +175,7 @@ bool OGRProjector::convertRWToLatLong(int n, double* x, double* y) {
   if (!m_toLatLong) update();
   if (!m_toLatLong) return false;
   std::vector<int> states(n > 0 ? n : 1);
+  QuietGDAL quiet;
   bool const done = m_toLatLong->Transform(n, x, y, nullptr, states.data()) != 0;
   if (!done && DornDebug::isEnabled()) myTraceStates(n, states.data());
   return done;

@@ -165,6 +165,9 @@ TEST(OGRProjector, UndefinedSystemsAreReportedNotRaised) {
       "OGRProjector::getDescription: The projected coordinate system has not been defined."};
   EXPECT_EQ(expected, recorder.errors);
   EXPECT_EQ(3.0, x);
+  projector.getProjection().setPCSCode(999999);
+  EXPECT_FALSE(projector.isValid());
+  EXPECT_EQ(expected[1], recorder.errors.back());
 
   NoProjector none;
   EXPECT_FALSE(none.isValid());
