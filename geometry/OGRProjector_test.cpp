@@ -147,6 +147,8 @@ TEST(OGRProjector, PointsFarFromTheCentralMeridianAreLeftAlone) {
   EXPECT_EQ(51.0, y[1]);
   EXPECT_TRUE(projector.convertLatLongToRW(2, x, y, CoordinateProjector::IgnoreCentralMeridian));
   EXPECT_GT(x[0], 1e6);
+  double lon[] = {3.0, 4.0}, lat[] = {50.0, 95.0};
+  EXPECT_FALSE(projector.convertLatLongToRW(2, lon, lat, 0)) << "a latitude beyond the pole";
 }
 
 TEST(OGRProjector, UndefinedSystemsAreReportedNotRaised) {
