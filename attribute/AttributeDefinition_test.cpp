@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -16,7 +15,7 @@
 namespace {
 
 std::string shippedRelease() {
-  return (std::filesystem::path(__FILE__).parent_path().parent_path() / "release").string() + "/";
+  return std::string(RONDO_TEST_SOURCE_DIR) + "/release/";
 }
 
 std::size_t countWords(std::string const& path) {
