@@ -105,7 +105,8 @@ report() {  # reason, method
   printf '\n\n%s\n%s\n   (Method=%s)\n%s\n' "$banner" "$1" "$2" "$rule"
 }
 
-unset RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER SP_CAPI_DATASERVER SP_DATASERVER_BACKEND
+unset RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER SP_CAPI_DATASERVER SP_DATASERVER_ROOT
+export SP_DATASERVER_BACKEND=UnitTest
 [ -n "${VSERVER:-}" ] || fail "VSERVER must name the DataServer program"
 # The server logs to its home directory.
 export HOME="$work"

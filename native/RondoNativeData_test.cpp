@@ -205,7 +205,7 @@ class RondoData : public ::testing::Test {
     m_tree.setEnv("HOME", m_tree.workDir());
     m_tree.setEnv("VSERVER", buildTree() + "/bin/DataServer");
     m_tree.unsetEnv("SP_CAPI_DATASERVER");
-    m_tree.unsetEnv("SP_DATASERVER_BACKEND");
+    m_tree.setEnv("SP_DATASERVER_BACKEND", "UnitTest");
     m_tree.unsetEnv("CAPI_DISABLERONDODATASERVER");
     std::string const d = s_dir + "/";
     m_tree.setEnv("RONDO_UNITTEST_STORES", "line.1:seismic:2d:" + d + "line.store late.3:seismic:2d:" + d +

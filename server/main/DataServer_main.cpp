@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
   DataServerSession session(channel, log);
   session.note("serving %s at %s", argv[1], argv[2]);
   try {
-    registerRondoClasses();
+    registerDataServerClasses();
     session.setFailure(checkArguments(argc, argv, session));
   } catch (UtlExcept const& e) {
     session.setFailure(e.getReason());
