@@ -85,7 +85,7 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
 
   vHandle<Project> project = openProject(catalog, "survey");
-  std::vector<std::string> const all = {"empty", "fake", "line1"};
+  std::vector<std::string> const all = {"empty.1", "fake.1", "line1.1"};
   EXPECT_EQ(all, names(*project->getStoreList("", "")));
   EXPECT_EQ(all, names(*project->getStoreList("SEISMIC", "")));
   EXPECT_TRUE(project->getStoreList("horizon", "")->empty());

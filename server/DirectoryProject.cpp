@@ -99,7 +99,7 @@ vHandle<Project::StoreList> DirectoryProject::getStoreList(vLCString const& stor
   vHandle<StoreList> list(new StoreList);
   for (Entry const& entry : myScan())
     if (matches(storeClass, entry.details.getClass()) && matches(subClass, entry.details.getSubClass()))
-      list->push_back(entry.details.getName());
+      list->push_back(vLCString(entry.details.getName() + ".1"));
   return list;
 }
 

@@ -5,7 +5,7 @@
 // <root>/<name> (see DirectoryProjectCatalog). Every file of it that the
 // store factory can identify is a store, named by the file's name without
 // its extension, in lower case, version 1, of the class the factory gives
-// its format. Of two files that give one store name the first in name
+// its format (the store list shows "name.1", as every project does). Of two files that give one store name the first in name
 // order is the store, and the server's log (its standard error) says which
 // was skipped. Files that are not identified are left out. The directory is
 // read again at every question, so files put in while the server runs are
