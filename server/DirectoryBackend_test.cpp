@@ -52,6 +52,7 @@ class DirectoryBackend : public ClientTest {
     write(survey + "line1.SGY", w.file(4));
     write(survey + "line1.sgy", w.file(2));
     write(survey + "notes.txt", "no store");
+    write(survey + "cut.sgy", w.file(4));
     write(survey + "empty.sgy", "");
     write(survey + "fake.sgy", std::string(4000, 'x'));
     write(m_dir.file("outside.sgy"), w.file(3));
@@ -85,7 +86,7 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
 
   vHandle<Project> project = openProject(catalog, "survey");
-  std::vector<std::string> const all = {"empty.1", "fake.1", "line1.1"};
+  std::vector<std::string> const all = {"cut.1", "empty.1", "fake.1", "line1.1"};
   EXPECT_EQ(all, names(*project->getStoreList("", "")));
   EXPECT_EQ(all, names(*project->getStoreList("SEISMIC", "")));
   EXPECT_TRUE(project->getStoreList("horizon", "")->empty());
@@ -127,6 +128,16 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   Attribute cmp = line.getAttribute("CMP");
   line.read(cmp, 3, 4);
   EXPECT_EQ(segy_testing::goldenHeader(4, 20), cmp.getInt32(2));
+
+  // A file cut short while open: its store's error, and the others served.
+  ClientAttributeSet cut(project);
+  cut.open("cut", 1, "", "", nullptr);
+  Attribute trace = cut.getAttribute("TRACE");
+  cut.read(trace, 1, 1);
+  ASSERT_EQ(0, ::truncate((m_root + "/survey/cut.sgy").c_str(), 3600 + 2 * 260));
+  EXPECT_EQ(said("Failed to read instance 3"), fatalText([&] { cut.read(trace, 3, 4); }));
+  line.read(cmp, 1, 1);
+  EXPECT_EQ(segy_testing::goldenHeader(1, 20), cmp.getInt32(1));
 }
 
 TEST_F(DirectoryBackend, NoRootIsTheServersAnswer) {
