@@ -4,7 +4,9 @@ package com.nyx.orda.business.io.protocols.rondo;
  * The user's path timed: the Java host loads every trace of a data set into
  * float arrays by ranges of RANGE traces, and one header word of every
  * trace into an int array, through the data server. Prints the best of
- * REPEATS runs of each, in milliseconds.
+ * REPEATS runs of each, in milliseconds, and the first header load, which
+ * opens the store; later header loads are answered from what the layers
+ * below keep.
  *
  *   RondoLoadBench SERVER PROJECT DATA TRACES RANGE HEADER REPEATS
  */
@@ -22,9 +24,13 @@ public class RondoLoadBench {
             System.exit(1);
         }
         int[] words = new int[traces];
+        // The first load opens the store in the server and reads the word
+        // from every trace header of the file.
+        long opening = System.nanoTime();
         if (!loader.RondoLoadAttributeI(data, header, words)) {
             System.exit(1);
         }
+        opening = System.nanoTime() - opening;
         int samples = 0;
         float[] probe = new float[1 << 16];
         if (loader.RondoLoadAttributeF(data, "TRACE", probe, 0, 1)) {
@@ -52,7 +58,7 @@ public class RondoLoadBench {
             bestHeader = Math.min(bestHeader, System.nanoTime() - start);
             check += words[traces - 1];
         }
-        System.out.printf("JavaTraces %.1f ms%nJavaHeaderWord %.1f ms%n(check %.1f)%n", bestTraces / 1e6,
-                          bestHeader / 1e6, check);
+        System.out.printf("JavaTraces %.1f ms%nJavaHeaderWordFirst %.1f ms%nJavaHeaderWord %.1f ms%n(check %.1f)%n",
+                          bestTraces / 1e6, opening / 1e6, bestHeader / 1e6, check);
     }
 }
