@@ -4,8 +4,8 @@ package com.nyx.orda.business.io.protocols.rondo;
  * The user's path timed: the Java host loads every trace of a data set into
  * float arrays by ranges of RANGE traces, and one header word of every
  * trace into an int array, through the data server. Prints the best of
- * REPEATS runs of each, in milliseconds, and the first header load, which
- * opens the store; later header loads are answered from what the layers
+ * REPEATS runs of each, in milliseconds, and the first header load after
+ * the store's open; later header loads are answered from what the layers
  * below keep.
  *
  *   RondoLoadBench SERVER PROJECT DATA TRACES RANGE HEADER REPEATS
@@ -23,20 +23,20 @@ public class RondoLoadBench {
         if (!loader.RondoOpenConnection(server) || !loader.RondoOpenProject(server, project)) {
             System.exit(1);
         }
-        int[] words = new int[traces];
-        // The first load opens the store in the server and reads the word
-        // from every trace header of the file.
-        long opening = System.nanoTime();
-        if (!loader.RondoLoadAttributeI(data, header, words)) {
-            System.exit(1);
-        }
-        opening = System.nanoTime() - opening;
         int samples = 0;
         float[] probe = new float[1 << 16];
         if (loader.RondoLoadAttributeF(data, "TRACE", probe, 0, 1)) {
             for (samples = probe.length; samples > 0 && probe[samples - 1] == 0.0f; samples--) {
             }
         }
+        int[] words = new int[traces];
+        // The store is open (the probe above); the first header load reads
+        // the word from every trace header of the file.
+        long opening = System.nanoTime();
+        if (!loader.RondoLoadAttributeI(data, header, words)) {
+            System.exit(1);
+        }
+        opening = System.nanoTime() - opening;
         samples = Integer.parseInt(System.getProperty("samples", Integer.toString(samples)));
         float[] values = new float[samples * range];
         long bestTraces = Long.MAX_VALUE;
