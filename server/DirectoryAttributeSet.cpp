@@ -1,5 +1,8 @@
 #include "server/DirectoryAttributeSet.h"
 
+#include <vector>
+
+#include "attribute/Attribute.h"
 #include "foundation/Message.h"
 #include "project/StoreDescription.h"
 #include "project/StoreFactory.h"
@@ -45,4 +48,21 @@ void DirectoryAttributeSet::open(vLCString const& name, int version, vLCString c
 void DirectoryAttributeSet::close() {
   CapiAttributeSetW::close();
   setPropertyList(PropertyI());
+}
+
+void DirectoryAttributeSet::read(Attribute& attribute, unsigned int first, unsigned int last) const {
+  if (last < first || last - first < kPiece || attribute.isVariableLength() || attribute.getDataType() == vSTRING) {
+    CapiAttributeSetW::read(attribute, first, last);
+    return;
+  }
+  Attribute part = getAttribute(attribute.getName());
+  std::vector<unsigned char> bytes;
+  for (unsigned int at = first;; at += kPiece) {
+    unsigned int const end = last - at < kPiece ? last : at + kPiece - 1;
+    CapiAttributeSetW::read(part, at, end);
+    unsigned char const* data = static_cast<unsigned char const*>(part.getPointer(1));
+    bytes.insert(bytes.end(), data, data + part.getTotalNBytes());
+    if (end == last) break;
+  }
+  attribute.copyData(last - first + 1, bytes.data());
 }

@@ -7,6 +7,11 @@
 // goes to that store, and the set's properties are the store's own list.
 // So the server answers what the store answers in-process. The files are
 // only read: create and update are refused.
+//
+// A read of a long range of instances goes to the store in pieces of
+// kPiece instances, gathered into the caller's attribute: a header word of
+// a whole file then costs the store one piece of traces at a time, not a
+// buffer of every trace of the file.
 
 #include "project/CapiAttributeSetW.h"
 
@@ -26,6 +31,10 @@ class DirectoryAttributeSet : public CapiAttributeSetW {
   void update(vLCString const& name, int version, vLCString const& className, vLCString const& subClass,
               StoreOpenOptions const* options) override;
   void close() override;
+  using CapiAttributeSetW::read;
+  void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
+
+  static unsigned int const kPiece = 1000;
 };
 
 #endif
