@@ -1,5 +1,6 @@
 #include "attribute/Attribute.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -14,6 +15,7 @@
 #include "foundation/UtlExcept.h"
 #include "foundation/vString.h"
 #include "foundation/vUtl.h"
+#include "foundation/vUtlSize.h"
 
 namespace {
 
@@ -364,7 +366,9 @@ double Attribute::getTimeLengthOfGate(int nSamples) const { return nSamples * m_
 
 void* Attribute::myAllocateMemory(long long nValues) const {
   if (nValues <= 0) return nullptr;
-  if (static_cast<unsigned long long>(nValues) > SIZE_MAX / 32)
+  // Checked against the widest value, whichever the type: a count from a
+  // file must not wrap into a small block.
+  if (!vUtl::fitsInMemory(nValues, static_cast<long long>(std::max(sizeof(vString), sizeof(double)))))
     Message::fatal("Attribute::myAllocateMemory", 0, "Cannot allocate %lld values for Attribute %s.", nValues,
                    getName().c_str());
   std::size_t const n = static_cast<std::size_t>(nValues);
@@ -486,6 +490,8 @@ void Attribute::resize(unsigned int nInstances, void* data, int* lengths, Attrib
     int* offsets = nullptr;
     void* block = data;
     if (nInstances > 0) {
+      // Lengths and offsets take a word per instance.
+      vUtl::checkedBytes("Attribute::resize", nInstances, sizeof(int));
       bool const madeLengths = lengths == nullptr;
       ownLengths = madeLengths ? new int[nInstances]() : lengths;
       try {
