@@ -145,6 +145,18 @@ Attribute::Attribute(Attribute const& other) : Packable() {
   operator=(other);
 }
 
+Attribute::Attribute(Attribute&& other) noexcept : Packable() {
+  mySetDataFieldsEmpty();
+  // Nothing to free here yet, so neither step can fail.
+  Attribute::operator=(static_cast<Attribute const&>(other));
+  myMoveDataFrom(other);
+}
+
+Attribute& Attribute::operator=(Attribute&& other) {
+  if (this != &other) myTakeOver(other);
+  return *this;
+}
+
 Attribute::Attribute(Packer& packer) {
   mySetDataFieldsEmpty();
   m_name = m_originalName = m_class = m_originalClass = getNameID(vUCString());
@@ -213,7 +225,9 @@ bool Attribute::operator==(Attribute const& other) const { return m_name == othe
 
 bool Attribute::operator!=(Attribute const& other) const { return m_name != other.m_name; }
 
-bool Attribute::operator<(Attribute const& other) const { return m_name->getID() < other.m_name->getID(); }
+bool Attribute::operator<(Attribute const& other) const {
+  return vUCStringTableData::isLess(m_name, other.m_name);
+}
 
 bool Attribute::compare(Attribute const& other) const {
   if (m_name != other.m_name || m_class != other.m_class) return false;
@@ -568,6 +582,10 @@ void Attribute::transferData(Attribute& source) {
 void Attribute::myTakeOver(Attribute& source) {
   resize(0, nullptr, nullptr, nullptr);
   operator=(source);
+  myMoveDataFrom(source);
+}
+
+void Attribute::myMoveDataFrom(Attribute& source) {
   // The pointers move as they are; the offsets go along, being those of
   // the same lengths.
   m_data = source.m_data;

@@ -16,7 +16,7 @@
 namespace {
 
 std::string shippedRelease() {
-  return (std::filesystem::path(__FILE__).parent_path().parent_path() / "release").string() + "/";
+  return std::string(RONDO_TEST_SOURCE_DIR) + "/release/";
 }
 
 std::size_t countWords(std::string const& path) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "attribute/DataConverterDecorator.h"
 #include "attribute/DataPtr.h"
 #include "attribute/OriginalDataConverter.h"
 #include "foundation/Message.h"
@@ -92,6 +93,43 @@ bool wrap(Attribute const& source, DataPtr& wrapped) {
   DataPtr view(source.getDataType(), variable ? n : static_cast<unsigned int>(total), data, lengths, DataPtr::BORROW);
   wrapped = view;
   return true;
+}
+
+// Whether the source's own block may go into the conversion to be converted
+// in place: a block of its own (not lent through a handler), fixed length,
+// one converter, which refuses what it cannot convert before it takes the
+// block, and an output of the target's type. Otherwise a refusal after the
+// values were overwritten (a later step of a chain, or the target's type
+// check) would lose the source's data.
+bool mayConvertInPlace(Attribute const& source, DataConverterI const& converter, DataType targetType) {
+  if (source.hasDataHandler() || source.isVariableLength() || source.getTotalLength() <= 0) return false;
+  DataConverterDecorator const* step = dynamic_cast<DataConverterDecorator const*>(&converter);
+  if (step == nullptr || !step->getNext().isEmpty()) return false;
+  if (dynamic_cast<OriginalDataConverter const*>(step) != nullptr) return true;  // its output is the target's type
+  DataType const out = step->getOutputDT();
+  return (out == vNOTYPE ? source.getDataType() : out) == targetType;
+}
+
+// Converts source's own block through converter. The block stays with the
+// source when the converter did not take it (it refused, or wrote into a
+// new block of another element size); otherwise the output holds it.
+DataPtr convertOwnBlock(Attribute& source, DataConverterI const& converter) {
+  unsigned int const n = source.getNInstances();
+  unsigned int const total = static_cast<unsigned int>(source.getTotalLength());
+  void* block = source.releaseData();
+  DataPtr input(source.getDataType(), total, block, nullptr, DataPtr::TRANSFER);
+  // A DataPtr handed on is left empty, owning nothing.
+  auto giveBack = [&] {
+    if (input.ownsData() && input.getData() == block) source.resize(n, input.releaseData());
+  };
+  try {
+    DataPtr output = converter.convertData(input);
+    giveBack();
+    return output;
+  } catch (...) {
+    giveBack();
+    throw;
+  }
 }
 
 // target adopts a converted block.
@@ -193,13 +231,18 @@ void DataTranslator::myConvertData(Attribute& source, vHandle<DataConverterI> co
     takeOver(source, target);
     return;
   }
+  converter->setOutputDT(target.getDataType());
+  if (mayConvertInPlace(source, *converter, target.getDataType())) {
+    DataPtr output = convertOwnBlock(source, *converter);
+    adopt(output, n, source, target);
+    return;
+  }
   DataPtr input;
   if (!wrap(source, input)) {
     target.resize(n);
     return;
   }
   void const* const sourceBlock = input.getData();
-  converter->setOutputDT(target.getDataType());
   DataPtr output = converter->convertData(input);
   if (sourceBlock != nullptr && output.getData() == sourceBlock) {
     checkSameType(source, output.getDataType(), target);
