@@ -87,6 +87,9 @@ bool wrap(Attribute const& source, DataPtr& wrapped) {
   bool const variable = source.isVariableLength();
   long long const total = source.getTotalLength();
   if (!variable && total <= 0) return false;
+  if (!variable && total > 0xFFFFFFFFLL)
+    Message::fatal(kConvertLabel, 0, "Attribute %s holds %lld values, more than one conversion takes.",
+                   source.getName().c_str(), total);
   void* data = total > 0 ? const_cast<void*>(source.getPointer(1)) : nullptr;
   unsigned int* lengths =
       variable ? reinterpret_cast<unsigned int*>(const_cast<int*>(source.getLengthsPointer())) : nullptr;
@@ -103,6 +106,7 @@ bool wrap(Attribute const& source, DataPtr& wrapped) {
 // check) would lose the source's data.
 bool mayConvertInPlace(Attribute const& source, DataConverterI const& converter, DataType targetType) {
   if (source.hasDataHandler() || source.isVariableLength() || source.getTotalLength() <= 0) return false;
+  if (source.getTotalLength() > 0xFFFFFFFFLL) return false;  // wrap() refuses it
   DataConverterDecorator const* step = dynamic_cast<DataConverterDecorator const*>(&converter);
   if (step == nullptr || !step->getNext().isEmpty()) return false;
   if (dynamic_cast<OriginalDataConverter const*>(step) != nullptr) return true;  // its output is the target's type

@@ -23,7 +23,8 @@ TEST(SegySizes, AReadBeyondTheMachineIsTheStoresOwnError) {
   long long const traceBytes = writer.traceLength();
   std::string const path = dir / "huge.sgy";
   fs_testing::writeFile(path, writer.file(1));
-  ASSERT_EQ(0, ::truncate(path.c_str(), 3600 + nTraces * traceBytes));
+  // The 64-bit form: a 32-bit build of this test has a 32-bit off_t.
+  ASSERT_EQ(0, ::truncate64(path.c_str(), 3600 + nTraces * traceBytes));
 
   SegyDiskStore store;
   store.open(vFilename(path.c_str()));
