@@ -99,13 +99,12 @@ bool wrap(Attribute const& source, DataPtr& wrapped) {
 }
 
 // Whether the source's own block may go into the conversion to be converted
-// in place: a block of its own (not lent through a handler), fixed length,
-// one converter, which refuses what it cannot convert before it takes the
+// in place: a block of its own (not lent through a handler), one converter, which refuses what it cannot convert before it takes the
 // block, and an output of the target's type. Otherwise a refusal after the
 // values were overwritten (a later step of a chain, or the target's type
 // check) would lose the source's data.
 bool mayConvertInPlace(Attribute const& source, DataConverterI const& converter, DataType targetType) {
-  if (source.hasDataHandler() || source.isVariableLength() || source.getTotalLength() <= 0) return false;
+  if (source.hasDataHandler() || source.getTotalLength() <= 0) return false;
   if (source.getTotalLength() > 0xFFFFFFFFLL) return false;  // wrap() refuses it
   DataConverterDecorator const* step = dynamic_cast<DataConverterDecorator const*>(&converter);
   if (step == nullptr || !step->getNext().isEmpty()) return false;
@@ -119,16 +118,26 @@ bool mayConvertInPlace(Attribute const& source, DataConverterI const& converter,
 // new block of another element size); otherwise the output holds it.
 DataPtr convertOwnBlock(Attribute& source, DataConverterI const& converter) {
   unsigned int const n = source.getNInstances();
-  unsigned int const total = static_cast<unsigned int>(source.getTotalLength());
+  bool const variable = source.isVariableLength();
+  unsigned int* lengths = nullptr;
+  if (variable) {
+    lengths = new unsigned int[n];
+    for (unsigned int i = 0; i < n; ++i) lengths[i] = static_cast<unsigned int>(source.getLengthsPointer()[i]);
+  }
+  unsigned int const count = variable ? n : static_cast<unsigned int>(source.getTotalLength());
+  // The source keeps its lengths until the block is gone for good.
   void* block = source.releaseData();
-  DataPtr input(source.getDataType(), total, block, nullptr, DataPtr::TRANSFER);
+  DataPtr input(source.getDataType(), count, block, lengths, DataPtr::TRANSFER);
   // A DataPtr handed on is left empty, owning nothing.
-  auto giveBack = [&] {
-    if (input.ownsData() && input.getData() == block) source.resize(n, input.releaseData());
+  auto giveBack = [&]() -> bool {
+    if (!input.ownsData() || input.getData() != block) return false;
+    int* kept = variable ? copyLengths(source.getLengthsPointer(), n) : nullptr;
+    source.resize(n, input.releaseData(), kept);
+    return true;
   };
   try {
     DataPtr output = converter.convertData(input);
-    giveBack();
+    if (!giveBack() && variable) source.releaseLengths();
     return output;
   } catch (...) {
     giveBack();

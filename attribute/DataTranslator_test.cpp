@@ -118,6 +118,27 @@ TEST(DataTranslator, AnOwnBlockIsConvertedInPlace) {
   Attribute dorn = t.convertToDorn(capi);
   EXPECT_EQ(block, dorn.getPointer(1));
   EXPECT_EQ(-3.f, dorn.getFloat32(2));
+  // Lengths travel along with a variable block.
+  DataTranslator traces(Attribute("T", "T", vFLOAT32, Attribute::VARIABLE_LENGTH), chain("int32()"), chain("null()"),
+                        Attribute("TI", "T", vINT32, Attribute::VARIABLE_LENGTH));
+  Attribute samples("T", "T", vFLOAT32, Attribute::VARIABLE_LENGTH);
+  samples.resize(2, nullptr, new int[2]{1, 2});
+  samples.getFloat32Pointer(2)[1] = 6.6f;
+  block = samples.getPointer(1);
+  Attribute ints = traces.convertToCapi(samples);
+  EXPECT_EQ(block, ints.getPointer(1));
+  EXPECT_EQ((std::vector<int>{1, 2}), attribute_testing::lengthsOf(ints));
+  EXPECT_EQ(7, ints.getInt32Pointer(2)[1]);
+  EXPECT_EQ(0u, samples.getNInstances());
+  // A variable block of another element size stays, lengths and all.
+  DataTranslator narrowing(Attribute("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH), chain("float32()"),
+                           chain("null()"), Attribute("F", "D", vFLOAT32, Attribute::VARIABLE_LENGTH));
+  Attribute doubles("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH);
+  doubles.resize(2, nullptr, new int[2]{2, 1});
+  doubles.getFloat64Pointer(2)[0] = 0.5;
+  EXPECT_EQ(0.5f, narrowing.convertToCapi(doubles).getFloat32Pointer(2)[0]);
+  EXPECT_EQ((std::vector<int>{2, 1}), attribute_testing::lengthsOf(doubles));
+  EXPECT_EQ(0.5, doubles.getFloat64Pointer(2)[0]);
 
   // Another element size needs a new block: the argument keeps its own. So
   // does one the converter refuses.
