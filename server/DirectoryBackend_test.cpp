@@ -1,6 +1,7 @@
 // The directory back end of the data server, run as a process: projects
 // are the directories under SP_DATASERVER_ROOT, stores the files in them
-// that the store factory identifies. Bad names and bad files are answered
+// that the store factory identifies, a SEG-Y file with the format file
+// beside it when there is one. Bad names and bad files are answered
 // with the server's reasons and the session goes on; the answers to the
 // attribute set messages are, byte for byte, those the same store gives
 // in-process.
@@ -61,6 +62,9 @@ class DirectoryBackend : public ClientTest {
     write(survey + "keyed.syf", "KEYNAMES CDP TRACE_NUMBER\nCDP cdp trace 21 int4\nTRACE_NUMBER tracl trace 1 int4\n");
     write(survey + "badfmt.sgy", w.file(3));
     write(survey + "badfmt.syf", "FORMAT SEGY\n");
+    write(survey + "escaped.sgy", w.file(3));
+    write(m_dir.file("away.syf"), "KEYNAMES CDP CDP\n");
+    EXPECT_EQ(0, ::symlink(m_dir.file("away.syf").c_str(), (survey + "escaped.syf").c_str()));
     write(survey + "fake.sgy", std::string(4000, 'x'));
     write(m_dir.file("outside.sgy"), w.file(3));
     EXPECT_EQ(0, ::symlink(m_dir.file("outside.sgy").c_str(), (survey + "link.sgy").c_str()));
@@ -94,7 +98,7 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
 
   vHandle<Project> project = openProject(catalog, "survey");
-  std::vector<std::string> const all = {"badfmt.1", "cut.1", "empty.1", "fake.1", "keyed.1", "line1.1"};
+  std::vector<std::string> const all = {"badfmt.1", "cut.1", "empty.1", "escaped.1", "fake.1", "keyed.1", "line1.1"};
   EXPECT_EQ(all, names(*project->getStoreList("", "")));
   EXPECT_EQ(all, names(*project->getStoreList("SEISMIC", "")));
   EXPECT_TRUE(project->getStoreList("horizon", "")->empty());
@@ -127,6 +131,8 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
       {[&] { openSet("empty"); }, said(localFailure("empty.sgy").substr(localFailure("empty.sgy").find(": ") + 2))},
       {[&] { openSet("fake"); }, said(localFailure("fake.sgy").substr(localFailure("fake.sgy").find(": ") + 2))},
       {[&] { openSet("badfmt"); }, said("The FORMAT line (1) must be followed by KELP or DORN, not SEGY.")},
+      {[&] { openSet("escaped"); },
+       said("The format file escaped.syf of store escaped is not a file within the data server's directory.")},
       {[&] { openSet("keyed.syf"); }, said("Store keyed.syf version 0 is not in project survey.")},
   };
   for (Case const& c : cases) EXPECT_EQ(c.expected, fatalText(c.act));
