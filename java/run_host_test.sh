@@ -20,9 +20,12 @@
 #   order    calls out of order: an empty map entry, and contents of a
 #            project that was never opened, which ends the host
 #   segyio   the directory back end on SEG-Y files that python3-segyio
-#            writes: contents, and loads whose every value is compared with
-#            what segyio reads; the server killed between two loads; a file
-#            cut short while the server has it open
+#            writes, each with a format file that gives two keys: contents,
+#            the data info the mapping program asks for, and loads whose
+#            every value is compared with what segyio reads; the server
+#            killed between two loads; a file cut short while the server
+#            has it open; then a line without a format file, whose single
+#            key ends the host when asked for its data info
 # The line the client prints when it starts a server carries a generated
 # address and the build number: it is compared with both left out.
 # Exit 0 on a match, 1 on a mismatch, 77 when no JVM of the library's width
@@ -87,7 +90,7 @@ run_host() {
      "com.nyx.orda.business.io.protocols.rondo.${host_class:-RondoHost}" "$@") >"$work/out" 2>"$work/err"
   status=$?
   set -e
-  sed -i -E 's#Address:[^ "]*#Address:-#; s# -build [0-9]+"# -build -"#' "$work/out"
+  sed -i -E 's#Address:[^ "]*#Address:-#; s# -build [0-9]+([ "])# -build -\1#' "$work/out"
 }
 
 expect_output() {
@@ -291,25 +294,49 @@ $(report 'Trying to get a NULL pointer' 'vHandle::get()')
     "$here/../scripts/segy-sample-project" "$root" survey || fail "the sample project could not be written"
     export SP_DATASERVER_BACKEND=directory SP_DATASERVER_ROOT=$root
     export FS_CLUSTERS="seisserver=$this_host"
+    # The format files name their keys in the Kelp vocabulary, which the
+    # server reads from the release's system files.
+    VREL=$(cd "$here/../release" && pwd)
+    export VREL
     host_class=RondoDataHost
     log=$work/DataServer.Rondo
     # The first server's process id is the first word of its log.
     kill_server='pid=$(awk "NR==1 {print \$1}" "$HOME/DataServer.Rondo"); kill -9 $pid;
       for i in $(seq 100); do kill -0 $pid 2>/dev/null || break; sleep 0.05; done'
-    loads="bitsf line1 TRACE 0 10 230 bitsf line1 TRACE 10 30 690 bitsi line1 CMP 40"
+    infos="datainfo line1 datainfo line2"
+    loads="bitsf line1 TRACE 0 10 230 bitsf line1 TRACE 10 30 690 bitsi line1 CMP 40 bitsi line1 TRACE_NUMBER 40"
     after_kill="bitsf line1 TRACE 35 5 115 bitsi line1 CMP 40 bitsf line2 TRACE 0 20 460"
     s="SeisServer survey"
-    with_server() { local out=() c; for c in "$@"; do out+=("$c"); [[ $c = bits? ]] && out+=(SeisServer survey); done; echo "${out[@]}"; }
+    with_server() { local out=() c; for c in "$@"; do out+=("$c"); [[ $c = bits? || $c = datainfo ]] && out+=(SeisServer survey); done; echo "${out[@]}"; }
     # What segyio reads, in the host's words, before the host cuts a file.
-    expected=$("$py" - "$root/survey" $loads $after_kill <<'PY'
+    expected=$("$py" - "$root/survey" $infos $loads $after_kill <<'PY'
 import struct, sys, segyio
 where, words = sys.argv[1], sys.argv[2:]
+fields = {"CMP": segyio.TraceField.CDP, "TRACE_NUMBER": segyio.TraceField.TRACE_SEQUENCE_LINE}
 while words:
-    kind, store, name = words[0], words[1], words[2]
+    kind, store = words[0], words[1]
     with segyio.open(f"{where}/{store}.sgy", ignore_geometry=True) as f:
+        if kind == "datainfo":
+            # The keys of the format file, the attributes in its order and
+            # then the trace; a SEG-Y file carries no statistics.
+            words = words[2:]
+            print(f"setNbElements({f.tracecount})")
+            for key in ("CDP", "TRACE_NUMBER"):
+                print(f"+++++KEY Attribute is: {key}\n+++++Stats on Attribute is :0,0\n"
+                      f"addStatisticOnAttribute({key}, 0.0, 0.0)\naddKeyAttributeName({key}, 1)")
+            print("+++++PRIMARY KEY is: CDP\n+++++SECONDARY KEY is: TRACE_NUMBER\n"
+                  "setProperty(Primary Key, CDP)\nsetProperty(Secondary Key, TRACE_NUMBER)")
+            for name in ("CDP", "TRACE_NUMBER", "CMP"):
+                print(f"++++Attribute is: {name}\n+++++Stats on Attribute is :0,0\n"
+                      f"addStatisticOnAttribute({name}, 0.0, 0.0)\naddAttributeName({name}, 1)")
+            print(f"================== Length: {len(f.samples)}\nsetProperty(Length, {len(f.samples)})\n"
+                  f"setProperty(SampleRate, {segyio.tools.dt(f) / 1000:f})\n"
+                  f"setProperty(FirstTime, {f.samples[0]:f})\nRondoGetDataInfo({store}) = true")
+            continue
+        name = words[2]
         if kind == "bitsi":
             size = int(words[3]); words = words[4:]
-            v = list(f.attributes(segyio.TraceField.CDP)[:]) + [0] * size
+            v = list(f.attributes(fields[name])[:]) + [0] * size
             print(f"RondoLoadAttributeI({store}, {name}) n={size} " + " ".join(str(x) for x in v[:size]) + " = true")
         else:
             first, count, size = map(int, words[3:6]); words = words[6:]
@@ -320,7 +347,7 @@ PY
 )
     # shellcheck disable=SC2046
     run_host connect SeisServer project $s contents $s - contents $s seismic contents $s horizon \
-      $(with_server $loads) run "$kill_server" $(with_server $after_kill) \
+      $(with_server $infos $loads) run "$kill_server" $(with_server $after_kill) \
       run "truncate -s 10000 $root/survey/line2.sgy" bitsf $s line2 TRACE 30 10 230
     mapfile -t want < <(echo "$expected")
     {
@@ -332,7 +359,7 @@ PY
       printf '%s\n' "${want[@]}"
     } >"$work/expected"
     # A failed load ends the host, as the data natives do.
-    grep '^Rondo' "$work/out" >"$work/got"
+    grep -E '^(Rondo|setNbElements|add|setProperty|\+\+|=+ Length)' "$work/out" >"$work/got"
     if ! cmp -s "$work/expected" "$work/got"; then
       diff -u "$work/expected" "$work/got" | cut -c1-200 >&2 || true
       cat "$work/err" >&2
@@ -345,6 +372,20 @@ PY
     grep -qx 'Server said:-o Failed to read instance 31' "$work/out" || { cat "$work/out" >&2; fail "no report of the cut file"; }
     sed -n '/ request to [0-9]* failed: Failed to read instance 31$/,$p' "$log" | grep -q ' destroy [0-9]*$' ||
       { tail -3 "$log" >&2; fail "the server did not go on after the failure"; }
+    # A line without a format file has the one key "CMP": the mapping
+    # program's data info needs two, and the host ends with the reason.
+    cp "$root/survey/line1.sgy" "$root/survey/plain.sgy"
+    run_host connect SeisServer project $s datainfo $s plain
+    expect_output 255 "Executing \"$VSERVER Rondo Address:- -build - -v $VREL\" on $this_host
+RondoOpenConnection(SeisServer) = true
+RondoOpenProject(SeisServer, survey) = true
+setNbElements(40)
++++++KEY Attribute is: CMP
++++++Stats on Attribute is :0,0
+addStatisticOnAttribute(CMP, 0.0, 0.0)
+addKeyAttributeName(CMP, 1)
+$(report 'Data set plain has 1 key attributes; a primary and a secondary are needed.' RondoGetDataInfo)
+"
     ;;
   *)
     fail "unknown scenario $scenario"

@@ -1,6 +1,7 @@
 // The directory back end of the data server, run as a process: projects
 // are the directories under SP_DATASERVER_ROOT, stores the files in them
-// that the store factory identifies. Bad names and bad files are answered
+// that the store factory identifies, a SEG-Y file with the format file
+// beside it when there is one. Bad names and bad files are answered
 // with the server's reasons and the session goes on; the answers to the
 // attribute set messages are, byte for byte, those the same store gives
 // in-process.
@@ -39,7 +40,8 @@ class DirectoryBackend : public ClientTest {
   DirectoryBackend()
       : m_root(m_dir.file("root")),
         m_default("SP_DATASERVER_BACKEND", nullptr),
-        m_rootSetting("SP_DATASERVER_ROOT", m_root.c_str()) {
+        m_rootSetting("SP_DATASERVER_ROOT", m_root.c_str()),
+        m_release("VREL", RONDO_TEST_SOURCE_DIR "/release/") {
     registerRondoClasses();
     segy_testing::SegyWriter w;
     std::string const survey = m_root + "/survey/";
@@ -54,6 +56,15 @@ class DirectoryBackend : public ClientTest {
     write(survey + "notes.txt", "no store");
     write(survey + "cut.sgy", w.file(4));
     write(survey + "empty.sgy", "");
+    // Format files beside their lines: one that gives two keys, one that
+    // cannot be read; neither is a store of its own.
+    write(survey + "keyed.sgy", w.file(3));
+    write(survey + "keyed.syf", "KEYNAMES CDP TRACE_NUMBER\nCDP cdp trace 21 int4\nTRACE_NUMBER tracl trace 1 int4\n");
+    write(survey + "badfmt.sgy", w.file(3));
+    write(survey + "badfmt.syf", "FORMAT SEGY\n");
+    write(survey + "escaped.sgy", w.file(3));
+    write(m_dir.file("away.syf"), "KEYNAMES CDP CDP\n");
+    EXPECT_EQ(0, ::symlink(m_dir.file("away.syf").c_str(), (survey + "escaped.syf").c_str()));
     write(survey + "fake.sgy", std::string(4000, 'x'));
     write(m_dir.file("outside.sgy"), w.file(3));
     EXPECT_EQ(0, ::symlink(m_dir.file("outside.sgy").c_str(), (survey + "link.sgy").c_str()));
@@ -70,6 +81,7 @@ class DirectoryBackend : public ClientTest {
  private:
   ScopedEnv m_default;
   ScopedEnv m_rootSetting;
+  ScopedEnv m_release;
 };
 
 std::vector<std::string> names(std::list<vLCString> const& list) {
@@ -86,7 +98,7 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
 
   vHandle<Project> project = openProject(catalog, "survey");
-  std::vector<std::string> const all = {"cut.1", "empty.1", "fake.1", "line1.1"};
+  std::vector<std::string> const all = {"badfmt.1", "cut.1", "empty.1", "escaped.1", "fake.1", "keyed.1", "line1.1"};
   EXPECT_EQ(all, names(*project->getStoreList("", "")));
   EXPECT_EQ(all, names(*project->getStoreList("SEISMIC", "")));
   EXPECT_TRUE(project->getStoreList("horizon", "")->empty());
@@ -118,6 +130,10 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
       {[&] { openSet("../outside"); }, said("Store ../outside version 0 is not in project survey.")},
       {[&] { openSet("empty"); }, said(localFailure("empty.sgy").substr(localFailure("empty.sgy").find(": ") + 2))},
       {[&] { openSet("fake"); }, said(localFailure("fake.sgy").substr(localFailure("fake.sgy").find(": ") + 2))},
+      {[&] { openSet("badfmt"); }, said("The FORMAT line (1) must be followed by KELP or DORN, not SEGY.")},
+      {[&] { openSet("escaped"); },
+       said("The format file escaped.syf of store escaped is not a file within the data server's directory.")},
+      {[&] { openSet("keyed.syf"); }, said("Store keyed.syf version 0 is not in project survey.")},
   };
   for (Case const& c : cases) EXPECT_EQ(c.expected, fatalText(c.act));
 
@@ -128,6 +144,15 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   Attribute cmp = line.getAttribute("CMP");
   line.read(cmp, 3, 4);
   EXPECT_EQ(segy_testing::goldenHeader(4, 20), cmp.getInt32(2));
+
+  ClientAttributeSet keyed(project);
+  keyed.open("keyed", 0, "", "", nullptr);
+  std::vector<std::string> keys;
+  for (Attribute const& key : keyed.getKeyList()) keys.push_back(key.getName().c_str());
+  EXPECT_EQ((std::vector<std::string>{"CDP", "TRACE_NUMBER"}), keys);
+  Attribute cdp = keyed.getAttribute("CDP");
+  keyed.read(cdp, 2, 2);
+  EXPECT_EQ(segy_testing::goldenHeader(2, 20), cdp.getInt32(1));
 
   // A file cut short while open: its store's error, and the others served.
   ClientAttributeSet cut(project);

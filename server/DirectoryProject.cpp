@@ -80,6 +80,7 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
     struct stat s;
     if (::stat(path.c_str(), &s) == 0) entry.details.setSize(static_cast<long long>(s.st_size));
     entry.file = path;
+    entry.segy = description.getFileFormat() == vString("segy");
     found.push_back(entry);
   }
   std::fflush(stderr);
@@ -135,5 +136,20 @@ Project::AttributeSetDetailsList DirectoryProject::getAttributeSetDetails(vLCStr
 }
 
 vFilename DirectoryProject::getStoreFile(vLCString const& name, int version) const {
-  return vFilename(myFind("DirectoryProject::getStoreFile", name, version).file);
+  char const* const label = "DirectoryProject::getStoreFile";
+  Entry const entry = myFind(label, name, version);
+  vFilename file(entry.file);
+  if (!entry.segy) return file;
+  // The SEG-Y store reads the format file beside its line by itself; a link
+  // there must not lead it out of the root.
+  vFilename format(file);
+  format.setExtension("syf");
+  struct stat s;
+  if (::lstat(format.c_str(), &s) != 0) return file;
+  vString const& root = dynamic_cast<DirectoryProjectCatalog const&>(*m_catalog).getRoot();
+  vString const path = DirectoryTree::resolve(format.getFilename());
+  if (!DirectoryTree::isRegularFile(path) || !DirectoryTree::isWithin(root, path))
+    Message::fatal(label, 0, "The format file %s of store %s is not a file within the data server's directory.",
+                   format.getName().c_str(), name.c_str());
+  return file;
 }

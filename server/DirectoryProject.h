@@ -48,13 +48,16 @@ class DirectoryProject : public Project {
   StoreDetails getStoreDetails(vLCString const& name, int version) const override;
   AttributeSetDetailsList getAttributeSetDetails(vLCString const& name, int version) override;
 
-  // The file of the store; fatal for a store the project does not have.
+  // The file of the store; fatal for a store the project does not have,
+  // and for a SEG-Y file whose format file beside it leads outside the root.
   vFilename getStoreFile(vLCString const& name, int version) const;
 
  private:
   struct Entry {
     StoreDetails details;
     vString file;
+    // Read with the layout of a format file beside it, when there is one.
+    bool segy = false;
   };
   std::vector<Entry> myScan() const;
   Entry myFind(char const* label, vLCString const& name, int version) const;
