@@ -353,24 +353,14 @@ TEST_F(PackerTest, DumpBytes) {
 // Writes one of every entry form; readAll checks them back.
 void packAll(Packer& p, std::vector<double> const& big) {
   p.packFrame(500, 3);
-  p.pack(static_cast<signed char>(-5));
-  p.pack('z');
-  p.pack(static_cast<unsigned char>(250));
   p.pack(static_cast<short>(-12345));
-  p.pack(static_cast<unsigned short>(54321));
   p.pack(-123456789);
-  p.pack(3123456789u);
-  p.pack(-1234567890123LL);
   p.pack(12345678901234567890ULL);
   p.pack(3.5f);
   p.pack(-2.25);
   p.packBool(true);
   int const ints[] = {1, -2, 3};
   p.pack(ints, 3);
-  long long const longs[] = {-1, 1LL << 40};
-  p.pack(longs, 2);
-  unsigned short const shorts[] = {1, 65535};
-  p.pack(shorts, 2);
   p.pack(static_cast<float const*>(nullptr), 0);
   p.pack(vString("hello"));
   p.pack(vString(""));
@@ -387,14 +377,8 @@ void packAll(Packer& p, std::vector<double> const& big) {
 
 void readAll(Packer& p, std::vector<double> const& big) {
   EXPECT_EQ(frameOf(p), (Frame{500, 3}));
-  EXPECT_EQ(take<signed char>(p), -5);
-  EXPECT_EQ(take<char>(p), 'z');
-  EXPECT_EQ(take<unsigned char>(p), 250);
   EXPECT_EQ(take<short>(p), -12345);
-  EXPECT_EQ(take<unsigned short>(p), 54321);
   EXPECT_EQ(take<int>(p), -123456789);
-  EXPECT_EQ(take<unsigned int>(p), 3123456789u);
-  EXPECT_EQ(take<long long>(p), -1234567890123LL);
   EXPECT_EQ(take<unsigned long long>(p), 12345678901234567890ULL);
   EXPECT_EQ(take<float>(p), 3.5f);
   EXPECT_EQ(take<double>(p), -2.25);
@@ -403,8 +387,6 @@ void readAll(Packer& p, std::vector<double> const& big) {
   EXPECT_TRUE(b);
   ASSERT_EQ(p.getNElements(), 3u);
   EXPECT_EQ(takeArray<int>(p), (std::vector<int>{1, -2, 3}));
-  EXPECT_EQ(takeArray<long long>(p), (std::vector<long long>{-1, 1LL << 40}));
-  EXPECT_EQ(takeArray<unsigned short>(p), (std::vector<unsigned short>{1, 65535}));
   EXPECT_EQ(p.unpack(static_cast<float*>(nullptr)), 0u);
   EXPECT_EQ(str(take<vString>(p)), "hello");
   EXPECT_TRUE(take<vString>(p).isEmpty());
