@@ -46,6 +46,10 @@ TEST(HeapSort, TiesLeaveAsTheHeapLeavesThem) {
   index = iota(4);
   vUtl::heapSort<long long, unsigned int>(4, four.data(), index.data());
   EXPECT_EQ((std::vector<unsigned int>{2, 3, 4, 1}), index);
+  float one = 1.5f;
+  unsigned int oneIndex = 7;
+  vUtl::heapSort<float, unsigned int>(1, &one, &oneIndex);
+  EXPECT_EQ(7u, oneIndex);
 }
 
 TEST(HeapSort, TwoKeysInEachPairOfDirections) {
