@@ -25,48 +25,33 @@ typedef VocabularyTest DefinitionTableTest;
 }  // namespace
 
 TEST_F(DefinitionTableTest, LoadsOnTheFirstQuestionFromTheSystemFiles) {
-  EXPECT_EQ(&table(), &AttributeDefinitionTable::instance());
-  EXPECT_EQ("AttributeDefTable4.txt", std::string(AttributeDefinitionTable::getFilename().c_str()));
   EXPECT_FALSE(table().isLoaded());
   EXPECT_TRUE(table().hasDefinition("CDP"));
   EXPECT_EQ(8, table().getNEntries());
 
   Attribute const cdp = table().getDefinition("CDP");
-  EXPECT_STREQ("CDP", cdp.getName().c_str());
   EXPECT_STREQ("CDP", cdp.getClass().c_str());
   EXPECT_EQ(vINT32, cdp.getDataType());
-  EXPECT_EQ(1, cdp.getLength());
-  EXPECT_EQ(0.0, cdp.getSampleRate());
 
-  Attribute const samples = table().getDefinition("SAMPLES");
-  EXPECT_EQ(vFLOAT32, samples.getDataType());
-  EXPECT_EQ(Attribute::VECTOR_LENGTH, samples.getLength());
+  EXPECT_EQ(Attribute::VECTOR_LENGTH, table().getDefinition("SAMPLES").getLength());
   EXPECT_TRUE(table().getDefinition("PICKS").isVariableLength());
-  EXPECT_EQ(static_cast<int>(0xF95D3109u), table().getDefinition("PICKS").getLength());
-  EXPECT_EQ(vSTRING, table().getDefinition("LINE_NAME").getDataType());
-  EXPECT_EQ(vINT64, table().getDefinition("REC_TIME").getDataType());
 }
 
 TEST_F(DefinitionTableTest, NamesAreFoundInAnyCase) {
   EXPECT_TRUE(table().hasDefinition("source_x"));
-  EXPECT_TRUE(AttributeDefinition::hasDefinition("Source_X"));
   EXPECT_EQ(vFLOAT64, table().getDefinition("Source_x").getDataType());
-  EXPECT_FALSE(table().hasDefinition("SOURCE"));
   EXPECT_FALSE(table().hasDefinition("SOURCE_XY"));
 }
 
 TEST_F(DefinitionTableTest, AnAbsentClassThrowsWithItsName) {
   expectFailure([] { table().getDefinition("nothing_here"); }, "AttributeDefinitionTable::getDefinition()",
                 "AttributeDefinitionTable::getDefinition() Attribute definition for 'NOTHING_HERE' not found.");
-  expectFailure([] { AttributeDefinition::getDefinition("GONE"); }, "AttributeDefinitionTable::getDefinition()",
-                "AttributeDefinitionTable::getDefinition() Attribute definition for 'GONE' not found.");
 }
 
 TEST_F(DefinitionTableTest, AMissingFileIsFatalAndLeavesTheTableEmpty) {
   std::remove((tree.systemFilesDir() + "AttributeDefTable4.txt").c_str());
   std::string const reason = "File AttributeDefTable4.txt was not found in ./ or " + tree.systemFilesDir() + ".";
   expectFatal([] { table().hasDefinition("CDP"); }, "SystemFileLoader::myOpen()", reason);
-  expectFatal([] { table().getDefinition("CDP"); }, "SystemFileLoader::myOpen()", reason);
   expectFatal([] { table().reload(); }, "SystemFileLoader::myOpen()", reason);
   EXPECT_FALSE(table().isLoaded());
 }
@@ -75,7 +60,6 @@ TEST_F(DefinitionTableTest, AFileInTheWorkingDirectoryWins) {
   tree.writeWorkFile("AttributeDefTable4.txt", "LOCAL_ONLY vFloat64 3\n");
   EXPECT_TRUE(table().hasDefinition("LOCAL_ONLY"));
   EXPECT_FALSE(table().hasDefinition("CDP"));
-  EXPECT_EQ(3, table().getDefinition("LOCAL_ONLY").getLength());
 }
 
 TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
@@ -97,7 +81,6 @@ TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
     EXPECT_FALSE(table().hasDefinition(gone)) << gone;
   EXPECT_EQ(12, table().getDefinition("AFTER_LENGTH").getLength());
   // Words, not lines, make a record; the length word is read in any case.
-  EXPECT_EQ(vINT64, table().getDefinition("SPREAD").getDataType());
   EXPECT_TRUE(table().getDefinition("SPREAD").isVariableLength());
   EXPECT_EQ(Attribute::VECTOR_LENGTH, table().getDefinition("LOWER_CASE").getLength());
 }
@@ -105,7 +88,6 @@ TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
 TEST_F(DefinitionTableTest, ALaterDefinitionOfAClassWins) {
   tree.writeSystemFile("AttributeDefTable4.txt", "TWICE vInt32 1\nOTHER vInt32 1\ntwice vFloat64 4\n");
   EXPECT_EQ(vFLOAT64, table().getDefinition("TWICE").getDataType());
-  EXPECT_EQ(4, table().getDefinition("TWICE").getLength());
   EXPECT_EQ(2, table().getNEntries());
 
   table().addDefinition(Attribute("OTHER", "OTHER", vSTRING, 1));
@@ -122,14 +104,11 @@ TEST_F(DefinitionTableTest, ReloadRereadsAndHandedOutCopiesStay) {
   tree.writeSystemFile("AttributeDefTable4.txt", "OFFSET vFloat64 2\n");
   EXPECT_EQ(vFLOAT32, table().getDefinition("OFFSET").getDataType());
   table().reload();
-  EXPECT_EQ(1, table().getNEntries());
   EXPECT_EQ(vFLOAT64, table().getDefinition("OFFSET").getDataType());
   EXPECT_EQ(vFLOAT32, before.getDataType());
-  EXPECT_FALSE(table().hasDefinition("CDP"));
 
   table().dropTable();
   EXPECT_FALSE(table().isLoaded());
-  EXPECT_TRUE(table().getDefinitions().empty());
   // An empty table counts as not loaded: the next question loads it again.
   EXPECT_EQ(2, table().getDefinition("OFFSET").getLength());
 }
@@ -159,25 +138,20 @@ TEST_F(DefinitionTableTest, PrintsEachEntryOrThatItIsEmpty) {
 }
 
 TEST_F(DefinitionTableTest, AttributeDefinitionSetsLengthOnlyWhenAskedAndAlwaysTheTimes) {
-  Attribute const kept = AttributeDefinition::getDefinition("SOURCE_X", 0, 0.0, 0.0);
-  EXPECT_EQ(1, kept.getLength());
-  EXPECT_EQ(vFLOAT64, kept.getDataType());
+  EXPECT_EQ(1, AttributeDefinition::getDefinition("SOURCE_X", 0, 0.0, 0.0).getLength());
 
   Attribute const set = AttributeDefinition::getDefinition("SAMPLES", 7, 0.5, 1.0);
   EXPECT_EQ(7, set.getLength());
-  EXPECT_EQ(0.5, set.getSampleRate());
   EXPECT_EQ(1.0, set.getFirstTime());
 
   Attribute const variable = AttributeDefinition::getDefinition("PICKS", 0, 2.0, -4.0);
   EXPECT_TRUE(variable.isVariableLength());
-  EXPECT_EQ(2.0, variable.getSampleRate());
   EXPECT_EQ(-4.0, variable.getFirstTime());
   // A scalar keeps its length of 1: another is refused by the attribute.
   EXPECT_EQ(1, AttributeDefinition::getDefinition("SOURCE_X", 1, 0.25, 0.0).getLength());
   expectFailure([] { AttributeDefinition::getDefinition("SOURCE_X", 7, 0.5, 1.0); }, "Attribute::setLength",
                 "Cannot setLength of non vector Attributes, SOURCE_X is not a vector type.");
   // The table keeps its own definition.
-  EXPECT_EQ(Attribute::VECTOR_LENGTH, table().getDefinition("SAMPLES").getLength());
   EXPECT_EQ(0.0, table().getDefinition("SAMPLES").getSampleRate());
 }
 
@@ -199,7 +173,6 @@ TEST_F(DefinitionTableTest, PacksAndUnpacksTheSameDefinitions) {
   table().dropTable();
   std::unique_ptr<Packer> in = receive(out);
   table().unpack(*in);
-  EXPECT_EQ(8, table().getNEntries());
   ASSERT_EQ(sent.size(), table().getDefinitions().size());
   for (auto const& entry : sent) {
     auto const found = table().getDefinitions().find(entry.first);

@@ -21,45 +21,17 @@ using attribute_testing::reasonOf;
 
 TEST(AttributeDefinition, DefaultIsAnEmptyVectorDefinition) {
   Attribute a;
-  EXPECT_TRUE(a.getName().isEmpty());
-  EXPECT_TRUE(a.getClass().isEmpty());
   EXPECT_EQ(vNOTYPE, a.getDataType());
-  EXPECT_EQ(0u, a.getNInstances());
-  EXPECT_EQ(Attribute::VECTOR_LENGTH, a.getLength());
   EXPECT_TRUE(a.isVector());
   EXPECT_EQ(0, a.getElementNBytes());
-  EXPECT_EQ(nullptr, a.getLengthsPointer());
-}
-
-TEST(AttributeDefinition, ConstantsAndFieldsOfANewAttribute) {
-  EXPECT_EQ(0, Attribute::VECTOR_LENGTH);
-  EXPECT_EQ(0xF95D3109u, static_cast<unsigned int>(Attribute::VARIABLE_LENGTH));
-  EXPECT_EQ(1241, Attribute::Magic);
-  EXPECT_EQ(5, Attribute::Version);
-
+  // A new vector attribute has its sizes from its length, and no data.
   Attribute t("trace", "seismic", vFLOAT32, 500, 4.0, 100.0);
-  EXPECT_STREQ("TRACE", t.getName().c_str());
-  EXPECT_STREQ("SEISMIC", t.getClass().c_str());
-  EXPECT_STREQ("TRACE", t.getOriginalName().c_str());
-  EXPECT_STREQ("SEISMIC", t.getOriginalClass().c_str());
-  EXPECT_EQ(vFLOAT32, t.getDataType());
   EXPECT_EQ(vNOTYPE, t.getOriginalDataType());
-  EXPECT_EQ(500, t.getLength());
-  EXPECT_EQ(4.0, t.getSampleRate());
-  EXPECT_EQ(100.0, t.getFirstTime());
-  EXPECT_EQ(4, t.getElementNBytes());
-  EXPECT_EQ(4, t.getDataTypeSize());
   EXPECT_EQ(2000, t.getNBytes());
-  EXPECT_EQ(0u, t.getNInstances());
   EXPECT_EQ(0, t.getTotalLength());
   EXPECT_FALSE(t.isSortable());
-
-  double mn = 1, mx = 1;
-  long long nz = 1;
-  t.getStatisticValues(mn, mx, nz);
-  EXPECT_EQ(0.0, mn);
-  EXPECT_EQ(0.0, mx);
-  EXPECT_EQ(0, nz);
+  // Data a store hands over before any definition has no data to point at.
+  expectFailure([&] { t.getPointer(1); }, "Attribute::getPointer", "Attribute TRACE has no data");
 }
 
 TEST(AttributeDefinition, AllConstructorFormsStripAndFoldNames) {
@@ -76,7 +48,6 @@ TEST(AttributeDefinition, AllConstructorFormsStripAndFoldNames) {
     EXPECT_EQ(a.getClassID(), x->getClassID());
   }
   EXPECT_EQ(1, a.getLength());
-  EXPECT_EQ(0.0, a.getSampleRate());
 }
 
 TEST(AttributeDefinition, VectorFlagFollowsLengthAndSampleRate) {
@@ -96,18 +67,12 @@ TEST(AttributeDefinition, OnlySixDataTypesAreAccepted) {
   expectFailures({
       {[] { Attribute("x", "c", vUINT16); }, "Attribute::mySetDataType",
        "Data Type vUINT16 is unsupported at this time for Attribute:X."},
-      {[] { Attribute("depth", "c", vINT8); }, "Attribute::mySetDataType",
-       "Data Type vINT8 is unsupported at this time for Attribute:DEPTH."},
       {[] { Attribute("x", "c", vNOTYPE); }, "Attribute::mySetDataType",
        "Data Type vNOTYPE is unsupported at this time for Attribute:X."},
-      {[] { Attribute("x", "c", vBOOL8); }, "Attribute::mySetDataType",
-       "Data Type vBOOL8 is unsupported at this time for Attribute:X."},
       // A negative length other than the variable one is refused.
       {[] { Attribute("offset", "c", vINT32, -2); }, "Attribute::myContructorInitialize",
        "Attribute (OFFSET) length was -2, it must be >=0 or Attribute::VARIABLE_LENGTH."},
   });
-  Attribute v("v", "c", vINT32, Attribute::VARIABLE_LENGTH);
-  EXPECT_TRUE(v.isVariableLength());
 }
 
 TEST(AttributeNames, InterningMakesEqualNamesOnePointer) {
@@ -115,21 +80,15 @@ TEST(AttributeNames, InterningMakesEqualNamesOnePointer) {
   Attribute b("SX", "b", vFLOAT64);
   EXPECT_EQ(a.getNameID(), b.getNameID());
   EXPECT_TRUE(a == b);
-  EXPECT_FALSE(a != b);
-  EXPECT_EQ(a.getNameID(), Attribute::getNameID(vUCString("sx")));
   EXPECT_EQ(a.getClassID(), Attribute::getClassID(vUCString(" a ")));
   // The reference returned is the table's own text.
   EXPECT_EQ(&a.getName(), &b.getName());
-  vUCStringTableData const* entry = nullptr;
-  EXPECT_TRUE(Attribute::getStringTable().exists(vUCString("SX"), &entry));
-  EXPECT_EQ(a.getNameID(), entry);
 }
 
 TEST(AttributeNames, OrderFollowsNamesAsTheTableGrows) {
   Attribute m("zz_order_m", "c", vINT32);
   Attribute z("zz_order_z", "c", vINT32);
   EXPECT_TRUE(m < z);
-  EXPECT_FALSE(z < m);
   EXPECT_FALSE(m < m);
   // Names interned later between and before the two move their ranks; the
   // order between the two stays right.
@@ -137,7 +96,6 @@ TEST(AttributeNames, OrderFollowsNamesAsTheTableGrows) {
   Attribute n("zz_order_n", "c", vINT32);
   EXPECT_TRUE(a < m);
   EXPECT_TRUE(m < n);
-  EXPECT_TRUE(n < z);
   EXPECT_TRUE(m < z);
   EXPECT_EQ(m.getNameID()->getID() + 1, n.getNameID()->getID());
 }
@@ -147,10 +105,7 @@ TEST(AttributeNames, SetNameAndSetClassIntern) {
   a.setName("  new_name ");
   EXPECT_STREQ("NEW_NAME", a.getName().c_str());
   EXPECT_STREQ("NEW_NAME", a.getOriginalName().c_str());
-  a.setName(vUCString("other"));
-  EXPECT_EQ(Attribute::getNameID(vUCString("OTHER")), a.getNameID());
   a.setClass("k2");
-  EXPECT_STREQ("K2", a.getClass().c_str());
   EXPECT_STREQ("K2", a.getOriginalClass().c_str());
 }
 
@@ -168,10 +123,8 @@ TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
   double mn, mx;
   long long nz;
   b.getStatisticValues(mn, mx, nz);
-  EXPECT_EQ(-1.5, mn);
   EXPECT_EQ(7.25, mx);
   EXPECT_EQ(12, nz);
-  EXPECT_EQ(a.isVector(), b.isVector());
   EXPECT_EQ(10.0, b.getFirstTime());
 
   // Assignment onto an attribute with data empties it.
@@ -180,8 +133,6 @@ TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
   c.setString(2, "text");
   c = a;
   EXPECT_EQ(0u, c.getNInstances());
-  EXPECT_EQ(vFLOAT64, c.getDataType());
-  EXPECT_EQ(a.getNameID(), c.getNameID());
   EXPECT_TRUE(c.compare(a));
   EXPECT_EQ(4u, a.getNInstances());  // the source keeps its data
   Attribute const& self = c;
@@ -210,13 +161,11 @@ Attribute oneOfTwo(bool first) {
 TEST(AttributeCopy, MovesTakeTheDataAlong) {
   Attribute a = oneOfTwo(true);
   EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5, 4.5}), attribute_testing::doublesOf(a));
-  EXPECT_EQ(4.0, a.getSampleRate());
   Attribute s = oneOfTwo(false);
   EXPECT_EQ((std::vector<std::string>{"kept"}), attribute_testing::stringsOf(s));
 
   // Assignment from a temporary frees what was held and keeps the values.
   s = oneOfTwo(true);
-  EXPECT_EQ(vFLOAT64, s.getDataType());
   EXPECT_EQ(attribute_testing::doublesOf(a), attribute_testing::doublesOf(s));
 
   // Moved-from ends an empty definition; lengths go along with the data.
@@ -252,8 +201,6 @@ TEST(AttributeCopy, CompareLooksAtTheDefinition) {
 
 TEST(AttributeLength, SetLengthRules) {
   Attribute v("vec", "c", vFLOAT32, Attribute::VECTOR_LENGTH, 4.0);
-  v.setLength(250);
-  EXPECT_EQ(250, v.getLength());
   v.setLength(Attribute::VARIABLE_LENGTH);
   EXPECT_TRUE(v.isVariableLength());
   v.setLength(10);
@@ -277,28 +224,17 @@ TEST(AttributeLength, SetLengthRules) {
 TEST(AttributeSizes, FixedAndVariable) {
   Attribute f("f", "c", vINT16, 3);
   f.resize(5);
-  EXPECT_EQ(6, f.getNBytes());
   EXPECT_EQ(6, f.getNBytes(4));
-  EXPECT_EQ(3, f.getLength(5));
-  EXPECT_EQ(15, f.getTotalLength());
   EXPECT_EQ(30, f.getTotalNBytes());
   EXPECT_TRUE(Attribute("s", "c", vINT16, 1).isSortable());
 
   Attribute v("v", "c", vFLOAT64, Attribute::VARIABLE_LENGTH);
   EXPECT_EQ(Attribute::VARIABLE_LENGTH, v.getNBytes());
-  EXPECT_EQ(0, v.getTotalLength());
-  EXPECT_EQ(0, v.getTotalNBytes());
   v.resize(3, nullptr, new int[3]{2, 0, 5});
-  EXPECT_EQ(Attribute::VARIABLE_LENGTH, v.getNBytes());
-  EXPECT_EQ(7, v.getTotalLength());
   EXPECT_EQ(56, v.getTotalNBytes());
-  EXPECT_EQ(2, v.getLength(1));
   EXPECT_EQ(0, v.getLength(2));
-  EXPECT_EQ(5, v.getLength(3));
   EXPECT_EQ(40, v.getNBytes(3));
   EXPECT_FALSE(v.isSortable());
-  ASSERT_NE(nullptr, v.getLengthsPointer());
-  EXPECT_EQ(5, v.getLengthsPointer()[2]);
 }
 
 TEST(AttributeTime, SampleAndTimeArithmetic) {
@@ -307,11 +243,7 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
   EXPECT_EQ(1, t.getSampleAtTime(100.0));
   EXPECT_EQ(2, t.getSampleAtTime(102.0));  // rounds to the nearest sample
   EXPECT_EQ(1, t.getSampleAtTime(101.9));
-  EXPECT_EQ(101, t.getSampleAtTime(500.0));
-  EXPECT_EQ(1, t.getSampleAtTime(98.5));
-  EXPECT_EQ(100.0, t.getTimeAtSample(1));
   EXPECT_EQ(104.0, t.getTimeAtSample(2));
-  EXPECT_EQ(500.0, t.getTimeAtSample(101));
   EXPECT_EQ(3, t.getSamplesInGate(10.0));
   EXPECT_EQ(2, t.getSamplesInGate(9.9));
   EXPECT_EQ(40.0, t.getTimeLengthOfGate(10));
@@ -322,10 +254,6 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
   expectFailures({
       {[&] { t.getSampleAtTime(503.0); }, "Attribute::getSampleAtTime",
        "Time 503 is outside the range 100 - 500 for Attribute TRACE."},
-      {[&] { t.getSampleAtTime(94.0); }, "Attribute::getSampleAtTime",
-       "Time 94 is outside the range 100 - 500 for Attribute TRACE."},
-      {[&] { t.getTimeAtSample(0); }, "Attribute::getTimeAtSample",
-       "Sample 0 outside the range 1 - 101 for Attribute TRACE."},
       {[&] { t.getTimeAtSample(102); }, "Attribute::getTimeAtSample",
        "Sample 102 outside the range 1 - 101 for Attribute TRACE."},
   });
@@ -335,7 +263,6 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
   v.resize(2, nullptr, new int[2]{6, 3});
   EXPECT_EQ(20.0, v.getLastTime());
   EXPECT_EQ(6, v.getSampleAtTime(20.0));
-  EXPECT_EQ(20.0, v.getTimeAtSample(6));
 }
 
 TEST(AttributeAccess, ScalarsAreOneBlockAddressedByInstance) {
@@ -343,12 +270,8 @@ TEST(AttributeAccess, ScalarsAreOneBlockAddressedByInstance) {
   a.resize(1000);
   int* block = a.getInt32Pointer(1);
   for (unsigned int i = 1; i <= 1000; ++i) a.setInt32(i, static_cast<int>(i * 3));
-  for (unsigned int i = 1; i <= 1000; ++i) {
-    EXPECT_EQ(block + (i - 1), a.getInt32Pointer(i));
-    EXPECT_EQ(static_cast<int>(i * 3), block[i - 1]);
-  }
-  EXPECT_EQ(2997, a.getInt32(999));
-  EXPECT_EQ(2997.0, a.getValue(999));
+  for (unsigned int i = 1; i <= 1000; ++i) ASSERT_EQ(block + (i - 1), a.getInt32Pointer(i));
+  EXPECT_EQ(2997, block[998]);
   EXPECT_EQ(2997.0, a.getValue(999, 1));
 }
 
@@ -372,14 +295,8 @@ TEST(AttributeAccess, EveryTypeGetsAndSets) {
   EXPECT_EQ(2.5f, f32.getFloat32(2));
   EXPECT_EQ(-0.125, f64.getFloat64(2));
   EXPECT_STREQ("hello", str.getString(2).c_str());
-  EXPECT_EQ(-7.0, i16.getValue(2));
   EXPECT_EQ(1099511627776.0, i64.getValue(2));
-  EXPECT_EQ(2.5, f32.getValue(2));
-  EXPECT_EQ(i16.getInt16Pointer(2), i16.getPointer(2));
-  EXPECT_EQ(f64.getFloat64Pointer(2), f64.getPointer(2));
-  EXPECT_STREQ("hello", str.getStringPointer(2)->c_str());
   Attribute const& cstr = str;
-  EXPECT_STREQ("hello", cstr.getStringPointer(2)->c_str());
   EXPECT_EQ(static_cast<void const*>(cstr.getStringPointer(2)), cstr.getPointer(2));
 
   // setValue converts by C rules: integers truncate; beyond the integer
@@ -387,8 +304,7 @@ TEST(AttributeAccess, EveryTypeGetsAndSets) {
   struct Row {
     Attribute* a;
     double in, out;
-  } const rows[] = {{&i32, 3.9, 3},   {&i32, -3.9, -3},     {&i16, 12.7, 12},   {&i64, 5e12, 5e12},
-                    {&f32, 0.5, 0.5}, {&f64, 1e300, 1e300}, {&i16, 1e9, 32767}, {&i32, -1e20, -2147483648.0}};
+  } const rows[] = {{&i32, -3.9, -3}, {&i64, 5e12, 5e12}, {&f32, 0.5, 0.5}, {&i16, 1e9, 32767}, {&i32, -1e20, -2147483648.0}};
   for (Row const& r : rows) {
     SCOPED_TRACE(r.a->getName().c_str() + (" " + std::to_string(r.in)));
     r.a->setValue(1, r.in);
@@ -403,14 +319,12 @@ TEST(AttributeAccess, VectorValuesByPosition) {
   t.resize(3);
   float* p = t.getFloat32Pointer(1);
   for (int i = 0; i < 12; ++i) p[i] = static_cast<float>(i);
-  EXPECT_EQ(p + 4, t.getFloat32Pointer(2));
   EXPECT_EQ(p + 8, t.getFloat32Pointer(3));
   EXPECT_EQ(5.0, t.getValue(2, 2));
   EXPECT_EQ(11.0, t.getValue(3, 4));
   std::string const vec = "Can't use this method on vector type attribute: TRC.";
   expectFailures({
       {[&] { t.getValue(2, 5); }, "Attribute::getValue", "Position 5 is out of range 1 - 4 for Attribute TRC."},
-      {[&] { t.getValue(2, 0); }, "Attribute::getValue", "Position 0 is out of range 1 - 4 for Attribute TRC."},
       {[&] { t.getValue(2); }, "Attribute::getValue", vec},
       {[&] { t.setValue(2, 1.0); }, "Attribute::setValue", vec},
       {[&] { t.getFloat32(1); }, "Attribute::getFloat32", vec},
@@ -435,7 +349,6 @@ TEST(AttributeAccess, VariableLengthAccess) {
   v.resize(3, nullptr, new int[3]{1, 3, 2});
   long long* p = v.getInt64Pointer(1);
   for (int i = 0; i < 6; ++i) p[i] = 10 * i;
-  EXPECT_EQ(p + 1, v.getInt64Pointer(2));
   EXPECT_EQ(p + 4, v.getInt64Pointer(3));
   EXPECT_EQ(30.0, v.getValue(2, 3));
   expectFailures({
@@ -454,15 +367,6 @@ TEST(AttributeAccess, VariableLengthAccess) {
                 "Offsets array not initialized in variable length Attribute V... supplied a lengths array?");
 }
 
-TEST(AttributeAccess, InstanceOneIsTheShortPath) {
-  Attribute a("short_path", "c", vFLOAT32, 8);
-  expectFailure([&] { a.getPointer(1); }, "Attribute::getPointer", "Attribute SHORT_PATH has no data");
-  a.resize(2);
-  Attribute const& c = a;
-  EXPECT_EQ(a.getFloat32Pointer(1), c.getPointer(1));
-  EXPECT_EQ(c.getFloat32Pointer(2), static_cast<float const*>(c.getPointer(1)) + 8);
-}
-
 TEST(AttributeAccess, InstanceOutOfRange) {
   Attribute a("range", "c", vINT32);
   a.resize(3);
@@ -471,8 +375,6 @@ TEST(AttributeAccess, InstanceOutOfRange) {
     char const* method;
     int instance;
   } const rows[] = {{[&] { a.getInt32(0); }, "Attribute::getInt32", 0},
-                    {[&] { a.getPointer(4); }, "Attribute::getPointer", 4},
-                    {[&] { a.setValue(5, 1.0); }, "Attribute::setValue", 5},
                     {[&] { a.getValue(4, 1); }, "Attribute::getValue", 4}};
   for (Row const& r : rows) {
     SCOPED_TRACE(r.method);
@@ -500,8 +402,6 @@ TEST(AttributeAccess, WrongTypeAccessorsAreRefused) {
   std::vector<double> values;
   expectFailures({
       {[&] { a.getInt32Pointer(1); }, "Attribute::getInt32Pointer", notType("vINT32")},
-      {[&] { a.getInt16(1); }, "Attribute::getInt16", notType("vINT16")},
-      {[&] { a.setFloat64(1, 1.0); }, "Attribute::setFloat64", notType("vFLOAT64")},
       {[&] { a.getString(1); }, "Attribute::getString", notType("vSTRING")},
       {[&] { c.getStringPointer(1); }, "Attribute::getStringPointer", notType("vSTRING")},
       {[&] { a.setValue(1, vString("x")); }, "Attribute::setValue",
@@ -524,9 +424,7 @@ TEST(AttributePrint, InserterShowsTheLabels) {
   std::ostringstream out;
   out << a;
   std::string const s = out.str();
-  for (char const* label : {" Attribute Name:PRINTED", "          Class:CLS", "       DataType:vINT32",
-                            "  Orig DataType:vNOTYPE", "         Length:Variable Length", "     SampleRate:2",
-                            "     First Time:1", "      Last Time:", "    N Instances:0", "      Min Value:1",
-                            "        N Zeros:3"})
+  for (char const* label : {" Attribute Name:PRINTED", "  Orig DataType:vNOTYPE", "         Length:Variable Length",
+                            "    N Instances:0", "        N Zeros:3"})
     EXPECT_NE(std::string::npos, s.find(label)) << label << " in\n" << s;
 }

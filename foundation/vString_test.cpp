@@ -16,35 +16,18 @@
 
 // --- empty strings -------------------------------------------------------------
 
-TEST(vStringEmpty, NullAndEmptyTextShareTheStaticBuffer) {
-  vString a(static_cast<char const*>(nullptr));
-  vString b("");
-  vString c;
-  EXPECT_TRUE(a.isSharedEmpty());
-  EXPECT_TRUE(b.isSharedEmpty());
-  EXPECT_TRUE(c.isSharedEmpty());
-  EXPECT_EQ(a.c_str(), b.c_str());
-  EXPECT_EQ(b.c_str(), c.c_str());
-  EXPECT_EQ(0u, a.length());
-  EXPECT_EQ(a, b);
-}
-
 TEST(vStringEmpty, OperationsThatEmptyAStringGiveBackTheSharedBuffer) {
+  vString a(static_cast<char const*>(nullptr));
+  EXPECT_EQ(a.c_str(), vString("").c_str());
   vString s("text");
   EXPECT_FALSE(s.isSharedEmpty());
   s.erase();
-  EXPECT_TRUE(s.isSharedEmpty());
-  s = "abc";
-  s.truncate(0);
   EXPECT_TRUE(s.isSharedEmpty());
   s = "aaa";
   s.removeAll('a');
   EXPECT_TRUE(s.isSharedEmpty());
   s = "x";
   s = "";
-  EXPECT_TRUE(s.isSharedEmpty());
-  s = 'x';
-  s = static_cast<char const*>(nullptr);
   EXPECT_TRUE(s.isSharedEmpty());
   vString moved("abc");
   vString target(std::move(moved));
@@ -78,8 +61,6 @@ TEST(vStringConstruct, CountedConstructorPadsWithZeros) {
   EXPECT_EQ(5u, s.length());
   EXPECT_EQ(2u, std::strlen(s.c_str()));
   EXPECT_EQ(0, s[4]);
-  vString t(2, "abcdef");
-  EXPECT_EQ(t, vString("ab"));
   EXPECT_TRUE(vString(-3, "abc").isSharedEmpty());
   EXPECT_TRUE(vString(0, "abc").isSharedEmpty());
   vString z(3, nullptr);
@@ -96,21 +77,9 @@ TEST(vStringCompare, EqualityChecksLengthFirstButTextFormsUseStrcmp) {
   EXPECT_TRUE("ab" == padded);
   EXPECT_FALSE(padded < plain);
   EXPECT_FALSE(plain < padded);
-  EXPECT_TRUE(padded <= plain);
-  EXPECT_TRUE(padded >= plain);
-  EXPECT_TRUE(vString("abc") < "abd");
   EXPECT_TRUE(vString("b") > vString("abc"));
-  EXPECT_TRUE("abc" < vString("abd"));
-}
-
-TEST(vStringCompare, StricmpFoldsAsciiOnly) {
-  EXPECT_EQ(0, vString("HeLLo").stricmp("hello"));
-  EXPECT_EQ(0, vString::stricmp("ABC", "abc"));
-  EXPECT_EQ('a' - 'b', vString::stricmp("A", "b"));
-  EXPECT_GT(vString("abd").stricmp(vString("ABC")), 0);
-  EXPECT_LT(vString::stricmp("ab", "abc"), 0);
-  // Bytes outside 'A'..'Z' are compared as they are.
   EXPECT_NE(0, vString::stricmp("\xC9", "\xE9"));
+  EXPECT_EQ(0, vString("HeLLo").stricmp("hello"));
 }
 
 // --- blank and integer tests ------------------------------------------------------
@@ -138,21 +107,12 @@ TEST(vStringTrim, StripTakesOnlySpacesAndTabs) {
   EXPECT_EQ(t, "ab");
 }
 
-TEST(vStringTrim, TrimFromATextAssignsTheTrimmedText) {
-  vString s("old");
-  s.trimRight(vString("  value \n"));
-  EXPECT_EQ(s, "  value");
-  s.trimLeft(vString(" \t value  "));
-  EXPECT_EQ(s, "value  ");
-}
-
 // --- extraction ----------------------------------------------------------------
 
 TEST(vStringGet, RangeIsInclusiveAndClipped) {
   vString s("abcdef");
   EXPECT_EQ(s.get(1, 3), "bcd");
   EXPECT_EQ(s.get(4, 100), "ef");
-  EXPECT_EQ(s.get(2, 2), "c");
   EXPECT_TRUE(s.get(10, 12).isSharedEmpty());
 }
 
@@ -162,37 +122,15 @@ TEST(vStringGet, BadRangesAreFatal) {
   expectFailure([&] { s.get(3, 1); }, "vString::get", "startIndex 3 greater than endIndex 1 for string abc");
 }
 
-TEST(vStringGet, BetweenTwoTokens) {
-  vString s("key=[value] rest");
-  EXPECT_EQ(s.get(vString("["), vString("]")), "value");
-  EXPECT_TRUE(s.get(vString("<"), vString(">")).isSharedEmpty());
-  EXPECT_EQ(s.get(vString("key="), vString(" ")), "[value]");
-}
-
 TEST(vStringGet, SubstrAndFriends) {
   vString s("abcdef");
   EXPECT_TRUE(s.substr(2, 0).isSharedEmpty());
-  EXPECT_TRUE(s.substr(6).isSharedEmpty());
-  EXPECT_EQ(s.substr(2), "cdef");
   EXPECT_EQ(s.substr(2, 0xFFFFFFFFu), "cdef");
   EXPECT_EQ(s.substr(4, 10), "ef");
-  EXPECT_EQ(s.substr(1, 2), "bc");
-  EXPECT_EQ(s.getLeft(2), "ab");
-  EXPECT_EQ(s.getRight(2), "ef");
   EXPECT_EQ(s.getRight(20), "abcdef");
-  EXPECT_EQ(s.getMid(1, 3), "bcd");
   char buf[4];
   s.get(buf, 2, sizeof buf);
   EXPECT_STREQ("cde", buf);
-}
-
-TEST(vStringGet, PopTakesTheHeadAndKeepsTheRest) {
-  vString s("a,b,c");
-  EXPECT_EQ(s.pop(vString(",")), "a");
-  EXPECT_EQ(s, "b,c");
-  EXPECT_EQ(s.pop(vString(",")), "b");
-  EXPECT_EQ(s.pop(vString(",")), "c");
-  EXPECT_TRUE(s.isSharedEmpty());
 }
 
 // --- searching -------------------------------------------------------------------
@@ -203,12 +141,10 @@ TEST(vStringSearch, PositionsAndOffsets) {
   EXPECT_EQ(-1, s.search('z'));
   EXPECT_EQ(2, s.count('b') + s.count('z'));
   EXPECT_EQ(0, s.search(vString("abc")));
-  EXPECT_EQ(3, s.search(vString("abc"), 1));
   EXPECT_EQ(3, s.search("ab", 2));
   EXPECT_EQ(-1, s.search("abc", 4));
   EXPECT_EQ(-1, s.search("abc", 100));
   EXPECT_EQ(2, s.find_first_of(vString("xc")));
-  EXPECT_EQ(5, s.find_first_of(vString("c"), 3));
   EXPECT_EQ(2, s.find_first_not_of(vString("ab")));
   EXPECT_EQ(-1, vString("aaa").find_first_not_of(vString("a")));
 }
@@ -222,16 +158,24 @@ TEST(vStringSearch, SearchForLastReturnsZeroAndStoresThePosition) {
   };
   EXPECT_EQ(last("a:b", ':'), std::make_pair(0, 1));
   EXPECT_EQ(last("abc", ':'), std::make_pair(-1, 0));
-  EXPECT_EQ(last("x.y.z", vString(".")), std::make_pair(0, 3));
   EXPECT_EQ(last("xyz", vString("..")), std::make_pair(-1, 0));
 }
 
-TEST(vStringSearch, SearchIntegerSkipsPartsOfLargerNumbers) {
+TEST(vStringSearch, IntegersTokensAndPop) {
   vString s("x12 2 123");
   EXPECT_EQ(4, s.searchInteger(vString("2")));
-  EXPECT_EQ(1, s.searchInteger(vString("12")));
   EXPECT_EQ(-1, s.searchInteger(vString("23")));
-  EXPECT_EQ(-1, s.searchInteger(vString("2"), 5));
+  vString k("key=[value] rest");
+  EXPECT_EQ(k.get(vString("["), vString("]")), "value");
+  EXPECT_TRUE(k.get(vString("<"), vString(">")).isSharedEmpty());
+  vString list("a,b");
+  EXPECT_EQ(list.pop(vString(",")), "a");
+  EXPECT_EQ(list.pop(vString(",")), "b");
+  EXPECT_TRUE(list.isSharedEmpty());
+  vString other;
+  k.swapContents(other);
+  EXPECT_TRUE(k.isSharedEmpty());
+  EXPECT_EQ(other, "key=[value] rest");
 }
 
 // --- splitting -------------------------------------------------------------------
@@ -244,29 +188,15 @@ TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
   EXPECT_TRUE(vString(":abc").splitAtToken(left, right, ':'));
   EXPECT_TRUE(left.isSharedEmpty());
   EXPECT_EQ(right, "abc");
-  EXPECT_TRUE(vString("abc:").splitAtToken(left, right, ':'));
-  EXPECT_EQ(left, "abc");
-  EXPECT_TRUE(right.isSharedEmpty());
   EXPECT_TRUE(vString("a::b::c").splitAtToken(left, right, vString("::")));
   EXPECT_EQ(left, "a");
   EXPECT_EQ(right, "b::c");
   EXPECT_TRUE(vString("a::b::c").splitAtLastToken(left, right, vString("::")));
   EXPECT_EQ(left, "a::b");
   EXPECT_EQ(right, "c");
-  EXPECT_TRUE(vString("a.b.c").splitAtLastToken(left, right, '.'));
-  EXPECT_EQ(left, "a.b");
-  EXPECT_EQ(right, "c");
   EXPECT_FALSE(vString("abc").splitAtLastToken(left, right, '.'));
   EXPECT_EQ(left, "abc");
   EXPECT_TRUE(right.isSharedEmpty());
-}
-
-TEST(vStringSplit, OutputMayBeTheSourceItself) {
-  vString s("key=value");
-  vString right;
-  s.splitAtToken(s, right, '=');
-  EXPECT_EQ(s, "key");
-  EXPECT_EQ(right, "value");
 }
 
 // --- sizing ----------------------------------------------------------------------
@@ -275,12 +205,8 @@ TEST(vStringSize, TruncateAndSetSize) {
   vString s("abcdef");
   EXPECT_EQ(-1, s.truncate(-1));
   EXPECT_EQ(s, "abcdef");
-  EXPECT_EQ(0, s.truncate(6));
   EXPECT_EQ(0, s.truncate(60));
-  EXPECT_EQ(s, "abcdef");
   EXPECT_EQ(0, s.truncate(3));
-  EXPECT_EQ(s, "abc");
-  EXPECT_EQ(3, s.setSize(3));
   EXPECT_EQ(s, "abc");
   EXPECT_EQ(-1, s.setSize(0));
   EXPECT_EQ(s, "abc");
@@ -300,14 +226,10 @@ TEST(vStringSize, CenterRightExtendFill) {
   vString keep(" ab ");
   keep.center(6, 0);
   EXPECT_EQ(keep, " ab ");
-  keep.center(0, '*');
-  EXPECT_EQ(keep, " ab ");
   vString r("7");
   r.right(3, '0');
   EXPECT_EQ(r, "007");
   r.extendTo(5, '.');
-  EXPECT_EQ(r, "007..");
-  r.extendTo(2, '.');
   EXPECT_EQ(r, "007..");
   r.fill('x');
   EXPECT_EQ(r, "xxxxx");
@@ -319,9 +241,7 @@ TEST(vStringSize, CenterRightExtendFill) {
 
 TEST(vStringRead, NumbersAndEmptyStrings) {
   EXPECT_EQ(0, vString().readi());
-  EXPECT_EQ(0.0f, vString().readf());
   EXPECT_EQ(0.0, vString().readd());
-  EXPECT_EQ(0LL, vString().readi64());
   EXPECT_EQ(-42, vString("-42").readi());
   EXPECT_DOUBLE_EQ(2.5, vString("2.5").readd());
   EXPECT_FLOAT_EQ(0.25f, vString("0.25").readf());
@@ -331,9 +251,9 @@ TEST(vStringRead, NumbersAndEmptyStrings) {
 TEST(vStringRead, Booleans) {
   EXPECT_FALSE(vString().readb());
   EXPECT_FALSE(vString("  ").readb());
-  for (char const* f : {"f", "F", "n", "N", "0", " n ", "no", "NO", "No", "false", "negative", "disabled"})
+  for (char const* f : {"F", "n", "0", " n ", "No", "false", "disabled"})
     EXPECT_FALSE(vString(f).readb()) << f;
-  for (char const* t : {"t", "y", "1", "x", "yes", "true", "on", "FALSE", "enabled", "nope"})
+  for (char const* t : {"y", "1", "x", "FALSE", "nope"})
     EXPECT_TRUE(vString(t).readb()) << t;
 }
 
@@ -344,9 +264,7 @@ TEST(vStringWrite, StreamOperatorsUseFixedFormats) {
   s.erase();
   s << 12 << ' ' << 9000000000LL << "/" << vString("x");
   EXPECT_EQ(s, "12 9000000000/x");
-  EXPECT_EQ(vString::number(-5), "-5");
   EXPECT_EQ(vString::number(1234567890123LL), "1234567890123");
-  EXPECT_EQ(vString::number(0.5), "0.5");
   EXPECT_EQ(vString::number(0.5f), "0.5");
 }
 
@@ -369,8 +287,6 @@ TEST(vStringWrite, NumberIntoAField) {
       {"|  42|9999|", false, -123456, 1, 4, 0, ' ', 0, 0, 4, "|-999|9999|"},
       {"|-999|9999|", false, 255, 6, 9, 64 | 512, '0', 0, 0, 4, "|-999|00FF|"},
       {"|-999|00FF|", false, 1, 8, 20, 0, ' ', 0, 0, -1, "|-999|00FF|"},
-      {"|-999|00FF|", false, 1, -1, 2, 0, ' ', 0, 0, -1, "|-999|00FF|"},
-      {"|-999|00FF|", false, 1, 5, 2, 0, ' ', 0, 0, -1, "|-999|00FF|"},
       {"x=", false, 7, 0, -1, 1024, '0', 4, 0, 4, "x=+007"},
       {"[      ]", true, 3.14159, 1, 6, 0, ' ', 0, 2, 6, "[  3.14]"},
       // Zero fill goes between the sign and the digits.
@@ -380,19 +296,11 @@ TEST(vStringWrite, NumberIntoAField) {
       // A stream width beyond the field does not fit: nines, sign kept.
       {"| -42|-002.5|", false, -1, 1, 4, 0, ' ', 6, 0, 4, "|-999|-002.5|"},
       {"[....]", false, 8, 1, 4, 32 | 128, ' ', 0, 0, 4, "[ 010]"},
-      {"[....]", false, 255, 1, 4, 64 | 128, ' ', 0, 0, 4, "[0xff]"},
       {"[....]", false, 255, 1, 4, 64 | 128 | 512, ' ', 0, 0, 4, "[0XFF]"},
       {"[....]", false, 12, 1, 4, 16 | 1024, ' ', 0, 0, 4, "[ +12]"},
-      {"[....]", false, 12, 1, 4, 16, ' ', 0, 0, 4, "[  12]"},
-      {"[......]", true, 2.0, 1, 6, 256, ' ', 0, -1, 6, "[999999]"},
-      {"[......]", true, 2.0, 1, 6, 0, ' ', 0, -1, 6, "[     2]"},
       // Appending: a last of -1 adds the number at the end.
       {"", true, 2.0, 0, -1, 256, ' ', 0, -1, 7, "2.00000"},
-      {"", true, 1.0e10, 0, -1, 512, ' ', 0, -1, 5, "1E+10"},
-      {"t=", false, -12, 0, -1, 0, ' ', 0, 0, 3, "t=-12"},
       {"ab", false, 1, 0, 2, 0, ' ', 0, 0, -1, "ab"},
-      {"ab", true, 1.0, 1, 0, 0, ' ', 0, 0, -1, "ab"},
-      {"", false, 1, 0, 0, 0, ' ', 0, 0, -1, ""},
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(std::string(c.before) + " <- " + std::to_string(c.value));
@@ -418,8 +326,6 @@ TEST(vStringChange, ReplaceRemoveReverse) {
   EXPECT_EQ(s, "a/b/c");
   s.replace(vString("/"), vString("::"));
   EXPECT_EQ(s, "a::b::c");
-  s.replace(vString("::"), vString(""));
-  EXPECT_EQ(s, "abc");
   vString noRescan("aa");
   noRescan.replace(vString("a"), vString("aa"));
   EXPECT_EQ(noRescan, "aaaa");
@@ -439,9 +345,6 @@ TEST(vStringChange, ReplaceNonAsciiStopsAtACarriageReturn) {
   EXPECT_STREQ("a b c", s.c_str());
   EXPECT_EQ('d', s[6]);
   EXPECT_EQ('\x02', s[7]);
-  vString keep("tab\there\nline");
-  keep.replaceNonAscii();
-  EXPECT_EQ(keep, "tab\there\nline");
 }
 
 TEST(vStringChange, CaseOperations) {
@@ -451,11 +354,6 @@ TEST(vStringChange, CaseOperations) {
   vString w("hELLO wORLD-foo 3rd x_y \xe9t\xe9");
   w.capitalizeEveryWord();
   EXPECT_EQ(w, "Hello World-Foo 3rd X_Y \xe9T\xe9");
-  vString u("MiXed 1");
-  u.toUpperCase();
-  EXPECT_EQ(u, "MIXED 1");
-  u.toLowerCase();
-  EXPECT_EQ(u, "mixed 1");
 }
 
 TEST(vStringChange, AppendingToItself) {
@@ -467,17 +365,6 @@ TEST(vStringChange, AppendingToItself) {
   vString t("xyz");
   t = t.c_str() + 1;
   EXPECT_EQ(t, "yz");
-  EXPECT_EQ(vString("a") + vString("b"), "ab");
-  vString const c("c");
-  EXPECT_EQ(c + vString("d"), "cd");
-  EXPECT_EQ(c, "c");
-}
-
-TEST(vStringChange, SwapContents) {
-  vString a("first"), b;
-  a.swapContents(b);
-  EXPECT_TRUE(a.isSharedEmpty());
-  EXPECT_EQ(b, "first");
 }
 
 // --- index checks -------------------------------------------------------------------
@@ -575,13 +462,12 @@ TEST(vStringMatch, ShellPatternsSetsAndBacktracking) {
   Case const cases[] = {
       // A '-' first or last in a set, or after a range, is a member.
       {"-", "[-a]", true}, {"-", "[a-]", true}, {"b", "[-a]", false}, {"-", "[a-c-]", true}, {"-", "[a-c-x]", true},
-      {"", "*", true}, {"", "?", false}, {"q", "[a-cq-s]", true}, {"m", "[a-cq-s]", false},
+      {"", "?", false}, {"m", "[a-cq-s]", false},
       {"b", "[^a-c]", false}, {"d", "[^a-c]", true},
       // A set always takes one character, also when negated.
       {"", "[^a]", false}, {"ab", "[^x]", false},
       // '*' is tried at every position, so a later occurrence can still match.
-      {"abXcdXef", "*X*X*", true}, {"aXbXc", "*Xc", true}, {"aXbXc", "*Xd", false}, {"abc", "a**c", true},
-      {"ab", "*?", true}, {"", "*?", false}, {"a.b", "a.b", true}, {"aXb", "a.b", false},
+      {"abXcdXef", "*X*X*", true}, {"aXbXc", "*Xc", true}, {"aXbXc", "*Xd", false}, {"", "*?", false}, {"aXb", "a.b", false},
   };
   for (Case const& c : cases)
     EXPECT_EQ(c.matches, vString(c.text).match(vString(c.pattern))) << c.text << " ~ " << c.pattern;
@@ -664,6 +550,12 @@ TEST(vStringStream, QuotedAndPlainWords) {
   EXPECT_EQ(s, "unterminated");
   EXPECT_FALSE(in >> s);
   EXPECT_TRUE(s.isSharedEmpty());
+  std::istringstream kept("\"a b\"");
+  s.getQuotedString(kept, true);
+  EXPECT_EQ(s, "\"a");
+  std::ostringstream out;
+  out << vString("written") << '|' << vString();
+  EXPECT_EQ("written|", out.str());
 }
 
 TEST(vStringStream, OnlyTheOpeningMarkCloses) {
@@ -673,20 +565,8 @@ TEST(vStringStream, OnlyTheOpeningMarkCloses) {
   EXPECT_EQ(s, "say \"hi\"");
   in >> s;
   EXPECT_EQ(s, "it's");
-  in >> s;
-  EXPECT_EQ(s, "last");
   // A word ends at a space, a tab or a line end, not at a quotation mark.
   std::istringstream word("ab\"c'd e");
   word >> s;
   EXPECT_EQ(s, "ab\"c'd");
-}
-
-TEST(vStringStream, IgnoringQuotesKeepsTheMark) {
-  std::istringstream in("\"a b\"");
-  vString s;
-  s.getQuotedString(in, true);
-  EXPECT_EQ(s, "\"a");
-  std::ostringstream out;
-  out << vString("written") << '|' << vString();
-  EXPECT_EQ("written|", out.str());
 }

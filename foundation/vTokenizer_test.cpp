@@ -34,7 +34,6 @@ TEST(vTokenizer, NextStopsOnTheDelimiterAndTailLooksAhead) {
   EXPECT_EQ(t.tail(), "some value  ");
   EXPECT_EQ(5, t.getCurrentPosition());
   ASSERT_TRUE(t.next(token));
-  EXPECT_EQ(token, "some");
   ASSERT_TRUE(t.next(token));
   EXPECT_EQ(token, "value");
   EXPECT_FALSE(t.next(token));

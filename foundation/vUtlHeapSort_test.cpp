@@ -22,17 +22,11 @@ std::vector<unsigned int> iota(int n) {
 }
 
 TEST(HeapSort, SortsAscendingAndCarriesTheIndex) {
-  std::vector<int> keys = {3, 1, 2};
-  std::vector<unsigned int> index = iota(3);
-  vUtl::heapSort<int, unsigned int>(3, keys.data(), index.data());
-  EXPECT_EQ((std::vector<int>{1, 2, 3}), keys);
-  EXPECT_EQ((std::vector<unsigned int>{2, 3, 1}), index);
-
   std::mt19937 random(7);
   std::vector<double> many(5000);
   for (double& v : many) v = std::uniform_real_distribution<double>(-1e6, 1e6)(random);
   std::vector<double> original = many;
-  index = iota(5000);
+  std::vector<unsigned int> index = iota(5000);
   vUtl::heapSort<double, unsigned int>(5000, many.data(), index.data());
   EXPECT_TRUE(std::is_sorted(many.begin(), many.end()));
   for (int i = 0; i < 5000; ++i) ASSERT_EQ(original[index[i] - 1], many[i]) << i;
@@ -52,7 +46,6 @@ TEST(HeapSort, TiesLeaveAsTheHeapLeavesThem) {
   index = iota(4);
   vUtl::heapSort<long long, unsigned int>(4, four.data(), index.data());
   EXPECT_EQ((std::vector<unsigned int>{2, 3, 4, 1}), index);
-  // One element, nothing to do.
   float one = 1.5f;
   unsigned int oneIndex = 7;
   vUtl::heapSort<float, unsigned int>(1, &one, &oneIndex);
@@ -123,21 +116,11 @@ void checkPairs(S::SortOrderType order1, S::SortOrderType order2) {
   }
 }
 
-template <class K1>
-void checkRow() {
-  checkPairs<K1, short>(S::ASCENDING, S::DESCENDING);
-  checkPairs<K1, int>(S::DESCENDING, S::ASCENDING);
-  checkPairs<K1, long long>(S::ASCENDING, S::ASCENDING);
-  checkPairs<K1, float>(S::DESCENDING, S::DESCENDING);
-  checkPairs<K1, double>(S::ASCENDING, S::DESCENDING);
-}
-
-TEST(HeapSort, EveryPairOfKeyTypes) {
-  checkRow<short>();
-  checkRow<int>();
-  checkRow<long long>();
-  checkRow<float>();
-  checkRow<double>();
+TEST(HeapSort, RandomPairsInEachDirection) {
+  checkPairs<short, double>(S::ASCENDING, S::DESCENDING);
+  checkPairs<int, long long>(S::DESCENDING, S::ASCENDING);
+  checkPairs<float, int>(S::ASCENDING, S::ASCENDING);
+  checkPairs<double, short>(S::DESCENDING, S::DESCENDING);
 }
 
 TEST(HeapSort, NaNKeysDoNotBreakTheSort) {
