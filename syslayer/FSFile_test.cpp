@@ -155,8 +155,6 @@ TEST(FSFile, RecordFilesAndFileFacts) {
   char buf[64];
   EXPECT_EQ(r.read(2, buf, 32), 32);
   EXPECT_EQ(std::string(buf, 32), data.substr(16, 16) + std::string(16, 'X'));
-  EXPECT_EQ(r.partialRead(2, 3, 1, 4, buf), 12);
-  EXPECT_EQ(std::string(buf, 12), data.substr(2, 3) + data.substr(18, 3) + "XXX" + data.substr(50, 3));
   struct passwd* pw = getpwuid(geteuid());
   ASSERT_NE(pw, nullptr);
   EXPECT_EQ(r.getOwner(), vString(pw->pw_name));
@@ -223,27 +221,6 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
   ASSERT_EQ(c.cwrite(27, &patch[0], 1), 1);
   c.close();
   EXPECT_EQ(fs_testing::readFile(dir / "cut"), std::string("0123456789abcdefghijKLMNO\0A\0\0\0", 30));
-}
-
-TEST(FSFile, LocksThroughTheObjects) {
-  TempDir dir;
-  std::string const name = dir / "l";
-  fs_testing::writeFile(name, "x");
-  FS::ioFile a = FS::update(name.c_str(), FS::ByteFile);
-  FS::ioFile b = FS::update(name.c_str(), FS::ByteFile);
-  EXPECT_FALSE(FS::isLocked(name.c_str(), FS::ReadLocked));
-  a.lock();
-  ASSERT_TRUE(a.isGood());
-  EXPECT_TRUE(FS::isLocked(name.c_str(), FS::ReadLocked));
-  b.lock();
-  EXPECT_EQ(b.getStatus(), FS_LOCKED);
-  b.clear();
-  a.unlock();
-  EXPECT_FALSE(FS::isLocked(name.c_str(), FS::WriteLocked));
-  b.lock();
-  EXPECT_TRUE(b.isGood());
-  a.close();
-  b.close();
 }
 
 TEST(FSFunctions, SpaceScratchAndTemporaryNames) {

@@ -90,17 +90,13 @@ TEST(TapeLabels, RecordsAreEightyBlankFilledBytes) {
   int status;
   fs_bansi_("XYZ1", "", record, status);
   EXPECT_EQ(status, FS_BADLABEL);
-}
 
-TEST(TapeLabels, ReadBack) {
+  // Read back.
   char kind[5], value[32];
-  int status;
-  std::string const vol = Image::label("VOL1", "T00001");
   fs_ransi_(vol.data(), 80, kind, value, sizeof value, status);
   EXPECT_EQ(status, FS_GOOD);
   EXPECT_STREQ(kind, "VOL1");
   EXPECT_STREQ(value, "T00001");
-  std::string const hdr1 = Image::label("HDR1", "OWN");
   fs_ransi_(hdr1.data(), 80, kind, value, sizeof value, status);
   EXPECT_STREQ(kind, "HDR1");
   EXPECT_STREQ(value, "RONDO");
