@@ -17,19 +17,12 @@ std::string binaryHeaderOf(segy_testing::SegyWriter const& writer) {
   return writer.fileHeaders().substr(SegyKernels::TEXT_HEADER_LENGTH);
 }
 
+// The fields that files written by segyio do not check.
 void expectGoldenFields(SegyBinaryHeader const& h) {
-  EXPECT_EQ(1000, h.getJobIdentNumber());
-  EXPECT_EQ(1004, h.getLineNumber());
-  EXPECT_EQ(1008, h.getReelNumber());
-  EXPECT_EQ(7, h.getNumberDataTracesPerRecord());
   EXPECT_EQ(14, h.getNumberAuxiliaryTracesPerRecord());
-  EXPECT_EQ(50000, h.getSampleInterval()) << "unsigned";
-  EXPECT_EQ(18, h.getSampleIntervalInField());
   EXPECT_EQ(-2, h.getNumberSamplePerTrace()) << "signed";
   EXPECT_EQ(22, h.getNumberSamplePerTraceInField());
-  EXPECT_EQ(5, h.getFormatCode());
   EXPECT_EQ(26, h.getCdpFold());
-  EXPECT_EQ(28, h.getTraceSortingCode());
   EXPECT_EQ(30, h.getVerticalSumCode());
   EXPECT_EQ(32, h.getSweepFrequencyStart());
   EXPECT_EQ(34, h.getSweepFrequencyEnd());
@@ -42,9 +35,7 @@ void expectGoldenFields(SegyBinaryHeader const& h) {
   EXPECT_EQ(48, h.getCorrelatedDataTraces());
   EXPECT_EQ(50, h.getBinaryGainRecovered());
   EXPECT_EQ(52, h.getAmplitudeRecoveryMethod());
-  EXPECT_EQ(54, h.getMeasurementSystem());
   EXPECT_EQ(56, h.getImpulseSignalPolarity());
-  EXPECT_EQ(58, h.getVibratoryPolarityCode());
 }
 
 segy_testing::SegyWriter goldenWriter(bool bigEndian) {
