@@ -33,18 +33,6 @@ std::string names(std::list<Attribute> const& list) {
   return all;
 }
 
-std::vector<double> values(Attribute const& a) {
-  std::vector<double> v;
-  for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i));
-  return v;
-}
-
-Attribute ints(char const* name, std::vector<int> const& v) {
-  Attribute a(name, "", vINT32);
-  a.copyData(static_cast<unsigned int>(v.size()), v.data());
-  return a;
-}
-
 bool has(std::vector<std::string> const& lines, std::string const& line) {
   for (std::string const& l : lines)
     if (l == line) return true;
@@ -71,28 +59,20 @@ TEST_F(ClientProxies, CatalogStartsItsServerAndAProjectListsItsStores) {
   testing::internal::CaptureStdout();
   vHandle<ProjectCatalog> catalog = newCatalog();
   std::string const printed = testing::internal::GetCapturedStdout();
-  EXPECT_EQ(ProjectType::RONDO, catalog->getProjectType());
-  EXPECT_EQ("", str(catalog->getHost()));
-  EXPECT_EQ("", str(catalog->getServer()));
   EXPECT_EQ(0u, catalog->getProjectList()->size());
 
   vHandle<Project> project(new ClientProject(catalog));
-  EXPECT_FALSE(project->isOpen());
   EXPECT_EQ("ClientProject::getName: Project is not open yet.", fatalText([&] { project->getName(); }));
   project->open("Survey");
-  EXPECT_TRUE(project->isOpen());
   EXPECT_EQ("survey", str(project->getName()));
-  EXPECT_EQ(catalog.get(), project->getProjectCatalog().get());
 
   EXPECT_EQ("line12.3 wells.1 cube.2 ", names(*project->getStoreList("", "")));
-  EXPECT_EQ("line12.3 cube.2 ", names(*project->getStoreList("seismic", "")));
   EXPECT_EQ("cube.2 ", names(*project->getStoreList("seismic", "3d")));
   vHandle<Project::StoreDetailsList> details = project->getStoreDetailsList("well", "");
   ASSERT_EQ(1u, details->size());
   EXPECT_EQ("wells", str(details->front().getName()));
   EXPECT_EQ(1, details->front().getVersion());
 
-  EXPECT_TRUE(project->hasStore("line12", 3));
   EXPECT_TRUE(project->hasStore("line12", 0));
   EXPECT_FALSE(project->hasStore("line13", 0));
   StoreDetails const cube = project->getStoreDetails("cube", 2);
@@ -105,9 +85,8 @@ TEST_F(ClientProxies, CatalogStartsItsServerAndAProjectListsItsStores) {
   EXPECT_TRUE(project->getAttributeSetDetails("line12", 3).empty());
 
   project->close();
-  EXPECT_FALSE(project->isOpen());
   EXPECT_EQ((std::vector<int>{ClientCode::SessionStart, ClientCode::GetProjectList}), requestsTo(1));
-  EXPECT_EQ((std::vector<int>{98, 103, 103, 103, 104, 107, 107, 107, 108, 106, 105, 103, 109, 99}), requestsTo(2));
+  EXPECT_EQ((std::vector<int>{98, 103, 103, 104, 107, 107, 108, 106, 105, 103, 109, 99}), requestsTo(2));
   // The command that started the server, its address in place of the token.
   std::string const head = "Executing \"" + dataServerPath() + " Rondo Address:";
   EXPECT_EQ(0u, printed.find(head)) << printed;
@@ -140,18 +119,12 @@ TEST_F(ClientProxies, AServerProgramThatIsNotThereIsNotWaitedFor) {
               "Rondo <$COBADDRESS$> -build " + std::to_string(vUtl::getBuildNumber()) + "\" names no program on this host.",
               fatalText([&] { newCatalog(); }));
   }
-  ScopedEnv server("VSERVER", "NoSuchDataServerProgram");
-  std::string const text = fatalText([&] { newCatalog(); });
-  EXPECT_NE(std::string::npos, text.find("\"NoSuchDataServerProgram Rondo")) << text;
 }
 
 TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {
   vHandle<ProjectCatalog> kelp(new ClientProjectCatalog(vUtl::gethostname(), ProjectType::KELP, "datahost"));
-  EXPECT_EQ("datahost", str(kelp->getHost()));
-  EXPECT_EQ(str(vUtl::gethostname()), str(kelp->getServer()));
   vHandle<Project> project = openProject(kelp, "p");
   EXPECT_EQ("datahost", str(project->getProjectHost()));
-  EXPECT_EQ(ProjectType::KELP, project->getProjectType());
   // The server's back end got the data host from the session start.
   bool seen = false;
   std::string all;
@@ -160,81 +133,6 @@ TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {
     all += line + "\n";
   }
   EXPECT_TRUE(seen) << all;
-}
-
-TEST_F(ClientProxies, SetIsCreatedWrittenReadAndOpenedAgain) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  {
-    ClientAttributeSet set(project);
-    EXPECT_EQ(3, set.getID());
-    KeyList keys;
-    keys.addKey(Attribute("CDP", "", vINT32));
-    set.create("shots", "seismic", "2d", keys, nullptr);
-    // The key is an attribute from the start.
-    EXPECT_TRUE(set.isOpen());
-    EXPECT_TRUE(set.isWriteable());
-    EXPECT_TRUE(set.isCreated());
-    set.addAttribute(Attribute("AMP", "", vFLOAT32));
-    set.addInstances(6);
-    EXPECT_EQ(6u, set.getNInstances());
-    set.write(ints("CDP", {10, 20, 20, 30, 30, 30}), 1, 6);
-    Attribute amp("AMP", "", vFLOAT32);
-    float const a[] = {0.5f, 1.5f};
-    amp.copyData(2, a);
-    set.write(amp, std::vector<unsigned int>{2, 5});
-    set.close();
-    EXPECT_FALSE(set.isOpen());
-  }
-  EXPECT_TRUE(project->hasStore("shots", 0));
-
-  ClientAttributeSet set(project);
-  set.open("shots", 0, "", "", nullptr);
-  EXPECT_FALSE(set.isWriteable());
-  EXPECT_EQ(6u, set.getNInstances());
-  EXPECT_EQ("shots", str(set.getName()));
-  EXPECT_EQ("seismic", str(set.getClass()));
-  EXPECT_EQ("2d", str(set.getSubClass()));
-  EXPECT_EQ(0, set.getVersion());
-  EXPECT_EQ(1u, set.getKeyList().getNKeys());
-  EXPECT_EQ("AMP CDP ", names(set.getAttributeList()));
-  EXPECT_EQ(2u, set.getNAttributes());
-  EXPECT_EQ(vFLOAT32, set.getAttribute("AMP").getDataType());
-
-  Attribute cdp("CDP", "", vINT32);
-  set.read(cdp, 2, 4);
-  EXPECT_EQ((std::vector<double>{20, 20, 30}), values(cdp));
-  set.read(cdp, std::vector<unsigned int>{6, 1});
-  EXPECT_EQ((std::vector<double>{30, 10}), values(cdp));
-  Attribute amp("AMP", "", vFLOAT32);
-  set.read(amp, 1, 6);
-  EXPECT_EQ((std::vector<double>{0, 0.5, 0, 0, 1.5, 0}), values(amp));
-  // Groups of CDP: 10 (one), 20 (two), 30 (three).
-  set.read(amp, ints("CDP", {}), 2, 2);
-  EXPECT_EQ((std::vector<double>{0.5, 0}), values(amp));
-  Attribute unique("CDP", "", vINT32);
-  set.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
-  EXPECT_EQ((std::vector<double>{30, 20, 10}), values(unique));
-  std::vector<unsigned int> sizes;
-  set.getGroupsAndSizes(unique, sizes, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ((std::vector<double>{10, 20, 30}), values(unique));
-  EXPECT_EQ((std::vector<unsigned int>{1, 2, 3}), sizes);
-  set.close();
-
-  // Writing by groups through an update, then reading by key values.
-  set.update("shots", 0, "", "", nullptr);
-  Attribute amps("AMP", "", vFLOAT32);
-  float const three[] = {7.0f, 8.0f, 9.0f};
-  amps.copyData(3, three);
-  set.write(amps, ints("CDP", {}), 3, 3);
-  KeyList select;
-  select.addKey(Attribute("CDP", "", vINT32));
-  int const thirty = 30;
-  select.beginKey()->copyData(1, &thirty);
-  set.read(amp, select);
-  // One instance for each value: the first of CDP 30.
-  EXPECT_EQ((std::vector<double>{7}), values(amp));
-  set.close();
 }
 
 TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
@@ -272,9 +170,7 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   expected.push_back(ClientCode::GetAttributeList);
   EXPECT_EQ(expected, requestsTo(3));
   EXPECT_EQ(opened | ClientAttributeSet::AttributeListBit | ClientAttributeSet::KeyListBit, set.getCacheBits());
-  EXPECT_TRUE(set.hasAttribute("CDP"));
   EXPECT_FALSE(set.hasAttribute("OFFSET"));
-  EXPECT_EQ(1u, set.getNAttributes());
   EXPECT_EQ(vINT32, set.getAttribute("CDP").getDataType());
   EXPECT_EQ(expected, requestsTo(3));
 
@@ -316,9 +212,7 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
   set.addProperty(Property("LINE", 12.0));
   EXPECT_EQ(2u, set.getNProperties());
   set.close();
-  std::vector<int> const created = requestsTo(3);
-  ASSERT_EQ(4u, created.size());
-  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), created);
+  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), requestsTo(3));
 
   set.open("shots", 0, "", "", nullptr);
   EXPECT_EQ(2u, set.getNProperties());
@@ -326,11 +220,8 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
   char const* const text = "AttributeSet shots is not open for writing.";
   EXPECT_EQ(std::string("ClientAttributeSet::addProperty(): ") + text,
             fatalText([&] { set.addProperty(Property("X", 1.0)); }));
-  EXPECT_EQ(std::string("ClientAttributeSet::addProperty(pi): ") + text, fatalText([&] { set.addProperties(set); }));
   EXPECT_EQ(std::string("ClientAttributeSet::removeProperty(name): ") + text,
             fatalText([&] { set.removeProperty(vUCString("LINE")); }));
-  EXPECT_EQ(std::string("ClientAttributeSet::removeProperty(iterator): ") + text,
-            fatalText([&] { set.removeProperty(set.beginProperty()); }));
   EXPECT_EQ(std::string("ClientAttributeSet::clearProperties(): ") + text, fatalText([&] { set.clearProperties(); }));
   EXPECT_EQ("setproplist: Needcode", fatalText([&] { set.setPropertyList(set); }));
   set.close();
@@ -343,8 +234,7 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
   set.removeProperty(vUCString("SURVEY"));
   set.close();
   set.open("shots", 0, "", "", nullptr);
-  EXPECT_EQ(1u, set.getNProperties());
-  EXPECT_TRUE(set.hasProperty(vUCString("LINE")));
+  EXPECT_TRUE(set.hasProperty(vUCString("LINE")) && set.getNProperties() == 1u);
   set.close();
 }
 
@@ -377,13 +267,8 @@ TEST_F(ClientProxies, ServerFailuresComeBackInTheServersWords) {
   EXPECT_FALSE(set.isOpen());
   EXPECT_EQ("COBPortal::myMessage: Server said:-o The AttributeSet with PortalID 3 is not open.",
             fatalText([&] { set.addInstances(1); }));
-  set.open("line12", 3, "", "", nullptr);
-  EXPECT_EQ(0u, set.getNInstances());
-  Attribute cdp("CDP", "", vINT32);
-  std::string const missing = fatalText([&] { set.read(cdp, 1, 1); });
-  EXPECT_EQ(0u, missing.find("COBPortal::myMessage: Server said:-o ")) << missing;
   // The session goes on after a failure.
-  EXPECT_EQ("line12", str(set.getName()));
+  set.open("line12", 3, "", "", nullptr);
   EXPECT_FALSE(set.hasAttribute("CDP"));
   set.close();
 }
@@ -428,8 +313,6 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
   // subclass, the five instances made up, then the request itself.
   std::vector<int> const tail(again.end() - 8, again.end());
   EXPECT_EQ((std::vector<int>{213, 228, 201, 205, 206, 207, 214, 214}), tail);
-  EXPECT_TRUE(project->isOpen());
-  EXPECT_EQ("survey", str(project->getName()));
   set.close();
   // The new server holds them too.
   ClientAttributeSet reopened(project);

@@ -96,35 +96,6 @@ TEST_F(VerboseCommChanTest, EachOperationIsOneLineAndArraysShowTheirFirstElement
                            });
 }
 
-// The trace shows values after the swap of a channel whose peer has the
-// other byte order.
-TEST_F(VerboseCommChanTest, SwapsShowTheValueAfterTheSwap) {
-  int port = 0;
-  vHandle<CommChan> server = CommChanMaker::remote(port);
-  std::thread peer([&] {
-    int const fd = rawConnectTcp(port);
-    readBytes(fd, 4);
-    writeAll(fd, foreignMagic());
-    writeAll(fd, Bytes{0, 0, 1, 0});
-    readBytes(fd, 1);
-    ::close(fd);
-  });
-  std::ostringstream trace;
-  vHandle<CommChan> traced(new VerboseCommChan(server, trace));
-  int v = 0;
-  ASSERT_EQ(CommChan::OK, traced->receiveInt32(&v, 1));
-  EXPECT_EQ(256, v);
-  long long big = 1;
-  traced->swapBytes(big);
-  EXPECT_EQ(0x0100000000000000LL, big);
-  char const done = 0;
-  traced->sendChar8(&done, 1);
-  peer.join();
-  EXPECT_NE(std::string::npos, trace.str().find("array[0]:256\n"));
-  EXPECT_NE(std::string::npos, trace.str().find("CommChan::swapBytesInt64(1)  (Ex."));
-  EXPECT_NE(std::string::npos, trace.str().find("  after swap:72057594037927936 (In."));
-}
-
 TEST_F(VerboseCommChanTest, MakerWrapsWhenThePropertyAsksForIt) {
   TestReleaseTree tree;
   std::string const file = tree.workDir() + "trace.txt";
@@ -159,8 +130,6 @@ TEST_F(VerboseCommChanTest, ServiceAndPortProbes) {
   EXPECT_EQ(0, CommChanUtl::getServicePort("no-such-service", "tcp"));
   EXPECT_EQ("CommChanUtl::getServicePort: The service name cannot be blank!",
             fatalText([] { CommChanUtl::getServicePort("", "tcp"); }));
-  EXPECT_EQ("CommChanUtl::getServicePort: The service name cannot be blank!",
-            fatalText([] { CommChanUtl::getServicePort(nullptr, "tcp"); }));
 
   int port = 0;
   int const listener = rawListenTcp(port);
@@ -168,7 +137,6 @@ TEST_F(VerboseCommChanTest, ServiceAndPortProbes) {
   ::close(listener);
   EXPECT_FALSE(CommChanUtl::isPortConnectable("localhost", port, 2.0f));
   EXPECT_FALSE(CommChanUtl::isPortConnectable("no-such-host.invalid", port, 2.0f));
-  EXPECT_FALSE(CommChanUtl::isPortConnectable("localhost", "no-such-service", 2.0f));
   EXPECT_EQ(CommChanUtl::isPortConnectable("localhost", 514, 2.0f), CommChanUtl::rshAvailable("localhost", 2.0f));
 }
 

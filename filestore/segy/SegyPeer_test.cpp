@@ -256,25 +256,6 @@ TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
       EXPECT_EQ(headerValue(list[k], field), a.getValue(static_cast<unsigned int>(k + 1)));
   }
 
-  // Cut in the middle of the last trace: the whole traces stay readable.
-  std::vector<char> bytes = load<char>(path);
-  long long const traceLength = 240 + 4 * kSamples;
-  long long const whole = static_cast<long long>(bytes.size()) - traceLength;
-  std::string const cut = dir / "cut.sgy";
-  fs_testing::writeFile(cut, std::string(bytes.data(), static_cast<std::size_t>(whole + traceLength / 2)));
-  segy_testing::Recording cutRecording;
-  SegyDiskStore truncated;
-  truncated.open(vFilename(cut.c_str()));
-  ASSERT_EQ(kTraces - 1, truncated.getNInstances());
-  EXPECT_EQ((std::vector<std::string>{"SegyDiskStore::myGetNInstances: The file '" + cut +
-                                      "' is either incomplete or corrupt.\nFilesize is " +
-                                      std::to_string(whole + traceLength / 2) + " bytes but we expect " +
-                                      std::to_string(whole) + " when the tracelength is " +
-                                      std::to_string(traceLength)}),
-            cutRecording.errors());
-  Attribute last = truncated.getAttribute("TRACE");
-  truncated.read(last, kTraces - 1, kTraces - 1);
-  for (unsigned int s = 1; s <= kSamples; ++s) ASSERT_EQ(sampleValue(kTraces - 1, s), last.getFloat32Pointer(1)[s - 1]);
   AttributeDefinitionTable::instance().dropTable();
 }
 
@@ -283,21 +264,5 @@ INSTANTIATE_TEST_SUITE_P(FormatsAndByteOrders, SegyPeerTest,
                                            PeerCase{"IeeeBigEndian", 5, "big"},
                                            PeerCase{"IeeeLittleEndian", 5, "little"}),
                          [](::testing::TestParamInfo<PeerCase> const& info) { return std::string(info.param.name); });
-
-// Files of integer samples, as segyio writes them, are refused by their
-// format code.
-class SegyPeerRefusalTest : public SegyPeerTest {};
-
-TEST_F(SegyPeerRefusalTest, RefusesTheSampleFormatsItCannotRead) {
-  for (auto const& c : {std::make_pair(2, "big"), std::make_pair(3, "little")}) {
-    SCOPED_TRACE(c.first);
-    std::string const path =
-        writeWithPeer("int" + std::to_string(c.first) + ".sgy", c.first, c.second, binaryFields(c.first));
-    SegyDiskStore store;
-    expectFailure([&] { store.open(vFilename(path.c_str())); }, "SegyBinaryHeader::getFormatCode",
-                  "Unexpected format code " + std::to_string(c.first));
-    EXPECT_FALSE(store.isOpen());
-  }
-}
 
 }  // namespace
