@@ -9,13 +9,15 @@
 
 ToolCommand const& ProjectCommands::projects() {
   static ToolCommand const c = {"projects", "the projects of a data server",
-                                "usage: rondo projects HOST\n"
+                                "usage: rondo projects [HOST]\n"
                                 "\n"
                                 "Lists the projects of the data server on HOST, one name a line. The\n"
-                                "server is started as the Java host starts it when none runs yet.\n"
+                                "server is started as the Java host starts it when none runs yet: on\n"
+                                "this machine when HOST is left out or is this machine's name, else\n"
+                                "through the remote shell.\n"
                                 "\n"
                                 "example:\n"
-                                "  rondo projects localhost\n",
+                                "  rondo projects $(hostname)\n",
                                 &ProjectCommands::runProjects};
   return c;
 }
@@ -30,14 +32,14 @@ ToolCommand const& ProjectCommands::ls() {
                                 "tabs.\n"
                                 "\n"
                                 "example:\n"
-                                "  rondo ls localhost:survey seismic\n",
+                                "  rondo ls survey seismic\n",
                                 &ProjectCommands::runLs};
   return c;
 }
 
 int ProjectCommands::runProjects(ToolArguments& arguments) {
-  arguments.finish(1, 1);
-  std::string const host = arguments.positional()[0];
+  arguments.finish(0, 1);
+  std::string const host = arguments.positional().empty() ? std::string() : arguments.positional()[0];
   arguments.setSubject(host);
   vHandle<ProjectCatalog> catalog =
       ProjectCatalogFactory::create(vString(host.c_str()), ProjectType::RONDO, vString(host.c_str()));

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <iostream>
 #include <new>
 #include <set>
 #include <string>
@@ -88,6 +89,10 @@ int RondoTool::run(int argc, char** argv) {
   // A closed output pipe shows as EPIPE on the write, where the dump can
   // stop cleanly, rather than as a signal in the middle of it.
   std::signal(SIGPIPE, SIG_IGN);
+  // Standard output is the command's data only (the tool writes it to the
+  // descriptor itself): what the layers below tell on std::cout, such as
+  // the start of a data server, goes to standard error.
+  std::cout.rdbuf(std::cerr.rdbuf());
   // Installed for the life of the process: messages can come until exit.
   RaiseError::getInstance()->install(new ToolMessages());
   registerRondoClasses();
