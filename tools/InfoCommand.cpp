@@ -84,10 +84,12 @@ void writeText(ToolOutput& out, Store const& store, std::list<Attribute> const& 
                   number(a.getFirstTime()).c_str(), number(low).c_str(), number(high).c_str());
     out.put(line);
   }
-  out.put("keys       ");
+  out.put("keys        ");
+  char const* separator = "";
   for (Attribute const& key : keys) {
-    out.put(' ');
+    out.put(separator);
     out.put(key.getName().c_str());
+    separator = " ";
   }
   out.put('\n');
   for (auto p = store.beginProperty(); p != store.endProperty(); ++p) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "attribute/Attribute.h"
+#include "attribute/Property.h"
 #include "foundation/Message.h"
 #include "tools/PlotImage.h"
 #include "tools/StoreArgument.h"
@@ -155,8 +156,9 @@ ToolCommand const& PlotCommand::command() {
       "and one row per sample, clipped at the given percentile of the absolute\n"
       "values (99 by default), in grey (positive dark) or red-white-blue\n"
       "(negative red, positive blue). A store of another class, or any store\n"
-      "given --x and --y (X and Y by default), gives its points on a picture of\n"
-      "--size pixels (512), coloured by the value of --attribute.\n"
+      "given --x and --y, gives its points on a picture of --size pixels (512),\n"
+      "coloured by the value of --attribute; without them the attributes come\n"
+      "from the store's property XYZ_PLOT_ATTRIBUTES, else X and Y.\n"
       "\n"
       "example:\n"
       "  rondo plot line1.sgy --out line1.png --first 1 --last 200 --colour rwb\n"
@@ -188,6 +190,13 @@ int PlotCommand::run(ToolArguments& arguments) {
   vHandle<Store> store = StoreArgument::open(arguments.subject());
   bool const seismic = !map && store->getClass() == vLCString("seismic");
   if (seismic && r.attribute.empty()) r.attribute = "TRACE";
+  // A map data set may name its own x, y and value attributes.
+  auto const named = store->findProperty(vUCString("XYZ_PLOT_ATTRIBUTES"));
+  if (!seismic && !map && named != store->endProperty() && named->getNElements() >= 2) {
+    r.x = named->getString(1).c_str();
+    r.y = named->getString(2).c_str();
+    if (r.attribute.empty() && named->getNElements() >= 3) r.attribute = named->getString(3).c_str();
+  }
   unsigned int const n = store->getNInstances();
   if (!r.hasLast) r.last = n;
   Attribute const probe = store->getAttribute(vUCString(seismic ? r.attribute.c_str() : r.x.c_str()));
