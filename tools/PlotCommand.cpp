@@ -27,6 +27,7 @@ struct Request {
   std::string x;
   std::string y;
   int size;
+  int zoom;
 };
 
 unsigned int blockFor(long long bytesPerInstance) {
@@ -87,10 +88,14 @@ void plotSection(vHandle<Store> const& store, Request const& r, std::string cons
   }
   if (clip <= 0.0) clip = 1.0;
 
-  PlotImage image(static_cast<int>(width), height);
+  if (width * height * r.zoom * r.zoom > kMaxPixels)
+    Message::fatal("PlotCommand::plotSection", 0, "A picture of %lld by %d pixels is too large.", width * r.zoom,
+                   height * r.zoom);
+  PlotImage image(static_cast<int>(width) * r.zoom, height * r.zoom);
   PlotImage::Scale const scale = PlotImage::scale(r.colour.empty() ? "grey" : r.colour);
-  for (int x = 0; x < width; ++x)
-    for (int y = 0; y < height; ++y) image.set(x, y, values[static_cast<std::size_t>(x) * height + y] / clip, scale);
+  for (int x = 0; x < image.width(); ++x)
+    for (int y = 0; y < image.height(); ++y)
+      image.set(x, y, values[static_cast<std::size_t>(x / r.zoom) * height + y / r.zoom] / clip, scale);
   image.write(out);
 }
 
@@ -149,13 +154,15 @@ ToolCommand const& PlotCommand::command() {
   static ToolCommand const c = {
       "plot", "a PNG picture of a seismic section or of the points of a map",
       "usage: rondo plot STORE --out FILE.png [--attribute NAME] [--first N] [--last M]\n"
-      "                  [--clip PERCENT] [--colour grey|rwb] [--x NAME --y NAME] [--size PIXELS]\n"
+      "                  [--clip PERCENT] [--colour grey|rwb] [--zoom N]\n"
+      "                  [--x NAME --y NAME] [--size PIXELS]\n"
       "\n"
       "A seismic store gives a variable-density image of its traces (the\n"
       "attribute TRACE unless --attribute names another), one column per trace\n"
       "and one row per sample, clipped at the given percentile of the absolute\n"
       "values (99 by default), in grey (positive dark) or red-white-blue\n"
-      "(negative red, positive blue). A store of another class, or any store\n"
+      "(negative red, positive blue); --zoom N draws each value as N by N\n"
+      "pixels. A store of another class, or any store\n"
       "given --x and --y, gives its points on a picture of --size pixels (512),\n"
       "coloured by the value of --attribute; without them the attributes come\n"
       "from the store's property XYZ_PLOT_ATTRIBUTES, else X and Y.\n"
@@ -180,10 +187,12 @@ int PlotCommand::run(ToolArguments& arguments) {
   r.x = arguments.value("x", "X");
   r.y = arguments.value("y", "Y");
   r.size = static_cast<int>(arguments.number("size", 512, 16));
+  r.zoom = static_cast<int>(arguments.number("zoom", 1, 1));
   arguments.finish(1, 1);
   if (out.empty()) throw ToolUsageError{"--out FILE.png is needed"};
   if (!(r.percentile > 0.0 && r.percentile <= 100.0)) throw ToolUsageError{"--clip wants a percentile above 0"};
   if (r.size > 16384) throw ToolUsageError{"--size is at most 16384"};
+  if (r.zoom > 64) throw ToolUsageError{"--zoom is at most 64"};
   if (!r.colour.empty()) PlotImage::scale(r.colour);
 
   arguments.setSubject(arguments.positional()[0]);

@@ -29,7 +29,8 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
     char const* described;
   } const cases[] = {
       {"plot line.sgy --out grey.png", "grey.png", "PNG 40 75 3 [1, 1, 1]\n"},
-      {"plot line.sgy --out rwb.png --colour rwb --first 11 --last 30 --clip 90", "rwb.png", "PNG 20 75 3 [1, 1, 1]\n"},
+      {"plot line.sgy --out rwb.png --colour rwb --first 11 --last 30 --clip 90 --zoom 3", "rwb.png",
+       "PNG 60 225 3 [1, 1, 1]\n"},
       // The shots spread far along x and little along y: the picture keeps
       // the aspect, 64 wide and the 4-pixel margins and one row high.
       {"plot line.sgy --out map.png --x SHOT.RW.X --y CMP --attribute FFID --size 64", "map.png",

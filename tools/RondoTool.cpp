@@ -38,7 +38,7 @@ void printHelp(FILE* to) {
 
 // The options that take a value, over all commands.
 std::set<std::string> const kValueOptions = {"first", "last", "out", "attribute", "clip", "colour", "x", "y",
-                                             "size"};
+                                             "size", "zoom"};
 
 int runCommand(ToolCommand const& command, int argc, char** argv) {
   std::string subject;
