@@ -14,9 +14,6 @@
 
 namespace {
 
-// Bytes of values a block of instances may hold, over all attributes.
-long long const kBlockBytes = 8 << 20;
-
 std::vector<std::string> splitNames(std::string const& text) {
   std::vector<std::string> names;
   std::size_t start = 0;
@@ -73,8 +70,7 @@ int DumpCommand::run(ToolArguments& arguments) {
   if (!(n == 0 && !hasLast && !arguments.has("first"))) StoreArgument::checkRange(store, attributes.front(), first, last, n);
   if (last < first) return 0;
 
-  unsigned int const block =
-      static_cast<unsigned int>(std::max<long long>(1, std::min<long long>(65536, kBlockBytes / bytesPerInstance)));
+  unsigned int const block = StoreArgument::blockSize(bytesPerInstance);
   ToolOutput out;
   ToolProgress progress(last - first + 1ull);
   std::string number;

@@ -14,7 +14,6 @@
 
 namespace {
 
-long long const kBlockBytes = 8 << 20;
 long long const kMaxPixels = 64LL << 20;
 
 struct Request {
@@ -30,10 +29,6 @@ struct Request {
   int zoom;
 };
 
-unsigned int blockFor(long long bytesPerInstance) {
-  return static_cast<unsigned int>(std::max<long long>(1, kBlockBytes / std::max<long long>(1, bytesPerInstance)));
-}
-
 // Reads the values of the attributes over the instances, block by block;
 // each attribute gives `wanted` values an instance (the first ones).
 void readColumns(vHandle<Store> const& store, std::vector<Attribute>& attributes, unsigned int first,
@@ -47,7 +42,7 @@ void readColumns(vHandle<Store> const& store, std::vector<Attribute>& attributes
   }
   columns.assign(attributes.size(), std::vector<double>());
   for (auto& c : columns) c.reserve((last - first + 1ull) * wanted);
-  unsigned int const block = blockFor(bytes);
+  unsigned int const block = StoreArgument::blockSize(bytes);
   ToolProgress progress(last - first + 1ull);
   std::vector<double> values;
   for (unsigned long long from = first; from <= last; from += block) {

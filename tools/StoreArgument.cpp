@@ -1,5 +1,7 @@
 #include "tools/StoreArgument.h"
 
+#include <algorithm>
+
 #include "foundation/Message.h"
 #include "project/StoreFactory.h"
 
@@ -28,4 +30,11 @@ void StoreArgument::checkRange(vHandle<Store> const& store, Attribute probe, uns
     store->read(probe, first, last);
   Message::fatal("StoreArgument::checkRange", 0, "Instances %u to %u are not in the store, which has %u.", first,
                  last, n);
+}
+
+unsigned int StoreArgument::blockSize(long long bytesPerInstance) {
+  long long const bytes = 8LL << 20;
+  long long const instances = 2048;
+  return static_cast<unsigned int>(
+      std::max<long long>(1, std::min<long long>(instances, bytes / std::max<long long>(1, bytesPerInstance))));
 }

@@ -25,6 +25,11 @@ class StoreArgument {
   // the smallest read of the probe attribute that shows the fault.
   static void checkRange(vHandle<Store> const& store, Attribute probe, unsigned int first, unsigned int last,
                          unsigned int n);
+  // How many instances to read at once when each gives that many bytes of
+  // values: a few megabytes, and never so many instances that a store
+  // reading whole records (a SEG-Y store reads whole traces even for one
+  // header word) holds more than that.
+  static unsigned int blockSize(long long bytesPerInstance);
 };
 
 #endif
