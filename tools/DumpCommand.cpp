@@ -42,7 +42,7 @@ ToolCommand const& DumpCommand::command() {
       "example:\n"
       "  rondo dump line1.sgy CMP,SHOT.RW.X --first 10 --last 12\n"
       "  rondo dump line1.sgy TRACE | head\n",
-      &DumpCommand::run};
+      "first last", &DumpCommand::run};
   return c;
 }
 

@@ -153,7 +153,7 @@ ToolCommand const& InfoCommand::command() {
       "example:\n"
       "  rondo info line1.sgy\n"
       "  rondo info line1.sgy --json\n",
-      &InfoCommand::run};
+      "", &InfoCommand::run};
   return c;
 }
 

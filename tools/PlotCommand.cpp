@@ -165,7 +165,7 @@ ToolCommand const& PlotCommand::command() {
       "example:\n"
       "  rondo plot line1.sgy --out line1.png --first 1 --last 200 --colour rwb\n"
       "  rondo plot line1.sgy --out shots.png --x SHOT.RW.X --y SHOT.RW.Y --attribute FFID\n",
-      &PlotCommand::run};
+      "out attribute first last clip colour zoom x y size", &PlotCommand::run};
   return c;
 }
 

@@ -18,7 +18,7 @@ ToolCommand const& ProjectCommands::projects() {
                                 "\n"
                                 "example:\n"
                                 "  rondo projects $(hostname)\n",
-                                &ProjectCommands::runProjects};
+                                "", &ProjectCommands::runProjects};
   return c;
 }
 
@@ -33,7 +33,7 @@ ToolCommand const& ProjectCommands::ls() {
                                 "\n"
                                 "example:\n"
                                 "  rondo ls survey seismic\n",
-                                &ProjectCommands::runLs};
+                                "", &ProjectCommands::runLs};
   return c;
 }
 

@@ -36,14 +36,24 @@ void printHelp(FILE* to) {
   std::fputs("\nexample:\n  rondo info line1.sgy\n  rondo dump --help\n", to);
 }
 
-// The options that take a value, over all commands.
-std::set<std::string> const kValueOptions = {"first", "last", "out", "attribute", "clip", "colour", "x", "y",
-                                             "size", "zoom"};
+std::set<std::string> words(char const* text) {
+  std::set<std::string> out;
+  std::string word;
+  for (char const* p = text;; ++p) {
+    if (*p == ' ' || *p == 0) {
+      if (!word.empty()) out.insert(word);
+      word.clear();
+      if (*p == 0) return out;
+    } else {
+      word.push_back(*p);
+    }
+  }
+}
 
 int runCommand(ToolCommand const& command, int argc, char** argv) {
   std::string subject;
   try {
-    ToolArguments arguments(command.name, argc, argv, kValueOptions);
+    ToolArguments arguments(command.name, argc, argv, words(command.valueOptions));
     if (arguments.flag("help")) {
       std::fputs(command.help, stdout);
       return 0;

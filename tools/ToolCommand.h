@@ -15,6 +15,8 @@ struct ToolCommand {
   char const* summary;
   // The full help: usage, what it does, an example.
   char const* help;
+  // The options that take a value, separated by spaces ("first last").
+  char const* valueOptions;
   int (*run)(ToolArguments& arguments);
 };
 
