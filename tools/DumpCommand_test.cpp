@@ -1,0 +1,140 @@
+// `rondo dump` and `rondo info` as a process on files written by segyio,
+// compared value by value with what segyio reads back.
+
+#include <gtest/gtest.h>
+
+#include "tools/ToolTesting.h"
+
+namespace {
+
+using namespace tool_testing;
+
+struct PeerCase {
+  char const* name;
+  int format;
+  char const* endian;
+};
+
+class RondoPeerTest : public ::testing::TestWithParam<PeerCase> {};
+
+std::string lines(std::string const& text, int from, int to) {
+  std::string out;
+  int line = 1;
+  for (std::size_t start = 0; start < text.size(); ++line) {
+    std::size_t const end = text.find('\n', start);
+    if (line >= from && line <= to) out += text.substr(start, end - start + 1);
+    start = end + 1;
+  }
+  return out;
+}
+
+TEST_P(RondoPeerTest, DumpAndInfoGiveWhatSegyioReads) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "line.sgy", GetParam().format, GetParam().endian, 37, 61);
+  std::string const expected = fs_testing::readFile(dir / "line.sgy.dump");
+
+  Outcome const all = tool(dir, "dump line.sgy CMP,SHOT.RW.X,TRACE");
+  EXPECT_EQ(0, all.status);
+  EXPECT_EQ("", all.err);
+  EXPECT_EQ(expected, all.out);
+
+  Outcome const some = tool(dir, "dump file:line.sgy#segy# cmp,shot.rw.x,trace --first 5 --last 9");
+  EXPECT_EQ(0, some.status) << some.err;
+  EXPECT_EQ(lines(expected, 5, 9), some.out);
+
+  // The JSON form is read by a JSON parser and checked against segyio.
+  Outcome const json = shell(dir, "'" + rondo() + "' info line.sgy --json > info.json && " + kPython +
+                                  " -c \"import json, segyio\n"
+                                  "i = json.load(open('info.json'))\n"
+                                  "f = segyio.open('line.sgy', ignore_geometry=True, endian='" +
+                                  GetParam().endian +
+                                  "')\n"
+                                  "t = [a for a in i['attributes'] if a['name'] == 'TRACE'][0]\n"
+                                  "print(i['class'], i['instances'] == f.tracecount, t['length'] == len(f.samples),"
+                                  " t['sampleRate'], t['type'], i['keys'])\"");
+  EXPECT_EQ(0, json.status) << json.err;
+  EXPECT_EQ("seismic True True 4 vFLOAT32 ['CMP']\n", json.out);
+}
+
+INSTANTIATE_TEST_SUITE_P(FormatsAndByteOrders, RondoPeerTest,
+                         ::testing::Values(PeerCase{"IbmBigEndian", 1, "big"}, PeerCase{"IbmLittleEndian", 1, "little"},
+                                           PeerCase{"IeeeBigEndian", 5, "big"},
+                                           PeerCase{"IeeeLittleEndian", 5, "little"}),
+                         [](::testing::TestParamInfo<PeerCase> const& info) { return std::string(info.param.name); });
+
+// A file cut inside its last trace dumps its whole traces and says so.
+TEST(RondoDump, TruncatedFileGivesItsWholeInstancesAndSaysWhatWasCut) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "line.sgy", 5, "big", 12, 40);
+  std::string const bytes = fs_testing::readFile(dir / "line.sgy");
+  fs_testing::writeFile(dir / "cut.sgy", bytes.substr(0, bytes.size() - 100));
+  Outcome const r = tool(dir, "dump cut.sgy CMP,SHOT.RW.X,TRACE");
+  EXPECT_EQ(0, r.status);
+  EXPECT_EQ(lines(fs_testing::readFile(dir / "line.sgy.dump"), 1, 11), r.out);
+  EXPECT_EQ("rondo: cut.sgy: The file 'cut.sgy' is either incomplete or corrupt. Filesize is " +
+                std::to_string(bytes.size() - 100) + " bytes but we expect " +
+                std::to_string(3600 + 11 * (240 + 160)) +
+                " when the tracelength is 400\n"
+                "rondo: cut.sgy: only whole instances were read: 11 of them; the part instance at the end of the "
+                "file was left out\n",
+            r.err);
+}
+
+// A reader that stops early ends the dump at once and quietly.
+TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "big.sgy", 5, "little", 3000, 100);
+  Outcome const r = shell(dir, "{ '" + rondo() + "' dump big.sgy TRACE; echo $? > status; } | head -n 2 | wc -l");
+  EXPECT_EQ("2\n", r.out);
+  EXPECT_EQ("", r.err);
+  EXPECT_EQ("0\n", fs_testing::readFile(dir / "status"));
+}
+
+// Every failure is one line naming the store, and a non-zero status.
+TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "line.sgy", 1, "big", 10, 20);
+  fs_testing::writeFile(dir / "table.xyz", "1 2 3\n");
+  struct Case {
+    char const* arguments;
+    int status;
+    char const* err;
+  } const cases[] = {
+      {"dump line.sgy NOPE", 1, "rondo: line.sgy: Attribute NOPE does not exist in file line.\n"},
+      {"dump line.sgy CMP --last 11", 1, "rondo: line.sgy: last instance 11 must be <= number of instances 10.\n"},
+      {"dump line.sgy CMP --first 12", 1, "rondo: line.sgy: last instance 12 must be <= number of instances 10.\n"},
+      {"dump line.sgy CMP --first 4 --last 3", 1, "rondo: line.sgy: first instance 4 must be <= last instance 3.\n"},
+      {"info table.xyz", 1, "rondo: table.xyz: The file 'table.xyz' is of a type 'xyz' which we cannot handle yet!\n"},
+      {"info noformat", 1, "rondo: noformat: We do not know the type of file 'noformat', therefore we cannot handle it!\n"},
+      {"info 'file:a b'", 1,
+       "rondo: file:a b: file::a b <- ERROR filename contains illegal characters ...a b\n"},
+      {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
+      {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},
+      {"frobnicate", 2, "rondo: unknown command 'frobnicate'\n"},
+  };
+  for (Case const& c : cases) {
+    Outcome const r = tool(dir, c.arguments);
+    EXPECT_EQ(c.status, r.status) << c.arguments;
+    EXPECT_EQ("", r.out) << c.arguments;
+    EXPECT_EQ(c.err, r.err.substr(0, r.err.find('\n') + 1)) << c.arguments;
+  }
+  // A missing file: the file layer's reason, on one line.
+  Outcome const missing = tool(dir, "dump missing.sgy CMP");
+  EXPECT_EQ(1, missing.status);
+  EXPECT_EQ(0u, missing.err.find("rondo: missing.sgy: ")) << missing.err;
+  EXPECT_NE(std::string::npos, missing.err.find("No such file or directory")) << missing.err;
+  EXPECT_EQ(missing.err.size() - 1, missing.err.find('\n')) << missing.err;
+}
+
+// The tool and each command explain themselves, with an example.
+TEST(RondoHelp, EveryCommandHasHelpWithAnExample) {
+  fs_testing::TempDir dir;
+  for (char const* command : {"", "info ", "dump ", "plot ", "projects ", "ls "}) {
+    Outcome const r = tool(dir, std::string(command) + "--help");
+    EXPECT_EQ(0, r.status) << command;
+    EXPECT_EQ(0u, r.out.find("usage: rondo " + std::string(*command ? command : "COMMAND "))) << r.out;
+    EXPECT_NE(std::string::npos, r.out.find("example:\n  rondo ")) << command;
+  }
+}
+
+}  // namespace

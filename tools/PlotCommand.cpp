@@ -1,0 +1,213 @@
+#include "tools/PlotCommand.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "attribute/Attribute.h"
+#include "attribute/Property.h"
+#include "foundation/Message.h"
+#include "tools/PlotImage.h"
+#include "tools/StoreArgument.h"
+#include "tools/ToolArguments.h"
+#include "tools/ToolProgress.h"
+
+namespace {
+
+long long const kMaxPixels = 64LL << 20;
+
+struct Request {
+  std::string attribute;
+  unsigned int first;
+  unsigned int last;
+  bool hasLast;
+  double percentile;
+  std::string colour;
+  std::string x;
+  std::string y;
+  int size;
+  int zoom;
+};
+
+// Reads the values of the attributes over the instances, block by block;
+// each attribute gives `wanted` values an instance (the first ones).
+void readColumns(vHandle<Store> const& store, std::vector<Attribute>& attributes, unsigned int first,
+                 unsigned int last, std::size_t wanted, std::vector<std::vector<double> >& columns) {
+  long long bytes = 0;
+  for (Attribute const& a : attributes) {
+    if (a.isVariableLength())
+      Message::fatal("PlotCommand::readColumns", 0, "Cannot plot Attribute %s: its length varies.",
+                     a.getName().c_str());
+    bytes += a.getNBytes();
+  }
+  columns.assign(attributes.size(), std::vector<double>());
+  for (auto& c : columns) c.reserve((last - first + 1ull) * wanted);
+  unsigned int const block = StoreArgument::blockSize(bytes);
+  ToolProgress progress(last - first + 1ull);
+  std::vector<double> values;
+  for (unsigned long long from = first; from <= last; from += block) {
+    unsigned int const to = static_cast<unsigned int>(std::min<unsigned long long>(last, from + block - 1));
+    for (std::size_t k = 0; k < attributes.size(); ++k) {
+      store->read(attributes[k], static_cast<unsigned int>(from), to);
+      attributes[k].getValues(values);
+      std::size_t const length = static_cast<std::size_t>(attributes[k].getLength());
+      for (std::size_t i = 0; i + length <= values.size(); i += length)
+        columns[k].insert(columns[k].end(), values.begin() + i, values.begin() + i + std::min(wanted, length));
+    }
+    progress.update(to - first + 1ull);
+  }
+}
+
+void plotSection(vHandle<Store> const& store, Request const& r, std::string const& out) {
+  std::vector<Attribute> attributes = {store->getAttribute(vUCString(r.attribute.c_str()))};
+  int const height = attributes[0].getLength();
+  long long const width = r.last - r.first + 1LL;
+  if (attributes[0].isVariableLength() || height < 1 || width * height > kMaxPixels)
+    Message::fatal("PlotCommand::plotSection", 0,
+                   "Cannot plot %lld instances of Attribute %s with %d values each: choose fewer with --first and "
+                   "--last.",
+                   width, r.attribute.c_str(), height);
+  std::vector<std::vector<double> > columns;
+  readColumns(store, attributes, r.first, r.last, static_cast<std::size_t>(height), columns);
+  std::vector<double> const& values = columns[0];
+
+  std::vector<double> magnitudes;
+  magnitudes.reserve(values.size());
+  for (double v : values)
+    if (std::isfinite(v)) magnitudes.push_back(std::fabs(v));
+  double clip = 0.0;
+  if (!magnitudes.empty()) {
+    std::size_t const at = static_cast<std::size_t>(std::floor(r.percentile / 100.0 * (magnitudes.size() - 1)));
+    std::nth_element(magnitudes.begin(), magnitudes.begin() + at, magnitudes.end());
+    clip = magnitudes[at];
+  }
+  if (clip <= 0.0) clip = 1.0;
+
+  if (width * height * r.zoom * r.zoom > kMaxPixels)
+    Message::fatal("PlotCommand::plotSection", 0, "A picture of %lld by %d pixels is too large.", width * r.zoom,
+                   height * r.zoom);
+  PlotImage image(static_cast<int>(width) * r.zoom, height * r.zoom);
+  PlotImage::Scale const scale = PlotImage::scale(r.colour.empty() ? "grey" : r.colour);
+  for (int x = 0; x < image.width(); ++x)
+    for (int y = 0; y < image.height(); ++y)
+      image.set(x, y, values[static_cast<std::size_t>(x / r.zoom) * height + y / r.zoom] / clip, scale);
+  image.write(out);
+}
+
+void plotMap(vHandle<Store> const& store, Request const& r, std::string const& out) {
+  std::vector<Attribute> attributes = {store->getAttribute(vUCString(r.x.c_str())),
+                                       store->getAttribute(vUCString(r.y.c_str()))};
+  if (!r.attribute.empty()) attributes.push_back(store->getAttribute(vUCString(r.attribute.c_str())));
+  std::vector<std::vector<double> > columns;
+  readColumns(store, attributes, r.first, r.last, 1, columns);
+  std::vector<double> const& xs = columns[0];
+  std::vector<double> const& ys = columns[1];
+
+  auto range = [](std::vector<double> const& v, double& low, double& high) {
+    low = HUGE_VAL;
+    high = -HUGE_VAL;
+    for (double a : v)
+      if (std::isfinite(a)) low = std::min(low, a), high = std::max(high, a);
+  };
+  double x0, x1, y0, y1, v0 = 0, v1 = 0;
+  range(xs, x0, x1);
+  range(ys, y0, y1);
+  if (columns.size() > 2) range(columns[2], v0, v1);
+  if (!(x0 <= x1 && y0 <= y1))
+    Message::fatal("PlotCommand::plotMap", 0, "No point of the store has a finite %s and %s.", r.x.c_str(),
+                   r.y.c_str());
+  // The longer side gets the whole size; the other keeps the aspect.
+  double const span = std::max(std::max(x1 - x0, y1 - y0), 1e-300);
+  int const margin = 4;
+  int const inner = r.size - 2 * margin;
+  int const width = std::max(1, static_cast<int>(std::lround((x1 - x0) / span * inner))) + 2 * margin;
+  int const height = std::max(1, static_cast<int>(std::lround((y1 - y0) / span * inner))) + 2 * margin;
+  PlotImage image(width, height);
+  PlotImage::Scale const scale = PlotImage::scale(r.colour.empty() ? "rwb" : r.colour);
+  for (std::size_t i = 0; i < xs.size(); ++i) {
+    if (!std::isfinite(xs[i]) || !std::isfinite(ys[i])) continue;
+    int const px = margin + static_cast<int>(std::lround((xs[i] - x0) / span * inner));
+    int const py = height - 1 - margin - static_cast<int>(std::lround((ys[i] - y0) / span * inner));
+    bool const coloured = columns.size() > 2 && v1 > v0;
+    double const v = coloured ? 2.0 * (columns[2][i] - v0) / (v1 - v0) - 1.0 : 0.0;
+    for (int dx = -1; dx <= 1; ++dx)
+      for (int dy = -1; dy <= 1; ++dy) {
+        int const qx = px + dx, qy = py + dy;
+        if (qx < 0 || qy < 0 || qx >= width || qy >= height) continue;
+        if (coloured)
+          image.set(qx, qy, v, scale);
+        else
+          image.setRGB(qx, qy, 0, 0, 0);
+      }
+  }
+  image.write(out);
+}
+
+}  // namespace
+
+ToolCommand const& PlotCommand::command() {
+  static ToolCommand const c = {
+      "plot", "a PNG picture of a seismic section or of the points of a map",
+      "usage: rondo plot STORE --out FILE.png [--attribute NAME] [--first N] [--last M]\n"
+      "                  [--clip PERCENT] [--colour grey|rwb] [--zoom N]\n"
+      "                  [--x NAME --y NAME] [--size PIXELS]\n"
+      "\n"
+      "A seismic store gives a variable-density image of its traces (the\n"
+      "attribute TRACE unless --attribute names another), one column per trace\n"
+      "and one row per sample, clipped at the given percentile of the absolute\n"
+      "values (99 by default), in grey (positive dark) or red-white-blue\n"
+      "(negative red, positive blue); --zoom N draws each value as N by N\n"
+      "pixels. A store of another class, or any store\n"
+      "given --x and --y, gives its points on a picture of --size pixels (512),\n"
+      "coloured by the value of --attribute; without them the attributes come\n"
+      "from the store's property XYZ_PLOT_ATTRIBUTES, else X and Y.\n"
+      "\n"
+      "example:\n"
+      "  rondo plot line1.sgy --out line1.png --first 1 --last 200 --colour rwb\n"
+      "  rondo plot line1.sgy --out shots.png --x SHOT.RW.X --y SHOT.RW.Y --attribute FFID\n",
+      "out attribute first last clip colour zoom x y size", &PlotCommand::run};
+  return c;
+}
+
+int PlotCommand::run(ToolArguments& arguments) {
+  Request r;
+  std::string const out = arguments.value("out", "");
+  r.attribute = arguments.value("attribute", "");
+  r.first = static_cast<unsigned int>(arguments.number("first", 1, 1));
+  r.hasLast = arguments.has("last");
+  r.last = static_cast<unsigned int>(arguments.number("last", 0, 1));
+  r.percentile = arguments.real("clip", 99.0);
+  r.colour = arguments.value("colour", "");
+  bool const map = arguments.has("x") || arguments.has("y");
+  r.x = arguments.value("x", "X");
+  r.y = arguments.value("y", "Y");
+  r.size = static_cast<int>(arguments.number("size", 512, 16));
+  r.zoom = static_cast<int>(arguments.number("zoom", 1, 1));
+  arguments.finish(1, 1);
+  if (out.empty()) throw ToolUsageError{"--out FILE.png is needed"};
+  if (!(r.percentile > 0.0 && r.percentile <= 100.0)) throw ToolUsageError{"--clip wants a percentile above 0"};
+  if (r.size > 16384) throw ToolUsageError{"--size is at most 16384"};
+  if (r.zoom > 64) throw ToolUsageError{"--zoom is at most 64"};
+  if (!r.colour.empty()) PlotImage::scale(r.colour);
+
+  arguments.setSubject(arguments.positional()[0]);
+  vHandle<Store> store = StoreArgument::open(arguments.subject());
+  bool const seismic = !map && store->getClass() == vLCString("seismic");
+  if (seismic && r.attribute.empty()) r.attribute = "TRACE";
+  // A map data set may name its own x, y and value attributes.
+  auto const named = store->findProperty(vUCString("XYZ_PLOT_ATTRIBUTES"));
+  if (!seismic && !map && named != store->endProperty() && named->getNElements() >= 2) {
+    r.x = named->getString(1).c_str();
+    r.y = named->getString(2).c_str();
+    if (r.attribute.empty() && named->getNElements() >= 3) r.attribute = named->getString(3).c_str();
+  }
+  unsigned int const n = store->getNInstances();
+  if (!r.hasLast) r.last = n;
+  Attribute const probe = store->getAttribute(vUCString(seismic ? r.attribute.c_str() : r.x.c_str()));
+  StoreArgument::checkRange(store, probe, r.first, r.last, n);
+  if (seismic)
+    plotSection(store, r, out);
+  else
+    plotMap(store, r, out);
+  return 0;
+}

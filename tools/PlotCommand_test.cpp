@@ -1,0 +1,54 @@
+// `rondo plot` writes PNG pictures that GDAL reads back.
+
+#include <gtest/gtest.h>
+
+#include "tools/ToolTesting.h"
+
+namespace {
+
+using namespace tool_testing;
+
+// Size, bands and the spread of each band, as GDAL's Python binding reads them.
+std::string describePng(fs_testing::TempDir const& dir, std::string const& png) {
+  Outcome const r = shell(dir, std::string(kPython) +
+                                   " -c \"from osgeo import gdal\n"
+                                   "d = gdal.Open('" + png +
+                                   "')\n"
+                                   "print(d.GetDriver().ShortName, d.RasterXSize, d.RasterYSize, d.RasterCount, "
+                                   "[int(d.GetRasterBand(b + 1).ReadAsArray().std() > 10) for b in range(d.RasterCount)])\"");
+  EXPECT_EQ(0, r.status) << "python3-gdal is needed (scripts/install-deps): " << r.err;
+  return r.out;
+}
+
+TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "line.sgy", 1, "big", 40, 75);
+  struct Case {
+    char const* arguments;
+    char const* png;
+    char const* described;
+  } const cases[] = {
+      {"plot line.sgy --out grey.png", "grey.png", "PNG 40 75 3 [1, 1, 1]\n"},
+      {"plot line.sgy --out rwb.png --colour rwb --first 11 --last 30 --clip 90 --zoom 3", "rwb.png",
+       "PNG 60 225 3 [1, 1, 1]\n"},
+      // The shots spread far along x and little along y: the picture keeps
+      // the aspect, 64 wide and the 4-pixel margins and one row high.
+      {"plot line.sgy --out map.png --x SHOT.RW.X --y CMP --attribute FFID --size 64", "map.png",
+       "PNG 64 9 3 [1, 1, 1]\n"},
+  };
+  for (Case const& c : cases) {
+    Outcome const r = tool(dir, c.arguments);
+    ASSERT_EQ(0, r.status) << c.arguments << ": " << r.err;
+    EXPECT_EQ("", r.out + r.err) << c.arguments;
+    EXPECT_EQ(c.described, describePng(dir, c.png)) << c.arguments;
+  }
+
+  Outcome const bad = tool(dir, "plot line.sgy --out /no/such/dir/x.png");
+  EXPECT_EQ(1, bad.status);
+  EXPECT_EQ(0u, bad.err.find("rondo: line.sgy: Cannot write the picture '/no/such/dir/x.png': ")) << bad.err;
+  Outcome const usage = tool(dir, "plot line.sgy");
+  EXPECT_EQ(2, usage.status);
+  EXPECT_EQ(0u, usage.err.find("rondo: plot: --out FILE.png is needed\n")) << usage.err;
+}
+
+}  // namespace

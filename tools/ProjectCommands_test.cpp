@@ -1,0 +1,74 @@
+// `rondo projects`, `rondo ls` and store names served by a data server:
+// the real DataServer is started by the tool's client catalog, on the
+// UnitTest back end, with the packed stores that DemoStores writes.
+
+#include <gtest/gtest.h>
+
+#include "tools/ToolTesting.h"
+
+namespace {
+
+using namespace tool_testing;
+
+TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
+  fs_testing::TempDir dir;
+  Outcome const made = shell(dir, "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/DemoStores' .");
+  ASSERT_EQ(0, made.status) << made.err;
+  std::string const stores = "line12.1:seismic:2d:" + (dir / "line12.store") + " tops.2:horizon:map:" +
+                             (dir / "tops.store");
+  ScopedEnv const env[] = {{"HOME", dir.path().c_str()},
+                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
+                           {"SP_DATASERVER_BACKEND", "UnitTest"},
+                           {"RONDO_UNITTEST_STORES", stores.c_str()},
+                           {"SP_CAPI_DATASERVER", nullptr},
+                           {"FS_CLUSTERS", nullptr},
+                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
+
+  struct Case {
+    char const* arguments;
+    char const* out;
+  } const cases[] = {
+      {"projects", ""},
+      {"ls survey", "line12.1\tseismic\t2d\t0\ntops.2\thorizon\tmap\t0\n"},
+      {"ls survey horizon", "tops.2\thorizon\tmap\t0\n"},
+      {"dump rondo:::survey:line12.1 TRACE,CDP,AMP.RMS --first 2 --last 3",
+       "2\t20 20.5 21 21.5 22 22.5 23 23.5\t102\t0.5\n3\t30 30.5 31 31.5 32 32.5 33 33.5\t103\t0.75\n"},
+      {"plot rondo:::survey:tops.2 --out tops.png --size 32", ""},
+  };
+  for (Case const& c : cases) {
+    Outcome const r = tool(dir, c.arguments);
+    EXPECT_EQ(0, r.status) << c.arguments << ": " << r.err;
+    EXPECT_EQ(c.out, r.out) << c.arguments;
+  }
+  // The map was drawn from the attributes its property names.
+  Outcome const png = shell(dir, "gdalinfo tops.png | grep '^Size'");
+  EXPECT_EQ("Size is 32, 20\n", png.out) << "gdalinfo from gdal-bin is needed: " << png.err;
+
+  Outcome const missing = tool(dir, "info rondo:::survey:nothere.1");
+  EXPECT_EQ(1, missing.status);
+  EXPECT_EQ("", missing.out);
+  EXPECT_NE(std::string::npos, missing.err.find("rondo: rondo:::survey:nothere.1: ")) << missing.err;
+}
+
+// On the directory back end a project is a directory of files: a SEG-Y
+// file written by segyio, served, dumps as segyio reads it.
+TEST(RondoProjects, ServedSegyFileDumpsAsSegyioReadsIt) {
+  fs_testing::TempDir dir;
+  ASSERT_EQ(0, ::mkdir((dir / "survey").c_str(), 0755));
+  writeSegy(dir, "survey/line.sgy", 5, "big", 9, 17);
+  ScopedEnv const env[] = {{"HOME", dir.path().c_str()},
+                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
+                           {"SP_DATASERVER_BACKEND", "directory"},
+                           {"SP_DATASERVER_ROOT", dir.path().c_str()},
+                           {"SP_CAPI_DATASERVER", nullptr},
+                           {"FS_CLUSTERS", nullptr},
+                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
+  Outcome const projects = tool(dir, "projects");
+  EXPECT_EQ(0, projects.status) << projects.err;
+  EXPECT_EQ("survey\n", projects.out);
+  Outcome const dump = tool(dir, "dump rondo:::survey:line CMP,SHOT.RW.X,TRACE");
+  EXPECT_EQ(0, dump.status) << dump.err;
+  EXPECT_EQ(fs_testing::readFile(dir / "survey/line.sgy.dump"), dump.out);
+}
+
+}  // namespace

@@ -1,0 +1,40 @@
+#include "tools/StoreArgument.h"
+
+#include <algorithm>
+
+#include "foundation/Message.h"
+#include "project/StoreFactory.h"
+
+StoreDescription StoreArgument::describe(std::string const& text) {
+  if (text.empty()) Message::fatal("StoreArgument::describe", 0, "No store named.");
+  if (text.find(':') == std::string::npos) return StoreDescription(vString(("file:" + text).c_str()));
+  vString report;
+  if (!StoreDescription::validateStoreName(vString(text.c_str()), report))
+    Message::fatal("StoreArgument::describe", 0, "%s", report.c_str());
+  return StoreDescription(vString(text.c_str()));
+}
+
+vHandle<Store> StoreArgument::open(std::string const& text) {
+  StoreDescription const description = describe(text);
+  return StoreFactory::openStore(description, description.getAttributeSetName(), nullptr);
+}
+
+void StoreArgument::checkRange(vHandle<Store> const& store, Attribute probe, unsigned int first, unsigned int last,
+                               unsigned int n) {
+  if (first <= last && last <= n) return;
+  if (last > n)
+    store->read(probe, last, last);
+  else if (first > n)
+    store->read(probe, first, first);
+  else
+    store->read(probe, first, last);
+  Message::fatal("StoreArgument::checkRange", 0, "Instances %u to %u are not in the store, which has %u.", first,
+                 last, n);
+}
+
+unsigned int StoreArgument::blockSize(long long bytesPerInstance) {
+  long long const bytes = 8LL << 20;
+  long long const instances = 2048;
+  return static_cast<unsigned int>(
+      std::max<long long>(1, std::min<long long>(instances, bytes / std::max<long long>(1, bytesPerInstance))));
+}

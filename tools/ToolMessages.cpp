@@ -1,0 +1,45 @@
+#include "tools/ToolMessages.h"
+
+#include <cstdio>
+
+#include "foundation/ExceptionErrorHandler.h"
+
+namespace {
+unsigned int s_nWarnings = 0;
+
+std::string& subject() {
+  static std::string s;
+  return s;
+}
+}  // namespace
+
+ToolMessages::ToolMessages() : ErrorHandler(new ExceptionErrorHandler()) {}
+
+ToolMessages::~ToolMessages() {}
+
+void ToolMessages::setSubject(std::string const& s) { subject() = s; }
+
+std::string ToolMessages::line(std::string const& text) {
+  std::string flat;
+  for (char c : text) {
+    if (c == '\n' || c == '\r' || c == '\t') {
+      if (!flat.empty() && flat.back() != ' ') flat.push_back(' ');
+    } else {
+      flat.push_back(c);
+    }
+  }
+  while (!flat.empty() && flat.back() == ' ') flat.pop_back();
+  return "rondo: " + (subject().empty() ? std::string() : subject() + ": ") + flat + "\n";
+}
+
+void ToolMessages::doFatal(char const*, int, char const*) {}
+
+unsigned int ToolMessages::getNWarnings() { return s_nWarnings; }
+
+void ToolMessages::doError(char const*, int, char const* text) {
+  ++s_nWarnings;
+  std::string const l = line(text ? text : "");
+  std::fputs(l.c_str(), stderr);
+}
+
+void ToolMessages::doInfo(char const*, int, char const*) {}

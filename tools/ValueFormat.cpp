@@ -1,0 +1,76 @@
+#include "tools/ValueFormat.h"
+
+#include <cstdio>
+
+#include "foundation/Message.h"
+#include "foundation/vUtl.h"
+
+namespace {
+
+template <typename T>
+void appendIntegers(std::string& out, void const* data, int n, char const* format) {
+  T const* values = static_cast<T const*>(data);
+  char text[32];
+  for (int i = 0; i < n; ++i) {
+    if (i) out.push_back(' ');
+    int const len = std::snprintf(text, sizeof text, format, values[i]);
+    out.append(text, static_cast<std::size_t>(len));
+  }
+}
+
+template <typename T>
+void appendReals(std::string& out, void const* data, int n) {
+  T const* values = static_cast<T const*>(data);
+  for (int i = 0; i < n; ++i) {
+    if (i) out.push_back(' ');
+    ValueFormat::appendNumber(out, static_cast<double>(values[i]));
+  }
+}
+
+}  // namespace
+
+void ValueFormat::appendNumber(std::string& out, double value) {
+  char text[32];
+  int const len = std::snprintf(text, sizeof text, "%.9g", value);
+  out.append(text, static_cast<std::size_t>(len));
+}
+
+bool ValueFormat::isNumeric(DataType type) {
+  switch (type) {
+    case vINT8: case vUINT8: case vINT16: case vUINT16: case vINT32: case vUINT32:
+    case vINT64: case vUINT64: case vFLOAT32: case vFLOAT64: case vBOOL8:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void ValueFormat::appendInstance(std::string& out, Attribute const& attribute, unsigned int instance) {
+  int const n = attribute.getLength(instance);
+  if (n <= 0) return;
+  void const* data = attribute.getPointer(instance);
+  switch (attribute.getDataType()) {
+    case vINT8: appendIntegers<signed char>(out, data, n, "%d"); break;
+    case vUINT8: appendIntegers<unsigned char>(out, data, n, "%u"); break;
+    case vBOOL8: appendIntegers<unsigned char>(out, data, n, "%u"); break;
+    case vINT16: appendIntegers<short>(out, data, n, "%d"); break;
+    case vUINT16: appendIntegers<unsigned short>(out, data, n, "%u"); break;
+    case vINT32: appendIntegers<int>(out, data, n, "%d"); break;
+    case vUINT32: appendIntegers<unsigned int>(out, data, n, "%u"); break;
+    case vINT64: appendIntegers<long long>(out, data, n, "%lld"); break;
+    case vUINT64: appendIntegers<unsigned long long>(out, data, n, "%llu"); break;
+    case vFLOAT32: appendReals<float>(out, data, n); break;
+    case vFLOAT64: appendReals<double>(out, data, n); break;
+    case vSTRING: {
+      vString const* values = static_cast<vString const*>(data);
+      for (int i = 0; i < n; ++i) {
+        if (i) out.push_back(' ');
+        out.append(values[i].c_str());
+      }
+      break;
+    }
+    default:
+      Message::fatal("ValueFormat::appendInstance", 0, "Cannot print values of type %s of Attribute %s.",
+                     vUtl::dataTypeName(attribute.getDataType()).c_str(), attribute.getName().c_str());
+  }
+}
