@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "decorator/ProfilingAttributeSetDecorator.h"
+#include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/segy/SegyDiskStore.h"
@@ -52,6 +53,10 @@ vHandle<AttributeSet> makeProfilingDecorator(vHandle<AttributeSet> const& set) {
   return vHandle<AttributeSet>(new ProfilingAttributeSetDecorator(set));
 }
 
+vHandle<AttributeSet> makeTranslatingDecorator(vHandle<AttributeSet> const& set) {
+  return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(set));
+}
+
 }  // namespace
 
 void registerRondoClasses() {
@@ -59,13 +64,14 @@ void registerRondoClasses() {
   Store::setInMemoryStoreView(&InMemoryStore::asAttributeSet);
   // The stores and attribute sets of UnitTest projects, and the attribute
   // set views that the site's configuration may ask for. The file stores,
-  // the database store and the translating view join here as they are
+  // the database store join here as they are
   // linked in; until then a file of their format is one that this build
   // cannot handle, and the others are reported as not available.
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
+  AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", &makeTranslatingDecorator);
   // The client proxies, through which the catalogs, projects and sets of a
   // data server are reached; the database projects join here as they are
   // linked in.

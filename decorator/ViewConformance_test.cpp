@@ -1,0 +1,104 @@
+// The shared store suite through the translating, mapping, bin and
+// restore-mute views, over the in-memory store and over a SEG-Y file that
+// hold the reference content.
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <unistd.h>
+
+#include "attribute/AttributeDefinitionTable.h"
+#include "attribute/AttributeTranslationTable.h"
+#include "decorator/DecoratorTesting.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "decorator/TranslatingAttributeSetDecorator.h"
+#include "filestore/segy/SegyDiskStore.h"
+#include "filestore/segy/SegyTesting.h"
+#include "foundation/TestReleaseTree.h"
+#include "syslayer/FSTesting.h"
+#include "testing/StoreConformance.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+// Keys known to the vocabulary and translated as themselves, so that a view
+// that translates shows the reference content unchanged. The release tree
+// stays for the run; the tables are read again for each store in case
+// another test read its own in between.
+void installVocabulary() {
+  static TestReleaseTree tree;
+  static bool const written = [] {
+    char const* const identity =
+        "CDP capi(null()) dorn:(null()) CDP vInt32 1\n"
+        "OFFSET capi(null()) dorn:(null()) OFFSET vInt32 1\n";
+    tree.writeSystemFile("AttributeDefTable4.txt", "CDP vInt32 1\nOFFSET vInt32 1\n");
+    tree.writeSystemFile("KelpAttributeTranslations3.txt", identity);
+    tree.writeSystemFile("NoTypeAttributeTranslations3.txt", identity);
+    return true;
+  }();
+  (void)written;
+  AttributeDefinitionTable::instance().dropTable();
+  AttributeTranslationTable::instance("Kelp").reload();
+  AttributeTranslationTable::instance("NoType").reload();
+}
+
+vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
+
+vHandle<Store> memoryReference() {
+  installVocabulary();
+  return referenceStore();
+}
+
+// CDP and OFFSET in the trace headers, TRACE as the samples.
+vHandle<Store> segyReference() {
+  installVocabulary();
+  static int serial = 0;
+  std::string const base =
+      ::testing::TempDir() + "view_conformance_" + std::to_string(::getpid()) + "_" + std::to_string(++serial);
+  segy_testing::SegyWriter w;
+  w.nSamples = 5;
+  w.sampleInterval = 4000;
+  w.sample = [](unsigned int t, unsigned int s) { return static_cast<float>(10 * t + s); };
+  w.header = [](unsigned int t, segy_testing::SegyWriter const& writer, unsigned char* p) {
+    writer.put32(p + 180, StoreConformance::referenceAttribute("CDP").getInt32(t));
+    writer.put32(p + 36, StoreConformance::referenceAttribute("OFFSET").getInt32(t));
+  };
+  fs_testing::writeFile(base + ".sgy", w.file(StoreConformance::kNInstances));
+  fs_testing::writeFile(base + ".syf",
+                        "STORECLASS seismic\n"
+                        "KEYNAMES CDP OFFSET\n"
+                        "CDP     cdp     trace  181  int4  ensemble number\n"
+                        "OFFSET  offset  trace  37   int4  source to receiver distance\n");
+  SegyDiskStore* store = new SegyDiskStore;
+  vHandle<Store> handle(store);
+  store->open(StoreDescription(vFilename((base + ".sgy").c_str())));
+  std::remove((base + ".sgy").c_str());
+  std::remove((base + ".syf").c_str());
+  return handle;
+}
+
+void segyTexts(StoreConformanceCase& c) {
+  c.attributes = {"CDP", "OFFSET", "TRACE"};
+  c.texts.unknownAttribute = "Attribute %s does not exist in file %s.";
+  c.texts.keysMissing = "Attribute 'CDP': the vInstanceList has a zero in it, coont read from instance 0.";
+  c.texts.notWritable = "Function not implemented in derived class -- needs code.";
+}
+
+StoreConformanceCase translating(char const* name, vHandle<Store> (*below)()) {
+  StoreConformanceCase c(name);
+  c.openForReading = [below] {
+    return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(below())));
+  };
+  c.texts.unknownDefinition = "Attrbute '%s' does not exist.";
+  if (below == &segyReference) segyTexts(c);
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(TranslatingViews, StoreConformance,
+                         ::testing::Values(translating("TranslatingOverMemory", &memoryReference),
+                                           translating("TranslatingOverSegy", &segyReference)),
+                         StoreConformance::caseName);
