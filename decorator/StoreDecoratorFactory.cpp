@@ -63,3 +63,10 @@ vHandle<Store> StoreDecoratorFactory::removeAllDecorators(vHandle<Store> store) 
     current = below;
   }
 }
+
+vHandle<Store> StoreDecoratorFactory::addAttributeMapping(vHandle<Store> store, vFilename const& file) {
+  AttributeMappingDecorator* mapping = new AttributeMappingDecorator(store);
+  vHandle<Store> handle(mapping);
+  mapping->processExpression(file);
+  return handle;
+}

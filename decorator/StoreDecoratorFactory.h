@@ -10,6 +10,7 @@
 // Removing a decorator does not close it: it goes with its last handle, and
 // it leaves the decorator holding an empty handle.
 
+#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/AttributeSelectDecorator.h"
 #include "decorator/ConcatStoreDecorator.h"
 #include "decorator/GatherStoreDecorator.h"
@@ -32,6 +33,8 @@ class StoreDecoratorFactory {
     return vHandle_cast<Store>(decorator);
   }
 
+  // The store under the schema of a mapping file.
+  static vHandle<Store> addAttributeMapping(vHandle<Store> store, vFilename const& file);
   // A store that is closed and deleted from its project when its last
   // handle goes (or at its close).
   static vHandle<Store> addScratch(vHandle<Store> store);

@@ -214,6 +214,9 @@ void TranslatingAttributeSetDecorator::addAttribute(Attribute const& attribute) 
 void TranslatingAttributeSetDecorator::setAttributeClass(vUCString const& name, vUCString const& className) {
   vHandle<Attribute> capi = myCreateAttributeToBeRead(getAttribute(name));
   m_decoratedSet->setAttributeClass(capi->getName(), className);
+  // The client's list, built before, follows.
+  auto it = m_lookup.find(name);
+  if (it != m_lookup.end()) it->second->setClass(className);
 }
 
 // --- writing ------------------------------------------------------------------------------------

@@ -83,7 +83,7 @@ class TranslatingAttributeSetDecorator : public AttributeSetDecorator {
   vString m_tableName;
   mutable std::list<Attribute> m_clientAttributes;
   std::map<NameIdentity, WriteRecord> m_writeMap;
-  mutable std::map<vUCString, Attribute const*> m_lookup;
+  mutable std::map<vUCString, Attribute*> m_lookup;
   mutable std::map<NameIdentity, Attribute> m_readMap;
 };
 

@@ -10,6 +10,7 @@
 
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
+#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
@@ -92,11 +93,42 @@ StoreConformanceCase translating(char const* name, vHandle<Store> (*below)()) {
     return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(below())));
   };
   c.texts.unknownDefinition = "Attrbute '%s' does not exist.";
-  if (below == &segyReference) segyTexts(c);
+  if (below == &segyReference)
+    segyTexts(c);
+  else
+    c.openForUpdate = [] {
+      installVocabulary();
+      return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(referenceStore(true))));
+    };
+  return c;
+}
+
+// Keys computed by expressions, the rest taken over as it is.
+StoreConformanceCase mapping(char const* name, vHandle<Store> (*below)()) {
+  StoreConformanceCase c(name);
+  bool const segy = below == &segyReference;
+  c.openForReading = [below, segy] {
+    vHandle<AttributeMappingDecorator> view(new AttributeMappingDecorator(below()));
+    view->processExpression("CDP:i = CDP");
+    view->processExpression("OFFSET:int32 = offset * 1");
+    view->processExpression(segy ? "!ADD TRACE" : "!PRESERVE ELEV, TRACE");
+    return asSet(vHandle_cast<Store>(view));
+  };
+  if (segy) segyTexts(c);
+  c.notApplicable = {"ReadsByKeyValues"};
+  c.texts.keysMissing = "Not supported by this decorator!";
+  c.texts.notWritable = "Not supported by this decorator!";
+  c.texts.unknownAttribute = "This attribute does not exist in the parser list!";
+  c.texts.unknownDefinition = "The attribute '%s' was not found in the store!";
   return c;
 }
 
 }  // namespace
+
+INSTANTIATE_TEST_SUITE_P(MappingViews, StoreConformance,
+                         ::testing::Values(mapping("MappingOverMemory", &memoryReference),
+                                           mapping("MappingOverSegy", &segyReference)),
+                         StoreConformance::caseName);
 
 INSTANTIATE_TEST_SUITE_P(TranslatingViews, StoreConformance,
                          ::testing::Values(translating("TranslatingOverMemory", &memoryReference),

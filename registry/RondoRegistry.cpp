@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
@@ -72,6 +74,10 @@ void registerRondoClasses() {
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", &makeTranslatingDecorator);
+  // The mapping file of a store that the factory maps (a Nyx store), and the
+  // view that applies it.
+  StoreFactory::registerAttributeMapping(
+      {&AttributeMappingDecorator::resolveMapFilename, &StoreDecoratorFactory::addAttributeMapping});
   // The client proxies, through which the catalogs, projects and sets of a
   // data server are reached; the database projects join here as they are
   // linked in.
