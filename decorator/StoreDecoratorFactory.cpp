@@ -70,3 +70,14 @@ vHandle<Store> StoreDecoratorFactory::addAttributeMapping(vHandle<Store> store, 
   mapping->processExpression(file);
   return handle;
 }
+
+vHandle<Store> StoreDecoratorFactory::addBin(vHandle<Store> store, Binner const& binner, Attribute const& attribute) {
+  BinDecorator* bin = new BinDecorator(store);
+  vHandle<Store> handle(bin);
+  bin->open(binner, attribute);
+  return handle;
+}
+
+vHandle<Store> StoreDecoratorFactory::addRestoreMute(vHandle<Store> store) {
+  return vHandle<Store>(new RestoreMuteDecorator(store));
+}

@@ -12,9 +12,11 @@
 
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/AttributeSelectDecorator.h"
+#include "decorator/BinDecorator.h"
 #include "decorator/ConcatStoreDecorator.h"
 #include "decorator/GatherStoreDecorator.h"
 #include "decorator/MergeStoreDecorator.h"
+#include "decorator/RestoreMuteDecorator.h"
 #include "decorator/ScratchStoreDecorator.h"
 #include "decorator/SelectStoreDecorator.h"
 #include "decorator/SortStoreDecorator.h"
@@ -35,6 +37,10 @@ class StoreDecoratorFactory {
 
   // The store under the schema of a mapping file.
   static vHandle<Store> addAttributeMapping(vHandle<Store> store, vFilename const& file);
+  // The values of attribute snapped to the bins of binner.
+  static vHandle<Store> addBin(vHandle<Store> store, Binner const& binner, Attribute const& attribute);
+  // Vector attributes shown from time zero, their leading mute restored.
+  static vHandle<Store> addRestoreMute(vHandle<Store> store);
   // A store that is closed and deleted from its project when its last
   // handle goes (or at its close).
   static vHandle<Store> addScratch(vHandle<Store> store);

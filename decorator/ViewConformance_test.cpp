@@ -87,6 +87,12 @@ void segyTexts(StoreConformanceCase& c) {
   c.texts.notWritable = "Function not implemented in derived class -- needs code.";
 }
 
+// Views with an indexing table of their own find key tuples themselves.
+void segyViewTexts(StoreConformanceCase& c) {
+  segyTexts(c);
+  c.texts.keysMissing = StoreConformanceTexts().keysMissing;
+}
+
 StoreConformanceCase translating(char const* name, vHandle<Store> (*below)()) {
   StoreConformanceCase c(name);
   c.openForReading = [below] {
@@ -123,7 +129,42 @@ StoreConformanceCase mapping(char const* name, vHandle<Store> (*below)()) {
   return c;
 }
 
+// OFFSET binned onto its own values: the binning runs, the content stays.
+vHandle<Store> binned(vHandle<Store> const& below) {
+  Binner binner;
+  binner.addBins(100, 300, 100, 10);
+  // What the write tests put outside the bins reads back as written.
+  binner.setLowerOption(Binner::LeaveAlone);
+  binner.setUpperOption(Binner::LeaveAlone);
+  return StoreDecoratorFactory::addBin(below, binner, Attribute("OFFSET", "", vINT32));
+}
+
+StoreConformanceCase bin(char const* name, vHandle<Store> (*below)()) {
+  StoreConformanceCase c(name);
+  c.openForReading = [below] { return asSet(binned(below())); };
+  if (below == &segyReference)
+    segyViewTexts(c);
+  else
+    c.openForUpdate = [] { return asSet(binned(referenceStore(true))); };
+  return c;
+}
+
+// TRACE starts at time zero already: it goes the restoring way unchanged.
+StoreConformanceCase restoreMute(char const* name, vHandle<Store> (*below)()) {
+  StoreConformanceCase c(name);
+  c.openForReading = [below] { return asSet(StoreDecoratorFactory::addRestoreMute(below())); };
+  if (below == &segyReference) segyViewTexts(c);
+  c.texts.notWritable = "Not Supported.";
+  return c;
+}
+
 }  // namespace
+
+INSTANTIATE_TEST_SUITE_P(BinViews, StoreConformance,
+                         ::testing::Values(bin("BinOverMemory", &memoryReference), bin("BinOverSegy", &segyReference),
+                                           restoreMute("RestoreMuteOverMemory", &memoryReference),
+                                           restoreMute("RestoreMuteOverSegy", &segyReference)),
+                         StoreConformance::caseName);
 
 INSTANTIATE_TEST_SUITE_P(MappingViews, StoreConformance,
                          ::testing::Values(mapping("MappingOverMemory", &memoryReference),
