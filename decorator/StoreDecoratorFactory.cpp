@@ -81,3 +81,7 @@ vHandle<Store> StoreDecoratorFactory::addBin(vHandle<Store> store, Binner const&
 vHandle<Store> StoreDecoratorFactory::addRestoreMute(vHandle<Store> store) {
   return vHandle<Store>(new RestoreMuteDecorator(store));
 }
+
+vHandle<Store> StoreDecoratorFactory::addBind(vHandle<Store> store, vHandle<BindStoreDecorator>& decorator) {
+  return addDecorator(store, decorator);
+}

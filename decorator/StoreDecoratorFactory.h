@@ -13,6 +13,7 @@
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/AttributeSelectDecorator.h"
 #include "decorator/BinDecorator.h"
+#include "decorator/BindStoreDecorator.h"
 #include "decorator/ConcatStoreDecorator.h"
 #include "decorator/GatherStoreDecorator.h"
 #include "decorator/MergeStoreDecorator.h"
@@ -39,6 +40,8 @@ class StoreDecoratorFactory {
   static vHandle<Store> addAttributeMapping(vHandle<Store> store, vFilename const& file);
   // The values of attribute snapped to the bins of binner.
   static vHandle<Store> addBin(vHandle<Store> store, Binner const& binner, Attribute const& attribute);
+  // Stores bound end to end, store first; more through addStore.
+  static vHandle<Store> addBind(vHandle<Store> store, vHandle<BindStoreDecorator>& decorator);
   // Vector attributes shown from time zero, their leading mute restored.
   static vHandle<Store> addRestoreMute(vHandle<Store> store);
   // A store that is closed and deleted from its project when its last

@@ -11,6 +11,7 @@
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
 #include "decorator/AttributeMappingDecorator.h"
+#include "decorator/BindStoreDecorator.h"
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
@@ -158,7 +159,27 @@ StoreConformanceCase restoreMute(char const* name, vHandle<Store> (*below)()) {
   return c;
 }
 
+// The reference in two stores, bound.
+StoreConformanceCase bind() {
+  StoreConformanceCase c("BindOverMemory");
+  c.openForReading = [] {
+    installVocabulary();
+    vHandle<BindStoreDecorator> bind;
+    vHandle<Store> store = StoreDecoratorFactory::addBind(openStore(layoutShelf({1, 2, 3, 4, 5})), bind);
+    bind->addStore(openStore(layoutShelf({6, 7, 8, 9, 10, 11, 12})));
+    return asSet(store);
+  };
+  // Reads by groups and keys are not offered; range and list faults have
+  // one text each, with other arguments (tested with the view).
+  c.notApplicable = {"ReadsBySelectorGroups", "ReadsByKeyValues", "RefusesBadGroupNumbersWithTheirTexts",
+                     "RefusesBadRangesWithTheirTexts", "RefusesBadListsAndNamesWithTheirTexts"};
+  c.texts.notWritable = "Has not been written yet.";
+  return c;
+}
+
 }  // namespace
+
+INSTANTIATE_TEST_SUITE_P(BindViews, StoreConformance, ::testing::Values(bind()), StoreConformance::caseName);
 
 INSTANTIATE_TEST_SUITE_P(BinViews, StoreConformance,
                          ::testing::Values(bin("BinOverMemory", &memoryReference), bin("BinOverSegy", &segyReference),
