@@ -85,3 +85,7 @@ vHandle<Store> StoreDecoratorFactory::addRestoreMute(vHandle<Store> store) {
 vHandle<Store> StoreDecoratorFactory::addBind(vHandle<Store> store, vHandle<BindStoreDecorator>& decorator) {
   return addDecorator(store, decorator);
 }
+
+vHandle<Store> StoreDecoratorFactory::addInfill(vHandle<Store> store) {
+  return vHandle<Store>(new InfillStoreDecorator(store, false));
+}

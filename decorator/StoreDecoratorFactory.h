@@ -16,6 +16,7 @@
 #include "decorator/BindStoreDecorator.h"
 #include "decorator/ConcatStoreDecorator.h"
 #include "decorator/GatherStoreDecorator.h"
+#include "decorator/InfillStoreDecorator.h"
 #include "decorator/MergeStoreDecorator.h"
 #include "decorator/RestoreMuteDecorator.h"
 #include "decorator/ScratchStoreDecorator.h"
@@ -42,6 +43,8 @@ class StoreDecoratorFactory {
   static vHandle<Store> addBin(vHandle<Store> store, Binner const& binner, Attribute const& attribute);
   // Stores bound end to end, store first; more through addStore.
   static vHandle<Store> addBind(vHandle<Store> store, vHandle<BindStoreDecorator>& decorator);
+  // The key grid of a two-key store completed, over the range of all groups.
+  static vHandle<Store> addInfill(vHandle<Store> store);
   // Vector attributes shown from time zero, their leading mute restored.
   static vHandle<Store> addRestoreMute(vHandle<Store> store);
   // A store that is closed and deleted from its project when its last

@@ -177,7 +177,26 @@ StoreConformanceCase bind() {
   return c;
 }
 
+// The reference keys already form a complete grid: nothing is invented,
+// and every read goes the way of the grid.
+StoreConformanceCase infill(char const* name, vHandle<Store> (*below)()) {
+  StoreConformanceCase c(name);
+  c.openForReading = [below] { return asSet(StoreDecoratorFactory::addInfill(below())); };
+  if (below == &segyReference) segyViewTexts(c);
+  c.texts.notWritable = "Not implemented";
+  c.texts.firstAfterLast = "First instance value <%lld>is greater than last instance value <%lld>";
+  // Group numbers are checked by the indexing table in the words of the
+  // in-process sets, ranges in the view's own; the suite words both alike.
+  c.notApplicable = {"RefusesBadGroupNumbersWithTheirTexts"};
+  return c;
+}
+
 }  // namespace
+
+INSTANTIATE_TEST_SUITE_P(InfillViews, StoreConformance,
+                         ::testing::Values(infill("InfillOverMemory", &memoryReference),
+                                           infill("InfillOverSegy", &segyReference)),
+                         StoreConformance::caseName);
 
 INSTANTIATE_TEST_SUITE_P(BindViews, StoreConformance, ::testing::Values(bind()), StoreConformance::caseName);
 
