@@ -80,6 +80,17 @@ TEST_F(Mapping, TypesSourcesAndPassThrough) {
   EXPECT_EQ((std::vector<int>{600, 400, 200}), (std::vector<int>{made.getInt32(1), made.getInt32(2), made.getInt32(3)}));
 }
 
+// Arithmetic runs column by column, anything else through muParser row by
+// row: both ways give the same values.
+TEST_F(Mapping, BothWaysOfEvaluatingAgree) {
+  char const* const mixed = "OFFSET / 4 - CDP ^ 2 + (CDP >= 2) * 1000 - (ELEV > 1003 && CDP != 4) + ELEV * 0";
+  view->processExpression((std::string("COLUMNS:d = ") + mixed).c_str());
+  view->processExpression((std::string("ROWS:d = (") + mixed + ") | 0").c_str());
+  std::vector<double> const columns = first("COLUMNS", 12);
+  EXPECT_EQ(first("ROWS", 12), columns);
+  EXPECT_EQ((std::vector<double>{24, 49, 74, 1021, 1046, 1071, 1015, 1040, 1065, 1009, 1034, 1059}), columns);
+}
+
 TEST_F(Mapping, FailuresWithTheirTexts) {
   char const* const read = "AttributeMappingDecorator::myAddExpressionForRead";
   expectFatal([&] { view->processExpression("NEW = NOPE + 1"); }, "AttributeMappingDecorator::ParserInfo::setExpression",

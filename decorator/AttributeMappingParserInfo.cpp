@@ -1,6 +1,7 @@
 #include "decorator/AttributeMappingParserInfo.h"
 
 #include <cctype>
+#include <algorithm>
 #include <cmath>
 
 #include "foundation/Message.h"
@@ -78,6 +79,140 @@ void toDoubles(Attribute const& source, std::vector<double>& out) {
   }
 }
 
+bool isColumnable(mu::ParserByteCode const& code) {
+  for (mu::SToken const* t = code.GetBase(); t->Cmd != mu::cmEND; ++t) {
+    switch (t->Cmd) {
+      case mu::cmLE: case mu::cmGE: case mu::cmNEQ: case mu::cmEQ: case mu::cmLT: case mu::cmGT:
+      case mu::cmADD: case mu::cmSUB: case mu::cmMUL: case mu::cmDIV: case mu::cmPOW: case mu::cmLAND:
+      case mu::cmLOR: case mu::cmVAR: case mu::cmVAL: case mu::cmVARPOW2: case mu::cmVARPOW3:
+      case mu::cmVARPOW4: case mu::cmVARMUL:
+        break;
+      default:
+        return false;
+    }
+  }
+  return true;
+}
+
+// One entry of the evaluation stack: a column of values, or one value
+// standing for a whole column.
+struct ColumnEntry {
+  double const* data;
+  int buffer;  // -1: not a buffer of the pool
+  bool scalar;
+  double value;
+};
+
+// out[i] = op(a[i], b[i]) with either side possibly one value; out may be
+// either side's own column, which elementwise work allows.
+template <class Op>
+void binary(ColumnEntry const& a, ColumnEntry const& b, double* out, std::size_t n, Op op) {
+  double const* x = a.data;
+  double const* y = b.data;
+  if (a.scalar) {
+    double const v = a.value;
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) out[i] = op(v, y[i]);
+  } else if (b.scalar) {
+    double const v = b.value;
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) out[i] = op(x[i], v);
+  } else {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) out[i] = op(x[i], y[i]);
+  }
+}
+
+template <class Op, class Take>
+ColumnEntry apply(ColumnEntry const& a, ColumnEntry const& b, std::size_t n, Op op, Take& take,
+                  std::vector<std::vector<double> >& pool) {
+  if (a.scalar && b.scalar) return ColumnEntry{nullptr, -1, true, op(a.value, b.value)};
+  int const buffer = a.buffer >= 0 ? a.buffer : (b.buffer >= 0 ? b.buffer : take());
+  binary(a, b, pool[buffer].data(), n, op);
+  return ColumnEntry{pool[buffer].data(), buffer, false, 0.0};
+}
+
+// The compiled code run over n rows, an operation at a time, the same
+// arithmetic as muParser's per row. column gives the values of a variable
+// by its bound address.
+template <class Column>
+void evaluateColumns(mu::ParserByteCode const& code, Column column, std::size_t n, double* out,
+                     std::vector<std::vector<double> >& pool) {
+  std::vector<ColumnEntry> stack;
+  std::vector<int> spare;
+  for (std::size_t b = 0; b < pool.size(); ++b) spare.push_back(static_cast<int>(b));
+  auto take = [&]() {
+    int b;
+    if (spare.empty()) {
+      pool.emplace_back();
+      b = static_cast<int>(pool.size()) - 1;
+    } else {
+      b = spare.back();
+      spare.pop_back();
+    }
+    pool[b].resize(n);
+    return b;
+  };
+  for (mu::SToken const* t = code.GetBase(); t->Cmd != mu::cmEND; ++t) {
+    switch (t->Cmd) {
+      case mu::cmVAR:
+        stack.push_back({column(t->Val.ptr), -1, false, 0.0});
+        continue;
+      case mu::cmVAL:
+        stack.push_back({nullptr, -1, true, t->Val.data2});
+        continue;
+      case mu::cmVARMUL:
+      case mu::cmVARPOW2:
+      case mu::cmVARPOW3:
+      case mu::cmVARPOW4: {
+        int const b = take();
+        double* d = pool[b].data();
+        double const* x = column(t->Val.ptr);
+        double const m = t->Val.data, c = t->Val.data2;
+        if (t->Cmd == mu::cmVARMUL)
+          for (std::size_t i = 0; i < n; ++i) d[i] = x[i] * m + c;
+        else if (t->Cmd == mu::cmVARPOW2)
+          for (std::size_t i = 0; i < n; ++i) d[i] = x[i] * x[i];
+        else if (t->Cmd == mu::cmVARPOW3)
+          for (std::size_t i = 0; i < n; ++i) d[i] = x[i] * x[i] * x[i];
+        else
+          for (std::size_t i = 0; i < n; ++i) d[i] = x[i] * x[i] * x[i] * x[i];
+        stack.push_back({d, b, false, 0.0});
+        continue;
+      }
+      default:
+        break;
+    }
+    ColumnEntry const rhs = stack.back();
+    stack.pop_back();
+    ColumnEntry const lhs = stack.back();
+    stack.pop_back();
+    ColumnEntry result;
+    switch (t->Cmd) {
+      case mu::cmLE: result = apply(lhs, rhs, n, [](double a, double c) { return double(a <= c); }, take, pool); break;
+      case mu::cmGE: result = apply(lhs, rhs, n, [](double a, double c) { return double(a >= c); }, take, pool); break;
+      case mu::cmNEQ: result = apply(lhs, rhs, n, [](double a, double c) { return double(a != c); }, take, pool); break;
+      case mu::cmEQ: result = apply(lhs, rhs, n, [](double a, double c) { return double(a == c); }, take, pool); break;
+      case mu::cmLT: result = apply(lhs, rhs, n, [](double a, double c) { return double(a < c); }, take, pool); break;
+      case mu::cmGT: result = apply(lhs, rhs, n, [](double a, double c) { return double(a > c); }, take, pool); break;
+      case mu::cmADD: result = apply(lhs, rhs, n, [](double a, double c) { return a + c; }, take, pool); break;
+      case mu::cmSUB: result = apply(lhs, rhs, n, [](double a, double c) { return a - c; }, take, pool); break;
+      case mu::cmMUL: result = apply(lhs, rhs, n, [](double a, double c) { return a * c; }, take, pool); break;
+      case mu::cmDIV: result = apply(lhs, rhs, n, [](double a, double c) { return a / c; }, take, pool); break;
+      case mu::cmPOW: result = apply(lhs, rhs, n, [](double a, double c) { return std::pow(a, c); }, take, pool); break;
+      case mu::cmLAND: result = apply(lhs, rhs, n, [](double a, double c) { return double(a && c); }, take, pool); break;
+      default: result = apply(lhs, rhs, n, [](double a, double c) { return double(a || c); }, take, pool); break;
+    }
+    if (rhs.buffer >= 0 && rhs.buffer != result.buffer) spare.push_back(rhs.buffer);
+    if (lhs.buffer >= 0 && lhs.buffer != result.buffer) spare.push_back(lhs.buffer);
+    stack.push_back(result);
+  }
+  if (stack.back().scalar)
+    std::fill(out, out + n, stack.back().value);
+  else
+    std::copy(stack.back().data, stack.back().data + n, out);
+}
+
 template <class T>
 void fromDoubles(std::vector<double> const& values, T* out) {
   for (std::size_t i = 0; i < values.size(); ++i) out[i] = static_cast<T>(values[i]);
@@ -86,7 +221,7 @@ void fromDoubles(std::vector<double> const& values, T* out) {
 }  // namespace
 
 AttributeMappingDecorator::ParserInfo::ParserInfo(vHandle<Store> store, vString const& attributeName, bool writeMode)
-    : m_store(store), m_attributeName(attributeName), m_writeMode(writeMode) {
+    : m_store(store), m_attributeName(attributeName), m_writeMode(writeMode), m_byColumns(false) {
   m_parser.DefineNameChars(kNameChars);
   m_parser.DefineOprt(">>", shr, 5);
   m_parser.DefineOprt("<<", shl, 5);
@@ -130,10 +265,11 @@ void AttributeMappingDecorator::ParserInfo::setExpression(vString const& text) {
   // fault shows at once and not at the first read.
   try {
     for (Variable& v : m_variables) {
-      v.values.assign(1, 1.0);
-      m_parser.DefineVar(v.parserName.c_str(), v.values.data());
+      v.slot = 1.0;
+      m_parser.DefineVar(v.parserName.c_str(), &v.slot);
     }
     m_parser.Eval();
+    m_byColumns = isColumnable(m_parser.GetByteCode());
   } catch (mu::ParserError const& error) {
     fatalExpression(error);
   }
@@ -156,10 +292,26 @@ void AttributeMappingDecorator::ParserInfo::myEvaluate(Attribute& attribute, uns
       toDoubles(source, v.values);
       // The store below has the last word on how many there are.
       count = source.getNInstances();
-      m_parser.DefineVar(v.parserName.c_str(), v.values.data());
+      if (!m_byColumns) m_parser.DefineVar(v.parserName.c_str(), v.values.data());
     }
     results.resize(count);
-    if (count > 0) m_parser.Eval(results.data(), static_cast<int>(count));
+    if (count > 0 && m_byColumns) {
+      auto column = [this](double const* bound) -> double const* {
+        for (Variable const& v : m_variables)
+          if (&v.slot == bound) return v.values.data();
+        Message::fatal("AttributeMappingDecorator::ParserInfo::read", 0, "The expression '%s' lost a variable.",
+                       m_expression.c_str());
+      };
+      // A chunk at a time, so that the columns stay in the cache.
+      std::size_t const chunk = 2048;
+      for (std::size_t at = 0; at < count; at += chunk) {
+        std::size_t const rows = std::min<std::size_t>(chunk, count - at);
+        evaluateColumns(m_parser.GetByteCode(), [&](double const* bound) { return column(bound) + at; }, rows,
+                        results.data() + at, m_columns);
+      }
+    } else if (count > 0) {
+      m_parser.Eval(results.data(), static_cast<int>(count));
+    }
   } catch (mu::ParserError const& error) {
     fatalExpression(error);
   }

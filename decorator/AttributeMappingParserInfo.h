@@ -5,7 +5,9 @@
 // and the expression that computes it from attributes of the store below.
 // The expression is compiled once; each source attribute is read over the
 // instances asked for into a column of doubles that the parser is bound to,
-// and the whole column is evaluated in one bulk call.
+// and the whole column is evaluated at once: an expression of values,
+// variables, arithmetic and comparisons an operation at a time over the
+// columns, any other in muParser's bulk mode.
 //
 // Beyond muParser's own operators: ">>" and "<<" (at the priority of "+"
 // and "-"), "&" and "|" (at the priority of "||"), each on operands
@@ -46,6 +48,7 @@ class AttributeMappingDecorator::ParserInfo {
     vString parserName;  // as written in the expression
     Attribute source;
     std::vector<double> values;
+    double slot;  // what the compiled expression is bound to
   };
 
   template <class ReadSource>
@@ -59,6 +62,11 @@ class AttributeMappingDecorator::ParserInfo {
   vString m_expression;
   mutable mu::Parser m_parser;
   mutable std::vector<Variable> m_variables;
+  // The compiled expression is evaluated column by column (values,
+  // variables, arithmetic and comparisons only); otherwise by muParser's
+  // bulk mode, with the variables bound to their columns at each read.
+  bool m_byColumns;
+  mutable std::vector<std::vector<double> > m_columns;
 };
 
 #endif
