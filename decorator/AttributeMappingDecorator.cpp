@@ -36,7 +36,7 @@ bool isSupportedDataType(DataType type) {
   return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
 }
 
-DataType typeFromWord(std::string word, std::string const& line) {
+DataType typeFromWord(char const* label, std::string word, std::string const& line) {
   for (char& c : word) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   if (word == "f" || word == "float" || word == "float32") return vFLOAT32;
   if (word == "d" || word == "double" || word == "float64") return vFLOAT64;
@@ -44,8 +44,7 @@ DataType typeFromWord(std::string word, std::string const& line) {
   if (word == "int64") return vINT64;
   DataType type = vUtl::dataTypeFromName(word.c_str());
   if (type == vNOTYPE)
-    Message::fatal("AttributeMappingDecorator::myAddExpressionForRead", 0,
-                   "Did not understand the datatype %s in the expression '%s'!", word.c_str(), line.c_str());
+    Message::fatal(label, 0, "Did not understand the datatype %s in the expression '%s'!", word.c_str(), line.c_str());
   return type;
 }
 
@@ -71,7 +70,10 @@ void AttributeMappingDecorator::processExpression(vString const& expression) {
   if (m_validated)
     Message::fatal("AttributeMappingDecorator::processExpression(expr)", 0,
                    "Cannot add an expression once we have validated the store!");
-  myAddExpressionForRead(expression);
+  if (m_writeMode)
+    myAddExpressionForWrite(expression);
+  else
+    myAddExpressionForRead(expression);
 }
 
 void AttributeMappingDecorator::processExpression(vFilename const& file) {
@@ -88,7 +90,11 @@ void AttributeMappingDecorator::processExpression(vFilename const& file) {
     while (std::fgets(buffer, 1023, in) != nullptr) {
       if (buffer[0] == '#' || buffer[0] == ';') continue;
       std::string line = trimmed(buffer);
-      if (!line.empty()) myAddExpressionForRead(line.c_str());
+      if (line.empty()) continue;
+      if (m_writeMode)
+        myAddExpressionForWrite(line.c_str());
+      else
+        myAddExpressionForRead(line.c_str());
     }
   } catch (...) {
     std::fclose(in);
@@ -98,7 +104,16 @@ void AttributeMappingDecorator::processExpression(vFilename const& file) {
 }
 
 void AttributeMappingDecorator::myAddExpressionForRead(vString const& text) {
-  char const* const label = "AttributeMappingDecorator::myAddExpressionForRead";
+  myAddExpression("AttributeMappingDecorator::myAddExpressionForRead", text);
+}
+
+// The same grammar; the names are those of the store made, the variables
+// those of the sets written.
+void AttributeMappingDecorator::myAddExpressionForWrite(vString const& text) {
+  myAddExpression("AttributeMappingDecorator::myAddExpressionForWrite", text);
+}
+
+void AttributeMappingDecorator::myAddExpression(char const* label, vString const& text) {
   std::string const line = trimmed(text.c_str());
   if (line.empty()) return;
   if (line[0] == '!') {
@@ -112,6 +127,8 @@ void AttributeMappingDecorator::myAddExpressionForRead(vString const& text) {
       m_localData->setStoreSubClass(argument.c_str());
     else if (directive == "!KEYLIST")
       m_localData->saveKeyNames(words(argument));
+    else if ((directive == "!ADD" || directive == "!PRESERVE") && m_writeMode)
+      Message::fatal(label, 0, "The %s keyword is not supported for write!", directive.c_str());
     else if (directive == "!ADD" || directive == "!PRESERVE")
       m_localData->addExistingAttributes(words(argument), directive == "!PRESERVE");
     else
@@ -128,7 +145,7 @@ void AttributeMappingDecorator::myAddExpressionForRead(vString const& text) {
   Attribute target;
   std::size_t const colon = name.find(':');
   if (colon != std::string::npos) {
-    DataType const type = typeFromWord(name.substr(colon + 1), line);
+    DataType const type = typeFromWord(label, name.substr(colon + 1), line);
     name.erase(colon);
     target = Attribute(vUCString(name.c_str()), vUCString(name.c_str()), type);
   } else if (AttributeDefinitionTable::instance().hasDefinition(vUCString(name.c_str()))) {
@@ -293,12 +310,40 @@ void AttributeMappingDecorator::write(Attribute const&, KeyList const&) {
 
 void AttributeMappingDecorator::addAttribute(Attribute const&) { myRefuse("AttributeMappingDecorator::addAttribute"); }
 
-void AttributeMappingDecorator::writeIMSRange(InMemoryStore const&, unsigned int, unsigned int) {
-  myRefuse("AttributeMappingDecorator::writeIMSRange");
+void AttributeMappingDecorator::create(StoreDescription const& description, vLCString const& attributeSetName,
+                                       KeyList const& keys, StoreCreationOptions const* options) {
+  m_writeMode = true;
+  m_validated = false;
+  m_localData = vHandle<LocalData>(new LocalData(m_decoratedStore, *this, true));
+  m_localData->setCreation(description, attributeSetName, keys, options);
 }
 
-void AttributeMappingDecorator::writeIMSList(InMemoryStore const&, std::vector<unsigned int> const&) {
-  myRefuse("AttributeMappingDecorator::writeIMSList");
+std::vector<unsigned int> AttributeMappingDecorator::myWriteRange(AttributeSet const& source, unsigned int first,
+                                                                  unsigned int last) const {
+  unsigned int const n = source.getNInstances();
+  if (first == 0 || last < first || last > n)
+    Message::fatal("AttributeMappingDecorator::LocalData::write(range)", 0,
+                   "Invalid instance range %d:%d for a store that contains %d instances!", static_cast<int>(first),
+                   static_cast<int>(last), static_cast<int>(n));
+  std::vector<unsigned int> instances;
+  for (unsigned int i = first; i <= last; ++i) instances.push_back(i);
+  return instances;
+}
+
+void AttributeMappingDecorator::writeIMSRange(InMemoryStore const& source, unsigned int first, unsigned int last) {
+  if (!m_writeMode) myRefuse("AttributeMappingDecorator::writeIMSRange");
+  myOpen();
+  AttributeSet const& set = myViewOf(source, "AttributeMappingDecorator::writeIMSRange");
+  m_localData->write(set, myWriteRange(set, first, last));
+}
+
+void AttributeMappingDecorator::writeIMSList(InMemoryStore const& source, std::vector<unsigned int> const& instances) {
+  if (!m_writeMode) myRefuse("AttributeMappingDecorator::writeIMSList");
+  myOpen();
+  AttributeSet const& set = myViewOf(source, "AttributeMappingDecorator::writeIMSList");
+  for (unsigned int i : instances)
+    if (i == 0 || i > set.getNInstances()) myWriteRange(set, i, i);
+  m_localData->write(set, instances);
 }
 
 std::list<Attribute> AttributeMappingDecorator::getAttributeList() const {

@@ -18,8 +18,10 @@
 // (open, a read, a question about its attributes); from then on the schema
 // is fixed until clearExpressions().
 //
-// The view is read-only: writes, creation and update are refused.
-// Instances are those of the store below, in its order.
+// Read, the view is read-only and its instances are those of the store
+// below. Created (write mode), what is written through writeIMSRange and
+// writeIMSList is computed into a store made at the first write; other
+// writes, creation by name and update are refused.
 
 #include <list>
 #include <vector>
@@ -29,6 +31,8 @@
 #include "foundation/vFilename.h"
 #include "foundation/vHandle.h"
 #include "foundation/vLCString.h"
+
+class StoreDescription;
 
 class AttributeMappingDecorator : public StoreDecorator {
  public:
@@ -54,6 +58,12 @@ class AttributeMappingDecorator : public StoreDecorator {
   static bool myResolveMapFilename(vString const& name, std::vector<vString> const& directories, vFilename& found);
   static std::list<vString> const& getTriedFilenames();
 
+  // Write mode: the store of description is made at the first write, with
+  // the attributes the expressions compute from what is written
+  // (writeIMSRange, writeIMSList). Expressions follow this call; their
+  // variables name attributes of the written sets.
+  virtual void create(StoreDescription const& description, vLCString const& attributeSetName, KeyList const& keys,
+                      StoreCreationOptions const* options);
   void create(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
               StoreCreationOptions const* options) override;
   void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass,
@@ -100,6 +110,10 @@ class AttributeMappingDecorator : public StoreDecorator {
 
  private:
   void myAddExpressionForRead(vString const& line);
+  void myAddExpressionForWrite(vString const& line);
+  void myAddExpression(char const* label, vString const& line);
+  // The instances of source first to last (checked), or those listed.
+  std::vector<unsigned int> myWriteRange(AttributeSet const& source, unsigned int first, unsigned int last) const;
   // Closes the collection of expressions and builds the schema.
   void myOpen() const;
   [[noreturn]] static void myRefuse(char const* label);

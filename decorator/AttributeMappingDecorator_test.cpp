@@ -7,6 +7,8 @@
 #include "attribute/AttributeDefinitionTable.h"
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
+#include "filestore/memory/InMemoryStore.h"
+#include "project/StoreDescription.h"
 #include "foundation/TestReleaseTree.h"
 
 using namespace decorator_testing;
@@ -132,6 +134,36 @@ TEST_F(Mapping, FailuresWithTheirTexts) {
   view->clearExpressions();
   view->processExpression("B = 1");
   EXPECT_EQ(std::vector<double>{1}, first("B", 1));
+}
+
+// Written sets computed into a store that the first write makes.
+TEST_F(Mapping, WritesComputeTheStoreMadeAtTheFirstWrite) {
+  Store::InMemoryStoreView const saved = Store::setInMemoryStoreView(&InMemoryStore::asAttributeSet);
+  vHandle<InMemoryStore> from(new InMemoryStore(vHandle<Project>()));
+  from->create("from", "seismic", "3d", StoreConformance::referenceKeys(), nullptr);
+  StoreConformance::populate(*from);
+  vHandle<InMemoryStore> out(new InMemoryStore(vHandle<Project>()));
+  vHandle<AttributeMappingDecorator> writer(new AttributeMappingDecorator(vHandle_cast<Store>(out)));
+  writer->create(StoreDescription(out, "mapped"), "3d", KeyList(), nullptr);
+  writer->processExpression("!KEYLIST CDP");
+  writer->processExpression("CDP:i = cdp");
+  writer->processExpression("FAR:i = OFFSET > 150");
+  expectFatal([&] { writer->processExpression("!ADD OFFSET"); }, "AttributeMappingDecorator::myAddExpressionForWrite",
+              "The !ADD keyword is not supported for write!");
+  EXPECT_FALSE(out->isOpen());
+  writer->writeIMSRange(*from, 2, 3);
+  writer->writeIMSList(*from, {10});
+  ASSERT_TRUE(out->isOpen());
+  EXPECT_EQ("trace", std::string(out->getClass().c_str()));
+  EXPECT_EQ((std::vector<std::string>{"CDP"}), names(out->getKeyList()));
+  EXPECT_EQ((std::vector<double>{1, 1, 4}), values(*out, "CDP"));
+  EXPECT_EQ((std::vector<double>{1, 1, 0}), values(*out, "FAR"));
+  expectFatal([&] { writer->writeIMSRange(*from, 3, 13); }, "AttributeMappingDecorator::LocalData::write(range)",
+              "Invalid instance range 3:13 for a store that contains 12 instances!");
+  Attribute far = writer->getAttribute("FAR");
+  expectFatal([&] { writer->read(far, std::vector<unsigned int>{3, 1}); }, "AttributeMappingDecorator::read(list)",
+              "Not supported by this decorator!");
+  Store::setInMemoryStoreView(saved);
 }
 
 TEST_F(Mapping, FilesAndWhereTheyAreFound) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "foundation/Message.h"
+#include "decorator/StoreDecorator.h"
 #include "project/Store.h"
+#include "project/StoreFactory.h"
 
 AttributeMappingDecorator::LocalData::LocalData(vHandle<Store> store, Store& view, bool writeMode)
     : m_store(store), m_view(view), m_writeMode(writeMode) {}
@@ -95,4 +97,45 @@ void AttributeMappingDecorator::LocalData::read(Attribute& attribute,
     return;
   }
   myParser(attribute).read(attribute, instances);
+}
+
+// --- write mode --------------------------------------------------------------------------------
+
+void AttributeMappingDecorator::LocalData::setCreation(StoreDescription const& description,
+                                                       vLCString const& attributeSetName, KeyList const& keys,
+                                                       StoreCreationOptions const* options) {
+  m_description = description;
+  m_attributeSetName = attributeSetName;
+  m_creationKeys = keys;
+  m_options = options;
+}
+
+// The class is "trace" and the keys those of the set written from, unless
+// the map says otherwise.
+void AttributeMappingDecorator::LocalData::createDeferredStore(AttributeSet const& source) {
+  StoreDescription description(m_description);
+  description.setStoreClass(m_class.isBlank() ? vLCString("trace") : m_class);
+  KeyList keys = m_keyNames.empty() ? (m_creationKeys.getNKeys() ? m_creationKeys : source.getKeyList()) : getKeyList();
+  vLCString const subClass = m_subClass.isBlank() ? m_attributeSetName : m_subClass;
+  vHandle<Store> made = StoreFactory::createStore(description, subClass, keys, m_options);
+  for (Attribute const& attribute : m_attributes) {
+    if (!made->hasAttribute(attribute.getName())) {
+      made->addAttribute(attribute);
+    } else if (made->getAttribute(attribute.getName()).getDataType() != attribute.getDataType()) {
+      Message::fatal("AttributeMappingDecorator::LocalData::createDeferredStore", 0,
+                     "The map datatype for the attribute %s differers from the deifnition in the store!",
+                     attribute.getName().c_str());
+    }
+  }
+  m_store = made;
+  dynamic_cast<StoreDecorator&>(m_view).setDecoratedStore(made);
+  m_created = true;
+}
+
+void AttributeMappingDecorator::LocalData::write(AttributeSet const& source,
+                                                 std::vector<unsigned int> const& instances) {
+  if (!m_created) createDeferredStore(source);
+  unsigned int const at = m_store->getNInstances() + 1;
+  m_store->addInstances(static_cast<unsigned int>(instances.size()));
+  for (vUCString const& name : m_order) m_parsers.at(name)->write(source, instances, *m_store, at);
 }

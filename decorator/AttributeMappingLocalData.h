@@ -12,6 +12,7 @@
 #include "attribute/KeyList.h"
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/AttributeMappingParserInfo.h"
+#include "project/StoreDescription.h"
 
 class AttributeMappingDecorator::LocalData {
  public:
@@ -33,12 +34,21 @@ class AttributeMappingDecorator::LocalData {
   bool hasAttribute(vUCString const& name) const;
   KeyList getKeyList() const;
 
+  // Write mode: where and how the store is to be made at the first write.
+  void setCreation(StoreDescription const& description, vLCString const& attributeSetName, KeyList const& keys,
+                   StoreCreationOptions const* options);
+  // Write mode: the listed instances of source through the expressions,
+  // appended to the store, which the first write makes.
+  void write(AttributeSet const& source, std::vector<unsigned int> const& instances);
+  bool isStoreCreated() const { return m_created; }
+
   // The attribute's values over the store's instances.
   void read(Attribute& attribute, unsigned int first, unsigned int last) const;
   void read(Attribute& attribute, std::vector<unsigned int> const& instances) const;
 
  private:
   ParserInfo const& myParser(Attribute const& attribute) const;
+  void createDeferredStore(AttributeSet const& source);
 
   vHandle<Store> m_store;
   Store& m_view;
@@ -50,6 +60,11 @@ class AttributeMappingDecorator::LocalData {
   std::map<vUCStringTableData const*, Attribute> m_existing;
   std::vector<vUCString> m_order;
   std::list<Attribute> m_attributes;
+  StoreDescription m_description;
+  vLCString m_attributeSetName;
+  KeyList m_creationKeys;
+  StoreCreationOptions const* m_options = nullptr;
+  bool m_created = false;
 };
 
 #endif

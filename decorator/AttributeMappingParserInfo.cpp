@@ -251,13 +251,19 @@ void AttributeMappingDecorator::ParserInfo::setExpression(vString const& text) {
     std::string name = entry.first;
     if (!name.empty() && name[0] == '\\') name.erase(0, 1);
     vUCString upper(name.c_str());
+    Variable variable;
+    variable.parserName = entry.first.c_str();
+    if (m_writeMode) {
+      // Found in the set written from, at each write.
+      variable.source = Attribute(upper, upper, vFLOAT64);
+      m_variables.push_back(variable);
+      continue;
+    }
     if (!m_store->hasAttribute(upper))
       Message::fatal("AttributeMappingDecorator::ParserInfo::setExpression", 0,
                      "The underlying store does not contain the attribute '%s' to satisfy the expression '%s' for "
                      "the new attribute '%s'",
                      upper.c_str(), text.c_str(), m_attributeName.c_str());
-    Variable variable;
-    variable.parserName = entry.first.c_str();
     variable.source = m_store->getAttribute(upper);
     m_variables.push_back(variable);
   }
@@ -341,4 +347,17 @@ void AttributeMappingDecorator::ParserInfo::read(Attribute& attribute,
                                                  std::vector<unsigned int> const& instances) const {
   myEvaluate(attribute, static_cast<unsigned int>(instances.size()),
              [&](Attribute& source) { m_store->read(source, instances); });
+}
+
+void AttributeMappingDecorator::ParserInfo::myBindSources(AttributeSet const& set) const {
+  for (Variable& v : m_variables) v.source = set.getAttribute(v.source.getName());
+}
+
+void AttributeMappingDecorator::ParserInfo::write(AttributeSet const& source, std::vector<unsigned int> const& instances,
+                                                  Store& target, unsigned int at) const {
+  myBindSources(source);
+  Attribute made(m_target);
+  myEvaluate(made, static_cast<unsigned int>(instances.size()),
+             [&](Attribute& column) { source.read(column, instances); });
+  if (made.getNInstances() > 0) target.write(made, at, at + made.getNInstances() - 1);
 }

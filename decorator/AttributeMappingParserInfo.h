@@ -38,6 +38,12 @@ class AttributeMappingDecorator::ParserInfo {
   // The store attributes the expression reads.
   std::vector<vUCString> getSourceNames() const;
 
+  // In write mode the variables name attributes of the set written from,
+  // found at each write. The target over those of the set's instances, into
+  // instances at onwards of target.
+  void write(AttributeSet const& source, std::vector<unsigned int> const& instances, Store& target,
+             unsigned int at) const;
+
   // The target over instances first to last (list: those listed, in list
   // order) of the store, into attribute, which keeps its name.
   void read(Attribute& attribute, unsigned int first, unsigned int last) const;
@@ -51,6 +57,7 @@ class AttributeMappingDecorator::ParserInfo {
     double slot;  // what the compiled expression is bound to
   };
 
+  void myBindSources(AttributeSet const& set) const;
   template <class ReadSource>
   void myEvaluate(Attribute& attribute, unsigned int count, ReadSource readSource) const;
   [[noreturn]] void fatalExpression(mu::ParserError const& error) const;
