@@ -99,8 +99,8 @@ TEST_F(Mapping, FailuresWithTheirTexts) {
               "The underlying store does not contain the attribute 'NOPE' to satisfy the expression 'NOPE + 1' for the "
               "new attribute 'NEW'");
   expectFatal([&] { view->processExpression("BAD = CDP + * 2"); }, "AttributeMappingDecorator::ParserInfo::setExpression",
-              "The expression 'CDP + * 2' for the attribute 'BAD' is in error: Unexpected operator \"*\" found at "
-              "position 6 (at position 6).");
+              "The expression 'CDP + * 2' for the attribute 'BAD' is in error at position 6: Unexpected operator \"*\" "
+              "found at position 6");
   expectFatal([&] { view->processExpression("JUST_A_NAME"); }, read,
               "The expression 'JUST_A_NAME' is not in the correct format!");
   expectFatal([&] { view->processExpression("X:short = 1"); }, read,

@@ -233,8 +233,8 @@ AttributeMappingDecorator::ParserInfo::ParserInfo(vHandle<Store> store, vString 
 
 void AttributeMappingDecorator::ParserInfo::fatalExpression(mu::ParserError const& error) const {
   Message::fatal("AttributeMappingDecorator::ParserInfo::setExpression", 0,
-                 "The expression '%s' for the attribute '%s' is in error: %s (at position %d).", m_expression.c_str(),
-                 m_attributeName.c_str(), error.GetMsg().c_str(), error.GetPos());
+                 "The expression '%s' for the attribute '%s' is in error at position %d: %s", m_expression.c_str(),
+                 m_attributeName.c_str(), error.GetPos(), error.GetMsg().c_str());
 }
 
 void AttributeMappingDecorator::ParserInfo::setExpression(vString const& text) {
