@@ -81,6 +81,24 @@ vHandle<Store> segyReference() {
   return handle;
 }
 
+// The reference among decoys (CDP 99) that a select view hides: the
+// views stacked on it must show exactly the reference.
+vHandle<Store> selectedReference() {
+  installVocabulary();
+  Layout const layout = {-99, 1, 2, 3, -99, 4, 5, 6, 7, -99, 8, 9, 10, 11, 12, -99};
+  vHandle<SelectStoreDecorator> select;
+  vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
+  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("reference", "CDP", 1, 4)));
+  return store;
+}
+
+// What a select view below says, where the view on it passes it on.
+void selectBelowTexts(StoreConformanceCase& c) {
+  c.texts.notWritable = "Has not been written yet.";
+  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
+  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
+}
+
 void segyTexts(StoreConformanceCase& c) {
   c.attributes = {"CDP", "OFFSET", "TRACE"};
   c.texts.unknownAttribute = "Attribute %s does not exist in file %s.";
@@ -102,6 +120,8 @@ StoreConformanceCase translating(char const* name, vHandle<Store> (*below)()) {
   c.texts.unknownDefinition = "Attrbute '%s' does not exist.";
   if (below == &segyReference)
     segyTexts(c);
+  else if (below == &selectedReference)
+    selectBelowTexts(c);
   else
     c.openForUpdate = [] {
       installVocabulary();
@@ -155,6 +175,7 @@ StoreConformanceCase restoreMute(char const* name, vHandle<Store> (*below)()) {
   StoreConformanceCase c(name);
   c.openForReading = [below] { return asSet(StoreDecoratorFactory::addRestoreMute(below())); };
   if (below == &segyReference) segyViewTexts(c);
+  if (below == &selectedReference) selectBelowTexts(c);
   c.texts.notWritable = "Not Supported.";
   return c;
 }
@@ -195,7 +216,8 @@ StoreConformanceCase infill(char const* name, vHandle<Store> (*below)()) {
 
 INSTANTIATE_TEST_SUITE_P(InfillViews, StoreConformance,
                          ::testing::Values(infill("InfillOverMemory", &memoryReference),
-                                           infill("InfillOverSegy", &segyReference)),
+                                           infill("InfillOverSegy", &segyReference),
+                                           infill("InfillOverSelect", &selectedReference)),
                          StoreConformance::caseName);
 
 INSTANTIATE_TEST_SUITE_P(BindViews, StoreConformance, ::testing::Values(bind()), StoreConformance::caseName);
@@ -203,7 +225,8 @@ INSTANTIATE_TEST_SUITE_P(BindViews, StoreConformance, ::testing::Values(bind()),
 INSTANTIATE_TEST_SUITE_P(BinViews, StoreConformance,
                          ::testing::Values(bin("BinOverMemory", &memoryReference), bin("BinOverSegy", &segyReference),
                                            restoreMute("RestoreMuteOverMemory", &memoryReference),
-                                           restoreMute("RestoreMuteOverSegy", &segyReference)),
+                                           restoreMute("RestoreMuteOverSegy", &segyReference),
+                                           restoreMute("RestoreMuteOverSelect", &selectedReference)),
                          StoreConformance::caseName);
 
 INSTANTIATE_TEST_SUITE_P(MappingViews, StoreConformance,
@@ -213,5 +236,6 @@ INSTANTIATE_TEST_SUITE_P(MappingViews, StoreConformance,
 
 INSTANTIATE_TEST_SUITE_P(TranslatingViews, StoreConformance,
                          ::testing::Values(translating("TranslatingOverMemory", &memoryReference),
-                                           translating("TranslatingOverSegy", &segyReference)),
+                                           translating("TranslatingOverSegy", &segyReference),
+                                           translating("TranslatingOverSelect", &selectedReference)),
                          StoreConformance::caseName);
