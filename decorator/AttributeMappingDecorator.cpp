@@ -223,7 +223,6 @@ bool AttributeMappingDecorator::resolveMapFilename(vFilename const& store, vStri
     std::size_t const dot = stem.rfind('.');
     if (dot != std::string::npos) stem.erase(dot);
     wanted = (stem + ".cstf").c_str();
-    // A store's own map is looked for beside it and in the system files only.
   }
   return myResolveMapFilename(wanted, {directory, vUtl::systemFilesDirectory()}, found);
 }

@@ -49,10 +49,12 @@ class AttributeMappingDecorator : public StoreDecorator {
   void processExpression(vFilename const& file);
   void clearExpressions();
 
-  // The mapping file for name: name itself when it exists; otherwise name
-  // with the extension "cstf" (added when it has none) in the directory
-  // of store, in each of directories, in the system files directory. False
-  // when none exists; the candidates tried are in getTriedFilenames().
+  // The mapping file for name: name itself when it exists; otherwise its
+  // last part with the extension "cstf" (added when it has none) in each of
+  // directories in turn. False when none exists; the candidates tried are
+  // in getTriedFilenames(). The first form looks in the system files
+  // directory; the second beside the store file and then in the system
+  // files, and a blank name stands for the store file's own name.
   static bool resolveMapFilename(vString const& name, vFilename& found);
   static bool resolveMapFilename(vFilename const& store, vString const& name, vFilename& found);
   static bool myResolveMapFilename(vString const& name, std::vector<vString> const& directories, vFilename& found);
