@@ -250,8 +250,8 @@ void AttributeMappingDecorator::open(vLCString const& name, int version, vLCStri
   myOpen();
 }
 
-void AttributeMappingDecorator::open(FullStoreName const& name, vLCString const& className,
-                                     vLCString const& subClass, StoreOpenOptions const* options) {
+void AttributeMappingDecorator::open(FullStoreName const& name, vLCString const& className, vLCString const& subClass,
+                                     StoreOpenOptions const* options) {
   m_decoratedStore->open(name, className, subClass, options);
   m_opened = true;
   myOpen();
@@ -272,8 +272,7 @@ vLCString AttributeMappingDecorator::getClass() const {
 }
 
 vLCString AttributeMappingDecorator::getSubClass() const {
-  return m_localData->getStoreSubClass().isBlank() ? m_decoratedStore->getSubClass()
-                                                   : m_localData->getStoreSubClass();
+  return m_localData->getStoreSubClass().isBlank() ? m_decoratedStore->getSubClass() : m_localData->getStoreSubClass();
 }
 
 void AttributeMappingDecorator::close() {
@@ -401,7 +400,8 @@ void AttributeMappingDecorator::read(Attribute& attribute, std::vector<unsigned 
 void AttributeMappingDecorator::read(Attribute& attribute, Attribute const& groups, unsigned int firstGroup,
                                      unsigned int lastGroup) const {
   myOpen();
-  if (m_indexingTable.isEmpty()) m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
+  if (m_indexingTable.isEmpty())
+    m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
   std::vector<unsigned int> instances;
   m_indexingTable->locateByGroups(groups, firstGroup, lastGroup, instances);
   read(attribute, instances);
@@ -414,13 +414,15 @@ void AttributeMappingDecorator::read(Attribute&, KeyList const&) const {
 
 void AttributeMappingDecorator::getUnique(Attribute& attribute, vUtlSort::SortOrder::SortOrderType order) const {
   myOpen();
-  if (m_indexingTable.isEmpty()) m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
+  if (m_indexingTable.isEmpty())
+    m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
   m_indexingTable->getUnique(attribute, order);
 }
 
 void AttributeMappingDecorator::getGroupsAndSizes(Attribute& attribute, std::vector<unsigned int>& sizes,
                                                   vUtlSort::SortOrder::SortOrderType order) const {
   myOpen();
-  if (m_indexingTable.isEmpty()) m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
+  if (m_indexingTable.isEmpty())
+    m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
   m_indexingTable->getGroupsAndSizes(attribute, sizes, order);
 }

@@ -68,8 +68,8 @@ class AttributeMappingDecorator : public StoreDecorator {
                       StoreCreationOptions const* options);
   void create(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
               StoreCreationOptions const* options) override;
-  void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass,
-              KeyList const& keys, StoreCreationOptions const* options) override;
+  void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
+              StoreCreationOptions const* options) override;
   void open(vLCString const& name, int version, vLCString const& className, vLCString const& subClass,
             StoreOpenOptions const* options) override;
   void open(FullStoreName const& name, vLCString const& className, vLCString const& subClass,

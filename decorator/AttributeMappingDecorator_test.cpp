@@ -8,8 +8,8 @@
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "filestore/memory/InMemoryStore.h"
-#include "project/StoreDescription.h"
 #include "foundation/TestReleaseTree.h"
+#include "project/StoreDescription.h"
 
 using namespace decorator_testing;
 
@@ -44,9 +44,9 @@ TEST_F(Mapping, OperatorsLiteralsAndPriorities) {
     char const* expression;
     double value;
   } const cases[] = {
-      {"0x10 | 1", 17},   {"1 << 3", 8},          {"0b101", 5},          {"0XfF", 255},       {"1 + 1 << 2", 8},
-      {"1 << 2 + 1", 5},  {"2 * 3 << 1", 12},     {"2 ^ 3 >> 1", 4},     {"1 | 2 == 2", 1},   {"6 & 3 + 1", 4},
-      {"12 & 10 | 1", 9}, {"7.9 & 0b110", 6},     {"-9 >> 1", -5},       {"1 < 2 | 4", 5},    {"(1 | 2) * 2", 6},
+      {"0x10 | 1", 17},   {"1 << 3", 8},      {"0b101", 5},      {"0XfF", 255},     {"1 + 1 << 2", 8},
+      {"1 << 2 + 1", 5},  {"2 * 3 << 1", 12}, {"2 ^ 3 >> 1", 4}, {"1 | 2 == 2", 1}, {"6 & 3 + 1", 4},
+      {"12 & 10 | 1", 9}, {"7.9 & 0b110", 6}, {"-9 >> 1", -5},   {"1 < 2 | 4", 5},  {"(1 | 2) * 2", 6},
   };
   int n = 0;
   for (Case const& c : cases) view->processExpression(("V" + std::to_string(++n) + ":d = " + c.expression).c_str());
@@ -79,7 +79,8 @@ TEST_F(Mapping, TypesSourcesAndPassThrough) {
   EXPECT_EQ(25.0f, trace.getFloat32Pointer(1)[4]);
   Attribute made = view->getAttribute("NEW");
   view->read(made, std::vector<unsigned int>{12, 2, 7});
-  EXPECT_EQ((std::vector<int>{600, 400, 200}), (std::vector<int>{made.getInt32(1), made.getInt32(2), made.getInt32(3)}));
+  EXPECT_EQ((std::vector<int>{600, 400, 200}),
+            (std::vector<int>{made.getInt32(1), made.getInt32(2), made.getInt32(3)}));
 }
 
 // Arithmetic runs column by column, anything else through muParser row by
@@ -95,10 +96,12 @@ TEST_F(Mapping, BothWaysOfEvaluatingAgree) {
 
 TEST_F(Mapping, FailuresWithTheirTexts) {
   char const* const read = "AttributeMappingDecorator::myAddExpressionForRead";
-  expectFatal([&] { view->processExpression("NEW = NOPE + 1"); }, "AttributeMappingDecorator::ParserInfo::setExpression",
+  expectFatal([&] { view->processExpression("NEW = NOPE + 1"); },
+              "AttributeMappingDecorator::ParserInfo::setExpression",
               "The underlying store does not contain the attribute 'NOPE' to satisfy the expression 'NOPE + 1' for the "
               "new attribute 'NEW'");
-  expectFatal([&] { view->processExpression("BAD = CDP + * 2"); }, "AttributeMappingDecorator::ParserInfo::setExpression",
+  expectFatal([&] { view->processExpression("BAD = CDP + * 2"); },
+              "AttributeMappingDecorator::ParserInfo::setExpression",
               "The expression 'CDP + * 2' for the attribute 'BAD' is in error at position 6: Unexpected operator \"*\" "
               "found at position 6");
   expectFatal([&] { view->processExpression("JUST_A_NAME"); }, read,
@@ -161,8 +164,11 @@ TEST_F(Mapping, WritesComputeTheStoreMadeAtTheFirstWrite) {
   expectFatal([&] { writer->writeIMSRange(*from, 3, 13); }, "AttributeMappingDecorator::LocalData::write(range)",
               "Invalid instance range 3:13 for a store that contains 12 instances!");
   Attribute far = writer->getAttribute("FAR");
-  expectFatal([&] { writer->read(far, std::vector<unsigned int>{3, 1}); }, "AttributeMappingDecorator::read(list)",
-              "Not supported by this decorator!");
+  expectFatal(
+      [&] {
+        writer->read(far, std::vector<unsigned int>{3, 1});
+      },
+      "AttributeMappingDecorator::read(list)", "Not supported by this decorator!");
   Store::setInMemoryStoreView(saved);
 }
 

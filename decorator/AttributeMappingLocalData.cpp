@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "foundation/Message.h"
 #include "decorator/StoreDecorator.h"
+#include "foundation/Message.h"
 #include "project/Store.h"
 #include "project/StoreFactory.h"
 
@@ -78,7 +78,8 @@ AttributeMappingDecorator::ParserInfo const& AttributeMappingDecorator::LocalDat
     Attribute const& attribute) const {
   auto it = m_parsers.find(attribute.getName());
   if (it == m_parsers.end())
-    Message::fatal("AttributeMappingDecorator::LocalData::read", 0, "This attribute does not exist in the parser list!");
+    Message::fatal("AttributeMappingDecorator::LocalData::read", 0,
+                   "This attribute does not exist in the parser list!");
   return *it->second;
 }
 

@@ -1,7 +1,7 @@
 #include "decorator/AttributeMappingParserInfo.h"
 
-#include <cctype>
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 
 #include "foundation/Message.h"
@@ -82,10 +82,25 @@ void toDoubles(Attribute const& source, std::vector<double>& out) {
 bool isColumnable(mu::ParserByteCode const& code) {
   for (mu::SToken const* t = code.GetBase(); t->Cmd != mu::cmEND; ++t) {
     switch (t->Cmd) {
-      case mu::cmLE: case mu::cmGE: case mu::cmNEQ: case mu::cmEQ: case mu::cmLT: case mu::cmGT:
-      case mu::cmADD: case mu::cmSUB: case mu::cmMUL: case mu::cmDIV: case mu::cmPOW: case mu::cmLAND:
-      case mu::cmLOR: case mu::cmVAR: case mu::cmVAL: case mu::cmVARPOW2: case mu::cmVARPOW3:
-      case mu::cmVARPOW4: case mu::cmVARMUL:
+      case mu::cmLE:
+      case mu::cmGE:
+      case mu::cmNEQ:
+      case mu::cmEQ:
+      case mu::cmLT:
+      case mu::cmGT:
+      case mu::cmADD:
+      case mu::cmSUB:
+      case mu::cmMUL:
+      case mu::cmDIV:
+      case mu::cmPOW:
+      case mu::cmLAND:
+      case mu::cmLOR:
+      case mu::cmVAR:
+      case mu::cmVAL:
+      case mu::cmVARPOW2:
+      case mu::cmVARPOW3:
+      case mu::cmVARPOW4:
+      case mu::cmVARMUL:
         break;
       default:
         return false;
@@ -189,19 +204,58 @@ void evaluateColumns(mu::ParserByteCode const& code, Column column, std::size_t 
     stack.pop_back();
     ColumnEntry result;
     switch (t->Cmd) {
-      case mu::cmLE: result = apply(lhs, rhs, n, [](double a, double c) { return double(a <= c); }, take, pool); break;
-      case mu::cmGE: result = apply(lhs, rhs, n, [](double a, double c) { return double(a >= c); }, take, pool); break;
-      case mu::cmNEQ: result = apply(lhs, rhs, n, [](double a, double c) { return double(a != c); }, take, pool); break;
-      case mu::cmEQ: result = apply(lhs, rhs, n, [](double a, double c) { return double(a == c); }, take, pool); break;
-      case mu::cmLT: result = apply(lhs, rhs, n, [](double a, double c) { return double(a < c); }, take, pool); break;
-      case mu::cmGT: result = apply(lhs, rhs, n, [](double a, double c) { return double(a > c); }, take, pool); break;
-      case mu::cmADD: result = apply(lhs, rhs, n, [](double a, double c) { return a + c; }, take, pool); break;
-      case mu::cmSUB: result = apply(lhs, rhs, n, [](double a, double c) { return a - c; }, take, pool); break;
-      case mu::cmMUL: result = apply(lhs, rhs, n, [](double a, double c) { return a * c; }, take, pool); break;
-      case mu::cmDIV: result = apply(lhs, rhs, n, [](double a, double c) { return a / c; }, take, pool); break;
-      case mu::cmPOW: result = apply(lhs, rhs, n, [](double a, double c) { return std::pow(a, c); }, take, pool); break;
-      case mu::cmLAND: result = apply(lhs, rhs, n, [](double a, double c) { return double(a && c); }, take, pool); break;
-      default: result = apply(lhs, rhs, n, [](double a, double c) { return double(a || c); }, take, pool); break;
+      case mu::cmLE:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a <= c); }, take, pool);
+        break;
+      case mu::cmGE:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a >= c); }, take, pool);
+        break;
+      case mu::cmNEQ:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a != c); }, take, pool);
+        break;
+      case mu::cmEQ:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a == c); }, take, pool);
+        break;
+      case mu::cmLT:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a < c); }, take, pool);
+        break;
+      case mu::cmGT:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a > c); }, take, pool);
+        break;
+      case mu::cmADD:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return a + c; }, take, pool);
+        break;
+      case mu::cmSUB:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return a - c; }, take, pool);
+        break;
+      case mu::cmMUL:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return a * c; }, take, pool);
+        break;
+      case mu::cmDIV:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return a / c; }, take, pool);
+        break;
+      case mu::cmPOW:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return std::pow(a, c); }, take, pool);
+        break;
+      case mu::cmLAND:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a && c); }, take, pool);
+        break;
+      default:
+        result = apply(
+            lhs, rhs, n, [](double a, double c) { return double(a || c); }, take, pool);
+        break;
     }
     if (rhs.buffer >= 0 && rhs.buffer != result.buffer) spare.push_back(rhs.buffer);
     if (lhs.buffer >= 0 && lhs.buffer != result.buffer) spare.push_back(lhs.buffer);
@@ -312,8 +366,9 @@ void AttributeMappingDecorator::ParserInfo::myEvaluate(Attribute& attribute, uns
       std::size_t const chunk = 2048;
       for (std::size_t at = 0; at < count; at += chunk) {
         std::size_t const rows = std::min<std::size_t>(chunk, count - at);
-        evaluateColumns(m_parser.GetByteCode(), [&](double const* bound) { return column(bound) + at; }, rows,
-                        results.data() + at, m_columns);
+        evaluateColumns(
+            m_parser.GetByteCode(), [&](double const* bound) { return column(bound) + at; }, rows, results.data() + at,
+            m_columns);
       }
     } else if (count > 0) {
       m_parser.Eval(results.data(), static_cast<int>(count));
@@ -325,11 +380,21 @@ void AttributeMappingDecorator::ParserInfo::myEvaluate(Attribute& attribute, uns
   made.resize(count);
   if (count > 0) {
     switch (made.getDataType()) {
-      case vINT16: fromDoubles(results, made.getInt16Pointer(1)); break;
-      case vINT32: fromDoubles(results, made.getInt32Pointer(1)); break;
-      case vINT64: fromDoubles(results, made.getInt64Pointer(1)); break;
-      case vFLOAT32: fromDoubles(results, made.getFloat32Pointer(1)); break;
-      default: fromDoubles(results, made.getFloat64Pointer(1)); break;
+      case vINT16:
+        fromDoubles(results, made.getInt16Pointer(1));
+        break;
+      case vINT32:
+        fromDoubles(results, made.getInt32Pointer(1));
+        break;
+      case vINT64:
+        fromDoubles(results, made.getInt64Pointer(1));
+        break;
+      case vFLOAT32:
+        fromDoubles(results, made.getFloat32Pointer(1));
+        break;
+      default:
+        fromDoubles(results, made.getFloat64Pointer(1));
+        break;
     }
   }
   vUCString const name = attribute.getName();
@@ -338,8 +403,7 @@ void AttributeMappingDecorator::ParserInfo::myEvaluate(Attribute& attribute, uns
 }
 
 void AttributeMappingDecorator::ParserInfo::read(Attribute& attribute, unsigned int first, unsigned int last) const {
-  unsigned int const count =
-      first == 0 && last == 0 ? 0 : (last == 0 ? m_store->getNInstances() : last) - first + 1;
+  unsigned int const count = first == 0 && last == 0 ? 0 : (last == 0 ? m_store->getNInstances() : last) - first + 1;
   myEvaluate(attribute, count, [&](Attribute& source) { m_store->read(source, first, last); });
 }
 
@@ -353,8 +417,9 @@ void AttributeMappingDecorator::ParserInfo::myBindSources(AttributeSet const& se
   for (Variable& v : m_variables) v.source = set.getAttribute(v.source.getName());
 }
 
-void AttributeMappingDecorator::ParserInfo::write(AttributeSet const& source, std::vector<unsigned int> const& instances,
-                                                  Store& target, unsigned int at) const {
+void AttributeMappingDecorator::ParserInfo::write(AttributeSet const& source,
+                                                  std::vector<unsigned int> const& instances, Store& target,
+                                                  unsigned int at) const {
   myBindSources(source);
   Attribute made(m_target);
   myEvaluate(made, static_cast<unsigned int>(instances.size()),

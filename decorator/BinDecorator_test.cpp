@@ -21,9 +21,14 @@ TEST(Binner, SnapsToBinsAndTreatsValuesOutside) {
     double in;
     double out;
   } const cases[] = {
-      {Binner::SetNoValue, 11, 10},     {Binner::SetNoValue, 15, 15},    {Binner::SetNoValue, 8, 10},
-      {Binner::SetNoValue, 22, 20},     {Binner::UseNearestBin, 5, 10},  {Binner::UseNearestBin, 99, 20},
-      {Binner::LeaveAlone, 5, 5},       {Binner::LeaveAlone, 22.5, 22.5},
+      {Binner::SetNoValue, 11, 10},
+      {Binner::SetNoValue, 15, 15},
+      {Binner::SetNoValue, 8, 10},
+      {Binner::SetNoValue, 22, 20},
+      {Binner::UseNearestBin, 5, 10},
+      {Binner::UseNearestBin, 99, 20},
+      {Binner::LeaveAlone, 5, 5},
+      {Binner::LeaveAlone, 22.5, 22.5},
       {Binner::SetNoValue, 5, std::numeric_limits<double>::max()},
   };
   for (Case const& c : cases) {

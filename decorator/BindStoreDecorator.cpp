@@ -135,9 +135,7 @@ bool BindStoreDecorator::hasAttribute(vUCString const& name) const {
   return std::any_of(all.begin(), all.end(), [&](Attribute const& a) { return a.getName() == name; });
 }
 
-unsigned int BindStoreDecorator::getNAttributes() const {
-  return static_cast<unsigned int>(getAttributeList().size());
-}
+unsigned int BindStoreDecorator::getNAttributes() const { return static_cast<unsigned int>(getAttributeList().size()); }
 
 template <class Each>
 void BindStoreDecorator::mySetAttributeSet(char const* label, vLCString const& name, Each each) {
@@ -180,8 +178,9 @@ void BindStoreDecorator::read(Attribute& attribute, unsigned int first, unsigned
   unsigned int const n = getNInstances();
   if (last == 0) last = n;
   if (first == 0 || last < first || last > n)
-    Message::fatal("BindStoreDecorator::read(range)", 0, "Could not find instances %d-%d, bound Store has %d instances.",
-                   static_cast<int>(first), static_cast<int>(last), static_cast<int>(n));
+    Message::fatal("BindStoreDecorator::read(range)", 0,
+                   "Could not find instances %d-%d, bound Store has %d instances.", static_cast<int>(first),
+                   static_cast<int>(last), static_cast<int>(n));
   attribute.resize(last - first + 1);
   zero(attribute);
   unsigned int start = 1;  // the first instance of the current store
@@ -222,12 +221,14 @@ void BindStoreDecorator::read(Attribute& attribute, std::vector<unsigned int> co
   // The list in ascending order with the place of each in the caller's.
   std::vector<unsigned int> order(instances.size());
   std::iota(order.begin(), order.end(), 0u);
-  std::stable_sort(order.begin(), order.end(), [&](unsigned int a, unsigned int b) { return instances[a] < instances[b]; });
+  std::stable_sort(order.begin(), order.end(),
+                   [&](unsigned int a, unsigned int b) { return instances[a] < instances[b]; });
   long long const low = instances[order.front()];
   long long const high = instances[order.back()];
   if (low == 0 || static_cast<unsigned long long>(high) > n) {
     long long const outside = low == 0 ? 0 : high;
-    Message::fatal(label, 0, "Range of list was %lld-%lld, bound Store has %lld instances, found %lld instance in list of %d.",
+    Message::fatal(label, 0,
+                   "Range of list was %lld-%lld, bound Store has %lld instances, found %lld instance in list of %d.",
                    low, high, static_cast<long long>(n), outside, static_cast<int>(instances.size()));
   }
   std::size_t next = 0;
@@ -266,20 +267,24 @@ void BindStoreDecorator::read(Attribute&, KeyList const&) const {
 }
 
 void BindStoreDecorator::getUnique(Attribute& attribute, vUtlSort::SortOrder::SortOrderType order) const {
-  if (m_indexingTable.isEmpty()) m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
+  if (m_indexingTable.isEmpty())
+    m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
   m_indexingTable->getUnique(attribute, order);
 }
 
 void BindStoreDecorator::getGroupsAndSizes(Attribute& attribute, std::vector<unsigned int>& sizes,
                                            vUtlSort::SortOrder::SortOrderType order) const {
-  if (m_indexingTable.isEmpty()) m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
+  if (m_indexingTable.isEmpty())
+    m_indexingTable = vHandle<AttributeSetIndexingTable>(new AttributeSetIndexingTable(*this));
   m_indexingTable->getGroupsAndSizes(attribute, sizes, order);
 }
 
 // --- refused ---------------------------------------------------------------------------------------
 
 void BindStoreDecorator::addInstances(unsigned int) { refuse("BindStoreDecorator::addInstances"); }
-void BindStoreDecorator::write(Attribute const&, unsigned int, unsigned int) { refuse("BindStoreDecorator::write(range)"); }
+void BindStoreDecorator::write(Attribute const&, unsigned int, unsigned int) {
+  refuse("BindStoreDecorator::write(range)");
+}
 void BindStoreDecorator::write(Attribute const&, std::vector<unsigned int> const&) {
   refuse("BindStoreDecorator::write(list)");
 }

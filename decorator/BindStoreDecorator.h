@@ -5,7 +5,8 @@
 // layouts) bound end to end, the decorated store first. The attributes are
 // the union of the stores' attributes and "STORE.ID", the 1-based ordinal
 // of the store an instance comes from, taken afresh from the stores at
-// each question; a store that lacks an attribute reads zeros for it. Read-only; reads by groups and keys are not offered.
+// each question; a store that lacks an attribute reads zeros for it. Read-only; reads by groups and keys are not
+// offered.
 
 #include <list>
 #include <vector>

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "attribute/AttributeDefinitionTable.h"
-
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "foundation/TestReleaseTree.h"
@@ -64,8 +63,12 @@ TEST_F(BindStoreDecoratorTest, StoresEndToEndWithTheirOrdinals) {
 
   expectFatal([&] { view->read(offset, 4, 6); }, "BindStoreDecorator::read(range)",
               "Could not find instances 4-6, bound Store has 5 instances.");
-  expectFatal([&] { view->read(offset, std::vector<unsigned int>{2, 9}); }, "BindStoreDecorator::read(list)",
-              "Range of list was 2-9, bound Store has 5 instances, found 9 instance in list of 2.");
+  expectFatal(
+      [&] {
+        view->read(offset, std::vector<unsigned int>{2, 9});
+      },
+      "BindStoreDecorator::read(list)",
+      "Range of list was 2-9, bound Store has 5 instances, found 9 instance in list of 2.");
   expectFatal([&] { view->read(offset, offset, 1, 1); }, "BindStoreDecorator::read", "Not implemented yet.");
   expectFatal([&] { view->write(offset, 1, 1); }, "BindStoreDecorator::write(range)", "Has not been written yet.");
   expectFatal([&] { view->getAttribute("NOPE"); }, "BindStoreDecorator::getAttribute()",

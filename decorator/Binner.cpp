@@ -84,11 +84,22 @@ void Binner::myBin(T* values, unsigned int n) const {
 
 void Binner::binValues(void* data, DataType type, unsigned int n) const {
   switch (type) {
-    case vINT16: myBin(static_cast<std::int16_t*>(data), n); break;
-    case vINT32: myBin(static_cast<std::int32_t*>(data), n); break;
-    case vINT64: myBin(static_cast<long long*>(data), n); break;
-    case vFLOAT32: myBin(static_cast<float*>(data), n); break;
-    case vFLOAT64: myBin(static_cast<double*>(data), n); break;
-    default: break;
+    case vINT16:
+      myBin(static_cast<std::int16_t*>(data), n);
+      break;
+    case vINT32:
+      myBin(static_cast<std::int32_t*>(data), n);
+      break;
+    case vINT64:
+      myBin(static_cast<long long*>(data), n);
+      break;
+    case vFLOAT32:
+      myBin(static_cast<float*>(data), n);
+      break;
+    case vFLOAT64:
+      myBin(static_cast<double*>(data), n);
+      break;
+    default:
+      break;
   }
 }

@@ -10,8 +10,8 @@
 // (noValue<T>(): the largest value of the type), UseNearestBin the value of
 // the lowest (highest) bin, anything else leaves them alone.
 
-#include <list>
 #include <limits>
+#include <list>
 
 #include "decorator/BinnerSingleBin.h"
 #include "foundation/DataType.h"

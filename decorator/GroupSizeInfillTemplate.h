@@ -44,8 +44,9 @@ class GroupSizeInfillTemplate : public InfillTemplate {
     m_keys.clear();
     m_total = 0;
     for (auto& group : m_groups) {
-      std::sort(group.second.begin(), group.second.end(),
-                [](std::pair<T, unsigned int> const& a, std::pair<T, unsigned int> const& b) { return a.first < b.first; });
+      std::sort(
+          group.second.begin(), group.second.end(),
+          [](std::pair<T, unsigned int> const& a, std::pair<T, unsigned int> const& b) { return a.first < b.first; });
       m_starts.push_back(m_total);
       m_keys.push_back(&group);
       m_total += static_cast<unsigned int>(group.second.size());
@@ -57,8 +58,9 @@ class GroupSizeInfillTemplate : public InfillTemplate {
   unsigned int getNGroups() const override { return m_nGroups; }
 
   Entry getEntry(unsigned int viewInstance) const override {
-    std::size_t const g =
-        static_cast<std::size_t>(std::upper_bound(m_starts.begin(), m_starts.end(), viewInstance - 1) - m_starts.begin()) - 1;
+    std::size_t const g = static_cast<std::size_t>(
+                              std::upper_bound(m_starts.begin(), m_starts.end(), viewInstance - 1) - m_starts.begin()) -
+                          1;
     auto const& pair = m_keys[g]->second[viewInstance - 1 - m_starts[g]];
     return Entry{static_cast<double>(m_keys[g]->first), static_cast<double>(pair.first), pair.second};
   }

@@ -41,8 +41,7 @@ void InfillAttributeSetIndexingTable::applyPaddingLimits(double minimum, double 
   m_templates.clear();
 }
 
-void InfillAttributeSetIndexingTable::getAttributePadLimits(double& minimum, double& maximum,
-                                                            double& increment) const {
+void InfillAttributeSetIndexingTable::getAttributePadLimits(double& minimum, double& maximum, double& increment) const {
   minimum = m_padMinimum;
   maximum = m_padMaximum;
   increment = m_padIncrement;
@@ -139,10 +138,14 @@ vHandle<InfillTemplate> InfillAttributeSetIndexingTable::myBuildInfillGroup() {
 template <class K>
 vHandle<InfillTemplate> InfillAttributeSetIndexingTable::myBuildForSecondary(DataType secondary) {
   switch (secondary) {
-    case vINT32: return myBuildInfillGroup<int, K>();
-    case vINT64: return myBuildInfillGroup<long long, K>();
-    case vFLOAT32: return myBuildInfillGroup<float, K>();
-    case vFLOAT64: return myBuildInfillGroup<double, K>();
+    case vINT32:
+      return myBuildInfillGroup<int, K>();
+    case vINT64:
+      return myBuildInfillGroup<long long, K>();
+    case vFLOAT32:
+      return myBuildInfillGroup<float, K>();
+    case vFLOAT64:
+      return myBuildInfillGroup<double, K>();
     default:
       Message::fatal(kLabel, 0, "Can't handle the secondary key attribute's data type%s ",
                      vUtl::dataTypeName(secondary).c_str());
@@ -161,10 +164,18 @@ InfillTemplate const& InfillAttributeSetIndexingTable::getTemplate() {
   DataType const secondary = m_below.getAttribute(m_secondary).getDataType();
   vHandle<InfillTemplate> made;
   switch (primary) {
-    case vINT32: made = myBuildForSecondary<int>(secondary); break;
-    case vINT64: made = myBuildForSecondary<long long>(secondary); break;
-    case vFLOAT32: made = myBuildForSecondary<float>(secondary); break;
-    case vFLOAT64: made = myBuildForSecondary<double>(secondary); break;
+    case vINT32:
+      made = myBuildForSecondary<int>(secondary);
+      break;
+    case vINT64:
+      made = myBuildForSecondary<long long>(secondary);
+      break;
+    case vFLOAT32:
+      made = myBuildForSecondary<float>(secondary);
+      break;
+    case vFLOAT64:
+      made = myBuildForSecondary<double>(secondary);
+      break;
     default:
       Message::fatal(kLabel, 0, "Can't handle data type %s of primary Attribute", vUtl::dataTypeName(primary).c_str());
   }

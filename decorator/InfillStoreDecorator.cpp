@@ -12,9 +12,10 @@ namespace {
 
 InfillStoreDecorator::InfillStoreDecorator(vHandle<Store> const& store, bool padWithinGroup)
     : StoreDecoratorImp(store),
-      m_infillTable(new InfillAttributeSetIndexingTable(
-          *this, *store, padWithinGroup ? InfillAttributeSetIndexingTable::PadWithinGroup
-                                        : InfillAttributeSetIndexingTable::PadToCommonRange)) {}
+      m_infillTable(new InfillAttributeSetIndexingTable(*this, *store,
+                                                        padWithinGroup
+                                                            ? InfillAttributeSetIndexingTable::PadWithinGroup
+                                                            : InfillAttributeSetIndexingTable::PadToCommonRange)) {}
 
 InfillStoreDecorator::~InfillStoreDecorator() {}
 
@@ -35,8 +36,7 @@ void InfillStoreDecorator::getAttributePadLimits(double& minimum, double& maximu
 InfillTemplate const& InfillStoreDecorator::myTemplate() const {
   if (!m_infillTable->hasKeyAttributes()) {
     KeyList const keys = m_decoratedStore->getKeyList();
-    if (keys.getNKeys() < 2)
-      Message::fatal("InfillStoreDecorator::myTemplate", 0, "Store must have at least two keys");
+    if (keys.getNKeys() < 2) Message::fatal("InfillStoreDecorator::myTemplate", 0, "Store must have at least two keys");
     m_infillTable->addKeyAttributes(keys.begin()->getName(), (keys.begin() + 1)->getName());
   }
   return m_infillTable->getTemplate();
@@ -49,8 +49,7 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
   unsigned int const n = grid.getNInstances();
   myCheckList("InfillStoreDecorator::read(list)", attribute, instances, n);
   attribute.resize(static_cast<unsigned int>(instances.size()));
-  if (!instances.empty())
-    std::memset(attribute.getPointer(1), 0, static_cast<std::size_t>(attribute.getTotalNBytes()));
+  if (!instances.empty()) std::memset(attribute.getPointer(1), 0, static_cast<std::size_t>(attribute.getTotalNBytes()));
   bool const primary = attribute.getName() == m_infillTable->getPrimaryKey();
   bool const secondary = attribute.getName() == m_infillTable->getSecondaryKey();
   std::vector<unsigned int> real;

@@ -43,7 +43,8 @@ TEST(InfillStoreDecorator, InventsTheMissingGridAsZeros) {
   EXPECT_EQ((std::vector<double>{500, 300, 0, 200, 0, 400, 100, 0}), column(*view, "VALUE"));
   Attribute value = view->getAttribute("VALUE");
   view->read(value, std::vector<unsigned int>{7, 3, 1});
-  EXPECT_EQ((std::vector<double>{100, 0, 500}), (std::vector<double>{value.getValue(1), value.getValue(2), value.getValue(3)}));
+  EXPECT_EQ((std::vector<double>{100, 0, 500}),
+            (std::vector<double>{value.getValue(1), value.getValue(2), value.getValue(3)}));
   Attribute groups = view->getAttribute("GROUP");
   std::vector<unsigned int> sizes;
   view->getGroupsAndSizes(groups, sizes, vUtlSort::SortOrder::ASCENDING);
@@ -88,12 +89,18 @@ TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
       EXPECT_EQ(14u, view->getNInstances());
   }
 
-  expectFatal([] { StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances(); },
-              "InfillAttributeSetIndexingTable::myBuildInfillGroup", "Duplicate sub-set value found in group <1.000000>\n");
-  expectFatal([] { StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances(); },
-              "InfillAttributeSetIndexingTable::myBuildInfillGroup",
-              "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
-              "determined increment <4.000000>\n");
+  expectFatal(
+      [] {
+        StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances();
+      },
+      "InfillAttributeSetIndexingTable::myBuildInfillGroup", "Duplicate sub-set value found in group <1.000000>\n");
+  expectFatal(
+      [] {
+        StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances();
+      },
+      "InfillAttributeSetIndexingTable::myBuildInfillGroup",
+      "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
+      "determined increment <4.000000>\n");
   InfillStoreDecorator infill(gridStore({1}, {1}), false);
   infill.addKeyAttributes("GROUP", "X");
   expectFatal([&] { infill.addKeyAttributes("GROUP", "VALUE"); }, "InfillAttributeSetIndexingTable::addKeyAttributes",

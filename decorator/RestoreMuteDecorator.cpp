@@ -74,7 +74,8 @@ void RestoreMuteDecorator::getAttributeList(std::list<Attribute>& attributes) co
 std::list<Attribute> RestoreMuteDecorator::getAttributeList(vUCString const& text,
                                                             AttributeMatch::AttributeMatchType match) const {
   std::list<Attribute> result;
-  for (Attribute const& below : m_decoratedStore->getAttributeList(text, match)) result.push_back(getAttribute(below.getName()));
+  for (Attribute const& below : m_decoratedStore->getAttributeList(text, match))
+    result.push_back(getAttribute(below.getName()));
   return result;
 }
 
@@ -137,8 +138,7 @@ void RestoreMuteDecorator::create(FullStoreName const&, vLCString const&, vLCStr
                                   StoreCreationOptions const*) {
   refuse("RestoreMuteDecorator::create(fsn)");
 }
-void RestoreMuteDecorator::update(vLCString const&, int, vLCString const&, vLCString const&,
-                                  StoreOpenOptions const*) {
+void RestoreMuteDecorator::update(vLCString const&, int, vLCString const&, vLCString const&, StoreOpenOptions const*) {
   refuse("RestoreMuteDecorator::update(storename)");
 }
 void RestoreMuteDecorator::update(FullStoreName const&, vLCString const&, vLCString const&, StoreOpenOptions const*) {

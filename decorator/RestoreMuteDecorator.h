@@ -19,8 +19,8 @@ class RestoreMuteDecorator : public StoreDecoratorImp {
 
   void create(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
               StoreCreationOptions const* options) override;
-  void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass,
-              KeyList const& keys, StoreCreationOptions const* options) override;
+  void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
+              StoreCreationOptions const* options) override;
   void update(vLCString const& name, int version, vLCString const& className, vLCString const& subClass,
               StoreOpenOptions const* options) override;
   void update(FullStoreName const& name, vLCString const& className, vLCString const& subClass,

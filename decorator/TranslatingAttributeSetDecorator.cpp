@@ -44,8 +44,8 @@ void TranslatingAttributeSetDecorator::getAttributeList(std::list<Attribute>& at
   attributes = myGetAttributeList();
 }
 
-std::list<Attribute> TranslatingAttributeSetDecorator::getAttributeList(vUCString const& text,
-                                                                        AttributeMatch::AttributeMatchType match) const {
+std::list<Attribute> TranslatingAttributeSetDecorator::getAttributeList(
+    vUCString const& text, AttributeMatch::AttributeMatchType match) const {
   std::list<Attribute> result;
   for (Attribute const& attribute : myGetAttributeList())
     if (attribute.getClass() == text || (match == 1 && attribute.getClass().isEmpty())) result.push_back(attribute);
@@ -121,8 +121,7 @@ void TranslatingAttributeSetDecorator::read(Attribute& attribute, KeyList const&
   myConvertAndTransferReadData(attribute, *capi);
 }
 
-void TranslatingAttributeSetDecorator::getUnique(Attribute& attribute,
-                                                 vUtlSort::SortOrder::SortOrderType order) const {
+void TranslatingAttributeSetDecorator::getUnique(Attribute& attribute, vUtlSort::SortOrder::SortOrderType order) const {
   vHandle<Attribute> capi = myCreateAttributeToBeRead(attribute);
   m_decoratedSet->getUnique(*capi, order);
   myConvertAndTransferReadData(attribute, *capi);
@@ -158,8 +157,8 @@ Attribute TranslatingAttributeSetDecorator::myConvertGroup(Attribute const& grou
   // and type cross over.
   if (groups.getNInstances() == 0) return myTranslationTable().convertToCapi(groups);
   if (lastGroup == 0) lastGroup = groups.getNInstances();
-  Attribute part(groups.getName(), groups.getClass(), groups.getDataType(), groups.getLength(),
-                 groups.getSampleRate(), groups.getFirstTime());
+  Attribute part(groups.getName(), groups.getClass(), groups.getDataType(), groups.getLength(), groups.getSampleRate(),
+                 groups.getFirstTime());
   unsigned int count = lastGroup >= firstGroup && firstGroup > 0 ? lastGroup - firstGroup + 1 : 0;
   if (count > 0) part.copyData(count, groups.getPointer(firstGroup));
   return myTranslationTable().convertToCapi(part);

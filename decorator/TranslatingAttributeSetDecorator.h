@@ -28,8 +28,8 @@ class TranslatingAttributeSetDecorator : public AttributeSetDecorator {
   explicit TranslatingAttributeSetDecorator(vHandle<AttributeSet> const& set);
   ~TranslatingAttributeSetDecorator() override;
 
-  void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass,
-              KeyList const& keys, StoreCreationOptions const* options) override;
+  void create(FullStoreName const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
+              StoreCreationOptions const* options) override;
   void create(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
               StoreCreationOptions const* options) override;
   void close() override;

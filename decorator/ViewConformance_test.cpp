@@ -3,10 +3,10 @@
 // hold the reference content.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <string>
-#include <unistd.h>
 
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
@@ -114,9 +114,7 @@ void segyViewTexts(StoreConformanceCase& c) {
 
 StoreConformanceCase translating(char const* name, vHandle<Store> (*below)()) {
   StoreConformanceCase c(name);
-  c.openForReading = [below] {
-    return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(below())));
-  };
+  c.openForReading = [below] { return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(below()))); };
   c.texts.unknownDefinition = "Attrbute '%s' does not exist.";
   if (below == &segyReference)
     segyTexts(c);
