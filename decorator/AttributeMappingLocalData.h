@@ -41,6 +41,7 @@ class AttributeMappingDecorator::LocalData {
   // appended to the store, which the first write makes.
   void write(AttributeSet const& source, std::vector<unsigned int> const& instances);
   bool isStoreCreated() const { return m_created; }
+  bool isWriteMode() const { return m_writeMode; }
 
   // The attribute's values over the store's instances.
   void read(Attribute& attribute, unsigned int first, unsigned int last) const;

@@ -7,6 +7,16 @@
 #include "foundation/Message.h"
 #include "project/Store.h"
 
+// The loops over columns may write into one of their inputs, element by
+// element, which leaves nothing for the vectoriser to check.
+#if defined(__clang__)
+#define MAPPING_NO_ALIAS _Pragma("clang loop vectorize(assume_safety)")
+#elif defined(__GNUC__)
+#define MAPPING_NO_ALIAS _Pragma("GCC ivdep")
+#else
+#define MAPPING_NO_ALIAS
+#endif
+
 namespace {
 
 char const* const kNameChars = "\\0123456789_.abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -126,14 +136,14 @@ void binary(ColumnEntry const& a, ColumnEntry const& b, double* out, std::size_t
   double const* y = b.data;
   if (a.scalar) {
     double const v = a.value;
-#pragma GCC ivdep
+    MAPPING_NO_ALIAS
     for (std::size_t i = 0; i < n; ++i) out[i] = op(v, y[i]);
   } else if (b.scalar) {
     double const v = b.value;
-#pragma GCC ivdep
+    MAPPING_NO_ALIAS
     for (std::size_t i = 0; i < n; ++i) out[i] = op(x[i], v);
   } else {
-#pragma GCC ivdep
+    MAPPING_NO_ALIAS
     for (std::size_t i = 0; i < n; ++i) out[i] = op(x[i], y[i]);
   }
 }
