@@ -63,3 +63,29 @@ vHandle<Store> StoreDecoratorFactory::removeAllDecorators(vHandle<Store> store) 
     current = below;
   }
 }
+
+vHandle<Store> StoreDecoratorFactory::addAttributeMapping(vHandle<Store> store, vFilename const& file) {
+  AttributeMappingDecorator* mapping = new AttributeMappingDecorator(store);
+  vHandle<Store> handle(mapping);
+  mapping->processExpression(file);
+  return handle;
+}
+
+vHandle<Store> StoreDecoratorFactory::addBin(vHandle<Store> store, Binner const& binner, Attribute const& attribute) {
+  BinDecorator* bin = new BinDecorator(store);
+  vHandle<Store> handle(bin);
+  bin->open(binner, attribute);
+  return handle;
+}
+
+vHandle<Store> StoreDecoratorFactory::addRestoreMute(vHandle<Store> store) {
+  return vHandle<Store>(new RestoreMuteDecorator(store));
+}
+
+vHandle<Store> StoreDecoratorFactory::addBind(vHandle<Store> store, vHandle<BindStoreDecorator>& decorator) {
+  return addDecorator(store, decorator);
+}
+
+vHandle<Store> StoreDecoratorFactory::addInfill(vHandle<Store> store) {
+  return vHandle<Store>(new InfillStoreDecorator(store, false));
+}

@@ -10,10 +10,15 @@
 // Removing a decorator does not close it: it goes with its last handle, and
 // it leaves the decorator holding an empty handle.
 
+#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/AttributeSelectDecorator.h"
+#include "decorator/BinDecorator.h"
+#include "decorator/BindStoreDecorator.h"
 #include "decorator/ConcatStoreDecorator.h"
 #include "decorator/GatherStoreDecorator.h"
+#include "decorator/InfillStoreDecorator.h"
 #include "decorator/MergeStoreDecorator.h"
+#include "decorator/RestoreMuteDecorator.h"
 #include "decorator/ScratchStoreDecorator.h"
 #include "decorator/SelectStoreDecorator.h"
 #include "decorator/SortStoreDecorator.h"
@@ -32,6 +37,16 @@ class StoreDecoratorFactory {
     return vHandle_cast<Store>(decorator);
   }
 
+  // The store under the schema of a mapping file.
+  static vHandle<Store> addAttributeMapping(vHandle<Store> store, vFilename const& file);
+  // The values of attribute snapped to the bins of binner.
+  static vHandle<Store> addBin(vHandle<Store> store, Binner const& binner, Attribute const& attribute);
+  // Stores bound end to end, store first; more through addStore.
+  static vHandle<Store> addBind(vHandle<Store> store, vHandle<BindStoreDecorator>& decorator);
+  // The key grid of a two-key store completed, over the range of all groups.
+  static vHandle<Store> addInfill(vHandle<Store> store);
+  // Vector attributes shown from time zero, their leading mute restored.
+  static vHandle<Store> addRestoreMute(vHandle<Store> store);
   // A store that is closed and deleted from its project when its last
   // handle goes (or at its close).
   static vHandle<Store> addScratch(vHandle<Store> store);

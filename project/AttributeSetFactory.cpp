@@ -120,11 +120,19 @@ vHandle<AttributeSet> AttributeSetFactory::create(vHandle<Project> project) {
     return set;
   }
   vHandle<AttributeSet> set = mySetWrapper("AttributeSetDecorators", myMakeSet(project));
-  ProjectType::PROJECT_TYPE type = project->getProjectType();
-  if ((type == ProjectType::NOTYPE || type == ProjectType::RONDO) &&
-      SystemPropertyManager::hasSystemProperty("CAPI", "TRANSLATIONS"))
+  if (myWantsTranslation(project->getProjectType()))
     set = myDecorate("AttributeSetFactory::create", kTranslating, set);
   return set;
+}
+
+// Translation is switched on by the site ("TRANSLATIONS" of "CAPI" there,
+// its first value not "no"), and applies to the project types whose
+// vocabulary has a translation table: Rondo and Kelp.
+bool AttributeSetFactory::myWantsTranslation(ProjectType::PROJECT_TYPE type) {
+  if (type != ProjectType::RONDO && type != ProjectType::KELP) return false;
+  if (!SystemPropertyManager::hasSystemProperty("CAPI", "TRANSLATIONS")) return false;
+  SystemProperty property = SystemPropertyManager::getSystemProperty("CAPI", "TRANSLATIONS");
+  return property.getValues().empty() || property.getValues().front().stricmp("no") != 0;
 }
 
 vHandle<AttributeSet> AttributeSetFactory::mySetWrapper(vUCString const& propertyName, vHandle<AttributeSet> set) {
@@ -136,7 +144,7 @@ vHandle<AttributeSet> AttributeSetFactory::mySetWrapper(vUCString const& propert
     if (word == "PROFILING")
       set = myDecorate(label, kProfiling, set);
     else if (word == "TRANSLATING")
-      set = myDecorate(label, kTranslating, set);
+      continue;  // create() decides on translation by its own rule
     else
       Message::error(label, 0, "Unknown decorator request %s, ignored.", word.c_str());
   }

@@ -13,10 +13,11 @@
 //
 // Each set made is then wrapped as the site configures it: the system
 // property "AttributeSetDecorators" of section "capi" lists decorators by
-// name ("PROFILING" for ProfilingAttributeSetDecorator, "TRANSLATING" for
-// TranslatingAttributeSetDecorator), and when the property "TRANSLATIONS"
-// of section "CAPI" exists, the sets of NoType and Rondo projects get a
-// translating decorator on top.
+// name ("PROFILING" for ProfilingAttributeSetDecorator; "TRANSLATING" is
+// accepted and left to the next rule, so that a set is never translated
+// twice), and when the property "TRANSLATIONS" of section "CAPI" exists
+// and its first value is not "no", the sets of Rondo and Kelp projects get
+// a TranslatingAttributeSetDecorator on top.
 //
 // Apart from CapiAttributeSetW, which lives in this layer, the classes are
 // known by name and made by the makers that registerRondoClasses() gives
@@ -60,6 +61,7 @@ class AttributeSetFactory {
   static std::list<vHandle<AttributeSet> >& myPushedSets();
   static vHandle<AttributeSet> myMakeSet(vHandle<Project> const& project);
   static vHandle<AttributeSet> myMake(char const* label, char const* className, vHandle<Project> const& project);
+  static bool myWantsTranslation(ProjectType::PROJECT_TYPE type);
   static vHandle<AttributeSet> myDecorate(char const* label, char const* className, vHandle<AttributeSet> const& set);
 };
 

@@ -3,7 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/segy/SegyDiskStore.h"
@@ -58,6 +61,10 @@ vHandle<AttributeSet> makeProfilingDecorator(vHandle<AttributeSet> const& set) {
   return vHandle<AttributeSet>(new ProfilingAttributeSetDecorator(set));
 }
 
+vHandle<AttributeSet> makeTranslatingDecorator(vHandle<AttributeSet> const& set) {
+  return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(set));
+}
+
 }  // namespace
 
 void registerRondoClasses() {
@@ -65,13 +72,18 @@ void registerRondoClasses() {
   Store::setInMemoryStoreView(&InMemoryStore::asAttributeSet);
   // The stores and attribute sets of UnitTest projects, and the attribute
   // set views that the site's configuration may ask for. The file stores,
-  // the database store and the translating view join here as they are
+  // the database store join here as they are
   // linked in; until then a file of their format is one that this build
   // cannot handle, and the others are reported as not available.
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
+  AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", &makeTranslatingDecorator);
+  // The mapping file of a store that the factory maps (a Nyx store), and the
+  // view that applies it.
+  StoreFactory::registerAttributeMapping(
+      {&AttributeMappingDecorator::resolveMapFilename, &StoreDecoratorFactory::addAttributeMapping});
   // The client proxies, through which the catalogs, projects and sets of a
   // data server are reached; the database projects join here as they are
   // linked in.

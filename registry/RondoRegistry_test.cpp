@@ -7,7 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/segy/SegyDiskStore.h"
@@ -139,6 +142,21 @@ TEST_F(FactoriesTest, TheAttributeSetNameGoesToTheStoreAsSubclass) {
   vHandle<Store> opened = StoreFactory::openStore(d, "picks", nullptr);
   EXPECT_TRUE(opened->isOpen());
   opened->close();
+}
+
+// The translating set view and the attribute mapping of stores that the
+// factory maps.
+TEST_F(FactoriesTest, TranslatingAndMappingViewsAreGiven) {
+  AttributeSetFactory::DecoratorMaker maker = AttributeSetFactory::getDecoratorMaker("TranslatingAttributeSetDecorator");
+  ASSERT_NE(nullptr, maker);
+  vHandle<AttributeSet> bare(new InMemoryAttributeSet(vHandle<Project>()));
+  EXPECT_NE(nullptr, dynamic_cast<TranslatingAttributeSetDecorator*>(maker(bare).get()));
+
+  StoreFactory::AttributeMapping const mapping = StoreFactory::registerAttributeMapping({nullptr, nullptr});
+  StoreFactory::registerAttributeMapping(mapping);
+  bool (*resolve)(vFilename const&, vString const&, vFilename&) = &AttributeMappingDecorator::resolveMapFilename;
+  EXPECT_EQ(resolve, mapping.resolve);
+  EXPECT_EQ(&StoreDecoratorFactory::addAttributeMapping, mapping.apply);
 }
 
 TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {

@@ -1,0 +1,82 @@
+#include "decorator/BinDecorator.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "decorator/DecoratorTesting.h"
+#include "decorator/StoreDecoratorFactory.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+TEST(Binner, SnapsToBinsAndTreatsValuesOutside) {
+  Binner binner;
+  binner.addBins(10, 20, 10, 4);
+  EXPECT_EQ(2u, binner.numberOfBins());
+  EXPECT_EQ(std::list<double>{4}, binner.getOriginalWidths());
+  struct Case {
+    Binner::UnbinnedValueOptions option;
+    double in;
+    double out;
+  } const cases[] = {
+      {Binner::SetNoValue, 11, 10},
+      {Binner::SetNoValue, 15, 15},
+      {Binner::SetNoValue, 8, 10},
+      {Binner::SetNoValue, 22, 20},
+      {Binner::UseNearestBin, 5, 10},
+      {Binner::UseNearestBin, 99, 20},
+      {Binner::LeaveAlone, 5, 5},
+      {Binner::LeaveAlone, 22.5, 22.5},
+      {Binner::SetNoValue, 5, std::numeric_limits<double>::max()},
+  };
+  for (Case const& c : cases) {
+    binner.setLowerOption(c.option);
+    binner.setUpperOption(c.option);
+    double v = c.in;
+    binner.binValues(&v, vFLOAT64, 1);
+    EXPECT_EQ(c.out, v) << c.in << " option " << c.option;
+  }
+  int ints[] = {4, 12, 30};
+  binner.setLowerOption(Binner::SetNoValue);
+  binner.setUpperOption(Binner::UseNearestBin);
+  binner.binValues(ints, vINT32, 3);
+  EXPECT_EQ(std::numeric_limits<int>::max(), ints[0]);
+  EXPECT_EQ(10, ints[1]);
+  EXPECT_EQ(20, ints[2]);
+
+  // Touching bins: the first listed wins; a walk downwards; a single bin
+  // sits round the maximum with the minimum as its value.
+  Binner touching;
+  touching.addBins(0, 4, 2, 2);
+  touching.addBins(30, 20, -10, 2);
+  touching.addBins(7, 100, 0, 1);
+  double values[] = {1, 3, 21, 30, 100.5, 99.4};
+  touching.binValues(values, vFLOAT64, 6);
+  EXPECT_EQ((std::vector<double>{0, 2, 20, 30, 7, 99.4}), std::vector<double>(values, values + 6));
+  EXPECT_EQ(6u, touching.numberOfBins());
+}
+
+// Select over sort over bin: OFFSET binned to 150 and 300, sorted by it
+// descending (ELEV ascending among equals), the 300s kept.
+TEST(BinDecorator, StacksUnderSortAndSelect) {
+  Binner binner;
+  binner.addBins(150, 300, 150, 120);
+  vHandle<Store> store = StoreDecoratorFactory::addBin(referenceStore(), binner, Attribute("OFFSET", "", vINT32));
+  std::vector<double> binned = values(*store, "OFFSET");
+  binned.resize(6);
+  EXPECT_EQ((std::vector<double>{150, 150, 300, 150, 150, 300}), binned);
+  vHandle<SortStoreDecorator> sort;
+  store = StoreDecoratorFactory::addSort(store, sort);
+  sort->addSortKey("OFFSET", vUtlSort::SortOrder::DESCENDING);
+  sort->addSortKey("ELEV", vUtlSort::SortOrder::ASCENDING);
+  vHandle<SelectStoreDecorator> select;
+  store = StoreDecoratorFactory::addSelect(store, select);
+  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("far", "OFFSET", 200, 400)));
+  EXPECT_EQ(4u, store->getNInstances());
+  EXPECT_EQ((std::vector<double>{300, 300, 300, 300}), values(*store, "OFFSET"));
+  EXPECT_EQ((std::vector<double>{1001.5, 1003, 1004.5, 1006}), values(*store, "ELEV"));
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+#include "decorator/BindStoreDecorator.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "attribute/AttributeDefinitionTable.h"
+#include "decorator/DecoratorTesting.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "foundation/TestReleaseTree.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+// The shipped vocabulary, which defines "STORE.ID".
+class BindStoreDecoratorTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::ifstream in(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/AttributeDefTable4.txt");
+    std::stringstream text;
+    text << in.rdbuf();
+    tree.writeSystemFile("AttributeDefTable4.txt", text.str());
+    AttributeDefinitionTable::instance().dropTable();
+  }
+  void TearDown() override { AttributeDefinitionTable::instance().dropTable(); }
+  TestReleaseTree tree;
+};
+
+// Reference instances 1-3 and 4-5 (the second without ELEV).
+vHandle<Store> part(Layout const& layout, bool withElev = true) {
+  vHandle<Store> store = openStore(layoutShelf(layout));
+  if (!withElev) {
+    vHandle<AttributeSelectDecorator> select;
+    store = StoreDecoratorFactory::addAttributeSelect(store, select);
+    select->selectAttributes({"CDP", "OFFSET", "TRACE"});
+  }
+  return store;
+}
+
+TEST_F(BindStoreDecoratorTest, StoresEndToEndWithTheirOrdinals) {
+  vHandle<BindStoreDecorator> bind;
+  vHandle<Store> view = StoreDecoratorFactory::addBind(part({1, 2, 3}), bind);
+  bind->addStore(part({4, 5}, false));
+  EXPECT_EQ(5u, view->getNInstances());
+  EXPECT_EQ((std::vector<std::string>{"CDP", "OFFSET", "ELEV", "TRACE", "STORE.ID"}), names(view->getAttributeList()));
+  EXPECT_EQ(vINT32, view->getAttribute("STORE.ID").getDataType());
+  EXPECT_EQ((std::vector<double>{1, 1, 1, 2, 2}), values(*view, "STORE.ID"));
+  EXPECT_EQ((std::vector<double>{1000.5, 1001, 1001.5, 0, 0}), values(*view, "ELEV"));
+  Attribute id = view->getAttribute("STORE.ID");
+  view->read(id, std::vector<unsigned int>{5, 1});
+  EXPECT_EQ(2, id.getInt32(1));
+  EXPECT_EQ(1, id.getInt32(2));
+  Attribute offset = view->getAttribute("OFFSET");
+  view->read(offset, std::vector<unsigned int>{5, 1, 4, 3});
+  EXPECT_EQ((std::vector<int>{200, 100, 100, 300}),
+            (std::vector<int>{offset.getInt32(1), offset.getInt32(2), offset.getInt32(3), offset.getInt32(4)}));
+  Attribute trace = view->getAttribute("TRACE");
+  view->read(trace, 3, 4);
+  EXPECT_EQ(35.0f, trace.getFloat32Pointer(1)[4]);
+  EXPECT_EQ(41.0f, trace.getFloat32Pointer(2)[0]);
+
+  expectFatal([&] { view->read(offset, 4, 6); }, "BindStoreDecorator::read(range)",
+              "Could not find instances 4-6, bound Store has 5 instances.");
+  expectFatal(
+      [&] {
+        view->read(offset, std::vector<unsigned int>{2, 9});
+      },
+      "BindStoreDecorator::read(list)",
+      "Range of list was 2-9, bound Store has 5 instances, found 9 instance in list of 2.");
+  expectFatal([&] { view->read(offset, offset, 1, 1); }, "BindStoreDecorator::read", "Not implemented yet.");
+  expectFatal([&] { view->write(offset, 1, 1); }, "BindStoreDecorator::write(range)", "Has not been written yet.");
+  expectFatal([&] { view->getAttribute("NOPE"); }, "BindStoreDecorator::getAttribute()",
+              "Attribute 'NOPE' is not in store.");
+  expectFatal([&] { view->openAttributeSet("other"); }, "BindStoreDecorator::openAttributeSet",
+              "Attribute set 'other' does not exist!");
+}
+
+TEST_F(BindStoreDecoratorTest, OnlyStoresOfOneShapeBind) {
+  vHandle<BindStoreDecorator> bind;
+  StoreDecoratorFactory::addBind(part({1, 2}), bind);
+  vHandle<Store> twoD(new TestMemoryStore(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  KeyList oneKey;
+  oneKey.addKey(StoreConformance::referenceDefinition("CDP"));
+  twoD->create("onekey", "seismic", "3d", oneKey, nullptr);
+  expectFatal([&] { bind->addStore(twoD); }, "BindStoreDecorator::addStore",
+              "Store onekey has 1 keys while existing Store(s) in binding have 2 keys.");
+  EXPECT_EQ(1u, bind->getStores().size());
+}
+
+}  // namespace

@@ -1,0 +1,110 @@
+#include "decorator/InfillStoreDecorator.h"
+
+#include <gtest/gtest.h>
+
+#include "decorator/DecoratorTesting.h"
+#include "decorator/StoreDecoratorFactory.h"
+#include "filestore/memory/InMemoryStore.h"
+#include "foundation/TestReleaseTree.h"
+
+using namespace decorator_testing;
+
+namespace {
+
+// Keys GROUP and X with the given values, and VALUE = 100 * instance.
+vHandle<Store> gridStore(std::vector<int> const& groups, std::vector<double> const& xs, DataType xType = vINT32) {
+  vHandle<InMemoryStore> store(new InMemoryStore(vHandle<Project>()));
+  KeyList keys;
+  keys.addKey(Attribute("GROUP", "GROUP", vINT32));
+  keys.addKey(Attribute("X", "X", xType));
+  store->create("grid", "seismic", "3d", keys, nullptr);
+  unsigned int const n = static_cast<unsigned int>(groups.size());
+  store->addInstances(n);
+  Attribute g("GROUP", "GROUP", vINT32), x("X", "X", xType), v("VALUE", "", vFLOAT64);
+  store->addAttribute(v);
+  for (Attribute* a : {&g, &x, &v}) a->resize(n);
+  for (unsigned int i = 1; i <= n; ++i) {
+    g.setValue(i, groups[i - 1]);
+    x.setValue(i, xs[i - 1]);
+    v.setValue(i, 100.0 * i);
+  }
+  for (Attribute* a : {&g, &x, &v}) store->write(*a, 1, n);
+  return vHandle_cast<Store>(store);
+}
+
+std::vector<double> column(Store const& store, char const* name) { return values(store, name); }
+
+TEST(InfillStoreDecorator, InventsTheMissingGridAsZeros) {
+  // Stored out of order: group 2 first, group 1 descending.
+  vHandle<Store> view = StoreDecoratorFactory::addInfill(gridStore({2, 1, 1, 2, 1}, {30, 40, 20, 20, 10}));
+  EXPECT_EQ(8u, view->getNInstances());
+  EXPECT_EQ((std::vector<double>{1, 1, 1, 1, 2, 2, 2, 2}), column(*view, "GROUP"));
+  EXPECT_EQ((std::vector<double>{10, 20, 30, 40, 10, 20, 30, 40}), column(*view, "X"));
+  EXPECT_EQ((std::vector<double>{500, 300, 0, 200, 0, 400, 100, 0}), column(*view, "VALUE"));
+  Attribute value = view->getAttribute("VALUE");
+  view->read(value, std::vector<unsigned int>{7, 3, 1});
+  EXPECT_EQ((std::vector<double>{100, 0, 500}),
+            (std::vector<double>{value.getValue(1), value.getValue(2), value.getValue(3)}));
+  Attribute groups = view->getAttribute("GROUP");
+  std::vector<unsigned int> sizes;
+  view->getGroupsAndSizes(groups, sizes, vUtlSort::SortOrder::ASCENDING);
+  EXPECT_EQ((std::vector<unsigned int>{4, 4}), sizes);
+  // Reads by group through the view's own numbering.
+  view->read(value, groups, 2, 2);
+  EXPECT_EQ(400, value.getValue(2));
+
+  expectFatal([&] { view->read(value, 3, 2); }, "InfillStoreDecorator::doReadRange",
+              "First instance value <3>is greater than last instance value <2>");
+  expectFatal([&] { view->write(value, 1, 1); }, "InfillStoreDecorator::write(const Attribute&,vInstance,vInstance)",
+              "Not implemented");
+}
+
+TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
+  EXPECT_TRUE(InfillAttributeSetIndexingTable::boundsCheckOk(10.0009, 0, 10));
+  EXPECT_FALSE(InfillAttributeSetIndexingTable::boundsCheckOk(10.02, 0, 10));
+  EXPECT_TRUE(InfillAttributeSetIndexingTable::boundsCheckOk(0.30000000000000004, 0.1, 0.1));
+
+  // Floating keys on a 0.25 grid; each group over its own range.
+  vHandle<Store> own(new InfillStoreDecorator(gridStore({1, 1, 2, 2}, {0.5, 1.25, 2, 2.25}, vFLOAT32), true));
+  EXPECT_EQ((std::vector<double>{0.5, 0.75, 1, 1.25, 2, 2.25}), column(*own, "X"));
+
+  // Pad limits widen the range; they must hold the values and lie on the grid.
+  struct Case {
+    double low, high;
+    char const* fatal;
+  } const cases[] = {
+      {-10, 50, nullptr},
+      {20, 50, "User set limit 20.000000 is less than attribute's lower value 10.000000"},
+      {10, 30, "User set limit 30.000000 is less than attribute's upper value 40.000000"},
+      {5, 50, "User set limit 5.000000 is not on a 10.000000 boundary"},
+      {10, 55, "User set limit 55.000000 is not on a 10.000000 boundary. Determined end value <40.000000>"},
+  };
+  for (Case const& c : cases) {
+    InfillStoreDecorator* infill = new InfillStoreDecorator(gridStore({1, 1, 1, 2, 2}, {10, 20, 40, 20, 30}), false);
+    vHandle<Store> view(infill);
+    infill->applyPaddingLimits(c.low, c.high, 10);
+    if (c.fatal)
+      expectFatal([&] { view->getNInstances(); }, "InfillAttributeSetIndexingTable::myBuildInfillGroup", c.fatal);
+    else
+      EXPECT_EQ(14u, view->getNInstances());
+  }
+
+  expectFatal(
+      [] {
+        StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances();
+      },
+      "InfillAttributeSetIndexingTable::myBuildInfillGroup", "Duplicate sub-set value found in group <1.000000>\n");
+  expectFatal(
+      [] {
+        StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances();
+      },
+      "InfillAttributeSetIndexingTable::myBuildInfillGroup",
+      "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
+      "determined increment <4.000000>\n");
+  InfillStoreDecorator infill(gridStore({1}, {1}), false);
+  infill.addKeyAttributes("GROUP", "X");
+  expectFatal([&] { infill.addKeyAttributes("GROUP", "VALUE"); }, "InfillAttributeSetIndexingTable::addKeyAttributes",
+              "Can't reset infilled attribute name. Currently using attribute X");
+}
+
+}  // namespace
