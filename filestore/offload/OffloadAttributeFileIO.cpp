@@ -1,0 +1,295 @@
+// Reads and writes of OffloadAttributeFile: records into the window,
+// values out of it.
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "filestore/offload/OffloadAttributeFile.h"
+#include "filestore/offload/OffloadCompression.h"
+#include "foundation/Message.h"
+#include "foundation/vUtl.h"
+
+namespace {
+unsigned int const kWindow = 4096;
+}  // namespace
+
+void OffloadAttributeFile::myReadRecords(long long record, unsigned int count, char* target) {
+  // count 0: as many bytes as the target's block needs, read by the caller's
+  // size below.
+  long long bytes = static_cast<long long>(count) * 4LL * m_header[7];
+  if (count == 0) {
+    if (record == m_header[31]) bytes = 4LL * m_header[5];
+    else bytes = 4LL * m_header[9] * m_header[10];
+  }
+  if (bytes == 0) return;
+  long long const got = m_file.read(record, target, bytes);
+  if (got != bytes || !m_file.isGood()) {
+    int const status = m_file.getStatus();
+    m_file.clear();
+    long long const recordBytes = 4LL * m_header[7];
+    Message::fatal("OffloadAttributeFile::myReadRecords", 0,
+                   "Failed to do a partial read against the datafile (fileOffset=%d, nbytes=%d, frecord=%d, "
+                   "lrecord=%d, status=%d)!",
+                   static_cast<int>((record - 1) * recordBytes), static_cast<int>(bytes), static_cast<int>(record),
+                   static_cast<int>(record + (bytes - 1) / recordBytes), status);
+  }
+}
+
+void OffloadAttributeFile::myCheckRange(unsigned int first, unsigned int last) {
+  char const* const label = "OffloadAttributeFile::readRange";
+  long long const n = getNInstances();
+  if (first < 1) Message::fatal(label, 0, "First instance must be >0, yours was %lld", static_cast<long long>(first));
+  if (first > last)
+    Message::fatal(label, 0, "First instance %lld must be <= last instance %lld.", static_cast<long long>(first),
+                   static_cast<long long>(last));
+  if (last > n)
+    Message::fatal(label, 0, "Last instance %lld must be <= number of instances %lld.", static_cast<long long>(last),
+                   n);
+}
+
+int OffloadAttributeFile::myTraceSamples() const { return m_header[2] - m_header[18]; }
+
+void OffloadAttributeFile::readRange(Attribute& attribute, unsigned int first, unsigned int last) {
+  myOpenFile();
+  if (last == 0) last = getNInstances();
+  myCheckRange(first, last);
+  Attribute const& definition = myDefinition("OffloadAttributeFile::readRange", attribute.getName());
+  if (attribute.getLength() != definition.getLength() || attribute.getDataType() == vNOTYPE)
+    attribute = Attribute(definition.getName(), attribute.getClass(),
+                          attribute.getDataType() == vNOTYPE ? definition.getDataType() : attribute.getDataType(),
+                          definition.getLength(), definition.getSampleRate(), definition.getFirstTime());
+  if (getOffset(attribute) < 0) {
+    myGenerate(attribute, first, last);
+    return;
+  }
+  unsigned int liveFirst = first, liveLast = last;
+  while (liveFirst <= last && m_fold[liveFirst - 1] == 0) ++liveFirst;
+  while (liveLast >= liveFirst && liveLast > 0 && m_fold[liveLast - 1] == 0) --liveLast;
+  attribute.resize(last - first + 1);
+  if (liveFirst > liveLast) {
+    myZapDead(attribute, first, last, last + 1, last);
+    return;
+  }
+  if (m_buffer.empty() || liveFirst < m_bufferFirst || liveLast > m_bufferLast) {
+    // A window reaches on past short requests, so that reading trace by
+    // trace touches the file once per window.
+    unsigned int windowLast = std::max(liveLast, std::min(getNInstances(), liveFirst + kWindow - 1));
+    while (windowLast > liveLast && m_fold[windowLast - 1] == 0) --windowLast;
+    myLoadRecords(liveFirst, windowLast);
+  }
+  myExtract(attribute, first, last);
+  myZapDead(attribute, first, last, liveFirst, liveLast);
+}
+
+void OffloadAttributeFile::extractRange(Attribute& attribute, unsigned int first, unsigned int last) {
+  myOpenFile();
+  myCheckRange(first, last);
+  Attribute const& definition = myDefinition("OffloadAttributeFile::extractRange", attribute.getName());
+  if (getOffset(definition) < 0) {
+    myGenerate(attribute, first, last);
+    return;
+  }
+  if (m_buffer.empty() || first < m_bufferFirst || last > m_bufferLast)
+    Message::fatal("OffloadAttributeFile::extractRange", 0, "Instances %d to %d are not in the buffer.",
+                   static_cast<int>(first), static_cast<int>(last));
+  attribute.resize(last - first + 1);
+  myExtract(attribute, first, last);
+}
+
+void OffloadAttributeFile::cacheRange(unsigned int first, unsigned int last) {
+  myOpenFile();
+  myCheckRange(first, last);
+  myLoadRecords(first, last);
+}
+
+void OffloadAttributeFile::readList(Attribute& attribute, std::vector<unsigned int> const& instances) {
+  myOpenFile();
+  Attribute one(attribute);
+  std::vector<Attribute> parts;
+  Attribute result(attribute);
+  result.resize(static_cast<unsigned int>(instances.size()));
+  for (std::size_t k = 0; k < instances.size(); ++k) {
+    readRange(one, instances[k], instances[k]);
+    if (k == 0) {
+      result = Attribute(one.getName(), one.getClass(), one.getDataType(), one.getLength(), one.getSampleRate(),
+                         one.getFirstTime());
+      result.resize(static_cast<unsigned int>(instances.size()));
+    }
+    std::memcpy(result.getPointer(static_cast<unsigned int>(k + 1)), one.getPointer(1),
+                static_cast<std::size_t>(one.getLength()) * static_cast<std::size_t>(one.getDataTypeSize()));
+  }
+  if (instances.empty()) result.resize(0);
+  attribute = result;
+}
+
+void OffloadAttributeFile::myLoadRecords(unsigned int first, unsigned int last) {
+  std::size_t const recordBytes = 4u * static_cast<std::size_t>(m_header[7]);
+  m_buffer.assign(static_cast<std::size_t>(last - first + 1) * recordBytes, 0);
+  m_bufferFirst = m_bufferLast = 0;
+  if (m_mask.empty()) {
+    myReadRecords(m_header[34] + static_cast<long long>(first) - 1, last - first + 1, m_buffer.data());
+  } else {
+    unsigned int k = first;
+    while (k <= last) {
+      if (m_fold[k - 1] == 0) {
+        ++k;
+        continue;
+      }
+      unsigned int end = k;
+      while (end < last && m_fold[end] != 0 && m_mask[end] == m_mask[end - 1] + 1) ++end;
+      myReadRecords(m_header[34] + static_cast<long long>(m_mask[k - 1]), end - k + 1,
+                    m_buffer.data() + static_cast<std::size_t>(k - first) * recordBytes);
+      k = end + 1;
+    }
+  }
+  m_bufferFirst = first;
+  m_bufferLast = last;
+}
+
+void OffloadAttributeFile::myExtract(Attribute& attribute, unsigned int first, unsigned int last) {
+  std::size_t const recordBytes = 4u * static_cast<std::size_t>(m_header[7]);
+  vUCString const name = attribute.getName();
+  DataType const wanted = attribute.getDataType();
+  int const length = attribute.getLength();
+  int const stored = myTraceSamples();
+  int const mute = restoreMute ? m_header[18] : 0;
+  bool const compressed = m_header[17] != 0;
+  std::vector<float> samples(static_cast<std::size_t>(std::max(stored, 1)));
+  std::vector<char> scratch(recordBytes);
+  int const offset = getOffset(attribute);
+  for (unsigned int i = first; i <= last; ++i) {
+    void* out = attribute.getPointer(i - first + 1);
+    if (i < m_bufferFirst || i > m_bufferLast || m_fold[i - 1] == 0) continue;  // zeroed by myZapDead
+    char const* record = m_buffer.data() + static_cast<std::size_t>(i - m_bufferFirst) * recordBytes;
+    if (name == vUCString("TRACE")) {
+      std::fill(samples.begin(), samples.end(), 0.0f);
+      if (compressed) {
+        std::size_t const words = static_cast<std::size_t>(m_header[8]);
+        std::memcpy(scratch.data(), record, 4 * words);
+        if (m_swap) {
+          vUtl::swapBytes32(scratch.data(), 1);
+          float first;
+          std::memcpy(&first, scratch.data(), 4);
+          int const nScalers = first < 0 ? (stored - 1) / std::max(1, static_cast<int>(-first)) + 1 : 0;
+          vUtl::swapBytes32(scratch.data() + 4, static_cast<std::size_t>(nScalers));
+          vUtl::swapBytes16(scratch.data() + 4 * (nScalers + 1), 2 * (words - 1 - nScalers));
+        }
+        float lead;
+        std::memcpy(&lead, scratch.data(), 4);
+        int const needed = lead < 0 ? compression_moffld_int16Tlen(stored, std::max(1, static_cast<int>(-lead)))
+                                    : compression_moffld_int16Tlen(stored, 0);
+        if (needed > m_header[8])
+          Message::fatal("OffloadAttributeFile::myExtract", 0, "Compressed trace %d of %s is longer than its record.",
+                         static_cast<int>(i), m_fileName.c_str());
+        compression_moffld_int16(stored, samples.data(), m_fscp, scratch.data(), 0, 0);
+      } else {
+        std::memcpy(samples.data(), record, 4 * static_cast<std::size_t>(stored));
+        if (m_swap) vUtl::swapBytes32(samples.data(), static_cast<std::size_t>(stored));
+      }
+      char* target = static_cast<char*>(out);
+      int const size = vUtl::dataTypeSize(wanted);
+      std::memset(target, 0, static_cast<std::size_t>(mute) * static_cast<std::size_t>(size));
+      vUtl::copyConvert(samples.data(), vFLOAT32, target + static_cast<std::size_t>(mute) * size, wanted,
+                        static_cast<std::size_t>(stored));
+      continue;
+    }
+    if (name == vUCString("TRACE.I16")) {
+      std::vector<int16_t> shorts(static_cast<std::size_t>(stored) + 1);
+      std::memcpy(shorts.data(), record + 4, 2 * static_cast<std::size_t>(stored));
+      if (m_swap) vUtl::swapBytes16(shorts.data(), static_cast<std::size_t>(stored));
+      if (m_fscp)
+        for (int s = 0; s + 1 < stored; s += 2) std::swap(shorts[s], shorts[s + 1]);
+      vUtl::copyConvert(shorts.data(), vINT16, out, wanted, static_cast<std::size_t>(stored));
+      continue;
+    }
+    std::vector<int> words(static_cast<std::size_t>(length));
+    std::memcpy(words.data(), record + offset, 4 * static_cast<std::size_t>(length));
+    if (m_swap) vUtl::swapBytes32(words.data(), words.size());
+    DataType const type = name == vUCString("TRACE.I16.SCALER") ? vFLOAT32 : myDefinition("", name).getDataType();
+    vUtl::copyConvert(words.data(), type, out, wanted, static_cast<std::size_t>(length));
+  }
+}
+
+void OffloadAttributeFile::myZapDead(Attribute& attribute, unsigned int first, unsigned int last,
+                                     unsigned int liveFirst, unsigned int liveLast) {
+  std::size_t const bytes =
+      static_cast<std::size_t>(attribute.getLength()) * static_cast<std::size_t>(attribute.getDataTypeSize());
+  bool const trace = attribute.getName() == vUCString("TRACE");
+  for (unsigned int i = first; i <= last; ++i) {
+    bool const outside = i < liveFirst || i > liveLast;
+    if (outside || (trace && m_fold[i - 1] == 0) || (!m_mask.empty() && m_fold[i - 1] == 0))
+      std::memset(attribute.getPointer(i - first + 1), 0, bytes);
+  }
+}
+
+void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, unsigned int last) {
+  vUCString const name = attribute.getName();
+  attribute.resize(last - first + 1);
+  std::vector<double> values(last - first + 1);
+  for (unsigned int i = first; i <= last; ++i) {
+    int const index = static_cast<int>(i - 1);
+    double value = 0;
+    if (name == vUCString("CMP")) value = m_grid.convertCMPIndexToCMP(index);
+    else if (name == vUCString("INLINE")) value = m_grid.convertCMPIndexToInline(index);
+    else if (name == vUCString("CROSSLINE")) value = m_grid.convertCMPIndexToCrossline(index);
+    else if (name == vUCString("CMP.FOLD")) value = m_fold[static_cast<std::size_t>(index)];
+    else if (name == vUCString("OFFSET.BIN")) value = m_offsetBin;
+    values[i - first] = value;
+  }
+  vUtl::copyConvert(values.data(), vFLOAT64, attribute.getPointer(1), attribute.getDataType(), values.size());
+}
+
+// --- the writing side --------------------------------------------------------------------------
+
+void OffloadAttributeFile::create(vFilename const& name) {
+  if (m_isOpen || m_created) Message::fatal("OffloadAttributeFile::create", 0, "Cannot add things to an existing file.%s", name.c_str());
+  m_fileName = name;
+  m_created = true;
+}
+
+void OffloadAttributeFile::addAttribute(Attribute const& attribute) {
+  if (!m_created) Message::fatal("OffloadAttributeFile::addAttribute", 0, "Cannot add things to an existing file.%s", m_fileName.c_str());
+  if (m_laidOut)
+    Message::fatal("OffloadAttributeFile::addAttribute", 0, "File %s cannot be extended once data has been written to it.",
+                   m_fileName.c_str());
+  m_attributes.push_back(attribute);
+}
+
+void OffloadAttributeFile::setGrid(CMPBasicGrid const& grid) { m_grid = grid; }
+
+void OffloadAttributeFile::setCompression(CompressionType type) {
+  if (type != NONE && type != INT16)
+    Message::fatal("OffloadAttributeFile::setCompression", 0, "Unexpected CompressionType %d.", static_cast<int>(type));
+  m_compression = type;
+}
+
+void OffloadAttributeFile::setOffset(double first, double increment, int count, int sequence) {
+  if (count < 1) Message::fatal("OffloadAttributeFile::setOffset", 0, "Number of offsets must be >=1, got %d.", count);
+  if (sequence < 0 || sequence > count)
+    Message::fatal("OffloadAttributeFile::setOffset", 0, "Offset sequence %d must be >0 and <=%d.", sequence, count);
+  m_firstOffset = first;
+  m_offsetIncrement = increment;
+  m_nOffsets = count;
+  m_sequence = sequence;
+}
+
+void OffloadAttributeFile::writeRange(Attribute const& attribute, unsigned int, unsigned int) {
+  myOpenFile();
+  if (!m_created) {
+    if (restoreMute && attribute.getName() == vUCString("TRACE"))
+      Message::fatal("OffloadAttributeFile::writeRange", 0, "Writing muted data when restoring is enabled is not supported yet!");
+    if (!hasAttribute(attribute.getName()))
+      Message::fatal("OffloadAttributeFile::writeRange", 0, "Attribute '%s' does not exist in file '%s'.",
+                     attribute.getName().c_str(), m_fileName.c_str());
+    if (m_shape == vString("polygonal"))
+      Message::fatal("OffloadAttributeFile::writeRange", 0, "Writing to a polygon moffload file is not supported yet!");
+  }
+  Message::fatal("OffloadAttributeFile::writeRange", 0, "Writing to a rectangular moffload file is not supported yet!");
+}
+
+void OffloadAttributeFile::writeList(Attribute const& attribute, std::vector<unsigned int> const&) {
+  writeRange(attribute, 1, 1);
+}
+
+void OffloadAttributeFile::flush() {}

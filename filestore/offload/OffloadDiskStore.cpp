@@ -1,0 +1,206 @@
+#include "filestore/offload/OffloadDiskStore.h"
+
+#include <cstring>
+
+#include "foundation/Message.h"
+#include "project/AttributeMatch.h"
+#include "project/Project.h"
+
+namespace {
+
+char const* const kNotOpen = "OffloadDiskStore is not open.";
+
+// Whether the file starts as an offload data file, in either byte order.
+bool isDataFile(vFilename const& file) {
+  FS::iFile probe = FS::open(file, FS::ByteFile, 1024);
+  if (!probe.isGood()) probe.terminate("OffloadDiskStore::open");
+  uint32_t words[2] = {0, 0};
+  long long const got = probe.read(1, words, 8);
+  probe.clear();
+  probe.close();
+  if (got != 8) return false;
+  auto swap = [](uint32_t w) { return (w >> 24) | ((w >> 8) & 0xff00u) | ((w << 8) & 0xff0000u) | (w << 24); };
+  return words[1] == 77479u || swap(words[1]) == 77479u;
+}
+
+}  // namespace
+
+OffloadDiskStore::OffloadDiskStore() : OffloadDiskStore(vHandle<Project>()) {}
+
+OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project) : DiskStore(project), m_isOpen(false) {}
+
+OffloadDiskStore::~OffloadDiskStore() {
+  if (m_isOpen) {
+    Message::info("OffloadDiskStore::~OffloadDiskStore", 0, "File %s was still open, closed it.", m_fileName.c_str());
+    try {
+      close();
+    } catch (...) {
+    }
+  }
+}
+
+void OffloadDiskStore::open(StoreDescription const& description) {
+  if (!description.isFlatFile())
+    Message::fatal("OffloadDiskStore::open(StoreDescription)", 0, "StoreDescription must contain a flat file.");
+  open(description.getFlatFileName());
+}
+
+void OffloadDiskStore::open(vFilename const& file) {
+  if (m_isOpen)
+    Message::fatal("OffloadDiskStore::open", 0, "OffloadDiskStore is already open as '%s'.", m_fileName.c_str());
+  m_fileName = file;
+  try {
+    m_dataFiles.clear();
+    if (isDataFile(file)) {
+      m_dataFiles.push_back(file);
+    } else {
+      m_header = vHandle<OffloadHeaderFile>(new OffloadHeaderFile(file));
+      m_dataFiles = m_header->getDataFilenames();
+      if (m_dataFiles.empty())
+        Message::fatal("OffloadDiskStore::open", 0, "Header file '%s' lists no data files.", file.c_str());
+    }
+    myOpenData(m_dataFiles.front());
+    m_isOpen = true;
+  } catch (...) {
+    m_file = vHandle<OffloadAttributeFile>();
+    m_header = vHandle<OffloadHeaderFile>();
+    throw;
+  }
+}
+
+void OffloadDiskStore::myOpenData(vFilename const& file) {
+  vHandle<OffloadAttributeFile> data(new OffloadAttributeFile(file));
+  data->getNInstances();  // opens it, so that a bad file fails here
+  if (!m_header.isEmpty()) {
+    double first = 0, increment = 0, last = 0;
+    data->getHeader();
+    OffloadVersionBits const& bits = m_header->getVersion();
+    bits.getFileOffsets(data->getHeader().data(), first, increment, last);
+    if (data->getHeader()[64] != m_header->getNOffsets() || static_cast<float>(first) != static_cast<float>(m_header->getFirstOffset()))
+      Message::fatal("OffloadDiskStore::open", 0, "Data file '%s' does not belong to the offsets of header file '%s'.",
+                     file.c_str(), m_fileName.c_str());
+  }
+  m_file = data;
+  mySetupProperties();
+  getIndexingTable().clearCache();
+}
+
+void OffloadDiskStore::mySetupProperties() {
+  clearProperties();
+  PropertyList const& list = m_file->getProperties();
+  for (auto it = list.beginProperty(); it != list.endProperty(); ++it) DiskStore::addProperty(*it);
+}
+
+vFilename OffloadDiskStore::getCurrentFilename() const {
+  myCheckOpen("OffloadDiskStore::getCurrentFilename");
+  return m_file->getName();
+}
+
+void OffloadDiskStore::close() {
+  m_file = vHandle<OffloadAttributeFile>();
+  m_header = vHandle<OffloadHeaderFile>();
+  m_dataFiles.clear();
+  getIndexingTable().clearCache();
+  m_isOpen = false;
+}
+
+void OffloadDiskStore::myCheckOpen(char const* label) const {
+  if (!m_isOpen || m_file.isEmpty()) Message::fatal(label, 0, kNotOpen);
+}
+
+OffloadAttributeFile& OffloadDiskStore::getFile() const {
+  myCheckOpen("OffloadDiskStore::getFile");
+  return *m_file;
+}
+
+vLCString OffloadDiskStore::getName() const {
+  myCheckOpen("OffloadDiskStore::getName");
+  return vLCString(m_fileName.getRoot());
+}
+
+unsigned int OffloadDiskStore::getNInstances() const { return getFile().getNInstances(); }
+
+Attribute OffloadDiskStore::getAttribute(vUCString const& name) const {
+  myCheckOpen("OffloadDiskStore::getAttribute");
+  if (!m_file->hasAttribute(name))
+    Message::fatal("OffloadDiskStore::getAttribute", 0, "Attribute %s is not in the OffloadDiskStore %s.", name.c_str(),
+                   getName().c_str());
+  return m_file->getAttribute(name);
+}
+
+bool OffloadDiskStore::hasAttribute(vUCString const& name) const { return m_isOpen && m_file->hasAttribute(name); }
+
+std::list<Attribute> OffloadDiskStore::getAttributeList() const {
+  myCheckOpen("OffloadDiskStore::getAttributeList");
+  return m_file->getAttributeList();
+}
+
+void OffloadDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = getAttributeList(); }
+
+std::list<Attribute> OffloadDiskStore::getAttributeList(vUCString const& text,
+                                                        AttributeMatch::AttributeMatchType match) const {
+  std::list<Attribute> list;
+  for (Attribute const& attribute : getAttributeList())
+    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
+  return list;
+}
+
+vHandle<Store::AttributeSetList> OffloadDiskStore::getAttributeSetList() const {
+  vHandle<AttributeSetList> names(new AttributeSetList);
+  getAttributeSetList(*names);
+  return names;
+}
+
+void OffloadDiskStore::getAttributeSetList(AttributeSetList& names) const {
+  myCheckOpen("OffloadDiskStore::getAttributeSetList");
+  names.clear();
+  for (vFilename const& file : m_dataFiles) names.push_back(vLCString(file.getRoot()));
+}
+
+vLCString OffloadDiskStore::getAttributeSetName() const { return vLCString(getFile().getName().getRoot()); }
+
+void OffloadDiskStore::openAttributeSet(vLCString const& name) {
+  myCheckOpen("OffloadDiskStore::openAttributeSet");
+  if (name.isBlank() || name == getAttributeSetName()) return;
+  for (vFilename const& file : m_dataFiles)
+    if (vLCString(file.getRoot()) == name) {
+      myOpenData(file);
+      return;
+    }
+  Message::fatal("OffloadDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
+                 m_fileName.c_str(), name.c_str());
+}
+
+KeyList OffloadDiskStore::getKeyList() const { return getFile().getKeyList(); }
+
+unsigned int OffloadDiskStore::getNAttributes() const { return getFile().getNAttributes(); }
+
+void OffloadDiskStore::addAttribute(Attribute const&) {
+  Message::fatal("OffloadDiskStore::addAttribute", 0, "OffloadDiskStore is not created or opened for update.");
+}
+
+void OffloadDiskStore::read(Attribute& attribute, unsigned int first, unsigned int last) const {
+  myCheckOpen("OffloadDiskStore::read");
+  if (!m_file->hasAttribute(attribute.getName()))
+    Message::fatal("OffloadDiskStore::read", 0, "Attribute %s is not in the OffloadDiskStore %s.",
+                   attribute.getName().c_str(), getName().c_str());
+  m_file->readRange(attribute, first, last);
+}
+
+void OffloadDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& instances) const {
+  myCheckOpen("OffloadDiskStore::read");
+  if (!m_file->hasAttribute(attribute.getName()))
+    Message::fatal("OffloadDiskStore::read", 0, "Attribute %s is not in the OffloadDiskStore %s.",
+                   attribute.getName().c_str(), getName().c_str());
+  unsigned int const n = m_file->getNInstances();
+  for (unsigned int i : instances) {
+    if (i == 0)
+      Message::fatal("OffloadDiskStore::read", 0,
+                     "Attribute '%s': the vInstanceList has a zero in it, coont read from instance 0.",
+                     attribute.getName().c_str());
+    if (i > n)
+      Message::fatal("OffloadDiskStore::read", 0, "Instance numbers must be <%lld, list for '%s' contained %lld.",
+                     static_cast<long long>(n) + 1, attribute.getName().c_str(), static_cast<long long>(i));
+  }
+  m_file->readList(attribute, instances);
+}

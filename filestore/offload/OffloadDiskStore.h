@@ -1,0 +1,70 @@
+#ifndef FILESTORE_OFFLOAD_OFFLOADDISKSTORE_H
+#define FILESTORE_OFFLOAD_OFFLOADDISKSTORE_H
+
+// OffloadDiskStore: an offload set as a store. Opened on a data file, its
+// one attribute set is that file; opened on a header file, each data file
+// that the header lists is an attribute set, named by the file's root, and
+// the first is open. Instances are the bins of the survey grid; the keys
+// are INLINE and CROSSLINE. The store's properties are those of the open
+// data file. Key and group reads come from DiskStore through the reads by
+// instance number.
+
+#include <list>
+#include <vector>
+
+#include "filestore/disk/DiskStore.h"
+#include "filestore/offload/OffloadAttributeFile.h"
+#include "filestore/offload/OffloadHeaderFile.h"
+#include "project/StoreDescription.h"
+
+class OffloadDiskStore : public DiskStore {
+ public:
+  OffloadDiskStore();
+  explicit OffloadDiskStore(vHandle<Project> const& project);
+  ~OffloadDiskStore() override;
+
+  using DiskStore::open;
+  virtual void open(StoreDescription const& description);
+  virtual void open(vFilename const& file);
+  vFilename getCurrentFilename() const;
+  void close() override;
+  bool isOpen() const override { return m_isOpen; }
+  vLCString getName() const override;
+  unsigned int getNInstances() const override;
+  Attribute getAttribute(vUCString const& name) const override;
+  bool hasAttribute(vUCString const& name) const override;
+  std::list<Attribute> getAttributeList() const override;
+  void getAttributeList(std::list<Attribute>& attributes) const override;
+  std::list<Attribute> getAttributeList(vUCString const& text,
+                                        AttributeMatch::AttributeMatchType match) const override;
+  vHandle<AttributeSetList> getAttributeSetList() const override;
+  void getAttributeSetList(AttributeSetList& names) const override;
+  vLCString getAttributeSetName() const override;
+  void openAttributeSet(vLCString const& name) override;
+  KeyList getKeyList() const override;
+  unsigned int getNAttributes() const override;
+  int getVersion() const override { return 1; }
+  vLCString getClass() const override { return vLCString("seismic"); }
+  vLCString getSubClass() const override { return vLCString("offloaddisk"); }
+  void addAttribute(Attribute const& attribute) override;
+
+  using DiskStore::read;
+  void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
+  void read(Attribute& attribute, std::vector<unsigned int> const& instances) const override;
+
+  // The data file of the open attribute set.
+  OffloadAttributeFile& getFile() const;
+
+ private:
+  void myOpenData(vFilename const& file);
+  void myCheckOpen(char const* label) const;
+  void mySetupProperties();
+
+  bool m_isOpen;
+  vFilename m_fileName;
+  std::vector<vFilename> m_dataFiles;
+  vHandle<OffloadHeaderFile> m_header;
+  vHandle<OffloadAttributeFile> m_file;
+};
+
+#endif
