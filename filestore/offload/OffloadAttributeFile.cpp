@@ -218,7 +218,8 @@ void OffloadAttributeFile::myBuildAttributes() {
   int const length = restoreMute ? m_header[2] : m_header[2] - m_header[18];
   m_attributes.push_back(Attribute("TRACE", "TRACE", vFLOAT32, length, interval, m_header[18] * interval * (mute ? 1 : 0)));
   for (char const* name : {"CMP.FOLD", "OFFSET.BIN", "CMP", "INLINE", "CROSSLINE"})
-    if (!hasAttribute(vUCString(name)))
+    if (std::none_of(m_attributes.begin(), m_attributes.end(),
+                     [name](Attribute const& a) { return a.getName() == vUCString(name); }))
       m_attributes.push_back(Attribute(name, "", std::strcmp(name, "OFFSET.BIN") == 0 ? vFLOAT32 : vINT32, 1));
   if (m_header[17] != 0) {
     m_attributes.push_back(Attribute("TRACE.I16", "", vINT16, m_header[2] - m_header[18], interval));

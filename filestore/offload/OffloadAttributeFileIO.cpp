@@ -228,12 +228,12 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
   attribute.resize(last - first + 1);
   std::vector<double> values(last - first + 1);
   for (unsigned int i = first; i <= last; ++i) {
-    int const index = static_cast<int>(i - 1);
+    int const index = static_cast<int>(i);
     double value = 0;
     if (name == vUCString("CMP")) value = m_grid.convertCMPIndexToCMP(index);
     else if (name == vUCString("INLINE")) value = m_grid.convertCMPIndexToInline(index);
     else if (name == vUCString("CROSSLINE")) value = m_grid.convertCMPIndexToCrossline(index);
-    else if (name == vUCString("CMP.FOLD")) value = m_fold[static_cast<std::size_t>(index)];
+    else if (name == vUCString("CMP.FOLD")) value = m_fold[static_cast<std::size_t>(index - 1)];
     else if (name == vUCString("OFFSET.BIN")) value = m_offsetBin;
     values[i - first] = value;
   }

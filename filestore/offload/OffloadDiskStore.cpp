@@ -12,6 +12,7 @@ char const* const kNotOpen = "OffloadDiskStore is not open.";
 
 // Whether the file starts as an offload data file, in either byte order.
 bool isDataFile(vFilename const& file) {
+  if (file.getExtension() == vString("offload")) return true;
   FS::iFile probe = FS::open(file, FS::ByteFile, 1024);
   if (!probe.isGood()) probe.terminate("OffloadDiskStore::open");
   uint32_t words[2] = {0, 0};

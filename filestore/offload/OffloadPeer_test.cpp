@@ -1,0 +1,151 @@
+// Offload files written by an independent Python writer (testdata/), read
+// through the store: every value equals what the writer says it wrote.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "filestore/offload/OffloadDiskStore.h"
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+struct Fixture {
+  std::string file, expect;
+};
+
+Fixture writeFixture(char const* order, int version, int shape, int compressed) {
+  static int serial = 0;
+  std::string const base = ::testing::TempDir() + "offload_peer_" + std::to_string(::getpid()) + "_" +
+                           std::to_string(++serial);
+  Fixture f{base + ".offload", base + ".txt"};
+  std::string const cmd = std::string("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
+                                      "/filestore/offload/testdata/offload_fixture.py ") +
+                          f.file + " " + f.expect + " '" + order + "' " + std::to_string(version) + " " +
+                          std::to_string(shape) + " " + std::to_string(compressed);
+  EXPECT_EQ(0, std::system(cmd.c_str())) << "the Python fixture (python3 with numpy) failed: " << cmd;
+  return f;
+}
+
+std::vector<std::vector<double>> expected(std::string const& file) {
+  std::vector<std::vector<double>> rows;
+  std::ifstream in(file);
+  std::string line;
+  while (std::getline(in, line)) {
+    std::istringstream words(line);
+    std::vector<double> row;
+    double v;
+    while (words >> v) row.push_back(v);
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+std::string reason(std::function<void()> const& f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return e.getReason().c_str();
+  }
+  return "no failure";
+}
+
+}  // namespace
+
+TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
+  for (char const* order : {"<", ">"})
+    for (int version : {1, 2})
+      for (int shape : {991, 995})
+        for (int compressed : {0, 1}) {
+          SCOPED_TRACE(std::string(order) + " v" + std::to_string(version) + " shape " + std::to_string(shape) +
+                       " packed " + std::to_string(compressed));
+          Fixture const f = writeFixture(order, version, shape, compressed);
+          std::vector<std::vector<double>> const rows = expected(f.expect);
+          ASSERT_EQ(12u, rows.size());
+          OffloadDiskStore store;
+          store.open(vFilename(f.file.c_str()));
+          ASSERT_EQ(12u, store.getNInstances());
+          Attribute fold("CMP.FOLD", "", vINT32), sub("SUBLINE", "", vINT32), cdp("CDP", "", vINT32),
+              elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32), il("INLINE", "", vINT32),
+              xl("CROSSLINE", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64);
+          for (Attribute* a : {&fold, &sub, &cdp, &elev, &trace, &il, &xl, &bin}) store.read(*a, 1, 12);
+          ASSERT_EQ(7, trace.getLength());
+          EXPECT_DOUBLE_EQ(8.0, store.getAttribute("TRACE").getFirstTime());
+          for (unsigned int i = 1; i <= 12; ++i) {
+            std::vector<double> const& row = rows[i - 1];
+            EXPECT_EQ(row[0], fold.getInt32(i)) << i;
+            EXPECT_EQ(row[1], sub.getInt32(i)) << i;
+            EXPECT_EQ(row[2], cdp.getInt32(i)) << i;
+            EXPECT_FLOAT_EQ(static_cast<float>(row[3]), elev.getFloat32(i)) << i;
+            float const* samples = static_cast<float const*>(trace.getPointer(i));
+            for (int s = 0; s < 7; ++s) EXPECT_FLOAT_EQ(static_cast<float>(row[4 + s]), samples[s]) << i << " " << s;
+            EXPECT_EQ(10 + 2 * static_cast<int>((i - 1) / 4), il.getInt32(i));
+            EXPECT_EQ(100 + static_cast<int>((i - 1) % 4), xl.getInt32(i));
+            EXPECT_DOUBLE_EQ(version == 2 ? 150.75 : 150.0, bin.getFloat64(i));
+          }
+          // A single live bin between dead ones, and a range of dead bins alone.
+          Attribute one("CDP", "", vINT32);
+          store.read(one, 6, 6);
+          EXPECT_EQ(0, one.getInt32(1));
+          store.read(one, std::vector<unsigned int>{7, 2});
+          EXPECT_EQ(49, one.getInt32(1));
+          EXPECT_EQ(14, one.getInt32(2));
+          EXPECT_EQ(vString(order[0] == '<' ? "little" : "big"), store.getFile().getProperties().findProperty(vUCString("ENDIAN"))->getString());
+          EXPECT_EQ(vString(shape == 995 ? "polygonal" : "rectangular"),
+                    store.getFile().getProperties().findProperty(vUCString("MOFFLD_SHAPE"))->getString());
+          // The mute restored: two zeros in front, the whole trace from 0.
+          store.getFile().setRestoreMute(true);
+          Attribute whole("TRACE", "", vFLOAT32);
+          store.read(whole, 2, 2);
+          ASSERT_EQ(9, whole.getLength());
+          float const* w = static_cast<float const*>(whole.getPointer(1));
+          EXPECT_EQ(0.0f, w[0]);
+          EXPECT_FLOAT_EQ(static_cast<float>(rows[1][4]), w[2]);
+          store.close();
+          std::remove(f.file.c_str());
+          std::remove(f.expect.c_str());
+        }
+}
+
+TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
+  Fixture const f = writeFixture("<", 1, 991, 0);
+  std::string bytes;
+  {
+    std::ifstream in(f.file, std::ios::binary);
+    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  }
+  auto patched = [&](std::size_t at, int value, std::size_t keep) {
+    std::string copy = bytes.substr(0, keep);
+    if (at + 4 <= copy.size()) std::memcpy(&copy[at], &value, 4);
+    std::ofstream(f.file, std::ios::binary) << copy;
+    return reason([&] {
+      OffloadDiskStore store;
+      store.open(vFilename(f.file.c_str()));
+      Attribute t("TRACE", "", vFLOAT32);
+      store.read(t, 1, 12);
+    });
+  };
+  std::string const name = f.file;
+  EXPECT_EQ("Expected header length of '" + name + "' to be >0 and <=1000, it was 65536000.",
+            patched(0, 65536000, bytes.size()));
+  EXPECT_EQ("File " + name + " does not appear to be a offload file. Expected 77479 found 5.",
+            patched(4, 5, bytes.size()));
+  EXPECT_EQ("Can only handle versions upto 2. This file '" + name + "' is version 3.",
+            patched(236, 3, bytes.size()));
+  int subline;
+  std::memcpy(&subline, "XUBL", 4);
+  // The table of this file starts at record 38 of 10 words; the first name at its word 3.
+  EXPECT_EQ("Could not find Attribute SUBLINE to check for byteswapping.", patched(37 * 40 + 12, subline, bytes.size()));
+  // The last record cut short.
+  EXPECT_EQ(0u, patched(0, 100, bytes.size() - 6).find("Failed to do a partial read against the datafile"));
+  std::remove(f.file.c_str());
+  std::remove(f.expect.c_str());
+}
