@@ -104,22 +104,19 @@ void OffloadAttributeFile::cacheRange(unsigned int first, unsigned int last) {
 }
 
 void OffloadAttributeFile::readList(Attribute& attribute, std::vector<unsigned int> const& instances) {
-  myOpenFile();
-  Attribute one(attribute);
-  std::vector<Attribute> parts;
-  Attribute result(attribute);
+  Attribute const& definition = myDefinition("OffloadAttributeFile::readList", attribute.getName());
+  DataType const type = attribute.getDataType() == vNOTYPE ? definition.getDataType() : attribute.getDataType();
+  Attribute result(definition.getName(), attribute.getClass(), type, definition.getLength(),
+                   definition.getSampleRate(), definition.getFirstTime());
   result.resize(static_cast<unsigned int>(instances.size()));
+  std::size_t const bytes =
+      static_cast<std::size_t>(result.getLength()) * static_cast<std::size_t>(result.getDataTypeSize());
   for (std::size_t k = 0; k < instances.size(); ++k) {
+    Attribute one(definition.getName(), attribute.getClass(), type, definition.getLength(),
+                  definition.getSampleRate(), definition.getFirstTime());
     readRange(one, instances[k], instances[k]);
-    if (k == 0) {
-      result = Attribute(one.getName(), one.getClass(), one.getDataType(), one.getLength(), one.getSampleRate(),
-                         one.getFirstTime());
-      result.resize(static_cast<unsigned int>(instances.size()));
-    }
-    std::memcpy(result.getPointer(static_cast<unsigned int>(k + 1)), one.getPointer(1),
-                static_cast<std::size_t>(one.getLength()) * static_cast<std::size_t>(one.getDataTypeSize()));
+    std::memcpy(result.getPointer(static_cast<unsigned int>(k + 1)), one.getPointer(1), bytes);
   }
-  if (instances.empty()) result.resize(0);
   attribute = result;
 }
 
