@@ -118,6 +118,7 @@ void OffloadAttributeFile::readList(Attribute& attribute, std::vector<unsigned i
     std::memcpy(result.getPointer(static_cast<unsigned int>(k + 1)), one.getPointer(1), bytes);
   }
   attribute = result;
+  attribute.copyData(result);
 }
 
 void OffloadAttributeFile::myLoadRecords(unsigned int first, unsigned int last) {
@@ -212,10 +213,10 @@ void OffloadAttributeFile::myZapDead(Attribute& attribute, unsigned int first, u
                                      unsigned int liveFirst, unsigned int liveLast) {
   std::size_t const bytes =
       static_cast<std::size_t>(attribute.getLength()) * static_cast<std::size_t>(attribute.getDataTypeSize());
-  bool const trace = attribute.getName() == vUCString("TRACE");
+  // A dead bin has no trace, so none of its values is read.
   for (unsigned int i = first; i <= last; ++i) {
     bool const outside = i < liveFirst || i > liveLast;
-    if (outside || (trace && m_fold[i - 1] == 0) || (!m_mask.empty() && m_fold[i - 1] == 0))
+    if (outside || m_fold[i - 1] == 0)
       std::memset(attribute.getPointer(i - first + 1), 0, bytes);
   }
 }
