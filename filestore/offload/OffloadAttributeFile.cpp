@@ -76,7 +76,7 @@ void OffloadAttributeFile::myOpenFile() {
   if (!probe.isGood()) probe.terminate(label);
   probe.setNoByteSwapping();
   int word0 = 0;
-  if (probe.read(1, &word0, 4) != 4 || !probe.isGood()) {
+  if (probe.partialRead(0, 4, 1, 1, &word0) != 4 || !probe.isGood()) {
     probe.clear();
     probe.close();
     Message::fatal(label, 0, "File %s does not appear to be a offload file. Expected %d found %d.",
@@ -86,10 +86,12 @@ void OffloadAttributeFile::myOpenFile() {
     myCheckForByteSwap(word0);
     m_header.assign(static_cast<std::size_t>(std::max(m_header.size(), std::size_t(100))), 0);
     std::vector<int> words(static_cast<std::size_t>(m_header.size()), 0);
-    long long const got = probe.read(1, words.data(), 4LL * static_cast<int>(m_header.size()));
+    long long const want = 4LL * static_cast<int>(m_header.size());
+    char* const target = reinterpret_cast<char*>(words.data());
+    long long const got = probe.partialRead(0, 4, 1, static_cast<long long>(m_header.size()), target);
     probe.clear();
     probe.close();
-    if (got < 8) Message::fatal(label, 0, "Could not read the header of %s.", m_fileName.c_str());
+    if (got < want) Message::fatal(label, 0, "Could not read the header of %s.", m_fileName.c_str());
     if (m_swap) vUtl::swapBytes32(words.data(), words.size());
     m_header = words;
     myCheckHeader();

@@ -23,16 +23,30 @@ void OffloadAttributeFile::myReadRecords(long long record, unsigned int count, c
     else bytes = 4LL * m_header[9] * m_header[10];
   }
   if (bytes == 0) return;
-  long long const got = m_file.read(record, target, bytes);
+  // Partial reads of whole records come back whole however the disk hands
+  // the bytes over.
+  long long const recordBytes = 4LL * m_header[7];
+  long long const lastRecord = record + (bytes - 1) / recordBytes;
+  long long got = 0;
+  if (bytes % recordBytes == 0) {
+    got = m_file.partialRead(0, static_cast<int>(recordBytes), record, lastRecord, target);
+  } else {
+    // Maps and tables end inside their last record.
+    std::vector<char> whole(static_cast<std::size_t>((lastRecord - record + 1) * recordBytes));
+    got = m_file.partialRead(0, static_cast<int>(recordBytes), record, lastRecord, whole.data());
+    if (got == static_cast<long long>(whole.size())) {
+      std::memcpy(target, whole.data(), static_cast<std::size_t>(bytes));
+      got = bytes;
+    }
+  }
   if (got != bytes || !m_file.isGood()) {
     int const status = m_file.getStatus();
     m_file.clear();
-    long long const recordBytes = 4LL * m_header[7];
     Message::fatal("OffloadAttributeFile::myReadRecords", 0,
                    "Failed to do a partial read against the datafile (fileOffset=%d, nbytes=%d, frecord=%d, "
                    "lrecord=%d, status=%d)!",
                    static_cast<int>((record - 1) * recordBytes), static_cast<int>(bytes), static_cast<int>(record),
-                   static_cast<int>(record + (bytes - 1) / recordBytes), status);
+                   static_cast<int>(lastRecord), status);
   }
 }
 
