@@ -180,8 +180,56 @@ void OffloadDiskStore::addAttribute(Attribute const&) {
   Message::fatal("OffloadDiskStore::addAttribute", 0, "OffloadDiskStore is not created or opened for update.");
 }
 
-void OffloadDiskStore::read(Attribute& attribute, unsigned int first, unsigned int last) const {
+namespace {
+char const* const kNotWritable = "OffloadDiskStore is not created or opened for update.";
+}  // namespace
+
+void OffloadDiskStore::write(Attribute const&, unsigned int, unsigned int) {
+  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+}
+
+void OffloadDiskStore::write(Attribute const&, std::vector<unsigned int> const&) {
+  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+}
+
+void OffloadDiskStore::write(Attribute const&, Attribute const&, unsigned int, unsigned int) {
+  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+}
+
+void OffloadDiskStore::write(Attribute const&, KeyList const&) {
+  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+}
+
+void OffloadDiskStore::addInstances(unsigned int) {
+  Message::fatal("OffloadDiskStore::addInstances", 0, kNotWritable);
+}
+
+void OffloadDiskStore::read(Attribute& attribute, KeyList const& keys) const {
   myCheckOpen("OffloadDiskStore::read");
+  std::vector<unsigned int> instances;
+  getIndexingTable().locateByKeys(keys, instances, false);
+  long long found = 0;
+  for (unsigned int i : instances) found += i != 0;
+  if (found != static_cast<long long>(instances.size()))
+    Message::fatal("OffloadDiskStore::read", 0,
+                   "Key list has duplicate or missing values in OffloadDiskStore %s. Wanted %lld value(s) but found "
+                   "%lld.",
+                   getName().c_str(), static_cast<long long>(instances.size()), found);
+  read(attribute, instances);
+}
+
+void OffloadDiskStore::read(Attribute& attribute, unsigned int first, unsigned int last) const {
+  char const* const label = "OffloadDiskStore::read";
+  myCheckOpen(label);
+  long long const n = m_file->getNInstances();
+  if (last == 0) last = static_cast<unsigned int>(n);
+  if (first < 1) Message::fatal(label, 0, "first instance must be >0, yours was %lld", static_cast<long long>(first));
+  if (first > last)
+    Message::fatal(label, 0, "first instance %lld must be <= last instance %lld.", static_cast<long long>(first),
+                   static_cast<long long>(last));
+  if (last > n)
+    Message::fatal(label, 0, "last instance %lld must be <= number of instances %lld.", static_cast<long long>(last),
+                   n);
   if (!m_file->hasAttribute(attribute.getName()))
     Message::fatal("OffloadDiskStore::read", 0, "Attribute %s is not in the OffloadDiskStore %s.",
                    attribute.getName().c_str(), getName().c_str());

@@ -48,7 +48,17 @@ class OffloadDiskStore : public DiskStore {
   vLCString getSubClass() const override { return vLCString("offloaddisk"); }
   void addAttribute(Attribute const& attribute) override;
 
+  // Refused: the store offers reading only.
+  void write(Attribute const& attribute, unsigned int first, unsigned int last) override;
+  void write(Attribute const& attribute, std::vector<unsigned int> const& instances) override;
+  void write(Attribute const& attribute, Attribute const& key, unsigned int firstGroup,
+             unsigned int lastGroup) override;
+  void write(Attribute const& attribute, KeyList const& keys) override;
+  void addInstances(unsigned int count) override;
+
   using DiskStore::read;
+  // Fatal unless every key tuple names one instance.
+  void read(Attribute& attribute, KeyList const& keys) const override;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
   void read(Attribute& attribute, std::vector<unsigned int> const& instances) const override;
 

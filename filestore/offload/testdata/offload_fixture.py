@@ -2,7 +2,7 @@
 """Writes a small offload data file from the format's own tables, and a
 text file of the values a reader must find in it.
 
-usage: offload_fixture.py OUT.offload EXPECT.txt ORDER VERSION SHAPE COMPRESSED
+usage: offload_fixture.py OUT.offload EXPECT.txt ORDER VERSION SHAPE COMPRESSED [reference]
   ORDER      '<' little or '>' big endian
   VERSION    1 (integer offsets) or 2 (float offsets)
   SHAPE      991 rectangular or 995 polygonal
@@ -13,6 +13,10 @@ inline; bins 1, 6 and 12 are dead. Samples: 9 per trace, mute 2, so 7 are
 stored. Table: SUBLINE (int), CDP (int), ELEV (float).
 The expectation file has one line per bin: fold, SUBLINE, CDP, ELEV and
 the 7 stored samples as the reader must return them.
+
+With "reference" the file holds instead the shared store suite's content:
+no dead bins, no mute, 5 samples of 10 * bin + sample (1 to 5) at 4 ms,
+and the table SUBLINE, CDP (1 1 1 2 2 2 ...), OFFSET (100 200 300 ...).
 """
 import struct
 import sys
@@ -21,11 +25,15 @@ import numpy as np
 
 out, expect, order, version, shape, compressed = sys.argv[1:7]
 version, shape, compressed = int(version), int(shape), int(compressed)
+REFERENCE = sys.argv[7:8] == ["reference"]
 NIL, NXL, HDR, NS, MUTE = 3, 4, 100, 9, 2
-STORED = NS - MUTE
-BINS = NIL * NXL
 DEAD = {1, 6, 12}
 ATTRS = [("SUBLINE", 1), ("CDP", 1), ("ELEV", 2)]
+if REFERENCE:
+    NS, MUTE, DEAD = 5, 0, set()
+    ATTRS = [("SUBLINE", 1), ("CDP", 1), ("OFFSET", 1)]
+STORED = NS - MUTE
+BINS = NIL * NXL
 
 w3 = len(ATTRS)
 w8 = (STORED - 1) // 2 + 2 if compressed else STORED
@@ -95,6 +103,9 @@ for b in range(1, BINS + 1):
     if b == 5:
         samples[:] = 0.0  # a zero trace: its scaler reads as zeros
     sub, cdp, elev = 1000 + b, 7 * b, np.float32(0.25 * b - 1)
+    if REFERENCE:
+        samples = np.array([10 * b + s + 1 for s in range(STORED)], dtype=np.float32)
+        cdp, elev = (b - 1) // 3 + 1, 100 * ((b - 1) % 3 + 1)
     if compressed:
         m = float(np.max(np.abs(samples)))
         scale = np.float32(0.0 if m < 1e-30 else 32766.0 / m)
@@ -109,7 +120,7 @@ for b in range(1, BINS + 1):
     else:
         trace = samples.astype(order + "f4").tobytes()
         got = samples
-    rec = trace + struct.pack(order + "iif", sub, cdp, elev)
+    rec = trace + struct.pack(order + ("iii" if REFERENCE else "iif"), sub, cdp, elev)
     if b in DEAD:
         got = np.zeros(STORED, dtype=np.float32)
         sub, cdp, elev = 0, 0, np.float32(0)
