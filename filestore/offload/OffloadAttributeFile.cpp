@@ -234,6 +234,9 @@ void OffloadAttributeFile::mySetupGrid() {
   float ilInterval, xlInterval;
   std::memcpy(&xlInterval, &h[15], 4);
   std::memcpy(&ilInterval, &h[16], 4);
+  // Numbering bins needs no intervals; a file without them still reads.
+  if (!(xlInterval > 0.0f)) xlInterval = 1.0f;
+  if (!(ilInterval > 0.0f)) ilInterval = 1.0f;
   m_grid = CMPBasicGrid(1, 1, h[12], h[14] ? h[14] : 1, h[10], h[11], h[13] ? h[13] : 1, h[9], vCoordinate(),
                         ilInterval, xlInterval, 0.0);
 }

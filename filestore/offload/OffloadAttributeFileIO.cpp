@@ -137,7 +137,11 @@ void OffloadAttributeFile::readList(Attribute& attribute, std::vector<unsigned i
 
 void OffloadAttributeFile::myLoadRecords(unsigned int first, unsigned int last) {
   std::size_t const recordBytes = 4u * static_cast<std::size_t>(m_header[7]);
-  m_buffer.assign(static_cast<std::size_t>(last - first + 1) * recordBytes, 0);
+  std::size_t const size = static_cast<std::size_t>(last - first + 1) * recordBytes;
+  // A rectangular window is read whole; a polygonal one has gaps for its
+  // dead bins, which must read as zeros.
+  if (m_mask.empty()) m_buffer.resize(size);
+  else m_buffer.assign(size, 0);
   m_bufferFirst = m_bufferLast = 0;
   if (m_mask.empty()) {
     myReadRecords(m_header[34] + static_cast<long long>(first) - 1, last - first + 1, m_buffer.data());
@@ -174,6 +178,23 @@ void OffloadAttributeFile::myExtract(Attribute& attribute, unsigned int first, u
     void* out = attribute.getPointer(i - first + 1);
     if (i < m_bufferFirst || i > m_bufferLast || m_fold[i - 1] == 0) continue;  // zeroed by myZapDead
     char const* record = m_buffer.data() + static_cast<std::size_t>(i - m_bufferFirst) * recordBytes;
+    if (name == vUCString("TRACE") && !m_swap && wanted == vFLOAT32 && mute == 0) {
+      // The common case straight into the caller's block.
+      float* target = static_cast<float*>(out);
+      if (!compressed) {
+        std::memcpy(target, record, 4 * static_cast<std::size_t>(stored));
+        continue;
+      }
+      float lead;
+      std::memcpy(&lead, record, 4);
+      int const needed = lead < 0 ? compression_moffld_int16Tlen(stored, std::max(1, static_cast<int>(-lead)))
+                                  : compression_moffld_int16Tlen(stored, 0);
+      if (needed > m_header[8])
+        Message::fatal("OffloadAttributeFile::myExtract", 0, "Compressed trace %d of %s is longer than its record.",
+                       static_cast<int>(i), m_fileName.c_str());
+      compression_moffld_int16(stored, target, m_fscp, const_cast<char*>(record), 0, 0);
+      continue;
+    }
     if (name == vUCString("TRACE")) {
       std::fill(samples.begin(), samples.end(), 0.0f);
       if (compressed) {
