@@ -23,13 +23,23 @@ void OffloadAttributeFile::myReadRecords(long long record, unsigned int count, c
     else bytes = 4LL * m_header[9] * m_header[10];
   }
   if (bytes == 0) return;
-  // Partial reads of whole records come back whole however the disk hands
-  // the bytes over.
+  // A disk may hand the bytes over in pieces; partial reads of whole
+  // records read on until they are whole.
   long long const recordBytes = 4LL * m_header[7];
   long long const lastRecord = record + (bytes - 1) / recordBytes;
   long long got = 0;
   if (bytes % recordBytes == 0) {
-    got = m_file.partialRead(0, static_cast<int>(recordBytes), record, lastRecord, target);
+    got = m_file.read(record, target, bytes);
+    if (got >= 0 && got < bytes) {
+      // A short read ends at the end of the data, or wherever the disk
+      // stopped: the rest, from the first record not whole, by a partial
+      // read that reads on, and fails where the data really end.
+      m_file.clear();
+      long long const whole = got / recordBytes;
+      long long const more = m_file.partialRead(0, static_cast<int>(recordBytes), record + whole, lastRecord,
+                                                target + whole * recordBytes);
+      got = whole * recordBytes + more;
+    }
   } else {
     // Maps and tables end inside their last record.
     std::vector<char> whole(static_cast<std::size_t>((lastRecord - record + 1) * recordBytes));
