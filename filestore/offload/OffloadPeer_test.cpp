@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -113,6 +114,40 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
           std::remove(f.file.c_str());
           std::remove(f.expect.c_str());
         }
+}
+
+// A big-endian file through a word-swapping copy: each 4-byte word
+// reversed, so the words read natively, the names read backwards word by
+// word ("LBUS ENI") and the 16-bit samples come swapped in pairs.
+TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
+  for (int shape : {991, 995})
+    for (int compressed : {0, 1}) {
+      SCOPED_TRACE("shape " + std::to_string(shape) + " packed " + std::to_string(compressed));
+      Fixture const f = writeFixture(">", 2, shape, compressed);
+      std::string bytes;
+      {
+        std::ifstream in(f.file, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+      }
+      for (std::size_t k = 0; k + 4 <= bytes.size(); k += 4) std::reverse(bytes.begin() + k, bytes.begin() + k + 4);
+      std::ofstream(f.file, std::ios::binary) << bytes;
+      std::vector<std::vector<double>> const rows = expected(f.expect);
+      OffloadDiskStore store;
+      store.open(vFilename(f.file.c_str()));
+      PropertyList const& properties = store.getFile().getProperties();
+      EXPECT_EQ(vString("yes"), properties.findProperty(vUCString("HAS_BEEN_FSCP"))->getString());
+      EXPECT_FALSE(store.getFile().isSwapped());
+      Attribute elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32);
+      store.read(elev, 1, 12);
+      store.read(trace, 1, 12);
+      for (unsigned int i = 1; i <= 12; ++i) {
+        EXPECT_FLOAT_EQ(static_cast<float>(rows[i - 1][3]), elev.getFloat32(i)) << i;
+        for (int s = 0; s < 7; ++s)
+          EXPECT_FLOAT_EQ(static_cast<float>(rows[i - 1][4 + s]), trace.getFloat32Pointer(i)[s]) << i << " " << s;
+      }
+      std::remove(f.file.c_str());
+      std::remove(f.expect.c_str());
+    }
 }
 
 TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
