@@ -69,8 +69,9 @@ OffloadAttributeFile::~OffloadAttributeFile() {
 // --- opening -------------------------------------------------------------------------------
 
 void OffloadAttributeFile::myOpenFile() {
-  if (m_isOpen || m_created) return;
   char const* const label = "OffloadAttributeFile::myOpenFile";
+  if (m_isOpen) return;
+  if (m_created) Message::fatal(label, 0, "File %s holds no data yet.", m_fileName.c_str());
   // Word 0 first, on records of one word: the record length is not known yet.
   FS::iFile probe = FS::open(m_fileName, FS::RecordFile, 1024, 4);
   if (!probe.isGood()) probe.terminate(label);
