@@ -71,7 +71,11 @@ OffloadAttributeFile::~OffloadAttributeFile() {
 void OffloadAttributeFile::myOpenFile() {
   char const* const label = "OffloadAttributeFile::myOpenFile";
   if (m_isOpen) return;
-  if (m_created) Message::fatal(label, 0, "File %s holds no data yet.", m_fileName.c_str());
+  // A new file is laid out at the first question that needs its layout.
+  if (m_created) {
+    if (!m_laidOut) myDoCreation();
+    return;
+  }
   // Word 0 first, on records of one word: the record length is not known yet.
   FS::iFile probe = FS::open(m_fileName, FS::RecordFile, 1024, 4);
   if (!probe.isGood()) probe.terminate(label);

@@ -1,6 +1,7 @@
 #include "filestore/offload/OffloadDiskStore.h"
 
 #include <cstring>
+#include <string>
 
 #include "foundation/Message.h"
 #include "project/AttributeMatch.h"
@@ -28,7 +29,7 @@ bool isDataFile(vFilename const& file) {
 
 OffloadDiskStore::OffloadDiskStore() : OffloadDiskStore(vHandle<Project>()) {}
 
-OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project) : DiskStore(project), m_isOpen(false) {}
+OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project) : DiskStore(project), m_isOpen(false), m_created(false) {}
 
 OffloadDiskStore::~OffloadDiskStore() {
   if (m_isOpen) {
@@ -92,12 +93,81 @@ void OffloadDiskStore::mySetupProperties() {
   for (auto it = list.beginProperty(); it != list.endProperty(); ++it) DiskStore::addProperty(*it);
 }
 
+void OffloadDiskStore::create(vLCString const& name, vLCString const& className, vLCString const& subClass,
+                              KeyList const&, StoreCreationOptions const* options) {
+  char const* const label = "OffloadDiskStore::create";
+  auto require = [label](bool ok, char const* what) {
+    if (!ok) Message::fatal(label, 0, "Creation of a seismic/offloadheader Store requires that %s.", what);
+  };
+  if (m_isOpen) Message::fatal(label, 0, "OffloadDiskStore is already open as '%s'.", m_fileName.c_str());
+  require(className == vLCString("seismic"), "class is seismic");
+  require(subClass == vLCString("offloadheader"), "subClass is offloadhesder");
+  require(options != nullptr, "StoreCreationOptions are supplied");
+  require(options->hasGrid(), "StoreCreationOptions grid parameters are supplied");
+  require(options->hasOffsets(), "StoreCreationOptions offsets are supplied");
+  require(options->hasFilename(), "StoreCreationOptions has a filename supplied");
+  std::list<Attribute> const& attributes = options->getAttributeList();
+  require(!attributes.empty(), "StoreCreationOptions AttributeList is supplied");
+  auto has = [&attributes](char const* n) {
+    for (Attribute const& a : attributes)
+      if (a.getName() == vUCString(n)) return true;
+    return false;
+  };
+  require(has("INLINE"), "StoreCreationOptions AttributeList has a INLINE Attribute");
+  require(has("CROSSLINE"), "StoreCreationOptions AttributeList has a CROSSLINE Attribute");
+  require(has("TRACE"), "StoreCreationOptions AttributeList has a TRACE Attribute");
+  int i1, i2, i3, i4, i5, i6;
+  float f1, f2;
+  options->getGrid(i1, i2, i3, i4, i5, i6, f1, f2);
+  CMPBasicGrid const grid(1, 1, i1, i2, i3, i4, i5, i6, vCoordinate(), f1, f2, 0.0);
+  double minimum, maximum;
+  int count;
+  options->getOffsets(minimum, maximum, count);
+  double const increment = count > 1 ? (maximum - minimum) / (count - 1) : 0.0;
+  vFilename const headerName = options->getFilename();
+  bool const floats = minimum != static_cast<int>(minimum) || increment != static_cast<int>(increment);
+  vHandle<OffloadHeaderFile> header(new OffloadHeaderFile);
+  header->create(headerName, floats ? 2 : 1, minimum, increment, count);
+  std::vector<vFilename> dataFiles;
+  std::vector<vHandle<OffloadAttributeFile> > files;
+  for (int k = 1; k <= count; ++k) {
+    vFilename data(headerName);
+    data.setRoot(vString((std::string(headerName.getRoot().c_str()) + "_" + std::to_string(k)).c_str()));
+    data.setExtension("offload");
+    vHandle<OffloadAttributeFile> file(new OffloadAttributeFile);
+    file->create(data);
+    for (Attribute const& a : attributes) file->addAttribute(a);
+    file->setGrid(grid);
+    if (options->isCompressed()) file->setCompression(OffloadAttributeFile::INT16);
+    file->setOffset(minimum, increment, count, k);
+    dataFiles.push_back(data);
+    files.push_back(file);
+  }
+  header->setDataFilenames(dataFiles);
+  header->save();
+  (void)name;
+  m_fileName = headerName;
+  m_header = header;
+  m_dataFiles = dataFiles;
+  m_createdFiles = files;
+  m_file = files.front();
+  m_created = true;
+  m_isOpen = true;
+}
+
 vFilename OffloadDiskStore::getCurrentFilename() const {
   myCheckOpen("OffloadDiskStore::getCurrentFilename");
   return m_file->getName();
 }
 
 void OffloadDiskStore::close() {
+  // Every offset gets its file, written to or not.
+  for (vHandle<OffloadAttributeFile> const& file : m_createdFiles) {
+    file->getNInstances();
+    file->flush();
+  }
+  m_createdFiles.clear();
+  m_created = false;
   m_file = vHandle<OffloadAttributeFile>();
   m_header = vHandle<OffloadHeaderFile>();
   m_dataFiles.clear();
@@ -163,9 +233,10 @@ vLCString OffloadDiskStore::getAttributeSetName() const { return vLCString(getFi
 void OffloadDiskStore::openAttributeSet(vLCString const& name) {
   myCheckOpen("OffloadDiskStore::openAttributeSet");
   if (name.isBlank() || name == getAttributeSetName()) return;
-  for (vFilename const& file : m_dataFiles)
-    if (vLCString(file.getRoot()) == name) {
-      myOpenData(file);
+  for (std::size_t k = 0; k < m_dataFiles.size(); ++k)
+    if (vLCString(m_dataFiles[k].getRoot()) == name) {
+      if (m_created) m_file = m_createdFiles[k];
+      else myOpenData(m_dataFiles[k]);
       return;
     }
   Message::fatal("OffloadDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
@@ -177,6 +248,7 @@ KeyList OffloadDiskStore::getKeyList() const { return getFile().getKeyList(); }
 unsigned int OffloadDiskStore::getNAttributes() const { return getFile().getNAttributes(); }
 
 void OffloadDiskStore::addAttribute(Attribute const&) {
+  if (m_created) Message::fatal("OffloadDiskStore::addAttribute", 0, "Cannot add attribute to created store");
   Message::fatal("OffloadDiskStore::addAttribute", 0, "OffloadDiskStore is not created or opened for update.");
 }
 
@@ -184,12 +256,14 @@ namespace {
 char const* const kNotWritable = "OffloadDiskStore is not created or opened for update.";
 }  // namespace
 
-void OffloadDiskStore::write(Attribute const&, unsigned int, unsigned int) {
-  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+void OffloadDiskStore::write(Attribute const& attribute, unsigned int first, unsigned int last) {
+  if (!m_created) Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+  m_file->writeRange(attribute, first, last);
 }
 
-void OffloadDiskStore::write(Attribute const&, std::vector<unsigned int> const&) {
-  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+void OffloadDiskStore::write(Attribute const& attribute, std::vector<unsigned int> const& instances) {
+  if (!m_created) Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+  m_file->writeList(attribute, instances);
 }
 
 void OffloadDiskStore::write(Attribute const&, Attribute const&, unsigned int, unsigned int) {

@@ -15,6 +15,7 @@
 #include "filestore/disk/DiskStore.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadHeaderFile.h"
+#include "project/StoreCreationOptions.h"
 #include "project/StoreDescription.h"
 
 class OffloadDiskStore : public DiskStore {
@@ -27,6 +28,15 @@ class OffloadDiskStore : public DiskStore {
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
   vFilename getCurrentFilename() const;
+  // A new set: a header file named by the options and one data file per
+  // offset beside it ("<root>_<k>.offload"), each an attribute set, with
+  // the options' attributes, grid (first inline, inline increment, inlines,
+  // first crossline, crossline increment, crosslines; inline and crossline
+  // intervals) and compression. Writes go to the open set; close writes
+  // the fold maps and the header file.
+  using DiskStore::create;
+  void create(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
+              StoreCreationOptions const* options) override;
   void close() override;
   bool isOpen() const override { return m_isOpen; }
   vLCString getName() const override;
@@ -71,6 +81,8 @@ class OffloadDiskStore : public DiskStore {
   void mySetupProperties();
 
   bool m_isOpen;
+  bool m_created;
+  std::vector<vHandle<OffloadAttributeFile> > m_createdFiles;
   vFilename m_fileName;
   std::vector<vFilename> m_dataFiles;
   vHandle<OffloadHeaderFile> m_header;

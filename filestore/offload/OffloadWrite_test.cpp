@@ -124,3 +124,58 @@ TEST(OffloadWrite, ExistingFilesAreNotWritten) {
             reason([&] { file.setCompression(static_cast<OffloadAttributeFile::CompressionType>(7)); }));
   EXPECT_EQ("Cannot add things to an existing file.", reason([&] { file.addAttribute(Attribute("X", "", vINT32)); }));
 }
+
+TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
+  std::string const base = ::testing::TempDir() + "offload_store_" + std::to_string(::getpid());
+  StoreCreationOptions options;
+  std::string const prefix = "Creation of a seismic/offloadheader Store requires that ";
+  auto refused = [&](char const* className, char const* subClass, StoreCreationOptions const* o) {
+    return reason([&] { OffloadDiskStore().create("s", className, subClass, KeyList(), o); });
+  };
+  EXPECT_EQ(prefix + "class is seismic.", refused("grid", "offloadheader", &options));
+  EXPECT_EQ(prefix + "subClass is offloadhesder.", refused("seismic", "segy", &options));
+  EXPECT_EQ(prefix + "StoreCreationOptions are supplied.", refused("seismic", "offloadheader", nullptr));
+  EXPECT_EQ(prefix + "StoreCreationOptions grid parameters are supplied.", refused("seismic", "offloadheader", &options));
+  options.setGrid(10, 2, 3, 100, 1, 4, 25.0f, 12.5f);
+  EXPECT_EQ(prefix + "StoreCreationOptions offsets are supplied.", refused("seismic", "offloadheader", &options));
+  options.setOffsets(100, 200, 3);
+  EXPECT_EQ(prefix + "StoreCreationOptions has a filename supplied.", refused("seismic", "offloadheader", &options));
+  options.setFilename(vFilename((base + ".hdr").c_str()));
+  EXPECT_EQ(prefix + "StoreCreationOptions AttributeList is supplied.", refused("seismic", "offloadheader", &options));
+  std::list<Attribute> attributes{Attribute("CDP", "", vINT32)};
+  for (char const* key : {"INLINE", "CROSSLINE", "TRACE"}) {
+    options.setAttributeList(attributes);
+    EXPECT_EQ(prefix + "StoreCreationOptions AttributeList has a " + key + " Attribute.",
+              refused("seismic", "offloadheader", &options));
+    attributes.push_back(Attribute(key, "", vFLOAT32, std::string(key) == "TRACE" ? 4 : 1, 2.0));
+  }
+  options.setAttributeList(attributes);
+  options.setCompressed();
+  {
+    OffloadDiskStore store;
+    store.create("s", "seismic", "offloadheader", KeyList(), &options);
+    EXPECT_EQ("Cannot add attribute to created store", reason([&] { store.addAttribute(Attribute("X", "", vINT32)); }));
+    Store::AttributeSetList sets;
+    store.getAttributeSetList(sets);
+    ASSERT_EQ(3u, sets.size());
+    store.openAttributeSet(sets.back());
+    Attribute cdp("CDP", "", vINT32);
+    cdp.resize(12);
+    for (unsigned int i = 1; i <= 12; ++i) cdp.setInt32(i, static_cast<int>(i) * 3);
+    store.write(cdp, 1, 12);
+    store.close();
+  }
+  OffloadDiskStore store;
+  store.open(vFilename((base + ".hdr").c_str()));
+  store.openAttributeSet(vLCString((base.substr(base.rfind('/') + 1) + "_3").c_str()));
+  Attribute cdp("CDP", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64), fold("CMP.FOLD", "", vINT32);
+  store.read(cdp, 12, 12), store.read(bin, 1, 1), store.read(fold, 1, 1);
+  EXPECT_EQ(36, cdp.getInt32(1));
+  EXPECT_EQ(200.0, bin.getFloat64(1));
+  EXPECT_EQ(1, fold.getInt32(1));
+  EXPECT_EQ(vString("yes"), store.getFile().getProperties().findProperty(vUCString("COMPRESSED"))->getString());
+  EXPECT_EQ("OffloadDiskStore is already open as '" + base + ".hdr'.",
+            reason([&] { store.open(vFilename((base + ".hdr").c_str())); }));
+  store.close();
+  for (char const* end : {".hdr", "_1.offload", "_2.offload", "_3.offload"}) std::remove((base + end).c_str());
+}
