@@ -67,6 +67,21 @@ TEST_F(OffloadFaultTest, AFailedReadNamesItsRecordsAndLeavesTheStoreUsable) {
   EXPECT_EQ(28, cdpOf(store, 4));
 }
 
+TEST_F(OffloadFaultTest, DeadBinsAreNeverRead) {
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  // Bins 1 and 12 are dead: a read of all bins touches bins 2 to 11 only,
+  // and a read of bin 12 alone touches nothing.
+  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 12);
+  Attribute cdp("CDP", "", vINT32);
+  store.read(cdp, 1, 12);
+  EXPECT_EQ(0, cdp.getInt32(1));
+  EXPECT_EQ(77, cdp.getInt32(11));
+  EXPECT_EQ(0, cdp.getInt32(12));
+  fs_testing::Fault everything(path, FS_FAULT_FAILREAD, 0);
+  EXPECT_EQ(0, cdpOf(store, 12));
+}
+
 TEST_F(OffloadFaultTest, ACutHeaderOrMapFails) {
   for (int64_t const size : {int64_t(2), int64_t(200), int64_t(1790)}) {
     fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, size);
