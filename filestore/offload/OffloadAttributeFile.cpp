@@ -119,6 +119,14 @@ void OffloadAttributeFile::myOpenFile() {
   if (!m_file.isGood()) m_file.terminate(label);
   m_file.setNoByteSwapping();
   try {
+    // The table and the maps must lie inside the file before any memory
+    // is set aside for them.
+    long long const records = m_file.getNRecords();
+    long long const bins = static_cast<long long>(m_header[9]) * m_header[10];
+    long long const mapRecords = bins / recordLength + 1;
+    if (m_header[31] + (m_header[5] - 1) / recordLength > records ||
+        m_header[33] + mapRecords * (m_header[89] == 995 ? 2 : 1) - 1 > records)
+      Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
     myBuildAttributes();
     mySetupGrid();
     m_shape = m_header[89] == 995 ? vString("polygonal") : m_header[89] == 991 ? vString("rectangular")
