@@ -185,3 +185,36 @@ TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
   std::remove(f.file.c_str());
   std::remove(f.expect.c_str());
 }
+
+// Every header word set to values a damaged file might hold: each file
+// opens and reads, or fails with the system's own error.
+TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
+  for (int compressed : {0, 1}) {
+    Fixture const f = writeFixture(">", 2, 995, compressed);
+    std::string bytes;
+    {
+      std::ifstream in(f.file, std::ios::binary);
+      bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    int failures = 0;
+    for (int word = 0; word < 100; ++word)
+      for (uint32_t value : {0u, 0xffffffffu, 0x40000000u, 0x07000000u, 0x02000000u}) {
+        std::string copy = bytes;
+        std::memcpy(&copy[4 * static_cast<std::size_t>(word)], &value, 4);
+        std::ofstream(f.file, std::ios::binary | std::ios::trunc) << copy;
+        try {
+          OffloadDiskStore store;
+          store.open(vFilename(f.file.c_str()));
+          for (Attribute const& a : store.getAttributeList()) {
+            Attribute values(a.getName(), "", a.getDataType());
+            store.read(values, 1, store.getNInstances());
+          }
+        } catch (UtlExcept const&) {
+          ++failures;
+        }
+      }
+    EXPECT_GT(failures, 50);
+    std::remove(f.file.c_str());
+    std::remove(f.expect.c_str());
+  }
+}
