@@ -93,6 +93,13 @@ class OffloadAttributeFile : public AttributeFile {
   PropertyList const& getProperties();
   // Loads the records of the range, so that extractRange needs no file.
   void cacheRange(unsigned int first, unsigned int last);
+  // Instances first to last read into the attribute at the positions
+  // given, one for each instance; an attribute without instances is sized
+  // to the largest position. The second form does so for each attribute.
+  void readRangeScattered(Attribute& attribute, unsigned int first, unsigned int last,
+                          std::vector<unsigned int> const& positions);
+  void readRangeScattered(std::vector<Attribute*> const& attributes, unsigned int first, unsigned int last,
+                          std::vector<unsigned int> const& positions);
   // The header words as this machine reads them.
   std::vector<int> const& getHeader();
   bool isSwapped();

@@ -147,6 +147,47 @@ void OffloadAttributeFile::readList(Attribute& attribute, std::vector<unsigned i
   attribute.copyData(result);
 }
 
+void OffloadAttributeFile::readRangeScattered(Attribute& attribute, unsigned int first, unsigned int last,
+                                              std::vector<unsigned int> const& positions) {
+  char const* const label = "OffloadAttributeFile::readRangeScattered";
+  unsigned int const n = getNInstances();
+  for (unsigned int i : {first, last})
+    if (i < 1 || i > n)
+      Message::fatal(label, 0, "Scattered write to instance %d is outsize of the range 1:%d!", static_cast<int>(i),
+                     static_cast<int>(n));
+  myCheckRange(first, last);
+  if (positions.size() != last - first + 1)
+    Message::fatal(label, 0, "Scattered read of %d instances was given %d positions.",
+                   static_cast<int>(last - first + 1), static_cast<int>(positions.size()));
+  unsigned int largest = 0;
+  for (unsigned int p : positions) largest = std::max(largest, p);
+  Attribute values(attribute.getName(), attribute.getClass(), attribute.getDataType());
+  readRange(values, first, last);
+  if (attribute.getNInstances() == 0 || attribute.getLength() != values.getLength()) {
+    if (attribute.getNInstances() != 0)
+      Message::fatal(label, 0, "Attribute too small, contains %d instances but we need %d and it's not safe to resize!",
+                     static_cast<int>(attribute.getNInstances()), static_cast<int>(largest));
+    attribute = values;
+    attribute.resize(largest);
+  } else if (attribute.getNInstances() < largest) {
+    Message::fatal(label, 0, "Attribute too small, contains %d instances but we need %d and it's not safe to resize!",
+                   static_cast<int>(attribute.getNInstances()), static_cast<int>(largest));
+  }
+  std::size_t const bytes =
+      static_cast<std::size_t>(values.getLength()) * static_cast<std::size_t>(values.getDataTypeSize());
+  for (std::size_t k = 0; k < positions.size(); ++k) {
+    if (positions[k] < 1)
+      Message::fatal(label, 0, "Scattered write to position %d is outsize of the range 1:%d!",
+                     static_cast<int>(positions[k]), static_cast<int>(attribute.getNInstances()));
+    std::memcpy(attribute.getPointer(positions[k]), values.getPointer(static_cast<unsigned int>(k + 1)), bytes);
+  }
+}
+
+void OffloadAttributeFile::readRangeScattered(std::vector<Attribute*> const& attributes, unsigned int first,
+                                              unsigned int last, std::vector<unsigned int> const& positions) {
+  for (Attribute* attribute : attributes) readRangeScattered(*attribute, first, last, positions);
+}
+
 void OffloadAttributeFile::myLoadRecords(unsigned int first, unsigned int last) {
   std::size_t const recordBytes = 4u * static_cast<std::size_t>(m_header[7]);
   std::size_t const size = static_cast<std::size_t>(last - first + 1) * recordBytes;

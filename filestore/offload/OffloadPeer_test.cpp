@@ -102,6 +102,18 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
           EXPECT_EQ(vString(order[0] == '<' ? "little" : "big"), store.getFile().getProperties().findProperty(vUCString("ENDIAN"))->getString());
           EXPECT_EQ(vString(shape == 995 ? "polygonal" : "rectangular"),
                     store.getFile().getProperties().findProperty(vUCString("MOFFLD_SHAPE"))->getString());
+          // Bins 2 and 3 scattered to positions 5 and 1 of a new attribute.
+          Attribute scattered("CDP", "", vINT32);
+          store.getFile().readRangeScattered(scattered, 2, 3, {5, 1});
+          ASSERT_EQ(5u, scattered.getNInstances());
+          EXPECT_EQ(14, scattered.getInt32(5));
+          EXPECT_EQ(21, scattered.getInt32(1));
+          EXPECT_EQ("Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!",
+                    reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {6, 1}); }));
+          EXPECT_EQ("Scattered write to position 0 is outsize of the range 1:5!",
+                    reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {0, 1}); }));
+          EXPECT_EQ("Scattered write to instance 13 is outsize of the range 1:12!",
+                    reason([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }));
           // The mute restored: two zeros in front, the whole trace from 0.
           store.getFile().setRestoreMute(true);
           Attribute whole("TRACE", "", vFLOAT32);
