@@ -41,6 +41,7 @@ OffloadAttributeFile::OffloadAttributeFile()
       m_bufferLast(0),
       m_offsetBin(0),
       m_useGenerated(true),
+      m_useGeneratedCmp(true),
       m_created(false),
       m_laidOut(false),
       m_compression(NONE),
@@ -227,7 +228,12 @@ void OffloadAttributeFile::myBuildAttributes() {
   }
   std::sort(m_offsets.begin(), m_offsets.end());
   m_useGenerated = systemFlag("USEGENERATEDATTRS", true);
-  if (!m_useGenerated) Message::info("OffloadAttributeFile::myBuildAttributes", 0, "'%s' - Will not use generated attributes!", m_fileName.c_str());
+  if (!m_useGenerated)
+    Message::info("OffloadAttributeFile::myBuildAttributes", 0, "'%s' - Will not use generated attributes!",
+                  m_fileName.c_str());
+  m_useGeneratedCmp = systemFlag("USEGENERATEDCMP", true);
+  if (!m_useGeneratedCmp)
+    Message::info("OffloadAttributeFile::myBuildAttributes", 0, "'%s' - Will not use generated cmp!", m_fileName.c_str());
   double const interval = m_header[4] / 1000.0;
   int const mute = restoreMute ? 0 : m_header[18];
   int const length = restoreMute ? m_header[2] : m_header[2] - m_header[18];
@@ -328,8 +334,9 @@ int OffloadAttributeFile::getOffset(Attribute const& attribute) const {
   AttributeOffset const key{0, 0, attribute.getName()};
   auto const found = std::lower_bound(m_offsets.begin(), m_offsets.end(), key);
   if (found != m_offsets.end() && found->name == attribute.getName()) {
-    if (!m_useGenerated || (found->name != vUCString("INLINE") && found->name != vUCString("CROSSLINE") &&
-                            found->name != vUCString("CMP")))
+    bool const key = found->name == vUCString("INLINE") || found->name == vUCString("CROSSLINE");
+    bool const cmp = found->name == vUCString("CMP");
+    if ((!key && !cmp) || (key && !m_useGenerated) || (cmp && (!m_useGenerated || !m_useGeneratedCmp)))
       return 4 * (m_header[8] + found->position);
   }
   if (attribute.getName() == vUCString("TRACE") || attribute.getName() == vUCString("TRACE.I16.SCALER")) return 0;

@@ -148,6 +148,7 @@ class OffloadAttributeFile : public AttributeFile {
   PropertyList m_properties;
   double m_offsetBin;
   bool m_useGenerated;
+  bool m_useGeneratedCmp;
   // New files.
   bool m_created;
   bool m_laidOut;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <sstream>
@@ -114,6 +115,14 @@ TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
       EXPECT_EQ(1, fold.getInt32(11));
       EXPECT_NEAR(traceSample(11, 4), trace.getFloat32Pointer(1)[4], packed ? 0.01 : 0.0);
       EXPECT_DOUBLE_EQ(8.0, trace.getFirstTime());
+      // Without generated attributes the keys come from the records, where
+      // nothing was written to them.
+      ::setenv("SP_OFFLOAD_USEGENERATEDATTRS", "false", 1);
+      OffloadDiskStore plain;
+      plain.open(vFilename(name.c_str()));
+      plain.read(il, 11, 11);
+      ::unsetenv("SP_OFFLOAD_USEGENERATEDATTRS");
+      EXPECT_EQ(0, il.getInt32(1));
       std::remove(name.c_str());
     }
 }
