@@ -95,8 +95,10 @@ std::string writeOffload(bool packed) {
     for (unsigned int k = 0; k < n; ++k) {
       int* record = &records[static_cast<std::size_t>(k) * L];
       for (int s = 0; s < kSamples; ++s) samples[s] = sample(first + k, s);
-      if (packed) compression_moffld_int16(kSamples, samples.data(), false, record, 0, 1);
-      else std::memcpy(record, samples.data(), 4 * kSamples);
+      if (packed)
+        compression_moffld_int16(kSamples, samples.data(), false, record, 0, 1);
+      else
+        std::memcpy(record, samples.data(), 4 * kSamples);
       record[traceWords] = static_cast<int>(first + k);
     }
     std::size_t const bytes = 4u * static_cast<std::size_t>(L) * n;
@@ -113,7 +115,9 @@ std::string writeSegy() {
   std::vector<unsigned char> headers(SegyKernels::FILE_HEADER_LENGTH, 0x40);
   unsigned char* binary = headers.data() + SegyKernels::TEXT_HEADER_LENGTH;
   std::memset(binary, 0, SegyKernels::BINARY_HEADER_LENGTH);
-  auto put16 = [](unsigned char* at, int16_t v) { at[0] = static_cast<unsigned char>(v >> 8), at[1] = static_cast<unsigned char>(v); };
+  auto put16 = [](unsigned char* at, int16_t v) {
+    at[0] = static_cast<unsigned char>(v >> 8), at[1] = static_cast<unsigned char>(v);
+  };
   put16(binary + 16, 4000);
   put16(binary + 20, kSamples);
   put16(binary + 24, 5);

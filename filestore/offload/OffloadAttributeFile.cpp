@@ -85,8 +85,8 @@ void OffloadAttributeFile::myOpenFile() {
   if (probe.partialRead(0, 4, 1, 1, &word0) != 4 || !probe.isGood()) {
     probe.clear();
     probe.close();
-    Message::fatal(label, 0, "File %s does not appear to be a offload file. Expected %d found %d.",
-                   m_fileName.c_str(), kMagic, 0);
+    Message::fatal(label, 0, "File %s does not appear to be a offload file. Expected %d found %d.", m_fileName.c_str(),
+                   kMagic, 0);
   }
   try {
     myCheckForByteSwap(word0);
@@ -110,10 +110,10 @@ void OffloadAttributeFile::myOpenFile() {
     throw;
   }
   int const recordLength = m_header[7];
-  if (recordLength <= 0 || m_header[8] <= 0 || m_header[8] > recordLength || m_header[9] <= 0 ||
-      m_header[10] <= 0 || m_header[2] <= 0 || m_header[18] < 0 || m_header[18] >= m_header[2] ||
-      m_header[6] < 0 || m_header[5] != kTableEntry * m_header[6] || m_header[31] < 1 || m_header[33] < 1 ||
-      m_header[34] < 1 || static_cast<long long>(m_header[9]) * m_header[10] > 100000000LL)
+  if (recordLength <= 0 || m_header[8] <= 0 || m_header[8] > recordLength || m_header[9] <= 0 || m_header[10] <= 0 ||
+      m_header[2] <= 0 || m_header[18] < 0 || m_header[18] >= m_header[2] || m_header[6] < 0 ||
+      m_header[5] != kTableEntry * m_header[6] || m_header[31] < 1 || m_header[33] < 1 || m_header[34] < 1 ||
+      static_cast<long long>(m_header[9]) * m_header[10] > 100000000LL)
     Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
   m_file = m_options.getUpdate() ? FS::update(m_fileName, FS::RecordFile, 0, 4 * recordLength)
                                  : FS::open(m_fileName, FS::RecordFile, 1024, 4 * recordLength);
@@ -130,8 +130,9 @@ void OffloadAttributeFile::myOpenFile() {
       Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
     myBuildAttributes();
     mySetupGrid();
-    m_shape = m_header[89] == 995 ? vString("polygonal") : m_header[89] == 991 ? vString("rectangular")
-                                                                               : vString("unknown");
+    m_shape = m_header[89] == 995   ? vString("polygonal")
+              : m_header[89] == 991 ? vString("rectangular")
+                                    : vString("unknown");
     m_offsetBin = m_version->getFileOffset(m_header.data());
     mySetupProperties();
     myLoadMaps();
@@ -142,7 +143,8 @@ void OffloadAttributeFile::myOpenFile() {
     throw;
   }
   if (systemFlag("DUMPPOLYGONINFO", false)) {
-    for (std::size_t k = 0; k < m_header.size(); ++k) std::printf("header[%d] = %d\n", static_cast<int>(k), m_header[k]);
+    for (std::size_t k = 0; k < m_header.size(); ++k)
+      std::printf("header[%d] = %d\n", static_cast<int>(k), m_header[k]);
     for (std::size_t k = 0; k < m_fold.size(); ++k)
       std::printf("bin %d fold %d mask %d\n", static_cast<int>(k + 1), m_fold[k], m_mask.empty() ? 0 : m_mask[k]);
   }
@@ -233,11 +235,13 @@ void OffloadAttributeFile::myBuildAttributes() {
                   m_fileName.c_str());
   m_useGeneratedCmp = systemFlag("USEGENERATEDCMP", true);
   if (!m_useGeneratedCmp)
-    Message::info("OffloadAttributeFile::myBuildAttributes", 0, "'%s' - Will not use generated cmp!", m_fileName.c_str());
+    Message::info("OffloadAttributeFile::myBuildAttributes", 0, "'%s' - Will not use generated cmp!",
+                  m_fileName.c_str());
   double const interval = m_header[4] / 1000.0;
   int const mute = restoreMute ? 0 : m_header[18];
   int const length = restoreMute ? m_header[2] : m_header[2] - m_header[18];
-  m_attributes.push_back(Attribute("TRACE", "TRACE", vFLOAT32, length, interval, m_header[18] * interval * (mute ? 1 : 0)));
+  m_attributes.push_back(
+      Attribute("TRACE", "TRACE", vFLOAT32, length, interval, m_header[18] * interval * (mute ? 1 : 0)));
   for (char const* name : {"CMP.FOLD", "OFFSET.BIN", "CMP", "INLINE", "CROSSLINE"})
     if (std::none_of(m_attributes.begin(), m_attributes.end(),
                      [name](Attribute const& a) { return a.getName() == vUCString(name); }))
@@ -265,7 +269,10 @@ void OffloadAttributeFile::mySetupProperties() {
   float ilInterval, xlInterval;
   std::memcpy(&xlInterval, &h[15], 4);
   std::memcpy(&ilInterval, &h[16], 4);
-  auto put = [this](char const* name, Property const& value) { m_properties.addOrReplaceProperty(value); (void)name; };
+  auto put = [this](char const* name, Property const& value) {
+    m_properties.addOrReplaceProperty(value);
+    (void)name;
+  };
   auto text = [&put](char const* name, char const* value) { put(name, Property(vUCString(name), value)); };
   auto number = [&put](char const* name, int value) { put(name, Property(vUCString(name), value)); };
   auto real = [&put](char const* name, double value) { put(name, Property(vUCString(name), value)); };
@@ -375,7 +382,8 @@ KeyList OffloadAttributeFile::getKeyList() {
 
 bool OffloadAttributeFile::isCalculatable(vUCString const& name) {
   myOpenFile();
-  if (name == vUCString("CMP.FOLD") || name == vUCString("OFFSET.BIN")) return getOffset(Attribute(name.c_str(), "", vINT32)) < 0;
+  if (name == vUCString("CMP.FOLD") || name == vUCString("OFFSET.BIN"))
+    return getOffset(Attribute(name.c_str(), "", vINT32)) < 0;
   if (name == vUCString("CMP") || name == vUCString("INLINE") || name == vUCString("CROSSLINE"))
     return getOffset(Attribute(name.c_str(), "", vINT32)) < 0;
   return false;

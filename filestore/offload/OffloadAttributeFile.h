@@ -135,7 +135,7 @@ class OffloadAttributeFile : public AttributeFile {
   bool m_swap;
   bool m_fscp;
   vString m_shape;
-  std::list<Attribute> m_attributes;     // the store layer's names
+  std::list<Attribute> m_attributes;       // the store layer's names
   std::list<Attribute> m_tableAttributes;  // as the table has them
   std::vector<AttributeOffset> m_offsets;
   std::vector<char> m_buffer;

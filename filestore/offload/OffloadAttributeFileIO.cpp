@@ -21,8 +21,10 @@ void OffloadAttributeFile::myReadRecords(long long record, unsigned int count, c
   // size below.
   long long bytes = static_cast<long long>(count) * 4LL * m_header[7];
   if (count == 0) {
-    if (record == m_header[31]) bytes = 4LL * m_header[5];
-    else bytes = 4LL * m_header[9] * m_header[10];
+    if (record == m_header[31])
+      bytes = 4LL * m_header[5];
+    else
+      bytes = 4LL * m_header[9] * m_header[10];
   }
   if (bytes == 0) return;
   // A disk may hand the bytes over in pieces; partial reads of whole
@@ -132,14 +134,14 @@ void OffloadAttributeFile::cacheRange(unsigned int first, unsigned int last) {
 void OffloadAttributeFile::readList(Attribute& attribute, std::vector<unsigned int> const& instances) {
   Attribute const& definition = myDefinition("OffloadAttributeFile::readList", attribute.getName());
   DataType const type = attribute.getDataType() == vNOTYPE ? definition.getDataType() : attribute.getDataType();
-  Attribute result(definition.getName(), attribute.getClass(), type, definition.getLength(),
-                   definition.getSampleRate(), definition.getFirstTime());
+  Attribute result(definition.getName(), attribute.getClass(), type, definition.getLength(), definition.getSampleRate(),
+                   definition.getFirstTime());
   result.resize(static_cast<unsigned int>(instances.size()));
   std::size_t const bytes =
       static_cast<std::size_t>(result.getLength()) * static_cast<std::size_t>(result.getDataTypeSize());
   for (std::size_t k = 0; k < instances.size(); ++k) {
-    Attribute one(definition.getName(), attribute.getClass(), type, definition.getLength(),
-                  definition.getSampleRate(), definition.getFirstTime());
+    Attribute one(definition.getName(), attribute.getClass(), type, definition.getLength(), definition.getSampleRate(),
+                  definition.getFirstTime());
     readRange(one, instances[k], instances[k]);
     std::memcpy(result.getPointer(static_cast<unsigned int>(k + 1)), one.getPointer(1), bytes);
   }
@@ -193,8 +195,10 @@ void OffloadAttributeFile::myLoadRecords(unsigned int first, unsigned int last) 
   std::size_t const size = static_cast<std::size_t>(last - first + 1) * recordBytes;
   // A rectangular window is read whole; a polygonal one has gaps for its
   // dead bins, which must read as zeros.
-  if (m_mask.empty()) m_buffer.resize(size);
-  else m_buffer.assign(size, 0);
+  if (m_mask.empty())
+    m_buffer.resize(size);
+  else
+    m_buffer.assign(size, 0);
   m_bufferFirst = m_bufferLast = 0;
   if (m_mask.empty()) {
     myReadRecords(m_header[34] + static_cast<long long>(first) - 1, last - first + 1, m_buffer.data());
@@ -304,8 +308,7 @@ void OffloadAttributeFile::myZapDead(Attribute& attribute, unsigned int first, u
   // A dead bin has no trace, so none of its values is read.
   for (unsigned int i = first; i <= last; ++i) {
     bool const outside = i < liveFirst || i > liveLast;
-    if (outside || m_fold[i - 1] == 0)
-      std::memset(attribute.getPointer(i - first + 1), 0, bytes);
+    if (outside || m_fold[i - 1] == 0) std::memset(attribute.getPointer(i - first + 1), 0, bytes);
   }
 }
 
@@ -316,11 +319,16 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
   for (unsigned int i = first; i <= last; ++i) {
     int const index = static_cast<int>(i);
     double value = 0;
-    if (name == vUCString("CMP")) value = m_grid.convertCMPIndexToCMP(index);
-    else if (name == vUCString("INLINE")) value = m_grid.convertCMPIndexToInline(index);
-    else if (name == vUCString("CROSSLINE")) value = m_grid.convertCMPIndexToCrossline(index);
-    else if (name == vUCString("CMP.FOLD")) value = m_fold[static_cast<std::size_t>(index - 1)];
-    else if (name == vUCString("OFFSET.BIN")) value = m_offsetBin;
+    if (name == vUCString("CMP"))
+      value = m_grid.convertCMPIndexToCMP(index);
+    else if (name == vUCString("INLINE"))
+      value = m_grid.convertCMPIndexToInline(index);
+    else if (name == vUCString("CROSSLINE"))
+      value = m_grid.convertCMPIndexToCrossline(index);
+    else if (name == vUCString("CMP.FOLD"))
+      value = m_fold[static_cast<std::size_t>(index - 1)];
+    else if (name == vUCString("OFFSET.BIN"))
+      value = m_offsetBin;
     values[i - first] = value;
   }
   vUtl::copyConvert(values.data(), vFLOAT64, attribute.getPointer(1), attribute.getDataType(), values.size());
@@ -329,16 +337,19 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
 // --- the writing side --------------------------------------------------------------------------
 
 void OffloadAttributeFile::create(vFilename const& name) {
-  if (m_isOpen || m_created) Message::fatal("OffloadAttributeFile::create", 0, "Cannot add things to an existing file.%s", name.c_str());
+  if (m_isOpen || m_created)
+    Message::fatal("OffloadAttributeFile::create", 0, "Cannot add things to an existing file.%s", name.c_str());
   m_fileName = name;
   m_created = true;
 }
 
 void OffloadAttributeFile::addAttribute(Attribute const& attribute) {
-  if (!m_created) Message::fatal("OffloadAttributeFile::addAttribute", 0, "Cannot add things to an existing file.%s", m_fileName.c_str());
-  if (m_laidOut)
-    Message::fatal("OffloadAttributeFile::addAttribute", 0, "File %s cannot be extended once data has been written to it.",
+  if (!m_created)
+    Message::fatal("OffloadAttributeFile::addAttribute", 0, "Cannot add things to an existing file.%s",
                    m_fileName.c_str());
+  if (m_laidOut)
+    Message::fatal("OffloadAttributeFile::addAttribute", 0,
+                   "File %s cannot be extended once data has been written to it.", m_fileName.c_str());
   m_attributes.push_back(attribute);
 }
 
@@ -401,8 +412,8 @@ void OffloadAttributeFile::myDoCreation() {
   h[19] = m_grid.getLastCrossline();
   h[20] = m_grid.getLastInline();
   if (h[9] <= 0 || h[10] <= 0) Message::fatal(label, 0, "File %s has no grid to lay its bins out.", m_fileName.c_str());
-  bool const floats = m_firstOffset != static_cast<int>(m_firstOffset) ||
-                      m_offsetIncrement != static_cast<int>(m_offsetIncrement);
+  bool const floats =
+      m_firstOffset != static_cast<int>(m_firstOffset) || m_offsetIncrement != static_cast<int>(m_offsetIncrement);
   h[59] = floats ? 2 : 1;
   m_version = vHandle<OffloadVersionBits>(OffloadVersionBits::forVersion(h[59]));
   h[21] = m_sequence;
@@ -494,8 +505,10 @@ void OffloadAttributeFile::writeRange(Attribute const& attribute, unsigned int f
     void const* in = attribute.getPointer(i - first + 1);
     if (definition.getName() == vUCString("TRACE")) {
       vUtl::copyConvert(in, attribute.getDataType(), samples.data(), vFLOAT32, samples.size());
-      if (m_compression == INT16) compression_moffld_int16(length, samples.data(), false, record, 0, 1);
-      else std::memcpy(record, samples.data(), 4 * samples.size());
+      if (m_compression == INT16)
+        compression_moffld_int16(length, samples.data(), false, record, 0, 1);
+      else
+        std::memcpy(record, samples.data(), 4 * samples.size());
     } else {
       vUtl::copyConvert(in, attribute.getDataType(), record + offset, definition.getDataType(),
                         static_cast<std::size_t>(length));

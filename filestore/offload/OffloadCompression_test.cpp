@@ -1,5 +1,7 @@
 // 16-bit packing against an independent Python packer (testdata/).
 
+#include "filestore/offload/OffloadCompression.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,8 +9,6 @@
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include "filestore/offload/OffloadCompression.h"
 
 namespace {
 
@@ -57,8 +57,7 @@ TEST(OffloadCompression, PackedRecordsAndValuesMatchThePythonPacker) {
     ASSERT_TRUE(pythonPack(c.n, c.window, c.swap, hex, expected)) << "python3 with numpy is needed";
     std::vector<float> samples(static_cast<std::size_t>(c.n));
     for (int i = 0; i < c.n; ++i)
-      samples[static_cast<std::size_t>(i)] =
-          i < 5 ? 0.0f : static_cast<float>(std::sin(0.7 * i) * 100 * (i % 5 + 1));
+      samples[static_cast<std::size_t>(i)] = i < 5 ? 0.0f : static_cast<float>(std::sin(0.7 * i) * 100 * (i % 5 + 1));
     int const words = compression_moffld_int16Tlen(c.n, c.window);
     std::vector<uint32_t> record(static_cast<std::size_t>(words), 0xdeadbeef);
     compression_moffld_int16(c.n, samples.data(), c.swap != 0, record.data(), c.window, 1);

@@ -43,7 +43,8 @@ StoreConformanceCase offloadCase() {
   c.hasKeyList = false;
   c.hasClasses = false;
   c.texts.unknownAttribute = "Attribute %s is not in the OffloadDiskStore %s.";
-  c.texts.keysMissing = "Key list has duplicate or missing values in OffloadDiskStore %s. Wanted %lld value(s) but found %lld.";
+  c.texts.keysMissing =
+      "Key list has duplicate or missing values in OffloadDiskStore %s. Wanted %lld value(s) but found %lld.";
   c.texts.notWritable = "OffloadDiskStore is not created or opened for update.";
   c.texts.notOpen = "OffloadDiskStore is not open.";
   return c;

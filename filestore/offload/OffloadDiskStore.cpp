@@ -29,7 +29,8 @@ bool isDataFile(vFilename const& file) {
 
 OffloadDiskStore::OffloadDiskStore() : OffloadDiskStore(vHandle<Project>()) {}
 
-OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project) : DiskStore(project), m_isOpen(false), m_created(false) {}
+OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project)
+    : DiskStore(project), m_isOpen(false), m_created(false) {}
 
 OffloadDiskStore::~OffloadDiskStore() {
   if (m_isOpen) {
@@ -78,7 +79,8 @@ void OffloadDiskStore::myOpenData(vFilename const& file) {
     data->getHeader();
     OffloadVersionBits const& bits = m_header->getVersion();
     bits.getFileOffsets(data->getHeader().data(), first, increment, last);
-    if (data->getHeader()[64] != m_header->getNOffsets() || static_cast<float>(first) != static_cast<float>(m_header->getFirstOffset()))
+    if (data->getHeader()[64] != m_header->getNOffsets() ||
+        static_cast<float>(first) != static_cast<float>(m_header->getFirstOffset()))
       Message::fatal("OffloadDiskStore::open", 0, "Data file '%s' does not belong to the offsets of header file '%s'.",
                      file.c_str(), m_fileName.c_str());
   }
@@ -235,8 +237,10 @@ void OffloadDiskStore::openAttributeSet(vLCString const& name) {
   if (name.isBlank() || name == getAttributeSetName()) return;
   for (std::size_t k = 0; k < m_dataFiles.size(); ++k)
     if (vLCString(m_dataFiles[k].getRoot()) == name) {
-      if (m_created) m_file = m_createdFiles[k];
-      else myOpenData(m_dataFiles[k]);
+      if (m_created)
+        m_file = m_createdFiles[k];
+      else
+        myOpenData(m_dataFiles[k]);
       return;
     }
   Message::fatal("OffloadDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
@@ -274,9 +278,7 @@ void OffloadDiskStore::write(Attribute const&, KeyList const&) {
   Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
 }
 
-void OffloadDiskStore::addInstances(unsigned int) {
-  Message::fatal("OffloadDiskStore::addInstances", 0, kNotWritable);
-}
+void OffloadDiskStore::addInstances(unsigned int) { Message::fatal("OffloadDiskStore::addInstances", 0, kNotWritable); }
 
 void OffloadDiskStore::read(Attribute& attribute, KeyList const& keys) const {
   myCheckOpen("OffloadDiskStore::read");

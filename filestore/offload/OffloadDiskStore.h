@@ -45,8 +45,7 @@ class OffloadDiskStore : public DiskStore {
   bool hasAttribute(vUCString const& name) const override;
   std::list<Attribute> getAttributeList() const override;
   void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
+  std::list<Attribute> getAttributeList(vUCString const& text, AttributeMatch::AttributeMatchType match) const override;
   vHandle<AttributeSetList> getAttributeSetList() const override;
   void getAttributeSetList(AttributeSetList& names) const override;
   vLCString getAttributeSetName() const override;

@@ -1,6 +1,8 @@
 // The header file: its text read as written, written and read back, and a
 // header set opened as a store over data files from the Python writer.
 
+#include "filestore/offload/OffloadHeaderFile.h"
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -11,7 +13,6 @@
 #include <string>
 
 #include "filestore/offload/OffloadDiskStore.h"
-#include "filestore/offload/OffloadHeaderFile.h"
 #include "foundation/UtlExcept.h"
 
 namespace {
@@ -59,7 +60,8 @@ TEST(OffloadHeaderFile, TextsReadAsWritten) {
   std::string v2 = "Tue Mar  5 10:00:00 1996\njob\n12.5 25 4\nx\n";
   while (v2.size() % 4) v2 += ' ';
   std::string swapped = v2;
-  for (std::size_t k = 0; k < swapped.size(); k += 4) std::swap(swapped[k], swapped[k + 3]), std::swap(swapped[k + 1], swapped[k + 2]);
+  for (std::size_t k = 0; k < swapped.size(); k += 4)
+    std::swap(swapped[k], swapped[k + 3]), std::swap(swapped[k + 1], swapped[k + 2]);
   ASSERT_EQ(" euT", swapped.substr(0, 4));
   for (std::string const& text : {v2, swapped}) {
     OffloadHeaderFile w;
@@ -72,8 +74,10 @@ TEST(OffloadHeaderFile, TextsReadAsWritten) {
     EXPECT_EQ(vString("x"), w.getDataFilenames()[0].getRoot());
   }
   // The first words of a data file, in either order.
-  for (std::string const& data : {std::string("\x64\0\0\0\xa7\x2e\x01\0", 8), std::string("\0\0\0\x64\0\x01\x2e\xa7", 8)})
-    EXPECT_EQ("File 'd' does not appear to be a header file", reason([&] { h.parse(vFilename("d"), data.data(), data.size()); }));
+  for (std::string const& data :
+       {std::string("\x64\0\0\0\xa7\x2e\x01\0", 8), std::string("\0\0\0\x64\0\x01\x2e\xa7", 8)})
+    EXPECT_EQ("File 'd' does not appear to be a header file",
+              reason([&] { h.parse(vFilename("d"), data.data(), data.size()); }));
 }
 
 TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
@@ -104,7 +108,8 @@ TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
   std::string files;
   for (char const* order : {"<", ">"}) {
     std::string const data = base + (order[0] == '<' ? "_le" : "_be") + ".offload";
-    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
+    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
+                            "/filestore/offload/testdata/offload_fixture.py " +
                             data + " " + base + ".txt '" + order + "' 1 991 0";
     ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
     files += data + "\n";
@@ -122,12 +127,15 @@ TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
   Attribute cdp("CDP", "", vINT32);
   store.read(cdp, 2, 2);
   EXPECT_EQ(14, cdp.getInt32(1));
-  EXPECT_EQ(std::string(store.getCurrentFilename().c_str()), files.substr(files.find('\n') + 1, files.size() - files.find('\n') - 2));
+  EXPECT_EQ(std::string(store.getCurrentFilename().c_str()),
+            files.substr(files.find('\n') + 1, files.size() - files.find('\n') - 2));
   store.close();
   header("100 50 4");
   std::string const first = files.substr(0, files.find('\n'));
-  EXPECT_EQ("Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.",
-            reason([&] { OffloadDiskStore s; s.open(vFilename((base + ".hdr").c_str())); }));
+  EXPECT_EQ("Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.", reason([&] {
+              OffloadDiskStore s;
+              s.open(vFilename((base + ".hdr").c_str()));
+            }));
   std::remove((base + ".hdr").c_str());
   std::remove((base + ".txt").c_str());
 }

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -25,13 +25,13 @@ struct Fixture {
 
 Fixture writeFixture(char const* order, int version, int shape, int compressed) {
   static int serial = 0;
-  std::string const base = ::testing::TempDir() + "offload_peer_" + std::to_string(::getpid()) + "_" +
-                           std::to_string(++serial);
+  std::string const base =
+      ::testing::TempDir() + "offload_peer_" + std::to_string(::getpid()) + "_" + std::to_string(++serial);
   Fixture f{base + ".offload", base + ".txt"};
-  std::string const cmd = std::string("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
-                                      "/filestore/offload/testdata/offload_fixture.py ") +
-                          f.file + " " + f.expect + " '" + order + "' " + std::to_string(version) + " " +
-                          std::to_string(shape) + " " + std::to_string(compressed);
+  std::string const cmd =
+      std::string("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py ") +
+      f.file + " " + f.expect + " '" + order + "' " + std::to_string(version) + " " + std::to_string(shape) + " " +
+      std::to_string(compressed);
   EXPECT_EQ(0, std::system(cmd.c_str())) << "the Python fixture (python3 with numpy) failed: " << cmd;
   return f;
 }
@@ -99,7 +99,8 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
           store.read(one, std::vector<unsigned int>{7, 2});
           EXPECT_EQ(49, one.getInt32(1));
           EXPECT_EQ(14, one.getInt32(2));
-          EXPECT_EQ(vString(order[0] == '<' ? "little" : "big"), store.getFile().getProperties().findProperty(vUCString("ENDIAN"))->getString());
+          EXPECT_EQ(vString(order[0] == '<' ? "little" : "big"),
+                    store.getFile().getProperties().findProperty(vUCString("ENDIAN"))->getString());
           EXPECT_EQ(vString(shape == 995 ? "polygonal" : "rectangular"),
                     store.getFile().getProperties().findProperty(vUCString("MOFFLD_SHAPE"))->getString());
           // Bins 2 and 3 scattered to positions 5 and 1 of a new attribute.
@@ -108,12 +109,15 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
           ASSERT_EQ(5u, scattered.getNInstances());
           EXPECT_EQ(14, scattered.getInt32(5));
           EXPECT_EQ(21, scattered.getInt32(1));
-          EXPECT_EQ("Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!",
-                    reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {6, 1}); }));
-          EXPECT_EQ("Scattered write to position 0 is outsize of the range 1:5!",
-                    reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {0, 1}); }));
-          EXPECT_EQ("Scattered write to instance 13 is outsize of the range 1:12!",
-                    reason([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }));
+          EXPECT_EQ("Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!", reason([&] {
+                      store.getFile().readRangeScattered(scattered, 2, 3, {6, 1});
+                    }));
+          EXPECT_EQ("Scattered write to position 0 is outsize of the range 1:5!", reason([&] {
+                      store.getFile().readRangeScattered(scattered, 2, 3, {0, 1});
+                    }));
+          EXPECT_EQ("Scattered write to instance 13 is outsize of the range 1:12!", reason([&] {
+                      store.getFile().readRangeScattered(scattered, 12, 13, {1, 2});
+                    }));
           // The mute restored: two zeros in front, the whole trace from 0.
           store.getFile().setRestoreMute(true);
           Attribute whole("TRACE", "", vFLOAT32);
@@ -185,12 +189,12 @@ TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
             patched(0, 65536000, bytes.size()));
   EXPECT_EQ("File " + name + " does not appear to be a offload file. Expected 77479 found 5.",
             patched(4, 5, bytes.size()));
-  EXPECT_EQ("Can only handle versions upto 2. This file '" + name + "' is version 3.",
-            patched(236, 3, bytes.size()));
+  EXPECT_EQ("Can only handle versions upto 2. This file '" + name + "' is version 3.", patched(236, 3, bytes.size()));
   int subline;
   std::memcpy(&subline, "XUBL", 4);
   // The table of this file starts at record 38 of 10 words; the first name at its word 3.
-  EXPECT_EQ("Could not find Attribute SUBLINE to check for byteswapping.", patched(37 * 40 + 12, subline, bytes.size()));
+  EXPECT_EQ("Could not find Attribute SUBLINE to check for byteswapping.",
+            patched(37 * 40 + 12, subline, bytes.size()));
   // The record of bin 11, the last live one, cut short (bin 12 is dead and never read).
   std::string const cut = patched(0, 100, bytes.size() - 46);
   EXPECT_EQ(0u, cut.find("Failed to do a partial read against the datafile")) << cut;

@@ -59,7 +59,8 @@ TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
       {
         OffloadAttributeFile file;
         file.create(vFilename(name.c_str()));
-        EXPECT_EQ("Cannot add things to an existing file." + name, reason([&] { file.create(vFilename(name.c_str())); }));
+        EXPECT_EQ("Cannot add things to an existing file." + name,
+                  reason([&] { file.create(vFilename(name.c_str())); }));
         for (Attribute const& a : {Attribute("INLINE", "", vINT32), Attribute("CROSSLINE", "", vINT32),
                                    Attribute("TRACE", "", vFLOAT32, 5, 4.0, 8.0), Attribute("CDP", "", vINT32),
                                    Attribute("ELEV", "", vFLOAT32)})
@@ -144,7 +145,8 @@ TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
   EXPECT_EQ(prefix + "class is seismic.", refused("grid", "offloadheader", &options));
   EXPECT_EQ(prefix + "subClass is offloadhesder.", refused("seismic", "segy", &options));
   EXPECT_EQ(prefix + "StoreCreationOptions are supplied.", refused("seismic", "offloadheader", nullptr));
-  EXPECT_EQ(prefix + "StoreCreationOptions grid parameters are supplied.", refused("seismic", "offloadheader", &options));
+  EXPECT_EQ(prefix + "StoreCreationOptions grid parameters are supplied.",
+            refused("seismic", "offloadheader", &options));
   options.setGrid(10, 2, 3, 100, 1, 4, 25.0f, 12.5f);
   EXPECT_EQ(prefix + "StoreCreationOptions offsets are supplied.", refused("seismic", "offloadheader", &options));
   options.setOffsets(100, 200, 3);
