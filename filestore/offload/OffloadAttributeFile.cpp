@@ -6,6 +6,7 @@
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
+#include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
 #include "foundation/SystemPropertyManager.h"
 #include "foundation/vUtl.h"
@@ -113,7 +114,10 @@ void OffloadAttributeFile::myOpenFile() {
   if (recordLength <= 0 || m_header[8] <= 0 || m_header[8] > recordLength || m_header[9] <= 0 || m_header[10] <= 0 ||
       m_header[2] <= 0 || m_header[18] < 0 || m_header[18] >= m_header[2] || m_header[6] < 0 ||
       m_header[5] != kTableEntry * m_header[6] || m_header[31] < 1 || m_header[33] < 1 || m_header[34] < 1 ||
-      static_cast<long long>(m_header[9]) * m_header[10] > 100000000LL)
+      static_cast<long long>(m_header[9]) * m_header[10] > 100000000LL || m_header[3] < 0 ||
+      m_header[3] + m_header[8] != recordLength ||
+      (m_header[17] == 0 ? m_header[2] - m_header[18] : compression_moffld_int16Tlen(m_header[2] - m_header[18], 0)) >
+          m_header[8])
     Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
   m_file = m_options.getUpdate() ? FS::update(m_fileName, FS::RecordFile, 0, 4 * recordLength)
                                  : FS::open(m_fileName, FS::RecordFile, 1024, 4 * recordLength);

@@ -14,6 +14,14 @@
 
 namespace {
 unsigned int const kWindow = 4096;
+
+// The window length that a packed record's first word gives: 0 for one
+// window, and never beyond the trace, however damaged the word.
+int packedWindow(float lead, int n) {
+  if (!(lead < 0.0f)) return 0;
+  double const window = -static_cast<double>(lead);
+  return window >= n ? 0 : std::max(1, static_cast<int>(window));
+}
 }  // namespace
 
 void OffloadAttributeFile::myReadRecords(long long record, unsigned int count, char* target) {
@@ -244,9 +252,7 @@ void OffloadAttributeFile::myExtract(Attribute& attribute, unsigned int first, u
       }
       float lead;
       std::memcpy(&lead, record, 4);
-      int const needed = lead < 0 ? compression_moffld_int16Tlen(stored, std::max(1, static_cast<int>(-lead)))
-                                  : compression_moffld_int16Tlen(stored, 0);
-      if (needed > m_header[8])
+      if (compression_moffld_int16Tlen(stored, packedWindow(lead, stored)) > m_header[8])
         Message::fatal("OffloadAttributeFile::myExtract", 0, "Compressed trace %d of %s is longer than its record.",
                        static_cast<int>(i), m_fileName.c_str());
       compression_moffld_int16(stored, target, m_fscp, const_cast<char*>(record), 0, 0);
@@ -257,21 +263,19 @@ void OffloadAttributeFile::myExtract(Attribute& attribute, unsigned int first, u
       if (compressed) {
         std::size_t const words = static_cast<std::size_t>(m_header[8]);
         std::memcpy(scratch.data(), record, 4 * words);
-        if (m_swap) {
-          vUtl::swapBytes32(scratch.data(), 1);
-          float first;
-          std::memcpy(&first, scratch.data(), 4);
-          int const nScalers = first < 0 ? (stored - 1) / std::max(1, static_cast<int>(-first)) + 1 : 0;
-          vUtl::swapBytes32(scratch.data() + 4, static_cast<std::size_t>(nScalers));
-          vUtl::swapBytes16(scratch.data() + 4 * (nScalers + 1), 2 * (words - 1 - nScalers));
-        }
+        if (m_swap) vUtl::swapBytes32(scratch.data(), 1);
         float lead;
         std::memcpy(&lead, scratch.data(), 4);
-        int const needed = lead < 0 ? compression_moffld_int16Tlen(stored, std::max(1, static_cast<int>(-lead)))
-                                    : compression_moffld_int16Tlen(stored, 0);
+        int const window = packedWindow(lead, stored);
+        int const needed = compression_moffld_int16Tlen(stored, window);
         if (needed > m_header[8])
           Message::fatal("OffloadAttributeFile::myExtract", 0, "Compressed trace %d of %s is longer than its record.",
                          static_cast<int>(i), m_fileName.c_str());
+        if (m_swap) {
+          int const nScalers = window > 0 ? (stored - 1) / window + 1 : 0;
+          vUtl::swapBytes32(scratch.data() + 4, static_cast<std::size_t>(nScalers));
+          vUtl::swapBytes16(scratch.data() + 4 * (nScalers + 1), 2 * (words - 1 - static_cast<std::size_t>(nScalers)));
+        }
         compression_moffld_int16(stored, samples.data(), m_fscp, scratch.data(), 0, 0);
       } else {
         std::memcpy(samples.data(), record, 4 * static_cast<std::size_t>(stored));

@@ -95,9 +95,8 @@ void compression_moffld_int16(int n, float* floats, bool swap, void* record, int
   if (direction <= 0) {
     // The record says how it was cut.
     float const first = readFloat(record, 0);
-    if (first < 0.0f) {
-      int const stored = static_cast<int>(-first);
-      length = stored > 0 ? stored : n;
+    if (first < 0.0f && -static_cast<double>(first) < n) {
+      length = std::max(1, static_cast<int>(-first));
       windows = windowsOf(n, length);
     } else {
       windows = 1;
