@@ -202,8 +202,9 @@ TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
   std::remove(f.expect.c_str());
 }
 
-// Every header word set to values a damaged file might hold: each file
-// opens and reads, or fails with the system's own error.
+// Every word of the file (header, table, maps, records) set to values a
+// damaged file might hold: each file opens and reads, or fails with the
+// system's own error.
 TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
   for (int compressed : {0, 1}) {
     Fixture const f = writeFixture(">", 2, 995, compressed);
@@ -213,10 +214,10 @@ TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
       bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     }
     int failures = 0;
-    for (int word = 0; word < 100; ++word)
+    for (std::size_t word = 0; word < bytes.size() / 4; ++word)
       for (uint32_t value : {0u, 0xffffffffu, 0x40000000u, 0x07000000u, 0x02000000u}) {
         std::string copy = bytes;
-        std::memcpy(&copy[4 * static_cast<std::size_t>(word)], &value, 4);
+        std::memcpy(&copy[4 * word], &value, 4);
         std::ofstream(f.file, std::ios::binary | std::ios::trunc) << copy;
         try {
           OffloadDiskStore store;
