@@ -103,6 +103,29 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
                     store.getFile().getProperties().findProperty(vUCString("ENDIAN"))->getString());
           EXPECT_EQ(vString(shape == 995 ? "polygonal" : "rectangular"),
                     store.getFile().getProperties().findProperty(vUCString("MOFFLD_SHAPE"))->getString());
+          if (compressed) {
+            // The packed samples themselves, and their scaler.
+            Attribute shorts("TRACE.I16", "", vINT16), scaler("TRACE.I16.SCALER", "", vFLOAT32);
+            store.read(shorts, 4, 4), store.read(scaler, 4, 4);
+            ASSERT_EQ(7, shorts.getLength());
+            for (int s = 0; s < 7; ++s)
+              EXPECT_FLOAT_EQ(static_cast<float>(rows[3][4 + s]),
+                              static_cast<int16_t const*>(shorts.getPointer(1))[s] * (1.0f / scaler.getFloat32(1)));
+          }
+          PropertyList const& p = store.getFile().getProperties();
+          for (auto const& [property, value] :
+               std::vector<std::pair<char const*, char const*>>{{"FIRST_INLINE", "10"},
+                                                                {"INLINE_INCREMENT", "2"},
+                                                                {"LAST_INLINE", "14"},
+                                                                {"NUM_CROSSLINES", "4"},
+                                                                {"OFFSET_SEQUENCE", "2"},
+                                                                {"MUTE_LENGTH", "2"},
+                                                                {"CMP_ORDERING", "ALONG_INLINES"},
+                                                                {"HAS_BEEN_FSCP", "no"},
+                                                                {"OFFLOAD_REGISTRATION", "4"}})
+            EXPECT_EQ(vString(value), p.findProperty(vUCString(property))->getString()) << property;
+          EXPECT_EQ(version, p.findProperty(vUCString("OFFLOAD_VERSION"))->getInt32());
+          EXPECT_EQ(compressed != 0, p.hasProperty(vUCString("COMPRESSED")));
           // Bins 2 and 3 scattered to positions 5 and 1 of a new attribute.
           Attribute scattered("CDP", "", vINT32);
           store.getFile().readRangeScattered(scattered, 2, 3, {5, 1});
