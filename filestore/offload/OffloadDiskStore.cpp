@@ -329,3 +329,34 @@ void OffloadDiskStore::read(Attribute& attribute, std::vector<unsigned int> cons
   }
   m_file->readList(attribute, instances);
 }
+
+bool OffloadDiskStore::myGridGroups(Attribute& attribute, std::vector<unsigned int>* sizes,
+                                    vUtlSort::SortOrder::SortOrderType order) const {
+  myCheckOpen("OffloadDiskStore::getUnique");
+  bool const inlines = attribute.getName() == vUCString("INLINE");
+  if (!inlines && attribute.getName() != vUCString("CROSSLINE")) return false;
+  OffloadAttributeFile& file = *m_file;
+  if (!file.isCalculatable(attribute.getName())) return false;
+  CMPBasicGrid const& grid = file.getGrid();
+  int const n = inlines ? grid.getNumInlines() : grid.getNumCrosslines();
+  int const first = inlines ? grid.getFirstInline() : grid.getFirstCrossline();
+  int const increment = inlines ? grid.getInlineInc() : grid.getCrosslineInc();
+  attribute = file.getAttribute(attribute.getName());
+  attribute.resize(static_cast<unsigned int>(n));
+  bool const down = (order == vUtlSort::SortOrder::DESCENDING) != (increment < 0);
+  for (int k = 0; k < n; ++k)
+    attribute.setInt32(static_cast<unsigned int>(k + 1), first + increment * (down ? n - 1 - k : k));
+  if (sizes)
+    sizes->assign(static_cast<std::size_t>(n),
+                  static_cast<unsigned int>(inlines ? grid.getNumCrosslines() : grid.getNumInlines()));
+  return true;
+}
+
+void OffloadDiskStore::getGroupsAndSizes(Attribute& attribute, std::vector<unsigned int>& sizes,
+                                         vUtlSort::SortOrder::SortOrderType order) const {
+  if (!myGridGroups(attribute, &sizes, order)) DiskStore::getGroupsAndSizes(attribute, sizes, order);
+}
+
+void OffloadDiskStore::getUnique(Attribute& attribute, vUtlSort::SortOrder::SortOrderType order) const {
+  if (!myGridGroups(attribute, nullptr, order)) DiskStore::getUnique(attribute, order);
+}

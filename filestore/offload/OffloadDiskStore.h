@@ -70,6 +70,10 @@ class OffloadDiskStore : public DiskStore {
   void read(Attribute& attribute, KeyList const& keys) const override;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
   void read(Attribute& attribute, std::vector<unsigned int> const& instances) const override;
+  // INLINE and CROSSLINE straight from the grid; others as DiskStore.
+  void getGroupsAndSizes(Attribute& attribute, std::vector<unsigned int>& sizes,
+                         vUtlSort::SortOrder::SortOrderType order) const override;
+  void getUnique(Attribute& attribute, vUtlSort::SortOrder::SortOrderType order) const override;
 
   // The data file of the open attribute set.
   OffloadAttributeFile& getFile() const;
@@ -78,6 +82,10 @@ class OffloadDiskStore : public DiskStore {
   void myOpenData(vFilename const& file);
   void myCheckOpen(char const* label) const;
   void mySetupProperties();
+  // The lines of a key in the order asked for, and the bins on each; false
+  // for any other attribute.
+  bool myGridGroups(Attribute& attribute, std::vector<unsigned int>* sizes,
+                    vUtlSort::SortOrder::SortOrderType order) const;
 
   bool m_isOpen;
   bool m_created;

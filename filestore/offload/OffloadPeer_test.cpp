@@ -10,6 +10,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -126,6 +127,25 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
             EXPECT_EQ(vString(value), p.findProperty(vUCString(property))->getString()) << property;
           EXPECT_EQ(version, p.findProperty(vUCString("OFFLOAD_VERSION"))->getInt32());
           EXPECT_EQ(compressed != 0, p.hasProperty(vUCString("COMPRESSED")));
+          // Key groups from the grid agree with those that the records give.
+          for (char const* key : {"INLINE", "CROSSLINE", "CDP"})
+            for (auto order : {vUtlSort::SortOrder::ASCENDING, vUtlSort::SortOrder::DESCENDING}) {
+              Attribute groups(key, "", vINT32), unique(key, "", vINT32), all(key, "", vINT32);
+              std::vector<unsigned int> sizes;
+              store.getGroupsAndSizes(groups, sizes, order);
+              store.getUnique(unique, order);
+              store.read(all, 1, 12);
+              std::map<int, unsigned int> counts;
+              for (unsigned int i = 1; i <= 12; ++i) ++counts[all.getInt32(i)];
+              ASSERT_EQ(counts.size(), sizes.size()) << key;
+              unsigned int k = order == vUtlSort::SortOrder::ASCENDING ? 1 : static_cast<unsigned int>(counts.size());
+              for (auto const& [value, count] : counts) {
+                EXPECT_EQ(value, groups.getInt32(k)) << key;
+                EXPECT_EQ(value, unique.getInt32(k)) << key;
+                EXPECT_EQ(count, sizes[k - 1]) << key;
+                k = order == vUtlSort::SortOrder::ASCENDING ? k + 1 : k - 1;
+              }
+            }
           // Bins 2 and 3 scattered to positions 5 and 1 of a new attribute.
           Attribute scattered("CDP", "", vINT32);
           store.getFile().readRangeScattered(scattered, 2, 3, {5, 1});
