@@ -1,5 +1,6 @@
 #include "attribute/Attribute.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -14,6 +15,7 @@
 #include "foundation/UtlExcept.h"
 #include "foundation/vString.h"
 #include "foundation/vUtl.h"
+#include "foundation/vUtlSize.h"
 
 namespace {
 
@@ -143,6 +145,18 @@ Attribute::Attribute(Attribute const& other) : Packable() {
   operator=(other);
 }
 
+Attribute::Attribute(Attribute&& other) noexcept : Packable() {
+  mySetDataFieldsEmpty();
+  // Nothing to free here yet, so neither step can fail.
+  Attribute::operator=(static_cast<Attribute const&>(other));
+  myMoveDataFrom(other);
+}
+
+Attribute& Attribute::operator=(Attribute&& other) {
+  if (this != &other) myTakeOver(other);
+  return *this;
+}
+
 Attribute::Attribute(Packer& packer) {
   mySetDataFieldsEmpty();
   m_name = m_originalName = m_class = m_originalClass = getNameID(vUCString());
@@ -211,7 +225,9 @@ bool Attribute::operator==(Attribute const& other) const { return m_name == othe
 
 bool Attribute::operator!=(Attribute const& other) const { return m_name != other.m_name; }
 
-bool Attribute::operator<(Attribute const& other) const { return m_name->getID() < other.m_name->getID(); }
+bool Attribute::operator<(Attribute const& other) const {
+  return vUCStringTableData::isLess(m_name, other.m_name);
+}
 
 bool Attribute::compare(Attribute const& other) const {
   if (m_name != other.m_name || m_class != other.m_class) return false;
@@ -364,7 +380,9 @@ double Attribute::getTimeLengthOfGate(int nSamples) const { return nSamples * m_
 
 void* Attribute::myAllocateMemory(long long nValues) const {
   if (nValues <= 0) return nullptr;
-  if (static_cast<unsigned long long>(nValues) > SIZE_MAX / 32)
+  // Checked against the widest value, whichever the type: a count from a
+  // file must not wrap into a small block.
+  if (!vUtl::fitsInMemory(nValues, static_cast<long long>(std::max(sizeof(vString), sizeof(double)))))
     Message::fatal("Attribute::myAllocateMemory", 0, "Cannot allocate %lld values for Attribute %s.", nValues,
                    getName().c_str());
   std::size_t const n = static_cast<std::size_t>(nValues);
@@ -486,6 +504,8 @@ void Attribute::resize(unsigned int nInstances, void* data, int* lengths, Attrib
     int* offsets = nullptr;
     void* block = data;
     if (nInstances > 0) {
+      // Lengths and offsets take a word per instance.
+      vUtl::checkedBytes("Attribute::resize", nInstances, sizeof(int));
       bool const madeLengths = lengths == nullptr;
       ownLengths = madeLengths ? new int[nInstances]() : lengths;
       try {
@@ -562,6 +582,10 @@ void Attribute::transferData(Attribute& source) {
 void Attribute::myTakeOver(Attribute& source) {
   resize(0, nullptr, nullptr, nullptr);
   operator=(source);
+  myMoveDataFrom(source);
+}
+
+void Attribute::myMoveDataFrom(Attribute& source) {
   // The pointers move as they are; the offsets go along, being those of
   // the same lengths.
   m_data = source.m_data;

@@ -23,8 +23,10 @@
 // never text. Instance numbers are 1-based.
 //
 // Copying an attribute (copy construction, operator=) copies the definition
-// and the statistics, never the data: data move only by copyData() and
-// transferData(). Not thread-safe; the string table is.
+// and the statistics, never the data: data are copied only by copyData().
+// Moving one (from a temporary, a return, std::move) takes the data along,
+// as transferData() does, so a returned attribute keeps its values whether
+// or not the compiler elides the copy. Not thread-safe; the string table is.
 
 #include <iosfwd>
 #include <vector>
@@ -60,6 +62,8 @@ class Attribute : public Packable {
             double firstTime = 0.0);
   // The definition and statistics of other, without its data.
   Attribute(Attribute const& other);
+  // The definition, statistics and data of other, which ends empty.
+  Attribute(Attribute&& other) noexcept;
   explicit Attribute(Packer& packer);
   ~Attribute() override;
 
@@ -68,6 +72,8 @@ class Attribute : public Packable {
 
   // Copies the definition and statistics; empties this attribute of data.
   virtual Attribute& operator=(Attribute const& other);
+  // Takes definition and data from other, which ends empty.
+  Attribute& operator=(Attribute&& other);
   // By name entry: a pointer comparison.
   virtual bool operator==(Attribute const& other) const;
   virtual bool operator!=(Attribute const& other) const;
@@ -227,6 +233,9 @@ class Attribute : public Packable {
   void myUnpack(Packer& packer);
   // transferData without the type check.
   void myTakeOver(Attribute& source);
+  // Data, lengths, count and handler of source, which has the same
+  // definition; this holds none before.
+  void myMoveDataFrom(Attribute& source);
 
   DataType m_dataType;
   DataType m_originalDataType;

@@ -38,7 +38,9 @@ struct AttributeSetBufferEntry {
 class AttributeSetBufferImp {
  public:
   struct ByNameRank {
-    bool operator()(vUCStringTableData const* a, vUCStringTableData const* b) const { return a->getID() < b->getID(); }
+    bool operator()(vUCStringTableData const* a, vUCStringTableData const* b) const {
+      return vUCStringTableData::isLess(a, b);
+    }
   };
   typedef std::map<vUCStringTableData const*, AttributeSetBufferEntry, ByNameRank> Entries;
   typedef std::map<vString, vHandle<RecordBuffer> > Buffers;

@@ -189,6 +189,49 @@ TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
   EXPECT_TRUE(c.compare(a));
 }
 
+namespace {
+
+// Two named results, so the compiler cannot build the returned one in place:
+// the return moves.
+Attribute oneOfTwo(bool first) {
+  Attribute a("amp", "c", vFLOAT64, 2, 4.0);
+  a.resize(2);
+  double const values[] = {1.5, 2.5, 3.5, 4.5};
+  std::memcpy(a.getFloat64Pointer(1), values, sizeof values);
+  Attribute b("name", "c", vSTRING, 1);
+  b.resize(1);
+  b.setString(1, "kept");
+  if (first) return a;
+  return b;
+}
+
+}  // namespace
+
+TEST(AttributeCopy, MovesTakeTheDataAlong) {
+  Attribute a = oneOfTwo(true);
+  EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5, 4.5}), attribute_testing::doublesOf(a));
+  EXPECT_EQ(4.0, a.getSampleRate());
+  Attribute s = oneOfTwo(false);
+  EXPECT_EQ((std::vector<std::string>{"kept"}), attribute_testing::stringsOf(s));
+
+  // Assignment from a temporary frees what was held and keeps the values.
+  s = oneOfTwo(true);
+  EXPECT_EQ(vFLOAT64, s.getDataType());
+  EXPECT_EQ(attribute_testing::doublesOf(a), attribute_testing::doublesOf(s));
+
+  // Moved-from ends an empty definition; lengths go along with the data.
+  Attribute v("var", "c", vINT32, Attribute::VARIABLE_LENGTH);
+  v.resize(2, nullptr, new int[2]{1, 2});
+  v.getInt32Pointer(2)[0] = 7;
+  std::vector<Attribute> grown;
+  grown.push_back(std::move(v));
+  for (int i = 0; i < 8; ++i) grown.push_back(Attribute("x", "c", vINT32, 1));  // reallocates
+  EXPECT_EQ(0u, v.getNInstances());
+  EXPECT_TRUE(v.compare(grown[0]));
+  EXPECT_EQ((std::vector<int>{1, 2}), attribute_testing::lengthsOf(grown[0]));
+  EXPECT_EQ(7, grown[0].getInt32Pointer(2)[0]);
+}
+
 TEST(AttributeCopy, CompareLooksAtTheDefinition) {
   Attribute a("cmp", "k", vINT32, 1, 0.0);
   // First time is not part of it; the original type only when both have one.

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "attribute/DataConverterDecorator.h"
 #include "attribute/DataPtr.h"
 #include "attribute/OriginalDataConverter.h"
 #include "foundation/Message.h"
@@ -86,12 +87,62 @@ bool wrap(Attribute const& source, DataPtr& wrapped) {
   bool const variable = source.isVariableLength();
   long long const total = source.getTotalLength();
   if (!variable && total <= 0) return false;
+  if (!variable && total > 0xFFFFFFFFLL)
+    Message::fatal(kConvertLabel, 0, "Attribute %s holds %lld values, more than one conversion takes.",
+                   source.getName().c_str(), total);
   void* data = total > 0 ? const_cast<void*>(source.getPointer(1)) : nullptr;
   unsigned int* lengths =
       variable ? reinterpret_cast<unsigned int*>(const_cast<int*>(source.getLengthsPointer())) : nullptr;
   DataPtr view(source.getDataType(), variable ? n : static_cast<unsigned int>(total), data, lengths, DataPtr::BORROW);
   wrapped = view;
   return true;
+}
+
+// Whether the source's own block may go into the conversion to be converted
+// in place: a block of its own (not lent through a handler), one converter, which refuses what it cannot convert before it takes the
+// block, and an output of the target's type. Otherwise a refusal after the
+// values were overwritten (a later step of a chain, or the target's type
+// check) would lose the source's data.
+bool mayConvertInPlace(Attribute const& source, DataConverterI const& converter, DataType targetType) {
+  if (source.hasDataHandler() || source.getTotalLength() <= 0) return false;
+  if (source.getTotalLength() > 0xFFFFFFFFLL) return false;  // wrap() refuses it
+  DataConverterDecorator const* step = dynamic_cast<DataConverterDecorator const*>(&converter);
+  if (step == nullptr || !step->getNext().isEmpty()) return false;
+  if (dynamic_cast<OriginalDataConverter const*>(step) != nullptr) return true;  // its output is the target's type
+  DataType const out = step->getOutputDT();
+  return (out == vNOTYPE ? source.getDataType() : out) == targetType;
+}
+
+// Converts source's own block through converter. The block stays with the
+// source when the converter did not take it (it refused, or wrote into a
+// new block of another element size); otherwise the output holds it.
+DataPtr convertOwnBlock(Attribute& source, DataConverterI const& converter) {
+  unsigned int const n = source.getNInstances();
+  bool const variable = source.isVariableLength();
+  unsigned int* lengths = nullptr;
+  if (variable) {
+    lengths = new unsigned int[n];
+    for (unsigned int i = 0; i < n; ++i) lengths[i] = static_cast<unsigned int>(source.getLengthsPointer()[i]);
+  }
+  unsigned int const count = variable ? n : static_cast<unsigned int>(source.getTotalLength());
+  // The source keeps its lengths until the block is gone for good.
+  void* block = source.releaseData();
+  DataPtr input(source.getDataType(), count, block, lengths, DataPtr::TRANSFER);
+  // A DataPtr handed on is left empty, owning nothing.
+  auto giveBack = [&]() -> bool {
+    if (!input.ownsData() || input.getData() != block) return false;
+    int* kept = variable ? copyLengths(source.getLengthsPointer(), n) : nullptr;
+    source.resize(n, input.releaseData(), kept);
+    return true;
+  };
+  try {
+    DataPtr output = converter.convertData(input);
+    if (!giveBack() && variable) source.releaseLengths();
+    return output;
+  } catch (...) {
+    giveBack();
+    throw;
+  }
 }
 
 // target adopts a converted block.
@@ -193,13 +244,18 @@ void DataTranslator::myConvertData(Attribute& source, vHandle<DataConverterI> co
     takeOver(source, target);
     return;
   }
+  converter->setOutputDT(target.getDataType());
+  if (mayConvertInPlace(source, *converter, target.getDataType())) {
+    DataPtr output = convertOwnBlock(source, *converter);
+    adopt(output, n, source, target);
+    return;
+  }
   DataPtr input;
   if (!wrap(source, input)) {
     target.resize(n);
     return;
   }
   void const* const sourceBlock = input.getData();
-  converter->setOutputDT(target.getDataType());
   DataPtr output = converter->convertData(input);
   if (sourceBlock != nullptr && output.getData() == sourceBlock) {
     checkSameType(source, output.getDataType(), target);

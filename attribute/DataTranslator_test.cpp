@@ -105,6 +105,58 @@ TEST(DataTranslator, AnUnchangedBlockIsTakenOverNotCopied) {
   EXPECT_EQ(100, copy.getInt32(1));
 }
 
+TEST(DataTranslator, AnOwnBlockIsConvertedInPlace) {
+  DataTranslator t(Attribute("OFFSET_F", "OFFSET", vFLOAT32, 1), chain("int32()"), chain("float32()"),
+                   Attribute("OFFSET", "OFFSET", vINT32, 1));
+  Attribute client = filled("OFFSET_F", "OFFSET", vFLOAT32, {2.5f, -2.5f, 7.25f});
+  void const* block = client.getPointer(1);
+  Attribute capi = t.convertToCapi(client);
+  EXPECT_EQ(block, capi.getPointer(1));
+  EXPECT_EQ((std::vector<int>{3, -3, 7}), attribute_testing::intsOf(capi));
+  EXPECT_EQ(0u, client.getNInstances());
+  // And back, into the same block again.
+  Attribute dorn = t.convertToDorn(capi);
+  EXPECT_EQ(block, dorn.getPointer(1));
+  EXPECT_EQ(-3.f, dorn.getFloat32(2));
+  // Lengths travel along with a variable block.
+  DataTranslator traces(Attribute("T", "T", vFLOAT32, Attribute::VARIABLE_LENGTH), chain("int32()"), chain("null()"),
+                        Attribute("TI", "T", vINT32, Attribute::VARIABLE_LENGTH));
+  Attribute samples("T", "T", vFLOAT32, Attribute::VARIABLE_LENGTH);
+  samples.resize(2, nullptr, new int[2]{1, 2});
+  samples.getFloat32Pointer(2)[1] = 6.6f;
+  block = samples.getPointer(1);
+  Attribute ints = traces.convertToCapi(samples);
+  EXPECT_EQ(block, ints.getPointer(1));
+  EXPECT_EQ((std::vector<int>{1, 2}), attribute_testing::lengthsOf(ints));
+  EXPECT_EQ(7, ints.getInt32Pointer(2)[1]);
+  EXPECT_EQ(0u, samples.getNInstances());
+  // A variable block of another element size stays, lengths and all.
+  DataTranslator narrowing(Attribute("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH), chain("float32()"),
+                           chain("null()"), Attribute("F", "D", vFLOAT32, Attribute::VARIABLE_LENGTH));
+  Attribute doubles("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH);
+  doubles.resize(2, nullptr, new int[2]{2, 1});
+  doubles.getFloat64Pointer(2)[0] = 0.5;
+  EXPECT_EQ(0.5f, narrowing.convertToCapi(doubles).getFloat32Pointer(2)[0]);
+  EXPECT_EQ((std::vector<int>{2, 1}), attribute_testing::lengthsOf(doubles));
+  EXPECT_EQ(0.5, doubles.getFloat64Pointer(2)[0]);
+
+  // Another element size needs a new block: the argument keeps its own. So
+  // does one the converter refuses.
+  DataTranslator narrow(Attribute("N", "N", vINT16, 1), chain("float32()"), chain("null()"),
+                        Attribute("N32", "N", vFLOAT32, 1));
+  Attribute wide = filled("N32", "N", vFLOAT64, {1.5, 4.0});
+  block = wide.getPointer(1);
+  EXPECT_EQ(vFLOAT32, t.convertToDorn(wide).getDataType());
+  EXPECT_EQ(block, wide.getPointer(1));
+  EXPECT_EQ(4.0, wide.getFloat64(2));
+  Attribute shorts = filled("N", "N", vINT16, {5, 6});
+  block = shorts.getPointer(1);
+  expectFailure([&] { narrow.convertToCapi(shorts); }, "Float32DataConverter::doConvertData()",
+                "Unsupported input data type vINT16.");
+  EXPECT_EQ(block, shorts.getPointer(1));
+  EXPECT_EQ(6, shorts.getInt16(2));
+}
+
 TEST(DataTranslator, ALentBlockGoesOverWithItsKeeper) {
   DataTranslator t(Attribute("CDP_NO", "CDP", vINT32, 1), chain("null()"), chain("null()"),
                    Attribute("CDP", "CDP", vINT32, 1));

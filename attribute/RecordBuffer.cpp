@@ -5,6 +5,7 @@
 #include <new>
 
 #include "foundation/Message.h"
+#include "foundation/vUtlSize.h"
 
 namespace {
 
@@ -20,13 +21,22 @@ inline void gatherFixed(unsigned char const* s, std::size_t sStride, unsigned ch
   for (unsigned int k = 0; k < count; ++k) std::memcpy(d + k * N, s + k * sStride, N);
 }
 
-unsigned char* newRecords(long long bytes) {
-  if (bytes <= 0) return nullptr;
+// nRecords records of recordLength bytes, zeroed; none for an empty buffer.
+unsigned char* newRecords(int recordLength, unsigned int nRecords) {
+  std::size_t const bytes = vUtl::checkedBytes("RecordBuffer::allocate", nRecords, recordLength);
+  if (bytes == 0) return nullptr;
   try {
-    return new unsigned char[static_cast<std::size_t>(bytes)]();
+    return new unsigned char[bytes]();
   } catch (std::bad_alloc const&) {
-    Message::fatal("RecordBuffer::allocate", 0, "Cannot allocate %lld bytes of records.", bytes);
+    Message::fatal("RecordBuffer::allocate", 0, "Cannot allocate %lld bytes of records.",
+                   static_cast<long long>(recordLength) * nRecords);
   }
+}
+
+// One flag word per record, zeroed.
+unsigned int* newFlags(unsigned int nRecords) {
+  vUtl::checkedBytes("RecordBuffer::setInstanceFlag", nRecords, sizeof(unsigned int));
+  return new unsigned int[nRecords]();
 }
 
 }  // namespace
@@ -59,12 +69,12 @@ RecordBuffer::~RecordBuffer() {
 
 void RecordBuffer::myAssignRecords(RecordBuffer const& other) {
   if (this == &other) return;
-  long long const bytes = other.getBufferSize();
-  unsigned char* buffer = newRecords(bytes);
-  if (buffer != nullptr) std::memcpy(buffer, other.myBuffer, static_cast<std::size_t>(bytes));
+  unsigned char* buffer = newRecords(other.myRecordLength, other.myNRecords);
+  if (buffer != nullptr)
+    std::memcpy(buffer, other.myBuffer, static_cast<std::size_t>(other.myRecordLength) * other.myNRecords);
   unsigned int* flags = nullptr;
   if (other.myFlags != nullptr) {
-    flags = new unsigned int[other.myNFlags];
+    flags = newFlags(other.myNFlags);
     std::memcpy(flags, other.myFlags, sizeof(unsigned int) * other.myNFlags);
   }
   delete[] myBuffer;
@@ -111,7 +121,7 @@ void RecordBuffer::allocate(unsigned int first, unsigned int last) {
   if (first < 1) Message::fatal("RecordBuffer::allocate", 0, "Instance %d was less than 1.", static_cast<int>(first));
   if (last < first) Message::fatal("RecordBuffer::allocate", 0, "Invalid instance range %u-%u.", first, last);
   unsigned int const n = last - first + 1;
-  unsigned char* buffer = newRecords(static_cast<long long>(myRecordLength) * n);
+  unsigned char* buffer = newRecords(myRecordLength, n);
   empty();
   myBuffer = buffer;
   myNRecords = n;
@@ -129,7 +139,7 @@ void RecordBuffer::allocate(std::vector<unsigned int> const& list) {
       Message::fatal("RecordBuffer::allocate", 0, "Instance %u is twice in the instance list.", list[k]);
   }
   unsigned int const n = static_cast<unsigned int>(list.size());
-  unsigned char* buffer = newRecords(static_cast<long long>(myRecordLength) * n);
+  unsigned char* buffer = newRecords(myRecordLength, n);
   empty();
   myBuffer = buffer;
   myNRecords = n;
@@ -147,13 +157,13 @@ long long RecordBuffer::getBufferSize() const {
 
 // Keeps the records that fit; new ones are zero, and so are new flags.
 void RecordBuffer::myResizeRecords(unsigned int nRecords) {
-  unsigned char* buffer = newRecords(static_cast<long long>(myRecordLength) * nRecords);
+  unsigned char* buffer = newRecords(myRecordLength, nRecords);
   unsigned int const keep = std::min(nRecords, myNRecords);
   if (buffer != nullptr && keep > 0)
     std::memcpy(buffer, myBuffer, static_cast<std::size_t>(myRecordLength) * keep);
   unsigned int* flags = nullptr;
   if (myFlags != nullptr && nRecords > 0) {
-    flags = new unsigned int[nRecords]();
+    flags = newFlags(nRecords);
     std::memcpy(flags, myFlags, sizeof(unsigned int) * std::min(nRecords, myNFlags));
   }
   delete[] myBuffer;
@@ -168,6 +178,9 @@ void RecordBuffer::addInstances(unsigned int n) {
   if (!myIsRange)
     Message::fatal("RecordBuffer::addInstances", 0, "Instances can only be added to a range RecordBuffer.");
   if (n == 0) return;
+  if (n > 0xFFFFFFFFu - (myFirst - 1) - myNRecords)
+    Message::fatal("RecordBuffer::addInstances", 0, "Cannot add %u instances to a RecordBuffer of %u from instance %u.",
+                   n, myNRecords, myFirst);
   myResizeRecords(myNRecords + n);
   myLast = myFirst + myNRecords - 1;
 }
@@ -372,7 +385,7 @@ unsigned int RecordBuffer::getInstanceFlag(unsigned int instance) {
 void RecordBuffer::setInstanceFlag(unsigned int instance, unsigned int value) {
   myCheckFlagInstance("RecordBuffer::setInstanceFlag", instance);
   if (myFlags == nullptr) {
-    myFlags = new unsigned int[myNRecords]();
+    myFlags = newFlags(myNRecords);
     myNFlags = myNRecords;
   }
   myFlags[myRecordIndex(instance)] = value;

@@ -8,6 +8,7 @@
 #include "attribute/AttributeTesting.h"
 #include "attribute/ByteSwappedRecordBuffer.h"
 #include "attribute/RecordBuffer.h"
+#include "foundation/TestAddressSpaceCap.h"
 
 using attribute_testing::expectFailure;
 
@@ -220,6 +221,34 @@ TEST(RecordBuffer, CopiesAreDeep) {
 }
 
 // ---------------------------------------------------------------------------
+
+TEST(RecordBuffer, RequestsBeyondTheMachineAreRefusedAndKeepTheRecords) {
+  RecordBuffer b(1 << 20);  // records of 1 MiB
+  b.allocate(1, 2);
+  setField<int>(b, 2, 0, 7);
+  // 5 GiB: a 32-bit count of bytes would wrap to 1 GiB and the read overrun it.
+  unsigned int const n = 5 << 10;
+  if (sizeof(void*) == 4) {
+    expectFailure([&] { b.allocate(1, n); }, "RecordBuffer::allocate",
+                  "Cannot hold 5120 items of 1048576 bytes: more than the 2147483647 bytes this machine can address "
+                  "in one block.");
+  } else {
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
+    TestAddressSpaceCap cap(64 << 20);
+    ASSERT_TRUE(cap.isCapped());
+    expectFailure([&] { b.allocate(1, n); }, "RecordBuffer::allocate", "Cannot allocate 5368709120 bytes of records.");
+#endif
+  }
+  EXPECT_EQ(2u, b.getNInstances());
+  EXPECT_EQ(7, fieldOf<int>(b, 2, 0));
+  // Instance numbers end at 2^32 - 1: growing past them is refused, not wrapped.
+  RecordBuffer top(4);
+  top.allocate(0xFFFFFFF0u, 0xFFFFFFF8u);
+  expectFailure([&] { top.addInstances(8); }, "RecordBuffer::addInstances",
+                "Cannot add 8 instances to a RecordBuffer of 9 from instance 4294967280.");
+  top.addInstances(7);
+  EXPECT_EQ(0xFFFFFFFFu, top.getLastRecord());
+}
 
 TEST(ByteSwappedRecordBuffer, FieldsSwapByTheirTypes) {
   ByteSwappedRecordBuffer b(20);

@@ -128,7 +128,7 @@ void BM_InternedNameCompare(benchmark::State& state) {
   vUCStringTableData const* b = table.add("AMPLITUDE_AFTER_NMO_CORRECTION_B");
   Tally tally(state);
   for (auto _ : state) {
-    bool less = a->getID() < b->getID();
+    bool less = vUCStringTableData::isLess(a, b);
     benchmark::DoNotOptimize(less);
   }
 }

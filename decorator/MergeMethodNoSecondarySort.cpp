@@ -10,6 +10,7 @@
 #include "foundation/MessageHandling.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vUtl.h"
+#include "foundation/vUtlSize.h"
 
 namespace Merge {
 
@@ -66,14 +67,16 @@ template <class T>
 unsigned int MergeMethodNoSecondarySort::StoreData::saveKey(T value) {
   if (nKeyValues == keyCapacity) {
     // Doubling keeps a store of many short runs from reallocating per run.
-    unsigned int const wanted = keyCapacity == 0 ? 64 : keyCapacity * 2;
-    void* grown = std::realloc(keyValues, static_cast<std::size_t>(wanted) * sizeof(T));
+    long long const wanted = keyCapacity == 0 ? 64 : std::min(2LL * keyCapacity, 0xFFFFFFFFLL);
+    std::size_t const bytes =
+        vUtl::checkedBytes("Merge::MergeMethodNoSecondarySort::mySaveGroupAndKeyValue", wanted, sizeof(T));
+    void* grown = std::realloc(keyValues, bytes);
     if (grown == nullptr)
       Message::fatal("Merge::MergeMethodNoSecondarySort::mySaveGroupAndKeyValue", 0,
                      "Memory allocation failure, failed to allocate space for %d keys (%d)!", static_cast<int>(wanted),
-                     static_cast<int>(wanted * sizeof(T)));
+                     static_cast<int>(bytes));
     keyValues = grown;
-    keyCapacity = wanted;
+    keyCapacity = static_cast<unsigned int>(wanted);
   }
   static_cast<T*>(keyValues)[nKeyValues] = value;
   return nKeyValues++;

@@ -2,12 +2,37 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "foundation/Message.h"
 #include "foundation/vMutex.h"
 
 namespace {
+
+// Renumberings of every table run one at a time under this mutex, with the
+// counter odd while ids move. A reader that finds it odd, or changed after
+// its reads, reads again; renumbering is short, so it seldom has to.
+std::atomic<unsigned int> g_renumbering(0);
+
+std::mutex& renumberingMutex() {
+  static std::mutex m;
+  return m;
+}
+
+template <class F>
+void readIDs(F read) {
+  for (;;) {
+    unsigned int const before = g_renumbering.load(std::memory_order_acquire);
+    if ((before & 1u) == 0) {
+      read();
+      std::atomic_thread_fence(std::memory_order_acquire);
+      if (g_renumbering.load(std::memory_order_relaxed) == before) return;
+    }
+    std::this_thread::yield();
+  }
+}
 
 struct LessByName {
   bool operator()(vUCStringTableData const* a, vUCStringTableData const* b) const {
@@ -16,6 +41,26 @@ struct LessByName {
 };
 
 }  // namespace
+
+int vUCStringTableData::getID() const {
+  int id = 0;
+  readIDs([&] { id = m_id.load(std::memory_order_relaxed); });
+  return id;
+}
+
+void vUCStringTableData::getIDs(vUCStringTableData const* a, vUCStringTableData const* b, int& idA, int& idB) {
+  readIDs([&] {
+    idA = a->m_id.load(std::memory_order_relaxed);
+    idB = b->m_id.load(std::memory_order_relaxed);
+  });
+}
+
+bool vUCStringTableData::isLess(vUCStringTableData const* a, vUCStringTableData const* b) {
+  int idA = 0;
+  int idB = 0;
+  getIDs(a, b, idA, idB);
+  return idA < idB;
+}
 
 struct vUCStringTable::Record {
   typedef std::vector<vUCStringTableData*> Entries;
@@ -68,8 +113,15 @@ vUCStringTableData const* vUCStringTable::add(vUCString const& s) {
     Message::fatal("vUCStringTableIDTable::add", 0, "Failed to allocate memory for the string '%s'!", s.c_str());
   }
   // Ranks from the new entry on move up by one.
-  int id = at == v.begin() ? 0 : (*(at - 1))->m_id + 1;
-  for (Record::Entries::iterator i = at; i != v.end(); ++i) (*i)->m_id = id++;
+  {
+    std::lock_guard<std::mutex> renumbering(renumberingMutex());
+    unsigned int const count = g_renumbering.load(std::memory_order_relaxed);
+    g_renumbering.store(count + 1, std::memory_order_relaxed);
+    std::atomic_thread_fence(std::memory_order_release);
+    int id = at == v.begin() ? 0 : (*(at - 1))->m_id.load(std::memory_order_relaxed) + 1;
+    for (Record::Entries::iterator i = at; i != v.end(); ++i) (*i)->m_id.store(id++, std::memory_order_relaxed);
+    g_renumbering.store(count + 2, std::memory_order_release);
+  }
   m_record->first = m_record->last = v.end();
   return entry;
 }

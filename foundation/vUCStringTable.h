@@ -7,7 +7,11 @@
 // move, so whoever needs a stable key keeps the pointer.
 //
 // The table is shared by every attribute of every thread and is therefore the
-// one string class that always locks.
+// one string class that always locks. Ids are read without the table's lock
+// (they are compared in every sort), but never half way through a
+// renumbering: a read that overlaps one is made again.
+
+#include <atomic>
 
 #include "foundation/vUCString.h"
 
@@ -15,14 +19,21 @@ class vUCStringTableData {
  public:
   vUCStringTableData() : m_id(-1) {}
   explicit vUCStringTableData(vUCString const& s, int id = -1) : m_string(s), m_id(id) {}
+  vUCStringTableData(vUCStringTableData const&) = delete;
+  vUCStringTableData& operator=(vUCStringTableData const&) = delete;
 
   vUCString const& getString() const { return m_string; }
-  int getID() const { return m_id; }
+  int getID() const;
+  // The ids of a and b from one state of the table: two calls of getID()
+  // could straddle an insertion and see one id before it and one after.
+  static void getIDs(vUCStringTableData const* a, vUCStringTableData const* b, int& idA, int& idB);
+  // Whether a's name comes before b's, by ids read together.
+  static bool isLess(vUCStringTableData const* a, vUCStringTableData const* b);
 
  private:
   friend class vUCStringTable;
   vUCString m_string;
-  int m_id;
+  std::atomic<int> m_id;
 };
 
 class vUCStringTable {

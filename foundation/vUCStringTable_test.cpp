@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <string>
 #include <thread>
@@ -78,6 +79,35 @@ TEST(vUCStringTable, ConcurrentAddsInternEachNameOnce) {
   for (std::thread& th : threads) th.join();
   EXPECT_EQ(300, t.size());
   for (int k = 1; k < 4; ++k) EXPECT_EQ(seen[0], seen[k]);
+}
+
+TEST(vUCStringTable, IdsReadWhileAnotherThreadRenumbersAreOneState) {
+  // Two names with a long run of others between them: an insertion in front
+  // renumbers the run one by one, so reads that took one id from before it
+  // and one from after would see a gap other than the run's.
+  vUCStringTable t;
+  int const between = 20000;
+  for (int i = 0; i < between; ++i) t.add(("M" + std::to_string(100000 + i)).c_str());
+  vUCStringTableData const* first = t.add("L");
+  vUCStringTableData const* last = t.add("N");
+  std::atomic<bool> adding(true);
+  std::atomic<long> wrong(0), reads(0);
+  std::vector<std::thread> readers;
+  for (int k = 0; k < 2; ++k)
+    readers.emplace_back([&] {
+      do {
+        int a = 0, b = 0;
+        vUCStringTableData::getIDs(first, last, a, b);
+        if (b - a != between + 1 || !vUCStringTableData::isLess(first, last)) ++wrong;
+        ++reads;
+      } while (adding);
+    });
+  for (int i = 0; i < 300; ++i) t.add(("A" + std::to_string(i)).c_str());
+  adding = false;
+  for (std::thread& th : readers) th.join();
+  EXPECT_EQ(0, wrong.load()) << "of " << reads.load() << " reads";
+  EXPECT_EQ(300, first->getID());
+  EXPECT_EQ(first, t.at(first->getID()));
 }
 
 TEST(vUCStringTable, DumpListsIdAndName) {

@@ -19,6 +19,10 @@
 #            connection fails with the server's report
 #   order    calls out of order: an empty map entry, and contents of a
 #            project that was never opened, which ends the host
+#   segyio   the directory back end on SEG-Y files that python3-segyio
+#            writes: contents, and loads whose every value is compared with
+#            what segyio reads; the server killed between two loads; a file
+#            cut short while the server has it open
 # The line the client prints when it starts a server carries a generated
 # address and the build number: it is compared with both left out.
 # Exit 0 on a match, 1 on a mismatch, 77 when no JVM of the library's width
@@ -105,7 +109,8 @@ report() {  # reason, method
   printf '\n\n%s\n%s\n   (Method=%s)\n%s\n' "$banner" "$1" "$2" "$rule"
 }
 
-unset RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER SP_CAPI_DATASERVER SP_DATASERVER_BACKEND
+unset RONDO_UNITTEST_STORES FS_CLUSTERS CAPI_DISABLERONDODATASERVER SP_CAPI_DATASERVER SP_DATASERVER_ROOT
+export SP_DATASERVER_BACKEND=UnitTest
 [ -n "${VSERVER:-}" ] || fail "VSERVER must name the DataServer program"
 # The server logs to its home directory.
 export HOME="$work"
@@ -278,6 +283,68 @@ append(line12)
 RondoGetContents(\"LocalHost\", \"survey\", \"\") stores=1 = true
 $(report 'Trying to get a NULL pointer' 'vHandle::get()')
 "
+    ;;
+  segyio)
+    py=/usr/bin/python3
+    "$py" -c 'import segyio' 2>/dev/null || fail "python3-segyio is missing: scripts/install-deps installs it"
+    root=$work/root
+    "$here/../scripts/segy-sample-project" "$root" survey || fail "the sample project could not be written"
+    export SP_DATASERVER_BACKEND=directory SP_DATASERVER_ROOT=$root
+    export FS_CLUSTERS="seisserver=$this_host"
+    host_class=RondoDataHost
+    log=$work/DataServer.Rondo
+    # The first server's process id is the first word of its log.
+    kill_server='pid=$(awk "NR==1 {print \$1}" "$HOME/DataServer.Rondo"); kill -9 $pid;
+      for i in $(seq 100); do kill -0 $pid 2>/dev/null || break; sleep 0.05; done'
+    loads="bitsf line1 TRACE 0 10 230 bitsf line1 TRACE 10 30 690 bitsi line1 CMP 40"
+    after_kill="bitsf line1 TRACE 35 5 115 bitsi line1 CMP 40 bitsf line2 TRACE 0 20 460"
+    s="SeisServer survey"
+    with_server() { local out=() c; for c in "$@"; do out+=("$c"); [[ $c = bits? ]] && out+=(SeisServer survey); done; echo "${out[@]}"; }
+    # What segyio reads, in the host's words, before the host cuts a file.
+    expected=$("$py" - "$root/survey" $loads $after_kill <<'PY'
+import struct, sys, segyio
+where, words = sys.argv[1], sys.argv[2:]
+while words:
+    kind, store, name = words[0], words[1], words[2]
+    with segyio.open(f"{where}/{store}.sgy", ignore_geometry=True) as f:
+        if kind == "bitsi":
+            size = int(words[3]); words = words[4:]
+            v = list(f.attributes(segyio.TraceField.CDP)[:]) + [0] * size
+            print(f"RondoLoadAttributeI({store}, {name}) n={size} " + " ".join(str(x) for x in v[:size]) + " = true")
+        else:
+            first, count, size = map(int, words[3:6]); words = words[6:]
+            v = [x for t in range(first, first + count) for x in f.trace[t]] + [0.0] * size
+            print(f"RondoLoadAttributeF({store}, {name}, {first}, {count}) n={size} " +
+                  " ".join(struct.pack(">f", x).hex() for x in v[:size]) + " = true")
+PY
+)
+    # shellcheck disable=SC2046
+    run_host connect SeisServer project $s contents $s - contents $s seismic contents $s horizon \
+      $(with_server $loads) run "$kill_server" $(with_server $after_kill) \
+      run "truncate -s 10000 $root/survey/line2.sgy" bitsf $s line2 TRACE 30 10 230
+    mapfile -t want < <(echo "$expected")
+    {
+      echo "RondoOpenConnection(SeisServer) = true"
+      echo "RondoOpenProject(SeisServer, survey) = true"
+      echo "RondoGetContents(survey, -) [line1, line2] = true"
+      echo "RondoGetContents(survey, seismic) [line1, line2] = true"
+      echo "RondoGetContents(survey, horizon) [] = true"
+      printf '%s\n' "${want[@]}"
+    } >"$work/expected"
+    # A failed load ends the host, as the data natives do.
+    grep '^Rondo' "$work/out" >"$work/got"
+    if ! cmp -s "$work/expected" "$work/got"; then
+      diff -u "$work/expected" "$work/got" | cut -c1-200 >&2 || true
+      cat "$work/err" >&2
+      fail "the host's values differ from segyio's"
+    fi
+    [ "$status" = 255 ] || fail "exit code $status, expected 255"
+    # A new server after the kill; the cut file gives the store's own error
+    # and the server answers the next message after it.
+    [ "$(grep -c ' serving Rondo at ' "$log")" = 2 ] || fail "the server was not started again after the kill"
+    grep -qx 'Server said:-o Failed to read instance 31' "$work/out" || { cat "$work/out" >&2; fail "no report of the cut file"; }
+    sed -n '/ request to [0-9]* failed: Failed to read instance 31$/,$p' "$log" | grep -q ' destroy [0-9]*$' ||
+      { tail -3 "$log" >&2; fail "the server did not go on after the failure"; }
     ;;
   *)
     fail "unknown scenario $scenario"

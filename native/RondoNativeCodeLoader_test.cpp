@@ -172,7 +172,7 @@ class RondoNativeServer : public RondoNative {
     m_tree.setEnv("VSERVER", buildTree() + "/bin/DataServer");
     m_tree.setEnv("SP_DATASERVER_TRACE", "1");
     m_tree.unsetEnv("SP_CAPI_DATASERVER");
-    m_tree.unsetEnv("SP_DATASERVER_BACKEND");
+    m_tree.setEnv("SP_DATASERVER_BACKEND", "UnitTest");
     m_tree.unsetEnv("CAPI_DISABLERONDODATASERVER");
     m_tree.setEnv("RONDO_UNITTEST_STORES", "line12.2:seismic wells.2:well cube.2:seismic");
   }

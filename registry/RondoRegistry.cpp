@@ -23,6 +23,12 @@ namespace {
 
 // --- the client proxies of a data server -------------------------------------
 
+ProjectCatalog* refuseClientCatalog(vString const&, ProjectType::PROJECT_TYPE type, vString const&) {
+  Message::fatal("registerDataServerClasses", 0,
+                 "A data server does not start a data server: a catalog of type %s would be a client of one.",
+                 ProjectType::getProjectTypeName(type).c_str());
+}
+
 ProjectCatalog* makeClientCatalog(vString const& first, ProjectType::PROJECT_TYPE type, vString const& second) {
   return new ClientProjectCatalog(first, type, second);
 }
@@ -87,4 +93,9 @@ void registerRondoClasses() {
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog);
   ProjectFactory::registerMaker("ClientProject", &makeClientProject);
   AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClientAttributeSet);
+}
+
+void registerDataServerClasses() {
+  registerRondoClasses();
+  ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &refuseClientCatalog);
 }

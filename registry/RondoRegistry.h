@@ -10,4 +10,10 @@
 
 void registerRondoClasses();
 
+// The same for the data server program, with one difference: a catalog that
+// would be the client of a data server is refused ("A data server does not
+// start a data server: ..."), so that no setting can make a server start
+// servers of its own.
+void registerDataServerClasses();
+
 #endif

@@ -45,7 +45,7 @@ TEST(RondoRegistry, RondoCatalogsProjectsAndSetsAreClientsOfARealServer) {
   tree.setEnv("HOME", tree.workDir());
   tree.setEnv("VSERVER", std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer");
   tree.unsetEnv("SP_CAPI_DATASERVER");
-  tree.unsetEnv("SP_DATASERVER_BACKEND");
+  tree.setEnv("SP_DATASERVER_BACKEND", "UnitTest");
   tree.unsetEnv("FS_CLUSTERS");
   tree.unsetEnv("CAPI_DISABLERONDODATASERVER");
   tree.setEnv("RONDO_UNITTEST_STORES", " line12.3:seismic:2d\twells.1:well  Grid.2:seismic ");

@@ -24,7 +24,7 @@ vHandle<Project> const& clientProject() {
     ::setenv("HOME", home.file("").c_str(), 1);
     ::setenv("VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str(), 1);
     ::unsetenv("SP_CAPI_DATASERVER");
-    ::unsetenv("SP_DATASERVER_BACKEND");
+    ::setenv("SP_DATASERVER_BACKEND", "UnitTest", 1);
     vHandle<ProjectCatalog> catalog(new ClientProjectCatalog(vString(), ProjectType::RONDO, vString()));
     vHandle<Project> made(new ClientProject(catalog));
     made->open("conformance");

@@ -11,6 +11,7 @@
 #include "foundation/vUtl.h"
 #include "remote/COBPortal.h"
 #include "remote/ClientCodes.h"
+#include "remote/LargeBlocks.h"
 #include "syslayer/FS.h"
 
 namespace {
@@ -69,6 +70,7 @@ ClientProjectCatalog::ClientProjectCatalog(vString const& first, ProjectType::PR
                                            vString const& second)
     : COB("ProjectCatalog", nullptr), m_type(type), m_first(new vString(first)), m_portal(nullptr),
       m_second(second) {
+  keepLargeBlocksInHeap();
   if (type == ProjectType::DORN)
     Message::fatal("ClientProjectCatalog::ClientProjectCatalog", 0,
                    "Should not get here for Dorn projects. Check that the links /dorn/xp/rel/TAO & Oracle exist "

@@ -36,7 +36,7 @@ class ClientTest : public RemoteTest {
       : m_home("HOME", m_dir.file("").c_str()),
         m_server("VSERVER", dataServerPath().c_str()),
         m_property("SP_CAPI_DATASERVER", nullptr),
-        m_backend("SP_DATASERVER_BACKEND", nullptr),
+        m_backend("SP_DATASERVER_BACKEND", "UnitTest"),
         m_trace("SP_DATASERVER_TRACE", "1"),
         m_stores("RONDO_UNITTEST_STORES", "line12.3:seismic:2d wells.1:well cube.2:seismic:3d") {}
 

@@ -16,7 +16,9 @@
 #include "project/ProjectFactory.h"
 #include "project/StoreDetails.h"
 #include "project/UTProject.h"
-#include "remote/ClientProjectCatalog.h"
+#include "server/DirectoryAttributeSet.h"
+#include "server/DirectoryProject.h"
+#include "server/DirectoryProjectCatalog.h"
 
 namespace {
 
@@ -58,7 +60,8 @@ vString takeStoreFile(vString& entry) {
   return vString(text.substr(at + 1).c_str());
 }
 
-void addScriptedStores(UTProject& project, ProjectType::PROJECT_TYPE type, std::map<vLCString, vString>& files) {
+void addScriptedStores(UTProject& project, ProjectType::PROJECT_TYPE type,
+                       std::map<std::pair<vLCString, int>, vString>& files) {
   char const* stores = std::getenv(kScripted);
   if (stores == nullptr) return;
   vTokenizer entries(vString(stores), " \t\n");
@@ -67,7 +70,7 @@ void addScriptedStores(UTProject& project, ProjectType::PROJECT_TYPE type, std::
     vString const file = takeStoreFile(entry);
     StoreDetails const details = parseScriptedStore(entry, type);
     project.addStore(details);
-    if (!file.isBlank()) files[details.getName()] = file;
+    if (!file.isBlank()) files[std::make_pair(details.getName(), details.getVersion())] = file;
   }
 }
 
@@ -96,29 +99,27 @@ DataServerBackend::DataServerBackend() : m_type(configuredType()) {}
 
 ProjectType::PROJECT_TYPE DataServerBackend::configuredType() {
   char const* const label = "DataServerBackend::configuredType";
-  if (!SystemPropertyManager::hasSystemProperty("DataServer", "BACKEND")) return ProjectType::UNITTEST;
+  if (!SystemPropertyManager::hasSystemProperty("DataServer", "BACKEND")) return ProjectType::FLATFILE;
   SystemProperty const property = SystemPropertyManager::getSystemProperty("DataServer", "BACKEND");
-  if (property.getValues().empty()) return ProjectType::UNITTEST;
+  if (property.getValues().empty()) return ProjectType::FLATFILE;
   vString const text = property.getValues().front();
+  if (text.stricmp("directory") == 0) return ProjectType::FLATFILE;
   ProjectType::PROJECT_TYPE type = ProjectType::NOTYPE;
   if (text.isInteger() && ProjectType::isValidProjectType(text.readi()))
     type = static_cast<ProjectType::PROJECT_TYPE>(text.readi());
   else if (!ProjectType::isValidProjectType(text, type))
     Message::fatal(label, 0, "The DataServer BACKEND '%s' is not a project type.", text.c_str());
-  if (type == ProjectType::NOTYPE || type == ProjectType::RONDO || type == ProjectType::KELP ||
-      type == ProjectType::DORN)
-    Message::fatal(label, 0, "The DataServer BACKEND cannot be %s: its projects are served by a data server.",
-                   ProjectType::getProjectTypeName(type).c_str());
+  if (type == ProjectType::FLATFILE) return type;
+  // The factory is asked for the catalog now, so that a type it would serve
+  // through a data server is refused before any request (the data server's
+  // registry refuses to make a client catalog at all).
+  ProjectCatalogFactory::create(vString(), type, vString());
   return type;
 }
 
 vHandle<ProjectCatalog> DataServerBackend::catalog(vString const& host) {
-  vHandle<ProjectCatalog> made = ProjectCatalogFactory::create(host, m_type, vString());
-  if (dynamic_cast<ClientProjectCatalog*>(made.pointer()) != nullptr)
-    Message::fatal("DataServerBackend::catalog", 0,
-                   "The DataServer BACKEND %s is served by a data server itself on host %s.",
-                   ProjectType::getProjectTypeName(m_type).c_str(), host.c_str());
-  return made;
+  if (m_type == ProjectType::FLATFILE) return vHandle<ProjectCatalog>(new DirectoryProjectCatalog(host));
+  return ProjectCatalogFactory::create(host, m_type, vString());
 }
 
 vHandle<Project> DataServerBackend::project(vHandle<ProjectCatalog> const& catalog, vLCString const& name) {
@@ -127,7 +128,9 @@ vHandle<Project> DataServerBackend::project(vHandle<ProjectCatalog> const& catal
     if (!found->second->isOpen()) found->second->open(name);
     return found->second;
   }
-  vHandle<Project> made = ProjectFactory::create(catalog);
+  vHandle<Project> made = catalog->getProjectType() == ProjectType::FLATFILE
+                              ? vHandle<Project>(new DirectoryProject(catalog))
+                              : ProjectFactory::create(catalog);
   made->open(name);
   if (UTProject* scripted = dynamic_cast<UTProject*>(made.pointer()))
     addScriptedStores(*scripted, catalog->getProjectType(), m_storeFiles[name]);
@@ -139,25 +142,38 @@ bool DataServerBackend::myKeepsSets(vHandle<Project> const& project) const {
   return project->getProjectType() == ProjectType::UNITTEST;
 }
 
+DataServerBackend::StoreKey DataServerBackend::myStoreKey(vHandle<Project> const& project, vLCString const& store,
+                                                          int version) {
+  if (version != 0) return StoreKey(store, version);
+  int newest = 0;
+  vHandle<Project::StoreDetailsList> const all = project->getStoreDetailsList(vLCString(), vLCString());
+  for (StoreDetails const& details : *all)
+    if (details.getName() == store && details.getVersion() > newest) newest = details.getVersion();
+  return StoreKey(store, newest);
+}
+
 vHandle<AttributeSet> DataServerBackend::newSet(vHandle<Project> const& project) {
+  if (project->getProjectType() == ProjectType::FLATFILE)
+    return vHandle<AttributeSet>(new DirectoryAttributeSet(project));
   return AttributeSetFactory::create(project);
 }
 
 vHandle<AttributeSet> DataServerBackend::setFor(vHandle<Project> const& project, vLCString const& store,
                                                 int version) {
   if (!myKeepsSets(project)) return newSet(project);
-  auto const key = std::make_pair(project->getName(), store);
-  auto const found = m_sets.find(key);
-  if (found != m_sets.end()) return found->second;
   if (!project->hasStore(store, version))
     Message::fatal("DataServerBackend::setFor", 0, "Store %s version %d is not in project %s.", store.c_str(),
                    version, project->getName().c_str());
+  StoreKey const storeKey = myStoreKey(project, store, version);
+  auto const key = std::make_pair(project->getName(), storeKey);
+  auto const found = m_sets.find(key);
+  if (found != m_sets.end()) return found->second;
   auto const files = m_storeFiles.find(project->getName());
   if (files != m_storeFiles.end()) {
-    auto const file = files->second.find(store);
+    auto const file = files->second.find(storeKey);
     if (file != files->second.end()) return m_sets[key] = loadStoreFile(project, store, file->second);
   }
-  StoreDetails const details = project->getStoreDetails(store, version);
+  StoreDetails const details = project->getStoreDetails(store, storeKey.second);
   vHandle<AttributeSet> made = newSet(project);
   made->create(store, orNone(details.getClass()), orNone(details.getSubClass()), KeyList(), nullptr);
   made->close();
@@ -168,8 +184,9 @@ vHandle<AttributeSet> DataServerBackend::setFor(vHandle<Project> const& project,
 void DataServerBackend::created(vHandle<Project> const& project, vHandle<AttributeSet> const& set,
                                 vLCString const& store, vLCString const& className, vLCString const& subClass) {
   if (!myKeepsSets(project)) return;
-  m_sets[std::make_pair(project->getName(), store)] = set;
   UTProject* scripted = dynamic_cast<UTProject*>(project.pointer());
+  int const version = scripted != nullptr && scripted->hasStore(store, 0) ? myStoreKey(project, store, 0).second : 1;
+  m_sets[std::make_pair(project->getName(), StoreKey(store, version))] = set;
   if (scripted == nullptr || scripted->hasStore(store, 0)) return;
   StoreDetails details(project->getProjectType(), vString(), store, 1);
   details.setClass(className);

@@ -2,11 +2,14 @@
 #define SERVER_DATASERVERBACKEND_H
 
 // DataServerBackend: the local projects and attribute sets behind the
-// twins of one server process. Which local project type serves a client's
-// projects is a setting of the server: the system property "BACKEND" of
-// section "DataServer" (SP_DATASERVER_BACKEND in the environment), a type
-// name or number, UnitTest when not set. A type that would lead back to a
-// data server (NoType, Rondo, Kelp, Dorn) is refused.
+// twins of one server process. Which back end serves a client's projects is
+// a setting of the server: the system property "BACKEND" of section
+// "DataServer" (SP_DATASERVER_BACKEND in the environment). Not set, or set
+// to "directory", FlatFile or its number, it is the directory of projects
+// of DirectoryProjectCatalog; otherwise a project type name or number whose
+// catalog the project factories make, such as UnitTest. A type whose
+// catalog would be a client of a data server is refused when the server
+// starts, before any catalog is made: a server never starts a server.
 //
 // Projects are kept by name for the life of the process, so that every
 // twin of one project sees the same stores. A UnitTest project also lists
@@ -19,8 +22,9 @@
 // a file format of its own.
 //
 // Attribute sets of a UnitTest project live in memory: the set made for a
-// store is kept by project and store name, and every later open or update
-// of that store in this process is served by the same object, with its data.
+// store is kept by project, store name and version (version 0 is the
+// newest), and every later open or update of that store in this process is
+// served by the same object, with its data.
 // A store the project lists that has no set yet is made empty on its first
 // open, of the store's class and subclass ("none" for one not given).
 
@@ -39,7 +43,8 @@ class DataServerBackend {
  public:
   DataServerBackend();
 
-  // The configured type; fatal for one that cannot serve.
+  // The configured type, FlatFile for the directory; fatal for one that
+  // cannot serve.
   static ProjectType::PROJECT_TYPE configuredType();
 
   // The catalog of the configured type for the client's host.
@@ -58,13 +63,16 @@ class DataServerBackend {
                vLCString const& className, vLCString const& subClass);
 
  private:
+  typedef std::pair<vLCString, int> StoreKey;
   bool myKeepsSets(vHandle<Project> const& project) const;
+  // The store's name and version, version 0 made the newest the project has.
+  static StoreKey myStoreKey(vHandle<Project> const& project, vLCString const& store, int version);
 
   ProjectType::PROJECT_TYPE m_type;
   std::map<vLCString, vHandle<Project> > m_projects;
-  std::map<std::pair<vLCString, vLCString>, vHandle<AttributeSet> > m_sets;
+  std::map<std::pair<vLCString, StoreKey>, vHandle<AttributeSet> > m_sets;
   // The packed store files of the scripted stores, by project and store.
-  std::map<vLCString, std::map<vLCString, vString> > m_storeFiles;
+  std::map<vLCString, std::map<StoreKey, vString> > m_storeFiles;
 };
 
 #endif

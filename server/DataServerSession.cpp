@@ -156,6 +156,9 @@ void DataServerSession::myReport(int code, int severity, vString const& text) {
 
 void DataServerSession::myObjectMessage(Packer& in, int tag) {
   vString failure;
+  // Made before the reports go to the client: a reply left half packed by
+  // a failure is the server's own business, noted in its log only.
+  Packer out(1000);
   ReportingHandler reports([this](int severity, char const* label, char const* text) {
     note("%s from %s: %s", severity == 2 ? "error" : "note", label, text);
     myReport(100, severity, vString(text));
@@ -167,7 +170,6 @@ void DataServerSession::myObjectMessage(Packer& in, int tag) {
     Twin& twin = found->second;
     int32_t const code = readInt(in);
     if (m_trace) note("request %d code %d", tag, static_cast<int>(code));
-    Packer out(1000);
     // Opening and closing a project is acknowledged by a code of its own.
     bool const acknowledged =
         twin.type == "Project" && (code == ClientCode::ProjectOpen || code == ClientCode::ProjectClose);

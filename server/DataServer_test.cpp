@@ -3,6 +3,7 @@
 // requests that it cannot serve, each answered by the portal's failure
 // report with the server's own words, after which the session goes on.
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -59,7 +60,7 @@ class DataServerTest : public RemoteTest {
  protected:
   DataServerTest()
       : m_home("HOME", m_dir.file("").c_str()),
-        m_backend("SP_DATASERVER_BACKEND", nullptr),
+        m_backend("SP_DATASERVER_BACKEND", "UnitTest"),
         m_stores("RONDO_UNITTEST_STORES", "line12.3:seismic:2d") {}
 
   // A portal that starts the server with the arguments after the program.
@@ -147,22 +148,40 @@ TEST_F(DataServerTest, BackEndSetting) {
     char const* value;
     std::string reason;
   };
+  std::string const client = "A data server does not start a data server: a catalog of type ";
   Case const cases[] = {
       {"Nonsense", "The DataServer BACKEND 'Nonsense' is not a project type."},
-      {"Rondo", "The DataServer BACKEND cannot be Rondo: its projects are served by a data server."},
-      {"2", "The DataServer BACKEND cannot be Kelp: its projects are served by a data server."},
+      {"Rondo", client + "Rondo would be a client of one."},
+      {"2", client + "Kelp would be a client of one."},
+      {"Memory", client + "Memory would be a client of one."},
+      {"inmemory", client + "InMemory would be a client of one."},
       {"4", ""},
       {"unittest", ""},
+      {"directory", ""},
+      {"FlatFile", ""},
+      {nullptr, ""},
   };
+  ScopedEnv root("SP_DATASERVER_ROOT", m_dir.file("").c_str());
   for (Case const& c : cases) {
+    std::remove(m_dir.file("DataServer.Rondo").c_str());
     ScopedEnv backend("SP_DATASERVER_BACKEND", c.value);
+    char const* shown = c.value != nullptr ? c.value : "(not set)";
     vHandle<COBPortal> portal = start(rondo());
     BareCOB catalog("ProjectCatalog", nullptr);
     catalog.setPortal(portal);
-    if (c.reason.empty())
-      EXPECT_EQ(ClientCode::SessionStart, catalog.start("h")) << c.value;
-    else
-      EXPECT_EQ(said(c.reason), fatalText([&] { catalog.start("h"); })) << c.value;
+    if (c.reason.empty()) {
+      EXPECT_EQ(ClientCode::SessionStart, catalog.start("h")) << shown;
+      continue;
+    }
+    EXPECT_EQ(said(c.reason), fatalText([&] { catalog.start("h"); })) << shown;
+    // Refused at start: one line in the log, and no server of its own.
+    std::ifstream log(m_dir.file("DataServer.Rondo"));
+    std::string line;
+    int lines = 0;
+    while (std::getline(log, line)) lines += line.find(" cannot serve: " + c.reason) != std::string::npos;
+    EXPECT_EQ(1, lines) << shown;
+    for (char const* type : {"Kelp", "Memory", "InMemory"})
+      EXPECT_FALSE(std::ifstream(m_dir.file(std::string("DataServer.") + type)).good()) << shown;
   }
 }
 

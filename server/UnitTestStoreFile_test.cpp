@@ -22,15 +22,15 @@ namespace {
 
 std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
 
-// Three picks keyed by POINT, with a float64 DEPTH and a property.
-void writePicks(std::string const& file) {
+// Picks keyed by POINT, with a float64 DEPTH and a property.
+void writePicks(std::string const& file, unsigned int count = 3) {
   InMemoryStore store{vHandle<Project>()};
   KeyList keys;
   keys.addKey(Attribute("POINT", "POINT", vINT32));
   store.create("picks", "mapdata", "scattered", keys, nullptr);
   store.addAttribute(Attribute("DEPTH", "", vFLOAT64));
-  store.addInstances(3);
-  for (unsigned int i = 1; i <= 3; ++i) {
+  store.addInstances(count);
+  for (unsigned int i = 1; i <= count; ++i) {
     *store.updateAttributeAndData("POINT").getInt32Pointer(i) = static_cast<int>(7 * i);
     *store.updateAttributeAndData("DEPTH").getFloat64Pointer(i) = 1000.0 + 0.125 * i;
   }
@@ -77,6 +77,25 @@ TEST_F(UnitTestStoreFile, AStoreWithAFileIsServedWithItsData) {
   plain.open("plain", 1, "", "", nullptr);
   EXPECT_EQ(0u, plain.getNInstances());
   EXPECT_STREQ("seismic", plain.getClass().c_str());
+}
+
+TEST_F(UnitTestStoreFile, VersionsOfOneStoreKeepTheirOwnData) {
+  writePicks(m_dir.file("v1.store"), 3);
+  writePicks(m_dir.file("v2.store"), 5);
+  ScopedEnv stores("RONDO_UNITTEST_STORES",
+                   ("picks.1:horizon::" + m_dir.file("v1.store") + " picks.2:horizon::" + m_dir.file("v2.store")).c_str());
+  vHandle<Project> project = openProject(newCatalog(), "survey");
+  // Version 0 is the newest; each open while another is open too.
+  struct Case {
+    int version;
+    unsigned int instances;
+  } const cases[] = {{1, 3}, {2, 5}, {0, 5}, {1, 3}};
+  std::vector<vHandle<ClientAttributeSet> > open;
+  for (Case const& c : cases) {
+    open.emplace_back(new ClientAttributeSet(project));
+    open.back()->open("picks", c.version, "", "", nullptr);
+    EXPECT_EQ(c.instances, open.back()->getNInstances()) << c.version;
+  }
 }
 
 TEST_F(UnitTestStoreFile, AFileThatCannotBeHadFailsTheOpen) {

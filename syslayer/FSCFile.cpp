@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "foundation/vUtlSize.h"
 #include "syslayer/FS.h"
 #include "syslayer/FSService.h"
 
@@ -111,6 +112,7 @@ FS::iCFile::iCFile(int32_t id, int32_t status, vFilename const& name, FileType t
 
 long long FS::iCFile::cread(long long position, void* buffer, long long count) {
   myIsOK("FS::iCFile::cread");
+  vUtl::checkedBytes("FS::iCFile::cread", count, 1);
   if (isByteFile(*this)) return read(position, buffer, count);
   return recordCRead(*this, position, static_cast<char*>(buffer), count);
 }
@@ -121,12 +123,14 @@ FS::ioCFile::ioCFile(int32_t id, int32_t status, vFilename const& name, FileType
 
 long long FS::ioCFile::cread(long long position, void* buffer, long long count) {
   myIsOK("FS::ioCFile::cread");
+  vUtl::checkedBytes("FS::ioCFile::cread", count, 1);
   if (isByteFile(*this)) return read(position, buffer, count);
   return recordCRead(*this, position, static_cast<char*>(buffer), count);
 }
 
 long long FS::ioCFile::cwrite(long long position, void* buffer, long long count) {
   myIsOK("FS::ioCFile::cwrite");
+  vUtl::checkedBytes("FS::ioCFile::cwrite", count, 1);
   char const* in = static_cast<char const*>(buffer);
   if (isByteFile(*this)) {
     long long done = 0;

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "foundation/Message.h"
+#include "foundation/vUtlSize.h"
 #include "syslayer/FS.h"
 #include "syslayer/FSService.h"
 
@@ -127,6 +128,9 @@ void FS::iFile::mySeekFor(long long position) {
 
 long long FS::iFile::read(long long position, void* buffer, long long count, int options) {
   myIsOK("FS::iFile::read");
+  // A count no buffer of this machine can hold is a wrong count, not a read
+  // to stop short at the end of the buffer.
+  vUtl::checkedBytes("FS::iFile::read", count, 1);
   mySeekFor(position);
   char* out = static_cast<char*>(buffer);
   long long done = 0;

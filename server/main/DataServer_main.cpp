@@ -25,6 +25,7 @@
 #include "registry/RondoRegistry.h"
 #include "remote/CommChanAddress.h"
 #include "remote/CommChanMaker.h"
+#include "remote/LargeBlocks.h"
 #include "server/DataServerSession.h"
 
 namespace {
@@ -69,6 +70,7 @@ vString checkArguments(int argc, char** argv, DataServerSession& session) {
 
 int main(int argc, char** argv) {
   ::signal(SIGPIPE, SIG_IGN);
+  keepLargeBlocksInHeap();
   if (argc < 3) {
     std::fprintf(stderr, "usage: %s <TypeName> <address> -build <N> [-v <VREL>]\n", argv[0]);
     return 2;
@@ -85,7 +87,7 @@ int main(int argc, char** argv) {
   DataServerSession session(channel, log);
   session.note("serving %s at %s", argv[1], argv[2]);
   try {
-    registerRondoClasses();
+    registerDataServerClasses();
     session.setFailure(checkArguments(argc, argv, session));
   } catch (UtlExcept const& e) {
     session.setFailure(e.getReason());

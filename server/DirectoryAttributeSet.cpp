@@ -1,0 +1,68 @@
+#include "server/DirectoryAttributeSet.h"
+
+#include <vector>
+
+#include "attribute/Attribute.h"
+#include "foundation/Message.h"
+#include "project/StoreDescription.h"
+#include "project/StoreFactory.h"
+#include "server/DirectoryProject.h"
+
+DirectoryAttributeSet::DirectoryAttributeSet(vHandle<Project> const& project) : CapiAttributeSetW(project) {}
+
+DirectoryAttributeSet::~DirectoryAttributeSet() {
+  if (isOpen()) {
+    try {
+      close();
+    } catch (...) {
+      // A store that cannot close has said why.
+    }
+  }
+}
+
+void DirectoryAttributeSet::create(vLCString const& name, vLCString const&, vLCString const&, KeyList const&,
+                                   StoreCreationOptions const*) {
+  Message::fatal("DirectoryAttributeSet::create", 0,
+                 "Store %s cannot be made: the data server's directory projects are read-only.", name.c_str());
+}
+
+void DirectoryAttributeSet::update(vLCString const& name, int, vLCString const&, vLCString const&,
+                                   StoreOpenOptions const*) {
+  Message::fatal("DirectoryAttributeSet::update", 0,
+                 "Store %s cannot be opened for update: the data server's directory projects are read-only.",
+                 name.c_str());
+}
+
+void DirectoryAttributeSet::open(vLCString const& name, int version, vLCString const&, vLCString const&,
+                                 StoreOpenOptions const* options) {
+  char const* const label = "DirectoryAttributeSet::open";
+  if (isOpen()) Message::fatal(label, 0, "The store '%s' has already been opened!", getName().c_str());
+  DirectoryProject const* project = dynamic_cast<DirectoryProject const*>(m_project.pointer());
+  if (project == nullptr) Message::fatal(label, 0, "Store %s is not in a directory project.", name.c_str());
+  vFilename const file = project->getStoreFile(name, version);
+  vHandle<Store> store = StoreFactory::openStore(StoreDescription(file), vLCString(), options);
+  m_set = vHandle_cast<AttributeSet>(store);
+  setPropertyList(*store);
+}
+
+void DirectoryAttributeSet::close() {
+  CapiAttributeSetW::close();
+  setPropertyList(PropertyI());
+}
+
+void DirectoryAttributeSet::read(Attribute& attribute, unsigned int first, unsigned int last) const {
+  if (last < first || last - first < kPiece || attribute.isVariableLength() || attribute.getDataType() == vSTRING) {
+    CapiAttributeSetW::read(attribute, first, last);
+    return;
+  }
+  Attribute part = getAttribute(attribute.getName());
+  std::vector<unsigned char> bytes;
+  for (unsigned int at = first;; at += kPiece) {
+    unsigned int const end = last - at < kPiece ? last : at + kPiece - 1;
+    CapiAttributeSetW::read(part, at, end);
+    unsigned char const* data = static_cast<unsigned char const*>(part.getPointer(1));
+    bytes.insert(bytes.end(), data, data + part.getTotalNBytes());
+    if (end == last) break;
+  }
+  attribute.copyData(last - first + 1, bytes.data());
+}

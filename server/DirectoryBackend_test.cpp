@@ -1,0 +1,288 @@
+// The directory back end of the data server, run as a process: projects
+// are the directories under SP_DATASERVER_ROOT, stores the files in them
+// that the store factory identifies. Bad names and bad files are answered
+// with the server's reasons and the session goes on; the answers to the
+// attribute set messages are, byte for byte, those the same store gives
+// in-process.
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "filestore/segy/SegyTesting.h"
+#include "foundation/Packer.h"
+#include "project/AttributeMatch.h"
+#include "project/StoreFactory.h"
+#include "registry/RondoRegistry.h"
+#include "remote/ClientAttributeSet.h"
+#include "remote/ClientCodes.h"
+#include "remote/ClientTesting.h"
+
+using namespace remote_testing;
+
+namespace {
+
+std::string const kNothing = "(nothing raised)";
+
+std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
+
+void write(std::string const& path, std::string const& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+class DirectoryBackend : public ClientTest {
+ protected:
+  DirectoryBackend()
+      : m_root(m_dir.file("root")),
+        m_default("SP_DATASERVER_BACKEND", nullptr),
+        m_rootSetting("SP_DATASERVER_ROOT", m_root.c_str()) {
+    registerRondoClasses();
+    segy_testing::SegyWriter w;
+    std::string const survey = m_root + "/survey/";
+    ::mkdir(m_root.c_str(), 0700);
+    ::mkdir(survey.c_str(), 0700);
+    ::mkdir((m_root + "/Other").c_str(), 0700);
+    ::mkdir(m_dir.file("away").c_str(), 0700);
+    write(m_root + "/plain", "not a project");
+    // Name order: line1.SGY comes before line1.sgy and is the store.
+    write(survey + "line1.SGY", w.file(2500));
+    write(survey + "line1.sgy", w.file(2));
+    write(survey + "notes.txt", "no store");
+    write(survey + "cut.sgy", w.file(4));
+    write(survey + "empty.sgy", "");
+    write(survey + "fake.sgy", std::string(4000, 'x'));
+    write(m_dir.file("outside.sgy"), w.file(3));
+    EXPECT_EQ(0, ::symlink(m_dir.file("outside.sgy").c_str(), (survey + "link.sgy").c_str()));
+    EXPECT_EQ(0, ::symlink(m_dir.file("away").c_str(), (m_root + "/escape").c_str()));
+  }
+  // What the store factory says, in-process, about a file of the project.
+  std::string localFailure(char const* name) const {
+    std::string const path = m_root + "/survey/" + name;
+    return fatalText([&] { StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr); });
+  }
+
+  std::string m_root;
+
+ private:
+  ScopedEnv m_default;
+  ScopedEnv m_rootSetting;
+};
+
+std::vector<std::string> names(std::list<vLCString> const& list) {
+  std::vector<std::string> out;
+  for (vLCString const& n : list) out.push_back(n.c_str());
+  return out;
+}
+
+TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  std::vector<std::string> projects;
+  vHandle<ProjectList> const list = catalog->getProjectList();
+  for (ProjectListEntry const& e : *list) projects.push_back(e.getName().c_str());
+  EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
+
+  vHandle<Project> project = openProject(catalog, "survey");
+  std::vector<std::string> const all = {"cut.1", "empty.1", "fake.1", "line1.1"};
+  EXPECT_EQ(all, names(*project->getStoreList("", "")));
+  EXPECT_EQ(all, names(*project->getStoreList("SEISMIC", "")));
+  EXPECT_TRUE(project->getStoreList("horizon", "")->empty());
+  int skipped = 0;
+  for (std::string const& line : serverLines())
+    skipped += line == "project survey: file line1.sgy skipped, store line1 is file line1.SGY";
+  EXPECT_EQ(1, skipped);
+
+  // Each refusal is the server's answer; the session goes on.
+  auto noSuch = [&](std::string const& name) {
+    return said("There is no project " + name + ": the data server's directory " + m_root +
+                " has no such subdirectory.");
+  };
+  auto openSet = [&](char const* store) {
+    ClientAttributeSet set(project);
+    set.open(store, 0, "", "", nullptr);
+  };
+  struct Case {
+    std::function<void()> act;
+    std::string expected;
+  } const cases[] = {
+      {[&] { openProject(catalog, "../root"); }, said("'../root' is not a project name: a name holds no '/' and no '..'.")},
+      {[&] { openProject(catalog, "survey/x"); }, said("'survey/x' is not a project name: a name holds no '/' and no '..'.")},
+      {[&] { openProject(catalog, "nosuch"); }, noSuch("nosuch")},
+      {[&] { openProject(catalog, "escape"); }, noSuch("escape")},
+      {[&] { openProject(catalog, "plain"); }, noSuch("plain")},
+      {[&] { openSet("notes"); }, said("Store notes version 0 is not in project survey.")},
+      {[&] { openSet("link"); }, said("Store link version 0 is not in project survey.")},
+      {[&] { openSet("../outside"); }, said("Store ../outside version 0 is not in project survey.")},
+      {[&] { openSet("empty"); }, said(localFailure("empty.sgy").substr(localFailure("empty.sgy").find(": ") + 2))},
+      {[&] { openSet("fake"); }, said(localFailure("fake.sgy").substr(localFailure("fake.sgy").find(": ") + 2))},
+  };
+  for (Case const& c : cases) EXPECT_EQ(c.expected, fatalText(c.act));
+
+  ClientAttributeSet line(project);
+  line.open("line1", 0, "", "", nullptr);
+  EXPECT_EQ(2500u, line.getNInstances());
+  EXPECT_STREQ("seismic", line.getClass().c_str());
+  Attribute cmp = line.getAttribute("CMP");
+  line.read(cmp, 3, 4);
+  EXPECT_EQ(segy_testing::goldenHeader(4, 20), cmp.getInt32(2));
+
+  // A file cut short while open: its store's error, and the others served.
+  ClientAttributeSet cut(project);
+  cut.open("cut", 1, "", "", nullptr);
+  Attribute trace = cut.getAttribute("TRACE");
+  cut.read(trace, 1, 1);
+  ASSERT_EQ(0, ::truncate((m_root + "/survey/cut.sgy").c_str(), 3600 + 2 * 260));
+  EXPECT_EQ(said("Failed to read instance 3"), fatalText([&] { cut.read(trace, 3, 4); }));
+  line.read(cmp, 1, 1);
+  EXPECT_EQ(segy_testing::goldenHeader(1, 20), cmp.getInt32(1));
+}
+
+TEST_F(DirectoryBackend, NoRootIsTheServersAnswer) {
+  ScopedEnv unset("SP_DATASERVER_ROOT", nullptr);
+  EXPECT_EQ(said("The data server has no project directory: set the system property ROOT of section DATASERVER "
+                 "(SP_DATASERVER_ROOT)."),
+            fatalText([&] { newCatalog(); }));
+}
+
+// A remote object that sends what it is given and keeps the reply.
+class RawCOB : public COB {
+ public:
+  RawCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
+  void doCommsReinitialize() override {}
+  // The reply's bytes, or the server's reason.
+  std::string call(int code, std::function<void(Packer&)> const& arguments) {
+    Packer p(100);
+    p.pack(static_cast<int32_t>(code));
+    if (arguments) arguments(p);
+    std::string const failure = fatalText([&] { ASSERT_EQ(CommChan::OK, sendAndReceive(p)); });
+    if (failure != kNothing) return failure;
+    unsigned char const* bytes = nullptr;
+    int size = 0;
+    p.getBuffer(&bytes, size, getID());
+    return std::string(reinterpret_cast<char const*>(bytes), static_cast<size_t>(size));
+  }
+};
+
+TEST_F(DirectoryBackend, AnswersAreTheStoresOwnBytes) {
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "survey");
+  RawCOB set("AttributeSet", dynamic_cast<COB*>(project.get()));
+  std::string const opened = set.call(ClientCode::Open, [](Packer& p) {
+    p.pack(vString("line1"));
+    p.pack(static_cast<int32_t>(1));
+    p.pack(vString(""));
+    p.pack(vString(""));
+    p.packBool(false);
+  });
+  ASSERT_EQ(std::string::npos, opened.find("Server said")) << opened;
+  vHandle<Store> local =
+      StoreFactory::openStore(StoreDescription(vFilename((m_root + "/survey/line1.SGY").c_str())), "", nullptr);
+  Store& s = *local;
+
+  auto text = [](char const* t) { return [t](Packer& p) { p.pack(vString(t)); }; };
+  auto range = [](char const* t, unsigned a, unsigned b) {
+    return [=](Packer& p) {
+      p.pack(vString(t));
+      p.pack(static_cast<uint32_t>(a));
+      p.pack(static_cast<uint32_t>(b));
+    };
+  };
+  auto read = [&](char const* t, unsigned a, unsigned b) {
+    return [&s, t, a, b](Packer& out) {
+      Attribute x = s.getAttribute(t);
+      s.read(x, a, b);
+      out.pack(x);
+    };
+  };
+  std::vector<unsigned int> const picked = {4, 1, 2};
+  struct Case {
+    int code;
+    std::function<void(Packer&)> request;
+    std::function<void(Packer&)> answer;
+  } const cases[] = {
+      {ClientCode::GetNInstances, nullptr, [&](Packer& o) { o.pack(static_cast<uint32_t>(s.getNInstances())); }},
+      {ClientCode::GetName, nullptr, [&](Packer& o) { o.pack(s.getName()); }},
+      {ClientCode::GetVersion, nullptr, [&](Packer& o) { o.pack(static_cast<int32_t>(s.getVersion())); }},
+      {ClientCode::GetClass, nullptr, [&](Packer& o) { o.pack(s.getClass()); }},
+      {ClientCode::GetKeyList, nullptr, [&](Packer& o) { o.pack(s.getKeyList()); }},
+      {ClientCode::GetAttributeList, nullptr,
+       [&](Packer& o) {
+         std::list<Attribute> const l = s.getAttributeList();
+         pack(o, l.begin(), l.end());
+       }},
+      {ClientCode::GetAttributeListMatching,
+       [](Packer& p) {
+         p.pack(vString(""));
+         p.pack(static_cast<int32_t>(AttributeMatch::MATCH_OR_BLANK_CLASS));
+       },
+       [&](Packer& o) {
+         std::list<Attribute> const l = s.getAttributeList("", AttributeMatch::MATCH_OR_BLANK_CLASS);
+         pack(o, l.begin(), l.end());
+       }},
+      {ClientCode::GetAttribute, text("TRACE"), [&](Packer& o) { o.pack(s.getAttribute("TRACE")); }},
+      {ClientCode::HasAttribute, text("NOPE"), [&](Packer& o) { o.packBool(s.hasAttribute("NOPE")); }},
+      {ClientCode::ReadRange, range("TRACE", 2, 3), read("TRACE", 2, 3)},
+      {ClientCode::ReadRange, range("CMP", 2499, 2509), read("CMP", 2499, 2509)},
+      {ClientCode::ReadRange, range("CMP", 2, 2500), read("CMP", 2, 2500)},
+      {ClientCode::ReadRange, range("TRACE", 1, 1001), read("TRACE", 1, 1001)},
+      {ClientCode::ReadList,
+       [&](Packer& p) {
+         p.pack(vString("CMP"));
+         pack(p, picked.begin(), picked.end());
+       },
+       [&](Packer& o) {
+         Attribute x = s.getAttribute("CMP");
+         s.read(x, picked);
+         o.pack(x);
+       }},
+      {ClientCode::GetUnique,
+       [](Packer& p) {
+         p.pack(vString("CMP"));
+         p.pack(static_cast<int32_t>(vUtlSort::SortOrder::DESCENDING));
+       },
+       [&](Packer& o) {
+         Attribute x = s.getAttribute("CMP");
+         s.getUnique(x, vUtlSort::SortOrder::DESCENDING);
+         o.pack(x);
+       }},
+      {ClientCode::GetGroupsAndSizes,
+       [](Packer& p) {
+         p.pack(vString("CMP"));
+         p.pack(static_cast<int32_t>(vUtlSort::SortOrder::ASCENDING));
+       },
+       [&](Packer& o) {
+         Attribute x = s.getAttribute("CMP");
+         std::vector<unsigned int> sizes;
+         s.getGroupsAndSizes(x, sizes, vUtlSort::SortOrder::ASCENDING);
+         o.pack(x);
+         pack(o, sizes.begin(), sizes.end());
+       }},
+      {ClientCode::GetProperties, nullptr, [&](Packer& o) { s.packProperties(o); }},
+      {ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); },
+       [&](Packer&) { s.addInstances(2); }},
+  };
+  int bytesCompared = 0;
+  for (Case const& c : cases) {
+    Packer expected(100);
+    expected.pack(static_cast<int32_t>(c.code));
+    std::string const failure = fatalText([&] { c.answer(expected); });
+    std::string want;
+    if (failure != kNothing) {
+      want = said(failure.substr(failure.find(": ") + 2));
+    } else {
+      unsigned char const* bytes = nullptr;
+      int size = 0;
+      expected.getBuffer(&bytes, size, set.getID());
+      ++bytesCompared;
+      want = std::string(reinterpret_cast<char const*>(bytes), static_cast<size_t>(size));
+    }
+    EXPECT_EQ(want, set.call(c.code, c.request)) << c.code;
+  }
+  // The store refuses the write and the read past its end.
+  EXPECT_EQ(16, bytesCompared);
+}
+
+}  // namespace
