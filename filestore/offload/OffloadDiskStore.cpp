@@ -30,7 +30,7 @@ bool isDataFile(vFilename const& file) {
 OffloadDiskStore::OffloadDiskStore() : OffloadDiskStore(vHandle<Project>()) {}
 
 OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_isOpen(false), m_created(false) {}
+    : DiskStore(project), m_isOpen(false), m_created(false), m_restoreMute(false) {}
 
 OffloadDiskStore::~OffloadDiskStore() {
   if (m_isOpen) {
@@ -71,8 +71,21 @@ void OffloadDiskStore::open(vFilename const& file) {
   }
 }
 
+void OffloadDiskStore::open(vLCString const& name, int, vLCString const&, vLCString const&,
+                            StoreOpenOptions const* options) {
+  if (options && options->getRestoreMute()) m_restoreMute = true;
+  open(vFilename(name));
+}
+
+void OffloadDiskStore::setRestoreMute(bool restoreMute) {
+  m_restoreMute = restoreMute;
+  if (!m_file.isEmpty()) m_file->setRestoreMute(restoreMute);
+}
+
 void OffloadDiskStore::myOpenData(vFilename const& file) {
-  vHandle<OffloadAttributeFile> data(new OffloadAttributeFile(file));
+  AttributeFile::OpenOptions options;
+  options.setRestoreMute(m_restoreMute);
+  vHandle<OffloadAttributeFile> data(new OffloadAttributeFile(file, options));
   data->getNInstances();  // opens it, so that a bad file fails here
   if (!m_header.isEmpty()) {
     double first = 0, increment = 0, last = 0;

@@ -17,6 +17,7 @@
 #include "filestore/offload/OffloadHeaderFile.h"
 #include "project/StoreCreationOptions.h"
 #include "project/StoreDescription.h"
+#include "project/StoreOpenOptions.h"
 
 class OffloadDiskStore : public DiskStore {
  public:
@@ -28,6 +29,12 @@ class OffloadDiskStore : public DiskStore {
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
   vFilename getCurrentFilename() const;
+  // By file name, with the traces' mute restored when the options ask.
+  void open(vLCString const& name, int version, vLCString const& className, vLCString const& subClass,
+            StoreOpenOptions const* options) override;
+  // Traces of every data file opened from now on, and of the open one, from
+  // time 0 with the mute zone as zeros.
+  void setRestoreMute(bool restoreMute);
   // A new set: a header file named by the options and one data file per
   // offset beside it ("<root>_<k>.offload"), each an attribute set, with
   // the options' attributes, grid (first inline, inline increment, inlines,
@@ -89,6 +96,7 @@ class OffloadDiskStore : public DiskStore {
 
   bool m_isOpen;
   bool m_created;
+  bool m_restoreMute;
   std::vector<vHandle<OffloadAttributeFile> > m_createdFiles;
   vFilename m_fileName;
   std::vector<vFilename> m_dataFiles;

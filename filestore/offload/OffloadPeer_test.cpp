@@ -162,10 +162,14 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
                       store.getFile().readRangeScattered(scattered, 12, 13, {1, 2});
                     }));
           // The mute restored: two zeros in front, the whole trace from 0.
-          store.getFile().setRestoreMute(true);
+          StoreOpenOptions restore;
+          restore.setRestoreMute(true);
+          OffloadDiskStore muted;
+          muted.open(vLCString(f.file.c_str()), 1, "seismic", "offloaddisk", &restore);
           Attribute whole("TRACE", "", vFLOAT32);
-          store.read(whole, 2, 2);
+          muted.read(whole, 2, 2);
           ASSERT_EQ(9, whole.getLength());
+          EXPECT_EQ(0.0, muted.getAttribute("TRACE").getFirstTime());
           float const* w = static_cast<float const*>(whole.getPointer(1));
           EXPECT_EQ(0.0f, w[0]);
           EXPECT_FLOAT_EQ(static_cast<float>(rows[1][4]), w[2]);
