@@ -273,13 +273,12 @@ void OffloadAttributeFile::mySetupProperties() {
   float ilInterval, xlInterval;
   std::memcpy(&xlInterval, &h[15], 4);
   std::memcpy(&ilInterval, &h[16], 4);
-  auto put = [this](char const* name, Property const& value) {
-    m_properties.addOrReplaceProperty(value);
-    (void)name;
+  PropertyList& list = m_properties;
+  auto text = [&list](char const* name, char const* value) {
+    list.addOrReplaceProperty(Property(vUCString(name), value));
   };
-  auto text = [&put](char const* name, char const* value) { put(name, Property(vUCString(name), value)); };
-  auto number = [&put](char const* name, int value) { put(name, Property(vUCString(name), value)); };
-  auto real = [&put](char const* name, double value) { put(name, Property(vUCString(name), value)); };
+  auto number = [&list](char const* name, int value) { list.addOrReplaceProperty(Property(vUCString(name), value)); };
+  auto real = [&list](char const* name, double value) { list.addOrReplaceProperty(Property(vUCString(name), value)); };
   number("OFFLOAD_REGISTRATION", 4);
   number("OFFLOAD_VERSION", h[59]);
   number("DISK_VERSION", h[59]);

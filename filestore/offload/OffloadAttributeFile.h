@@ -23,7 +23,8 @@
 //
 // New files: create(), then addAttribute (the keys INLINE, CROSSLINE and
 // TRACE among them), setGrid, setOffset and possibly setCompression; the
-// first write lays the file out, with a record for every bin. Writes go to
+// first write or question lays the file out, with a record for every bin
+// and SUBLINE added to the table when the caller has none. Writes go to
 // whole ranges of bins of such a rectangular file; flush writes the fold
 // map, each bin written having a fold of 1.
 

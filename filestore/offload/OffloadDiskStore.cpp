@@ -108,8 +108,8 @@ void OffloadDiskStore::mySetupProperties() {
   for (auto it = list.beginProperty(); it != list.endProperty(); ++it) DiskStore::addProperty(*it);
 }
 
-void OffloadDiskStore::create(vLCString const& name, vLCString const& className, vLCString const& subClass,
-                              KeyList const&, StoreCreationOptions const* options) {
+void OffloadDiskStore::create(vLCString const&, vLCString const& className, vLCString const& subClass, KeyList const&,
+                              StoreCreationOptions const* options) {
   char const* const label = "OffloadDiskStore::create";
   auto require = [label](bool ok, char const* what) {
     if (!ok) Message::fatal(label, 0, "Creation of a seismic/offloadheader Store requires that %s.", what);
@@ -160,7 +160,6 @@ void OffloadDiskStore::create(vLCString const& name, vLCString const& className,
   }
   header->setDataFilenames(dataFiles);
   header->save();
-  (void)name;
   m_fileName = headerName;
   m_header = header;
   m_dataFiles = dataFiles;
