@@ -116,6 +116,8 @@ class OffloadAttributeFile : public AttributeFile {
   void mySetupProperties();
   void myLoadMaps();
   void myCheckRange(unsigned int first, unsigned int last);
+  // The caller's attribute made the file's length, in the caller's type.
+  void myShape(Attribute& attribute, Attribute const& definition);
   void myGenerate(Attribute& attribute, unsigned int first, unsigned int last);
   void myLoadRecords(unsigned int first, unsigned int last);
   void myReadRecords(long long record, unsigned int count, char* target);

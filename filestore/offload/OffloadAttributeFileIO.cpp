@@ -86,15 +86,18 @@ void OffloadAttributeFile::myCheckRange(unsigned int first, unsigned int last) {
 
 int OffloadAttributeFile::myTraceSamples() const { return m_header[2] - m_header[18]; }
 
-void OffloadAttributeFile::readRange(Attribute& attribute, unsigned int first, unsigned int last) {
-  myOpenFile();
-  if (last == 0) last = getNInstances();
-  myCheckRange(first, last);
-  Attribute const& definition = myDefinition("OffloadAttributeFile::readRange", attribute.getName());
+void OffloadAttributeFile::myShape(Attribute& attribute, Attribute const& definition) {
   if (attribute.getLength() != definition.getLength() || attribute.getDataType() == vNOTYPE)
     attribute = Attribute(definition.getName(), attribute.getClass(),
                           attribute.getDataType() == vNOTYPE ? definition.getDataType() : attribute.getDataType(),
                           definition.getLength(), definition.getSampleRate(), definition.getFirstTime());
+}
+
+void OffloadAttributeFile::readRange(Attribute& attribute, unsigned int first, unsigned int last) {
+  myOpenFile();
+  if (last == 0) last = getNInstances();
+  myCheckRange(first, last);
+  myShape(attribute, myDefinition("OffloadAttributeFile::readRange", attribute.getName()));
   if (getOffset(attribute) < 0) {
     myGenerate(attribute, first, last);
     return;
@@ -121,8 +124,8 @@ void OffloadAttributeFile::readRange(Attribute& attribute, unsigned int first, u
 void OffloadAttributeFile::extractRange(Attribute& attribute, unsigned int first, unsigned int last) {
   myOpenFile();
   myCheckRange(first, last);
-  Attribute const& definition = myDefinition("OffloadAttributeFile::extractRange", attribute.getName());
-  if (getOffset(definition) < 0) {
+  myShape(attribute, myDefinition("OffloadAttributeFile::extractRange", attribute.getName()));
+  if (getOffset(attribute) < 0) {
     myGenerate(attribute, first, last);
     return;
   }

@@ -82,6 +82,20 @@ TEST_F(OffloadFaultTest, DeadBinsAreNeverRead) {
   EXPECT_EQ(0, cdpOf(store, 12));
 }
 
+TEST_F(OffloadFaultTest, ACachedRangeIsExtractedWithoutTheFile) {
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  store.getFile().cacheRange(2, 5);
+  fs_testing::Fault everything(path, FS_FAULT_FAILREAD, 0);
+  Attribute cdp("CDP", "", vINT32);
+  store.getFile().extractRange(cdp, 3, 5);
+  EXPECT_EQ(35, cdp.getInt32(3));
+  Attribute trace("TRACE", "", vFLOAT32);  // of length 1: made the file's length
+  store.getFile().extractRange(trace, 2, 2);
+  EXPECT_EQ(7, trace.getLength());
+  EXPECT_THROW(store.getFile().extractRange(cdp, 5, 6), UtlExcept);
+}
+
 TEST_F(OffloadFaultTest, ACutHeaderOrMapFails) {
   for (int64_t const size : {int64_t(2), int64_t(200), int64_t(1790)}) {
     fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, size);
