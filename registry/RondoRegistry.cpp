@@ -9,6 +9,9 @@
 #include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
+#include "filestore/disk/ExistingAttributeFile.h"
+#include "filestore/offload/OffloadAttributeFile.h"
+#include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
@@ -53,6 +56,13 @@ vHandle<Store> openSegyFile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openOffloadFile(StoreDescription const& description) {
+  OffloadDiskStore* store = new OffloadDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -77,6 +87,11 @@ void registerRondoClasses() {
   // cannot handle, and the others are reported as not available.
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
+  StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
+  // Offload data files by their extension, for the stores that open
+  // attribute files by kind.
+  ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
+  if (!files.isRegistered("offload")) files.registerExample("offload", new OffloadAttributeFile);
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", &makeTranslatingDecorator);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -13,6 +14,8 @@
 #include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
+#include "filestore/disk/ExistingAttributeFile.h"
+#include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
@@ -224,6 +227,27 @@ TEST(RondoRegistrySegy, SegyFilesOpenAsSegyStoresByEveryTag) {
   Attribute cmp = store->getAttribute("CMP");
   store->read(cmp, 3, 4);
   EXPECT_EQ(segy_testing::goldenHeader(3, 20), cmp.getInt32(1));
+}
+
+// Offload data files reach the offload store by their extension, and
+// attribute files of that kind are opened by the offload file.
+TEST(RondoRegistryOffload, OffloadFilesOpenAsOffloadStores) {
+  registerRondoClasses();
+  fs_testing::TempDir dir;
+  std::string const path = dir / "survey.offload";
+  std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
+                          path + " " + (dir / "expect.txt") + " '>' 1 995 1";
+  ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+  vHandle<Store> store = StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr);
+  ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
+  EXPECT_EQ(vLCString("offloaddisk"), store->getSubClass());
+  Attribute cdp = store->getAttribute("CDP");
+  store->read(cdp, 3, 3);
+  EXPECT_EQ(21, cdp.getInt32(1));
+  vHandle<AttributeFile> file =
+      ExistingAttributeFile::getInstance().open(vFilename(path.c_str()), cdp, AttributeFile::OpenOptions());
+  EXPECT_EQ(12u, file->getNInstances());
+  EXPECT_EQ(vString("offload"), file->getRegistrationName());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -88,6 +89,24 @@ std::vector<std::string> names(std::list<vLCString> const& list) {
   std::vector<std::string> out;
   for (vLCString const& n : list) out.push_back(n.c_str());
   return out;
+}
+
+// Offload data files are stores of a directory project too, read through
+// the server as the store reads them in-process.
+TEST_F(DirectoryBackend, OffloadFilesAreServed) {
+  std::string const dir = m_root + "/offsets";
+  ::mkdir(dir.c_str(), 0700);
+  std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
+                          dir + "/near.offload " + m_dir.file("near.txt") + " '>' 2 995 1";
+  ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+  vHandle<Project> project = openProject(newCatalog(), "offsets");
+  EXPECT_EQ((std::vector<std::string>{"near.1"}), names(*project->getStoreList("seismic", "")));
+  ClientAttributeSet near(project);
+  near.open("near", 1, "", "", nullptr);
+  EXPECT_EQ(12u, near.getNInstances());
+  Attribute cdp = near.getAttribute("CDP");
+  near.read(cdp, 2, 4);
+  EXPECT_EQ((std::vector<int>{14, 21, 28}), (std::vector<int>{cdp.getInt32(1), cdp.getInt32(2), cdp.getInt32(3)}));
 }
 
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {

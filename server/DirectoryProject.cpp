@@ -63,7 +63,16 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
     vString const path = DirectoryTree::resolve(m_directory + "/" + name.c_str());
     if (!DirectoryTree::isRegularFile(path) || !DirectoryTree::isWithin(root, path)) continue;
     StoreDescription description{vFilename(m_directory + "/" + name.c_str())};
-    if (!StoreFactory::identifyFileFormat(description, nullptr)) continue;
+    if (!StoreFactory::identifyFileFormat(description, nullptr)) {
+      // Offload data files are known by their extension alone: the factory
+      // takes it as the format tag when it opens them.
+      vLCString const extension(vFilename(name.c_str()).getExtension());
+      if (!(extension == vLCString("offload")) ||
+          StoreFactory::getMakers(StoreFactory::getFileStoreClass(extension)).openFile == nullptr)
+        continue;
+      description.setFileFormat(extension);
+      description.setStoreClass("seismic");
+    }
     vLCString const store(vFilename(name.c_str()).getRoot());
     bool taken = false;
     for (Entry const& earlier : found) {

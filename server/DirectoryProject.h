@@ -3,7 +3,8 @@
 
 // DirectoryProject: a project of the directory back end, the directory
 // <root>/<name> (see DirectoryProjectCatalog). Every file of it that the
-// store factory can identify is a store, named by the file's name without
+// store factory can identify, and every offload data file (".offload"), is
+// a store, named by the file's name without
 // its extension, in lower case, version 1, of the class the factory gives
 // its format (the store list shows "name.1", as every project does). Of two files that give one store name the first in name
 // order is the store, and the server's log (its standard error) says which

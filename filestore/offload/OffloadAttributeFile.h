@@ -1,0 +1,163 @@
+#ifndef FILESTORE_OFFLOAD_OFFLOADATTRIBUTEFILE_H
+#define FILESTORE_OFFLOAD_OFFLOADATTRIBUTEFILE_H
+
+// OffloadAttributeFile: one offload data file, the traces of one offset of
+// a regular survey. Instances are the bins of the survey grid, inline by
+// inline; a record holds the trace followed by the header attributes that
+// the file's table lists. A fold of zero marks a dead bin, which has no
+// trace: polygonal files hold records only for live bins, found through
+// the polygon mask, rectangular ones a record for every bin.
+//
+// The file is opened lazily, at the first question that needs it. Words
+// are in the writer's byte order, told by the header length in word 0;
+// the values are swapped on the way out. A file that went through a
+// word-swapping copy is told by its table holding "LBUS ENI" rather than
+// "SUBLINE": its names are read back word by word and its 16-bit samples
+// pair by pair.
+//
+// Reads of a range trim it to its live bins, read their records in one
+// go (runs of records for polygonal files) into a window of at least 4096
+// instances, and cut the attribute out of that window; instances outside
+// the live part read as zeros. CMP, INLINE, CROSSLINE, CMP.FOLD and
+// OFFSET.BIN are computed from the grid and the fold map.
+//
+// New files: create(), then addAttribute (the keys INLINE, CROSSLINE and
+// TRACE among them), setGrid, setOffset and possibly setCompression; the
+// first write or question lays the file out, with a record for every bin
+// and SUBLINE added to the table when the caller has none. Writes go to
+// whole ranges of bins of such a rectangular file; flush writes the fold
+// map, each bin written having a fold of 1.
+
+#include <list>
+#include <vector>
+
+#include "attribute/KeyList.h"
+#include "attribute/PropertyList.h"
+#include "filestore/disk/AttributeFile.h"
+#include "filestore/offload/OffloadVersionBits.h"
+#include "foundation/vHandle.h"
+#include "geometry/CMPBasicGrid.h"
+#include "syslayer/FS.h"
+
+class OffloadAttributeFile : public AttributeFile {
+ public:
+  enum CompressionType { NONE = 0, INT16 = 1 };
+
+  struct AttributeOffset {
+    int id;          // position in the table
+    int position;    // word position behind the trace
+    vUCString name;  // the store layer's name
+    bool operator<(AttributeOffset const& other) const { return name < other.name; }
+  };
+
+  OffloadAttributeFile();
+  explicit OffloadAttributeFile(vFilename const& name, OpenOptions options = OpenOptions());
+  ~OffloadAttributeFile() override;
+
+  vFilename getName() const override { return m_fileName; }
+  // Byte offset in a record; -1 for a computed attribute.
+  int getOffset(Attribute const& attribute) const override;
+  void writeRange(Attribute const& attribute, unsigned int first, unsigned int last) override;
+  void readRange(Attribute& attribute, unsigned int first, unsigned int last) override;
+  void extractRange(Attribute& attribute, unsigned int first, unsigned int last) override;
+  void writeList(Attribute const& attribute, std::vector<unsigned int> const& instances) override;
+  void readList(Attribute& attribute, std::vector<unsigned int> const& instances) override;
+  unsigned int getNInstances() override;
+  void flush() override;
+  AttributeFile* makeNew(vFilename const& name, Attribute const& shape, OpenOptions options) override;
+  void deleteFile(vFilename const& name) override;
+  bool hasAttribute(vUCString const& name) override;
+  Attribute getAttribute(vUCString const& name) override;
+  unsigned int getNAttributes() override;
+  bool prepareBuffer(AttributeSetBuffer& buffer) override;
+  void readBufferRange(AttributeSetBuffer& buffer, unsigned int first, unsigned int last) override;
+  long long getFileSize() override;
+  vString getRegistrationName() const override { return vString("offload"); }
+  void setRestoreMute(bool restoreMute) override;
+  bool getRestoreMute() const override { return restoreMute; }
+
+  void create(vFilename const& name);
+  void addAttribute(Attribute const& attribute);
+  void setGrid(CMPBasicGrid const& grid);
+  CMPBasicGrid const& getGrid();
+  void setCompression(CompressionType type);
+  void setOffset(double first, double increment, int count, int sequence);
+  double getOffsetBin();
+  // Words.
+  int getRecordLength();
+  std::vector<int> const& getPolygonMask();
+  std::vector<int> const& getFold();
+  // Whether the attribute is computed rather than read.
+  bool isCalculatable(vUCString const& name);
+  KeyList getKeyList();
+  std::list<Attribute> getAttributeList();
+  PropertyList const& getProperties();
+  // Loads the records of the range, so that extractRange needs no file.
+  void cacheRange(unsigned int first, unsigned int last);
+  // Instances first to last read into the attribute at the positions
+  // given, one for each instance; an attribute without instances is sized
+  // to the largest position. The second form does so for each attribute.
+  void readRangeScattered(Attribute& attribute, unsigned int first, unsigned int last,
+                          std::vector<unsigned int> const& positions);
+  void readRangeScattered(std::vector<Attribute*> const& attributes, unsigned int first, unsigned int last,
+                          std::vector<unsigned int> const& positions);
+  // The header words as this machine reads them.
+  std::vector<int> const& getHeader();
+  bool isSwapped();
+
+ private:
+  void myOpenFile();
+  void myCheckForByteSwap(int word0);
+  void myCheckHeader();
+  void mySetVersionBits();
+  void myBuildAttributes();
+  void myCheckForFSCP();
+  void mySetupGrid();
+  void mySetupProperties();
+  void myLoadMaps();
+  void myCheckRange(unsigned int first, unsigned int last);
+  // The caller's attribute made the file's length, in the caller's type.
+  void myShape(Attribute& attribute, Attribute const& definition);
+  void myGenerate(Attribute& attribute, unsigned int first, unsigned int last);
+  void myLoadRecords(unsigned int first, unsigned int last);
+  void myReadRecords(long long record, unsigned int count, char* target);
+  void myExtract(Attribute& attribute, unsigned int first, unsigned int last);
+  void myZapDead(Attribute& attribute, unsigned int first, unsigned int last, unsigned int liveFirst,
+                 unsigned int liveLast);
+  void myDoCreation();
+  void myWriteWords(long long record, void const* data, long long bytes);
+  Attribute const& myDefinition(char const* label, vUCString const& name);
+  int myTraceSamples() const;
+
+  vFilename m_fileName;
+  bool m_isOpen;
+  OpenOptions m_options;
+  FS::iFile m_file;
+  FS::ioFile m_ioFile;
+  std::vector<int> m_header;
+  bool m_swap;
+  bool m_fscp;
+  vString m_shape;
+  std::list<Attribute> m_attributes;       // the store layer's names
+  std::list<Attribute> m_tableAttributes;  // as the table has them
+  std::vector<AttributeOffset> m_offsets;
+  std::vector<char> m_buffer;
+  unsigned int m_bufferFirst;
+  unsigned int m_bufferLast;
+  std::vector<int> m_fold;
+  std::vector<int> m_mask;
+  vHandle<OffloadVersionBits> m_version;
+  CMPBasicGrid m_grid;
+  PropertyList m_properties;
+  double m_offsetBin;
+  bool m_useGenerated;
+  bool m_useGeneratedCmp;
+  // New files.
+  bool m_created;
+  bool m_laidOut;
+  CompressionType m_compression;
+  double m_firstOffset, m_offsetIncrement;
+  int m_nOffsets, m_sequence;
+};
+
+#endif

@@ -1,0 +1,56 @@
+// The shared store suite over an offload file that holds the reference
+// content, written by the Python writer. Only reading is offered.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "filestore/offload/OffloadDiskStore.h"
+#include "testing/StoreConformance.h"
+
+namespace {
+
+// Written once per run and opened for each case; removed at exit.
+std::string const& referenceFile() {
+  static std::string const file = [] {
+    std::string const base = ::testing::TempDir() + "offload_conformance_" + std::to_string(::getpid());
+    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
+                            "/filestore/offload/testdata/offload_fixture.py " +
+                            base + ".offload " + base + ".txt '>' 2 995 0 reference";
+    if (std::system(cmd.c_str()) != 0) ADD_FAILURE() << "python3 with numpy is needed: " << cmd;
+    std::remove((base + ".txt").c_str());
+    return base + ".offload";
+  }();
+  static struct Remover {
+    ~Remover() { std::remove(file.c_str()); }
+  } remover;
+  return file;
+}
+
+StoreConformanceCase offloadCase() {
+  StoreConformanceCase c("OffloadDiskStore");
+  c.openForReading = [] {
+    OffloadDiskStore* store = new OffloadDiskStore;
+    vHandle<AttributeSet> handle(store);
+    store->open(vFilename(referenceFile().c_str()));
+    return handle;
+  };
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new OffloadDiskStore); };
+  // The table holds 32-bit words only; the keys are the grid's.
+  c.attributes = {"CDP", "OFFSET", "TRACE"};
+  c.hasKeyList = false;
+  c.hasClasses = false;
+  c.texts.unknownAttribute = "Attribute %s is not in the OffloadDiskStore %s.";
+  c.texts.keysMissing =
+      "Key list has duplicate or missing values in OffloadDiskStore %s. Wanted %lld value(s) but found %lld.";
+  c.texts.notWritable = "OffloadDiskStore is not created or opened for update.";
+  c.texts.notOpen = "OffloadDiskStore is not open.";
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(OffloadDiskStore, StoreConformance, ::testing::Values(offloadCase()),
+                         StoreConformance::caseName);

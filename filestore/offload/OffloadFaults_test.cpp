@@ -1,0 +1,105 @@
+// The offload store on broken disks, through the file service's test
+// faults: reads in small pieces, reads that fail part way, files cut short.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "filestore/offload/OffloadDiskStore.h"
+#include "foundation/UtlExcept.h"
+#include "syslayer/FSTesting.h"
+
+namespace {
+
+// A rectangular little-endian file of 40-byte records from the Python
+// writer: the trace of bin b is record 46 + b, 1800 + 40 b bytes in.
+class OffloadFaultTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    path = dir / "faulty.offload";
+    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
+                            "/filestore/offload/testdata/offload_fixture.py " +
+                            path + " " + (dir / "faulty.txt") + " '<' 1 991 0";
+    ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+  }
+
+  static int cdpOf(OffloadDiskStore const& store, unsigned int bin) {
+    Attribute cdp("CDP", "", vINT32);
+    store.read(cdp, bin, bin);
+    return cdp.getInt32(1);
+  }
+
+  fs_testing::TempDir dir;
+  std::string path;
+};
+
+}  // namespace
+
+TEST_F(OffloadFaultTest, ReadsInSmallPiecesGiveTheSameValues) {
+  fs_testing::Fault shortReads(path, FS_FAULT_SHORTREAD, 7);
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  Attribute trace("TRACE", "", vFLOAT32);
+  store.read(trace, 1, 12);
+  EXPECT_FLOAT_EQ(20.0f, trace.getFloat32Pointer(2)[0]);
+  EXPECT_EQ(77, cdpOf(store, 11));
+}
+
+TEST_F(OffloadFaultTest, AFailedReadNamesItsRecordsAndLeavesTheStoreUsable) {
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  {
+    // Bin 4 cannot be read; a read of bin 2 reads on through the window to
+    // the last live bin, 11.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 4 + 8);
+    try {
+      cdpOf(store, 2);
+      ADD_FAILURE() << "no failure";
+    } catch (UtlExcept const& e) {
+      EXPECT_EQ(0u, std::string(e.getReason().c_str())
+                        .find("Failed to do a partial read against the datafile (fileOffset=1880, nbytes=400, "
+                              "frecord=48, lrecord=57, status="))
+          << e.getReason().c_str();
+    }
+  }
+  EXPECT_EQ(14, cdpOf(store, 2));
+  EXPECT_EQ(28, cdpOf(store, 4));
+}
+
+TEST_F(OffloadFaultTest, DeadBinsAreNeverRead) {
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  // Bins 1 and 12 are dead: a read of all bins touches bins 2 to 11 only,
+  // and a read of bin 12 alone touches nothing.
+  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 12);
+  Attribute cdp("CDP", "", vINT32);
+  store.read(cdp, 1, 12);
+  EXPECT_EQ(0, cdp.getInt32(1));
+  EXPECT_EQ(77, cdp.getInt32(11));
+  EXPECT_EQ(0, cdp.getInt32(12));
+  fs_testing::Fault everything(path, FS_FAULT_FAILREAD, 0);
+  EXPECT_EQ(0, cdpOf(store, 12));
+}
+
+TEST_F(OffloadFaultTest, ACachedRangeIsExtractedWithoutTheFile) {
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  store.getFile().cacheRange(2, 5);
+  fs_testing::Fault everything(path, FS_FAULT_FAILREAD, 0);
+  Attribute cdp("CDP", "", vINT32);
+  store.getFile().extractRange(cdp, 3, 5);
+  EXPECT_EQ(35, cdp.getInt32(3));
+  Attribute trace("TRACE", "", vFLOAT32);  // of length 1: made the file's length
+  store.getFile().extractRange(trace, 2, 2);
+  EXPECT_EQ(7, trace.getLength());
+  EXPECT_THROW(store.getFile().extractRange(cdp, 5, 6), UtlExcept);
+}
+
+TEST_F(OffloadFaultTest, ACutHeaderOrMapFails) {
+  for (int64_t const size : {int64_t(2), int64_t(200), int64_t(1790)}) {
+    fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, size);
+    OffloadDiskStore store;
+    EXPECT_THROW(store.open(vFilename(path.c_str())), UtlExcept) << size;
+  }
+}

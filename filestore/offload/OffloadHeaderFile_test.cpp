@@ -1,0 +1,141 @@
+// The header file: its text read as written, written and read back, and a
+// header set opened as a store over data files from the Python writer.
+
+#include "filestore/offload/OffloadHeaderFile.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include "filestore/offload/OffloadDiskStore.h"
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+std::string reason(std::function<void()> const& f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return e.getReason().c_str();
+  }
+  return "no failure";
+}
+
+std::string tempName(char const* what) {
+  return ::testing::TempDir() + "offload_header_" + std::to_string(::getpid()) + "_" + what;
+}
+
+std::string cwd() {
+  char buffer[4096];
+  return ::getcwd(buffer, sizeof buffer);
+}
+
+}  // namespace
+
+TEST(OffloadHeaderFile, TextsReadAsWritten) {
+  OffloadHeaderFile h;
+  EXPECT_EQ("Version is not known at this point. Application should open or create OffloadHeader file first.",
+            reason([&] { h.getVersion(); }));
+  std::string const v1 = "Sun Mar  3 10:00:00 1996\nmoffld_job7 extra\n100 50 3\n  1500 /d/a.offload\tb\n0 2500.5\n";
+  h.parse(vFilename("h1"), v1.data(), v1.size());
+  EXPECT_EQ(1, h.getVersion().getVersion());
+  EXPECT_EQ(vString("moffld_job7"), h.getJobName());
+  EXPECT_EQ(vString("moffldheader"), h.getSubClass());
+  EXPECT_EQ(100.0, h.getFirstOffset());
+  EXPECT_EQ(50.0, h.getOffsetIncrement());
+  EXPECT_EQ(3, h.getNOffsets());
+  EXPECT_EQ((std::vector<double>{1500, 2500.5}), h.getOffsetLimits());
+  // A bare "b" and the limit 0 are file names, in the current directory.
+  ASSERT_EQ(3u, h.getDataFilenames().size());
+  EXPECT_EQ(vString("/d/a.offload"), h.getDataFilenames()[0].getFilename());
+  EXPECT_EQ(vString((cwd() + "/b.offload").c_str()), h.getDataFilenames()[1].getFilename());
+  EXPECT_EQ(vString((cwd() + "/0.offload").c_str()), h.getDataFilenames()[2].getFilename());
+
+  // Version 2 by the "." of the third line; the same text word-swapped.
+  std::string v2 = "Tue Mar  5 10:00:00 1996\njob\n12.5 25 4\nx\n";
+  while (v2.size() % 4) v2 += ' ';
+  std::string swapped = v2;
+  for (std::size_t k = 0; k < swapped.size(); k += 4)
+    std::swap(swapped[k], swapped[k + 3]), std::swap(swapped[k + 1], swapped[k + 2]);
+  ASSERT_EQ(" euT", swapped.substr(0, 4));
+  for (std::string const& text : {v2, swapped}) {
+    OffloadHeaderFile w;
+    w.parse(vFilename("h2"), text.data(), text.size());
+    EXPECT_EQ(2, w.getVersion().getVersion());
+    EXPECT_EQ(12.5, w.getFirstOffset());
+    EXPECT_EQ(4, w.getNOffsets());
+    EXPECT_EQ(vString(""), w.getSubClass());
+    ASSERT_EQ(1u, w.getDataFilenames().size());
+    EXPECT_EQ(vString("x"), w.getDataFilenames()[0].getRoot());
+  }
+  // The first words of a data file, in either order.
+  for (std::string const& data :
+       {std::string("\x64\0\0\0\xa7\x2e\x01\0", 8), std::string("\0\0\0\x64\0\x01\x2e\xa7", 8)})
+    EXPECT_EQ("File 'd' does not appear to be a header file",
+              reason([&] { h.parse(vFilename("d"), data.data(), data.size()); }));
+}
+
+TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
+  for (int version : {1, 2}) {
+    std::string const name = tempName("saved") + std::to_string(version) + ".hdr";
+    OffloadHeaderFile h;
+    h.create(vFilename(name.c_str()), version, 100.25, 50, 3);
+    h.setDataFilenames({vFilename("/data/o1.offload"), vFilename("/data/o2.offload")});
+    h.save();
+    OffloadHeaderFile back(vFilename(name.c_str()));
+    EXPECT_EQ(version, back.getVersion().getVersion());
+    EXPECT_EQ(version == 2 ? 100.25 : 100.0, back.getFirstOffset());
+    EXPECT_EQ(3, back.getNOffsets());
+    EXPECT_EQ(0u, std::string(back.getJobName().c_str()).find("dorn_job"));
+    EXPECT_EQ(h.getCreatedDate(), back.getCreatedDate());
+    ASSERT_EQ(2u, back.getDataFilenames().size());
+    EXPECT_EQ(vString("/data/o2.offload"), back.getDataFilenames()[1].getFilename());
+    std::ifstream in(name);
+    std::string line;
+    for (int k = 0; k < 3; ++k) std::getline(in, line);
+    EXPECT_EQ(version == 2 ? "100.25 50.00 3" : "100 50 3", line);
+    std::remove(name.c_str());
+  }
+}
+
+TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
+  std::string const base = tempName("set");
+  std::string files;
+  for (char const* order : {"<", ">"}) {
+    std::string const data = base + (order[0] == '<' ? "_le" : "_be") + ".offload";
+    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
+                            "/filestore/offload/testdata/offload_fixture.py " +
+                            data + " " + base + ".txt '" + order + "' 1 991 0";
+    ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+    files += data + "\n";
+  }
+  auto header = [&](char const* offsets) {
+    std::ofstream(base + ".hdr") << "Sun Mar  3 10:00:00 1996\njob\n" << offsets << "\n" << files;
+  };
+  header("100 50 3");
+  OffloadDiskStore store;
+  store.open(vFilename((base + ".hdr").c_str()));
+  Store::AttributeSetList sets;
+  store.getAttributeSetList(sets);
+  ASSERT_EQ(2u, sets.size());
+  store.openAttributeSet(sets.back());
+  Attribute cdp("CDP", "", vINT32);
+  store.read(cdp, 2, 2);
+  EXPECT_EQ(14, cdp.getInt32(1));
+  EXPECT_EQ(std::string(store.getCurrentFilename().c_str()),
+            files.substr(files.find('\n') + 1, files.size() - files.find('\n') - 2));
+  store.close();
+  header("100 50 4");
+  std::string const first = files.substr(0, files.find('\n'));
+  EXPECT_EQ("Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.", reason([&] {
+              OffloadDiskStore s;
+              s.open(vFilename((base + ".hdr").c_str()));
+            }));
+  std::remove((base + ".hdr").c_str());
+  std::remove((base + ".txt").c_str());
+}

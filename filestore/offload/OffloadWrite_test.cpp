@@ -1,0 +1,192 @@
+// New offload files: written here, read by the Python reader (testdata/)
+// and by the store.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "filestore/offload/OffloadAttributeFile.h"
+#include "filestore/offload/OffloadDiskStore.h"
+#include "foundation/UtlExcept.h"
+
+namespace {
+
+std::string reason(std::function<void()> const& f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return e.getReason().c_str();
+  }
+  return "no failure";
+}
+
+std::vector<std::string> pythonRead(std::string const& file) {
+  std::string const cmd =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_reader.py " + file;
+  FILE* pipe = ::popen(cmd.c_str(), "r");
+  std::vector<std::string> lines;
+  if (!pipe) return lines;
+  char line[8192];
+  while (std::fgets(line, sizeof line, pipe)) lines.emplace_back(line, std::strlen(line) - 1);
+  if (::pclose(pipe) != 0) lines.clear();
+  return lines;
+}
+
+std::vector<double> numbers(std::string const& line) {
+  std::istringstream in(line);
+  std::vector<double> values;
+  double v;
+  while (in >> v) values.push_back(v);
+  return values;
+}
+
+float traceSample(unsigned int bin, int s) { return static_cast<float>(bin) * 10.0f - static_cast<float>(s) * 1.5f; }
+
+}  // namespace
+
+TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
+  for (int packed : {0, 1})
+    for (double first : {100.0, 100.5}) {
+      SCOPED_TRACE("packed " + std::to_string(packed) + " first offset " + std::to_string(first));
+      std::string const name = ::testing::TempDir() + "offload_write_" + std::to_string(::getpid()) + ".offload";
+      {
+        OffloadAttributeFile file;
+        file.create(vFilename(name.c_str()));
+        EXPECT_EQ("Cannot add things to an existing file." + name,
+                  reason([&] { file.create(vFilename(name.c_str())); }));
+        for (Attribute const& a : {Attribute("INLINE", "", vINT32), Attribute("CROSSLINE", "", vINT32),
+                                   Attribute("TRACE", "", vFLOAT32, 5, 4.0, 8.0), Attribute("CDP", "", vINT32),
+                                   Attribute("ELEV", "", vFLOAT32)})
+          file.addAttribute(a);
+        file.setGrid(CMPBasicGrid(1, 1, 10, 2, 3, 100, 1, 4, vCoordinate(), 25.0f, 12.5f, 0.0));
+        if (packed) file.setCompression(OffloadAttributeFile::INT16);
+        EXPECT_EQ("Number of offsets must be >=1, got 0.", reason([&] { file.setOffset(first, 50, 0, 1); }));
+        EXPECT_EQ("Offset sequence 4 must be >0 and <=3.", reason([&] { file.setOffset(first, 50, 3, 4); }));
+        file.setOffset(first, 50, 3, 2);
+        Attribute trace("TRACE", "", vFLOAT32, 5, 4.0, 8.0), cdp("CDP", "", vINT32), elev("ELEV", "", vFLOAT64);
+        trace.resize(10), cdp.resize(10), elev.resize(10);
+        for (unsigned int b = 2; b <= 11; ++b) {
+          for (int s = 0; s < 5; ++s) trace.getFloat32Pointer(b - 1)[s] = traceSample(b, s);
+          cdp.setInt32(b - 1, static_cast<int>(7 * b));
+          elev.setFloat64(b - 1, 0.25 * b);
+        }
+        file.writeRange(trace, 2, 11);
+        file.writeRange(cdp, 2, 11);
+        // One of them again, as a list.
+        Attribute two("ELEV", "", vFLOAT64);
+        two.resize(2);
+        two.setFloat64(1, 0.25 * 11), two.setFloat64(2, 0.25 * 2);
+        file.writeRange(elev, 2, 11);
+        file.writeList(two, {11, 2});
+        EXPECT_EQ("File " + name + " cannot be extended once data has been written to it.",
+                  reason([&] { file.addAttribute(Attribute("X", "", vINT32)); }));
+        file.flush();
+      }
+      std::vector<std::string> const lines = pythonRead(name);
+      ASSERT_EQ(13u, lines.size()) << "python3 with numpy is needed";
+      std::vector<double> const h = numbers(lines[0]);
+      // version, samples, mute, interval, compression, grid, offset, sequence, count
+      EXPECT_EQ((std::vector<double>{first == 100.0 ? 1.0 : 2.0, 7, 2, 4000, double(packed), 4, 3, 100, 10, 1, 2,
+                                     first + 50, 2, 3}),
+                std::vector<double>(h.begin(), h.begin() + 14));
+      EXPECT_NE(std::string::npos, lines[0].find("SUBLINE INLINE CROSSLINE CDP ELEV"));
+      EXPECT_EQ("0", lines[1]);
+      EXPECT_EQ("0", lines[12]);
+      for (unsigned int b = 2; b <= 11; ++b) {
+        std::vector<double> const row = numbers(lines[b]);
+        ASSERT_EQ(1u + 5 + 5, row.size()) << lines[b];
+        EXPECT_EQ(1, row[0]);
+        EXPECT_EQ(7.0 * b, row[4]);
+        EXPECT_FLOAT_EQ(0.25f * b, static_cast<float>(row[5]));
+        for (int s = 0; s < 5; ++s) EXPECT_NEAR(traceSample(b, s), row[6 + s], packed ? 0.01 : 0.0) << b << " " << s;
+      }
+      OffloadDiskStore store;
+      store.open(vFilename(name.c_str()));
+      Attribute il("INLINE", "", vINT32), fold("CMP.FOLD", "", vINT32), trace("TRACE", "", vFLOAT32);
+      store.read(il, 1, 12), store.read(fold, 1, 12), store.read(trace, 11, 11);
+      EXPECT_EQ(14, il.getInt32(12));
+      EXPECT_EQ(0, fold.getInt32(12));
+      EXPECT_EQ(1, fold.getInt32(11));
+      EXPECT_NEAR(traceSample(11, 4), trace.getFloat32Pointer(1)[4], packed ? 0.01 : 0.0);
+      EXPECT_DOUBLE_EQ(8.0, trace.getFirstTime());
+      // Without generated attributes the keys come from the records, where
+      // nothing was written to them.
+      ::setenv("SP_OFFLOAD_USEGENERATEDATTRS", "false", 1);
+      OffloadDiskStore plain;
+      plain.open(vFilename(name.c_str()));
+      plain.read(il, 11, 11);
+      ::unsetenv("SP_OFFLOAD_USEGENERATEDATTRS");
+      EXPECT_EQ(0, il.getInt32(1));
+      std::remove(name.c_str());
+    }
+}
+
+TEST(OffloadWrite, ExistingFilesAreNotWritten) {
+  OffloadAttributeFile file;
+  EXPECT_EQ("Unexpected CompressionType 7.",
+            reason([&] { file.setCompression(static_cast<OffloadAttributeFile::CompressionType>(7)); }));
+  EXPECT_EQ("Cannot add things to an existing file.", reason([&] { file.addAttribute(Attribute("X", "", vINT32)); }));
+}
+
+TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
+  std::string const base = ::testing::TempDir() + "offload_store_" + std::to_string(::getpid());
+  StoreCreationOptions options;
+  std::string const prefix = "Creation of a seismic/offloadheader Store requires that ";
+  auto refused = [&](char const* className, char const* subClass, StoreCreationOptions const* o) {
+    return reason([&] { OffloadDiskStore().create("s", className, subClass, KeyList(), o); });
+  };
+  EXPECT_EQ(prefix + "class is seismic.", refused("grid", "offloadheader", &options));
+  EXPECT_EQ(prefix + "subClass is offloadhesder.", refused("seismic", "segy", &options));
+  EXPECT_EQ(prefix + "StoreCreationOptions are supplied.", refused("seismic", "offloadheader", nullptr));
+  EXPECT_EQ(prefix + "StoreCreationOptions grid parameters are supplied.",
+            refused("seismic", "offloadheader", &options));
+  options.setGrid(10, 2, 3, 100, 1, 4, 25.0f, 12.5f);
+  EXPECT_EQ(prefix + "StoreCreationOptions offsets are supplied.", refused("seismic", "offloadheader", &options));
+  options.setOffsets(100, 200, 3);
+  EXPECT_EQ(prefix + "StoreCreationOptions has a filename supplied.", refused("seismic", "offloadheader", &options));
+  options.setFilename(vFilename((base + ".hdr").c_str()));
+  EXPECT_EQ(prefix + "StoreCreationOptions AttributeList is supplied.", refused("seismic", "offloadheader", &options));
+  std::list<Attribute> attributes{Attribute("CDP", "", vINT32)};
+  for (char const* key : {"INLINE", "CROSSLINE", "TRACE"}) {
+    options.setAttributeList(attributes);
+    EXPECT_EQ(prefix + "StoreCreationOptions AttributeList has a " + key + " Attribute.",
+              refused("seismic", "offloadheader", &options));
+    attributes.push_back(Attribute(key, "", vFLOAT32, std::string(key) == "TRACE" ? 4 : 1, 2.0));
+  }
+  options.setAttributeList(attributes);
+  options.setCompressed();
+  {
+    OffloadDiskStore store;
+    store.create("s", "seismic", "offloadheader", KeyList(), &options);
+    EXPECT_EQ("Cannot add attribute to created store", reason([&] { store.addAttribute(Attribute("X", "", vINT32)); }));
+    Store::AttributeSetList sets;
+    store.getAttributeSetList(sets);
+    ASSERT_EQ(3u, sets.size());
+    store.openAttributeSet(sets.back());
+    Attribute cdp("CDP", "", vINT32);
+    cdp.resize(12);
+    for (unsigned int i = 1; i <= 12; ++i) cdp.setInt32(i, static_cast<int>(i) * 3);
+    store.write(cdp, 1, 12);
+    store.close();
+  }
+  OffloadDiskStore store;
+  store.open(vFilename((base + ".hdr").c_str()));
+  store.openAttributeSet(vLCString((base.substr(base.rfind('/') + 1) + "_3").c_str()));
+  Attribute cdp("CDP", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64), fold("CMP.FOLD", "", vINT32);
+  store.read(cdp, 12, 12), store.read(bin, 1, 1), store.read(fold, 1, 1);
+  EXPECT_EQ(36, cdp.getInt32(1));
+  EXPECT_EQ(200.0, bin.getFloat64(1));
+  EXPECT_EQ(1, fold.getInt32(1));
+  EXPECT_EQ(vString("yes"), store.getFile().getProperties().findProperty(vUCString("COMPRESSED"))->getString());
+  EXPECT_EQ("OffloadDiskStore is already open as '" + base + ".hdr'.",
+            reason([&] { store.open(vFilename((base + ".hdr").c_str())); }));
+  store.close();
+  for (char const* end : {".hdr", "_1.offload", "_2.offload", "_3.offload"}) std::remove((base + end).c_str());
+}
