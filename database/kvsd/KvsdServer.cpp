@@ -272,13 +272,17 @@ bool KvsdServer::select(int fd, const KvsMsg& req) {
     if (plen > content.size() - at || kvs::KvsSkWrite(fd, &content[at], plen) < 0) return false;
     at += plen;
     long arrays = tr.num(272);
-    for (long a = 0; a < arrays && content.size() - at >= kvs::KvsMsgSize; ++a) {
+    std::vector<std::size_t> totals;
+    for (long a = 0; a < arrays; ++a) {
+      if (content.size() - at < kvs::KvsMsgSize) return false;
       KvsMsg ar;
       std::memcpy(ar.b, &content[at], kvs::KvsMsgSize);
       at += kvs::KvsMsgSize;
-      std::size_t total = static_cast<std::size_t>(std::max(0L, ar.num(256)));
-      if (total > content.size() - at) return false;
+      totals.push_back(static_cast<std::size_t>(std::max(0L, ar.num(256))));
       if (kvs::KvsSkWrite(fd, ar.b, kvs::KvsMsgSize) < 0) return false;
+    }
+    for (std::size_t total : totals) {
+      if (total > content.size() - at) return false;
       if (total && !sendChunks(fd, &content[at], total)) return false;
       at += total;
     }
@@ -330,8 +334,9 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   tr.b[kvs::KvsMsgRequest] = 0;
   bool ok = std::fwrite(tr.b, 1, kvs::KvsMsgSize, out) == kvs::KvsMsgSize && std::fwrite(len, 1, 4, out) == 4 &&
             std::fwrite(paramBlock.data(), 1, paramBlock.size(), out) == paramBlock.size();
-  for (std::size_t a = 0; ok && a < heads.size(); ++a) {
+  for (std::size_t a = 0; ok && a < heads.size(); ++a)
     ok = std::fwrite(heads[a].b, 1, kvs::KvsMsgSize, out) == kvs::KvsMsgSize;
+  for (std::size_t a = 0; ok && a < heads.size(); ++a) {
     long left = heads[a].num(256);
     while (ok && left > 0) {
       long n = kvs::KvsSkRead(fd, buf.data(), buf.size());
@@ -343,7 +348,7 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
       left -= n;
     }
   }
-  ok = std::fflush(out) == 0 && ::fsync(fileno(out)) == 0 && ok;
+  ok = std::fflush(out) == 0 && ok;
   std::fclose(out);
   if (!ok) {
     fs::remove(tmp, ec);
