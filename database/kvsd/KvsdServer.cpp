@@ -84,7 +84,16 @@ std::string KvsdDecodeName(const std::string& enc) {
   return out;
 }
 
-KvsdServer::KvsdServer(std::string dataDir) : dir_(std::move(dataDir)) { fs::create_directories(dir_); }
+KvsdServer::KvsdServer(std::string dataDir) : dir_(std::move(dataDir)) {
+  fs::create_directories(dir_);
+  // Tables whose transfer a previous run never finished.
+  std::error_code ec;
+  std::vector<fs::path> stale;
+  for (auto it = fs::recursive_directory_iterator(dir_, ec); it != fs::recursive_directory_iterator();
+       it.increment(ec))
+    if (it->path().filename().string().rfind(".part", 0) == 0) stale.push_back(it->path());
+  for (const fs::path& p : stale) fs::remove(p, ec);
+}
 
 void KvsdServer::serve(int listenFd) {
   for (;;) {
