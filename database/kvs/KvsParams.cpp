@@ -123,7 +123,7 @@ static bool isDblNull(const unsigned char* p) {
 
 void KvsToWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out, std::size_t rows) {
   if (fmt != KvsFmtINT && fmt != KvsFmtFLT && fmt != KvsFmtDBL) {
-    std::memmove(out, in, rows * elem);
+    if (rows) std::memmove(out, in, rows * elem);
     return;
   }
   std::size_t w = fmt == KvsFmtDBL ? 8 : 4;
@@ -141,7 +141,7 @@ void KvsToWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, uns
 
 void KvsFromWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out, std::size_t rows) {
   if (fmt != KvsFmtINT && fmt != KvsFmtFLT && fmt != KvsFmtDBL) {
-    std::memmove(out, in, rows * elem);
+    if (rows) std::memmove(out, in, rows * elem);
     return;
   }
   std::size_t w = fmt == KvsFmtDBL ? 8 : 4;

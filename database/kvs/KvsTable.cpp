@@ -267,6 +267,7 @@ int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
   t->type = tr.text(136, 8);
   t->domain = tr.text(176, 8);
   long count = tr.num(272);
+  if (count < 0 || count > 1000) return _KvsLog(KvsErrRecv, "%%E Invalid Array Header");
   long n = KvsSkRead(s->fd, s->buf.data(), s->buf.size());
   if (n < 0) {
     KvsSessionDrop(s);
@@ -293,7 +294,8 @@ int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
     std::uint32_t fmt = KvsFmtCode(h.text(304, 8));
     std::size_t elem = fmt == KvsFmtDBL ? 8 : (fmt == KvsFmtINT || fmt == KvsFmtFLT) ? 4
                        : rows > 0 ? static_cast<std::size_t>(total / rows) : 1;
-    if (h.object() != 'A' || rows < 0 || total < 0 || elem == 0 || total != rows * static_cast<long>(elem)) {
+    if (h.object() != 'A' || rows < 0 || total < 0 || elem == 0 || elem > 64000 ||
+        total != rows * static_cast<long>(elem)) {
       KvsSessionDrop(s);
       return _KvsLog(KvsErrRecv, "%%E Invalid Array Header");
     }

@@ -112,9 +112,11 @@ void KvsdServer::serve(int listenFd) {
 
 void KvsdServer::handle(int fd) {
   KvsMsg req;
+  std::vector<unsigned char> frame(kMaxFrame);
   for (;;) {
-    long n = kvs::KvsSkRead(fd, req.b, kMaxFrame);
+    long n = kvs::KvsSkRead(fd, frame.data(), frame.size());
     if (n < 0) return;  // closed, or a frame beyond any we accept: out of step
+    if (n == static_cast<long>(kvs::KvsMsgSize)) std::memcpy(req.b, frame.data(), kvs::KvsMsgSize);
     if (n != static_cast<long>(kvs::KvsMsgSize) || req.b[kvs::KvsMsgRequest] != 1) {
       KvsMsg bad;
       reply(fd, bad, 1, "Bad command record");
