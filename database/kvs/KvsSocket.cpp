@@ -10,6 +10,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace kvs {
@@ -72,8 +73,25 @@ static bool readAll(int fd, unsigned char* p, std::size_t n) {
 long KvsSkWrite(int fd, const void* buffer, std::size_t n) {
   unsigned char head[KvsSkHead];
   KvsSkEncodeHead(head, static_cast<std::uint32_t>(n), static_cast<std::uint32_t>(getpid()));
-  if (!writeAll(fd, head, KvsSkHead)) return -1;
-  if (!writeAll(fd, static_cast<const unsigned char*>(buffer), n)) return -1;
+  // The head goes out with the first piece of the payload, in one call.
+  std::size_t first = n < KvsSkChunk ? n : KvsSkChunk;
+  iovec iov[2] = {{head, KvsSkHead}, {const_cast<void*>(buffer), first}};
+  msghdr msg{};
+  msg.msg_iov = iov;
+  msg.msg_iovlen = 2;
+  ssize_t w;
+  do {
+    w = ::sendmsg(fd, &msg, MSG_NOSIGNAL);
+  } while (w < 0 && errno == EINTR);
+  if (w < 1) return -1;
+  std::size_t sent = static_cast<std::size_t>(w);
+  if (sent < KvsSkHead) {
+    if (!writeAll(fd, head + sent, KvsSkHead - sent)) return -1;
+    sent = 0;
+  } else {
+    sent -= KvsSkHead;
+  }
+  if (!writeAll(fd, static_cast<const unsigned char*>(buffer) + sent, n - sent)) return -1;
   return static_cast<long>(n);
 }
 

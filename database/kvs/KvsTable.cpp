@@ -55,8 +55,10 @@ off_t place(KvsArrayRec* a, long row) {
 bool io(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
   int fd = spool(tableOf(a));
   if (fd < 0) return false;
+  // A table of one column has its pages back to back: one call for all.
+  bool contiguous = tableOf(a)->rowBytes() == a->elem;
   while (n > 0) {
-    long run = std::min(n, KvsPageRows - row % KvsPageRows);
+    long run = contiguous ? n : std::min(n, KvsPageRows - row % KvsPageRows);
     std::size_t bytes = static_cast<std::size_t>(run) * a->elem;
     ssize_t done = write ? ::pwrite(fd, p, bytes, place(a, row)) : ::pread(fd, p, bytes, place(a, row));
     if (done != static_cast<ssize_t>(bytes)) return false;
@@ -99,8 +101,9 @@ void minMax(KvsArrayRec* a, const unsigned char* p, long n) {
 }  // namespace
 
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
-  std::vector<unsigned char> tmp(rows, rows + static_cast<std::size_t>(n) * a->elem);
+  std::vector<unsigned char> tmp;
   if (!a->fmt) {
+    tmp.assign(rows, rows + static_cast<std::size_t>(n) * a->elem);
     // Text: the last byte is always a NUL, trailing punctuation and blanks go.
     for (long i = 0; i < n; ++i) {
       unsigned char* v = &tmp[static_cast<std::size_t>(i) * a->elem];
@@ -108,11 +111,12 @@ long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
       for (std::size_t k = a->elem; k-- > 0 && !std::isalnum(v[k]);) v[k] = 0;
     }
   }
+  const unsigned char* from = a->fmt ? rows : tmp.data();
   tableOf(a)->updated = true;
-  if (!io(a, a->rows, tmp.data(), n, true)) {
+  if (!io(a, a->rows, const_cast<unsigned char*>(from), n, true)) {
     return -_KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(a)->spool.c_str());
   }
-  minMax(a, tmp.data(), n);
+  minMax(a, from, n);
   a->rows += n;
   KvsTableRec* t = tableOf(a);
   t->rows = std::max(t->rows, a->rows);
@@ -325,6 +329,13 @@ int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
         return KvsSessionLog(KvsErrRecv, s);
       }
       left -= got;
+      if (carry.empty() && got % static_cast<long>(a->elem) == 0) {
+        // Whole rows: swapped in place, the common case.
+        long whole = got / static_cast<long>(a->elem);
+        KvsFromWire(a->fmt, a->elem, s->buf.data(), s->buf.data(), static_cast<std::size_t>(whole));
+        if (KvsArrayWriteRows(a, s->buf.data(), whole) < 0) return kvsErrorNo;
+        continue;
+      }
       carry.insert(carry.end(), s->buf.begin(), s->buf.begin() + got);
       std::size_t whole = carry.size() / a->elem;
       rows.resize(whole * a->elem);

@@ -1,5 +1,7 @@
 #include "database/kvsd/KvsdServer.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -11,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <thread>
 #include <vector>
@@ -35,13 +38,6 @@ void reply(int fd, const KvsMsg& req, int status, const std::string& text, char 
   r.setText(kvs::KvsMsgPid, 8, std::to_string(getpid()));
   r.setText(kvs::KvsMsgText, 128, text);
   kvs::KvsSkWrite(fd, r.b, sizeof r.b);
-}
-
-bool readFile(const fs::path& p, std::vector<unsigned char>& out) {
-  std::ifstream in(p, std::ios::binary);
-  if (!in) return false;
-  out.assign(std::istreambuf_iterator<char>(in), {});
-  return true;
 }
 
 bool sendChunks(int fd, const unsigned char* p, std::size_t n) {
@@ -103,6 +99,8 @@ void KvsdServer::serve(int listenFd) {
       return;
     }
     kvs::KvsSkAlloc(fd);
+    int one = 1;
+    setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
     std::thread([this, fd] {
       handle(fd);
       ::close(fd);
@@ -261,41 +259,38 @@ bool KvsdServer::select(int fd, const KvsMsg& req) {
   for (auto& e : fs::directory_iterator(ds, ec))
     if (e.path().extension() == ".tab") tables.push_back(e.path());
   std::sort(tables.begin(), tables.end());
-  std::vector<unsigned char> content;
   for (const fs::path& t : tables) {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      if (!readFile(t, content) || content.size() < kvs::KvsMsgSize + 4) continue;
-    }
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(t.c_str(), "rb"), std::fclose);
+    if (!in) continue;
     KvsMsg tr;
-    std::memcpy(tr.b, content.data(), kvs::KvsMsgSize);
+    unsigned char len[4];
+    if (std::fread(tr.b, 1, kvs::KvsMsgSize, in.get()) != kvs::KvsMsgSize || std::fread(len, 1, 4, in.get()) != 4)
+      continue;
     bool keep = true;
     for (const Criterion& c : criteria) {
       if (c.domain != "KVSOPEN" && !c.domain.empty() && c.domain != tr.text(176, 8)) keep = false;
       if (!c.name.empty() && c.name != "*" && c.name != tr.text(224, 32)) keep = false;
     }
     if (!keep) continue;
-    // The table record, its parameter block, then each array's record and data.
-    if (kvs::KvsSkWrite(fd, tr.b, kvs::KvsMsgSize) < 0) return false;
-    std::size_t at = kvs::KvsMsgSize;
-    std::uint32_t plen = kvs::KvsGetBE32(&content[at]);
-    at += 4;
-    if (plen > content.size() - at || kvs::KvsSkWrite(fd, &content[at], plen) < 0) return false;
-    at += plen;
+    // The table record, its parameter block, each array's record, then the data.
+    std::uint32_t plen = kvs::KvsGetBE32(len);
+    if (plen > block.size() || std::fread(block.data(), 1, plen, in.get()) != plen) return false;
+    if (kvs::KvsSkWrite(fd, tr.b, kvs::KvsMsgSize) < 0 || kvs::KvsSkWrite(fd, block.data(), plen) < 0) return false;
     long arrays = tr.num(272);
     std::vector<std::size_t> totals;
     for (long a = 0; a < arrays; ++a) {
-      if (content.size() - at < kvs::KvsMsgSize) return false;
       KvsMsg ar;
-      std::memcpy(ar.b, &content[at], kvs::KvsMsgSize);
-      at += kvs::KvsMsgSize;
-      totals.push_back(static_cast<std::size_t>(std::max(0L, ar.num(256))));
+      if (std::fread(ar.b, 1, kvs::KvsMsgSize, in.get()) != kvs::KvsMsgSize) return false;
       if (kvs::KvsSkWrite(fd, ar.b, kvs::KvsMsgSize) < 0) return false;
+      totals.push_back(static_cast<std::size_t>(std::max(0L, ar.num(256))));
     }
-    for (std::size_t total : totals) {
-      if (total > content.size() - at) return false;
-      if (total && !sendChunks(fd, &content[at], total)) return false;
-      at += total;
+    for (std::size_t bytes : totals) {
+      while (bytes > 0) {
+        std::size_t piece = std::min(bytes, kMaxFrame);
+        if (std::fread(block.data(), 1, piece, in.get()) != piece) return false;
+        if (kvs::KvsSkWrite(fd, block.data(), piece) < 0) return false;
+        bytes -= piece;
+      }
     }
   }
   reply(fd, req, 0, "", 'E');
