@@ -121,41 +121,46 @@ static bool isDblNull(const unsigned char* p) {
   return w == KvsNullWord && p[4] == 0 && p[5] == 0 && p[6] == 0 && p[7] == 0;
 }
 
-void KvsToWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out, std::size_t rows) {
-  if (fmt != KvsFmtINT && fmt != KvsFmtFLT && fmt != KvsFmtDBL) {
-    if (rows) std::memmove(out, in, rows * elem);
-    return;
-  }
-  std::size_t w = fmt == KvsFmtDBL ? 8 : 4;
-  for (std::size_t r = 0; r < rows; ++r, in += w, out += w) {
-    if (w == 8 && isDblNull(in)) {
-      KvsPutBE32(out, KvsNullWord);
-      std::memset(out + 4, 0, 4);
-      continue;
-    }
-    unsigned char t[8];
-    for (std::size_t k = 0; k < w; ++k) t[k] = in[w - 1 - k];
-    std::memcpy(out, t, w);
+// Four-byte words reversed; the compiler turns this loop into vector code.
+static void swap4(const unsigned char* in, unsigned char* out, std::size_t rows) {
+  for (std::size_t r = 0; r < rows; ++r) {
+    std::uint32_t w;
+    std::memcpy(&w, in + 4 * r, 4);
+    w = __builtin_bswap32(w);
+    std::memcpy(out + 4 * r, &w, 4);
   }
 }
 
-void KvsFromWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out, std::size_t rows) {
-  if (fmt != KvsFmtINT && fmt != KvsFmtFLT && fmt != KvsFmtDBL) {
-    if (rows) std::memmove(out, in, rows * elem);
-    return;
-  }
-  std::size_t w = fmt == KvsFmtDBL ? 8 : 4;
-  for (std::size_t r = 0; r < rows; ++r, in += w, out += w) {
-    if (w == 8 && KvsGetBE32(in) == KvsNullWord && !in[4] && !in[5] && !in[6] && !in[7]) {
+static void swap8(const unsigned char* in, unsigned char* out, std::size_t rows, bool toWire) {
+  for (std::size_t r = 0; r < rows; ++r, in += 8, out += 8) {
+    bool null = toWire ? isDblNull(in) : (KvsGetBE32(in) == KvsNullWord && !in[4] && !in[5] && !in[6] && !in[7]);
+    if (null) {
       std::uint32_t m = KvsNullWord;
-      std::memcpy(out, &m, 4);
+      if (toWire) KvsPutBE32(out, m);
+      else std::memcpy(out, &m, 4);
       std::memset(out + 4, 0, 4);
       continue;
     }
-    unsigned char t[8];
-    for (std::size_t k = 0; k < w; ++k) t[k] = in[w - 1 - k];
-    std::memcpy(out, t, w);
+    std::uint64_t w;
+    std::memcpy(&w, in, 8);
+    w = __builtin_bswap64(w);
+    std::memcpy(out, &w, 8);
   }
+}
+
+static void swapColumn(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out,
+                       std::size_t rows, bool toWire) {
+  if (fmt == KvsFmtDBL) swap8(in, out, rows, toWire);
+  else if (fmt == KvsFmtINT || fmt == KvsFmtFLT) swap4(in, out, rows);
+  else if (rows && in != out) std::memmove(out, in, rows * elem);
+}
+
+void KvsToWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out, std::size_t rows) {
+  swapColumn(fmt, elem, in, out, rows, true);
+}
+
+void KvsFromWire(std::uint32_t fmt, std::size_t elem, const unsigned char* in, unsigned char* out, std::size_t rows) {
+  swapColumn(fmt, elem, in, out, rows, false);
 }
 
 }  // namespace kvs
