@@ -72,9 +72,26 @@ int KvsConnect(KvsObject session);
 int KvsDisconnect(KvsObject session);
 int KvsDefQuery(KvsObject dataset, const char* domain, const char* text);
 int KvsUndefQuery(KvsObject dataset);
-int KvsListDatasets(KvsObject session, std::string& out);
-int KvsListProjectSite(KvsObject session, std::vector<std::string>& projects);
 int KvsGetTree(KvsObject session, std::vector<std::string>& idents);
+
+// The session the calls below go through; the first one made by default.
+int _KvsSetSession(KvsObject session);
+KvsObject KvsCurrentSession();
+// The project names matching pattern (fnmatch), in one malloc'd block
+// that free() releases; site names the server's site and may be null.
+int KvsListProjectSite(const char* site, const char* pattern, int* n, char*** list);
+// The general record of a project: its datasets, in one malloc'd block.
+struct KvsDatasetInfo {
+  char type[8];
+  char ident[16];
+  char version[16];
+  long created;  // seconds since the epoch
+};
+struct KvsBaseInfo {
+  int count;
+  KvsDatasetInfo* datasets;
+};
+int KvsBaseGetInfo(const char* project, const char* site, const char* server, KvsBaseInfo** info);
 int KvsFindProject(const char* name, std::string& out);
 int KvsExtractSiteServer(const char* name, std::string& site, std::string& server);
 

@@ -120,6 +120,18 @@ TEST_F(KvsClient, TablesRoundTripAndSurviveRestart) {
   std::vector<std::string> idents;
   EXPECT_EQ(KvsGetTree(session, idents), 0);
   EXPECT_EQ(idents, std::vector<std::string>{"L1"});
+  KvsBaseInfo* info = nullptr;
+  ASSERT_EQ(KvsBaseGetInfo("proj", nullptr, nullptr, &info), 0);
+  ASSERT_EQ(info->count, 1);
+  EXPECT_EQ(std::string(info->datasets[0].type) + info->datasets[0].ident + info->datasets[0].version, "SEISL1v1");
+  EXPECT_GT(info->datasets[0].created, 1000000000);
+  std::free(info);
+  int n = 0;
+  char** list = nullptr;
+  ASSERT_EQ(KvsListProjectSite(nullptr, "pr*", &n, &list), 0);
+  ASSERT_EQ(n, 1);
+  EXPECT_STREQ(list[0], "proj");
+  std::free(list);
 }
 
 TEST_F(KvsClient, SelectWithConditions) {

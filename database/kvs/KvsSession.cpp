@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <fnmatch.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -155,10 +157,11 @@ int KvsSendBuf(KvsSessionRec* s, const void* data, std::size_t n) {
 
 // A reply record, then (unless it says "E") hdr2[0] bytes of data, then a
 // closing record.
-static int readData(KvsObject o, char command, std::string& out) {
+static int readData(KvsObject o, char command, std::string& out, const char* account = nullptr) {
   if (!KvsCheckClass(o, kvsSessionClass, "KvsList")) return KvsErrClass;
   auto* s = static_cast<KvsSessionRec*>(o);
   KvsMsgInit(s, command);
+  if (account && *account) s->msg.setText(KvsMsgAccount, 16, account);
   out.clear();
   int rc = KvsMsgsend(s);
   if (rc) return rc;
@@ -193,13 +196,57 @@ static std::vector<std::string> lines(const std::string& text) {
   return out;
 }
 
-int KvsListDatasets(KvsObject session, std::string& out) { return readData(session, 'L', out); }
-
-int KvsListProjectSite(KvsObject session, std::vector<std::string>& projects) {
+int KvsListProjectSite(const char* site, const char* pattern, int* n, char*** list) {
+  KvsObject session = KvsCurrentSession();
   std::string text;
+  if (site && *site && KvsIsObject(session)) static_cast<KvsSessionRec*>(session)->site = site;
   int rc = readData(session, 'l', text);
-  projects = lines(text);
-  return rc;
+  if (rc) return rc;
+  std::vector<std::string> names;
+  for (const std::string& l : lines(text))
+    if (!pattern || fnmatch(pattern, l.c_str(), 0) == 0) names.push_back(l);
+  std::size_t bytes = (names.size() + 1) * sizeof(char*);
+  for (const std::string& l : names) bytes += l.size() + 1;
+  char** out = static_cast<char**>(std::malloc(bytes));
+  if (!out) return _KvsLog(KvsErrGeneral, "%%S Kvs Package could not allocate memory for object %s", "list");
+  char* at = reinterpret_cast<char*>(out + names.size() + 1);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    out[i] = at;
+    std::memcpy(at, names[i].c_str(), names[i].size() + 1);
+    at += names[i].size() + 1;
+  }
+  out[names.size()] = nullptr;
+  *n = static_cast<int>(names.size());
+  *list = out;
+  return 0;
+}
+
+int KvsBaseGetInfo(const char* project, const char* site, const char* server, KvsBaseInfo** info) {
+  (void)server;  // the current session's connection serves every project of its daemon
+  KvsObject session = KvsCurrentSession();
+  if (site && *site && KvsIsObject(session)) static_cast<KvsSessionRec*>(session)->site = site;
+  std::string text;
+  int rc = readData(session, 'L', text, project);
+  if (rc) return rc;
+  std::vector<std::string> rows = lines(text);
+  auto* out = static_cast<KvsBaseInfo*>(std::calloc(1, sizeof(KvsBaseInfo) + rows.size() * sizeof(KvsDatasetInfo)));
+  if (!out) return _KvsLog(KvsErrGeneral, "%%S Kvs Package could not allocate memory for object %s", "info");
+  out->datasets = reinterpret_cast<KvsDatasetInfo*>(out + 1);
+  for (const std::string& row : rows) {
+    // type, ident, version, creation time, by tabs
+    std::vector<std::string> f;
+    std::size_t at = 0;
+    for (std::size_t tab; (tab = row.find('\t', at)) != std::string::npos; at = tab + 1) f.push_back(row.substr(at, tab - at));
+    f.push_back(row.substr(at));
+    if (f.size() != 4) continue;
+    KvsDatasetInfo& d = out->datasets[out->count++];
+    std::snprintf(d.type, sizeof d.type, "%s", f[0].c_str());
+    std::snprintf(d.ident, sizeof d.ident, "%s", f[1].c_str());
+    std::snprintf(d.version, sizeof d.version, "%s", f[2].c_str());
+    d.created = std::atol(f[3].c_str());
+  }
+  *info = out;
+  return 0;
 }
 
 int KvsGetTree(KvsObject session, std::vector<std::string>& idents) {

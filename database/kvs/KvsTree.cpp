@@ -21,6 +21,18 @@ const KvsClassRec kvsParamsClass{"Params", &kvsCoreClass};
 
 namespace {
 KvsRootRec* root = nullptr;
+KvsObject current = nullptr;
+}
+
+int _KvsSetSession(KvsObject session) {
+  if (!KvsCheckClass(session, kvsSessionClass, "_KvsSetSession")) return KvsErrClass;
+  current = session;
+  return 0;
+}
+
+KvsObject KvsCurrentSession() {
+  if (KvsIsObject(current) && current->cls == &kvsSessionClass) return current;
+  return root && !root->children.empty() ? root->children.front() : nullptr;
 }
 
 KvsRootRec* KvsRootObject() { return root; }
@@ -58,6 +70,7 @@ void KvsDestroy(KvsObject o) {
     s.erase(std::remove(s.begin(), s.end(), o), s.end());
   }
   o->self = nullptr;
+  if (o == current) current = nullptr;
   if (o->cls == &kvsRootClass) {
     delete static_cast<KvsRootRec*>(o);
   } else if (o->cls == &kvsSessionClass) {

@@ -3,6 +3,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -219,7 +220,9 @@ bool KvsdServer::listing(int fd, const KvsMsg& req) {
       std::string type = KvsdDecodeName(it->path().parent_path().parent_path().filename());
       std::string ident = KvsdDecodeName(it->path().parent_path().filename());
       std::string version = KvsdDecodeName(it->path().filename());
-      lines.insert(req.command() == 'g' ? ident : type + " " + ident + " " + version);
+      struct stat st{};
+      long created = ::stat(it->path().c_str(), &st) == 0 ? static_cast<long>(st.st_mtime) : 0;
+      lines.insert(req.command() == 'g' ? ident : type + "\t" + ident + "\t" + version + "\t" + std::to_string(created));
     }
   }
   for (const std::string& l : lines) text += l + "\n";
