@@ -154,6 +154,25 @@ TEST_F(KvsClient, SelectWithConditions) {
   EXPECT_STREQ(KvsType(KvsFirst(ds)), "SHOTS");
 }
 
+TEST_F(KvsClient, RowsTravelInKeyOrder) {
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "K", 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
+  int shot[4] = {3, 1, 4, 2};
+  float x[4] = {30, 10, 40, 20};
+  KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot, 0L);
+  KvsCreate(t, KvsNname, "X", KvsNdata, x, 0L);
+  ASSERT_EQ(KvsWrite(t, 4), 4);
+  ASSERT_EQ(KvsReplace(ds), 0);
+  KvsClose(ds);
+  ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "K", 0L);
+  t = KvsFind(ds, "SHOTS");
+  KvsSet(KvsFind(t, "SHOT"), KvsNdata, shot, 0L);
+  KvsSet(KvsFind(t, "X"), KvsNdata, x, 0L);
+  ASSERT_EQ(KvsRead(t, 4), 4);
+  EXPECT_EQ(std::vector<int>(shot, shot + 4), (std::vector<int>{1, 2, 3, 4}));
+  EXPECT_EQ(std::vector<float>(x, x + 4), (std::vector<float>{10, 20, 30, 40}));
+}
+
 TEST_F(KvsClient, ErrorsCarryTheirTexts) {
   KvsObject ds = writeShots("L3", 5);
   ASSERT_EQ(KvsInsert(ds), 0);

@@ -108,6 +108,64 @@ void minMax(KvsArrayRec* a, const unsigned char* p, long n) {
   else if (a->fmt == KvsFmtDBL) minMaxOf<double>(a, p, n);
 }
 
+// Rows go to the server in the order of the table's key columns; a table
+// of class "SPR" keeps its own order.
+int sortByKeys(KvsTableRec* t) {
+  if (t->type == "SPR") return 0;
+  std::vector<KvsArrayRec*> arrays = arraysOf(t), keys;
+  for (int k = 1; k <= 2; ++k)
+    for (KvsArrayRec* a : arrays)
+      if (a->key == k) keys.push_back(a);
+  if (keys.empty() || t->rows < 2) return 0;
+  for (KvsArrayRec* a : arrays)
+    if (a->rows != t->rows)
+      return _KvsLog(KvsErrGeneral, "%%E Column %s of table %s has %ld rows, not %ld", a->name.c_str(),
+                     t->name.c_str(), a->rows, t->rows);
+  std::vector<std::vector<unsigned char>> values;
+  for (KvsArrayRec* k : keys) {
+    values.emplace_back(static_cast<std::size_t>(t->rows) * k->elem);
+    if (!io(k, 0, values.back().data(), t->rows, false))
+      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str());
+  }
+  auto value = [&](std::size_t k, long row) {
+    const unsigned char* p = &values[k][static_cast<std::size_t>(row) * keys[k]->elem];
+    if (keys[k]->fmt == KvsFmtINT) { std::int32_t v; std::memcpy(&v, p, 4); return double(v); }
+    if (keys[k]->fmt == KvsFmtFLT) { float v; std::memcpy(&v, p, 4); return double(v); }
+    double v;
+    std::memcpy(&v, p, 8);
+    return v;
+  };
+  auto less = [&](long x, long y) {
+    for (std::size_t k = 0; k < keys.size(); ++k) {
+      if (!keys[k]->fmt) {
+        int c = std::memcmp(&values[k][static_cast<std::size_t>(x) * keys[k]->elem],
+                            &values[k][static_cast<std::size_t>(y) * keys[k]->elem], keys[k]->elem);
+        if (c) return c < 0;
+        continue;
+      }
+      double a = value(k, x), b = value(k, y);
+      if (a != b) return a < b;
+    }
+    return false;
+  };
+  std::vector<long> order(static_cast<std::size_t>(t->rows));
+  for (long i = 0; i < t->rows; ++i) order[static_cast<std::size_t>(i)] = i;
+  if (std::is_sorted(order.begin(), order.end(), less)) return 0;
+  std::stable_sort(order.begin(), order.end(), less);
+  std::vector<unsigned char> from, to;
+  for (KvsArrayRec* a : arrays) {
+    from.resize(static_cast<std::size_t>(t->rows) * a->elem);
+    to.resize(from.size());
+    if (!io(a, 0, from.data(), t->rows, false))
+      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str());
+    for (std::size_t i = 0; i < order.size(); ++i)
+      std::memcpy(&to[i * a->elem], &from[static_cast<std::size_t>(order[i]) * a->elem], a->elem);
+    if (!io(a, 0, to.data(), t->rows, true))
+      return _KvsLog(KvsErrGeneral, "%%E Could not write table file %s", t->spool.c_str());
+  }
+  return 0;
+}
+
 }  // namespace
 
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
@@ -192,6 +250,7 @@ int KvsTableSend(KvsTableRec* t, char command) {
   auto* d = static_cast<KvsDatasetRec*>(t->parent);
   KvsSessionRec* s = KvsSessionOf(t);
   if (!d || !s) return _KvsLog(KvsErrClass, "%%E %s : argument object should be %s KvsObject class", "KvsReplace", "Table");
+  if (int rc = sortByKeys(t)) return rc;
   std::vector<KvsArrayRec*> arrays = arraysOf(t);
   KvsMsgInit(s, command);
   KvsMsg& m = s->msg;
