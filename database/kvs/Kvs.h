@@ -59,6 +59,11 @@ long KvsRead(KvsObject o, long n);
 long KvsWrite(KvsObject o, long n);
 int KvsFlush(KvsObject o);
 int KvsLseek(KvsObject o, long row);
+// The first row from the current one whose value equals *value (given in
+// the caller's format), which becomes the current row; -1 if none.
+long KvsLocate(KvsObject array, const void* value);
+// n numeric values from one format code to another, nulls kept as nulls.
+int KvsConvert(const void* in, unsigned int fromFmt, void* out, unsigned int toFmt, long n);
 int KvsClose(KvsObject o);
 int KvsRemove(KvsObject o);
 int KvsReplace(KvsObject o);

@@ -171,6 +171,17 @@ TEST_F(KvsClient, RowsTravelInKeyOrder) {
   ASSERT_EQ(KvsRead(t, 4), 4);
   EXPECT_EQ(std::vector<int>(shot, shot + 4), (std::vector<int>{1, 2, 3, 4}));
   EXPECT_EQ(std::vector<float>(x, x + 4), (std::vector<float>{10, 20, 30, 40}));
+  // The same column read as doubles, and a row found by value.
+  KvsObject col = KvsFind(t, "X");
+  double dx[4] = {}, twenty = 20;
+  KvsSet(col, KvsNfmt, "DBL", KvsNdata, dx, 0L);
+  KvsLseek(col, 0);
+  ASSERT_EQ(KvsRead(col, 4), 4);
+  EXPECT_EQ(dx[3], 40.0);
+  KvsLseek(col, 0);
+  EXPECT_EQ(KvsLocate(col, &twenty), 1);
+  twenty = 25;
+  EXPECT_EQ(KvsLocate(col, &twenty), -1);
 }
 
 TEST_F(KvsClient, ErrorsCarryTheirTexts) {

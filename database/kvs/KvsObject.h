@@ -67,6 +67,7 @@ struct KvsTableRec : KvsObjectRec {
 struct KvsArrayRec : KvsObjectRec {
   std::string attribute, format, ascii, dimension, unit;
   std::uint32_t fmt = 0;
+  std::uint32_t userFmt = 0;  // of the caller's values (KvsNfmt), 0 when the column's own
   std::size_t elem = 0;
   std::size_t offset = 0;  // of this column's block within a page
   long rows = 0, pos = 0;

@@ -166,6 +166,8 @@ int sortByKeys(KvsTableRec* t) {
   return 0;
 }
 
+bool converts(const KvsArrayRec* a) { return a->fmt && a->userFmt && a->userFmt != a->fmt; }
+
 }  // namespace
 
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
@@ -206,9 +208,16 @@ long KvsWrite(KvsObject o, long n) {
   if (t->mode == 1) return -_KvsLog(KvsErrGeneral, "%%E The Table %s is RD_ONLY mode", t->name.c_str());
   std::vector<KvsArrayRec*> arrays =
       KvsIsA(o, kvsArrayClass) ? std::vector<KvsArrayRec*>{static_cast<KvsArrayRec*>(o)} : arraysOf(t);
+  std::vector<unsigned char> tmp;
   for (KvsArrayRec* a : arrays) {
     if (!a->data) continue;
-    long w = KvsArrayWriteRows(a, static_cast<const unsigned char*>(a->data), n);
+    const unsigned char* rows = static_cast<const unsigned char*>(a->data);
+    if (converts(a)) {
+      tmp.resize(static_cast<std::size_t>(n) * a->elem);
+      if (int rc = KvsConvert(rows, a->userFmt, tmp.data(), a->fmt, n)) return -rc;
+      rows = tmp.data();
+    }
+    long w = KvsArrayWriteRows(a, rows, n);
     if (w < 0) return w;
   }
   return n;
@@ -222,13 +231,74 @@ long KvsRead(KvsObject o, long n) {
   std::vector<KvsArrayRec*> arrays =
       KvsIsA(o, kvsArrayClass) ? std::vector<KvsArrayRec*>{static_cast<KvsArrayRec*>(o)} : arraysOf(t);
   long most = 0;
+  std::vector<unsigned char> tmp;
   for (KvsArrayRec* a : arrays) {
     if (!a->data) continue;
-    long r = KvsArrayReadRows(a, static_cast<unsigned char*>(a->data), n);
+    unsigned char* rows = static_cast<unsigned char*>(a->data);
+    if (converts(a)) {
+      tmp.resize(static_cast<std::size_t>(n) * a->elem);
+      rows = tmp.data();
+    }
+    long r = KvsArrayReadRows(a, rows, n);
     if (r < 0) return r;
+    if (converts(a) && r > 0)
+      if (int rc = KvsConvert(rows, a->fmt, a->data, a->userFmt, r)) return -rc;
     most = std::max(most, r);
   }
   return most;
+}
+
+static std::size_t width(std::uint32_t fmt) { return fmt == KvsFmtDBL ? 8 : 4; }
+
+static bool numeric(std::uint32_t fmt) { return fmt == KvsFmtINT || fmt == KvsFmtFLT || fmt == KvsFmtDBL; }
+
+int KvsConvert(const void* in, unsigned int fromFmt, void* out, unsigned int toFmt, long n) {
+  if (!numeric(fromFmt) || !numeric(toFmt))
+    return _KvsLog(KvsErrDict, "%%E Cannot convert values from format %08X to %08X", fromFmt, toFmt);
+  const unsigned char* p = static_cast<const unsigned char*>(in);
+  unsigned char* q = static_cast<unsigned char*>(out);
+  std::vector<unsigned char> copy;
+  if (p == q) {
+    copy.assign(p, p + static_cast<std::size_t>(n) * width(fromFmt));
+    p = copy.data();
+  }
+  for (long i = 0; i < n; ++i, p += width(fromFmt), q += width(toFmt)) {
+    std::uint32_t w;
+    std::memcpy(&w, p, 4);
+    if (w == KvsNullWord) {
+      std::memset(q, 0, width(toFmt));
+      std::memcpy(q, &w, 4);
+      continue;
+    }
+    double v;
+    if (fromFmt == KvsFmtINT) { std::int32_t x; std::memcpy(&x, p, 4); v = x; }
+    else if (fromFmt == KvsFmtFLT) { float x; std::memcpy(&x, p, 4); v = x; }
+    else std::memcpy(&v, p, 8);
+    if (toFmt == KvsFmtINT) { std::int32_t x = static_cast<std::int32_t>(v); std::memcpy(q, &x, 4); }
+    else if (toFmt == KvsFmtFLT) { float x = static_cast<float>(v); std::memcpy(q, &x, 4); }
+    else std::memcpy(q, &v, 8);
+  }
+  return 0;
+}
+
+long KvsLocate(KvsObject o, const void* value) {
+  if (!KvsCheckClass(o, kvsArrayClass, "KvsLocate")) return -1;
+  auto* a = static_cast<KvsArrayRec*>(o);
+  std::uint32_t given = a->userFmt ? a->userFmt : a->fmt;
+  if (!numeric(a->fmt) || !numeric(given) || !value) {
+    _KvsLog(KvsErrGeneral, "%%E Bad config to use KvsLocate function");
+    return -1;
+  }
+  unsigned char want[8] = {};
+  if (KvsConvert(value, given, want, a->fmt, 1)) return -1;
+  std::vector<unsigned char> block(KvsPageRows * a->elem);
+  for (long row = a->pos; row < a->rows; row += KvsPageRows) {
+    long n = std::min(KvsPageRows, a->rows - row);
+    if (!io(a, row, block.data(), n, false)) return -1;
+    for (long i = 0; i < n; ++i)
+      if (std::memcmp(&block[static_cast<std::size_t>(i) * a->elem], want, a->elem) == 0) return a->pos = row + i;
+  }
+  return -1;
 }
 
 int KvsLseek(KvsObject o, long row) {

@@ -137,6 +137,7 @@ void setOne(KvsObject o, const Pair& p) {
   } else if (o->cls == &kvsArrayClass) {
     auto* a = static_cast<KvsArrayRec*>(o);
     if (p.code == KvsNdata) a->data = p.ptr;
+    if (p.code == KvsNfmt) a->userFmt = KvsFmtCode(text(p));
     if (p.code == KvsNascii) a->ascii = text(p);
     if (p.code == KvsNunit) a->unit = text(p);
     if (p.code == KvsNdimension) a->dimension = text(p);
