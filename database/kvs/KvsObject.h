@@ -97,6 +97,11 @@ void KvsMsgInit(KvsSessionRec* s, char command);
 int KvsMsgsend(KvsSessionRec* s);
 int KvsMsgrecv(KvsSessionRec* s);
 int KvsSendBuf(KvsSessionRec* s, const void* data, std::size_t n);
+// Exactly n bytes into the session buffer; 4 (logged) when fewer come.
+int KvsRecv(KvsSessionRec* s, std::size_t n);
+// One block of a stream, at most 32000 bytes, into the session buffer: its
+// length, 0 for the 32-byte block that starts with "END", -1 on failure.
+long KvsRecvData(KvsSessionRec* s);
 int KvsSessionLog(int code, KvsSessionRec* s);
 void KvsSessionDrop(KvsSessionRec* s);
 

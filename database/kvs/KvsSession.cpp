@@ -155,6 +155,26 @@ int KvsSendBuf(KvsSessionRec* s, const void* data, std::size_t n) {
   return 0;
 }
 
+int KvsRecv(KvsSessionRec* s, std::size_t n) {
+  if (n > s->buf.size()) s->buf.resize(n);
+  if (s->fd < 0 || KvsSkRead(s->fd, s->buf.data(), n) != static_cast<long>(n)) {
+    KvsSessionDrop(s);
+    return KvsSessionLog(4, s);
+  }
+  return 0;
+}
+
+long KvsRecvData(KvsSessionRec* s) {
+  long n = s->fd < 0 ? -1 : KvsSkRead(s->fd, s->buf.data(), 32000);
+  if (n < 0) {
+    KvsSessionDrop(s);
+    KvsSessionLog(4, s);
+    return -1;
+  }
+  if (n == 32 && std::memcmp(s->buf.data(), "END", 3) == 0) return 0;
+  return n;
+}
+
 // A reply record, then (unless it says "E") hdr2[0] bytes of data, then a
 // closing record.
 static int readData(KvsObject o, char command, std::string& out, const char* account = nullptr) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "database/kvs/KvsMsg.h"
+#include "database/kvs/KvsObject.h"
 #include "database/kvs/KvsParams.h"
 #include "database/kvs/KvsSocket.h"
 
@@ -100,4 +101,21 @@ TEST(KvsWire, ColumnSwap) {
   KvsFromWire(KvsFmtDBL, 8, wire, back, 2);
   EXPECT_EQ(std::memcmp(back, v, 16), 0);
   EXPECT_EQ(KvsFmtCode("FLT"), KvsFmtFLT);
+}
+
+TEST(KvsWire, StreamBlocksEndAtEnd) {
+  int sv[2];
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, sv), 0);
+  KvsPrintf = [](const char*) {};
+  KvsSessionRec s;
+  s.fd = sv[1];
+  char end[33] = "END";
+  KvsSkWrite(sv[0], end, 33);  // longer than an end block: data
+  KvsSkWrite(sv[0], end, 32);
+  KvsSkWrite(sv[0], end, 10);
+  EXPECT_EQ(KvsRecvData(&s), 33);
+  EXPECT_EQ(KvsRecvData(&s), 0);
+  EXPECT_EQ(KvsRecv(&s, 11), 4);  // a short block
+  EXPECT_EQ(s.fd, -1);
+  close(sv[0]);
 }
