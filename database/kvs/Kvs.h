@@ -1,0 +1,116 @@
+#pragma once
+// The Kvs client library: a tree of objects (root, session, dataset,
+// table, array, parameter set) that reads and writes seismic project
+// tables held by the kvsd daemon. Every function returns 0 (or a count)
+// on success and an error code otherwise; each failure is logged through
+// KvsPrintf as a text whose first two characters are its severity:
+// "%I", "%W", "%E" or "%S". The library is not safe for threads.
+#include <string>
+#include <vector>
+
+#include "database/kvs/KvsParams.h"
+#include "database/kvs/KvsResources.h"
+
+namespace kvs {
+
+struct KvsObjectRec;
+using KvsObject = KvsObjectRec*;
+
+// Error codes.
+enum KvsCode {
+  KvsOk = 0, KvsErrGeneral = 1, KvsErrServer = 3, KvsErrRecv = 4, KvsErrSend = 5, KvsErrNoConnection = 7,
+  KvsErrClass = 8, KvsErrNoServer = 9, KvsErrNoHome = 10, KvsErrDict = 11, KvsErrNoProject = 12,
+  KvsErrMandatory = 13, KvsErrNoData = 15
+};
+
+extern void (*KvsPrintf)(const char* text);
+extern int kvsErrorNo;
+extern std::string kvsErrorString;
+extern const unsigned int kvsNull[2];  // 0xDEADBEEF, 0
+
+int KvsError();
+const char* KvsErrorString();
+
+int KvsInit();
+int KvsExit();
+int KvsAbort();
+KvsObject KvsRoot();
+bool KvsIsObject(KvsObject o);
+
+// Lists of resource code and value, ended by 0: text and data resources
+// take pointers, the others long values. KvsGet takes pointers to where
+// the values go (const char** for text).
+KvsObject KvsCreate(KvsObject parent, ...);
+KvsObject KvsOpen(KvsObject session, ...);
+int KvsGet(KvsObject o, ...);
+int KvsSet(KvsObject o, ...);
+
+KvsObject KvsFind(KvsObject o, const char* name);
+KvsObject KvsFirst(KvsObject o);
+KvsObject KvsLast(KvsObject o);
+KvsObject KvsNext(KvsObject o);
+KvsObject KvsPrev(KvsObject o);
+KvsObject KvsParent(KvsObject o);
+const char* KvsDomain(KvsObject table);
+const char* KvsType(KvsObject o);
+int KvsIsKey(KvsObject array);
+
+long KvsRead(KvsObject o, long n);
+long KvsWrite(KvsObject o, long n);
+int KvsFlush(KvsObject o);
+int KvsLseek(KvsObject o, long row);
+// The first row from the current one whose value equals *value (given in
+// the caller's format), which becomes the current row; -1 if none.
+long KvsLocate(KvsObject array, const void* value);
+// n numeric values from one format code to another, nulls kept as nulls.
+int KvsConvert(const void* in, unsigned int fromFmt, void* out, unsigned int toFmt, long n);
+int KvsClose(KvsObject o);
+int KvsRemove(KvsObject o);
+int KvsReplace(KvsObject o);
+int KvsInsert(KvsObject o);
+int KvsDelete(KvsObject o);
+int KvsSelect(KvsObject dataset);
+int KvsTest(KvsObject dataset);
+int KvsProtect(KvsObject dataset);
+int KvsRelease(KvsObject dataset);
+int KvsConnect(KvsObject session);
+int KvsDisconnect(KvsObject session);
+int KvsDefQuery(KvsObject dataset, const char* domain, const char* text);
+int KvsUndefQuery(KvsObject dataset);
+int KvsGetTree(KvsObject session, std::vector<std::string>& idents);
+
+// The session the calls below go through; the first one made by default.
+int _KvsSetSession(KvsObject session);
+KvsObject KvsCurrentSession();
+// The project names matching pattern (fnmatch), in one malloc'd block
+// that free() releases; site names the server's site and may be null.
+int KvsListProjectSite(const char* site, const char* pattern, int* n, char*** list);
+// The general record of a project: its datasets, in one malloc'd block.
+struct KvsDatasetInfo {
+  char type[8];
+  char ident[16];
+  char version[16];
+  long created;  // seconds since the epoch
+};
+struct KvsBaseInfo {
+  int count;
+  KvsDatasetInfo* datasets;
+};
+int KvsBaseGetInfo(const char* project, const char* site, const char* server, KvsBaseInfo** info);
+int KvsFindProject(const char* name, std::string& out);
+int KvsExtractSiteServer(const char* name, std::string& site, std::string& server);
+
+// Parameter sets: a table's child made with KvsNclass "SGD" or "SEIS".
+int KvsParamPut(KvsObject params, const KvsParam& p);
+const KvsParam* KvsParamFind(KvsObject params, const char* name);
+
+// Resource files ("class.name: value" or "class*name: value" lines).
+int KvsLoadRessources(const char* path);
+const char* KvsParseRessources(const char* cls, const char* name);
+std::string KvsExpendRessourcesBuf(const char* in);
+std::string KvsFindRessourcesFile(const std::string& dir, const char* name);
+
+// Internal: logs a formatted text and keeps its code.
+int _KvsLog(int code, const char* format, ...);
+
+}  // namespace kvs

@@ -1,0 +1,241 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include "database/kvs/Kvs.h"
+#include "database/kvs/KvsTestPeer.h"
+
+using namespace kvs;
+
+namespace {
+
+struct KvsClient : ::testing::Test {
+  KvsScratch scratch;
+  KvsdProcess kvsd{scratch.root + "/kvsd"};
+  KvsObject session = nullptr;
+
+  void SetUp() override {
+    KvsTestCapture();
+    int port = kvsd.start();
+    ASSERT_GT(port, 0);
+    ASSERT_EQ(connect(port), 0) << KvsErrorString();
+  }
+  int connect(int port) {
+    setenv("KVSPORT", std::to_string(port).c_str(), 1);
+    int rc = KvsInit();
+    session = KvsFirst(KvsRoot());
+    return rc;
+  }
+  int restart() {
+    KvsExit();
+    kvsd.stop(SIGTERM);
+    return connect(kvsd.start());
+  }
+  // A SHOTS table of n rows with every column kind, and one parameter.
+  KvsObject writeShots(const char* ident, long n) {
+    KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, ident, KvsNversion, "v1", 0L);
+    KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
+    std::vector<int> shot(n);
+    std::vector<float> x(n);
+    std::vector<double> z(n);
+    std::vector<char> name(8 * n);
+    for (long i = 0; i < n; ++i) {
+      shot[i] = int(i), x[i] = 0.5f * i, z[i] = -1.0 * i;
+      std::memcpy(&name[8 * i], i % 2 ? "ab.c--  " : "S1234567", 8);
+    }
+    std::memcpy(&z[1], kvsNull, 8);
+    KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot.data(), 0L);
+    KvsCreate(t, KvsNname, "X", KvsNdata, x.data(), 0L);
+    KvsCreate(t, KvsNname, "Z", KvsNdata, z.data(), 0L);
+    KvsCreate(t, KvsNname, "NAME", KvsNdata, name.data(), 0L);
+    KvsParamPut(KvsCreate(t, KvsNclass, "SGD", 0L), KvsParam{"NX", "", "INT", "", false, 77, 0, 0, ""});
+    EXPECT_EQ(KvsWrite(t, n), n);
+    return ds;
+  }
+  void expectShots(const char* ident, long n) {
+    KvsObject ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, ident, KvsNversion, "v1", 0L);
+    ASSERT_NE(ds, nullptr) << KvsErrorString();
+    KvsObject t = KvsFind(ds, "SHOTS");
+    ASSERT_NE(t, nullptr);
+    long size = 0;
+    KvsGet(t, KvsNsize, &size, 0L);
+    ASSERT_EQ(size, n);
+    std::vector<int> shot(n);
+    std::vector<float> x(n);
+    std::vector<double> z(n);
+    std::vector<char> name(8 * n);
+    KvsSet(KvsFind(t, "SHOT"), KvsNdata, shot.data(), 0L);
+    KvsSet(KvsFind(t, "X"), KvsNdata, x.data(), 0L);
+    KvsSet(KvsFind(t, "Z"), KvsNdata, z.data(), 0L);
+    KvsSet(KvsFind(t, "NAME"), KvsNdata, name.data(), 0L);
+    ASSERT_EQ(KvsRead(t, n + 5), n);
+    for (long i = 0; i < n; i += 997) {
+      EXPECT_EQ(shot[i], i);
+      EXPECT_EQ(x[i], 0.5f * i);
+      if (i != 1) {
+        EXPECT_EQ(z[i], -1.0 * i);
+      }
+    }
+    EXPECT_EQ(std::memcmp(&z[1], kvsNull, 8), 0);
+    EXPECT_EQ(std::string(&name[0], 8), std::string("S123456\0", 8));
+    EXPECT_EQ(std::string(&name[8], 8), std::string("ab.c\0\0\0\0", 8));
+    EXPECT_EQ(KvsIsKey(KvsFind(t, "SHOT")), 1);
+    const KvsParam* nx = KvsParamFind(KvsFind(t, "SGD"), "NX");
+    ASSERT_NE(nx, nullptr);
+    EXPECT_EQ(nx->i, 77);
+    KvsClose(ds);
+  }
+  static long children(KvsObject o) {
+    long n = -1;
+    KvsGet(o, KvsNnumChildren, &n, 0L);
+    return n;
+  }
+  bool logged(const std::string& line) {
+    for (const std::string& l : KvsTestLog())
+      if (l == line) return true;
+    return false;
+  }
+};
+
+}  // namespace
+
+TEST_F(KvsClient, TablesRoundTripAndSurviveRestart) {
+  const char* site = nullptr;
+  KvsGet(KvsRoot(), KvsNsite, &site, 0L);
+  EXPECT_STREQ(site, "siteA");
+  const char* project = nullptr;
+  KvsGet(session, KvsNproject, &project, 0L);
+  EXPECT_STREQ(project, "proj");
+  KvsObject ds = writeShots("L1", 20000);  // columns of several pages and chunks
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  EXPECT_TRUE(logged("%I SEIS L1 v1 for SHOTS successfully replaced"));
+  KvsClose(ds);
+  expectShots("L1", 20000);
+  ASSERT_EQ(restart(), 0);
+  expectShots("L1", 20000);
+  std::vector<std::string> idents;
+  EXPECT_EQ(KvsGetTree(session, idents), 0);
+  EXPECT_EQ(idents, std::vector<std::string>{"L1"});
+  KvsBaseInfo* info = nullptr;
+  ASSERT_EQ(KvsBaseGetInfo("proj", nullptr, nullptr, &info), 0);
+  ASSERT_EQ(info->count, 1);
+  EXPECT_EQ(std::string(info->datasets[0].type) + info->datasets[0].ident + info->datasets[0].version, "SEISL1v1");
+  EXPECT_GT(info->datasets[0].created, 1000000000);
+  std::free(info);
+  int n = 0;
+  char** list = nullptr;
+  ASSERT_EQ(KvsListProjectSite(nullptr, "pr*", &n, &list), 0);
+  ASSERT_EQ(n, 1);
+  EXPECT_STREQ(list[0], "proj");
+  std::free(list);
+}
+
+TEST_F(KvsClient, SelectWithConditions) {
+  KvsObject ds = writeShots("L2", 10);
+  KvsObject r = KvsCreate(ds, KvsNname, "RCVS", 0L);
+  int id[3] = {4, 5, 6};
+  KvsCreate(r, KvsNname, "SHOT", KvsNdata, id, 0L);
+  ASSERT_EQ(KvsWrite(r, 3), 3);
+  ASSERT_EQ(KvsInsert(ds), 0) << KvsErrorString();
+  KvsClose(ds);
+  ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "L2", KvsNversion, "v1", 0L);
+  KvsDefQuery(ds, "RCV", "");
+  ASSERT_EQ(KvsSelect(ds), 0) << KvsErrorString();
+  ASSERT_EQ(children(ds), 1);
+  EXPECT_STREQ(KvsDomain(KvsFirst(ds)), "RCV");
+  KvsUndefQuery(ds);
+  KvsDefQuery(ds, "KVSOPEN", "SHOTS");
+  ASSERT_EQ(KvsSelect(ds), 0);
+  ASSERT_EQ(children(ds), 1);
+  EXPECT_STREQ(KvsType(KvsFirst(ds)), "SHOTS");
+}
+
+TEST_F(KvsClient, RowsTravelInKeyOrder) {
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "K", 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
+  int shot[4] = {3, 1, 4, 2};
+  float x[4] = {30, 10, 40, 20};
+  KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot, 0L);
+  KvsCreate(t, KvsNname, "X", KvsNdata, x, 0L);
+  ASSERT_EQ(KvsWrite(t, 4), 4);
+  ASSERT_EQ(KvsReplace(ds), 0);
+  KvsClose(ds);
+  ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "K", 0L);
+  t = KvsFind(ds, "SHOTS");
+  KvsSet(KvsFind(t, "SHOT"), KvsNdata, shot, 0L);
+  KvsSet(KvsFind(t, "X"), KvsNdata, x, 0L);
+  ASSERT_EQ(KvsRead(t, 4), 4);
+  EXPECT_EQ(std::vector<int>(shot, shot + 4), (std::vector<int>{1, 2, 3, 4}));
+  EXPECT_EQ(std::vector<float>(x, x + 4), (std::vector<float>{10, 20, 30, 40}));
+  // The same column read as doubles, and a row found by value.
+  KvsObject col = KvsFind(t, "X");
+  double dx[4] = {}, twenty = 20;
+  KvsSet(col, KvsNfmt, "DBL", KvsNdata, dx, 0L);
+  KvsLseek(col, 0);
+  ASSERT_EQ(KvsRead(col, 4), 4);
+  EXPECT_EQ(dx[3], 40.0);
+  KvsLseek(col, 0);
+  EXPECT_EQ(KvsLocate(col, &twenty), 1);
+  twenty = 25;
+  EXPECT_EQ(KvsLocate(col, &twenty), -1);
+}
+
+TEST_F(KvsClient, ErrorsCarryTheirTexts) {
+  KvsObject ds = writeShots("L3", 5);
+  ASSERT_EQ(KvsInsert(ds), 0);
+  EXPECT_EQ(KvsInsert(ds), 1);
+  EXPECT_TRUE(logged("%E From Server :\n       Table SHOTS already exists"));
+  EXPECT_TRUE(logged("%W SEIS L3 v1 for SHOTS could not be replaced"));
+  EXPECT_EQ(KvsWrite(KvsFirst(ds), 0), -1);
+  EXPECT_EQ(std::string(KvsErrorString()), "%E bad argument length : 0 to routine KvsWrite");
+  EXPECT_EQ(KvsSelect(KvsFirst(ds)), 8);
+  EXPECT_EQ(std::string(KvsErrorString()), "%E KvsSelect : argument object should be Dataset KvsObject class");
+  EXPECT_EQ(KvsCreate(ds, KvsNname, "NOPE", 0L), nullptr);
+  EXPECT_EQ(std::string(KvsErrorString()), "%E The class NOPE is unknown in the dictionnary");
+  EXPECT_EQ(KvsCreate(KvsFirst(ds), KvsNname, "X", 0L), nullptr);
+  EXPECT_EQ(std::string(KvsErrorString()), "%E cannot create new Array : Table already updated");
+  EXPECT_EQ(KvsOpen(session, KvsNident, "L3", 0L), nullptr);
+  EXPECT_EQ(std::string(KvsErrorString()), "%E resource KvsNmode is mandatory in KvsOpen() call");
+  KvsObject none = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "none", 0L);
+  ASSERT_NE(none, nullptr);
+  EXPECT_EQ(KvsError(), 15);
+  EXPECT_EQ(std::string(KvsErrorString()), "%I No data selected in database for dataset none");
+  EXPECT_EQ(KvsTest(none), 15);
+  EXPECT_EQ(KvsDelete(ds), 0);
+  EXPECT_EQ(KvsTest(ds), 15);
+}
+
+TEST(KvsConfig, ResourcesAndInitFailures) {
+  KvsScratch scratch;
+  KvsTestCapture();
+  std::string file = scratch.root + "/res";
+  std::ofstream(file) << "Kvs*server: db1\n #skipped\n*host: h2\nKvs.path:  $KVS_UNSET_VAR/x${KVSBASE}\n";
+  unsetenv("KVS_UNSET_VAR");
+  ASSERT_EQ(KvsLoadRessources(file.c_str()), 3);
+  EXPECT_STREQ(KvsParseRessources("Kvs", "server"), "db1");
+  EXPECT_STREQ(KvsParseRessources("Kvs", "host"), "h2");
+  EXPECT_STREQ(KvsParseRessources("Kvs", "path"), "/xkvsbase");
+  EXPECT_EQ(KvsParseRessources("Other", "server"), nullptr);
+  // A server name with a blank is ignored.
+  std::ofstream(scratch.root + "/config.kvs") << "Kvs.server: db 1\nKvs.base: b\n";
+  EXPECT_EQ(KvsInit(), 9);
+  EXPECT_EQ(KvsTestLog().back(), "%S Could not find server Name");
+  unsetenv("KVSPROJ");
+  EXPECT_EQ(KvsInit(), 12);
+  EXPECT_EQ(KvsTestLog().back(), "%S Unable to get Project Account Name");
+  setenv("KVSDICT", "/nonexistent/KvsDict.bin", 1);
+  setenv("KVSPROJ", "p", 1);
+  std::ofstream(scratch.root + "/config.kvs") << "Kvs.server: db1\nKvs.base: b\n";
+  EXPECT_EQ(KvsInit(), 11);
+  EXPECT_EQ(KvsTestLog().back(), "%S Could not find dictionnary");
+  unsetenv("KVSROOT");
+  EXPECT_EQ(KvsInit(), 10);
+  EXPECT_EQ(KvsTestLog().back(), "%S Could not find KVSHOME directory");
+  std::string site, server;
+  KvsExtractSiteServer("siteB:host9", site, server);
+  EXPECT_EQ(site + "|" + server, "siteB|host9");
+}

@@ -1,0 +1,207 @@
+#include <gtest/gtest.h>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "database/kvs/Kvs.h"
+#include "database/kvs/KvsMsg.h"
+#include "database/kvs/KvsSocket.h"
+#include "database/kvs/KvsTestPeer.h"
+
+using namespace kvs;
+namespace fs = std::filesystem;
+
+namespace {
+
+bool partFileIn(const std::string& dir) {
+  std::error_code ec;
+  for (auto it = fs::recursive_directory_iterator(dir, ec); it != fs::recursive_directory_iterator(); it.increment(ec))
+    if (it->path().filename().string().rfind(".part", 0) == 0) return true;
+  return false;
+}
+
+KvsObject floatTable(KvsObject session, const char* ident, std::vector<float>& x) {
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, ident, 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "RCVS", 0L);
+  KvsCreate(t, KvsNname, "X", KvsNdata, x.data(), 0L);
+  EXPECT_EQ(KvsWrite(t, static_cast<long>(x.size())), static_cast<long>(x.size()));
+  return ds;
+}
+
+// A peer that answers the library as `script` says, over one connection.
+struct FakeServer {
+  int port = 0, listenFd;
+  std::thread thread;
+  explicit FakeServer(std::function<void(int)> script) {
+    listenFd = KvsSkListen(0, &port);
+    thread = std::thread([this, script] {
+      int fd = accept(listenFd, nullptr, nullptr);
+      script(fd);
+      close(fd);
+    });
+  }
+  ~FakeServer() {
+    thread.join();
+    close(listenFd);
+  }
+};
+
+void answerConnect(int fd) {
+  KvsMsg m;
+  ASSERT_EQ(KvsSkRead(fd, m.b, KvsMsgSize), 512);
+  m.b[KvsMsgStatus] = 0;
+  KvsSkWrite(fd, m.b, KvsMsgSize);
+}
+
+}  // namespace
+
+TEST(KvsFault, DaemonKilledInMidTransfer) {
+  KvsScratch scratch;
+  KvsTestCapture();
+  std::string data = scratch.root + "/kvsd";
+  KvsdProcess kvsd(data);
+  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
+  ASSERT_EQ(KvsInit(), 0);
+  KvsObject session = KvsFirst(KvsRoot());
+  std::vector<float> small(3000, 1.5f), big(16 << 20, 2.5f);
+  ASSERT_EQ(KvsReplace(floatTable(session, "kept", small)), 0);
+  KvsObject ds = floatTable(session, "lost", big);
+  int rc = -1;
+  std::thread sender([&] { rc = KvsReplace(ds); });
+  while (!partFileIn(data)) std::this_thread::sleep_for(std::chrono::microseconds(100));
+  kvsd.stop(SIGKILL);
+  sender.join();
+  ASSERT_TRUE(rc == 4 || rc == 5) << rc;
+  EXPECT_EQ(KvsTestLog()[KvsTestLog().size() - 2],
+            rc == 4 ? "%E Could not receive data from server on 127.0.0.1"
+                    : "%E Could not send data to server on 127.0.0.1");
+  KvsExit();
+  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
+  ASSERT_EQ(KvsInit(), 0);
+  session = KvsFirst(KvsRoot());
+  EXPECT_FALSE(partFileIn(data));
+  KvsObject kept = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "kept", 0L);
+  long rows = 0;
+  KvsGet(KvsFind(kept, "RCVS"), KvsNsize, &rows, 0L);
+  EXPECT_EQ(rows, 3000);
+  KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "lost", 0L);
+  EXPECT_EQ(KvsError(), 15);
+}
+
+TEST(KvsFault, DaemonRefusesBadFramesAndServesOthers) {
+  KvsScratch scratch;
+  KvsTestCapture();
+  KvsdProcess kvsd(scratch.root + "/kvsd");
+  int port = kvsd.start();
+  setenv("KVSPORT", std::to_string(port).c_str(), 1);
+  ASSERT_EQ(KvsInit(), 0);
+  KvsObject ds = KvsOpen(KvsFirst(KvsRoot()), KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "d", 0L);
+  // A short record is answered with an error; the connection stays usable.
+  int raw = KvsSkConnect("127.0.0.1", port, 0);
+  unsigned char junk[10] = {1, 2, 3};
+  ASSERT_EQ(KvsSkWrite(raw, junk, sizeof junk), 10);
+  KvsMsg reply;
+  ASSERT_EQ(KvsSkRead(raw, reply.b, KvsMsgSize), 512);
+  EXPECT_EQ(reply.status(), 1);
+  EXPECT_EQ(reply.text(KvsMsgText, 128), "Bad command record");
+  // A frame beyond the largest allowed closes that connection only.
+  unsigned char head[16];
+  KvsSkEncodeHead(head, 100000, 1);
+  ASSERT_EQ(write(raw, head, 16), 16);
+  EXPECT_EQ(KvsSkRead(raw, reply.b, KvsMsgSize), -1);
+  close(raw);
+  raw = KvsSkConnect("127.0.0.1", port, 0);
+  ASSERT_EQ(write(raw, head, 7), 7);  // and a truncated one
+  close(raw);
+  EXPECT_EQ(KvsTest(ds), 15);
+  EXPECT_EQ(KvsProtect(ds), 0);
+}
+
+TEST(KvsFault, LibraryRefusesBadReplies) {
+  KvsScratch scratch;
+  KvsTestCapture();
+  struct Case {
+    std::function<void(int)> script;
+    std::string log;
+  };
+  std::vector<Case> cases = {
+      {[](int fd) {
+         unsigned char head[16];
+         KvsSkEncodeHead(head, 70000, 1);
+         write(fd, head, 16);
+       },
+       "%E Could not receive data from server on 127.0.0.1"},
+      {[](int fd) {
+         unsigned char head[16 + 100];
+         KvsSkEncodeHead(head, 512, 1);
+         write(fd, head, sizeof head);
+       },
+       "%E Could not receive data from server on 127.0.0.1"},
+  };
+  for (const Case& c : cases) {
+    FakeServer peer(c.script);
+    setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
+    EXPECT_EQ(KvsInit(), 4);
+    EXPECT_EQ(KvsTestLog().back(), c.log);
+  }
+  // A table whose array header has a negative row count.
+  FakeServer peer([](int fd) {
+    answerConnect(fd);
+    KvsMsg m;
+    ASSERT_EQ(KvsSkRead(fd, m.b, KvsMsgSize), 512);
+    m.b[KvsMsgObject] = 'T';
+    m.setNum(272, 1);
+    KvsSkWrite(fd, m.b, KvsMsgSize);
+    unsigned char params[80] = {};
+    KvsSkWrite(fd, params, sizeof params);
+    m.b[KvsMsgObject] = 'A';
+    m.setNum(288, -5);
+    m.setText(304, 8, "FLT");
+    KvsSkWrite(fd, m.b, KvsMsgSize);
+  });
+  setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
+  ASSERT_EQ(KvsInit(), 0);
+  EXPECT_EQ(KvsOpen(KvsFirst(KvsRoot()), KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "d", 0L), nullptr);
+  EXPECT_EQ(KvsTestLog().back(), "%E Invalid Array Header");
+}
+
+TEST(KvsFault, TableAndArrayRecordsAsSent) {
+  KvsScratch scratch;
+  KvsTestCapture();
+  KvsMsg table, array;
+  FakeServer peer([&](int fd) {
+    answerConnect(fd);
+    std::vector<unsigned char> params(64000);
+    KvsSkRead(fd, table.b, KvsMsgSize);
+    EXPECT_EQ(KvsSkRead(fd, params.data(), params.size()), 80);
+    KvsSkRead(fd, array.b, KvsMsgSize);
+    KvsMsg no = table;
+    no.b[KvsMsgStatus] = 1;
+    no.setText(KvsMsgText, 128, "no room");
+    KvsSkWrite(fd, no.b, KvsMsgSize);
+  });
+  setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
+  ASSERT_EQ(KvsInit(), 0);
+  std::vector<float> x = {2.5f, 1.5f, 3.5f};
+  EXPECT_EQ(KvsReplace(floatTable(KvsFirst(KvsRoot()), "L9", x)), 1);
+  EXPECT_EQ(KvsTestLog().back(), "%W SEIS L9  for RCVS could not be replaced");
+  auto field = [](const KvsMsg& m, std::size_t off, std::size_t n) {
+    return std::string(reinterpret_cast<const char*>(m.b + off), n);
+  };
+  EXPECT_EQ(field(table, 120, 8), std::string("\1R\0T\1\0\0\1", 8));
+  EXPECT_EQ(field(table, 128, 16), std::string("SEIS\0\0\0\0RCVS\0\0\0\0", 16));
+  EXPECT_EQ(table.text(144, 16) + "|" + table.text(176, 8) + "|" + table.text(224, 32), "L9|RCV|RCVS");
+  EXPECT_EQ(field(table, 272, 10) + field(table, 288, 10), "         1         3");
+  EXPECT_EQ(array.object(), 'A');
+  EXPECT_EQ(array.text(192, 8) + "|" + array.text(200, 8) + "|" + array.text(224, 32), "X|0|X");
+  EXPECT_EQ(field(array, 256, 10) + field(array, 288, 10), "        12         3");
+  EXPECT_EQ(array.text(304, 8) + "|" + array.text(312, 8), "FLT|%g");
+  EXPECT_EQ(array.text(352, 16) + "|" + array.text(368, 16), "1.5|3.5");
+}

@@ -1,0 +1,150 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+
+#include "database/kvs/KvsDict.h"
+#include "database/kvs/KvsObject.h"
+#include "database/kvs/KvsSocket.h"
+
+namespace kvs {
+
+void KvsSetRootObject(KvsRootRec* r);
+
+namespace {
+
+std::string env(const char* name) {
+  const char* v = std::getenv(name);
+  return v ? v : "";
+}
+
+// Server and base names from a resource file must be plain names.
+bool plainName(const std::string& v) {
+  if (v.empty()) return false;
+  for (unsigned char c : v)
+    if (!std::isalnum(c) && c != '.' && c != '-' && c != '_') return false;
+  return true;
+}
+
+int fail(KvsRootRec* r, int code) {
+  delete r;
+  return code;
+}
+
+}  // namespace
+
+int KvsFindProject(const char* name, std::string& out) {
+  out = name ? name : "";
+  out = out.substr(0, out.find('@'));
+  return out.empty() ? KvsErrNoProject : 0;
+}
+
+int KvsExtractSiteServer(const char* name, std::string& site, std::string& server) {
+  std::string n = name ? name : "";
+  std::size_t colon = n.find(':');
+  site = n.substr(0, colon);
+  server = colon == std::string::npos ? "" : n.substr(colon + 1);
+  return 0;
+}
+
+int KvsInit() {
+  if (KvsRootObject()) return 0;
+  std::string dbg = env("KVSDBG");
+  kvsSkDebug = dbg.empty() ? 0 : (std::atoi(dbg.c_str()) ? std::atoi(dbg.c_str()) : 1);
+  auto* r = new KvsRootRec;
+  char cwd[129] = {};
+  if (!getcwd(cwd, sizeof cwd - 1)) std::strcpy(cwd, "/tmp");
+  r->workdir = cwd;
+  std::string project;
+  std::string corv = KvsFindRessourcesFile(r->workdir, ".corvProject");
+  if (!corv.empty() && KvsLoadRessources(corv.c_str()) >= 0) {
+    KvsParseRessources(nullptr, nullptr);
+    if (const char* p = KvsParseRessources("Corvane", "Project")) project = p;
+    KvsParseRessources(nullptr, nullptr);
+    if (const char* s = KvsParseRessources("Kvs", "Site")) r->site = s;
+  }
+  if (project.empty()) {
+    std::string tmp = env("TMPDIR");
+    r->workdir = tmp.empty() ? "/tmp" : tmp;
+  }
+  if (!env("KVSROOT").empty()) {
+    r->home = env("KVSROOT") + "/data";
+    r->dict = r->home + "/KvsDict.bin";
+  } else if (!env("cor_root").empty()) {
+    r->home = env("cor_root") + "/kvs/data";
+    r->dict = r->home + "/KvsDict.bin";
+  } else {
+    _KvsLog(KvsErrNoHome, "%%S Could not find KVSHOME directory");
+    return fail(r, KvsErrNoHome);
+  }
+  if (!env("KVSDICT").empty()) r->dict = env("KVSDICT");
+  std::string kvsproj = env("KVSPROJ");
+  if (!kvsproj.empty()) {
+    KvsFindProject(kvsproj.c_str(), project);
+    std::size_t at = kvsproj.find('@');
+    if (at != std::string::npos) r->site = kvsproj.substr(at + 1);
+  }
+  std::string config = KvsFindRessourcesFile(r->home, "config.kvs");
+  if (!config.empty() && KvsLoadRessources(config.c_str()) >= 0) {
+    KvsParseRessources(nullptr, nullptr);
+    const char* s = KvsParseRessources("Kvs", "server");
+    if (s && plainName(s)) r->server = s;
+    KvsParseRessources(nullptr, nullptr);
+    const char* b = KvsParseRessources("Kvs", "base");
+    if (b && plainName(b)) r->base = b;
+  }
+  if (project.empty()) {
+    _KvsLog(KvsErrNoProject, "%%S Unable to get Project Account %s", "Name");
+    return fail(r, KvsErrNoProject);
+  }
+  if (r->server.empty()) {
+    _KvsLog(KvsErrNoServer, "%%S Could not find server Name");
+    return fail(r, KvsErrNoServer);
+  }
+  if (r->base.empty()) {
+    _KvsLog(KvsErrMandatory, "%%S Could not find Oracle Base %s", project.c_str());
+    return fail(r, KvsErrMandatory);
+  }
+  if (_KvsDtLoad(r->dict) != 0) {
+    _KvsLog(KvsErrDict, "%%S Could not find dictionnary");
+    return fail(r, KvsErrDict);
+  }
+  r->project = project.substr(0, 16);
+  r->client = env("USER").substr(0, 7);
+  KvsSetRootObject(r);
+  // The session of this project, connected at once.
+  auto* s = static_cast<KvsSessionRec*>(KvsCreate(r, KvsNproject, project.c_str(), 0L));
+  s->server = r->server;
+  s->base = r->base;
+  s->site = r->site;
+  std::string port = env("KVSPORT");
+  s->port = port.empty() ? 4100 : std::atoi(port.c_str());
+  int rc = KvsConnect(s);
+  if (rc != 0) {
+    KvsDestroy(r);
+    KvsSetRootObject(nullptr);
+    return rc;
+  }
+  return 0;
+}
+
+int KvsExit() {
+  KvsRootRec* r = KvsRootObject();
+  if (!r) return 0;
+  for (KvsObject s : r->children)
+    if (s->cls == &kvsSessionClass) KvsDisconnect(s);
+  KvsDestroy(r);
+  KvsSetRootObject(nullptr);
+  return 0;
+}
+
+int KvsAbort() {
+  KvsRootRec* r = KvsRootObject();
+  if (r) KvsDestroy(r);
+  KvsSetRootObject(nullptr);
+  return 0;
+}
+
+}  // namespace kvs

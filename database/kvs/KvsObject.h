@@ -1,0 +1,114 @@
+#pragma once
+// The records behind KvsObject handles. The class pointer comes first and
+// the object's own address second, which is what KvsIsObject checks.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "database/kvs/Kvs.h"
+#include "database/kvs/KvsMsg.h"
+#include "database/kvs/KvsParams.h"
+
+namespace kvs {
+
+struct KvsClassRec {
+  const char* name;
+  const KvsClassRec* super;
+};
+extern const KvsClassRec kvsCoreClass, kvsCompositeClass, kvsRootClass, kvsSessionClass, kvsDatasetClass,
+    kvsTableClass, kvsArrayClass, kvsParamsClass;
+
+struct KvsObjectRec {
+  const KvsClassRec* cls;
+  KvsObjectRec* self;
+  KvsObjectRec* parent = nullptr;
+  long status = 0;
+  long mode = 0;
+  std::string project;  // up to 16 characters
+  std::string name;     // up to 31
+  std::string ident;
+  void* userData = nullptr;
+  std::vector<KvsObjectRec*> children;
+  explicit KvsObjectRec(const KvsClassRec* c) : cls(c), self(this) {}
+};
+
+struct KvsRootRec : KvsObjectRec {
+  std::string server, base, home, dict, client, workdir, site, logfile;
+  KvsRootRec() : KvsObjectRec(&kvsRootClass) {}
+};
+
+struct KvsSessionRec : KvsObjectRec {
+  int fd = -1;
+  int port = 4100;
+  std::string server, base, site, user, host;
+  int serverPid = 0;
+  bool redirected = false;
+  std::vector<unsigned char> buf = std::vector<unsigned char>(64000);
+  KvsMsg msg;
+  KvsSessionRec() : KvsObjectRec(&kvsSessionClass) {}
+};
+
+struct KvsDatasetRec : KvsObjectRec {
+  std::string type, version, domain, select;
+  std::vector<std::pair<std::string, std::string>> queries;
+  KvsDatasetRec() : KvsObjectRec(&kvsDatasetClass) {}
+};
+
+struct KvsArrayRec;
+struct KvsTableRec : KvsObjectRec {
+  std::string type, domain, spool;
+  int fd = -1;
+  long rows = 0;
+  bool updated = false;
+  KvsTableRec() : KvsObjectRec(&kvsTableClass) {}
+  std::size_t rowBytes() const;
+};
+
+struct KvsArrayRec : KvsObjectRec {
+  std::string attribute, format, ascii, dimension, unit;
+  std::uint32_t fmt = 0;
+  std::uint32_t userFmt = 0;  // of the caller's values (KvsNfmt), 0 when the column's own
+  std::size_t elem = 0;
+  std::size_t offset = 0;  // of this column's block within a page
+  long rows = 0, pos = 0;
+  int key = 0;
+  void* data = nullptr;
+  bool haveMinMax = false;
+  double min = 0, max = 0;
+  KvsArrayRec() : KvsObjectRec(&kvsArrayClass) {}
+};
+
+struct KvsParamsRec : KvsObjectRec {
+  std::vector<KvsParam> params;
+  KvsParamsRec() : KvsObjectRec(&kvsParamsClass) {}
+};
+
+constexpr long KvsPageRows = 1024;
+
+KvsRootRec* KvsRootObject();
+bool KvsIsA(KvsObject o, const KvsClassRec& c);
+// Logs the wrong-class error for op and returns false when o is not a c.
+bool KvsCheckClass(KvsObject o, const KvsClassRec& c, const char* op);
+KvsSessionRec* KvsSessionOf(KvsObject o);
+void KvsDestroy(KvsObject o);
+
+// Session exchange (database/kvs/KvsSession.cpp).
+void KvsMsgInit(KvsSessionRec* s, char command);
+int KvsMsgsend(KvsSessionRec* s);
+int KvsMsgrecv(KvsSessionRec* s);
+int KvsSendBuf(KvsSessionRec* s, const void* data, std::size_t n);
+// Exactly n bytes into the session buffer; 4 (logged) when fewer come.
+int KvsRecv(KvsSessionRec* s, std::size_t n);
+// One block of a stream, at most 32000 bytes, into the session buffer: its
+// length, 0 for the 32-byte block that starts with "END", -1 on failure.
+long KvsRecvData(KvsSessionRec* s);
+int KvsSessionLog(int code, KvsSessionRec* s);
+void KvsSessionDrop(KvsSessionRec* s);
+
+// Table storage (database/kvs/KvsTable.cpp).
+int KvsTableSend(KvsTableRec* t, char command);
+int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s);
+long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n);
+long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n);
+
+}  // namespace kvs

@@ -1,0 +1,490 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "database/kvs/KvsDict.h"
+#include "database/kvs/KvsObject.h"
+#include "database/kvs/KvsSocket.h"
+
+namespace kvs {
+
+namespace {
+
+KvsTableRec* tableOf(KvsArrayRec* a) { return static_cast<KvsTableRec*>(a->parent); }
+
+std::vector<KvsArrayRec*> arraysOf(KvsTableRec* t) {
+  std::vector<KvsArrayRec*> out;
+  for (KvsObject c : t->children)
+    if (c->cls == &kvsArrayClass) out.push_back(static_cast<KvsArrayRec*>(c));
+  return out;
+}
+
+// The spool file, made on first use; out of descriptors, it gives back
+// what it can and tries once more.
+int spool(KvsTableRec* t) {
+  if (t->fd >= 0) return t->fd;
+  KvsRootRec* r = KvsRootObject();
+  char name[64];
+  std::snprintf(name, sizeof name, "%d_%X.KVS", static_cast<int>(getpid()),
+                static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(t)));
+  t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
+  t->fd = ::open(t->spool.c_str(), O_RDWR | O_CREAT, 0660);
+  if (t->fd < 0 && errno == EMFILE) {
+    if (KvsRootRec* root = KvsRootObject())
+      for (KvsObject s : root->children)
+        for (KvsObject d : s->children)
+          for (KvsObject other : d->children)
+            if (other != t && other->cls == &kvsTableClass) KvsClose(other);
+    t->fd = ::open(t->spool.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0660);
+  }
+  return t->fd;
+}
+
+// A row's place: its page, then this column's block in the page.
+off_t place(KvsArrayRec* a, long row) {
+  long page = row / KvsPageRows;
+  return static_cast<off_t>(page) * static_cast<off_t>(tableOf(a)->rowBytes() * KvsPageRows) +
+         static_cast<off_t>(a->offset + static_cast<std::size_t>(row % KvsPageRows) * a->elem);
+}
+
+bool io(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
+  int fd = spool(tableOf(a));
+  if (fd < 0) return false;
+  // A table of one column has its pages back to back: one call for all.
+  bool contiguous = tableOf(a)->rowBytes() == a->elem;
+  while (n > 0) {
+    long run = contiguous ? n : std::min(n, KvsPageRows - row % KvsPageRows);
+    std::size_t bytes = static_cast<std::size_t>(run) * a->elem;
+    ssize_t done = write ? ::pwrite(fd, p, bytes, place(a, row)) : ::pread(fd, p, bytes, place(a, row));
+    if (done != static_cast<ssize_t>(bytes)) return false;
+    row += run;
+    n -= run;
+    p += bytes;
+  }
+  return true;
+}
+
+// The running minimum and maximum of a column, nulls left out; a plain
+// loop over one format at a time, which the compiler can vectorise.
+template <typename T>
+void minMaxOf(KvsArrayRec* a, const unsigned char* p, long n) {
+  double lo = a->haveMinMax ? a->min : 0, hi = a->haveMinMax ? a->max : 0;
+  bool any = a->haveMinMax;
+  T tlo{}, thi{};
+  long i = 0;
+  for (; i < n && !any; ++i) {
+    std::uint32_t w;
+    std::memcpy(&w, p + i * sizeof(T), 4);
+    if (w == KvsNullWord) continue;
+    T v;
+    std::memcpy(&v, p + i * sizeof(T), sizeof(T));
+    lo = hi = static_cast<double>(v);
+    any = true;
+  }
+  if (!any) return;
+  tlo = static_cast<T>(lo), thi = static_cast<T>(hi);
+  for (; i < n; ++i) {
+    std::uint32_t w;
+    std::memcpy(&w, p + i * sizeof(T), 4);
+    T v;
+    std::memcpy(&v, p + i * sizeof(T), sizeof(T));
+    bool null = w == KvsNullWord;
+    tlo = (!null && v < tlo) ? v : tlo;
+    thi = (!null && v > thi) ? v : thi;
+  }
+  a->min = std::min(lo, static_cast<double>(tlo));
+  a->max = std::max(hi, static_cast<double>(thi));
+  a->haveMinMax = true;
+}
+
+void minMax(KvsArrayRec* a, const unsigned char* p, long n) {
+  if (a->fmt == KvsFmtINT) minMaxOf<std::int32_t>(a, p, n);
+  else if (a->fmt == KvsFmtFLT) minMaxOf<float>(a, p, n);
+  else if (a->fmt == KvsFmtDBL) minMaxOf<double>(a, p, n);
+}
+
+// Rows go to the server in the order of the table's key columns; a table
+// of class "SPR" keeps its own order.
+int sortByKeys(KvsTableRec* t) {
+  if (t->type == "SPR") return 0;
+  std::vector<KvsArrayRec*> arrays = arraysOf(t), keys;
+  for (int k = 1; k <= 2; ++k)
+    for (KvsArrayRec* a : arrays)
+      if (a->key == k) keys.push_back(a);
+  if (keys.empty() || t->rows < 2) return 0;
+  for (KvsArrayRec* a : arrays)
+    if (a->rows != t->rows)
+      return _KvsLog(KvsErrGeneral, "%%E Column %s of table %s has %ld rows, not %ld", a->name.c_str(),
+                     t->name.c_str(), a->rows, t->rows);
+  std::vector<std::vector<unsigned char>> values;
+  for (KvsArrayRec* k : keys) {
+    values.emplace_back(static_cast<std::size_t>(t->rows) * k->elem);
+    if (!io(k, 0, values.back().data(), t->rows, false))
+      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str());
+  }
+  auto value = [&](std::size_t k, long row) {
+    const unsigned char* p = &values[k][static_cast<std::size_t>(row) * keys[k]->elem];
+    if (keys[k]->fmt == KvsFmtINT) { std::int32_t v; std::memcpy(&v, p, 4); return double(v); }
+    if (keys[k]->fmt == KvsFmtFLT) { float v; std::memcpy(&v, p, 4); return double(v); }
+    double v;
+    std::memcpy(&v, p, 8);
+    return v;
+  };
+  auto less = [&](long x, long y) {
+    for (std::size_t k = 0; k < keys.size(); ++k) {
+      if (!keys[k]->fmt) {
+        int c = std::memcmp(&values[k][static_cast<std::size_t>(x) * keys[k]->elem],
+                            &values[k][static_cast<std::size_t>(y) * keys[k]->elem], keys[k]->elem);
+        if (c) return c < 0;
+        continue;
+      }
+      double a = value(k, x), b = value(k, y);
+      if (a != b) return a < b;
+    }
+    return false;
+  };
+  std::vector<long> order(static_cast<std::size_t>(t->rows));
+  for (long i = 0; i < t->rows; ++i) order[static_cast<std::size_t>(i)] = i;
+  if (std::is_sorted(order.begin(), order.end(), less)) return 0;
+  std::stable_sort(order.begin(), order.end(), less);
+  std::vector<unsigned char> from, to;
+  for (KvsArrayRec* a : arrays) {
+    from.resize(static_cast<std::size_t>(t->rows) * a->elem);
+    to.resize(from.size());
+    if (!io(a, 0, from.data(), t->rows, false))
+      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str());
+    for (std::size_t i = 0; i < order.size(); ++i)
+      std::memcpy(&to[i * a->elem], &from[static_cast<std::size_t>(order[i]) * a->elem], a->elem);
+    if (!io(a, 0, to.data(), t->rows, true))
+      return _KvsLog(KvsErrGeneral, "%%E Could not write table file %s", t->spool.c_str());
+  }
+  return 0;
+}
+
+bool converts(const KvsArrayRec* a) { return a->fmt && a->userFmt && a->userFmt != a->fmt; }
+
+}  // namespace
+
+long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
+  std::vector<unsigned char> tmp;
+  if (!a->fmt) {
+    tmp.assign(rows, rows + static_cast<std::size_t>(n) * a->elem);
+    // Text: the last byte is always a NUL, trailing punctuation and blanks go.
+    for (long i = 0; i < n; ++i) {
+      unsigned char* v = &tmp[static_cast<std::size_t>(i) * a->elem];
+      v[a->elem - 1] = 0;
+      for (std::size_t k = a->elem; k-- > 0 && !std::isalnum(v[k]);) v[k] = 0;
+    }
+  }
+  const unsigned char* from = a->fmt ? rows : tmp.data();
+  tableOf(a)->updated = true;
+  if (!io(a, a->rows, const_cast<unsigned char*>(from), n, true)) {
+    return -_KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(a)->spool.c_str());
+  }
+  minMax(a, from, n);
+  a->rows += n;
+  KvsTableRec* t = tableOf(a);
+  t->rows = std::max(t->rows, a->rows);
+  return n;
+}
+
+long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n) {
+  n = std::max(0L, std::min(n, a->rows - a->pos));
+  if (n && !io(a, a->pos, rows, n, false))
+    return -_KvsLog(KvsErrGeneral, "%%E Could not read table file %s", tableOf(a)->spool.c_str());
+  a->pos += n;
+  return n;
+}
+
+long KvsWrite(KvsObject o, long n) {
+  if (n < 1) return -_KvsLog(KvsErrGeneral, "%%E bad argument length : %ld to routine KvsWrite", n);
+  if (!KvsIsA(o, kvsArrayClass) && !KvsCheckClass(o, kvsTableClass, "KvsWrite")) return -KvsErrClass;
+  KvsTableRec* t = KvsIsA(o, kvsArrayClass) ? tableOf(static_cast<KvsArrayRec*>(o)) : static_cast<KvsTableRec*>(o);
+  if (t->mode == 1) return -_KvsLog(KvsErrGeneral, "%%E The Table %s is RD_ONLY mode", t->name.c_str());
+  std::vector<KvsArrayRec*> arrays =
+      KvsIsA(o, kvsArrayClass) ? std::vector<KvsArrayRec*>{static_cast<KvsArrayRec*>(o)} : arraysOf(t);
+  std::vector<unsigned char> tmp;
+  for (KvsArrayRec* a : arrays) {
+    if (!a->data) continue;
+    const unsigned char* rows = static_cast<const unsigned char*>(a->data);
+    if (converts(a)) {
+      tmp.resize(static_cast<std::size_t>(n) * a->elem);
+      if (int rc = KvsConvert(rows, a->userFmt, tmp.data(), a->fmt, n)) return -rc;
+      rows = tmp.data();
+    }
+    long w = KvsArrayWriteRows(a, rows, n);
+    if (w < 0) return w;
+  }
+  return n;
+}
+
+long KvsRead(KvsObject o, long n) {
+  if (n < 1) return -_KvsLog(KvsErrGeneral, "%%E bad argument length : %ld to routine KvsRead", n);
+  if (!KvsIsA(o, kvsArrayClass) && !KvsCheckClass(o, kvsTableClass, "KvsRead")) return -KvsErrClass;
+  KvsTableRec* t = KvsIsA(o, kvsArrayClass) ? tableOf(static_cast<KvsArrayRec*>(o)) : static_cast<KvsTableRec*>(o);
+  if (t->rows == 0) return -_KvsLog(KvsErrGeneral, "%%E A Table with no data cannot be read");
+  std::vector<KvsArrayRec*> arrays =
+      KvsIsA(o, kvsArrayClass) ? std::vector<KvsArrayRec*>{static_cast<KvsArrayRec*>(o)} : arraysOf(t);
+  long most = 0;
+  std::vector<unsigned char> tmp;
+  for (KvsArrayRec* a : arrays) {
+    if (!a->data) continue;
+    unsigned char* rows = static_cast<unsigned char*>(a->data);
+    if (converts(a)) {
+      tmp.resize(static_cast<std::size_t>(n) * a->elem);
+      rows = tmp.data();
+    }
+    long r = KvsArrayReadRows(a, rows, n);
+    if (r < 0) return r;
+    if (converts(a) && r > 0)
+      if (int rc = KvsConvert(rows, a->fmt, a->data, a->userFmt, r)) return -rc;
+    most = std::max(most, r);
+  }
+  return most;
+}
+
+static std::size_t width(std::uint32_t fmt) { return fmt == KvsFmtDBL ? 8 : 4; }
+
+static bool numeric(std::uint32_t fmt) { return fmt == KvsFmtINT || fmt == KvsFmtFLT || fmt == KvsFmtDBL; }
+
+int KvsConvert(const void* in, unsigned int fromFmt, void* out, unsigned int toFmt, long n) {
+  if (!numeric(fromFmt) || !numeric(toFmt))
+    return _KvsLog(KvsErrDict, "%%E Cannot convert values from format %08X to %08X", fromFmt, toFmt);
+  const unsigned char* p = static_cast<const unsigned char*>(in);
+  unsigned char* q = static_cast<unsigned char*>(out);
+  std::vector<unsigned char> copy;
+  if (p == q) {
+    copy.assign(p, p + static_cast<std::size_t>(n) * width(fromFmt));
+    p = copy.data();
+  }
+  for (long i = 0; i < n; ++i, p += width(fromFmt), q += width(toFmt)) {
+    std::uint32_t w;
+    std::memcpy(&w, p, 4);
+    if (w == KvsNullWord) {
+      std::memset(q, 0, width(toFmt));
+      std::memcpy(q, &w, 4);
+      continue;
+    }
+    double v;
+    if (fromFmt == KvsFmtINT) { std::int32_t x; std::memcpy(&x, p, 4); v = x; }
+    else if (fromFmt == KvsFmtFLT) { float x; std::memcpy(&x, p, 4); v = x; }
+    else std::memcpy(&v, p, 8);
+    if (toFmt == KvsFmtINT) { std::int32_t x = static_cast<std::int32_t>(v); std::memcpy(q, &x, 4); }
+    else if (toFmt == KvsFmtFLT) { float x = static_cast<float>(v); std::memcpy(q, &x, 4); }
+    else std::memcpy(q, &v, 8);
+  }
+  return 0;
+}
+
+long KvsLocate(KvsObject o, const void* value) {
+  if (!KvsCheckClass(o, kvsArrayClass, "KvsLocate")) return -1;
+  auto* a = static_cast<KvsArrayRec*>(o);
+  std::uint32_t given = a->userFmt ? a->userFmt : a->fmt;
+  if (!numeric(a->fmt) || !numeric(given) || !value) {
+    _KvsLog(KvsErrGeneral, "%%E Bad config to use KvsLocate function");
+    return -1;
+  }
+  unsigned char want[8] = {};
+  if (KvsConvert(value, given, want, a->fmt, 1)) return -1;
+  std::vector<unsigned char> block(KvsPageRows * a->elem);
+  for (long row = a->pos; row < a->rows; row += KvsPageRows) {
+    long n = std::min(KvsPageRows, a->rows - row);
+    if (!io(a, row, block.data(), n, false)) return -1;
+    for (long i = 0; i < n; ++i)
+      if (std::memcmp(&block[static_cast<std::size_t>(i) * a->elem], want, a->elem) == 0) return a->pos = row + i;
+  }
+  return -1;
+}
+
+int KvsLseek(KvsObject o, long row) {
+  if (!KvsIsA(o, kvsArrayClass) && !KvsCheckClass(o, kvsTableClass, "KvsLseek")) return KvsErrClass;
+  KvsTableRec* t = KvsIsA(o, kvsArrayClass) ? tableOf(static_cast<KvsArrayRec*>(o)) : static_cast<KvsTableRec*>(o);
+  if (row < 0 || row > t->rows) return _KvsLog(KvsErrGeneral, "%%E value %ld outside of limits", row);
+  if (KvsIsA(o, kvsArrayClass)) static_cast<KvsArrayRec*>(o)->pos = row;
+  else
+    for (KvsArrayRec* a : arraysOf(t)) a->pos = row;
+  return 0;
+}
+
+int KvsFlush(KvsObject o) {
+  if (!KvsIsA(o, kvsArrayClass) && !KvsCheckClass(o, kvsTableClass, "KvsFlush")) return KvsErrClass;
+  return 0;  // rows go to the spool file as they are written
+}
+
+int KvsTableSend(KvsTableRec* t, char command) {
+  auto* d = static_cast<KvsDatasetRec*>(t->parent);
+  KvsSessionRec* s = KvsSessionOf(t);
+  if (!d || !s) return _KvsLog(KvsErrClass, "%%E %s : argument object should be %s KvsObject class", "KvsReplace", "Table");
+  if (int rc = sortByKeys(t)) return rc;
+  std::vector<KvsArrayRec*> arrays = arraysOf(t);
+  KvsMsgInit(s, command);
+  KvsMsg& m = s->msg;
+  m.b[KvsMsgObject] = 'T';
+  m.setText(128, 8, d->type);
+  m.setText(136, 8, t->type);
+  m.setText(144, 16, d->ident);
+  m.setText(160, 16, d->version);
+  m.setText(176, 8, t->domain);
+  m.setText(224, 32, t->name);
+  m.setNum(272, static_cast<long>(arrays.size()));
+  m.setNum(288, t->rows);
+  m.b[KvsMsgFlags] = 1;
+  m.b[KvsMsgMoreFlags] = 1;
+  KvsMsg request = m;
+  auto fail = [&](int code) {
+    if (code != KvsErrNoServer)
+      _KvsLog(code, "%%W %s %s %s for %s could not be replaced", d->type.c_str(), d->ident.c_str(),
+              d->version.c_str(), t->name.c_str());
+    kvsErrorNo = code;
+    return code;
+  };
+  if (int rc = KvsMsgsend(s)) return fail(rc);
+  std::vector<KvsParam> params;
+  for (KvsObject c : t->children)
+    if (c->cls == &kvsParamsClass)
+      for (KvsParam p : static_cast<KvsParamsRec*>(c)->params) {
+        p.cls = c->name;
+        params.push_back(p);
+      }
+  std::vector<unsigned char> block = KvsParamsEncode(params);
+  if (block.size() > s->buf.size()) return fail(_KvsLog(KvsErrGeneral, "%%E Too much empty space requested"));
+  if (int rc = KvsSendBuf(s, block.data(), block.size())) return fail(rc);
+  long position = 0;
+  for (KvsArrayRec* a : arrays) {
+    KvsMsg h = request;
+    h.b[KvsMsgObject] = 'A';
+    std::memset(h.b + KvsMsgHdr1, 0, 256);
+    h.setText(192, 8, a->attribute);
+    h.setText(200, 8, std::to_string(a->key));
+    h.setText(208, 8, a->dimension);
+    h.setText(216, 8, a->unit);
+    h.setText(224, 32, a->name);
+    h.setNum(256, static_cast<long>(a->rows * static_cast<long>(a->elem)));
+    h.setNum(272, position++);
+    h.setNum(288, a->rows);
+    h.setText(304, 8, a->format);
+    h.setText(312, 8, a->ascii);
+    char mn[16] = "UNKNOWN", mx[16] = "UNKNOWN";
+    if (a->haveMinMax) {
+      bool integer = a->ascii.find('d') != std::string::npos;
+      if (integer) std::snprintf(mn, sizeof mn, a->ascii.c_str(), static_cast<int>(a->min));
+      else std::snprintf(mn, sizeof mn, a->ascii.c_str(), a->min);
+      if (integer) std::snprintf(mx, sizeof mx, a->ascii.c_str(), static_cast<int>(a->max));
+      else std::snprintf(mx, sizeof mx, a->ascii.c_str(), a->max);
+    }
+    h.setText(352, 16, mn);
+    h.setText(368, 16, mx);
+    if (int rc = KvsSendBuf(s, h.b, KvsMsgSize)) return fail(rc);
+  }
+  int st = KvsMsgrecv(s);
+  if (st < 0) return fail(kvsErrorNo);
+  if (st) return fail(KvsSessionLog(st, s));
+  std::vector<unsigned char> rows;
+  for (KvsArrayRec* a : arrays) {
+    long per = static_cast<long>(s->buf.size() / a->elem);
+    rows.resize(static_cast<std::size_t>(per) * a->elem);
+    for (long at = 0; at < a->rows; at += per) {
+      long n = std::min(per, a->rows - at);
+      if (!io(a, at, rows.data(), n, false))
+        return fail(_KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str()));
+      KvsToWire(a->fmt, a->elem, rows.data(), s->buf.data(), static_cast<std::size_t>(n));
+      if (int rc = KvsSendBuf(s, s->buf.data(), static_cast<std::size_t>(n) * a->elem)) return fail(rc);
+    }
+  }
+  st = KvsMsgrecv(s);
+  if (st < 0) return fail(kvsErrorNo);
+  if (st) return fail(KvsSessionLog(st, s));
+  _KvsLog(0, "%%I %s %s %s for %s successfully replaced", d->type.c_str(), d->ident.c_str(), d->version.c_str(),
+          t->name.c_str());
+  return 0;
+}
+
+int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
+  const KvsMsg tr = s->msg;
+  t->name = tr.text(224, 32);
+  t->type = tr.text(136, 8);
+  t->domain = tr.text(176, 8);
+  long count = tr.num(272);
+  if (count < 0 || count > 1000) return _KvsLog(KvsErrRecv, "%%E Invalid Array Header");
+  long n = KvsSkRead(s->fd, s->buf.data(), s->buf.size());
+  if (n < 0) {
+    KvsSessionDrop(s);
+    return KvsSessionLog(KvsErrRecv, s);
+  }
+  std::vector<KvsParam> params;
+  if (KvsParamsDecode(s->buf.data(), static_cast<std::size_t>(n), params) < 0)
+    return _KvsLog(KvsErrRecv, "%%E Invalid parameter block for table %s", t->name.c_str());
+  for (const KvsParam& p : params) {
+    KvsObject group = nullptr;
+    for (KvsObject c : t->children)
+      if (c->cls == &kvsParamsClass && c->name == p.cls) group = c;
+    if (!group) group = KvsCreate(t, KvsNclass, p.cls.c_str(), 0L);
+    KvsParamPut(group, p);
+  }
+  std::vector<std::pair<KvsArrayRec*, long>> arrays;
+  for (long k = 0; k < count; ++k) {
+    KvsMsg h;
+    if (KvsSkRead(s->fd, h.b, KvsMsgSize) != long(KvsMsgSize)) {
+      KvsSessionDrop(s);
+      return KvsSessionLog(KvsErrRecv, s);
+    }
+    long rows = h.num(288), total = h.num(256);
+    std::uint32_t fmt = KvsFmtCode(h.text(304, 8));
+    std::size_t elem = fmt == KvsFmtDBL ? 8 : (fmt == KvsFmtINT || fmt == KvsFmtFLT) ? 4
+                       : rows > 0 ? static_cast<std::size_t>(total / rows) : 1;
+    if (h.object() != 'A' || rows < 0 || total < 0 || elem == 0 || elem > 64000 ||
+        total != rows * static_cast<long>(elem)) {
+      KvsSessionDrop(s);
+      return _KvsLog(KvsErrRecv, "%%E Invalid Array Header");
+    }
+    auto* a = new KvsArrayRec;
+    a->name = h.text(224, 32);
+    a->attribute = h.text(192, 8);
+    a->key = std::atoi(h.text(200, 8).c_str());
+    a->dimension = h.text(208, 8);
+    a->unit = h.text(216, 8);
+    a->format = h.text(304, 8);
+    a->ascii = h.text(312, 8);
+    a->fmt = (fmt == KvsFmtINT || fmt == KvsFmtFLT || fmt == KvsFmtDBL) ? fmt : 0;
+    a->elem = elem;
+    a->offset = t->rowBytes() * KvsPageRows;
+    a->parent = t;
+    a->project = t->project;
+    t->children.push_back(a);
+    arrays.emplace_back(a, total);
+  }
+  std::vector<unsigned char> carry, rows;
+  for (auto& [a, left] : arrays) {
+    carry.clear();
+    while (left > 0) {
+      long got = KvsSkRead(s->fd, s->buf.data(), s->buf.size());
+      if (got < 1 || got > left) {
+        KvsSessionDrop(s);
+        return KvsSessionLog(KvsErrRecv, s);
+      }
+      left -= got;
+      if (carry.empty() && got % static_cast<long>(a->elem) == 0) {
+        // Whole rows: swapped in place, the common case.
+        long whole = got / static_cast<long>(a->elem);
+        KvsFromWire(a->fmt, a->elem, s->buf.data(), s->buf.data(), static_cast<std::size_t>(whole));
+        if (KvsArrayWriteRows(a, s->buf.data(), whole) < 0) return kvsErrorNo;
+        continue;
+      }
+      carry.insert(carry.end(), s->buf.begin(), s->buf.begin() + got);
+      std::size_t whole = carry.size() / a->elem;
+      rows.resize(whole * a->elem);
+      KvsFromWire(a->fmt, a->elem, carry.data(), rows.data(), whole);
+      if (whole && KvsArrayWriteRows(a, rows.data(), static_cast<long>(whole)) < 0) return kvsErrorNo;
+      carry.erase(carry.begin(), carry.begin() + static_cast<long>(whole * a->elem));
+    }
+  }
+  t->updated = true;
+  return 0;
+}
+
+}  // namespace kvs

@@ -1,0 +1,36 @@
+#pragma once
+// Test helpers: a kvsd process on a free loopback port, a scratch
+// directory with a dictionary and config.kvs, and the library's log lines.
+#include <signal.h>
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace kvs {
+
+class KvsdProcess {
+ public:
+  explicit KvsdProcess(std::string dataDir) : dir_(std::move(dataDir)) {}
+  ~KvsdProcess() { stop(SIGKILL); }
+  int start();  // the port, or -1
+  void stop(int sig);
+  void pause() { if (pid_ > 0) ::kill(pid_, SIGSTOP); }
+  pid_t pid() const { return pid_; }
+
+ private:
+  std::string dir_;
+  pid_t pid_ = -1;
+};
+
+struct KvsScratch {
+  std::string root;  // $KVSROOT; home is root/data
+  KvsScratch();
+  ~KvsScratch();
+};
+
+// Lines logged through KvsPrintf since the last clear.
+std::vector<std::string>& KvsTestLog();
+void KvsTestCapture();
+
+}  // namespace kvs
