@@ -8,6 +8,7 @@
 #include "attribute/KeyList.h"
 #include "attribute/Property.h"
 #include "foundation/vUtl.h"
+#include "tools/GridInfo.h"
 #include "tools/StoreArgument.h"
 #include "tools/ToolArguments.h"
 #include "tools/ToolOutput.h"
@@ -15,31 +16,8 @@
 
 namespace {
 
-std::string jsonString(char const* text) {
-  std::string out = "\"";
-  for (char const* p = text; *p; ++p) {
-    unsigned char const c = static_cast<unsigned char>(*p);
-    if (c == '"' || c == '\\') {
-      out.push_back('\\');
-      out.push_back(static_cast<char>(c));
-    } else if (c < 0x20) {
-      char escaped[8];
-      std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-      out.append(escaped);
-    } else {
-      out.push_back(static_cast<char>(c));
-    }
-  }
-  return out + "\"";
-}
-
-// JSON has no NaN or infinity.
-std::string jsonNumber(double value) {
-  if (!std::isfinite(value)) return "null";
-  std::string out;
-  ValueFormat::appendNumber(out, value);
-  return out;
-}
+std::string jsonString(char const* text) { return ValueFormat::jsonString(text); }
+std::string jsonNumber(double value) { return ValueFormat::jsonNumber(value); }
 
 std::string number(double value) {
   std::string out;
@@ -92,6 +70,7 @@ void writeText(ToolOutput& out, Store const& store, std::list<Attribute> const& 
     separator = " ";
   }
   out.put('\n');
+  GridInfo::writeText(out, store);
   for (auto p = store.beginProperty(); p != store.endProperty(); ++p) {
     out.put("property    ");
     out.put(p->getName().c_str());
@@ -131,7 +110,7 @@ void writeJson(ToolOutput& out, Store const& store, std::list<Attribute> const& 
     out.put(jsonString(p->getName().c_str()) + ":" + propertyText(*p, true));
     separator = ",";
   }
-  out.put("}}\n");
+  out.put("},\"grid\":" + GridInfo::json(store) + "}\n");
 }
 
 }  // namespace
@@ -143,12 +122,14 @@ ToolCommand const& InfoCommand::command() {
       "\n"
       "Prints the store's class, subclass and number of instances, then one line\n"
       "per attribute (name, data type, length, sample rate, first time and the\n"
-      "two statistic values), the key list and the properties. With --json the\n"
-      "same comes as one JSON object.\n"
+      "two statistic values), the key list, the CMP grid when the store carries\n"
+      "one (lines, intervals, origin, rotation, corners in world coordinates,\n"
+      "coordinate system) and the properties. With --json the same comes as one\n"
+      "JSON object.\n"
       "\n"
       "STORE is a store name (\"file:/data/line1.segy#segy#\", a project-served\n"
       "\"rondo::host:project:line1\") or a plain path, whose format is found from\n"
-      "its name.\n"
+      "its name, or a file of a packed in-memory store, known by its first bytes.\n"
       "\n"
       "example:\n"
       "  rondo info line1.sgy\n"

@@ -4,6 +4,7 @@
 
 #include "foundation/Message.h"
 #include "project/StoreFactory.h"
+#include "tools/InMemoryStoreFile.h"
 
 StoreDescription StoreArgument::describe(std::string const& text) {
   if (text.empty()) Message::fatal("StoreArgument::describe", 0, "No store named.");
@@ -15,6 +16,14 @@ StoreDescription StoreArgument::describe(std::string const& text) {
 }
 
 vHandle<Store> StoreArgument::open(std::string const& text) {
+  if (!text.empty() && text.find(':') == std::string::npos && InMemoryStoreFile::recognise(text)) {
+    // Loaded, named by its in-memory name and closed, so that the factory
+    // opens it as it opens any store; the factory's handle keeps it alive.
+    vHandle<Store> loaded = InMemoryStoreFile::load(text);
+    std::string const name = StoreDescription(loaded).toString().c_str();
+    loaded->close();
+    return open(name);
+  }
   StoreDescription const description = describe(text);
   return StoreFactory::openStore(description, description.getAttributeSetName(), nullptr);
 }

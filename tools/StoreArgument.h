@@ -3,7 +3,8 @@
 
 // StoreArgument: the store a user names on the command line, in the
 // system's store-name grammar. Text without a ':' is a path: a flat file
-// whose format the store factory identifies ("a.sgy", "line#segy#").
+// whose format the store factory identifies ("a.sgy", "line#segy#"), or
+// a packed InMemoryStore, known by its first bytes (InMemoryStoreFile).
 // Everything goes through StoreDescription and StoreFactory, so each
 // format and view the factories learn about is reachable from here.
 

@@ -1,5 +1,6 @@
 #include "tools/ValueFormat.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "foundation/Message.h"
@@ -73,4 +74,29 @@ void ValueFormat::appendInstance(std::string& out, Attribute const& attribute, u
       Message::fatal("ValueFormat::appendInstance", 0, "Cannot print values of type %s of Attribute %s.",
                      vUtl::dataTypeName(attribute.getDataType()).c_str(), attribute.getName().c_str());
   }
+}
+
+std::string ValueFormat::jsonString(char const* text) {
+  std::string out = "\"";
+  for (char const* p = text; *p; ++p) {
+    unsigned char const c = static_cast<unsigned char>(*p);
+    if (c == '"' || c == '\\') {
+      out.push_back('\\');
+      out.push_back(static_cast<char>(c));
+    } else if (c < 0x20) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+      out.append(escaped);
+    } else {
+      out.push_back(static_cast<char>(c));
+    }
+  }
+  return out + "\"";
+}
+
+std::string ValueFormat::jsonNumber(double value) {
+  if (!std::isfinite(value)) return "null";
+  std::string out;
+  appendNumber(out, value);
+  return out;
 }

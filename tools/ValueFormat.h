@@ -16,6 +16,10 @@ class ValueFormat {
   static void appendInstance(std::string& out, Attribute const& attribute, unsigned int instance);
   // One number; "nan", "inf" as the C library writes them.
   static void appendNumber(std::string& out, double value);
+  // JSON forms: a quoted, escaped string; a number, or null for NaN and
+  // infinity, which JSON has not.
+  static std::string jsonString(char const* text);
+  static std::string jsonNumber(double value);
   // Whether the type prints as a number.
   static bool isNumeric(DataType type);
 };
