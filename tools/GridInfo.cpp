@@ -8,6 +8,7 @@
 
 #include "attribute/Property.h"
 #include "geometry/BinPos.h"
+#include "foundation/UtlExcept.h"
 #include "geometry/CMPGrid.h"
 #include "tools/ValueFormat.h"
 
@@ -48,9 +49,17 @@ std::string projectionOf(Store const& store) {
   return name == text ? text : text + " (" + name + ")";
 }
 
-bool summarise(Store const& store, Summary& s) {
+// A grid the store carries but the geometry refuses (obsolete storage
+// biases) leaves the rest of the report standing: the refusal is shown in
+// its place.
+bool summarise(Store const& store, Summary& s, std::string& refusal) {
   if (!CMPGrid::containsGrid(store)) return false;
-  s.grid.loadFromStore(store);
+  try {
+    s.grid.loadFromStore(store);
+  } catch (UtlExcept const& e) {
+    refusal = e.getReason().c_str();
+    return true;
+  }
   CMPGrid const& g = s.grid;
   int const il0 = g.getFirstInline(), il1 = g.getLastInline();
   int const xl0 = g.getFirstCrossline(), xl1 = g.getLastCrossline();
@@ -73,7 +82,12 @@ std::string num(double value) {
 
 void GridInfo::writeText(ToolOutput& out, Store const& store) {
   Summary s;
-  if (!summarise(store, s)) return;
+  std::string refusal;
+  if (!summarise(store, s, refusal)) return;
+  if (!refusal.empty()) {
+    out.put("grid        not shown: " + refusal + "\n");
+    return;
+  }
   CMPGrid const& g = s.grid;
   char line[512];
   std::snprintf(line, sizeof line,
@@ -98,7 +112,9 @@ void GridInfo::writeText(ToolOutput& out, Store const& store) {
 
 std::string GridInfo::json(Store const& store) {
   Summary s;
-  if (!summarise(store, s)) return "null";
+  std::string refusal;
+  if (!summarise(store, s, refusal)) return "null";
+  if (!refusal.empty()) return "{\"error\":" + ValueFormat::jsonString(refusal.c_str()) + "}";
   CMPGrid const& g = s.grid;
   auto n = [](double v) { return ValueFormat::jsonNumber(v); };
   std::string out = "{\"firstInline\":" + std::to_string(g.getFirstInline()) +

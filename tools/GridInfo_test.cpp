@@ -75,6 +75,21 @@ TEST(RondoGrid, RotatedGridOfAnInMemoryStoreWithItsProjection) {
         "{\"inline\":2058,\"crossline\":331,\"x\":" + g9(far.getX()) + ",\"y\":" + g9(far.getY()) + "}",
         ",\"projection\":\"EPSG:32631 (WGS 84 / UTM zone 31N)\"}}\n"})
     EXPECT_NE(std::string::npos, json.out.find(part)) << part << json.out;
+
+  // A grid the geometry refuses leaves the rest of the report standing.
+  {
+    InMemoryStore store{vHandle<Project>()};
+    store.create("old", "grid", "cmp", KeyList(), nullptr);
+    grid.addToStore(store);
+    store.addProperty(Property(vUCString("X_STORAGE_BIAS"), 5.0));
+    writePacked(store, dir / "old.store");
+  }
+  Outcome const old = tool(dir, "info old.store");
+  EXPECT_EQ(0, old.status) << old.err;
+  EXPECT_NE(std::string::npos,
+            old.out.find("grid        not shown: The X & Y storageBias in grid stores is obsolete. Do not use!!!\n"
+                         "property    CMPLINE_INCREMENT = 210\n"))
+      << old.out;
 }
 
 // The fixture's expectation lines (fold, SUBLINE, CDP, ELEV, samples) in the
