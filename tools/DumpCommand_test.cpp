@@ -62,6 +62,21 @@ INSTANTIATE_TEST_SUITE_P(FormatsAndByteOrders, RondoPeerTest,
                                            PeerCase{"IeeeLittleEndian", 5, "little"}),
                          [](::testing::TestParamInfo<PeerCase> const& info) { return std::string(info.param.name); });
 
+// A format file beside the line names its keys in the shipped vocabulary;
+// a user who has set up no release tree still gets them.
+TEST(RondoInfo, FormatFileBesideTheLineGivesItsKeysWithoutARelease) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "line.sgy", 1, "big", 5, 3);
+  fs_testing::writeFile(dir / "line.syf",
+                        "KEYNAMES CDP TRACE_NUMBER\n"
+                        "CDP           cdp    trace  21  int4  ensemble number\n"
+                        "TRACE_NUMBER  tracl  trace   1  int4  trace sequence number\n");
+  ScopedEnv noRelease("VREL", nullptr), noLite("RLITE", nullptr), noRoot("cor_root", nullptr);
+  Outcome const info = tool(dir, "info line.sgy");
+  EXPECT_EQ(0, info.status) << info.err;
+  EXPECT_NE(std::string::npos, info.out.find("keys        CDP TRACE_NUMBER\n")) << info.out;
+}
+
 // A file cut inside its last trace dumps its whole traces and says so.
 TEST(RondoDump, TruncatedFileGivesItsWholeInstancesAndSaysWhatWasCut) {
   fs_testing::TempDir dir;
