@@ -10,6 +10,7 @@
 #include "tools/ToolMessages.h"
 #include "tools/ToolOutput.h"
 #include "tools/ToolProgress.h"
+#include "tools/ToolViews.h"
 #include "tools/ValueFormat.h"
 
 namespace {
@@ -30,7 +31,7 @@ std::vector<std::string> splitNames(std::string const& text) {
 ToolCommand const& DumpCommand::command() {
   static ToolCommand const c = {
       "dump", "print the values of attributes, one line per instance",
-      "usage: rondo dump STORE ATTRIBUTE[,ATTRIBUTE...] [--first N] [--last M]\n"
+      "usage: rondo dump STORE ATTRIBUTE[,ATTRIBUTE...] [--first N] [--last M] [--view SPEC]...\n"
       "\n"
       "Prints one line per instance: the instance number, a tab, then the\n"
       "attribute's values separated by spaces; several attributes are separated\n"
@@ -38,11 +39,13 @@ ToolCommand const& DumpCommand::command() {
       "they are. Instances count from 1 and the range is inclusive; the default\n"
       "is every instance. A truncated file gives its whole instances and a\n"
       "warning on standard error.\n"
+      "\n" TOOL_VIEW_HELP
       "\n"
       "example:\n"
       "  rondo dump line1.sgy CMP,SHOT.RW.X --first 10 --last 12\n"
-      "  rondo dump line1.sgy TRACE | head\n",
-      "first last", &DumpCommand::run};
+      "  rondo dump line1.sgy TRACE | head\n"
+      "  rondo dump line1.sgy OFFSET,MIDX --view map:line1.cstf --view bin:OFFSET,0,3000,100,100\n",
+      "first last view", &DumpCommand::run};
   return c;
 }
 
@@ -50,13 +53,14 @@ int DumpCommand::run(ToolArguments& arguments) {
   unsigned int first = static_cast<unsigned int>(arguments.number("first", 1, 1));
   bool const hasLast = arguments.has("last");
   unsigned int last = static_cast<unsigned int>(arguments.number("last", 0, 1));
+  std::vector<std::string> const views = arguments.values("view");
   arguments.finish(2, 2);
   arguments.setSubject(arguments.positional()[0]);
   std::vector<std::string> const names = splitNames(arguments.positional()[1]);
   if (names.empty()) throw ToolUsageError{"no attribute named"};
 
   unsigned int const warnings = ToolMessages::getNWarnings();
-  vHandle<Store> store = StoreArgument::open(arguments.subject());
+  vHandle<Store> store = ToolViews::apply(StoreArgument::open(arguments.subject()), views);
   std::vector<Attribute> attributes;
   long long bytesPerInstance = 0;
   for (std::string const& name : names) {

@@ -10,6 +10,7 @@
 #include "foundation/vUtl.h"
 #include "tools/GridInfo.h"
 #include "tools/StoreArgument.h"
+#include "tools/ToolViews.h"
 #include "tools/ToolArguments.h"
 #include "tools/ToolOutput.h"
 #include "tools/ValueFormat.h"
@@ -118,7 +119,7 @@ void writeJson(ToolOutput& out, Store const& store, std::list<Attribute> const& 
 ToolCommand const& InfoCommand::command() {
   static ToolCommand const c = {
       "info", "what a store holds: class, instances, attributes, keys, properties",
-      "usage: rondo info STORE [--json]\n"
+      "usage: rondo info STORE [--json] [--view SPEC]...\n"
       "\n"
       "Prints the store's class, subclass and number of instances, then one line\n"
       "per attribute (name, data type, length, sample rate, first time and the\n"
@@ -130,19 +131,22 @@ ToolCommand const& InfoCommand::command() {
       "STORE is a store name (\"file:/data/line1.segy#segy#\", a project-served\n"
       "\"rondo::host:project:line1\") or a plain path, whose format is found from\n"
       "its name, or a file of a packed in-memory store, known by its first bytes.\n"
+      "\n" TOOL_VIEW_HELP
       "\n"
       "example:\n"
       "  rondo info line1.sgy\n"
-      "  rondo info line1.sgy --json\n",
-      "", &InfoCommand::run};
+      "  rondo info line1.sgy --json\n"
+      "  rondo info line1.sgy --view sort:CDP,-OFFSET --view map:line1.cstf\n",
+      "view", &InfoCommand::run};
   return c;
 }
 
 int InfoCommand::run(ToolArguments& arguments) {
   bool const json = arguments.flag("json");
+  std::vector<std::string> const views = arguments.values("view");
   arguments.finish(1, 1);
   arguments.setSubject(arguments.positional()[0]);
-  vHandle<Store> store = StoreArgument::open(arguments.subject());
+  vHandle<Store> store = ToolViews::apply(StoreArgument::open(arguments.subject()), views);
   std::list<Attribute> const attributes = store->getAttributeList();
   KeyList const keys = store->getKeyList();
   ToolOutput out;

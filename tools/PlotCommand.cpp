@@ -9,6 +9,7 @@
 #include "foundation/Message.h"
 #include "tools/PlotImage.h"
 #include "tools/StoreArgument.h"
+#include "tools/ToolViews.h"
 #include "tools/ToolArguments.h"
 #include "tools/ToolProgress.h"
 
@@ -150,7 +151,7 @@ ToolCommand const& PlotCommand::command() {
       "plot", "a PNG picture of a seismic section or of the points of a map",
       "usage: rondo plot STORE --out FILE.png [--attribute NAME] [--first N] [--last M]\n"
       "                  [--clip PERCENT] [--colour grey|rwb] [--zoom N]\n"
-      "                  [--x NAME --y NAME] [--size PIXELS]\n"
+      "                  [--x NAME --y NAME] [--size PIXELS] [--view SPEC]...\n"
       "\n"
       "A seismic store gives a variable-density image of its traces (the\n"
       "attribute TRACE unless --attribute names another), one column per trace\n"
@@ -161,11 +162,13 @@ ToolCommand const& PlotCommand::command() {
       "given --x and --y, gives its points on a picture of --size pixels (512),\n"
       "coloured by the value of --attribute; without them the attributes come\n"
       "from the store's property XYZ_PLOT_ATTRIBUTES, else X and Y.\n"
+      "\n" TOOL_VIEW_HELP
       "\n"
       "example:\n"
       "  rondo plot line1.sgy --out line1.png --first 1 --last 200 --colour rwb\n"
-      "  rondo plot line1.sgy --out shots.png --x SHOT.RW.X --y SHOT.RW.Y --attribute FFID\n",
-      "out attribute first last clip colour zoom x y size", &PlotCommand::run};
+      "  rondo plot line1.sgy --out shots.png --x SHOT.RW.X --y SHOT.RW.Y --attribute FFID\n"
+      "  rondo plot gathers.sgy --out filled.png --view infill --view restore-mute\n",
+      "out attribute first last clip colour zoom x y size view", &PlotCommand::run};
   return c;
 }
 
@@ -183,6 +186,7 @@ int PlotCommand::run(ToolArguments& arguments) {
   r.y = arguments.value("y", "Y");
   r.size = static_cast<int>(arguments.number("size", 512, 16));
   r.zoom = static_cast<int>(arguments.number("zoom", 1, 1));
+  std::vector<std::string> const views = arguments.values("view");
   arguments.finish(1, 1);
   if (out.empty()) throw ToolUsageError{"--out FILE.png is needed"};
   if (!(r.percentile > 0.0 && r.percentile <= 100.0)) throw ToolUsageError{"--clip wants a percentile above 0"};
@@ -191,7 +195,7 @@ int PlotCommand::run(ToolArguments& arguments) {
   if (!r.colour.empty()) PlotImage::scale(r.colour);
 
   arguments.setSubject(arguments.positional()[0]);
-  vHandle<Store> store = StoreArgument::open(arguments.subject());
+  vHandle<Store> store = ToolViews::apply(StoreArgument::open(arguments.subject()), views);
   bool const seismic = !map && store->getClass() == vLCString("seismic");
   if (seismic && r.attribute.empty()) r.attribute = "TRACE";
   // A map data set may name its own x, y and value attributes.

@@ -67,7 +67,7 @@ int runCommand(ToolCommand const& command, int argc, char** argv) {
   } catch (ToolUsageError const& e) {
     ToolMessages::setSubject(command.name);
     std::fputs(ToolMessages::line(e.text).c_str(), stderr);
-    std::fputs(command.help, stderr);
+    if (!e.brief) std::fputs(command.help, stderr);
     return 2;
   } catch (ToolPipeClosed const&) {
     return 0;

@@ -22,9 +22,11 @@ ToolArguments::ToolArguments(std::string const& command, int argc, char** argv,
     std::size_t const equals = name.find('=');
     if (equals != std::string::npos) {
       m_values[name.substr(0, equals)] = name.substr(equals + 1);
+      m_repeated[name.substr(0, equals)].push_back(name.substr(equals + 1));
     } else if (valueOptions.count(name)) {
       if (i + 1 >= argc) throw ToolUsageError{"option --" + name + " needs a value"};
       m_values[name] = argv[++i];
+      m_repeated[name].push_back(m_values[name]);
     } else {
       m_flags.insert(name);
     }
@@ -40,6 +42,12 @@ std::string ToolArguments::value(std::string const& name, std::string const& fal
   m_asked.insert(name);
   auto const found = m_values.find(name);
   return found == m_values.end() ? fallback : found->second;
+}
+
+std::vector<std::string> ToolArguments::values(std::string const& name) {
+  m_asked.insert(name);
+  auto const found = m_repeated.find(name);
+  return found == m_repeated.end() ? std::vector<std::string>() : found->second;
 }
 
 unsigned long long ToolArguments::number(std::string const& name, unsigned long long fallback,

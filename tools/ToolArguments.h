@@ -20,6 +20,8 @@ class ToolArguments {
   bool flag(std::string const& name);
   // The value of an option, or the fallback when it was not given.
   std::string value(std::string const& name, std::string const& fallback);
+  // Every value of an option that may be repeated, in the order given.
+  std::vector<std::string> values(std::string const& name);
   bool has(std::string const& name) const { return m_values.count(name) != 0; }
   // A whole number of at least `minimum`; a usage error otherwise.
   unsigned long long number(std::string const& name, unsigned long long fallback, unsigned long long minimum);
@@ -36,14 +38,16 @@ class ToolArguments {
   std::string m_subject;
   std::vector<std::string> m_positional;
   std::map<std::string, std::string> m_values;
+  std::map<std::string, std::vector<std::string> > m_repeated;
   std::set<std::string> m_flags;
   std::set<std::string> m_asked;
 };
 
 // A mistake in the command line: the tool prints it with the command's
-// usage and exits with status 2.
+// usage (unless brief: the line says all) and exits with status 2.
 struct ToolUsageError {
   std::string text;
+  bool brief = false;
 };
 
 #endif
