@@ -6,6 +6,7 @@
 #include "decorator/StoreDecoratorFactory.h"
 #include "foundation/UtlExcept.h"
 #include "tools/StoreArgument.h"
+#include "tools/ToolRangeSelect.h"
 #include "tools/ToolArguments.h"  // ToolUsageError
 
 namespace {
@@ -73,6 +74,17 @@ vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
     }
     return out;
   }
+  if (spec.name == "select") {
+    expectCount(spec, 3, 3);
+    double const minimum = number(spec, spec.arguments[1]);
+    double const maximum = number(spec, spec.arguments[2]);
+    // Asked now, so that a wrong name is the SPEC's fault, not the read's.
+    vUCString const name = store->getAttribute(vUCString(spec.arguments[0].c_str())).getName();
+    vHandle<SelectStoreDecorator> select;
+    vHandle<Store> out = StoreDecoratorFactory::addSelect(store, select);
+    select->addOperator(vHandle<SelectOperatorBase>(new ToolRangeSelect(name, minimum, maximum)));
+    return out;
+  }
   if (spec.name == "bin") {
     expectCount(spec, 5, 5);
     Binner binner;
@@ -97,7 +109,7 @@ vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
     bind->addStore(StoreArgument::open(spec.rest));
     return out;
   }
-  refuse(spec, "no view '" + spec.name + "' (map, sort, bin, infill, restore-mute, bind)");
+  refuse(spec, "no view '" + spec.name + "' (map, select, sort, bin, infill, restore-mute, bind)");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 // next to the store). A SPEC is a view name, then ':' and its arguments
 // separated by commas:
 //   map:FILE.cstf                 the store under a mapping file's schema
+//   select:ATTR,MIN,MAX           instances with ATTR in MIN..MAX
 //   sort:KEY[,-KEY...]            sorted by keys ('-': descending)
 //   bin:ATTR,MIN,MAX,INC,WIDTH    ATTR snapped to bins of that width
 //   infill                        the two-key grid completed
@@ -26,6 +27,7 @@
   "  --view SPEC   stack a view over the store; repeat to stack more, the\n" \
   "                first next to the store. SPEC is one of:\n"              \
   "                  map:FILE.cstf               the schema of a mapping file\n" \
+  "                  select:ATTR,MIN,MAX         instances with ATTR in MIN..MAX\n" \
   "                  sort:KEY[,-KEY...]          sorted ('-': descending)\n" \
   "                  bin:ATTR,MIN,MAX,INC,WIDTH  ATTR snapped to bins\n"     \
   "                  infill                      the two-key grid completed\n" \
