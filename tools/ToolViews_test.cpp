@@ -57,6 +57,36 @@ TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
   EXPECT_EQ(std::string::npos, info.out.find("TRACE")) << info.out;
 }
 
+// DemoStores' line12: trace i (1 to 6) at CDP 100 + i, OFFSET 25 i, STATIC
+// 1.5 i - 4.
+TEST(RondoViews, BindAndInfillOverAPackedStore) {
+  fs_testing::TempDir dir;
+  ASSERT_EQ(0, shell(dir, "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/DemoStores' .").status);
+  std::string bound;
+  for (int i = 1; i <= 12; ++i)
+    bound += std::to_string(i) + "\t" + std::to_string(100 + (i - 1) % 6 + 1) + "\t" + (i <= 6 ? "1" : "2") + "\n";
+  Outcome const bind = tool(dir, "dump line12.store CDP,STORE.ID --view bind:line12.store");
+  EXPECT_EQ(0, bind.status) << bind.err;
+  EXPECT_EQ(bound, bind.out);
+
+  // Each CDP holds one offset, so the grid runs over the offsets of all
+  // CDPs (25 to 150) in the default step of 1; invented instances read zeros.
+  Outcome const infill = tool(dir, "dump line12.store CDP,OFFSET,STATIC --view infill");
+  EXPECT_EQ(0, infill.status) << infill.err;
+  std::istringstream lines(infill.out);
+  std::string line;
+  int n = 0, cdp = 0, offset = 0, real = 0;
+  double value = 0;
+  while (std::getline(lines, line)) {
+    ASSERT_EQ(4, std::sscanf(line.c_str(), "%d\t%d\t%d\t%lf", &n, &cdp, &offset, &value)) << line;
+    int const i = cdp - 100;
+    EXPECT_EQ(offset == 25 * i ? 1.5 * i - 4 : 0.0, value) << line;
+    real += offset == 25 * i;
+  }
+  EXPECT_EQ(6 * 126, n);
+  EXPECT_EQ(6, real);
+}
+
 TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 4, 4);
