@@ -6,6 +6,7 @@
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
+#include "filestore/disk/AttributeSetIndexingTable.h"
 #include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
 #include "foundation/SystemPropertyManager.h"
@@ -464,4 +465,18 @@ bool OffloadAttributeFile::prepareBuffer(AttributeSetBuffer&) { return false; }
 
 void OffloadAttributeFile::readBufferRange(AttributeSetBuffer&, unsigned int, unsigned int) {
   Message::fatal("OffloadAttributeFile::readBufferRange", 0, "OffloadAttributeFile needs to implement this method.");
+}
+
+void OffloadAttributeFile::locateByGroups(Attribute const& groupAttribute, unsigned int firstGroup,
+                                          unsigned int lastGroup, std::vector<unsigned int>& result) {
+  myOpenFile();
+  if (!m_index) m_index.reset(new AttributeSetIndexingTable(this));
+  m_index->locateByGroups(groupAttribute, firstGroup, lastGroup, result);
+}
+
+bool OffloadAttributeFile::getBufferRange(unsigned int& first, unsigned int& last) const {
+  if (m_buffer.empty()) return false;
+  first = m_bufferFirst;
+  last = m_bufferLast;
+  return true;
 }
