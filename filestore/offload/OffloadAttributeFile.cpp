@@ -265,8 +265,13 @@ void OffloadAttributeFile::mySetupGrid() {
   // Numbering bins needs no intervals; a file without them still reads.
   if (!(xlInterval > 0.0f)) xlInterval = 1.0f;
   if (!(ilInterval > 0.0f)) ilInterval = 1.0f;
-  m_grid = CMPBasicGrid(1, 1, h[12], h[14] ? h[14] : 1, h[10], h[11], h[13] ? h[13] : 1, h[9], vCoordinate(),
-                        ilInterval, xlInterval, 0.0);
+  // A dummy grid numbers the bins from 1 in both directions, for files
+  // whose line numbers or intervals are not to be trusted.
+  if (systemFlag("USEDUMMYGRID", false))
+    m_grid = CMPBasicGrid(1, 1, 1, 1, h[10], 1, 1, h[9], vCoordinate(), 1.0f, 1.0f, 0.0);
+  else
+    m_grid = CMPBasicGrid(1, 1, h[12], h[14] ? h[14] : 1, h[10], h[11], h[13] ? h[13] : 1, h[9], vCoordinate(),
+                          ilInterval, xlInterval, 0.0);
 }
 
 void OffloadAttributeFile::mySetupProperties() {

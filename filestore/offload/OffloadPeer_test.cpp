@@ -339,3 +339,27 @@ TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
   std::remove(f.file.c_str());
   std::remove(f.expect.c_str());
 }
+
+// A dummy grid numbers inlines and crosslines from 1 whatever the header
+// says; the header's own numbers stay in the properties.
+TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
+  Fixture const f = writeFixture("<", 2, 991, 0);
+  ::setenv("SP_OFFLOAD_USEDUMMYGRID", "true", 1);
+  OffloadDiskStore store;
+  store.open(vFilename(f.file.c_str()));
+  Attribute il("INLINE", "", vINT32), xl("CROSSLINE", "", vINT32), cmp("CMP", "", vINT32), unique("INLINE", "", vINT32);
+  store.read(il, 1, 12), store.read(xl, 1, 12), store.read(cmp, 1, 12);
+  store.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
+  ::unsetenv("SP_OFFLOAD_USEDUMMYGRID");
+  for (unsigned int i = 1; i <= 12; ++i) {
+    EXPECT_EQ(1 + static_cast<int>((i - 1) / 4), il.getInt32(i)) << i;
+    EXPECT_EQ(1 + static_cast<int>((i - 1) % 4), xl.getInt32(i)) << i;
+    EXPECT_EQ(static_cast<int>(i), cmp.getInt32(i)) << i;
+  }
+  ASSERT_EQ(3u, unique.getNInstances());
+  EXPECT_EQ(3, unique.getInt32(1));
+  EXPECT_EQ(1, unique.getInt32(3));
+  EXPECT_EQ(vString("10"), store.getFile().getProperties().findProperty(vUCString("FIRST_INLINE"))->getString());
+  std::remove(f.file.c_str());
+  std::remove(f.expect.c_str());
+}
