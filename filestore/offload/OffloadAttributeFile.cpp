@@ -6,6 +6,7 @@
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
+#include "filestore/disk/AttributeSetIndexingTable.h"
 #include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
 #include "foundation/SystemPropertyManager.h"
@@ -264,8 +265,13 @@ void OffloadAttributeFile::mySetupGrid() {
   // Numbering bins needs no intervals; a file without them still reads.
   if (!(xlInterval > 0.0f)) xlInterval = 1.0f;
   if (!(ilInterval > 0.0f)) ilInterval = 1.0f;
-  m_grid = CMPBasicGrid(1, 1, h[12], h[14] ? h[14] : 1, h[10], h[11], h[13] ? h[13] : 1, h[9], vCoordinate(),
-                        ilInterval, xlInterval, 0.0);
+  // A dummy grid numbers the bins from 1 in both directions, for files
+  // whose line numbers or intervals are not to be trusted.
+  if (systemFlag("USEDUMMYGRID", false))
+    m_grid = CMPBasicGrid(1, 1, 1, 1, h[10], 1, 1, h[9], vCoordinate(), 1.0f, 1.0f, 0.0);
+  else
+    m_grid = CMPBasicGrid(1, 1, h[12], h[14] ? h[14] : 1, h[10], h[11], h[13] ? h[13] : 1, h[9], vCoordinate(),
+                          ilInterval, xlInterval, 0.0);
 }
 
 void OffloadAttributeFile::mySetupProperties() {
@@ -464,4 +470,18 @@ bool OffloadAttributeFile::prepareBuffer(AttributeSetBuffer&) { return false; }
 
 void OffloadAttributeFile::readBufferRange(AttributeSetBuffer&, unsigned int, unsigned int) {
   Message::fatal("OffloadAttributeFile::readBufferRange", 0, "OffloadAttributeFile needs to implement this method.");
+}
+
+void OffloadAttributeFile::locateByGroups(Attribute const& groupAttribute, unsigned int firstGroup,
+                                          unsigned int lastGroup, std::vector<unsigned int>& result) {
+  myOpenFile();
+  if (!m_index) m_index.reset(new AttributeSetIndexingTable(this));
+  m_index->locateByGroups(groupAttribute, firstGroup, lastGroup, result);
+}
+
+bool OffloadAttributeFile::getBufferRange(unsigned int& first, unsigned int& last) const {
+  if (m_buffer.empty()) return false;
+  first = m_bufferFirst;
+  last = m_bufferLast;
+  return true;
 }

@@ -29,6 +29,7 @@
 // map, each bin written having a fold of 1.
 
 #include <list>
+#include <memory>
 #include <vector>
 
 #include "attribute/KeyList.h"
@@ -38,6 +39,8 @@
 #include "foundation/vHandle.h"
 #include "geometry/CMPBasicGrid.h"
 #include "syslayer/FS.h"
+
+class AttributeSetIndexingTable;
 
 class OffloadAttributeFile : public AttributeFile {
  public:
@@ -101,6 +104,13 @@ class OffloadAttributeFile : public AttributeFile {
                           std::vector<unsigned int> const& positions);
   void readRangeScattered(std::vector<Attribute*> const& attributes, unsigned int first, unsigned int last,
                           std::vector<unsigned int> const& positions);
+  // The instances of groups first to last of the attribute, group after
+  // group; groups are its distinct values in ascending order, counted
+  // from 1, and a last group of 0 means the last one.
+  void locateByGroups(Attribute const& groupAttribute, unsigned int firstGroup, unsigned int lastGroup,
+                      std::vector<unsigned int>& result);
+  // The instances whose records the buffer holds; false when it holds none.
+  bool getBufferRange(unsigned int& first, unsigned int& last) const;
   // The header words as this machine reads them.
   std::vector<int> const& getHeader();
   bool isSwapped();
@@ -152,6 +162,8 @@ class OffloadAttributeFile : public AttributeFile {
   double m_offsetBin;
   bool m_useGenerated;
   bool m_useGeneratedCmp;
+  // Group tables, built at the first group question.
+  std::unique_ptr<AttributeSetIndexingTable> m_index;
   // New files.
   bool m_created;
   bool m_laidOut;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "filestore/disk/AttributeSetIndexingTable.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
@@ -477,6 +478,7 @@ void OffloadAttributeFile::myWriteWords(long long record, void const* data, long
 }
 
 void OffloadAttributeFile::writeRange(Attribute const& attribute, unsigned int first, unsigned int last) {
+  if (m_index) m_index->clearCache();  // the group tables may no longer hold
   char const* const label = "OffloadAttributeFile::writeRange";
   if (m_created && !m_laidOut) myDoCreation();
   myOpenFile();

@@ -10,9 +10,11 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "filestore/offload/OffloadDiskStore.h"
@@ -281,4 +283,83 @@ TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
     std::remove(f.file.c_str());
     std::remove(f.expect.c_str());
   }
+}
+
+// Groups of a grid key and of a table attribute, against the values the
+// writer put in; and the buffer's range follows the reads.
+TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
+  Fixture const f = writeFixture(">", 1, 995, 1);
+  std::vector<std::vector<double>> const rows = expected(f.expect);
+  OffloadDiskStore store;
+  store.open(vFilename(f.file.c_str()));
+  OffloadAttributeFile& file = store.getFile();
+  unsigned int first = 99, last = 99;
+  EXPECT_FALSE(file.getBufferRange(first, last));
+
+  std::map<double, std::vector<unsigned int>> byCdp;
+  for (unsigned int i = 1; i <= rows.size(); ++i) byCdp[rows[i - 1][2]].push_back(i);
+  std::vector<unsigned int> cdpGroups23;
+  for (auto it = std::next(byCdp.begin()); it != std::next(byCdp.begin(), 3); ++it)
+    cdpGroups23.insert(cdpGroups23.end(), it->second.begin(), it->second.end());
+  std::vector<unsigned int> cdpLast;
+  for (unsigned int i : byCdp.rbegin()->second) cdpLast.push_back(i);
+
+  struct Case {
+    char const* name;
+    DataType type;
+    unsigned int first, last;
+    std::vector<unsigned int> want;
+  };
+  for (Case const& c : std::vector<Case>{{"INLINE", vINT32, 2, 3, {5, 6, 7, 8, 9, 10, 11, 12}},
+                                         {"CROSSLINE", vINT32, 2, 0, {2, 6, 10, 3, 7, 11, 4, 8, 12}},
+                                         {"CDP", vINT32, 2, 3, cdpGroups23},
+                                         {"CDP", vFLOAT64, static_cast<unsigned int>(byCdp.size()), 0, cdpLast}}) {
+    std::vector<unsigned int> got;
+    file.locateByGroups(Attribute(c.name, "", c.type), c.first, c.last, got);
+    EXPECT_EQ(c.want, got) << c.name << " " << c.first << ".." << c.last;
+  }
+  for (auto const& [from, to, text] : std::vector<std::tuple<unsigned int, unsigned int, std::string>>{
+           {0, 2, "first instance must be >0, yours was 0"},
+           {3, 2, "first instance 3 must be <= last instance 2."},
+           {1, 4, "last instance 4 must be <= number of instances 3."}}) {
+    std::vector<unsigned int> got;
+    EXPECT_EQ(text, reason([&] { file.locateByGroups(Attribute("INLINE", "", vINT32), from, to, got); }));
+  }
+  EXPECT_EQ(0u, reason([&] {
+                  std::vector<unsigned int> got;
+                  file.locateByGroups(Attribute("TRACE.I16", "", vINT16), 1, 0, got);
+                }).find("Can only function with Int32, Int64, Float32 and Float64 groups"));
+
+  // Reads trim to live bins (1 and 12 are dead) and read ahead to the last live one.
+  Attribute cdp("CDP", "", vINT32);
+  file.readRange(cdp, 1, 3);
+  ASSERT_TRUE(file.getBufferRange(first, last));
+  EXPECT_EQ(2u, first);
+  EXPECT_EQ(11u, last);
+  std::remove(f.file.c_str());
+  std::remove(f.expect.c_str());
+}
+
+// A dummy grid numbers inlines and crosslines from 1 whatever the header
+// says; the header's own numbers stay in the properties.
+TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
+  Fixture const f = writeFixture("<", 2, 991, 0);
+  ::setenv("SP_OFFLOAD_USEDUMMYGRID", "true", 1);
+  OffloadDiskStore store;
+  store.open(vFilename(f.file.c_str()));
+  Attribute il("INLINE", "", vINT32), xl("CROSSLINE", "", vINT32), cmp("CMP", "", vINT32), unique("INLINE", "", vINT32);
+  store.read(il, 1, 12), store.read(xl, 1, 12), store.read(cmp, 1, 12);
+  store.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
+  ::unsetenv("SP_OFFLOAD_USEDUMMYGRID");
+  for (unsigned int i = 1; i <= 12; ++i) {
+    EXPECT_EQ(1 + static_cast<int>((i - 1) / 4), il.getInt32(i)) << i;
+    EXPECT_EQ(1 + static_cast<int>((i - 1) % 4), xl.getInt32(i)) << i;
+    EXPECT_EQ(static_cast<int>(i), cmp.getInt32(i)) << i;
+  }
+  ASSERT_EQ(3u, unique.getNInstances());
+  EXPECT_EQ(3, unique.getInt32(1));
+  EXPECT_EQ(1, unique.getInt32(3));
+  EXPECT_EQ(vString("10"), store.getFile().getProperties().findProperty(vUCString("FIRST_INLINE"))->getString());
+  std::remove(f.file.c_str());
+  std::remove(f.expect.c_str());
 }
