@@ -88,28 +88,28 @@ void minMaxOf(KvsArrayRec* a, const unsigned char* p, long n) {
   }
   if (!any) return;
   tlo = static_cast<T>(lo), thi = static_cast<T>(hi);
-  // Eight running pairs side by side, so that no compare waits on the
-  // one before it; a single pair made this loop the slowest step of a
-  // large transfer.
-  constexpr int kLanes = 8;
-  T los[kLanes], his[kLanes];
-  for (int k = 0; k < kLanes; ++k) los[k] = tlo, his[k] = thi;
-  auto take = [&](int k, long at) {
+  // Four running pairs side by side, held in named locals so that they
+  // stay in registers and no compare waits on the one before it; a single
+  // pair made this loop the slowest step of a large transfer.
+  auto take = [p](T& l, T& h, long at) {
     std::uint32_t w;
     std::memcpy(&w, p + at * static_cast<long>(sizeof(T)), 4);
     T v;
     std::memcpy(&v, p + at * static_cast<long>(sizeof(T)), sizeof(T));
     bool null = w == KvsNullWord;
-    los[k] = (!null && v < los[k]) ? v : los[k];
-    his[k] = (!null && v > his[k]) ? v : his[k];
+    l = (!null && v < l) ? v : l;
+    h = (!null && v > h) ? v : h;
   };
-  for (; i + kLanes <= n; i += kLanes)
-    for (int k = 0; k < kLanes; ++k) take(k, i + k);
-  for (; i < n; ++i) take(0, i);
-  for (int k = 0; k < kLanes; ++k) {
-    tlo = los[k] < tlo ? los[k] : tlo;
-    thi = his[k] > thi ? his[k] : thi;
+  T l0 = tlo, l1 = tlo, l2 = tlo, l3 = tlo, h0 = thi, h1 = thi, h2 = thi, h3 = thi;
+  for (; i + 4 <= n; i += 4) {
+    take(l0, h0, i);
+    take(l1, h1, i + 1);
+    take(l2, h2, i + 2);
+    take(l3, h3, i + 3);
   }
+  for (; i < n; ++i) take(l0, h0, i);
+  tlo = std::min(std::min(l0, l1), std::min(l2, l3));
+  thi = std::max(std::max(h0, h1), std::max(h2, h3));
   a->min = std::min(lo, static_cast<double>(tlo));
   a->max = std::max(hi, static_cast<double>(thi));
   a->haveMinMax = true;
