@@ -77,6 +77,17 @@ bool sendFileChunks(int fd, int file, off_t at, std::size_t n) {
   return true;
 }
 
+bool writeAll(int file, const unsigned char* p, std::size_t n) {
+  while (n > 0) {
+    ssize_t w = ::write(file, p, n);
+    if (w < 0 && errno == EINTR) continue;
+    if (w < 1) return false;
+    p += w;
+    n -= static_cast<std::size_t>(w);
+  }
+  return true;
+}
+
 }  // namespace
 
 std::string KvsdEncodeName(const std::string& name) {
@@ -368,6 +379,9 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
             std::fwrite(paramBlock.data(), 1, paramBlock.size(), out) == paramBlock.size();
   for (std::size_t a = 0; ok && a < heads.size(); ++a)
     ok = std::fwrite(heads[a].b, 1, kvs::KvsMsgSize, out) == kvs::KvsMsgSize;
+  // The records went through the stream's buffer; the column data go
+  // straight from the frame buffer to the file, a frame per write.
+  ok = std::fflush(out) == 0 && ok;
   for (std::size_t a = 0; ok && a < heads.size(); ++a) {
     long left = heads[a].num(256);
     while (ok && left > 0) {
@@ -376,11 +390,10 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
         ok = false;
         break;
       }
-      ok = std::fwrite(buf.data(), 1, static_cast<std::size_t>(n), out) == static_cast<std::size_t>(n);
+      ok = writeAll(fileno(out), buf.data(), static_cast<std::size_t>(n));
       left -= n;
     }
   }
-  ok = std::fflush(out) == 0 && ok;
   std::fclose(out);
   if (!ok) {
     fs::remove(tmp, ec);
