@@ -184,6 +184,21 @@ TEST_F(KvsClient, RowsTravelInKeyOrder) {
   EXPECT_EQ(KvsLocate(col, &twenty), -1);
 }
 
+TEST_F(KvsClient, NullKeysStayHome) {
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "NK", 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
+  std::vector<int> shot(1500, 7);
+  std::memcpy(&shot[1100], kvsNull, 4);
+  KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot.data(), 0L);
+  ASSERT_EQ(KvsWrite(t, 1500), 1500);
+  EXPECT_EQ(KvsVerifyKeys(session), KvsErrClass);
+  EXPECT_EQ(KvsVerifyKeys(t), 1);
+  EXPECT_EQ(KvsTestLog().back(), "%E Key SHOT of table SHOTS is null at row 1100");
+  EXPECT_NE(KvsReplace(ds), 0);
+  KvsClose(ds);
+  EXPECT_EQ(KvsTest(KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "NK", 0L)), 15);
+}
+
 TEST_F(KvsClient, ErrorsCarryTheirTexts) {
   KvsObject ds = writeShots("L3", 5);
   ASSERT_EQ(KvsInsert(ds), 0);

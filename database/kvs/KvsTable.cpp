@@ -206,6 +206,34 @@ long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
   return n;
 }
 
+int KvsVerifyKeys(KvsObject o) {
+  if (!KvsCheckClass(o, kvsTableClass, "KvsVerifyKeys")) return KvsErrClass;
+  auto* t = static_cast<KvsTableRec*>(o);
+  if (t->type == "SPR") return 0;
+  std::vector<unsigned char> block;
+  for (KvsArrayRec* a : arraysOf(t)) {
+    if (a->key != 1 && a->key != 2) continue;
+    if (a->rows != t->rows)
+      return _KvsLog(KvsErrGeneral, "%%E Column %s of table %s has %ld rows, not %ld", a->name.c_str(),
+                     t->name.c_str(), a->rows, t->rows);
+    if (!a->fmt) continue;  // a text key has no null marker
+    block.resize(static_cast<std::size_t>(KvsPageRows) * a->elem);
+    for (long row = 0; row < a->rows; row += KvsPageRows) {
+      long n = std::min(KvsPageRows, a->rows - row);
+      if (!io(a, row, block.data(), n, false))
+        return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str());
+      for (long i = 0; i < n; ++i) {
+        std::uint32_t w;
+        std::memcpy(&w, &block[static_cast<std::size_t>(i) * a->elem], 4);
+        if (w == KvsNullWord)
+          return _KvsLog(KvsErrGeneral, "%%E Key %s of table %s is null at row %ld", a->name.c_str(),
+                         t->name.c_str(), row + i);
+      }
+    }
+  }
+  return 0;
+}
+
 long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n) {
   n = std::max(0L, std::min(n, a->rows - a->pos));
   if (n && !io(a, a->pos, rows, n, false))
@@ -333,6 +361,7 @@ int KvsTableSend(KvsTableRec* t, char command) {
   auto* d = static_cast<KvsDatasetRec*>(t->parent);
   KvsSessionRec* s = KvsSessionOf(t);
   if (!d || !s) return _KvsLog(KvsErrClass, "%%E %s : argument object should be %s KvsObject class", "KvsReplace", "Table");
+  if (int rc = KvsVerifyKeys(t)) return rc;
   if (int rc = sortByKeys(t)) return rc;
   std::vector<KvsArrayRec*> arrays = arraysOf(t);
   KvsMsgInit(s, command);
