@@ -189,8 +189,15 @@ TEST_F(KvsClient, NullKeysStayHome) {
   KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
   std::vector<int> shot(1500, 7);
   std::memcpy(&shot[1100], kvsNull, 4);
-  KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot.data(), 0L);
-  ASSERT_EQ(KvsWrite(t, 1500), 1500);
+  float x[3] = {};
+  KvsObject s = KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot.data(), 0L);
+  KvsObject a = KvsCreate(t, KvsNname, "X", KvsNdata, x, 0L);
+  ASSERT_EQ(KvsWrite(s, 1500), 1500);
+  ASSERT_EQ(KvsWrite(a, 3), 3);
+  EXPECT_EQ(KvsCheck(t), KvsErrClass);
+  EXPECT_EQ(KvsTestLog().back(), "%E KvsCheck : argument object should be Dataset KvsObject class");
+  EXPECT_EQ(KvsCheck(ds), 1);
+  EXPECT_EQ(KvsTestLog().back(), "%E Column X of table SHOTS has 3 rows, not 1500");
   EXPECT_EQ(KvsVerifyKeys(session), KvsErrClass);
   EXPECT_EQ(KvsVerifyKeys(t), 1);
   EXPECT_EQ(KvsTestLog().back(), "%E Key SHOT of table SHOTS is null at row 1100");

@@ -234,6 +234,20 @@ int KvsVerifyKeys(KvsObject o) {
   return 0;
 }
 
+int KvsCheck(KvsObject o) {
+  if (!KvsCheckClass(o, kvsDatasetClass, "KvsCheck")) return KvsErrClass;
+  for (KvsObject c : o->children) {
+    if (c->cls != &kvsTableClass) continue;
+    auto* t = static_cast<KvsTableRec*>(c);
+    for (KvsArrayRec* a : arraysOf(t))
+      if (a->rows != t->rows)
+        return _KvsLog(KvsErrGeneral, "%%E Column %s of table %s has %ld rows, not %ld", a->name.c_str(),
+                       t->name.c_str(), a->rows, t->rows);
+    if (int rc = KvsVerifyKeys(t)) return rc;
+  }
+  return 0;
+}
+
 long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n) {
   n = std::max(0L, std::min(n, a->rows - a->pos));
   if (n && !io(a, a->pos, rows, n, false))
