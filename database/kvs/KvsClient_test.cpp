@@ -184,6 +184,23 @@ TEST_F(KvsClient, RowsTravelInKeyOrder) {
   EXPECT_EQ(KvsLocate(col, &twenty), -1);
 }
 
+// A table file cut short under the daemon: the reader gets an error, not a
+// hang, and the daemon goes on serving.
+TEST_F(KvsClient, TruncatedTableFileFailsTheSelect) {
+  KvsObject ds = writeShots("TR", 20000);
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  KvsClose(ds);
+  int cut = 0;
+  for (auto& e : std::filesystem::recursive_directory_iterator(scratch.root + "/kvsd"))
+    if (e.path().extension() == ".tab") std::filesystem::resize_file(e.path(), e.file_size() - 1000), ++cut;
+  ASSERT_EQ(cut, 1);
+  EXPECT_EQ(KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "TR", KvsNversion, "v1", 0L), nullptr);
+  EXPECT_EQ(KvsError(), 4);
+  EXPECT_TRUE(logged("%E Could not receive data from server on 127.0.0.1")) << KvsErrorString();
+  ds = writeShots("OK", 10);
+  EXPECT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+}
+
 TEST_F(KvsClient, NullKeysStayHome) {
   KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "NK", 0L);
   KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
