@@ -62,6 +62,10 @@ int KvsLseek(KvsObject o, long row);
 // The first row from the current one whose value equals *value (given in
 // the caller's format), which becomes the current row; -1 if none.
 long KvsLocate(KvsObject array, const void* value);
+// 0 when every key column of the table holds a value on every row.
+int KvsVerifyKeys(KvsObject table);
+// 0 when every table of the dataset is whole: columns of one length, keys set.
+int KvsCheck(KvsObject dataset);
 // n numeric values from one format code to another, nulls kept as nulls.
 int KvsConvert(const void* in, unsigned int fromFmt, void* out, unsigned int toFmt, long n);
 int KvsClose(KvsObject o);

@@ -184,6 +184,45 @@ TEST_F(KvsClient, RowsTravelInKeyOrder) {
   EXPECT_EQ(KvsLocate(col, &twenty), -1);
 }
 
+// A table file cut short under the daemon: the reader gets an error, not a
+// hang, and the daemon goes on serving.
+TEST_F(KvsClient, TruncatedTableFileFailsTheSelect) {
+  KvsObject ds = writeShots("TR", 20000);
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  KvsClose(ds);
+  int cut = 0;
+  for (auto& e : std::filesystem::recursive_directory_iterator(scratch.root + "/kvsd"))
+    if (e.path().extension() == ".tab") std::filesystem::resize_file(e.path(), e.file_size() - 1000), ++cut;
+  ASSERT_EQ(cut, 1);
+  EXPECT_EQ(KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "TR", KvsNversion, "v1", 0L), nullptr);
+  EXPECT_EQ(KvsError(), 4);
+  EXPECT_TRUE(logged("%E Could not receive data from server on 127.0.0.1")) << KvsErrorString();
+  ds = writeShots("OK", 10);
+  EXPECT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+}
+
+TEST_F(KvsClient, NullKeysStayHome) {
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "NK", 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
+  std::vector<int> shot(1500, 7);
+  std::memcpy(&shot[1100], kvsNull, 4);
+  float x[3] = {};
+  KvsObject s = KvsCreate(t, KvsNname, "SHOT", KvsNdata, shot.data(), 0L);
+  KvsObject a = KvsCreate(t, KvsNname, "X", KvsNdata, x, 0L);
+  ASSERT_EQ(KvsWrite(s, 1500), 1500);
+  ASSERT_EQ(KvsWrite(a, 3), 3);
+  EXPECT_EQ(KvsCheck(t), KvsErrClass);
+  EXPECT_EQ(KvsTestLog().back(), "%E KvsCheck : argument object should be Dataset KvsObject class");
+  EXPECT_EQ(KvsCheck(ds), 1);
+  EXPECT_EQ(KvsTestLog().back(), "%E Column X of table SHOTS has 3 rows, not 1500");
+  EXPECT_EQ(KvsVerifyKeys(session), KvsErrClass);
+  EXPECT_EQ(KvsVerifyKeys(t), 1);
+  EXPECT_EQ(KvsTestLog().back(), "%E Key SHOT of table SHOTS is null at row 1100");
+  EXPECT_NE(KvsReplace(ds), 0);
+  KvsClose(ds);
+  EXPECT_EQ(KvsTest(KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "NK", 0L)), 15);
+}
+
 TEST_F(KvsClient, ErrorsCarryTheirTexts) {
   KvsObject ds = writeShots("L3", 5);
   ASSERT_EQ(KvsInsert(ds), 0);

@@ -189,7 +189,12 @@ TEST(KvsFault, TableAndArrayRecordsAsSent) {
   });
   setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
   ASSERT_EQ(KvsInit(), 0);
-  std::vector<float> x = {2.5f, 1.5f, 3.5f};
+  // The extremes sit past the first eight rows, beside a null that would
+  // be the smallest value if it were counted.
+  std::vector<float> x(19, 2.5f);
+  x[13] = -7.5f, x[17] = 9.5f;
+  std::uint32_t null = KvsNullWord;
+  std::memcpy(&x[10], &null, 4);
   EXPECT_EQ(KvsReplace(floatTable(KvsFirst(KvsRoot()), "L9", x)), 1);
   EXPECT_EQ(KvsTestLog().back(), "%W SEIS L9  for RCVS could not be replaced");
   auto field = [](const KvsMsg& m, std::size_t off, std::size_t n) {
@@ -198,10 +203,10 @@ TEST(KvsFault, TableAndArrayRecordsAsSent) {
   EXPECT_EQ(field(table, 120, 8), std::string("\1R\0T\1\0\0\1", 8));
   EXPECT_EQ(field(table, 128, 16), std::string("SEIS\0\0\0\0RCVS\0\0\0\0", 16));
   EXPECT_EQ(table.text(144, 16) + "|" + table.text(176, 8) + "|" + table.text(224, 32), "L9|RCV|RCVS");
-  EXPECT_EQ(field(table, 272, 10) + field(table, 288, 10), "         1         3");
+  EXPECT_EQ(field(table, 272, 10) + field(table, 288, 10), "         1        19");
   EXPECT_EQ(array.object(), 'A');
   EXPECT_EQ(array.text(192, 8) + "|" + array.text(200, 8) + "|" + array.text(224, 32), "X|0|X");
-  EXPECT_EQ(field(array, 256, 10) + field(array, 288, 10), "        12         3");
+  EXPECT_EQ(field(array, 256, 10) + field(array, 288, 10), "        76        19");
   EXPECT_EQ(array.text(304, 8) + "|" + array.text(312, 8), "FLT|%g");
-  EXPECT_EQ(array.text(352, 16) + "|" + array.text(368, 16), "1.5|3.5");
+  EXPECT_EQ(array.text(352, 16) + "|" + array.text(368, 16), "-7.5|9.5");
 }
