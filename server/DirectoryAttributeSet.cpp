@@ -1,6 +1,6 @@
 #include "server/DirectoryAttributeSet.h"
 
-#include <vector>
+#include <cstring>
 
 #include "attribute/Attribute.h"
 #include "foundation/Message.h"
@@ -56,13 +56,15 @@ void DirectoryAttributeSet::read(Attribute& attribute, unsigned int first, unsig
     return;
   }
   Attribute part = getAttribute(attribute.getName());
-  std::vector<unsigned char> bytes;
+  // Each piece goes straight to its place in the caller's block.
+  attribute.resize(last - first + 1);
+  unsigned char* out = static_cast<unsigned char*>(attribute.getPointer(1));
   for (unsigned int at = first;; at += kPiece) {
     unsigned int const end = last - at < kPiece ? last : at + kPiece - 1;
     CapiAttributeSetW::read(part, at, end);
-    unsigned char const* data = static_cast<unsigned char const*>(part.getPointer(1));
-    bytes.insert(bytes.end(), data, data + part.getTotalNBytes());
+    std::size_t const n = static_cast<std::size_t>(part.getTotalNBytes());
+    std::memcpy(out, part.getPointer(1), n);
+    out += n;
     if (end == last) break;
   }
-  attribute.copyData(last - first + 1, bytes.data());
 }

@@ -78,7 +78,8 @@ vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
     expectCount(spec, 3, 3);
     double const minimum = number(spec, spec.arguments[1]);
     double const maximum = number(spec, spec.arguments[2]);
-    // Asked now, so that a wrong name is the SPEC's fault, not the read's.
+    // Looked up now, so that a wrong attribute name is reported against the
+    // --view argument that gave it, not against the first read.
     vUCString const name = store->getAttribute(vUCString(spec.arguments[0].c_str())).getName();
     vHandle<SelectStoreDecorator> select;
     vHandle<Store> out = StoreDecoratorFactory::addSelect(store, select);

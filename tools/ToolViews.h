@@ -1,10 +1,10 @@
 #ifndef TOOLS_TOOLVIEWS_H
 #define TOOLS_TOOLVIEWS_H
 
-// ToolViews: the views a user stacks over a store with "--view SPEC",
+// ToolViews: the views a user stacks over a store with "--view",
 // each through the decorator factory, in the order given (the first is
-// next to the store). A SPEC is a view name, then ':' and its arguments
-// separated by commas:
+// next to the store). Each --view argument is a view name, then ':' and
+// its arguments separated by commas:
 //   map:FILE.cstf                 the store under a mapping file's schema
 //   select:ATTR,MIN,MAX           instances with ATTR in MIN..MAX
 //   sort:KEY[,-KEY...]            sorted by keys ('-': descending)
@@ -12,8 +12,8 @@
 //   infill                        the two-key grid completed
 //   restore-mute                  vector attributes from time zero
 //   bind:STORE                    STORE bound after the store (whole rest)
-// A SPEC the tool cannot follow, or a view that refuses its arguments, is
-// a usage error in one line.
+// An argument the tool cannot follow, or a view that refuses its
+// arguments, is a usage error in one line.
 
 #include <string>
 #include <vector>
