@@ -491,76 +491,50 @@ void printToErrors() {
 
 using RondoDataDeathTest = RondoData;
 
-TEST_F(RondoDataDeathTest, AStoreThatDoesNotOpenEndsTheHost) {
-  EXPECT_EXIT(
-      {
-        open("gone");
-        printToErrors();
-        RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, "gone", "nosuch"), infoSink());
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(255),
-      literally("Can't open project\nReason: 'Server said:-o Store nosuch version 0 is not in project gone. in method "
-                "'COBPortal::myMessage'\n"));
-  // A load of version 1 where the project has version 3 only.
-  EXPECT_EXIT(
-      {
-        open("gone");
-        printToErrors();
-        RONDO_JNI(RondoLoadAttributeF)(jvm(), nullptr, descriptor(kServer, "gone", "late"), jstr("TRACE"), newFloats(4),
-                                       0, 1);
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(255),
-      literally("Can't open project\nReason: 'Server said:-o Store late version 1 is not in project gone. in method "
-                "'COBPortal::myMessage'\n"));
-}
+// Runs call in a child that opened project (unless ""), with its printing
+// sent where the death test looks; the host must end with text.
+#define EXPECT_HOST_ENDS(project, call, text)                                 \
+  EXPECT_EXIT(                                                                \
+      {                                                                       \
+        if (std::string(project) != "") open(project);                        \
+        printToErrors();                                                      \
+        call;                                                                 \
+        std::exit(0);                                                         \
+      },                                                                      \
+      ::testing::ExitedWithCode(255), literally(text))
 
-TEST_F(RondoDataDeathTest, AProjectNeverOpenedEndsTheHost) {
-  EXPECT_EXIT(
-      {
-        printToErrors();
-        RONDO_JNI(RondoLoadAttributeI)(jvm(), nullptr, descriptor(kServer, "never", "line"), jstr("CDP"), newInts({0}));
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(255),
-      literally("Can't open project\nReason: 'Trying to get a NULL pointer in method 'vHandle::get()'\n"));
+TEST_F(RondoDataDeathTest, AStoreThatDoesNotOpenEndsTheHost) {
+  EXPECT_HOST_ENDS("gone", RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, "gone", "nosuch"), infoSink()),
+                   "Can't open project\nReason: 'Server said:-o Store nosuch version 0 is not in project gone. in method "
+                   "'COBPortal::myMessage'\n");
+  // A load of version 1 where the project has version 3 only.
+  EXPECT_HOST_ENDS("gone",
+                   RONDO_JNI(RondoLoadAttributeF)(jvm(), nullptr, descriptor(kServer, "gone", "late"), jstr("TRACE"),
+                                                  newFloats(4), 0, 1),
+                   "Can't open project\nReason: 'Server said:-o Store late version 1 is not in project gone. in method "
+                   "'COBPortal::myMessage'\n");
+  // A project never opened.
+  EXPECT_HOST_ENDS("",
+                   RONDO_JNI(RondoLoadAttributeI)(jvm(), nullptr, descriptor(kServer, "never", "line"), jstr("CDP"),
+                                                  newInts({0})),
+                   "Can't open project\nReason: 'Trying to get a NULL pointer in method 'vHandle::get()'\n");
 }
 
 TEST_F(RondoDataDeathTest, AFailureOfAnOpenStoreEndsTheHostWithItsReport) {
-  EXPECT_EXIT(
-      {
-        open("bad");
-        printToErrors();
-        RONDO_JNI(RondoLoadAttributeI)(jvm(), nullptr, descriptor(kServer, "bad", "line"), jstr("NOSUCH"),
-                                       newInts({0, 0, 0, 0, 0}));
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(255),
-      literally("\n====================== EXCEPTION TRACEBACK =======================\n"
-                "Server said:-o Attribute NOSUCH is not in the AttributeSet line.\n"
-                "   (Method=COBPortal::myMessage)\n"));
-  EXPECT_EXIT(
-      {
-        open("bad");
-        printToErrors();
-        RONDO_JNI(RondoLoadAttributeFromTabindexF)(jvm(), nullptr, descriptor(kServer, "bad", "line"),
-                                                   jstr("TRACE"), newInts({5}), 1, newFloats(4));
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(255),
-      literally("Server said:-o last instance 6 must be <= number of instances 5.\n"
-                "   (Method=COBPortal::myMessage)\n"));
-  EXPECT_EXIT(
-      {
-        open("bad");
-        printToErrors();
-        RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, "bad", "onekey"), infoSink());
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(255),
-      literally("Data set onekey has 1 key attributes; a primary and a secondary are needed.\n   "
-                "(Method=RondoGetDataInfo)"));
+  EXPECT_HOST_ENDS("bad",
+                   RONDO_JNI(RondoLoadAttributeI)(jvm(), nullptr, descriptor(kServer, "bad", "line"), jstr("NOSUCH"),
+                                                  newInts({0, 0, 0, 0, 0})),
+                   "\n====================== EXCEPTION TRACEBACK =======================\n"
+                   "Server said:-o Attribute NOSUCH is not in the AttributeSet line.\n"
+                   "   (Method=COBPortal::myMessage)\n");
+  EXPECT_HOST_ENDS("bad",
+                   RONDO_JNI(RondoLoadAttributeFromTabindexF)(jvm(), nullptr, descriptor(kServer, "bad", "line"),
+                                                              jstr("TRACE"), newInts({5}), 1, newFloats(4)),
+                   "Server said:-o last instance 6 must be <= number of instances 5.\n"
+                   "   (Method=COBPortal::myMessage)\n");
+  EXPECT_HOST_ENDS("bad", RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, "bad", "onekey"), infoSink()),
+                   "Data set onekey has 1 key attributes; a primary and a secondary are needed.\n   "
+                   "(Method=RondoGetDataInfo)");
 }
 
 }  // namespace
