@@ -163,6 +163,11 @@ TEST_F(COBPortalTest, ReportsOfTheServerBeforeTheReply) {
   EXPECT_EQ("COBPortal::myMessage: Server said:-o just so you know", infos()[0]);
   ASSERT_EQ(1u, errors().size());
   EXPECT_EQ("COBPortal::myMessage: Server said:-o something is odd", errors()[0]);
+  // An unknown ID is reported and ignored.
+  portal->dropID(99);
+  ASSERT_EQ(2u, errors().size());
+  EXPECT_EQ("COBPortal::dropID: PortalID 99 was not found, ignored.", errors()[1]);
+  EXPECT_EQ(1, portal->getNObjects());
 }
 
 // Each of these leaves the session out of step, so each has its own.
@@ -355,17 +360,6 @@ TEST_F(COBPortalTest, WhichHostsAreThisOne) {
   }
   COBPortal portal(&other, nullptr);
   EXPECT_TRUE(portal.getAddress().isRemote());
-}
-
-TEST_F(COBPortalTest, UnknownIdsAreReportedAndIgnored) {
-  vHandle<COBPortal> portal = startPortal();
-  TestCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
-  portal->dropID(99);
-  ASSERT_EQ(1u, errors().size());
-  EXPECT_EQ("COBPortal::dropID: PortalID 99 was not found, ignored.", errors()[0]);
-  EXPECT_EQ(1, catalog.describe().twins);
-  EXPECT_EQ(1, portal->getNObjects());
 }
 
 // The remote shell is asked before a server on another host is started.

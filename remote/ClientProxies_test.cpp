@@ -110,15 +110,11 @@ TEST_F(ClientProxies, ServerCommandComesFromThePropertyThenVServer) {
       "ClientProjectCatalog::ClientProjectCatalog: Should not get here for Dorn projects. Check that the links "
       "/dorn/xp/rel/TAO & Oracle exist and recompile Dorn.",
       fatalText([] { ClientProjectCatalog catalog("", ProjectType::DORN, ""); }));
-}
-
-TEST_F(ClientProxies, AServerProgramThatIsNotThereIsNotWaitedFor) {
-  {
-    ScopedEnv server("VSERVER", "/nonexistent/DataServer");
-    EXPECT_EQ("ClientProjectCatalog::ClientProjectCatalog: The data server cannot be started: \"/nonexistent/DataServer "
-              "Rondo <$COBADDRESS$> -build " + std::to_string(vUtl::getBuildNumber()) + "\" names no program on this host.",
-              fatalText([&] { newCatalog(); }));
-  }
+  // A server program that is not there is not waited for.
+  ScopedEnv missing("VSERVER", "/nonexistent/DataServer");
+  EXPECT_EQ("ClientProjectCatalog::ClientProjectCatalog: The data server cannot be started: \"/nonexistent/DataServer "
+            "Rondo <$COBADDRESS$> -build " + std::to_string(vUtl::getBuildNumber()) + "\" names no program on this host.",
+            fatalText([&] { newCatalog(); }));
 }
 
 TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {

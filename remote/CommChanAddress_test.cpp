@@ -47,9 +47,7 @@ TEST_F(CommChanAddressTest, LocalFormsAndTheOperationsThatDoNotFitThem) {
   CommChanAddress remote(vString("Address:7000:10.1.2.3:nodeA"));
   EXPECT_EQ("CommChanAddress::getFilename: Address is not a local address.",
             fatalText([&] { remote.getFilename(); }));
-}
-
-TEST_F(CommChanAddressTest, IncompleteAddressesAreRefused) {
+  // Incomplete addresses are refused.
   EXPECT_EQ("CommChanAddress::CommChanAddress: Invalid remote host:Address:7000:.",
             fatalText([] { CommChanAddress(vString("Address:7000:")); }));
   EXPECT_EQ("CommChanAddress::CommChanAddress: Invalid local filename:Address:.",

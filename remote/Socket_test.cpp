@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -174,12 +175,10 @@ TEST_F(SocketTest, ConnectingEndLearnsTheOrderAtItsFirstReceive) {
 
 TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
   int const port = closedPort();
-  Socket blocking;
-  EXPECT_EQ(CommChan::NOTFOUND, blocking.connectRemote("localhost", port, 0.0f));
-  Socket waiting;
-  EXPECT_EQ(CommChan::NOTFOUND, waiting.connectRemote("localhost", port, 5.0f));
-  Socket forever;
-  EXPECT_EQ(CommChan::NOTFOUND, forever.connectRemote("localhost", port, CommChan::FOREVER));
+  for (float wait : {0.0f, 5.0f, CommChan::FOREVER}) {
+    Socket client;
+    EXPECT_EQ(CommChan::NOTFOUND, client.connectRemote("localhost", port, wait)) << wait;
+  }
 
   TempDir dir;
   Socket local;
@@ -449,22 +448,17 @@ TEST_F(SocketTest, PortRangeProperty) {
         std::exit(ok ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(
-      {
-        ::setenv("SP_COMMCHAN_USE_PORT_RANGE", "6000 5000", 1);
-        int port = 0;
-        std::string const text = fatalText([&] { CommChanMaker::remote(port); });
-        std::exit(text == "Socket::myBind: Invalid port range specified (6000:5000)!" ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(
-      {
-        ::setenv("SP_COMMCHAN_USE_PORT_RANGE", "80 90", 1);
-        int port = 0;
-        std::string const text = fatalText([&] { CommChanMaker::remote(port); });
-        std::exit(text == "Socket::myBind: Invalid port range specified (80:90)!" ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
+  for (auto const& bad : {std::make_pair("6000 5000", "6000:5000"), std::make_pair("80 90", "80:90")}) {
+    std::string const wanted = std::string("Socket::myBind: Invalid port range specified (") + bad.second + ")!";
+    EXPECT_EXIT(
+        {
+          ::setenv("SP_COMMCHAN_USE_PORT_RANGE", bad.first, 1);
+          int port = 0;
+          std::exit(fatalText([&] { CommChanMaker::remote(port); }) == wanted ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "")
+        << bad.first;
+  }
 }
 
 }  // namespace
