@@ -81,20 +81,16 @@ TEST(SegyBinaryHeader, WorksInTheCallersBlockOrCopiesIt) {
 }
 
 TEST(SegyBinaryHeader, AcceptsOnlyTheFormatCodesItKnows) {
-  for (int code : {6, 8}) {
+  for (int code : {6, 8, 0, 2, 125}) {
     segy_testing::SegyWriter w;
     w.formatCode = code;
     std::string const block = binaryHeaderOf(w);
     SegyBinaryHeader header(block.data());
-    EXPECT_EQ(code, header.getFormatCode());
-  }
-  for (int code : {0, 2, 125}) {
-    segy_testing::SegyWriter w;
-    w.formatCode = code;
-    std::string const block = binaryHeaderOf(w);
-    SegyBinaryHeader header(block.data());
-    expectFailure([&] { header.getFormatCode(); }, "SegyBinaryHeader::getFormatCode",
-                  "Unexpected format code " + std::to_string(code));
+    if (code == 6 || code == 8)
+      EXPECT_EQ(code, header.getFormatCode());
+    else
+      expectFailure([&] { header.getFormatCode(); }, "SegyBinaryHeader::getFormatCode",
+                    "Unexpected format code " + std::to_string(code));
   }
 }
 
