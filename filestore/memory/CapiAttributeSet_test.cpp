@@ -142,7 +142,7 @@ TEST(CapiAttributeSet, OpenReadsAndUpdateWrites) {
   EXPECT_EQ((std::vector<double>{9.0}), valuesOf(amp));
 }
 
-TEST(CapiAttributeSet, RangeChecksAndTheLastOfZero) {
+TEST(CapiAttributeSet, RangeChecksTheLastOfZeroAndListsThatAreRanges) {
   ProbeSet set;
   fill(set);
   Attribute amp = set.getAttribute("AMP");
@@ -155,12 +155,7 @@ TEST(CapiAttributeSet, RangeChecksAndTheLastOfZero) {
   EXPECT_EQ(4u, set.rangeReads[0].first);
   EXPECT_EQ(0u, set.rangeReads[0].second) << "a last of 0 reaches the read as 0";
   EXPECT_EQ((std::vector<double>{2.0, 2.5, 3.0}), valuesOf(amp));
-}
-
-TEST(CapiAttributeSet, ListsGoByRangeWhenTheyAreOne) {
-  ProbeSet set;
-  fill(set);
-  Attribute amp = set.getAttribute("AMP");
+  // Lists go by range when they are one.
   set.rangeReads.clear();
   set.read(amp, std::vector<unsigned int>{3, 4, 5});
   ASSERT_EQ(1u, set.rangeReads.size());
