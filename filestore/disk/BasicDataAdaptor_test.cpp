@@ -58,23 +58,31 @@ class BasicDataAdaptorTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(BasicDataAdaptorTest, OverAnAttributeSet) {
-  BasicDataAdaptor adaptor(&m_store);
-  expectReference(adaptor);
-  EXPECT_EQ("line3", std::string(adaptor.getName().c_str()));
-  // Failures are the set's own.
-  Attribute unknown("NOPE", "", vINT32);
-  expectFailure([&] { adaptor.read(unknown, 1, 1); }, "TestMemoryAttributeSet::read(range)",
-                "Attribute NOPE is not in the AttributeSet line3.");
-}
-
-TEST_F(BasicDataAdaptorTest, OverAnAttributeFile) {
-  BasicDataAdaptor adaptor(m_file.get());
-  expectReference(adaptor);
-  EXPECT_EQ("/d/line3.mem", std::string(adaptor.getName().c_str()));
-  Attribute unknown("NOPE", "", vINT32);
-  expectFailure([&] { adaptor.read(unknown, 1, 1); }, "MemoryAttributeFile::readRange",
-                "Attribute NOPE is not in the AttributeFile /d/line3.mem.");
+// Over a set and over a file alike; failures are the source's own.
+TEST_F(BasicDataAdaptorTest, OverAnAttributeSetOrAFile) {
+  BasicDataAdaptor overSet(&m_store);
+  BasicDataAdaptor overFile(m_file.get());
+  struct Case {
+    BasicDataAdaptor const& adaptor;
+    char const* name;
+    char const* label;
+    char const* text;
+  } const cases[] = {
+      {overSet, "line3", "TestMemoryAttributeSet::read(range)", "Attribute NOPE is not in the AttributeSet line3."},
+      {overFile, "/d/line3.mem", "MemoryAttributeFile::readRange",
+       "Attribute NOPE is not in the AttributeFile /d/line3.mem."},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.name);
+    expectReference(c.adaptor);
+    EXPECT_EQ(c.name, std::string(c.adaptor.getName().c_str()));
+    Attribute unknown("NOPE", "", vINT32);
+    expectFailure([&] { c.adaptor.read(unknown, 1, 1); }, c.label, c.text);
+  }
+  expectFailure([] { BasicDataAdaptor(static_cast<AttributeSet const*>(nullptr)); },
+                "BasicDataAdaptor::BasicDataAdaptor", "The AttributeSet given was null.");
+  expectFailure([] { BasicDataAdaptor(static_cast<AttributeFile*>(nullptr)); }, "BasicDataAdaptor::BasicDataAdaptor",
+                "The AttributeFile given was null.");
 }
 
 TEST_F(BasicDataAdaptorTest, IndexingTablesAgreeOverSetAndFile) {
@@ -95,11 +103,4 @@ TEST_F(BasicDataAdaptorTest, IndexingTablesAgreeOverSetAndFile) {
   overFile.locateByKeys(keys, fromFile);
   EXPECT_EQ((std::vector<unsigned int>{8, 1}), fromSet);
   EXPECT_EQ(fromSet, fromFile);
-}
-
-TEST(BasicDataAdaptor, RefusesNull) {
-  expectFailure([] { BasicDataAdaptor(static_cast<AttributeSet const*>(nullptr)); },
-                "BasicDataAdaptor::BasicDataAdaptor", "The AttributeSet given was null.");
-  expectFailure([] { BasicDataAdaptor(static_cast<AttributeFile*>(nullptr)); }, "BasicDataAdaptor::BasicDataAdaptor",
-                "The AttributeFile given was null.");
 }

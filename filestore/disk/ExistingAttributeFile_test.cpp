@@ -20,7 +20,7 @@ std::shared_ptr<MemoryVolume> registerVolume(char const* extension) {
 
 }  // namespace
 
-TEST(ExistingAttributeFile, OpensAFileByTheExampleOfItsExtension) {
+TEST(ExistingAttributeFile, OpensAndDeletesAFileByTheExampleOfItsExtension) {
   auto volume = registerVolume("memopen");
   volume->makeFile("/data/line1.memopen", {Attribute("CDP", "CDP", vINT32)}, 4);
 
@@ -45,13 +45,9 @@ TEST(ExistingAttributeFile, OpensAFileByTheExampleOfItsExtension) {
   again->readRange(back, 1, 4);
   EXPECT_EQ(9, back.getInt32(3));
   EXPECT_EQ(8, back.getInt32(4));
-}
-
-TEST(ExistingAttributeFile, DeletesAFileByTheExampleOfItsExtension) {
-  auto volume = registerVolume("memdelete");
-  volume->makeFile("gone.memdelete", {Attribute("X", "", vFLOAT32)}, 1);
-  ExistingAttributeFile::getInstance().deleteFile("gone.memdelete");
-  EXPECT_FALSE(volume->exists("gone.memdelete"));
+  // And deletes it by the same example.
+  ExistingAttributeFile::getInstance().deleteFile("/data/line1.memopen");
+  EXPECT_FALSE(volume->exists("/data/line1.memopen"));
 }
 
 TEST(ExistingAttributeFile, RefusesUnknownExtensionsNullExamplesAndSecondRegistrations) {
