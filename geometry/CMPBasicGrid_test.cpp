@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <sstream>
+#include <tuple>
 
 #include "foundation/TestFailure.h"
 
@@ -163,12 +164,7 @@ TEST(CMPBasicGrid, SGDValuesComeBack) {
     EXPECT_NEAR(6170000.25, y0, 1e-6);
     EXPECT_DOUBLE_EQ(az, ax);
     EXPECT_DOUBLE_EQ(az + turn, ay);
-    EXPECT_EQ(12.5f, dx);
-    EXPECT_EQ(25.0f, dy);
-    EXPECT_EQ(11, fi);
-    EXPECT_EQ(90, li);
-    EXPECT_EQ(101, fx);
-    EXPECT_EQ(400, lx);
+    EXPECT_EQ(std::make_tuple(12.5f, 25.0f, 11, 90, 101, 400), std::make_tuple(dx, dy, fi, li, fx, lx));
     EXPECT_EQ(g, CMPBasicGrid(x0, y0, ax, ay, dx, dy, fi, li, fx, lx));
   }
   expectFailure([] { CMPBasicGrid(0, 0, 0.0, 1.0, -1.0f, 2.0f, 0, 5, 3, 2); }, "CMPBasicGrid::myValidateSGDParameters",
