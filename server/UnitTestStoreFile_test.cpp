@@ -98,7 +98,7 @@ TEST_F(UnitTestStoreFile, VersionsOfOneStoreKeepTheirOwnData) {
   }
 }
 
-TEST_F(UnitTestStoreFile, AFileThatCannotBeHadFailsTheOpen) {
+TEST_F(UnitTestStoreFile, AFileThatCannotBeHadOrWrittenFails) {
   std::string const missing = m_dir.file("nowhere/gone.store");
   std::string const empty = m_dir.file("empty.store");
   std::ofstream(empty).close();
@@ -111,9 +111,7 @@ TEST_F(UnitTestStoreFile, AFileThatCannotBeHadFailsTheOpen) {
   ClientAttributeSet hollow(project);
   EXPECT_EQ(said("Store file '" + empty + "' of store hollow is empty."),
             fatalText([&] { hollow.open("hollow", 1, "", "", nullptr); }));
-}
-
-TEST(UnitTestStoreFileWrite, AFileThatCannotBeWrittenIsFatal) {
+  // Nor can a file that cannot be written be had.
   InMemoryStore store{vHandle<Project>()};
   store.create("x", "seismic", "2d", KeyList(), nullptr);
   EXPECT_EQ("writeUnitTestStoreFile: Store file '/nonexistent-dir/x.store' cannot be written.",
