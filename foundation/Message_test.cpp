@@ -298,16 +298,14 @@ TEST(MessageHandlers, TracebackVariableWrapsInstalledHandlersOnce) {
       ::testing::ExitedWithCode(0), "----- stack -----(.|\n)*checked");
 }
 
-TEST(MessageDeathTest, HandlerThatReturnsLeadsToAbort) {
+// A handler that returns, or a fatal message inside one, aborts.
+TEST(MessageDeathTest, HandlerThatReturnsOrRecursesLeadsToAbort) {
   EXPECT_EXIT(
       {
         RaiseError::getInstance()->install(new RecordingHandler);
         Message::fatal("Quiet::op", 0, "nobody throws");
       },
       ::testing::KilledBySignal(SIGABRT), "----- stack -----");
-}
-
-TEST(MessageDeathTest, RecursiveFatalAborts) {
   EXPECT_EXIT(
       {
         RaiseError::getInstance()->install(new ReentrantHandler);

@@ -77,9 +77,7 @@ TEST(SystemProperty, ValuesAndConversions) {
               "The value '0x' at index 5 is not a 32-bit integer! ");
   expectFatal([&] { numbers.getInt32Value(6); }, "SystemProperty::getInt32Value",
               "The value '4294967296' at index 6 is not a 32-bit integer! ");
-}
-
-TEST(SystemProperty, TrueTextsInAnyCase) {
+  // True texts, in any case.
   for (char const* t : {"YES", "True", "e", "On", " yes "})
     EXPECT_TRUE(SystemProperty::isTrueText(t)) << t;
   for (char const* t : {"", "no", "1", "off", "yess"})
@@ -147,17 +145,14 @@ TEST(SystemPropertyRecord, WriteThenReadGivesTheSameProperty) {
   EXPECT_TRUE(back == p);
   EXPECT_TRUE(second == SystemProperty("x", "y", "", {}));
   EXPECT_FALSE(io >> none);  // the end of the stream is not an error
-}
-
-TEST(SystemPropertyRecord, CommentLinesBetweenRecords) {
+  // Comment lines between records.
   std::istringstream in("# site table\n" + record("a", "one", "1") + "  # retired:\n#" + record("a", "two", "2") +
                         record("a", "three", "3"));
-  SystemProperty p;
-  in >> p;
-  EXPECT_EQ("ONE", str(p.getName()));
-  in >> p;
-  EXPECT_EQ("THREE", str(p.getName()));
-  EXPECT_FALSE(in >> p);
+  in >> back;
+  EXPECT_EQ("ONE", str(back.getName()));
+  in >> back;
+  EXPECT_EQ("THREE", str(back.getName()));
+  EXPECT_FALSE(in >> back);
 }
 
 TEST(SystemPropertyRecord, BadRecordsAreFatal) {
@@ -261,16 +256,6 @@ TEST(SystemPropertyTable, DomainTableFollowsTheDatabaseConfiguration) {
   EXPECT_EQ("houstonSystemPropertyTable2.txt", str(table.getDomainTableName()));
   EXPECT_EQ("houston", str(table.getSystemProperty("site", "a").getValue(0)));
   vDatabases::clearCache();
-}
-
-TEST(SystemPropertyTable, AbsentPropertyIsFatal) {
-  TestReleaseTree tree;
-  vDatabases::clearCache();
-  SystemPropertyTable::instance().reload();
-  EXPECT_EQ(0, SystemPropertyTable::instance().size());
-  expectFatal([] { SystemPropertyTable::instance().getSystemProperty("nowhere", "nothing"); },
-              "SystemPropertyTable::getSystemProperty",
-              "The system property NOWHERE/NOTHING was not found in the system property tables.");
 }
 
 TEST(SystemPropertyTable, BadRecordIsFatalQuietlyAndNamesTheFile) {

@@ -47,42 +47,34 @@ TEST(vFilenameUnix, PartsCanBeChanged) {
   EXPECT_EQ(f.getFilename(), "/top.cfg");
 }
 
-TEST(vFilenameNT, DriveAndPath) {
-  vFilename f("D:\\projects\\north\\lines.txt");
-  EXPECT_TRUE(f.isNT());
-  EXPECT_EQ('D', f.getDrive());
-  EXPECT_EQ(f.getHost(), "");
-  EXPECT_EQ(f.getDirectory(), "/projects/north");
-  EXPECT_EQ(f.getFilename(), "D:/projects/north/lines.txt");
-  vFilename again(f.getFilename());
-  EXPECT_TRUE(again.isNT());
-  EXPECT_TRUE(again == f);
-}
-
-TEST(vFilenameNT, HostWithDrive) {
-  vFilename f("\\\\server\\e:\\share\\file.dat");
-  EXPECT_EQ(f.getHost(), "server");
-  EXPECT_EQ('e', f.getDrive());
-  EXPECT_EQ(f.getDirectory(), "/share");
-  EXPECT_EQ(f.getFilename(), "\\\\server\\e:/share/file.dat");
-  EXPECT_TRUE(vFilename(f.getFilename()) == f);
-}
-
-TEST(vFilenameNT, HostWithoutDriveKeepsTheDefault) {
-  vFilename f("\\\\server\\dir\\name.x");
-  EXPECT_EQ(f.getHost(), "server");
-  EXPECT_EQ('C', f.getDrive());
-  EXPECT_EQ(f.getFilename(), "\\\\server\\C:dir/name.x");
-  vFilename again(f.getFilename());
-  EXPECT_TRUE(again == f);
-}
-
-TEST(vFilenameNT, DefaultDriveAloneIsNoPath) {
-  vFilename f("C:");
-  EXPECT_TRUE(f.isNT());
-  EXPECT_EQ(f.getFilename(), "");
-  vFilename g("E:");
-  EXPECT_EQ(g.getFilename(), "E:");
+// Each NT name decodes to its parts and reads back from what it writes.
+TEST(vFilenameNT, DecodeAndRoundTrip) {
+  struct Case {
+    char const* text;
+    char const* host;
+    char drive;
+    char const* directory;
+    char const* written;
+  } const cases[] = {
+      {"D:\\projects\\north\\lines.txt", "", 'D', "/projects/north", "D:/projects/north/lines.txt"},
+      {"\\\\server\\e:\\share\\file.dat", "server", 'e', "/share", "\\\\server\\e:/share/file.dat"},
+      // A host without a drive keeps the default one.
+      {"\\\\server\\dir\\name.x", "server", 'C', "dir", "\\\\server\\C:dir/name.x"},
+      // The default drive alone is no path; another drive is.
+      {"C:", "", 'C', "", ""},
+      {"E:", "", 'E', "", "E:"},
+  };
+  for (Case const& c : cases) {
+    vFilename f(c.text);
+    EXPECT_TRUE(f.isNT()) << c.text;
+    EXPECT_EQ(f.getHost(), c.host) << c.text;
+    EXPECT_EQ(c.drive, f.getDrive()) << c.text;
+    EXPECT_EQ(f.getDirectory(), c.directory) << c.text;
+    EXPECT_EQ(f.getFilename(), c.written) << c.text;
+    if (*c.written != '\0') {
+      EXPECT_TRUE(vFilename(f.getFilename()) == f) << c.text;
+    }
+  }
 }
 
 TEST(vFilenameNT, Errors) {

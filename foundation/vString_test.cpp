@@ -109,21 +109,19 @@ TEST(vStringTrim, StripTakesOnlySpacesAndTabs) {
 
 // --- extraction ----------------------------------------------------------------
 
-TEST(vStringGet, RangeIsInclusiveAndClipped) {
+// A range is inclusive and clipped; a bad one is fatal; at() throws directly.
+TEST(vStringGet, RangesSubstrAndIndexChecks) {
   vString s("abcdef");
   EXPECT_EQ(s.get(1, 3), "bcd");
   EXPECT_EQ(s.get(4, 100), "ef");
   EXPECT_TRUE(s.get(10, 12).isSharedEmpty());
-}
-
-TEST(vStringGet, BadRangesAreFatal) {
-  vString s("abc");
-  expectFailure([&] { s.get(-1, 2); }, "vString::get", "negative startIndex -1 for string abc");
-  expectFailure([&] { s.get(3, 1); }, "vString::get", "startIndex 3 greater than endIndex 1 for string abc");
-}
-
-TEST(vStringGet, SubstrAndFriends) {
-  vString s("abcdef");
+  vString abc("abc");
+  expectFailure([&] { abc.get(-1, 2); }, "vString::get", "negative startIndex -1 for string abc");
+  expectFailure([&] { abc.get(3, 1); }, "vString::get", "startIndex 3 greater than endIndex 1 for string abc");
+  EXPECT_EQ('b', abc.at(1));
+  expectFailure([&] { abc.at(3); }, "vString::at()", "Trying to index beyond end of string");
+  vString const& cs = abc;
+  expectFailure([&] { cs.at(7); }, "vString::at()", "Requested position is out of range.");
   EXPECT_TRUE(s.substr(2, 0).isSharedEmpty());
   EXPECT_EQ(s.substr(2, 0xFFFFFFFFu), "cdef");
   EXPECT_EQ(s.substr(4, 10), "ef");
@@ -239,16 +237,13 @@ TEST(vStringSize, CenterRightExtendFill) {
 
 // --- conversions -------------------------------------------------------------------
 
-TEST(vStringRead, NumbersAndEmptyStrings) {
+TEST(vStringRead, NumbersBooleansAndEmptyStrings) {
   EXPECT_EQ(0, vString().readi());
   EXPECT_EQ(0.0, vString().readd());
   EXPECT_EQ(-42, vString("-42").readi());
   EXPECT_DOUBLE_EQ(2.5, vString("2.5").readd());
   EXPECT_FLOAT_EQ(0.25f, vString("0.25").readf());
   EXPECT_EQ(9000000000LL, vString("9000000000").readi64());
-}
-
-TEST(vStringRead, Booleans) {
   EXPECT_FALSE(vString().readb());
   EXPECT_FALSE(vString("  ").readb());
   for (char const* f : {"F", "n", "0", " n ", "No", "false", "disabled"})
@@ -367,16 +362,6 @@ TEST(vStringChange, AppendingToItself) {
   EXPECT_EQ(t, "yz");
 }
 
-// --- index checks -------------------------------------------------------------------
-
-TEST(vStringAt, OutOfRangeThrowsDirectly) {
-  vString s("abc");
-  EXPECT_EQ('b', s.at(1));
-  expectFailure([&] { s.at(3); }, "vString::at()", "Trying to index beyond end of string");
-  vString const& cs = s;
-  expectFailure([&] { cs.at(7); }, "vString::at()", "Requested position is out of range.");
-}
-
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
 TEST(vStringDeathTest, AllocationFailuresThrowDirectly) {
   EXPECT_EXIT(
@@ -492,6 +477,8 @@ TEST(vStringPrintf, FormatsAndLimits) {
   EXPECT_EQ(s, "n=7 5000000000 0.50");
   expectFailure([&] { s.printf("%10240d", 1); }, "vString::printf", "Message buffer overflow for format '%10240d'");
   EXPECT_EQ(s, "n=7 5000000000 0.50");
+  // A wide character that the C locale cannot encode makes vsnprintf fail.
+  expectFailure([&] { s.printf("%ls", L"\u00e9"); }, "vStrinf::printf", "Error writing message with format '%ls'");
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
@@ -529,12 +516,6 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
 }
 #endif
 
-TEST(vStringPrintf, CLibraryFailureUsesItsOwnMethodName) {
-  // A wide character that the C locale cannot encode makes vsnprintf fail.
-  vString s;
-  expectFailure([&] { s.printf("%ls", L"\u00e9"); }, "vStrinf::printf", "Error writing message with format '%ls'");
-}
-
 // --- streams -----------------------------------------------------------------------
 
 TEST(vStringStream, QuotedAndPlainWords) {
@@ -556,14 +537,11 @@ TEST(vStringStream, QuotedAndPlainWords) {
   std::ostringstream out;
   out << vString("written") << '|' << vString();
   EXPECT_EQ("written|", out.str());
-}
-
-TEST(vStringStream, OnlyTheOpeningMarkCloses) {
-  std::istringstream in("'say \"hi\"' \"it's\"\n\n  last");
-  vString s;
-  in >> s;
+  // Only the opening mark closes.
+  std::istringstream marks("'say \"hi\"' \"it's\"\n\n  last");
+  marks >> s;
   EXPECT_EQ(s, "say \"hi\"");
-  in >> s;
+  marks >> s;
   EXPECT_EQ(s, "it's");
   // A word ends at a space, a tab or a line end, not at a quotation mark.
   std::istringstream word("ab\"c'd e");
