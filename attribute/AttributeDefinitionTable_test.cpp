@@ -35,15 +35,10 @@ TEST_F(DefinitionTableTest, LoadsOnTheFirstQuestionFromTheSystemFiles) {
 
   EXPECT_EQ(Attribute::VECTOR_LENGTH, table().getDefinition("SAMPLES").getLength());
   EXPECT_TRUE(table().getDefinition("PICKS").isVariableLength());
-}
-
-TEST_F(DefinitionTableTest, NamesAreFoundInAnyCase) {
+  // Names are found in any case; an absent class throws with its name.
   EXPECT_TRUE(table().hasDefinition("source_x"));
   EXPECT_EQ(vFLOAT64, table().getDefinition("Source_x").getDataType());
   EXPECT_FALSE(table().hasDefinition("SOURCE_XY"));
-}
-
-TEST_F(DefinitionTableTest, AnAbsentClassThrowsWithItsName) {
   expectFailure([] { table().getDefinition("nothing_here"); }, "AttributeDefinitionTable::getDefinition()",
                 "AttributeDefinitionTable::getDefinition() Attribute definition for 'NOTHING_HERE' not found.");
 }

@@ -111,7 +111,7 @@ TEST(AttributeHelperCopy, RefusalsLeaveTheDestinationAlone) {
   EXPECT_EQ((std::vector<int>{9, 9}), intsOf(dst));
 }
 
-TEST(AttributeHelperCopy, ScatterAndGatherByList) {
+TEST(AttributeHelperCopy, ScatterAndGatherByListAndTheirRefusals) {
   Attribute src("SRC", "CLASS", vINT32, 1);
   fill(src, {10, 20, 30, 40, 50});
   Attribute dst("DST", "CLASS", vINT32, 1);
@@ -136,12 +136,9 @@ TEST(AttributeHelperCopy, ScatterAndGatherByList) {
   fillStrings(t, {"", ""});
   AttributeHelper::copy(s, std::vector<int>{3, 2}, t, 1);
   EXPECT_EQ((std::vector<std::string>{"z", "y"}), stringsOf(t));
-}
 
-TEST(AttributeHelperCopy, ListRefusals) {
-  Attribute src("SRC", "CLASS", vINT32, 1);
+  // Refusals leave the destination alone.
   fill(src, {1, 2, 3});
-  Attribute dst("DST", "CLASS", vINT32, 1);
   fill(dst, {0, 0});
   std::string const outside =
       "Instance number 0(smallest) and/or 3(largest) are outside \t\t\t\t\t\t\t\t\t\tthe allowed range of 1 to 2";
@@ -158,18 +155,7 @@ TEST(AttributeHelperCopy, ListRefusals) {
   EXPECT_EQ((std::vector<int>{0, 0}), intsOf(dst));
 }
 
-TEST(AttributeHelperCopyRange, StringsKeepOrderAndText) {
-  Attribute src("NAMES", "CLASS", vSTRING);
-  fillStrings(src, {"one", "two", "three", "four", "five"});
-  Attribute dst("OTHER", "CLASS", vSTRING);
-  fillStrings(dst, {"", "", "", "", "", ""});
-  AttributeHelper::copyRange(src, 1, 5, dst, 2);
-  EXPECT_EQ((std::vector<std::string>{"", "one", "two", "three", "four", "five"}), stringsOf(dst));
-  // A first instance out of range is an exception with a text.
-  EXPECT_NE("", reasonOf([&] { AttributeHelper::copyRange(src, 0, 2, dst, 1); }));
-}
-
-TEST(AttributeHelperCopyRange, NumbersAndRefusals) {
+TEST(AttributeHelperCopyRange, NumbersStringsAndRefusals) {
   Attribute src("SRC", "CLASS", vINT32, 2);
   fill(src, {1, 2, 3, 4, 5, 6});
   Attribute dst("DST", "CLASS", vINT32, 2);
@@ -185,6 +171,14 @@ TEST(AttributeHelperCopyRange, NumbersAndRefusals) {
   expectFailure([&] { AttributeHelper::copyRange(src, 2, 1, dst, 1); }, "AttributeHelper::copyRange()",
                 "Instances 2 to 1 are outside the range 1 to 3 of attribute SRC.");
   EXPECT_EQ((std::vector<int>{3, 4, 5, 6}), intsOf(dst));
+  // Strings keep their order and text.
+  Attribute names("NAMES", "CLASS", vSTRING);
+  fillStrings(names, {"one", "two", "three", "four", "five"});
+  Attribute other("OTHER", "CLASS", vSTRING);
+  fillStrings(other, {"", "", "", "", "", ""});
+  AttributeHelper::copyRange(names, 1, 5, other, 2);
+  EXPECT_EQ((std::vector<std::string>{"", "one", "two", "three", "four", "five"}), stringsOf(other));
+  EXPECT_NE("", reasonOf([&] { AttributeHelper::copyRange(names, 0, 2, other, 1); }));
 }
 
 TEST(AttributeHelperCopyRange, VariableLengthTakesTheSourceLengths) {
@@ -333,9 +327,7 @@ TEST(AttributeHelperTime, TimegateCopiesTheOverlapAndZeroesTheRest) {
   AttributeHelper::timegate(wide, late);
   ASSERT_EQ(2u, late.getNInstances());
   for (int k = 0; k < 10; ++k) EXPECT_EQ(0.0f, late.getFloat32Pointer(1)[k]);
-}
-
-TEST(AttributeHelperTime, TimegateRefusals) {
+  // Types and sample rates must agree.
   Attribute a("A", "C", vFLOAT32, 10, 4.0, 0.0);
   Attribute b("B", "C", vFLOAT64, 10, 4.0, 0.0);
   Attribute c("C", "C", vFLOAT32, 10, 2.0, 0.0);
