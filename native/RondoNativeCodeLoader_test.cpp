@@ -124,12 +124,10 @@ class RondoNative : public ::testing::Test {
   ProjectFactory::Maker m_project = nullptr;
 };
 
-TEST_F(RondoNative, KeysJoinTheJavaStringsUnchanged) {
+TEST_F(RondoNative, SecondConnectionFindsTheMapEntryWithoutTheFactory) {
+  // Keys join the Java strings unchanged.
   EXPECT_EQ("Srv|RONDO|p|Line12.3", str(createKeyForRondoStore(jvm(), jstr("Srv"), jstr("p"), jstr("Line12.3"))));
   EXPECT_EQ("|RONDO|", str(createKeyForRondoProject(jvm(), nullptr, jstr(""))));
-}
-
-TEST_F(RondoNative, SecondConnectionFindsTheMapEntryWithoutTheFactory) {
   m_tree.setEnv("FS_CLUSTERS", "srva=127.0.1.1");
   int made = nCatalogs;
   size_t entries = map_projectCatalog.size();
@@ -146,12 +144,11 @@ TEST_F(RondoNative, SecondConnectionFindsTheMapEntryWithoutTheFactory) {
   EXPECT_EQ(cached + 1, ProjectCatalogFactory::getCacheSize());
   EXPECT_EQ(entries + 1, map_projectCatalog.size());
   EXPECT_EQ(first.get(), map_projectCatalog["SrvA|RONDO"].get());
-}
 
-TEST_F(RondoNative, SpellingsOfOneServerShareTheFactorysCatalog) {
+  // Spellings of one server share the factory's catalog.
   m_tree.setEnv("FS_CLUSTERS", "srvb=127.0.1.3");
-  int made = nCatalogs;
-  size_t entries = map_projectCatalog.size();
+  made = nCatalogs;
+  entries = map_projectCatalog.size();
   EXPECT_TRUE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("SrvB")));
   EXPECT_TRUE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("SRVB")));
   EXPECT_EQ(entries + 2, map_projectCatalog.size());
@@ -242,18 +239,6 @@ TEST_F(RondoNativeServer, AServerThatCannotServeAnswersFalseWithItsReason) {
   EXPECT_EQ(entries, map_projectCatalog.size());
 }
 
-TEST_F(RondoNative, SinkWithoutAppendAnswersFalse) {
-  JNIEnv* env = jvm();
-  // StringBuilder has an append of the name, but not of the signature.
-  jobject builder = newObject("java/lang/StringBuilder");
-  ASSERT_NE(nullptr, builder);
-  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), builder));
-  EXPECT_FALSE(env->ExceptionCheck());
-  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), nullptr));
-  // Nothing was looked up in the maps.
-  EXPECT_EQ(0u, map_project.count("127.0.1.5|RONDO|p"));
-}
-
 // The report of the exception, then the line of the entry point.
 void expectReport(std::string const& out, char const* reason, char const* method, char const* line) {
   EXPECT_NE(std::string::npos, out.find(std::string("\n") + reason + "\n")) << out;
@@ -282,6 +267,14 @@ TEST_F(RondoNative, FailuresAnswerFalseAndKeepNothing) {
   EXPECT_EQ(entries + 1, map_projectCatalog.size());
   EXPECT_TRUE(map_projectCatalog["127.0.1.7|RONDO"].isEmpty());
   EXPECT_EQ(0u, map_project.count("127.0.1.7|RONDO|p"));
+  // A sink without append answers false: StringBuilder has an append of the
+  // name, but not of the signature. Nothing is looked up in the maps.
+  jobject builder = newObject("java/lang/StringBuilder");
+  ASSERT_NE(nullptr, builder);
+  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), builder));
+  EXPECT_FALSE(env->ExceptionCheck());
+  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), nullptr));
+  EXPECT_EQ(0u, map_project.count("127.0.1.5|RONDO|p"));
 }
 
 TEST_F(RondoNative, AProjectThatFailedToOpenStaysInTheMapAndOpensLater) {
@@ -308,7 +301,7 @@ TEST_F(RondoNative, AProjectThatFailedToOpenStaysInTheMapAndOpensLater) {
 
 using RondoNativeDeathTest = RondoNative;
 
-TEST_F(RondoNativeDeathTest, ContentsOfAnUnopenedProjectEndTheHost) {
+TEST_F(RondoNativeDeathTest, ContentsOfAnUnopenedProjectOrANamelessStoreEndTheHost) {
   EXPECT_EXIT(
       {
         jobject sink = newObject("com/nyx/orda/business/io/protocols/rondo/RondoResultSink");
@@ -316,9 +309,7 @@ TEST_F(RondoNativeDeathTest, ContentsOfAnUnopenedProjectEndTheHost) {
         std::exit(0);
       },
       ::testing::ExitedWithCode(255), "Trying to get a NULL pointer");
-}
-
-TEST_F(RondoNativeDeathTest, AStoreNameWithoutANameEndsTheHost) {
+  // So does a store name without a name.
   EXPECT_EXIT(
       {
         ProjectFactory::registerMaker("ClientProject", &makeBadProject);
