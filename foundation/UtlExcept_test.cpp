@@ -29,12 +29,10 @@ TEST(UtlExceptTraceBack, EachPartOnlyWhenPresent) {
   EXPECT_EQ(UtlExcept("r", "M::m").getTraceBack(), "r\n   (Method=M::m)\n");
   EXPECT_EQ(UtlExcept("r", "", 12).getTraceBack(), "r\n   (Line=12)\n");
   EXPECT_EQ(UtlExcept(vString("r"), vString("M"), 0).getTraceBack(), "r\n   (Method=M   Line=0)\n");
-}
-
-TEST(UtlExceptTraceBack, StackConstructorKeepsTheStack) {
-  UtlExcept e("#0 main", "reason", "method", -1, nullptr);
-  EXPECT_EQ(e.getTraceBack(), "reason\n   (Method=method)\n");
-  EXPECT_EQ(e.toString("%K|%R"), "#0 main|reason");
+  // The stack constructor keeps the stack.
+  UtlExcept stacked("#0 main", "reason", "method", -1, nullptr);
+  EXPECT_EQ(stacked.getTraceBack(), "reason\n   (Method=method)\n");
+  EXPECT_EQ(stacked.toString("%K|%R"), "#0 main|reason");
 }
 
 TEST(UtlExceptFormat, Specifiers) {
@@ -46,14 +44,11 @@ TEST(UtlExceptFormat, Specifiers) {
   EXPECT_EQ(e.toString("\nReason: '%R in method '%M'"), "\nReason: 'why in method 'Who::what'");
 }
 
-TEST(UtlExceptFormat, UnknownSpecifierEmitsTheBareLetter) {
+TEST(UtlExceptFormat, UnknownSpecifierAndDoublePercent) {
   UtlExcept e("why", "m");
+  // An unknown specifier emits the bare letter.
   EXPECT_EQ(e.toString("a%xb"), "axb");
   EXPECT_EQ(e.toString("%Q%R"), "Qwhy");
-}
-
-TEST(UtlExceptFormat, DoublePercentEmitsNothingAndLeavesTheFlagSet) {
-  UtlExcept e("why", "m");
   // "%%" emits nothing; the flag stays, so the next token is read as a
   // specifier: here the literal "Rest" starts with R.
   EXPECT_EQ(e.toString("100%%Rest"), "100why");

@@ -109,15 +109,12 @@ TEST(vLCString, CaseChangesRangesAndSwapsKeepTheFolding) {
   EXPECT_EQ(plain, "lower");
 }
 
-TEST(vLCString, PrintfFoldsAndReportsUnderItsOwnName) {
+TEST(vLCString, PrintfWriteAndStreamsFold) {
   vLCString s;
   s.printf("%s-%d", "ABC", 5);
   EXPECT_EQ(s, "abc-5");
   expectFailure([&] { s.printf("%10240d", 1); }, "vLCString::printf", "Message buffer overflow for format '%10240d'");
-}
-
-TEST(vLCString, WriteAndStreamsFold) {
-  vLCString s("[....]");
+  s = "[....]";
   s.write(255, 1, 4, 64 | 512, '0', 0, 0);
   EXPECT_EQ(s, "[00ff]");
   std::istringstream in("'Quoted TEXT' Word");
@@ -147,9 +144,7 @@ TEST(vUCString, FoldsToUpperCase) {
   expectFailure([&] { s.printf("%10240d", 1); }, "vUCString::printf", "Message buffer overflow for format '%10240d'");
   s.toUpperCase();
   EXPECT_EQ(s, "LOW");
-}
-
-TEST(vUCString, AssignmentThroughTheBaseClassStillFolds) {
+  // Assignment through the base class still folds.
   vUCString u;
   vString& base = u;
   base = "through base";

@@ -60,6 +60,9 @@ TEST(vUtlDataType, FlagsPrefixTheName) {
   EXPECT_EQ(vUtl::dataTypeSize(vARRAYOF | vADDRESSOF | vFLOAT64), 8);
   // The frame codes carry bit 0x40 but are not address-of codes.
   EXPECT_EQ(str(vUtl::dataTypeName(vARRAYOF | vENDFRAME)), "ArrayOfvENDFRAME");
+  // Address-of is bit 64 without bit 32.
+  for (int t : {0xC5, 0x45}) EXPECT_TRUE(vUtl::dataTypeIsAddressOf(t)) << t;
+  for (int t : {0x85, int{vENDFRAME}, int{vPACKFRAME}, 0x60}) EXPECT_FALSE(vUtl::dataTypeIsAddressOf(t)) << t;
 }
 
 TEST(vUtlDataType, UnknownCodesRaise) {
@@ -86,11 +89,6 @@ TEST(vUtlDataType, UnknownCodesRaise) {
   // 27 codes, each plain and as an array, and the 25 base codes (0 to 24)
   // once more with the address-of bit, plain and as arrays.
   EXPECT_EQ(known, 27 * 2 + 25 * 2);
-}
-
-TEST(vUtlDataType, AddressOfIsBit64WithoutBit32) {
-  for (int t : {0xC5, 0x45}) EXPECT_TRUE(vUtl::dataTypeIsAddressOf(t)) << t;
-  for (int t : {0x85, int{vENDFRAME}, int{vPACKFRAME}, 0x60}) EXPECT_FALSE(vUtl::dataTypeIsAddressOf(t)) << t;
 }
 
 TEST(vUtlDataType, FromName) {
