@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -269,7 +270,8 @@ TEST(ProjectCatalogDescription, EqualityAndOrder) {
 
 // --- the user's default project --------------------------------------------
 
-TEST(Capi, DefaultProjectStringFromVprojectThenProject) {
+TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
+  DefaultProject none(false);
   TestReleaseTree tree;
   tree.setEnv("HOME", tree.root());
   EXPECT_EQ("r:::", str(Capi::getDefaultProjectString()));
@@ -281,12 +283,9 @@ TEST(Capi, DefaultProjectStringFromVprojectThenProject) {
 
   TestReleaseTree::write(tree.root() + "/.vproject", "unittest:s:h:home project\nignored\n");
   EXPECT_EQ("unittest:s:h:home project", str(Capi::getDefaultProjectString()));
-}
 
-TEST(Capi, DefaultProjectName) {
-  DefaultProject none(false);
-  TestReleaseTree tree;
-  tree.setEnv("HOME", tree.root());
+  // The name read from it.
+  std::remove((tree.root() + "/.vproject").c_str());
   tree.writeWorkFile(".project", "survey7\n");
   ProjectDescription d = Capi::getDefaultProjectName();
   expectCatalog(d, ProjectType::RONDO, "", str(vUtl::gethostname()), "survey7");

@@ -56,7 +56,7 @@ class OpenStore : public TestMemoryStore {
 
 // --- life cycle and guards -----------------------------------------------------------
 
-TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeeded) {
+TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   EXPECT_EQ(0, store.getNSetsMade());
   store.open("a", 0, "", "", nullptr);
@@ -65,6 +65,15 @@ TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeeded) {
   store.close();
   store.open("a", 0, "", "", nullptr);
   EXPECT_EQ(1, store.getNSetsMade()) << "the primary set is kept across a close";
+  // The concrete destructor closes an open store.
+  vHandle<AttributeSet> primary;
+  {
+    TestMemoryStore open(vHandle<Project>(), shelfWithStoreA());
+    open.open("a", 0, "", "", nullptr);
+    primary = open.getPrimarySet();
+    EXPECT_TRUE(primary->isOpen());
+  }
+  EXPECT_FALSE(primary->isOpen());
 }
 
 // Every guard names its operation; the detail form follows from the
@@ -153,17 +162,6 @@ TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
   TestMemoryStore other(vHandle<Project>(), shelf);
   other.create(FullStoreName(vString("proj:b.4")), "seismic", "3d", KeyList(), nullptr);
   EXPECT_EQ("b", str(other.getName()));
-}
-
-TEST(StoreImp, TheConcreteDestructorClosesAnOpenStore) {
-  vHandle<AttributeSet> primary;
-  {
-    TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
-    store.open("a", 0, "", "", nullptr);
-    primary = store.getPrimarySet();
-    EXPECT_TRUE(primary->isOpen());
-  }
-  EXPECT_FALSE(primary->isOpen());
 }
 
 // --- secondary attribute sets ---------------------------------------------------------
