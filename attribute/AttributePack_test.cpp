@@ -71,7 +71,7 @@ TEST(AttributePack, ScalarAndVariableLengthFramesByteExact) {
   EXPECT_EQ(tail(v).body(), packed(t));
 }
 
-TEST(AttributePack, EveryTypeByteExact) {
+TEST(AttributePack, EveryTypeAndADefinitionByteExact) {
   Attribute i16("a", "c", vINT16, 2);
   i16.resize(1);
   i16.getInt16Pointer(1)[0] = -1;
@@ -86,9 +86,7 @@ TEST(AttributePack, EveryTypeByteExact) {
   Bytes bs;
   head(bs, 5, "E", "", vSTRING, 2, 0.0, 0.0).boolean(true).int64(1).texts({"line", ""});
   EXPECT_EQ(tail(bs).body(), packed(s));
-}
-
-TEST(AttributePack, DefinitionWritesNoArraysAndStatisticsFollow) {
+  // A definition writes no arrays; its statistics follow.
   Attribute d("def", "k", vFLOAT64, 50, 2.0, -4.0);
   d.setStatisticValues(-1.0, 1.0, 7);
   Bytes b;

@@ -32,6 +32,13 @@ TEST(AttributeDefinition, DefaultIsAnEmptyVectorDefinition) {
   EXPECT_FALSE(t.isSortable());
   // Data a store hands over before any definition has no data to point at.
   expectFailure([&] { t.getPointer(1); }, "Attribute::getPointer", "Attribute TRACE has no data");
+  // The vector flag follows the length and the sample rate.
+  EXPECT_FALSE(Attribute("a", "c", vINT32, 1, 0.0, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, 1, 4.0, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, 2, 0.0, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, Attribute::VECTOR_LENGTH).isVector());
+  EXPECT_FALSE(Attribute("a", "c", vINT32, Attribute::VARIABLE_LENGTH, 0.0).isVector());
+  EXPECT_TRUE(Attribute("a", "c", vINT32, Attribute::VARIABLE_LENGTH, 2.0).isVector());
 }
 
 TEST(AttributeDefinition, AllConstructorFormsStripAndFoldNames) {
@@ -48,15 +55,6 @@ TEST(AttributeDefinition, AllConstructorFormsStripAndFoldNames) {
     EXPECT_EQ(a.getClassID(), x->getClassID());
   }
   EXPECT_EQ(1, a.getLength());
-}
-
-TEST(AttributeDefinition, VectorFlagFollowsLengthAndSampleRate) {
-  EXPECT_FALSE(Attribute("a", "c", vINT32, 1, 0.0, 0.0).isVector());
-  EXPECT_TRUE(Attribute("a", "c", vINT32, 1, 4.0, 0.0).isVector());
-  EXPECT_TRUE(Attribute("a", "c", vINT32, 2, 0.0, 0.0).isVector());
-  EXPECT_TRUE(Attribute("a", "c", vINT32, Attribute::VECTOR_LENGTH).isVector());
-  EXPECT_FALSE(Attribute("a", "c", vINT32, Attribute::VARIABLE_LENGTH, 0.0).isVector());
-  EXPECT_TRUE(Attribute("a", "c", vINT32, Attribute::VARIABLE_LENGTH, 2.0).isVector());
 }
 
 TEST(AttributeDefinition, OnlySixDataTypesAreAccepted) {
@@ -83,6 +81,12 @@ TEST(AttributeNames, InterningMakesEqualNamesOnePointer) {
   EXPECT_EQ(a.getClassID(), Attribute::getClassID(vUCString(" a ")));
   // The reference returned is the table's own text.
   EXPECT_EQ(&a.getName(), &b.getName());
+  // setName and setClass intern too.
+  a.setName("  new_name ");
+  EXPECT_STREQ("NEW_NAME", a.getName().c_str());
+  EXPECT_STREQ("NEW_NAME", a.getOriginalName().c_str());
+  a.setClass("k2");
+  EXPECT_STREQ("K2", a.getOriginalClass().c_str());
 }
 
 TEST(AttributeNames, OrderFollowsNamesAsTheTableGrows) {
@@ -98,15 +102,6 @@ TEST(AttributeNames, OrderFollowsNamesAsTheTableGrows) {
   EXPECT_TRUE(m < n);
   EXPECT_TRUE(m < z);
   EXPECT_EQ(m.getNameID()->getID() + 1, n.getNameID()->getID());
-}
-
-TEST(AttributeNames, SetNameAndSetClassIntern) {
-  Attribute a("old", "c", vINT32);
-  a.setName("  new_name ");
-  EXPECT_STREQ("NEW_NAME", a.getName().c_str());
-  EXPECT_STREQ("NEW_NAME", a.getOriginalName().c_str());
-  a.setClass("k2");
-  EXPECT_STREQ("K2", a.getOriginalClass().c_str());
 }
 
 TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
@@ -265,7 +260,8 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
   EXPECT_EQ(6, v.getSampleAtTime(20.0));
 }
 
-TEST(AttributeAccess, ScalarsAreOneBlockAddressedByInstance) {
+TEST(AttributeAccess, EveryTypeGetsAndSets) {
+  // Scalars are one block addressed by instance.
   Attribute a("cdp", "h", vINT32);
   a.resize(1000);
   int* block = a.getInt32Pointer(1);
@@ -273,9 +269,7 @@ TEST(AttributeAccess, ScalarsAreOneBlockAddressedByInstance) {
   for (unsigned int i = 1; i <= 1000; ++i) ASSERT_EQ(block + (i - 1), a.getInt32Pointer(i));
   EXPECT_EQ(2997, block[998]);
   EXPECT_EQ(2997.0, a.getValue(999, 1));
-}
 
-TEST(AttributeAccess, EveryTypeGetsAndSets) {
   Attribute i16("a16", "c", vINT16);
   Attribute i32("a32", "c", vINT32);
   Attribute i64("a64", "c", vINT64);

@@ -93,8 +93,13 @@ TEST(Property, RedefineAndResize) {
   EXPECT_STREQ("R", p.getName().c_str());
   EXPECT_EQ(3u, p.getNElements());
 
+  // An uninitialised property has no type.
   Property none;
   expectFailure([&] { none.resize(2); }, "Property::resize()", "Trying to resize an uninitialized Property.");
+  expectFailure([&] { none.getString(); }, "Property::getString()", "Invalid data type.");
+  expectFailure([&] { none.setFloat64(1.0); }, "Property::setFloat64()", "Invalid data type.");
+  // setBool8 reports as setInt16.
+  expectFailure([&] { none.setBool8(true); }, "Property::setInt16()", "Invalid data type.");
 }
 
 TEST(Property, ElementRange) {
@@ -184,14 +189,6 @@ TEST(Property, TextConversions) {
   EXPECT_TRUE(bo.getBool8());
   bo.setString("2");
   EXPECT_TRUE(bo.getBool8());
-}
-
-TEST(Property, UninitialisedPropertyHasNoType) {
-  Property none;
-  expectFailure([&] { none.getString(); }, "Property::getString()", "Invalid data type.");
-  expectFailure([&] { none.setFloat64(1.0); }, "Property::setFloat64()", "Invalid data type.");
-  // setBool8 reports as setInt16.
-  expectFailure([&] { none.setBool8(true); }, "Property::setInt16()", "Invalid data type.");
 }
 
 TEST(Property, ComparisonByNameAndDeep) {
