@@ -225,6 +225,17 @@ TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
   ProjectFactory::emptyCache();
   EXPECT_NE(e.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey").get());
   EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
+
+  // The server is matched too: a unit-test project has none, so one asked
+  // for with a server is never the one found; asked for without one, the
+  // oldest of the two is. Nor is a project on another host.
+  vHandle<Project> s1 = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
+  vHandle<Project> s2 = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
+  EXPECT_NE(s1.get(), s2.get());
+  EXPECT_EQ("", str(s1->getServerHost()));
+  vHandle<Project> s3 = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS1", "survey");
+  EXPECT_EQ(s1.get(), s3.get());
+  EXPECT_NE(s3.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS2", "survey").get());
 }
 
 TEST(ProjectFactory, DefaultProjectSetAndCleared) {
@@ -510,21 +521,6 @@ TEST(ProjectFactory, TheCatalogsTypeChoosesTheClass) {
   vHandle<ProjectCatalog> ut(new UTProjectCatalog("127.0.0.69", ProjectType::UNITTEST));
   EXPECT_NE(nullptr, dynamic_cast<UTProject*>(ProjectFactory::create(ut).get()));
   EXPECT_EQ("nothing", lastMade());
-}
-
-TEST(ProjectFactory, OpenProjectMatchesTheServerToo) {
-  DefaultProjectGuard guard;
-  // A unit-test project has no server, so one asked for with a server is
-  // never the one found.
-  vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
-  vHandle<Project> b = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
-  EXPECT_NE(a.get(), b.get());
-  EXPECT_EQ("", str(a->getServerHost()));
-  // Asked for without one, the oldest of the two is found.
-  vHandle<Project> c = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS1", "survey");
-  EXPECT_EQ(a.get(), c.get());
-  // Nor is a project on another host.
-  EXPECT_NE(c.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS2", "survey").get());
 }
 
 TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
