@@ -20,6 +20,7 @@
 #include "foundation/ExceptionErrorHandler.h"
 #include "foundation/Packable.h"
 #include "foundation/RaiseError.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vDate.h"
 #include "foundation/vString.h"
@@ -54,16 +55,6 @@ class PackerTest : public ::testing::Test {
  private:
   RecordingHandler m_handler;
 };
-
-// "method: reason" of the UtlExcept that f raises.
-std::string fatalText(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return str(e.getMethod()) + ": " + str(e.getReason());
-  }
-  return "(nothing raised)";
-}
 
 std::string reasonOf(std::function<void()> const& f) {
   try {

@@ -1,9 +1,9 @@
 #ifndef FOUNDATION_TESTFAILURE_H
 #define FOUNDATION_TESTFAILURE_H
 
-// Test helper (tests only): runs f, which must fail with UtlExcept (through
-// Message::fatal or thrown directly) with this method and reason. Reports
-// are kept quiet while it runs.
+// Test helpers (tests only): expectFailure runs f, which must fail with
+// UtlExcept (through Message::fatal or thrown directly) with this method and
+// reason, its reports kept quiet; fatalText gives what f raised.
 
 #include <string>
 
@@ -22,6 +22,18 @@ void expectFailure(F f, char const* method, std::string const& reason) {
     EXPECT_EQ(std::string(method), std::string(e.getMethod().c_str())) << "reason: " << e.getReason().c_str();
     EXPECT_EQ(reason, std::string(e.getReason().c_str()));
   }
+}
+
+// "method: reason" of the UtlExcept that f raises, with the handlers in
+// force, or "(nothing raised)".
+template <class F>
+std::string fatalText(F f) {
+  try {
+    f();
+  } catch (UtlExcept const& e) {
+    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
+  }
+  return "(nothing raised)";
 }
 
 #endif

@@ -8,19 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vUtl.h"
 
 namespace {
-
-std::string fatalText(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
-  }
-  return "(nothing raised)";
-}
 
 template <class T>
 T load(unsigned char const* p) {

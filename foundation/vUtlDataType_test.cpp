@@ -3,6 +3,7 @@
 #include <string>
 
 #include "foundation/MessageHandling.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vDate.h"
 #include "foundation/vString.h"
@@ -11,16 +12,6 @@
 namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
-
-template <class F>
-std::string fatalText(F f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return str(e.getMethod()) + ": " + str(e.getReason());
-  }
-  return "(nothing raised)";
-}
 
 struct Row {
   int code;

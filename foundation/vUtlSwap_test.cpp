@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vUtl.h"
 
@@ -28,16 +29,6 @@ Bytes reference(Bytes const& in, std::size_t offset, int size, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i)
     for (int k = 0; k < size; ++k) out[offset + i * size + k] = in[offset + i * size + (size - 1 - k)];
   return out;
-}
-
-template <class F>
-std::string fatalText(F f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
-  }
-  return "(nothing raised)";
 }
 
 TEST(vUtlSwap, InPlaceMatchesReferenceAtEveryLengthAndAlignment) {
