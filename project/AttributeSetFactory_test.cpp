@@ -6,6 +6,7 @@
 // noted as they are made; the real classes are tested through the
 // registry.
 
+#include "foundation/TestFailure.h"
 #include "project/AttributeSetFactory.h"
 
 #include <gtest/gtest.h>
@@ -73,18 +74,6 @@ vHandle<Project> projectOn(char const* host, ProjectType::PROJECT_TYPE type) {
 std::string notAvailable(char const* className) {
   return std::string("Class ") + className +
          " is not available: no maker is registered for it (see registerRondoClasses).";
-}
-
-// "label: text" of the fatal message that f raises, with the handlers in
-// force (expectFatal's quiet scope would drop the errors before it).
-template <class F>
-std::string fatalText(F f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
-  }
-  return "(nothing raised)";
 }
 
 // --- the class by project type and host ---------------------------------------------------
