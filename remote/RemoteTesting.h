@@ -24,6 +24,7 @@
 
 #include "foundation/ExceptionErrorHandler.h"
 #include "foundation/RaiseError.h"
+#include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 
 namespace remote_testing {
@@ -63,16 +64,6 @@ class RemoteTest : public ::testing::Test {
  private:
   RecordingHandler m_handler;
 };
-
-// "method: reason" of the UtlExcept that f raises.
-inline std::string fatalText(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return std::string(e.getMethod().c_str()) + ": " + e.getReason().c_str();
-  }
-  return "(nothing raised)";
-}
 
 inline bool writeAll(int fd, void const* data, size_t n) {
   char const* p = static_cast<char const*>(data);
