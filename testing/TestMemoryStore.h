@@ -144,7 +144,6 @@ class TestMemoryStore : public StoreImp {
   // Closes the store when it is still open.
   ~TestMemoryStore() override;
 
-  std::shared_ptr<TestMemoryShelf> const& getShelf() const { return m_shelf; }
   // How many set objects the store has made, for tests of laziness.
   int getNSetsMade() const { return m_nSetsMade; }
   // The active and the primary set.
