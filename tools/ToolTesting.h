@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "remote/RemoteTesting.h"
 #include "syslayer/FSTesting.h"
 
 namespace tool_testing {
@@ -20,29 +21,7 @@ char const* const kPython = "/usr/bin/python3";
 
 // Sets an environment variable (null: unsets it) for the life of the
 // object; the tool's processes inherit it.
-class ScopedEnv {
- public:
-  ScopedEnv(char const* name, char const* value) : m_name(name), m_had(std::getenv(name) != nullptr) {
-    if (m_had) m_old = std::getenv(name);
-    if (value)
-      ::setenv(name, value, 1);
-    else
-      ::unsetenv(name);
-  }
-  ~ScopedEnv() {
-    if (m_had)
-      ::setenv(m_name.c_str(), m_old.c_str(), 1);
-    else
-      ::unsetenv(m_name.c_str());
-  }
-  ScopedEnv(ScopedEnv const&) = delete;
-  ScopedEnv& operator=(ScopedEnv const&) = delete;
-
- private:
-  std::string m_name;
-  bool m_had;
-  std::string m_old;
-};
+using remote_testing::ScopedEnv;
 
 inline std::string rondo() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/rondo"; }
 
