@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 
 #include "foundation/TestReleaseTree.h"
@@ -30,7 +31,7 @@ char const* const kConfig =
 
 }  // namespace
 
-TEST(vDatabases, EntriesAliasesAndKeys) {
+TEST(vDatabases, EntriesAliasesKeysAndUnknownDomains) {
   vDatabases dbs;
   dbs.loadFromMemory(kConfig, "memory.ini");
   ASSERT_EQ(3u, dbs.get().size());
@@ -60,10 +61,8 @@ TEST(vDatabases, EntriesAliasesAndKeys) {
   EXPECT_FALSE(dbs.isValidProductionDatabase("hdev") || dbs.isValidDevelopmentDatabase(""));
   for (char const* d : {"houston", "branch.example", "lprod"}) EXPECT_TRUE(dbs.isValidDatabase(d)) << d;
   for (char const* d : {"rondo", ""}) EXPECT_FALSE(dbs.isValidDatabase(d)) << d;
-}
 
-TEST(vDatabases, UnknownDomainIsFatal) {
-  vDatabases dbs;
+  // An unknown domain is fatal, the file named.
   dbs.loadFromMemory(kConfig, "/site/DatabaseConfig.ini");
   expectFatal([&] { dbs.get("mars.example"); }, "vDatabases::get",
               "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
@@ -71,7 +70,7 @@ TEST(vDatabases, UnknownDomainIsFatal) {
               "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
 }
 
-TEST(vDatabases, LoadFindsTheConfigurationFile) {
+TEST(vDatabases, LoadFindsTheConfigurationFileOrFails) {
   TestReleaseTree tree;
   std::string inRelease = tree.writeSystemFile("DatabaseConfig.ini", "[houston]\nProductionDatabase = a\n");
   vDatabases dbs;
@@ -86,11 +85,10 @@ TEST(vDatabases, LoadFindsTheConfigurationFile) {
   EXPECT_EQ(1u, dbs.get().size());
   EXPECT_FALSE(dbs.exists("houston"));
   EXPECT_EQ("b", str(dbs.get("paris").getProductionDatabase()));
-}
 
-TEST(vDatabases, MissingConfigurationIsFatal) {
-  TestReleaseTree tree;
-  vDatabases dbs;
+  // A missing configuration is fatal.
+  std::remove(inRelease.c_str());
+  tree.unsetEnv("VDATABASES_DATABASECONFIG");
   expectFatal([&] { dbs.load(); }, "vDatabases::load",
               "The database config file '" + tree.systemFilesDir() + "DatabaseConfig.ini' cannot be found!");
   tree.setEnv("VDATABASES_DATABASECONFIG", tree.workDir() + "gone.ini");

@@ -87,16 +87,12 @@ TEST(vDateFields, LocalTimeFollowsTheZone) {
   EXPECT_EQ(946746000L, local.getSeconds());  // 2000-01-01 17:00 UTC
 }
 
-TEST(vDateFormat, LongAndRondo) {
+TEST(vDateFormat, LongRondoAndOtherTexts) {
   vDate d(kSample, false);
   EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20231114221320");
   EXPECT_EQ(d.getFormatted(vDate::formatRONDO), "14-NOV-2023 22:13:20");
   vDate early(3 * 86400L + 5, false);
   EXPECT_EQ(early.getFormatted(vDate::formatRONDO), "04-JAN-1970 00:00:05");
-}
-
-TEST(vDateFormat, OtherTexts) {
-  vDate d(kSample, false);
   EXPECT_EQ(d.getDateTime(), "14-Nov-23 22:13:20");
   EXPECT_EQ(d.getCTime(), "Tue Nov 14 22:13:20 2023");
   EXPECT_EQ(d.getUnixDateTime(), "Nov 14  2023");
@@ -121,7 +117,7 @@ TEST(vDateFormat, UnixFormDependsOnTheYear) {
   EXPECT_EQ(vDate(vDate::Invalid).getUnixDateTime(), "");
 }
 
-TEST(vDateFormat, SetFormattedRoundTrips) {
+TEST(vDateFormat, SetFormattedRoundTripsErrorsAndMonthNames) {
   vDate d(0L, false);
   d.setFormatted(vDate::formatRONDO, vString("05-MAR-2021 01:02:03"));
   EXPECT_EQ(1614906123L, d.getSeconds());
@@ -130,10 +126,9 @@ TEST(vDateFormat, SetFormattedRoundTrips) {
   EXPECT_EQ(946684799L, d.getSeconds());
   d.setFormatted(vDate::formatRONDO, vString("01-dec-2001 00:00:00"));
   EXPECT_EQ(12, d.getMonth());
-}
 
-TEST(vDateFormat, SetFormattedErrorsAndMonthNames) {
-  vDate d(kSample, false);
+  // Errors, and the month names.
+  d = vDate(kSample, false);
   struct Case {
     int format;
     char const* text;
@@ -183,7 +178,7 @@ TEST(vDateRanges, EachFieldIsChecked) {
   }
 }
 
-TEST(vDateRanges, SettersLeaveOtherFieldsAlone) {
+TEST(vDateRanges, SettersLeaveOtherFieldsAloneAndInvalidDates) {
   vDate d(kSample, false);
   d.setYear(2020);
   d.setMonth(2);
@@ -199,9 +194,7 @@ TEST(vDateRanges, SettersLeaveOtherFieldsAlone) {
   invalid.setLocalTime(false);
   invalid.set(0, 0, 0, 2, 1, 1970);
   EXPECT_EQ(86400L, invalid.getSeconds());
-}
-
-TEST(vDateState, InvalidDates) {
+  // Invalid dates.
   vDate a(vDate::Invalid);
   EXPECT_FALSE(a.isValid());
   EXPECT_EQ(-1, a.getSeconds());
@@ -228,10 +221,8 @@ TEST(vDateArithmetic, SecondsAndDates) {
   EXPECT_EQ(14, d.getMinute());
   d -= 120L;
   EXPECT_EQ(12, d.getMinute());
-}
-
-TEST(vDateArithmetic, AddNormalisesFields) {
-  vDate d(kSample, false);
+  // add normalises the fields.
+  d = vDate(kSample, false);
   d.add(0, 0, 0, 20, 0, 0);
   EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20231204221320");
   d.add(40, 46, 1, 0, 1, 1);
