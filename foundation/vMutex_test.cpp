@@ -27,7 +27,7 @@ TEST(vMutex, CreatedOnDemandAndInitialisedOnce) {
   expectFailure([&] { never.unlock(); }, "vMutex::unlock", "Calling unlock on a non-allocated mutex!");
 }
 
-TEST(vMutex, RecursivePolicyLocksTwice) {
+TEST(vMutex, RecursivePolicyLocksTwiceErrorCheckRefuses) {
   vMutex m(true, vMutex::Recursive);
   EXPECT_TRUE(m.lock());
   EXPECT_TRUE(m.tryLock());
@@ -36,17 +36,15 @@ TEST(vMutex, RecursivePolicyLocksTwice) {
   // A third unlock is refused: the mutex is not owned any more.
   EXPECT_FALSE(m.unlock());
   EXPECT_EQ(EPERM, m.getLastError());
-}
-
-TEST(vMutex, ErrorCheckPolicyRefusesRelocking) {
-  vMutex m(true, vMutex::ErrorCheck);
-  EXPECT_TRUE(m.lock());
-  EXPECT_FALSE(m.lock());
-  EXPECT_EQ(EDEADLK, m.getLastError());
-  EXPECT_FALSE(m.spinLock(3));
-  EXPECT_TRUE(m.unlock());
-  EXPECT_TRUE(m.spinLock(0));
-  EXPECT_TRUE(m.unlock());
+  // The error-checking policy refuses relocking.
+  vMutex checked(true, vMutex::ErrorCheck);
+  EXPECT_TRUE(checked.lock());
+  EXPECT_FALSE(checked.lock());
+  EXPECT_EQ(EDEADLK, checked.getLastError());
+  EXPECT_FALSE(checked.spinLock(3));
+  EXPECT_TRUE(checked.unlock());
+  EXPECT_TRUE(checked.spinLock(0));
+  EXPECT_TRUE(checked.unlock());
 }
 
 TEST(vMutex, TryLockFailsWhileAnotherThreadHoldsIt) {

@@ -30,10 +30,8 @@ TEST(vUtlFormat, Int64ConversionsReadALongLong) {
   char buffer[64];
   std::snprintf(buffer, sizeof buffer, f.c_str(), -5000000000LL, 7LL);
   EXPECT_STREQ("-5000000000/7", buffer);
-}
-
-TEST(vUtlFormat, PrintfEntryPointsGoThroughTheReformat) {
-  // A format from elsewhere, unknown to the compiler's format checks.
+  // The printf entry points go through the reformat: a format from
+  // elsewhere, unknown to the compiler's format checks.
   char const* foreign = "%I64d";
   vString s;
   s.printf(foreign, 6000000000LL);
@@ -48,7 +46,7 @@ TEST(vUtlFormat, ListIsARange) {
   EXPECT_FALSE(vUtl::isListARange({0xFFFFFFFFu, 0u}));
 }
 
-TEST(vUtlEnv, GetAndPut) {
+TEST(vUtlEnv, GetPutAndHome) {
   vString value("stale");
   ::unsetenv("RONDO_VUTL_TEST");
   EXPECT_FALSE(vUtl::getenv("RONDO_VUTL_TEST", value));
@@ -60,6 +58,14 @@ TEST(vUtlEnv, GetAndPut) {
   EXPECT_TRUE(vUtl::getenv("RONDO_VUTL_TEST", value));
   EXPECT_TRUE(value.isSharedEmpty());
   ::unsetenv("RONDO_VUTL_TEST");
+  // The home directory follows HOME, else the password database.
+  char const* old = std::getenv("HOME");
+  std::string saved = old ? old : "";
+  ::setenv("HOME", "/some/home", 1);
+  EXPECT_EQ(vUtl::homeDirectory(), "/some/home");
+  ::unsetenv("HOME");
+  EXPECT_FALSE(vUtl::homeDirectory().isBlank());
+  if (old) ::setenv("HOME", saved.c_str(), 1);
 }
 
 TEST(vUtlEnv, HostNameIsCutAtTheFirstDot) {
@@ -75,15 +81,4 @@ TEST(vUtlEnv, HostNameIsCutAtTheFirstDot) {
   ASSERT_TRUE(vUtl::gethostname(tiny, sizeof tiny));
   EXPECT_EQ(expected.substr(0, 2), tiny);
   EXPECT_FALSE(vUtl::gethostname(tiny, 0));
-}
-
-TEST(vUtlEnv, HomeDirectoryFollowsHome) {
-  char const* old = std::getenv("HOME");
-  std::string saved = old ? old : "";
-  ::setenv("HOME", "/some/home", 1);
-  EXPECT_EQ(vUtl::homeDirectory(), "/some/home");
-  ::unsetenv("HOME");
-  // Falls back on the password database.
-  EXPECT_FALSE(vUtl::homeDirectory().isBlank());
-  if (old) ::setenv("HOME", saved.c_str(), 1);
 }
