@@ -72,7 +72,7 @@ TEST(Int32DataConverter, EachInputType) {
   EXPECT_EQ((std::vector<int>{1, 2, -8}), valuesOf<int>(fromVariable));
 }
 
-TEST(Int32DataConverter, SameTypeIsHandedOnOrCopiedWhenConst) {
+TEST(Int32DataConverter, SameTypeIsHandedOnOrCopiedWhenConstRefusalsLeaveIt) {
   Int32DataConverter const c("", none());
   DataPtr ints = block<int>(vINT32, {1, 2, 3});
   void* const p = ints.getData();
@@ -88,15 +88,13 @@ TEST(Int32DataConverter, SameTypeIsHandedOnOrCopiedWhenConst) {
   DataPtr const f = block<float>(vFLOAT32, {1.75f});
   EXPECT_EQ((std::vector<int>{2}), valuesOf<int>(c.convertData(f)));
   EXPECT_EQ((std::vector<float>{1.75f}), valuesOf<float>(f));
-}
 
-TEST(Int32DataConverter, RefusalsLeaveTheInputAsItWas) {
-  Int32DataConverter const c("", none());
+  // Refusals leave the input as it was.
   DataPtr bytes = block<signed char>(vINT8, {1, 2});
-  void* const p = bytes.getData();
+  void* const byteBlock = bytes.getData();
   expectFailure([&] { c.convertData(bytes); }, "Int32DataConverter::doConvertData()",
                 "Unsupported input data type vINT8.");
-  EXPECT_EQ(p, bytes.getData());
+  EXPECT_EQ(byteBlock, bytes.getData());
   EXPECT_TRUE(bytes.ownsData());
 
   DataPtr released = block<float>(vFLOAT32, {1.0f});
@@ -121,7 +119,7 @@ TEST(Int64DataConverter, WidensAndRounds) {
                 "Unsupported input data type vBOOL8.");
 }
 
-TEST(Float32DataConverter, PlainConversionAndNoInt16) {
+TEST(FloatDataConverters, PlainConversionNoInt16ToFloat32) {
   Float32DataConverter const c("", none());
   DataPtr ints = block<int>(vINT32, {16777217, -3});
   EXPECT_EQ((std::vector<float>{16777216.0f, -3.0f}), valuesOf<float>(c.convertData(ints)));
@@ -130,16 +128,14 @@ TEST(Float32DataConverter, PlainConversionAndNoInt16) {
   DataPtr shorts = block<short>(vINT16, {1});
   expectFailure([&] { c.convertData(shorts); }, "Float32DataConverter::doConvertData()",
                 "Unsupported input data type vINT16.");
-}
-
-TEST(Float64DataConverter, TakesEveryNumericAttributeType) {
-  Float64DataConverter const c("", none());
-  DataPtr shorts = block<short>(vINT16, {-32768});
-  EXPECT_EQ((std::vector<double>{-32768.0}), valuesOf<double>(c.convertData(shorts)));
+  // Float64 takes every numeric attribute type.
+  Float64DataConverter const wide("", none());
+  DataPtr shortsToo = block<short>(vINT16, {-32768});
+  EXPECT_EQ((std::vector<double>{-32768.0}), valuesOf<double>(wide.convertData(shortsToo)));
   DataPtr longs = block<long long>(vINT64, {(1LL << 53) + 1});
-  EXPECT_EQ((std::vector<double>{9007199254740992.0}), valuesOf<double>(c.convertData(longs)));
+  EXPECT_EQ((std::vector<double>{9007199254740992.0}), valuesOf<double>(wide.convertData(longs)));
   DataPtr const d = block<double>(vFLOAT64, {1.5});
-  DataPtr copy = c.convertData(d);
+  DataPtr copy = wide.convertData(d);
   EXPECT_NE(d.getData(), copy.getData());
 }
 
