@@ -46,7 +46,7 @@ TEST(FullProjectName, BadTypeAndServerNames) {
   EXPECT_THROW(FullProjectName n(vString("kelp"), "a:b", "h", "p"), UtlExcept);
 }
 
-TEST(FullProjectName, FullNameLeavesOutBlankParts) {
+TEST(FullProjectName, FullNameLeavesOutBlankPartsAndReadsBack) {
   EXPECT_EQ("survey", str(FullProjectName(ProjectType::NOTYPE, "", "", "Survey").getFullName()));
   EXPECT_EQ("h:survey", str(FullProjectName(ProjectType::NOTYPE, "", "h", "survey").getFullName()));
   EXPECT_EQ("s::survey", str(FullProjectName(ProjectType::NOTYPE, "s", "", "survey").getFullName()));
@@ -55,9 +55,7 @@ TEST(FullProjectName, FullNameLeavesOutBlankParts) {
   EXPECT_EQ("Kelp:s:h:survey", str(FullProjectName(vString("k"), "s", "h", "survey").getFullName()));
   EXPECT_EQ("h:", str(FullProjectName(ProjectType::NOTYPE, "", "h", "").getFullName()));
   EXPECT_EQ("", str(FullProjectName().getFullName()));
-}
-
-TEST(FullProjectName, TextRoundTrip) {
+  // Every full name reads back as the name it came from.
   FullProjectName const names[] = {
       FullProjectName(ProjectType::NOTYPE, "", "", "p"),       FullProjectName(ProjectType::NOTYPE, "", "h", "p"),
       FullProjectName(ProjectType::NOTYPE, "s", "", "p"),      FullProjectName(ProjectType::NOTYPE, "s", "h", "p"),
@@ -116,15 +114,14 @@ TEST(FullStoreName, NonNumericTailStaysInTheNameAndFailsTheCharacterSet) {
   expectStore(FullStoreName(vString("SEIS")), "", "seis", 0, "");
 }
 
-TEST(FullStoreName, GivenVersionTakesTheNameWhole) {
+TEST(FullStoreName, AGivenVersionTakesTheNameWholePartsSplitOne) {
   expectStore(FullStoreName(vString("p:line12"), 7), "p", "line12", 7, "");
   expectFatal([] { FullStoreName n(vString("p:line12.3"), 7); }, "FullStoreName::FullStoreName()",
               "Invalid store name 'line12.3'");
   expectFatal([] { FullStoreName n(vString("line/set"), 1); }, "FullStoreName::FullStoreName()",
               "Invalid store name 'line/set'");
-}
 
-TEST(FullStoreName, PartsSplitAVersionOffAnInvalidName) {
+  // From parts, a version is split off a name that is invalid with it.
   FullProjectName project(ProjectType::RONDO, "srv", "h", "survey");
   expectStore(FullStoreName(project, "line12", 4, "set"), "Rondo:srv:h:survey", "line12", 4, "set");
   expectStore(FullStoreName(project, "line12.5"), "Rondo:srv:h:survey", "line12", 5, "");

@@ -43,7 +43,7 @@ StoreOpenOptions allTurned() {
 
 // --- StoreOpenOptions ------------------------------------------------------------
 
-TEST(StoreOpenOptions, DefaultsAndTheFlagsThatCanOnlyBeRaised) {
+TEST(StoreOpenOptions, DefaultsFlagsThatCanOnlyBeRaisedAndThePackedFrame) {
   StoreOpenOptions o;
   EXPECT_EQ("000100", flags(o));
   o.setAutoDecompress(false);
@@ -51,9 +51,8 @@ TEST(StoreOpenOptions, DefaultsAndTheFlagsThatCanOnlyBeRaised) {
   o.setKelpCrossDomainAttributes();
   o.setKelpCrossDomainAttributes();
   EXPECT_EQ("100010", flags(o));
-}
 
-TEST(StoreOpenOptions, PacksSixBooleansInAFrame) {
+  // Packed: six booleans in a frame.
   Packer p;
   allTurned().pack(p);
   Bytes expected;
@@ -114,7 +113,7 @@ TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
 
 // --- StoreCreationOptions --------------------------------------------------------
 
-TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypes) {
+TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileName) {
   StoreCreationOptions o;
   for (int type : {1, 2, 3}) {
     o.setKelpDataType(type);
@@ -125,9 +124,7 @@ TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypes) {
     o.setKelpDataType(type);
     EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType()) << type;
   }
-}
-
-TEST(StoreCreationOptions, CopiesOwnTheirFileName) {
+  // Copies own their file name.
   StoreCreationOptions a;
   a.setFilename(vFilename("/data/a.sgy"));
   StoreCreationOptions b(a);
