@@ -21,7 +21,7 @@ std::string gett(int32_t id, int32_t index, int32_t length, int32_t& status) {
   return out;
 }
 
-TEST(IRRecord, RootAndRecordsLiveInTheHeap) {
+TEST(IRRecord, RootAndRecordsLiveInTheHeapStoresSetTheChangedFlag) {
   int32_t root1, root2;
   ir_init_(root1);
   ir_init_(root2);
@@ -33,6 +33,15 @@ TEST(IRRecord, RootAndRecordsLiveInTheHeap) {
   EXPECT_EQ(held, root1);
   int32_t const a = fresh();
   EXPECT_EQ(ss_[a + 1], root1);  // parent
+  // Every store sets the changed flag in word five.
+  EXPECT_EQ(ss_[a + 5], 0);
+  ir_puti_(a, 0, 1);
+  EXPECT_EQ(ss_[a + 5], 1);
+  ss_[a + 5] = 0;
+  ir_putnt_(a, 0, "abcdef", 3);
+  EXPECT_EQ(ss_[a + 5], 1);
+  int32_t status;
+  EXPECT_EQ(gett(a, 1, 4, status), "abc ");
 }
 
 TEST(IRRecord, ScalarsConvertOnRead) {
@@ -71,18 +80,6 @@ TEST(IRRecord, ScalarsConvertOnRead) {
   // Nothing at index 2 of a scalar.
   ir_geti_(id, 2, i, status);
   EXPECT_EQ(status, 0);
-}
-
-TEST(IRRecord, EveryStoreSetsTheChangedFlagInWordFive) {
-  int32_t const id = fresh();
-  EXPECT_EQ(ss_[id + 5], 0);
-  ir_puti_(id, 0, 1);
-  EXPECT_EQ(ss_[id + 5], 1);
-  ss_[id + 5] = 0;
-  ir_putnt_(id, 0, "abcdef", 3);
-  EXPECT_EQ(ss_[id + 5], 1);
-  int32_t status;
-  EXPECT_EQ(gett(id, 1, 4, status), "abc ");
 }
 
 TEST(IRRecord, ArraysGrowSizeAndConvert) {
