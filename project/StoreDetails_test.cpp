@@ -152,23 +152,25 @@ TEST(StoreDetails, ANewerFrameIsReadAndSkipped) {
 }
 
 TEST(StoreDetails, RefusesForeignFrames) {
-  Bytes magic;
+  Bytes magic, version, type, wide;
   magic.frame(6655, 7).end();
-  StoreDetails d;
-  expectFailure([&] { d.unpack(*magic.reader()); }, "StoreDetails::unpack",
-                "Expected 6654 as a magic number, but found 6655. Not a StoreDetails object here.");
-  Bytes version;
   version.frame(6654, -1).end();
-  expectFailure([&] { d.unpack(*version.reader()); }, "StoreDetails::unpack",
-                "Expected a version number >= 0 ... not -1!");
-  Bytes type;
-  type.frame(6654, 6);
-  firstFields(type, true).int32(0).text("o").int64(0).int32(0).int32(42).end();
-  expectFailure([&] { d.unpack(*type.reader()); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 42.");
-  Bytes wide;
+  firstFields(type.frame(6654, 6), true).int32(0).text("o").int64(0).int32(0).int32(42).end();
   wide.frame(6654, 7).text("n").int32(1).text("c").text("s").int64(1LL << 32).end();
-  expectFailure([&] { d.unpack(*wide.reader()); }, "StoreDetails::unpack",
-                "Instance count 4294967296 of store 'n' is out of range.");
+  struct {
+    Bytes const* bytes;
+    char const* method;
+    char const* text;
+  } const cases[] = {
+      {&magic, "StoreDetails::unpack", "Expected 6654 as a magic number, but found 6655. Not a StoreDetails object here."},
+      {&version, "StoreDetails::unpack", "Expected a version number >= 0 ... not -1!"},
+      {&type, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 42."},
+      {&wide, "StoreDetails::unpack", "Instance count 4294967296 of store 'n' is out of range."},
+  };
+  for (auto const& c : cases) {
+    StoreDetails d;
+    expectFailure([&] { d.unpack(*c.bytes->reader()); }, c.method, c.text);
+  }
 }
 
 TEST(StoreDetails, ComparesPrintsAndOrders) {
@@ -209,7 +211,7 @@ TEST(StoreDetails, ComparesPrintsAndOrders) {
 
 // --- AttributeSetDetails ------------------------------------------------------------
 
-TEST(AttributeSetDetails, PacksNameAndA32BitCount) {
+TEST(AttributeSetDetails, PacksNameAndA32BitCountReadsTheWideOneOfLaterVersions) {
   Packer p;
   AttributeSetDetails("Headers", 4000000000u).pack(p);
   Bytes expected;
@@ -218,9 +220,8 @@ TEST(AttributeSetDetails, PacksNameAndA32BitCount) {
   AttributeSetDetails back;
   back.unpack(*receive(p));
   EXPECT_EQ(AttributeSetDetails("headers", 4000000000u), back);
-}
 
-TEST(AttributeSetDetails, ReadsTheWideCountOfLaterVersions) {
+  // Later versions carry a wide count.
   Bytes b;
   b.frame(8765, 2).text("set").int64(12).text("later").end().int32(7);
   std::unique_ptr<Packer> reader = b.reader();

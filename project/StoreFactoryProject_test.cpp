@@ -54,7 +54,7 @@ StoreDescription unitTestStore(char const* host, char const* store, char const* 
 
 // --- the class by project type -------------------------------------------------------------
 
-TEST(StoreFactoryCreate, UnitTestAndZonmeshProjectsNeedTheirRegisteredClass) {
+TEST(StoreFactoryCreate, UnitTestAndZonmeshProjectsNeedTheirRegisteredClassThenGetTheStoreUnopened) {
   CleanQueue queue;
   StandIn none("InMemoryStore", {nullptr, nullptr, nullptr, nullptr});
   expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); }, "StoreFactory::create",
@@ -65,10 +65,7 @@ TEST(StoreFactoryCreate, UnitTestAndZonmeshProjectsNeedTheirRegisteredClass) {
   StandIn filesOnly("InMemoryStore", fileMakers());
   expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); }, "StoreFactory::create",
               "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
-}
-
-TEST(StoreFactoryCreate, UnitTestProjectsGetTheirStoreUnopened) {
-  CleanQueue queue;
+  // Registered, a UnitTest project gets its store unopened.
   StandIn unitTest("InMemoryStore", unitTestMakers());
   storesMadeFor().clear();
   vHandle<Project> project = projectOfType(ProjectType::UNITTEST, "127.0.0.91");
