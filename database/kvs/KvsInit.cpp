@@ -57,9 +57,10 @@ int KvsInit() {
   char cwd[129] = {};
   if (!getcwd(cwd, sizeof cwd - 1)) std::strcpy(cwd, "/tmp");
   r->workdir = cwd;
-  std::string project;
+  bool batch = KvsBatchSetup(r);
+  std::string project = batch ? env("PROJECT") : "";
   std::string corv = KvsFindRessourcesFile(r->workdir, ".corvProject");
-  if (!corv.empty() && KvsLoadRessources(corv.c_str()) >= 0) {
+  if (project.empty() && !corv.empty() && KvsLoadRessources(corv.c_str()) >= 0) {
     KvsParseRessources(nullptr, nullptr);
     if (const char* p = KvsParseRessources("Corvane", "Project")) project = p;
     KvsParseRessources(nullptr, nullptr);
@@ -112,15 +113,21 @@ int KvsInit() {
     return fail(r, KvsErrDict);
   }
   r->project = project.substr(0, 16);
-  r->client = env("USER").substr(0, 7);
+  if (!batch) r->client = env("USER").substr(0, 7);
   KvsSetRootObject(r);
-  // The session of this project, connected at once.
-  auto* s = static_cast<KvsSessionRec*>(KvsCreate(r, KvsNproject, project.c_str(), 0L));
-  s->server = r->server;
-  s->base = r->base;
-  s->site = r->site;
-  std::string port = env("KVSPORT");
-  s->port = port.empty() ? 4100 : std::atoi(port.c_str());
+  KvsSessionRec* s = KvsNewSession(r, project);
+  // A later batch step takes up the tree the step before left.
+  if (batch && r->initMode == 0 && access(KvsDumpPath().c_str(), R_OK) == 0) {
+    if (int rc = KvsLoad(KvsDumpPath().c_str())) {
+      KvsDestroy(r);
+      KvsSetRootObject(nullptr);
+      return rc;
+    }
+    s = static_cast<KvsSessionRec*>(r->children.empty() ? KvsNewSession(r, project) : r->children.front());
+  }
+  // Batch steps connect when they first talk to the server, except the
+  // last one, which connects at once.
+  if (batch && std::strcmp(std::getenv("STEP"), "AX2") != 0) return 0;
   int rc = KvsConnect(s);
   if (rc != 0) {
     KvsDestroy(r);
@@ -130,14 +137,33 @@ int KvsInit() {
   return 0;
 }
 
+KvsSessionRec* KvsNewSession(KvsRootRec* r, const std::string& project) {
+  auto* s = static_cast<KvsSessionRec*>(KvsCreate(r, KvsNproject, project.c_str(), 0L));
+  s->server = r->server;
+  s->base = r->base;
+  s->site = r->site;
+  std::string port = env("KVSPORT");
+  s->port = port.empty() ? 4100 : std::atoi(port.c_str());
+  return s;
+}
+
 int KvsExit() {
   KvsRootRec* r = KvsRootObject();
   if (!r) return 0;
   for (KvsObject s : r->children)
     if (s->cls == &kvsSessionClass) KvsDisconnect(s);
+  int rc = 0;
+  if (r->batch && r->exitMode >= 2) {
+    // The next step reads the tree back; the spool files stay for it.
+    rc = KvsDump(KvsDumpPath().c_str());
+    kvsKeepSpool = rc == 0;
+  } else if (r->batch && r->exitMode == 1) {
+    ::unlink(KvsDumpPath().c_str());
+  }
   KvsDestroy(r);
+  kvsKeepSpool = false;
   KvsSetRootObject(nullptr);
-  return 0;
+  return rc;
 }
 
 int KvsAbort() {

@@ -5,11 +5,22 @@
 #include <cstring>
 #include <fstream>
 
-#include "database/kvs/Kvs.h"
+#include "database/kvs/KvsObject.h"
 
 namespace kvs {
 
-static void defaultPrintf(const char* text) { std::fprintf(stderr, "%s\n", text); }
+// A batch step's messages go to its listing file when it has one.
+static void defaultPrintf(const char* text) {
+  KvsRootRec* r = KvsRootObject();
+  if (r && !r->logfile.empty()) {
+    if (FILE* f = std::fopen(r->logfile.c_str(), "a")) {
+      std::fprintf(f, "%s\n", text);
+      std::fclose(f);
+      return;
+    }
+  }
+  std::fprintf(stderr, "%s\n", text);
+}
 
 void (*KvsPrintf)(const char* text) = defaultPrintf;
 int kvsErrorNo = 0;

@@ -7,6 +7,7 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsMsg.h"
+#include "database/kvs/KvsPage.h"
 #include "database/kvs/KvsParams.h"
 
 namespace kvs {
@@ -34,6 +35,10 @@ struct KvsObjectRec {
 
 struct KvsRootRec : KvsObjectRec {
   std::string server, base, home, dict, client, workdir, site, logfile;
+  // Batch phases (JOBN and STEP set): init 1 starts a fresh tree, 0 reads
+  // the one the step before saved; exit 2 or 3 saves it, 1 ends the chain.
+  bool batch = false;
+  int initMode = 1, exitMode = 0;
   KvsRootRec() : KvsObjectRec(&kvsRootClass) {}
 };
 
@@ -60,6 +65,8 @@ struct KvsTableRec : KvsObjectRec {
   int fd = -1;
   long rows = 0;
   bool updated = false;
+  KvsPage* pages = nullptr;  // where each row sits in the spool file
+  KvsPage* hint = nullptr;   // the page last used, where a search starts
   KvsTableRec() : KvsObjectRec(&kvsTableClass) {}
   std::size_t rowBytes() const;
 };
@@ -92,6 +99,25 @@ bool KvsCheckClass(KvsObject o, const KvsClassRec& c, const char* op);
 KvsSessionRec* KvsSessionOf(KvsObject o);
 void KvsDestroy(KvsObject o);
 
+// A resource code with its value: a long, or a pointer (text, data, or
+// where KvsGet puts a value). The list forms below are what the variadic
+// calls and the by-reference forms share.
+struct KvsArg {
+  long code;
+  long value;
+  void* ptr;
+};
+KvsObject KvsCreate(KvsObject parent, const std::vector<KvsArg>& args);
+KvsObject KvsOpen(KvsObject session, const std::vector<KvsArg>& args);
+int KvsSet(KvsObject o, const std::vector<KvsArg>& args);
+int KvsGet(KvsObject o, const std::vector<KvsArg>& args);
+
+// A session under the root with its server, base, site and port.
+KvsSessionRec* KvsNewSession(KvsRootRec* r, const std::string& project);
+// The batch phase of this process from JOBN and STEP; false when none.
+bool KvsBatchSetup(KvsRootRec* r);
+std::string KvsDumpPath();
+
 // Session exchange (database/kvs/KvsSession.cpp).
 void KvsMsgInit(KvsSessionRec* s, char command);
 int KvsMsgsend(KvsSessionRec* s);
@@ -110,5 +136,11 @@ int KvsTableSend(KvsTableRec* t, char command);
 int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s);
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n);
 long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n);
+// n rows of one column from row on, through the table's page list; writes
+// add pages as needed.
+bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
+std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t);
+// Spool files are kept at destruction while a batch phase saves its tree.
+extern bool kvsKeepSpool;
 
 }  // namespace kvs

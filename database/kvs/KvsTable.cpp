@@ -32,7 +32,8 @@ int spool(KvsTableRec* t) {
   char name[64];
   std::snprintf(name, sizeof name, "%d_%X.KVS", static_cast<int>(getpid()),
                 static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(t)));
-  t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
+  // A table restored from a saved tree keeps its file.
+  if (t->spool.empty()) t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
   t->fd = ::open(t->spool.c_str(), O_RDWR | O_CREAT, 0660);
   if (t->fd < 0 && errno == EMFILE) {
     if (KvsRootRec* root = KvsRootObject())
@@ -45,29 +46,77 @@ int spool(KvsTableRec* t) {
   return t->fd;
 }
 
-// A row's place: its page, then this column's block in the page.
-off_t place(KvsArrayRec* a, long row) {
-  long page = row / KvsPageRows;
-  return static_cast<off_t>(page) * static_cast<off_t>(tableOf(a)->rowBytes() * KvsPageRows) +
-         static_cast<off_t>(a->offset + static_cast<std::size_t>(row % KvsPageRows) * a->elem);
+// One run of rows inside a page: the block of this column in the page's
+// file block, then the slot.
+off_t place(KvsArrayRec* a, const KvsPage* pg, long slot) {
+  return static_cast<off_t>(pg->index) * static_cast<off_t>(tableOf(a)->rowBytes() * KvsPageRows) +
+         static_cast<off_t>(a->offset + static_cast<std::size_t>(slot) * a->elem);
 }
 
-bool io(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
-  int fd = spool(tableOf(a));
+KvsPage* pageOf(KvsTableRec* t, long row) {
+  if (!t->pages) t->pages = t->hint = _KvsPageAlloc(KvsPageRows);
+  KvsPage* p = t->hint && t->hint->first <= row ? t->hint : t->pages;
+  // From the hint forward; the last page takes rows within its capacity.
+  for (; p->next; p = p->next)
+    if (row >= p->first && row < p->first + p->used) return p;
+  return row >= p->first && row < p->first + p->capacity ? p : nullptr;
+}
+
+}  // namespace
+
+std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t) { return arraysOf(t); }
+
+bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
+  KvsTableRec* t = tableOf(a);
+  int fd = spool(t);
   if (fd < 0) return false;
-  // A table of one column has its pages back to back: one call for all.
-  bool contiguous = tableOf(a)->rowBytes() == a->elem;
+  // A table of one column has full pages of consecutive indexes back to
+  // back in the file: one call covers them all.
+  bool single = t->rowBytes() == a->elem;
+  KvsPage* pg = n > 0 ? pageOf(t, row) : nullptr;
+  if (!pg && write && n > 0) {
+    KvsPage* last = KvsPageBottom(t->pages);
+    if (row == last->first + last->used) pg = KvsPageAppend(last);
+  }
   while (n > 0) {
-    long run = contiguous ? n : std::min(n, KvsPageRows - row % KvsPageRows);
+    if (!pg) return false;
+    long slot = row - pg->first;
+    long room = (write && !pg->next ? pg->capacity : pg->used) - slot;
+    if (room <= 0) {
+      pg = pg->next ? pg->next : write ? KvsPageAppend(pg) : nullptr;
+      continue;
+    }
+    long run = std::min(n, room);
+    KvsPage* end = pg;
+    while (single && run < n && row + run == end->first + end->capacity) {
+      KvsPage* nx = end->next;
+      if (!nx && write) {
+        end->used = end->capacity;
+        nx = KvsPageAppend(end);
+      }
+      if (!nx || nx->index != end->index + 1 || nx->first != end->first + end->capacity) break;
+      if (write) end->used = end->capacity;
+      long more = std::min(n - run, write && !nx->next ? nx->capacity : nx->used);
+      if (more <= 0) break;
+      run += more;
+      end = nx;
+    }
     std::size_t bytes = static_cast<std::size_t>(run) * a->elem;
-    ssize_t done = write ? ::pwrite(fd, p, bytes, place(a, row)) : ::pread(fd, p, bytes, place(a, row));
+    ssize_t done = write ? ::pwrite(fd, p, bytes, place(a, pg, slot)) : ::pread(fd, p, bytes, place(a, pg, slot));
     if (done != static_cast<ssize_t>(bytes)) return false;
+    if (write) end->used = std::max(end->used, row + run - end->first);
+    t->hint = end;
     row += run;
     n -= run;
     p += bytes;
+    if (n > 0) pg = end->next ? end->next : write ? KvsPageAppend(end) : nullptr;
   }
   return true;
 }
+
+namespace {
+
+bool io(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) { return KvsTableIo(a, row, p, n, write); }
 
 // The running minimum and maximum of a column, nulls left out; a plain
 // loop over one format at a time, which the compiler can vectorise.
