@@ -33,10 +33,21 @@ std::string hex(const std::string& s) {
   return out;
 }
 
+// A field that is not hex marks the whole file as bad.
+bool badField = false;
+
+int nibble(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  badField = true;
+  return 0;
+}
+
 std::string unhex(const std::string& s) {
   std::string out;
   if (s == "-") return out;
-  for (std::size_t i = 0; i + 1 < s.size(); i += 2) out += static_cast<char>(std::stoi(s.substr(i, 2), nullptr, 16));
+  if (s.size() % 2) badField = true;
+  for (std::size_t i = 0; i + 1 < s.size(); i += 2) out += static_cast<char>(nibble(s[i]) * 16 + nibble(s[i + 1]));
   return out;
 }
 
@@ -104,6 +115,7 @@ int KvsLoad(const char* path) {
   KvsDatasetRec* d = nullptr;
   KvsTableRec* t = nullptr;
   KvsPage* last = nullptr;
+  badField = false;
   auto adopt = [](KvsObject parent, KvsObject child) {
     child->parent = parent;
     child->project = parent->project;
@@ -138,6 +150,7 @@ int KvsLoad(const char* path) {
     } else if (kind == "G" && t) {
       long index = 0, used = 0, capacity = 0;
       f >> index >> used >> capacity;
+      if (index < 0 || used < 0 || used > capacity || capacity != KvsPageRows) return bad(path);
       last = last ? KvsPageAppend(last) : (t->pages = _KvsPageAlloc(capacity));
       last->index = index, last->used = used;
     } else if (kind == "A" && t) {
@@ -149,17 +162,19 @@ int KvsLoad(const char* path) {
       ar->name = unhex(a), ar->attribute = unhex(b), ar->format = unhex(c), ar->ascii = unhex(e);
       ar->dimension = unhex(g), ar->unit = unhex(u);
       ar->min = std::strtod(mn.c_str(), nullptr), ar->max = std::strtod(mx.c_str(), nullptr);
+      if (ar->elem < 1 || ar->elem > 64000 || ar->rows < 0 || ar->rows > t->rows) return bad(path);
     } else if (kind == "P" && t) {
       auto* pr = new KvsParamsRec;
       adopt(t, pr);
       f >> a >> b;
       pr->name = unhex(a);
       std::string block = unhex(b);
-      KvsParamsDecode(reinterpret_cast<const unsigned char*>(block.data()), block.size(), pr->params);
+      if (KvsParamsDecode(reinterpret_cast<const unsigned char*>(block.data()), block.size(), pr->params) < 0)
+        return bad(path);
     } else {
       return bad(path);
     }
-    if (f.fail()) return bad(path);
+    if (f.fail() || badField) return bad(path);
   }
   for (KvsObject so : r->children)
     for (KvsObject dob : so->children)

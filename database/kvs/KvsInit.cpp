@@ -119,7 +119,10 @@ int KvsInit() {
   // A later batch step takes up the tree the step before left.
   if (batch && r->initMode == 0 && access(KvsDumpPath().c_str(), R_OK) == 0) {
     if (int rc = KvsLoad(KvsDumpPath().c_str())) {
+      // Files named in a tree that did not read back are left alone.
+      kvsKeepSpool = true;
       KvsDestroy(r);
+      kvsKeepSpool = false;
       KvsSetRootObject(nullptr);
       return rc;
     }
