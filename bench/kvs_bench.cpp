@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -83,19 +84,41 @@ void KvsSendAndSelect(benchmark::State& state) {
   std::vector<float>& x = column();
   std::vector<float> back(x.size());
   long n = static_cast<long>(x.size());
+  // Seconds spent in each step, reported per iteration as counters.
+  double write = 0, send = 0, select = 0, read = 0, close = 0;
+  auto since = [](std::chrono::steady_clock::time_point& t0) {
+    auto t1 = std::chrono::steady_clock::now();
+    double s = std::chrono::duration<double>(t1 - t0).count();
+    t0 = t1;
+    return s;
+  };
   for (auto _ : state) {
     using namespace kvs;
+    auto t0 = std::chrono::steady_clock::now();
     KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "big", 0L);
     KvsObject t = KvsCreate(ds, KvsNname, "RCVS", 0L);
     KvsCreate(t, KvsNname, "X", KvsNdata, x.data(), 0L);
-    if (KvsWrite(t, n) != n || KvsReplace(ds) != 0) state.SkipWithError("send failed");
+    if (KvsWrite(t, n) != n) state.SkipWithError("write failed");
+    write += since(t0);
+    if (KvsReplace(ds) != 0) state.SkipWithError("send failed");
+    send += since(t0);
     KvsClose(ds);
+    close += since(t0);
     ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "big", 0L);
+    select += since(t0);
     KvsObject a = ds ? KvsFind(KvsFind(ds, "RCVS"), "X") : nullptr;
     KvsSet(a, KvsNdata, back.data(), 0L);
     if (!a || KvsRead(a, n) != n || back[n - 1] != x[n - 1]) state.SkipWithError("select failed");
+    read += since(t0);
     KvsClose(ds);
+    close += since(t0);
   }
+  auto per = [&](double s) { return benchmark::Counter(s * 1000, benchmark::Counter::kAvgIterations); };
+  state.counters["write_ms"] = per(write);
+  state.counters["send_ms"] = per(send);
+  state.counters["select_ms"] = per(select);
+  state.counters["read_ms"] = per(read);
+  state.counters["close_ms"] = per(close);
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * 2 * static_cast<int64_t>(kBytes));
 }
 

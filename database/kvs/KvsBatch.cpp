@@ -60,6 +60,7 @@ void dumpTable(std::ostream& out, KvsTableRec* t) {
   for (KvsObject c : t->children) {
     if (c->cls == &kvsArrayClass) {
       auto* a = static_cast<KvsArrayRec*>(c);
+      KvsArrayMinMax(a);
       char mm[80];
       std::snprintf(mm, sizeof mm, "%a %a", a->min, a->max);
       out << "A " << hex(a->name) << ' ' << hex(a->attribute) << ' ' << hex(a->format) << ' ' << hex(a->ascii) << ' '

@@ -81,6 +81,7 @@ struct KvsArrayRec : KvsObjectRec {
   int key = 0;
   void* data = nullptr;
   bool haveMinMax = false;
+  bool minMaxStale = false;  // rows came from the server; found again when needed
   double min = 0, max = 0;
   KvsArrayRec() : KvsObjectRec(&kvsArrayClass) {}
 };
@@ -138,6 +139,8 @@ long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n);
 long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n);
 // n rows of one column from row on, through the table's page list; writes
 // add pages as needed.
+// The column's minimum and maximum brought up to date.
+int KvsArrayMinMax(KvsArrayRec* a);
 bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
 std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t);
 // Spool files are kept at destruction while a batch phase saves its tree.

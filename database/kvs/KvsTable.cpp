@@ -75,7 +75,7 @@ bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) 
   bool single = t->rowBytes() == a->elem;
   KvsPage* pg = n > 0 ? pageOf(t, row) : nullptr;
   if (!pg && write && n > 0) {
-    KvsPage* last = KvsPageBottom(t->pages);
+    KvsPage* last = t->hint && !t->hint->next ? t->hint : KvsPageBottom(t->pages);
     if (row == last->first + last->used) pg = KvsPageAppend(last);
   }
   while (n > 0) {
@@ -248,7 +248,7 @@ long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
   if (!io(a, a->rows, const_cast<unsigned char*>(from), n, true)) {
     return -_KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(a)->spool.c_str());
   }
-  minMax(a, from, n);
+  if (!a->minMaxStale) minMax(a, from, n);
   a->rows += n;
   KvsTableRec* t = tableOf(a);
   t->rows = std::max(t->rows, a->rows);
@@ -293,6 +293,19 @@ int KvsCheck(KvsObject o) {
         return _KvsLog(KvsErrGeneral, "%%E Column %s of table %s has %ld rows, not %ld", a->name.c_str(),
                        t->name.c_str(), a->rows, t->rows);
     if (int rc = KvsVerifyKeys(t)) return rc;
+  }
+  return 0;
+}
+
+int KvsArrayMinMax(KvsArrayRec* a) {
+  if (!a->minMaxStale) return 0;
+  a->minMaxStale = a->haveMinMax = false;
+  std::vector<unsigned char> block(static_cast<std::size_t>(16 * KvsPageRows) * a->elem);
+  for (long row = 0; row < a->rows; row += 16 * KvsPageRows) {
+    long n = std::min(16 * KvsPageRows, a->rows - row);
+    if (!io(a, row, block.data(), n, false))
+      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", tableOf(a)->spool.c_str());
+    minMax(a, block.data(), n);
   }
   return 0;
 }
@@ -460,6 +473,8 @@ int KvsTableSend(KvsTableRec* t, char command) {
   if (block.size() > s->buf.size()) return fail(_KvsLog(KvsErrGeneral, "%%E Too much empty space requested"));
   if (int rc = KvsSendBuf(s, block.data(), block.size())) return fail(rc);
   long position = 0;
+  for (KvsArrayRec* a : arrays)
+    if (int rc = KvsArrayMinMax(a)) return fail(rc);
   for (KvsArrayRec* a : arrays) {
     KvsMsg h = request;
     h.b[KvsMsgObject] = 'A';
@@ -557,6 +572,9 @@ int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
     a->ascii = h.text(312, 8);
     a->fmt = (fmt == KvsFmtINT || fmt == KvsFmtFLT || fmt == KvsFmtDBL) ? fmt : 0;
     a->elem = elem;
+    // Nobody may ask for the bounds of what was read: no pass over the
+    // rows for them now.
+    a->minMaxStale = true;
     a->offset = t->rowBytes() * KvsPageRows;
     a->parent = t;
     a->project = t->project;
