@@ -5,6 +5,7 @@
 // on success and an error code otherwise; each failure is logged through
 // KvsPrintf as a text whose first two characters are its severity:
 // "%I", "%W", "%E" or "%S". The library is not safe for threads.
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -136,6 +137,13 @@ int KvsRestore(KvsObject o);
 // phases keep it in "Kvs.dmp" of the working directory between steps).
 int KvsDump(const char* path);
 int KvsLoad(const char* path);
+
+// Counted allocation: kvsAllocated holds the bytes in use. A failure logs
+// with the name of the object the memory was for and gives null.
+extern long kvsAllocated;
+void* KvsAlloc(std::size_t n, const char* object);
+void* KvsRealloc(void* p, std::size_t n, const char* object);
+void KvsFree(void* p);
 
 // Internal: logs a formatted text and keeps its code.
 int _KvsLog(int code, const char* format, ...);

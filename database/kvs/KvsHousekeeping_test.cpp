@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -86,6 +88,21 @@ TEST(KvsPages, ListEdits) {
   EXPECT_EQ(head->next, nullptr);
   EXPECT_EQ(KvsPageAppend(head)->index, 1);
   KvsPageFree(head);
+}
+
+TEST(KvsAlloc, CountsAndFailureText) {
+  KvsTestCapture();
+  long before = kvsAllocated;
+  auto* p = static_cast<char*>(KvsAlloc(100, "buf"));
+  std::memset(p, 1, 100);
+  EXPECT_EQ(kvsAllocated, before + 100);
+  p = static_cast<char*>(KvsRealloc(p, 300, "buf"));
+  EXPECT_EQ(p[99], 1);
+  EXPECT_EQ(kvsAllocated, before + 300);
+  KvsFree(p);
+  EXPECT_EQ(kvsAllocated, before);
+  EXPECT_EQ(KvsAlloc(SIZE_MAX - 8, "Table"), nullptr);
+  EXPECT_EQ(KvsTestLog().back(), "%S Kvs Package could not allocate memory for object Table");
 }
 
 // Empty rows dropped, the file packed, a column added to a table with
@@ -282,4 +299,35 @@ TEST_F(KvsHousekeeping, ByReferenceForms) {
   EXPECT_EQ(size, 3);
   EXPECT_EQ(kvsgroup_(&t), KvsErrClass);
   EXPECT_EQ(kvsexit_(), 0);
+}
+
+// Columns large enough that reading the socket and writing the file run
+// side by side, on both ends: the rows come back whole, and a stored file
+// cut short ends the read with the receive error.
+TEST_F(KvsHousekeeping, LargeColumnsBothWaysAndCutShort) {
+  init();
+  long n = 3 << 20;
+  std::vector<float> x(static_cast<std::size_t>(n));
+  for (long i = 0; i < n; ++i) x[i] = float(i % 100000) + 0.25f;
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "BIG", 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "RCVS", 0L);
+  KvsCreate(t, KvsNname, "X", KvsNdata, x.data(), 0L);
+  ASSERT_EQ(KvsWrite(t, n), n);
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  KvsClose(ds);
+  ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "BIG", 0L);
+  ASSERT_NE(ds, nullptr) << KvsErrorString();
+  KvsObject a = KvsFind(KvsFind(ds, "RCVS"), "X");
+  std::vector<float> back(x.size());
+  KvsSet(a, KvsNdata, back.data(), 0L);
+  ASSERT_EQ(KvsRead(a, n), n);
+  EXPECT_TRUE(back == x);
+  KvsClose(ds);
+  for (auto& e : fs::recursive_directory_iterator(scratch.root + "/kvsd"))
+    if (e.path().extension() == ".tab") fs::resize_file(e.path(), e.file_size() - 100000);
+  EXPECT_EQ(KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "BIG", 0L), nullptr);
+  EXPECT_EQ(KvsError(), 4);
+  EXPECT_TRUE(std::find(KvsTestLog().begin(), KvsTestLog().end(),
+                        "%E Could not receive data from server on 127.0.0.1") != KvsTestLog().end());
+  EXPECT_EQ(KvsTest(KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "BIG", 0L)), 0);
 }

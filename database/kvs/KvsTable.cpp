@@ -9,6 +9,7 @@
 
 #include "database/kvs/KvsDict.h"
 #include "database/kvs/KvsObject.h"
+#include "database/kvs/KvsPipe.h"
 #include "database/kvs/KvsSocket.h"
 
 namespace kvs {
@@ -232,16 +233,20 @@ bool converts(const KvsArrayRec* a) { return a->fmt && a->userFmt && a->userFmt 
 
 }  // namespace
 
+// Text: the last byte is always a NUL, trailing punctuation and blanks go.
+static void cleanText(const KvsArrayRec* a, unsigned char* p, long n) {
+  for (long i = 0; i < n; ++i) {
+    unsigned char* v = p + static_cast<std::size_t>(i) * a->elem;
+    v[a->elem - 1] = 0;
+    for (std::size_t k = a->elem; k-- > 0 && !std::isalnum(v[k]);) v[k] = 0;
+  }
+}
+
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
   std::vector<unsigned char> tmp;
   if (!a->fmt) {
     tmp.assign(rows, rows + static_cast<std::size_t>(n) * a->elem);
-    // Text: the last byte is always a NUL, trailing punctuation and blanks go.
-    for (long i = 0; i < n; ++i) {
-      unsigned char* v = &tmp[static_cast<std::size_t>(i) * a->elem];
-      v[a->elem - 1] = 0;
-      for (std::size_t k = a->elem; k-- > 0 && !std::isalnum(v[k]);) v[k] = 0;
-    }
+    cleanText(a, tmp.data(), n);
   }
   const unsigned char* from = a->fmt ? rows : tmp.data();
   tableOf(a)->updated = true;
@@ -524,6 +529,53 @@ int KvsTableSend(KvsTableRec* t, char command) {
   return 0;
 }
 
+namespace {
+
+// The blocks of one received column in wire order: whole rows swapped and
+// appended to the spool file, a row cut between blocks kept for the next.
+// It neither logs nor reads the socket, so it may run beside the reader.
+struct ColumnSink {
+  KvsArrayRec* a;
+  std::vector<unsigned char> carry, rows;
+  bool append(unsigned char* p, long n) {
+    if (!a->fmt) cleanText(a, p, n);
+    if (!KvsTableIo(a, a->rows, p, n, true)) return false;
+    a->rows += n;
+    KvsTableRec* t = tableOf(a);
+    t->rows = std::max(t->rows, a->rows);
+    return true;
+  }
+  bool take(unsigned char* p, long got) {
+    long elem = static_cast<long>(a->elem);
+    if (carry.empty() && got % elem == 0) {
+      KvsFromWire(a->fmt, a->elem, p, p, static_cast<std::size_t>(got / elem));
+      return append(p, got / elem);
+    }
+    carry.insert(carry.end(), p, p + got);
+    std::size_t whole = carry.size() / a->elem;
+    rows.resize(whole * a->elem);
+    KvsFromWire(a->fmt, a->elem, carry.data(), rows.data(), whole);
+    if (whole && !append(rows.data(), static_cast<long>(whole))) return false;
+    carry.erase(carry.begin(), carry.begin() + static_cast<long>(whole * a->elem));
+    return true;
+  }
+};
+
+bool receiveColumns(KvsSessionRec* s, std::vector<std::pair<KvsArrayRec*, long>>& arrays) {
+  std::vector<ColumnSink> sinks;
+  std::vector<long> bytes;
+  for (auto& c : arrays) sinks.push_back(ColumnSink{c.first, {}, {}}), bytes.push_back(c.second);
+  KvsPipeResult r =
+      KvsPipeFrames(s->fd, bytes, [&](std::size_t k, unsigned char* p, long n) { return sinks[k].take(p, n); });
+  if (r.status == KvsPipeOk) return true;
+  KvsSessionDrop(s);  // the rest of the stream is not read
+  if (r.status == KvsPipeLost) KvsSessionLog(KvsErrRecv, s);
+  else _KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(sinks[r.part].a)->spool.c_str());
+  return false;
+}
+
+}  // namespace
+
 int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
   const KvsMsg tr = s->msg;
   t->name = tr.text(224, 32);
@@ -581,31 +633,7 @@ int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
     t->children.push_back(a);
     arrays.emplace_back(a, total);
   }
-  std::vector<unsigned char> carry, rows;
-  for (auto& [a, left] : arrays) {
-    carry.clear();
-    while (left > 0) {
-      long got = KvsSkRead(s->fd, s->buf.data(), s->buf.size());
-      if (got < 1 || got > left) {
-        KvsSessionDrop(s);
-        return KvsSessionLog(KvsErrRecv, s);
-      }
-      left -= got;
-      if (carry.empty() && got % static_cast<long>(a->elem) == 0) {
-        // Whole rows: swapped in place, the common case.
-        long whole = got / static_cast<long>(a->elem);
-        KvsFromWire(a->fmt, a->elem, s->buf.data(), s->buf.data(), static_cast<std::size_t>(whole));
-        if (KvsArrayWriteRows(a, s->buf.data(), whole) < 0) return kvsErrorNo;
-        continue;
-      }
-      carry.insert(carry.end(), s->buf.begin(), s->buf.begin() + got);
-      std::size_t whole = carry.size() / a->elem;
-      rows.resize(whole * a->elem);
-      KvsFromWire(a->fmt, a->elem, carry.data(), rows.data(), whole);
-      if (whole && KvsArrayWriteRows(a, rows.data(), static_cast<long>(whole)) < 0) return kvsErrorNo;
-      carry.erase(carry.begin(), carry.begin() + static_cast<long>(whole * a->elem));
-    }
-  }
+  if (!receiveColumns(s, arrays)) return kvsErrorNo;
   t->updated = true;
   return 0;
 }

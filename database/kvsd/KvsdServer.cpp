@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "database/kvs/KvsParams.h"
+#include "database/kvs/KvsPipe.h"
 #include "database/kvs/KvsSocket.h"
 
 namespace fs = std::filesystem;
@@ -382,18 +383,14 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   // The records went through the stream's buffer; the column data go
   // straight from the frame buffer to the file, a frame per write.
   ok = std::fflush(out) == 0 && ok;
-  for (std::size_t a = 0; ok && a < heads.size(); ++a) {
-    long left = heads[a].num(256);
-    while (ok && left > 0) {
-      long n = kvs::KvsSkRead(fd, buf.data(), buf.size());
-      if (n < 1 || n > left) {
-        ok = false;
-        break;
-      }
-      ok = writeAll(fileno(out), buf.data(), static_cast<std::size_t>(n));
-      left -= n;
-    }
-  }
+  // Large columns are written by a second thread while the next frames
+  // come in.
+  std::vector<long> bytes;
+  for (const KvsMsg& h : heads) bytes.push_back(h.num(256));
+  if (ok)
+    ok = kvs::KvsPipeFrames(fd, bytes, [&](std::size_t, unsigned char* p, long n) {
+           return writeAll(fileno(out), p, static_cast<std::size_t>(n));
+         }).status == kvs::KvsPipeOk;
   std::fclose(out);
   if (!ok) {
     fs::remove(tmp, ec);

@@ -1,0 +1,27 @@
+#pragma once
+// Column data read off a connection on the calling thread while a second
+// thread writes what was read: the socket copy and the file write of a
+// large transfer overlap instead of taking turns.
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+namespace kvs {
+
+enum KvsPipeStatus { KvsPipeOk = 0, KvsPipeLost = 1, KvsPipeFailed = 2 };
+
+struct KvsPipeResult {
+  KvsPipeStatus status = KvsPipeOk;
+  std::size_t part = 0;  // the part that failed
+};
+
+// Reads frames from fd, bytes[k] payload bytes for part k in turn, and
+// hands each frame, in order, to take(k, data, n); take may change the
+// bytes in place. A frame that runs past its part, or a closed or short
+// connection, gives KvsPipeLost; a take returning false gives
+// KvsPipeFailed and no more is read. Parts of small total go without the
+// second thread.
+KvsPipeResult KvsPipeFrames(int fd, const std::vector<long>& bytes,
+                            const std::function<bool(std::size_t, unsigned char*, long)>& take);
+
+}  // namespace kvs
