@@ -1,6 +1,4 @@
 #include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -440,58 +438,6 @@ int KvsFlush(KvsObject o) {
   return 0;  // rows go to the spool file as they are written
 }
 
-namespace {
-
-// The spool file seen through a read-only mapping while it is sent: the
-// rows are swapped from the page cache straight into the send buffer,
-// with no read copy in between. Without a mapping the rows are read.
-struct SpoolMap {
-  const unsigned char* data = nullptr;
-  std::size_t size = 0;
-  explicit SpoolMap(KvsTableRec* t) {
-    struct stat st;
-    if (t->fd < 0 || ::fstat(t->fd, &st) != 0 || st.st_size <= 0) return;
-    void* p = ::mmap(nullptr, static_cast<std::size_t>(st.st_size), PROT_READ, MAP_SHARED | MAP_POPULATE, t->fd, 0);
-    if (p == MAP_FAILED) return;
-    data = static_cast<const unsigned char*>(p);
-    size = static_cast<std::size_t>(st.st_size);
-  }
-  ~SpoolMap() {
-    if (data) ::munmap(const_cast<unsigned char*>(data), size);
-  }
-  SpoolMap(const SpoolMap&) = delete;
-  SpoolMap& operator=(const SpoolMap&) = delete;
-};
-
-// One column page by page, in frames of at most the session buffer.
-int sendMapped(KvsSessionRec* s, KvsArrayRec* a, const SpoolMap& map) {
-  KvsTableRec* t = tableOf(a);
-  long per = static_cast<long>(s->buf.size() / a->elem), filled = 0;
-  for (KvsPage* pg = t->pages; pg && pg->first < a->rows; pg = pg->next) {
-    long left = std::min(pg->used, a->rows - pg->first);
-    std::size_t at = static_cast<std::size_t>(place(a, pg, 0));
-    if (at + static_cast<std::size_t>(left) * a->elem > map.size)
-      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", t->spool.c_str());
-    const unsigned char* from = map.data + at;
-    while (left > 0) {
-      long k = std::min(left, per - filled);
-      KvsToWire(a->fmt, a->elem, from, s->buf.data() + static_cast<std::size_t>(filled) * a->elem,
-                static_cast<std::size_t>(k));
-      from += static_cast<std::size_t>(k) * a->elem;
-      filled += k;
-      left -= k;
-      if (filled == per) {
-        if (int rc = KvsSendBuf(s, s->buf.data(), static_cast<std::size_t>(filled) * a->elem)) return rc;
-        filled = 0;
-      }
-    }
-  }
-  if (filled) return KvsSendBuf(s, s->buf.data(), static_cast<std::size_t>(filled) * a->elem);
-  return 0;
-}
-
-}  // namespace
-
 int KvsTableSend(KvsTableRec* t, char command) {
   auto* d = static_cast<KvsDatasetRec*>(t->parent);
   KvsSessionRec* s = KvsSessionOf(t);
@@ -563,13 +509,7 @@ int KvsTableSend(KvsTableRec* t, char command) {
   int st = KvsMsgrecv(s);
   if (st < 0) return fail(kvsErrorNo);
   if (st) return fail(KvsSessionLog(st, s));
-  spool(t);
-  SpoolMap map(t);
   for (KvsArrayRec* a : arrays) {
-    if (map.data) {
-      if (int rc = sendMapped(s, a, map)) return fail(rc);
-      continue;
-    }
     // Read straight into the send buffer and swap there: one pass over
     // the bytes fewer than going through a separate row buffer.
     long per = static_cast<long>(s->buf.size() / a->elem);
