@@ -297,6 +297,12 @@ TEST_F(KvsHousekeeping, ByReferenceForms) {
   EXPECT_EQ(kvsget_(&t, &tcls, cls, &sz, &size, nullptr), 0);
   EXPECT_EQ(std::string(cls, sizeof cls), "SHOTS       ");
   EXPECT_EQ(size, 3);
+  char dom[6];
+  kvsStrLen[0] = sizeof dom;
+  EXPECT_EQ(kvsdomain_(&t, dom), 0);
+  EXPECT_EQ(std::string(dom, sizeof dom), "SHOT  ");
+  kvsStrLen[0] = 8;
+  EXPECT_EQ(kvsdttab_("RCVS    "), 2);
   EXPECT_EQ(kvsgroup_(&t), KvsErrClass);
   EXPECT_EQ(kvsexit_(), 0);
 }

@@ -1,9 +1,11 @@
 #include "database/kvs/KvsRef.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstring>
 #include <string>
 
+#include "database/kvs/KvsDict.h"
 #include "database/kvs/KvsObject.h"
 
 using namespace kvs;
@@ -45,6 +47,16 @@ std::vector<KvsArg> args(va_list ap, Texts& texts) {
 }
 
 KvsObject at(KvsObject* o) { return o ? *o : nullptr; }
+
+// A text out to a blank-padded buffer of length kvsStrLen[0]; the code of
+// the call, 0 when there was a text.
+int pad(const char* text, char* out) {
+  if (out && kvsStrLen[0] > 0) {
+    std::memset(out, ' ', static_cast<std::size_t>(kvsStrLen[0]));
+    if (text) std::memcpy(out, text, std::min(std::strlen(text), static_cast<std::size_t>(kvsStrLen[0])));
+  }
+  return text ? 0 : kvsErrorNo;
+}
 
 }  // namespace
 
@@ -149,4 +161,15 @@ int kvsdefquery_(KvsObject* d, const char* domain, const char* text) {
   return KvsDefQuery(at(d), cut(domain, kvsStrLen[0]).c_str(), cut(text, kvsStrLen[1]).c_str());
 }
 int kvsundefquery_(KvsObject* d) { return KvsUndefQuery(at(d)); }
+int kvsiskey_(KvsObject* a) { return KvsIsKey(at(a)); }
+long kvslocate_(KvsObject* a, const void* value) { return KvsLocate(at(a), value); }
+int kvsverifykeys_(KvsObject* t) { return KvsVerifyKeys(at(t)); }
+int kvsdomain_(KvsObject* t, char* out) { return pad(KvsDomain(at(t)), out); }
+int kvstype_(KvsObject* o, char* out) { return pad(KvsType(at(o)), out); }
+int kvsdump_(const char* path) { return KvsDump(cut(path, kvsStrLen[0]).c_str()); }
+int kvsload_(const char* path) { return KvsLoad(cut(path, kvsStrLen[0]).c_str()); }
+long kvsdtatt_(const char* name) { return KvsDtAtt(cut(name, kvsStrLen[0]).c_str()); }
+long kvsdttyp_(const char* name) { return KvsDtTyp(cut(name, kvsStrLen[0]).c_str()); }
+long kvsdttab_(const char* name) { return KvsDtTab(cut(name, kvsStrLen[0]).c_str()); }
+long kvsdtdom_(const char* name) { return KvsDtDom(cut(name, kvsStrLen[0]).c_str()); }
 }

@@ -54,4 +54,17 @@ int kvscompacttable_(kvs::KvsObject* o);
 kvs::KvsObject kvscreateattrifneed_(kvs::KvsObject* table, const char* name);
 int kvsdefquery_(kvs::KvsObject* dataset, const char* domain, const char* text);
 int kvsundefquery_(kvs::KvsObject* dataset);
+int kvsiskey_(kvs::KvsObject* array);
+long kvslocate_(kvs::KvsObject* array, const void* value);
+int kvsverifykeys_(kvs::KvsObject* table);
+// The table's domain, or the type of a table or dataset, blank-padded
+// into out of length kvsStrLen[0].
+int kvsdomain_(kvs::KvsObject* table, char* out);
+int kvstype_(kvs::KvsObject* o, char* out);
+int kvsdump_(const char* path);
+int kvsload_(const char* path);
+long kvsdtatt_(const char* name);
+long kvsdttyp_(const char* name);
+long kvsdttab_(const char* name);
+long kvsdtdom_(const char* name);
 }
