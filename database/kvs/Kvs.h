@@ -138,6 +138,10 @@ int KvsRestore(KvsObject o);
 int KvsDump(const char* path);
 int KvsLoad(const char* path);
 
+// The word position (1 to 64) that a "KvsAttWord.<attribute>" resource of
+// config.kvs gives an attribute in a batch step of status 1; 0 if none.
+int KvsAttWord(const char* attribute);
+
 // Counted allocation: kvsAllocated holds the bytes in use. A failure logs
 // with the name of the object the memory was for and gives null.
 extern long kvsAllocated;

@@ -224,8 +224,14 @@ TEST_F(KvsHousekeeping, BatchStepsHandTheTreeOn) {
   ASSERT_EQ(KvsExit(), 0);
   ASSERT_TRUE(fs::exists(job + "/KVS/Kvs.dmp"));
 
+  // Word positions from config.kvs, taken in the steps of status 1.
+  std::ofstream(scratch.root + "/config.kvs", std::ios::app) << "KvsAttWord.SHOT: 3\nKvsAttWord*X: 70\n";
+  KvsTestCapture();
   setenv("STEP", "AX1", 1);
   init();
+  EXPECT_EQ(KvsAttWord("SHOT"), 3);
+  EXPECT_EQ(KvsAttWord("X"), 0);
+  EXPECT_EQ(KvsTestLog(), std::vector<std::string>{"%E value 70 outside of limits"});
   t = KvsFind(KvsFirst(session), "SHOTS");
   ASSERT_NE(t, nullptr);
   EXPECT_EQ(rows(t), 1500);

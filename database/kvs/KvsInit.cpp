@@ -28,6 +28,22 @@ bool plainName(const std::string& v) {
   return true;
 }
 
+// "KvsAttWord.<attribute>: n" lines of the resource file; an attribute the
+// dictionary lacks or a position outside 1 to 64 is reported and skipped.
+void attWords(KvsRootRec* r) {
+  for (const std::string& line : KvsRessourceLines()) {
+    if (line.rfind("KvsAttWord", 0) != 0 || line.size() < 11 || (line[10] != '.' && line[10] != '*')) continue;
+    std::size_t colon = line.find(':');
+    if (colon == std::string::npos) continue;
+    std::string att = line.substr(11, colon - 11);
+    while (!att.empty() && att.back() == ' ') att.pop_back();
+    int word = std::atoi(KvsExpendRessourcesBuf(line.c_str() + colon + 1).c_str());
+    if (!KvsDtAtt(att.c_str())) _KvsLog(KvsErrDict, "%%E The type %s is unknown in the dictionnary", att.c_str());
+    else if (word < 1 || word > 64) _KvsLog(KvsErrGeneral, "%%E value %d outside of limits", word);
+    else r->attWords.emplace_back(att, word);
+  }
+}
+
 int fail(KvsRootRec* r, int code) {
   delete r;
   return code;
@@ -112,6 +128,7 @@ int KvsInit() {
     _KvsLog(KvsErrDict, "%%S Could not find dictionnary");
     return fail(r, KvsErrDict);
   }
+  if (r->status == 1) attWords(r);
   r->project = project.substr(0, 16);
   if (!batch) r->client = env("USER").substr(0, 7);
   KvsSetRootObject(r);
@@ -137,6 +154,14 @@ int KvsInit() {
     KvsSetRootObject(nullptr);
     return rc;
   }
+  return 0;
+}
+
+int KvsAttWord(const char* attribute) {
+  KvsRootRec* r = KvsRootObject();
+  if (!r || !attribute) return 0;
+  for (const auto& w : r->attWords)
+    if (w.first == attribute) return w.second;
   return 0;
 }
 

@@ -49,6 +49,8 @@ std::vector<std::string> resources;
 std::size_t cursor = 0;
 }  // namespace
 
+const std::vector<std::string>& KvsRessourceLines() { return resources; }
+
 int KvsLoadRessources(const char* path) {
   std::ifstream in(path);
   if (!in) return -1;

@@ -38,6 +38,7 @@ struct KvsRootRec : KvsObjectRec {
   // Batch phases (JOBN and STEP set): init 1 starts a fresh tree, 0 reads
   // the one the step before saved; exit 2 or 3 saves it, 1 ends the chain.
   bool batch = false;
+  std::vector<std::pair<std::string, int>> attWords;  // from KvsAttWord.<attribute> resources
   int initMode = 1, exitMode = 0;
   KvsRootRec() : KvsObjectRec(&kvsRootClass) {}
 };
@@ -112,6 +113,9 @@ KvsObject KvsCreate(KvsObject parent, const std::vector<KvsArg>& args);
 KvsObject KvsOpen(KvsObject session, const std::vector<KvsArg>& args);
 int KvsSet(KvsObject o, const std::vector<KvsArg>& args);
 int KvsGet(KvsObject o, const std::vector<KvsArg>& args);
+
+// The lines of the resource file loaded last.
+const std::vector<std::string>& KvsRessourceLines();
 
 // A session under the root with its server, base, site and port.
 KvsSessionRec* KvsNewSession(KvsRootRec* r, const std::string& project);
