@@ -137,10 +137,10 @@ int KvsInit() {
   if (batch && r->initMode == 0 && access(KvsDumpPath().c_str(), R_OK) == 0) {
     if (int rc = KvsLoad(KvsDumpPath().c_str())) {
       // Files named in a tree that did not read back are left alone.
+      KvsSetRootObject(nullptr);
       kvsKeepSpool = true;
       KvsDestroy(r);
       kvsKeepSpool = false;
-      KvsSetRootObject(nullptr);
       return rc;
     }
     s = static_cast<KvsSessionRec*>(r->children.empty() ? KvsNewSession(r, project) : r->children.front());
@@ -150,8 +150,12 @@ int KvsInit() {
   if (batch && std::strcmp(std::getenv("STEP"), "AX2") != 0) return 0;
   int rc = KvsConnect(s);
   if (rc != 0) {
-    KvsDestroy(r);
+    // A batch step that cannot reach the server leaves the saved tree's
+    // files for another try.
     KvsSetRootObject(nullptr);
+    kvsKeepSpool = r->batch;
+    KvsDestroy(r);
+    kvsKeepSpool = false;
     return rc;
   }
   return 0;
@@ -188,16 +192,18 @@ int KvsExit() {
   } else if (r->batch && r->exitMode == 1) {
     ::unlink(KvsDumpPath().c_str());
   }
+  KvsSetRootObject(nullptr);
   KvsDestroy(r);
   kvsKeepSpool = false;
-  KvsSetRootObject(nullptr);
+  KvsSpoolDrop();
   return rc;
 }
 
 int KvsAbort() {
   KvsRootRec* r = KvsRootObject();
-  if (r) KvsDestroy(r);
   KvsSetRootObject(nullptr);
+  if (r) KvsDestroy(r);
+  KvsSpoolDrop();
   return 0;
 }
 

@@ -149,5 +149,13 @@ bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
 std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t);
 // Spool files are kept at destruction while a batch phase saves its tree.
 extern bool kvsKeepSpool;
+// Spool files of destroyed tables are kept, a few at a time, for the next
+// tables to write over: writing over a file's pages costs far less than
+// growing a new file and dropping an old one. KvsSpoolTake gives one for a
+// table whose file is to be called name ("" if none), KvsSpoolDrop removes
+// them all (at exit).
+void KvsSpoolRelease(const std::string& path);
+std::string KvsSpoolTake(const std::string& name);
+void KvsSpoolDrop();
 
 }  // namespace kvs

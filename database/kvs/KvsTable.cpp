@@ -33,8 +33,13 @@ int spool(KvsTableRec* t) {
   char name[64];
   std::snprintf(name, sizeof name, "%d_%X.KVS", static_cast<int>(getpid()),
                 static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(t)));
-  // A table restored from a saved tree keeps its file.
-  if (t->spool.empty()) t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
+  // A table restored from a saved tree keeps its file; a new one writes
+  // over the file of a table gone before it, under its own name.
+  if (t->spool.empty()) {
+    t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
+    std::string old = KvsSpoolTake(t->spool);
+    if (!old.empty() && ::rename(old.c_str(), t->spool.c_str()) != 0) ::unlink(old.c_str());
+  }
   t->fd = ::open(t->spool.c_str(), O_RDWR | O_CREAT, 0660);
   if (t->fd < 0 && errno == EMFILE) {
     if (KvsRootRec* root = KvsRootObject())

@@ -22,6 +22,32 @@ const KvsClassRec kvsParamsClass{"Params", &kvsCoreClass};
 bool kvsKeepSpool = false;
 
 namespace {
+std::vector<std::string> spoolPool;
+constexpr std::size_t kSpoolPool = 4;
+}  // namespace
+
+void KvsSpoolRelease(const std::string& path) {
+  if (spoolPool.size() < kSpoolPool && KvsRootObject()) spoolPool.push_back(path);
+  else ::unlink(path.c_str());
+}
+
+std::string KvsSpoolTake(const std::string& name) {
+  if (spoolPool.empty()) return "";
+  // A file already of that name is the one to take: the rename would
+  // otherwise drop it while the pool still names it.
+  auto same = std::find(spoolPool.begin(), spoolPool.end(), name);
+  if (same != spoolPool.end()) std::iter_swap(same, spoolPool.end() - 1);
+  std::string path = spoolPool.back();
+  spoolPool.pop_back();
+  return path;
+}
+
+void KvsSpoolDrop() {
+  for (const std::string& path : spoolPool) ::unlink(path.c_str());
+  spoolPool.clear();
+}
+
+namespace {
 KvsRootRec* root = nullptr;
 KvsObject current = nullptr;
 }
@@ -83,7 +109,7 @@ void KvsDestroy(KvsObject o) {
   } else if (o->cls == &kvsTableClass) {
     auto* t = static_cast<KvsTableRec*>(o);
     if (t->fd >= 0) ::close(t->fd);
-    if (!t->spool.empty() && !kvsKeepSpool) ::unlink(t->spool.c_str());
+    if (!t->spool.empty() && !kvsKeepSpool) KvsSpoolRelease(t->spool);
     KvsPageFree(t->pages);
     delete t;
   } else if (o->cls == &kvsArrayClass) {
