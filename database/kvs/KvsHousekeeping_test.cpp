@@ -313,9 +313,8 @@ TEST_F(KvsHousekeeping, ByReferenceForms) {
   EXPECT_EQ(kvsexit_(), 0);
 }
 
-// Columns large enough that reading the socket and writing the file run
-// side by side, on both ends: the rows come back whole, and a stored file
-// cut short ends the read with the receive error.
+// Columns of many frames both ways: the rows come back whole, and a stored
+// file cut short ends the read with the receive error.
 TEST_F(KvsHousekeeping, LargeColumnsBothWaysAndCutShort) {
   init();
   long n = 3 << 20;

@@ -383,8 +383,7 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   // The records went through the stream's buffer; the column data go
   // straight from the frame buffer to the file, a frame per write.
   ok = std::fflush(out) == 0 && ok;
-  // Large columns are written by a second thread while the next frames
-  // come in.
+  // The column data go straight from the frame buffer to the file.
   std::vector<long> bytes;
   for (const KvsMsg& h : heads) bytes.push_back(h.num(256));
   if (ok)
