@@ -340,5 +340,33 @@ TEST_F(KvsHousekeeping, LargeColumnsBothWaysAndCutShort) {
   EXPECT_EQ(KvsError(), 4);
   EXPECT_TRUE(std::find(KvsTestLog().begin(), KvsTestLog().end(),
                         "%E Could not receive data from server on 127.0.0.1") != KvsTestLog().end());
-  EXPECT_EQ(KvsTest(KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "BIG", 0L)), 0);
+  ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "BIG", 0L);
+  EXPECT_EQ(KvsTest(ds), 0);
+  KvsClose(ds);
+  // The same table replaced by smaller ones: each read back whole, over
+  // files the daemon and the library write over.
+  for (long m : {1000L, 2000L, 1500L}) {
+    ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "BIG", 0L);
+    t = KvsCreate(ds, KvsNname, "RCVS", 0L);
+    std::vector<float> y(static_cast<std::size_t>(m), float(m));
+    KvsCreate(t, KvsNname, "X", KvsNdata, y.data(), 0L);
+    ASSERT_EQ(KvsWrite(t, m), m);
+    ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+    KvsClose(ds);
+    ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "BIG", 0L);
+    a = KvsFind(KvsFind(ds, "RCVS"), "X");
+    ASSERT_EQ(rows(a), m);
+    std::vector<float> z(static_cast<std::size_t>(m) + 1, 0.f);
+    KvsSet(a, KvsNdata, z.data(), 0L);
+    ASSERT_EQ(KvsRead(a, m + 1), m);
+    z.pop_back();
+    EXPECT_TRUE(z == y) << m;
+    KvsClose(ds);
+  }
+  int projects = 0;
+  char** list = nullptr;
+  ASSERT_EQ(KvsListProjectSite(nullptr, "*", &projects, &list), 0);
+  ASSERT_EQ(projects, 1);
+  EXPECT_STREQ(list[0], "proj");
+  std::free(list);
 }
