@@ -9,7 +9,7 @@
 
 #include "database/kvs/KvsDict.h"
 #include "database/kvs/KvsObject.h"
-#include "database/kvs/KvsPipe.h"
+#include "database/kvs/KvsFrames.h"
 #include "database/kvs/KvsSocket.h"
 
 namespace kvs {
@@ -570,11 +570,11 @@ bool receiveColumns(KvsSessionRec* s, std::vector<std::pair<KvsArrayRec*, long>>
   std::vector<ColumnSink> sinks;
   std::vector<long> bytes;
   for (auto& c : arrays) sinks.push_back(ColumnSink{c.first, {}, {}}), bytes.push_back(c.second);
-  KvsPipeResult r =
-      KvsPipeFrames(s->fd, bytes, [&](std::size_t k, unsigned char* p, long n) { return sinks[k].take(p, n); });
-  if (r.status == KvsPipeOk) return true;
+  KvsFramesResult r =
+      KvsReadFrames(s->fd, bytes, [&](std::size_t k, unsigned char* p, long n) { return sinks[k].take(p, n); });
+  if (r.status == KvsFramesOk) return true;
   KvsSessionDrop(s);  // the rest of the stream is not read
-  if (r.status == KvsPipeLost) KvsSessionLog(KvsErrRecv, s);
+  if (r.status == KvsFramesLost) KvsSessionLog(KvsErrRecv, s);
   else _KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(sinks[r.part].a)->spool.c_str());
   return false;
 }

@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "database/kvs/KvsParams.h"
-#include "database/kvs/KvsPipe.h"
+#include "database/kvs/KvsFrames.h"
 #include "database/kvs/KvsSocket.h"
 
 namespace fs = std::filesystem;
@@ -410,9 +410,9 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   std::vector<long> bytes;
   for (const KvsMsg& h : heads) bytes.push_back(h.num(256));
   if (ok)
-    ok = kvs::KvsPipeFrames(fd, bytes, [&](std::size_t, unsigned char* p, long n) {
+    ok = kvs::KvsReadFrames(fd, bytes, [&](std::size_t, unsigned char* p, long n) {
            return writeAll(fileno(out), p, static_cast<std::size_t>(n));
-         }).status == kvs::KvsPipeOk;
+         }).status == kvs::KvsFramesOk;
   off_t length = ::lseek(fileno(out), 0, SEEK_CUR);
   ok = ok && length >= 0 && ::ftruncate(fileno(out), length) == 0;
   std::fclose(out);
