@@ -5,7 +5,7 @@
 namespace kvs {
 
 KvsFramesResult KvsReadFrames(int fd, const std::vector<long>& bytes,
-                            const std::function<bool(std::size_t, unsigned char*, long)>& take) {
+                              const std::function<bool(std::size_t, unsigned char*, long)>& take) {
   std::vector<unsigned char> block(KvsSkChunk);
   for (std::size_t k = 0; k < bytes.size(); ++k)
     for (long left = bytes[k]; left > 0;) {

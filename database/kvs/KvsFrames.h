@@ -22,6 +22,6 @@ struct KvsFramesResult {
 // connection, gives KvsFramesLost; a take returning false gives
 // KvsFramesFailed and no more is read.
 KvsFramesResult KvsReadFrames(int fd, const std::vector<long>& bytes,
-                            const std::function<bool(std::size_t, unsigned char*, long)>& take);
+                              const std::function<bool(std::size_t, unsigned char*, long)>& take);
 
 }  // namespace kvs

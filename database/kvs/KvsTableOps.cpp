@@ -59,7 +59,8 @@ int writeAll(KvsTableRec* t, std::vector<std::vector<unsigned char>>& data) {
   }
   if (t->pages) KvsPageRaz(t->pages);
   t->hint = t->pages;
-  if (t->fd >= 0 && ::ftruncate(t->fd, 0) != 0) return writeFail(t);
+  if (t->fd >= 0 ? ::ftruncate(t->fd, 0) != 0 : !t->spool.empty() && ::truncate(t->spool.c_str(), 0) != 0)
+    return writeFail(t);
   long rows = 0;
   for (std::size_t k = 0; k < arrays.size(); ++k) {
     long n = static_cast<long>(data[k].size() / arrays[k]->elem);
