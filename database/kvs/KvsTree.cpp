@@ -439,8 +439,10 @@ int KvsIsKey(KvsObject a) {
 
 int KvsRemove(KvsObject o) {
   if (!KvsCheckClass(o, kvsCoreClass, "KvsRemove")) return KvsErrClass;
-  if (o == root) root = nullptr;
+  bool wasRoot = o == root;
+  if (wasRoot) root = nullptr;
   KvsDestroy(o);
+  if (wasRoot) KvsSpoolDrop();
   return 0;
 }
 
