@@ -12,6 +12,7 @@
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsPage.h"
 #include "database/kvs/KvsRef.h"
+#include "database/kvs/KvsSocket.h"
 #include "database/kvs/KvsTestPeer.h"
 
 using namespace kvs;
@@ -182,6 +183,21 @@ TEST_F(KvsHousekeeping, TablesCleanedPackedGroupedAndRestored) {
   ASSERT_EQ(KvsRestore(ds), 0);
   EXPECT_EQ(KvsFirst(ds), KvsLast(ds));
   EXPECT_EQ(ints(KvsFind(KvsFirst(ds), "SHOT")), kept);
+  // Sent again as read: the column bounds in the array records are those
+  // of the rows, found when they are needed.
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  std::string stored;
+  for (auto& e : fs::recursive_directory_iterator(scratch.root + "/kvsd"))
+    if (e.path().filename() == "SHOTS.tab") stored = e.path();
+  std::ifstream in(stored, std::ios::binary);
+  std::vector<char> head(512 + 4);
+  in.read(head.data(), 516);
+  std::uint32_t plen = KvsGetBE32(reinterpret_cast<unsigned char*>(&head[512]));
+  std::vector<char> rec(plen + 512);
+  in.read(rec.data(), static_cast<std::streamsize>(rec.size()));  // parameters, then the SHOT column
+  EXPECT_STREQ(&rec[plen + 224], "SHOT");
+  EXPECT_STREQ(&rec[plen + 352], "0");
+  EXPECT_STREQ(&rec[plen + 368], "9002");
   EXPECT_EQ(KvsCompactTable(ds), KvsErrClass);
   EXPECT_EQ(KvsTestLog().back(), "%E KvsCompactTable : argument object should be Table KvsObject class");
 }
