@@ -5,18 +5,24 @@
 //   KvsSendAndSelect  KvsWrite into the table's spool file, KvsReplace to
 //                     kvsd (which keeps the table in a file), KvsSelect and
 //                     KvsRead of the column
+//                     (counters: milliseconds per step, and cpu_ms, the
+//                     processor time of this process and kvsd together)
 //   LoopbackCopy      send and echo of the raw bytes over a TCP socket
 
 #include <benchmark/benchmark.h>
 
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <thread>
 #include <vector>
 
@@ -77,25 +83,69 @@ struct Daemon {
   }
 };
 
+// User and system time of this process and of process pid, in seconds.
+double cpuSeconds(pid_t pid) {
+  rusage self{};
+  getrusage(RUSAGE_SELF, &self);
+  double s = double(self.ru_utime.tv_sec + self.ru_stime.tv_sec) +
+             double(self.ru_utime.tv_usec + self.ru_stime.tv_usec) / 1e6;
+  std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+  std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+  std::size_t close = text.rfind(')');
+  if (close == std::string::npos) return s;
+  std::istringstream fields(text.substr(close + 2));
+  std::string skip;
+  for (int k = 0; k < 11; ++k) fields >> skip;  // state .. cmajflt
+  long utime = 0, stime = 0;
+  fields >> utime >> stime;
+  return s + double(utime + stime) / double(sysconf(_SC_CLK_TCK));
+}
+
 void KvsSendAndSelect(benchmark::State& state) {
   Daemon daemon;
   kvs::KvsObject session = kvs::KvsFirst(kvs::KvsRoot());
   std::vector<float>& x = column();
   std::vector<float> back(x.size());
   long n = static_cast<long>(x.size());
+  double cpu0 = cpuSeconds(daemon.pid);
+  // Seconds spent in each step, reported per iteration as counters.
+  double write = 0, send = 0, select = 0, read = 0, close = 0;
+  auto since = [](std::chrono::steady_clock::time_point& t0) {
+    auto t1 = std::chrono::steady_clock::now();
+    double s = std::chrono::duration<double>(t1 - t0).count();
+    t0 = t1;
+    return s;
+  };
   for (auto _ : state) {
     using namespace kvs;
+    auto t0 = std::chrono::steady_clock::now();
     KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "big", 0L);
     KvsObject t = KvsCreate(ds, KvsNname, "RCVS", 0L);
     KvsCreate(t, KvsNname, "X", KvsNdata, x.data(), 0L);
-    if (KvsWrite(t, n) != n || KvsReplace(ds) != 0) state.SkipWithError("send failed");
+    if (KvsWrite(t, n) != n) state.SkipWithError("write failed");
+    write += since(t0);
+    if (KvsReplace(ds) != 0) state.SkipWithError("send failed");
+    send += since(t0);
     KvsClose(ds);
+    close += since(t0);
     ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "big", 0L);
+    select += since(t0);
     KvsObject a = ds ? KvsFind(KvsFind(ds, "RCVS"), "X") : nullptr;
     KvsSet(a, KvsNdata, back.data(), 0L);
     if (!a || KvsRead(a, n) != n || back[n - 1] != x[n - 1]) state.SkipWithError("select failed");
+    read += since(t0);
     KvsClose(ds);
+    close += since(t0);
   }
+  auto per = [&](double s) { return benchmark::Counter(s * 1000, benchmark::Counter::kAvgIterations); };
+  // Processor time of the library's process (all threads) and of kvsd:
+  // on a shared machine a steadier figure than the elapsed time.
+  state.counters["cpu_ms"] = per(cpuSeconds(daemon.pid) - cpu0);
+  state.counters["write_ms"] = per(write);
+  state.counters["send_ms"] = per(send);
+  state.counters["select_ms"] = per(select);
+  state.counters["read_ms"] = per(read);
+  state.counters["close_ms"] = per(close);
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * 2 * static_cast<int64_t>(kBytes));
 }
 

@@ -5,6 +5,7 @@
 // on success and an error code otherwise; each failure is logged through
 // KvsPrintf as a text whose first two characters are its severity:
 // "%I", "%W", "%E" or "%S". The library is not safe for threads.
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -113,6 +114,40 @@ int KvsLoadRessources(const char* path);
 const char* KvsParseRessources(const char* cls, const char* name);
 std::string KvsExpendRessourcesBuf(const char* in);
 std::string KvsFindRessourcesFile(const std::string& dir, const char* name);
+
+// Housekeeping. KvsClean drops the rows whose every column is empty (null
+// marker, or an all-zero text) from a table, and on a dataset also the
+// tables left without rows. KvsFill brings the short columns of a table
+// (or one column) up to the table's rows with nulls. KvsReorgTable lays
+// the table file out again, pages full and in file order; KvsCompactTable
+// is KvsClean and then KvsReorgTable. KvsCreateAttrIfNeed gives the column
+// of that name, made when missing, as nulls in a table that has rows.
+// KvsGroup merges the tables of one class in a dataset into the first.
+// KvsRestore reads a dataset, or one table of it, back from the server,
+// dropping what this process changed.
+int KvsClean(KvsObject o);
+int KvsFill(KvsObject o);
+int KvsReorgTable(KvsObject table);
+int KvsCompactTable(KvsObject table);
+KvsObject KvsCreateAttrIfNeed(KvsObject table, const char* name);
+int KvsGroup(KvsObject dataset);
+int KvsRestore(KvsObject o);
+
+// The object tree of this process saved to a file and read back (batch
+// phases keep it in "Kvs.dmp" of the working directory between steps).
+int KvsDump(const char* path);
+int KvsLoad(const char* path);
+
+// The word position (1 to 64) that a "KvsAttWord.<attribute>" resource of
+// config.kvs gives an attribute in a batch step of status 1; 0 if none.
+int KvsAttWord(const char* attribute);
+
+// Counted allocation: kvsAllocated holds the bytes in use. A failure logs
+// with the name of the object the memory was for and gives null.
+extern long kvsAllocated;
+void* KvsAlloc(std::size_t n, const char* object);
+void* KvsRealloc(void* p, std::size_t n, const char* object);
+void KvsFree(void* p);
 
 // Internal: logs a formatted text and keeps its code.
 int _KvsLog(int code, const char* format, ...);

@@ -28,6 +28,22 @@ bool plainName(const std::string& v) {
   return true;
 }
 
+// "KvsAttWord.<attribute>: n" lines of the resource file; an attribute the
+// dictionary lacks or a position outside 1 to 64 is reported and skipped.
+void attWords(KvsRootRec* r) {
+  for (const std::string& line : KvsRessourceLines()) {
+    if (line.rfind("KvsAttWord", 0) != 0 || line.size() < 11 || (line[10] != '.' && line[10] != '*')) continue;
+    std::size_t colon = line.find(':');
+    if (colon == std::string::npos) continue;
+    std::string att = line.substr(11, colon - 11);
+    while (!att.empty() && att.back() == ' ') att.pop_back();
+    int word = std::atoi(KvsExpendRessourcesBuf(line.c_str() + colon + 1).c_str());
+    if (!KvsDtAtt(att.c_str())) _KvsLog(KvsErrDict, "%%E The type %s is unknown in the dictionnary", att.c_str());
+    else if (word < 1 || word > 64) _KvsLog(KvsErrGeneral, "%%E value %d outside of limits", word);
+    else r->attWords.emplace_back(att, word);
+  }
+}
+
 int fail(KvsRootRec* r, int code) {
   delete r;
   return code;
@@ -57,9 +73,10 @@ int KvsInit() {
   char cwd[129] = {};
   if (!getcwd(cwd, sizeof cwd - 1)) std::strcpy(cwd, "/tmp");
   r->workdir = cwd;
-  std::string project;
+  bool batch = KvsBatchSetup(r);
+  std::string project = batch ? env("PROJECT") : "";
   std::string corv = KvsFindRessourcesFile(r->workdir, ".corvProject");
-  if (!corv.empty() && KvsLoadRessources(corv.c_str()) >= 0) {
+  if (project.empty() && !corv.empty() && KvsLoadRessources(corv.c_str()) >= 0) {
     KvsParseRessources(nullptr, nullptr);
     if (const char* p = KvsParseRessources("Corvane", "Project")) project = p;
     KvsParseRessources(nullptr, nullptr);
@@ -111,23 +128,55 @@ int KvsInit() {
     _KvsLog(KvsErrDict, "%%S Could not find dictionnary");
     return fail(r, KvsErrDict);
   }
+  if (r->status == 1) attWords(r);
   r->project = project.substr(0, 16);
-  r->client = env("USER").substr(0, 7);
+  if (!batch) r->client = env("USER").substr(0, 7);
   KvsSetRootObject(r);
-  // The session of this project, connected at once.
+  KvsSessionRec* s = KvsNewSession(r, project);
+  // A later batch step takes up the tree the step before left.
+  if (batch && r->initMode == 0 && access(KvsDumpPath().c_str(), R_OK) == 0) {
+    if (int rc = KvsLoad(KvsDumpPath().c_str())) {
+      // Files named in a tree that did not read back are left alone.
+      KvsSetRootObject(nullptr);
+      kvsKeepSpool = true;
+      KvsDestroy(r);
+      kvsKeepSpool = false;
+      return rc;
+    }
+    s = static_cast<KvsSessionRec*>(r->children.empty() ? KvsNewSession(r, project) : r->children.front());
+  }
+  // Batch steps connect when they first talk to the server, except the
+  // last one, which connects at once.
+  if (batch && std::strcmp(std::getenv("STEP"), "AX2") != 0) return 0;
+  int rc = KvsConnect(s);
+  if (rc != 0) {
+    // A batch step that cannot reach the server leaves the saved tree's
+    // files for another try.
+    KvsSetRootObject(nullptr);
+    kvsKeepSpool = r->batch;
+    KvsDestroy(r);
+    kvsKeepSpool = false;
+    return rc;
+  }
+  return 0;
+}
+
+int KvsAttWord(const char* attribute) {
+  KvsRootRec* r = KvsRootObject();
+  if (!r || !attribute) return 0;
+  for (const auto& w : r->attWords)
+    if (w.first == attribute) return w.second;
+  return 0;
+}
+
+KvsSessionRec* KvsNewSession(KvsRootRec* r, const std::string& project) {
   auto* s = static_cast<KvsSessionRec*>(KvsCreate(r, KvsNproject, project.c_str(), 0L));
   s->server = r->server;
   s->base = r->base;
   s->site = r->site;
   std::string port = env("KVSPORT");
   s->port = port.empty() ? 4100 : std::atoi(port.c_str());
-  int rc = KvsConnect(s);
-  if (rc != 0) {
-    KvsDestroy(r);
-    KvsSetRootObject(nullptr);
-    return rc;
-  }
-  return 0;
+  return s;
 }
 
 int KvsExit() {
@@ -135,15 +184,26 @@ int KvsExit() {
   if (!r) return 0;
   for (KvsObject s : r->children)
     if (s->cls == &kvsSessionClass) KvsDisconnect(s);
-  KvsDestroy(r);
+  int rc = 0;
+  if (r->batch && r->exitMode >= 2) {
+    // The next step reads the tree back; the spool files stay for it.
+    rc = KvsDump(KvsDumpPath().c_str());
+    kvsKeepSpool = rc == 0;
+  } else if (r->batch && r->exitMode == 1) {
+    ::unlink(KvsDumpPath().c_str());
+  }
   KvsSetRootObject(nullptr);
-  return 0;
+  KvsDestroy(r);
+  kvsKeepSpool = false;
+  KvsSpoolDrop();
+  return rc;
 }
 
 int KvsAbort() {
   KvsRootRec* r = KvsRootObject();
-  if (r) KvsDestroy(r);
   KvsSetRootObject(nullptr);
+  if (r) KvsDestroy(r);
+  KvsSpoolDrop();
   return 0;
 }
 

@@ -1,15 +1,27 @@
 #include <cctype>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 
-#include "database/kvs/Kvs.h"
+#include "database/kvs/KvsObject.h"
 
 namespace kvs {
 
-static void defaultPrintf(const char* text) { std::fprintf(stderr, "%s\n", text); }
+// A batch step's messages go to its listing file when it has one.
+static void defaultPrintf(const char* text) {
+  KvsRootRec* r = KvsRootObject();
+  if (r && !r->logfile.empty()) {
+    if (FILE* f = std::fopen(r->logfile.c_str(), "a")) {
+      std::fprintf(f, "%s\n", text);
+      std::fclose(f);
+      return;
+    }
+  }
+  std::fprintf(stderr, "%s\n", text);
+}
 
 void (*KvsPrintf)(const char* text) = defaultPrintf;
 int kvsErrorNo = 0;
@@ -36,6 +48,8 @@ namespace {
 std::vector<std::string> resources;
 std::size_t cursor = 0;
 }  // namespace
+
+const std::vector<std::string>& KvsRessourceLines() { return resources; }
 
 int KvsLoadRessources(const char* path) {
   std::ifstream in(path);
@@ -109,6 +123,42 @@ std::string KvsFindRessourcesFile(const std::string& dir, const char* name) {
     if (slash == std::string::npos || path.empty()) return "";
     path.resize(slash);
   }
+}
+
+}  // namespace kvs
+
+namespace kvs {
+
+long kvsAllocated = 0;
+
+namespace {
+// Each block carries its size in front, so that a free can count it.
+constexpr std::size_t kHead = 16;
+}  // namespace
+
+void* KvsAlloc(std::size_t n, const char* object) { return KvsRealloc(nullptr, n, object); }
+
+void* KvsRealloc(void* p, std::size_t n, const char* object) {
+  unsigned char* base = p ? static_cast<unsigned char*>(p) - kHead : nullptr;
+  std::size_t old = 0;
+  if (base) std::memcpy(&old, base, sizeof old);
+  void* q = n <= SIZE_MAX - kHead ? std::realloc(base, n + kHead) : nullptr;
+  if (!q) {
+    _KvsLog(KvsErrGeneral, "%%S Kvs Package could not allocate memory for object %s", object ? object : "");
+    return nullptr;
+  }
+  std::memcpy(q, &n, sizeof n);
+  kvsAllocated += static_cast<long>(n) - static_cast<long>(old);
+  return static_cast<unsigned char*>(q) + kHead;
+}
+
+void KvsFree(void* p) {
+  if (!p) return;
+  unsigned char* base = static_cast<unsigned char*>(p) - kHead;
+  std::size_t n = 0;
+  std::memcpy(&n, base, sizeof n);
+  kvsAllocated -= static_cast<long>(n);
+  std::free(base);
 }
 
 }  // namespace kvs

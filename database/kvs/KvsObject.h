@@ -7,6 +7,7 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsMsg.h"
+#include "database/kvs/KvsPage.h"
 #include "database/kvs/KvsParams.h"
 
 namespace kvs {
@@ -34,6 +35,11 @@ struct KvsObjectRec {
 
 struct KvsRootRec : KvsObjectRec {
   std::string server, base, home, dict, client, workdir, site, logfile;
+  // Batch phases (JOBN and STEP set): init 1 starts a fresh tree, 0 reads
+  // the one the step before saved; exit 2 or 3 saves it, 1 ends the chain.
+  bool batch = false;
+  std::vector<std::pair<std::string, int>> attWords;  // from KvsAttWord.<attribute> resources
+  int initMode = 1, exitMode = 0;
   KvsRootRec() : KvsObjectRec(&kvsRootClass) {}
 };
 
@@ -60,6 +66,8 @@ struct KvsTableRec : KvsObjectRec {
   int fd = -1;
   long rows = 0;
   bool updated = false;
+  KvsPage* pages = nullptr;  // where each row sits in the spool file
+  KvsPage* hint = nullptr;   // the page last used, where a search starts
   KvsTableRec() : KvsObjectRec(&kvsTableClass) {}
   std::size_t rowBytes() const;
 };
@@ -74,6 +82,7 @@ struct KvsArrayRec : KvsObjectRec {
   int key = 0;
   void* data = nullptr;
   bool haveMinMax = false;
+  bool minMaxStale = false;  // rows came from the server; found again when needed
   double min = 0, max = 0;
   KvsArrayRec() : KvsObjectRec(&kvsArrayClass) {}
 };
@@ -91,6 +100,28 @@ bool KvsIsA(KvsObject o, const KvsClassRec& c);
 bool KvsCheckClass(KvsObject o, const KvsClassRec& c, const char* op);
 KvsSessionRec* KvsSessionOf(KvsObject o);
 void KvsDestroy(KvsObject o);
+
+// A resource code with its value: a long, or a pointer (text, data, or
+// where KvsGet puts a value). The list forms below are what the variadic
+// calls and the by-reference forms share.
+struct KvsArg {
+  long code;
+  long value;
+  void* ptr;
+};
+KvsObject KvsCreate(KvsObject parent, const std::vector<KvsArg>& args);
+KvsObject KvsOpen(KvsObject session, const std::vector<KvsArg>& args);
+int KvsSet(KvsObject o, const std::vector<KvsArg>& args);
+int KvsGet(KvsObject o, const std::vector<KvsArg>& args);
+
+// The lines of the resource file loaded last.
+const std::vector<std::string>& KvsRessourceLines();
+
+// A session under the root with its server, base, site and port.
+KvsSessionRec* KvsNewSession(KvsRootRec* r, const std::string& project);
+// The batch phase of this process from JOBN and STEP; false when none.
+bool KvsBatchSetup(KvsRootRec* r);
+std::string KvsDumpPath();
 
 // Session exchange (database/kvs/KvsSession.cpp).
 void KvsMsgInit(KvsSessionRec* s, char command);
@@ -110,5 +141,21 @@ int KvsTableSend(KvsTableRec* t, char command);
 int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s);
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n);
 long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n);
+// n rows of one column from row on, through the table's page list; writes
+// add pages as needed.
+// The column's minimum and maximum brought up to date.
+int KvsArrayMinMax(KvsArrayRec* a);
+bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
+std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t);
+// Spool files are kept at destruction while a batch phase saves its tree.
+extern bool kvsKeepSpool;
+// Spool files of destroyed tables are kept, a few at a time, for the next
+// tables to write over: writing over a file's pages costs far less than
+// growing a new file and dropping an old one. KvsSpoolTake gives one for a
+// table whose file is to be called name ("" if none), KvsSpoolDrop removes
+// them all (at exit).
+void KvsSpoolRelease(const std::string& path);
+std::string KvsSpoolTake(const std::string& name);
+void KvsSpoolDrop();
 
 }  // namespace kvs

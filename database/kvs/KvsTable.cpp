@@ -9,6 +9,7 @@
 
 #include "database/kvs/KvsDict.h"
 #include "database/kvs/KvsObject.h"
+#include "database/kvs/KvsFrames.h"
 #include "database/kvs/KvsSocket.h"
 
 namespace kvs {
@@ -32,7 +33,13 @@ int spool(KvsTableRec* t) {
   char name[64];
   std::snprintf(name, sizeof name, "%d_%X.KVS", static_cast<int>(getpid()),
                 static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(t)));
-  t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
+  // A table restored from a saved tree keeps its file; a new one writes
+  // over the file of a table gone before it, under its own name.
+  if (t->spool.empty()) {
+    t->spool = (r ? r->workdir : std::string("/tmp")) + "/" + name;
+    std::string old = KvsSpoolTake(t->spool);
+    if (!old.empty() && ::rename(old.c_str(), t->spool.c_str()) != 0) ::unlink(old.c_str());
+  }
   t->fd = ::open(t->spool.c_str(), O_RDWR | O_CREAT, 0660);
   if (t->fd < 0 && errno == EMFILE) {
     if (KvsRootRec* root = KvsRootObject())
@@ -45,29 +52,77 @@ int spool(KvsTableRec* t) {
   return t->fd;
 }
 
-// A row's place: its page, then this column's block in the page.
-off_t place(KvsArrayRec* a, long row) {
-  long page = row / KvsPageRows;
-  return static_cast<off_t>(page) * static_cast<off_t>(tableOf(a)->rowBytes() * KvsPageRows) +
-         static_cast<off_t>(a->offset + static_cast<std::size_t>(row % KvsPageRows) * a->elem);
+// One run of rows inside a page: the block of this column in the page's
+// file block, then the slot.
+off_t place(KvsArrayRec* a, const KvsPage* pg, long slot) {
+  return static_cast<off_t>(pg->index) * static_cast<off_t>(tableOf(a)->rowBytes() * KvsPageRows) +
+         static_cast<off_t>(a->offset + static_cast<std::size_t>(slot) * a->elem);
 }
 
-bool io(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
-  int fd = spool(tableOf(a));
+KvsPage* pageOf(KvsTableRec* t, long row) {
+  if (!t->pages) t->pages = t->hint = _KvsPageAlloc(KvsPageRows);
+  KvsPage* p = t->hint && t->hint->first <= row ? t->hint : t->pages;
+  // From the hint forward; the last page takes rows within its capacity.
+  for (; p->next; p = p->next)
+    if (row >= p->first && row < p->first + p->used) return p;
+  return row >= p->first && row < p->first + p->capacity ? p : nullptr;
+}
+
+}  // namespace
+
+std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t) { return arraysOf(t); }
+
+bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
+  KvsTableRec* t = tableOf(a);
+  int fd = spool(t);
   if (fd < 0) return false;
-  // A table of one column has its pages back to back: one call for all.
-  bool contiguous = tableOf(a)->rowBytes() == a->elem;
+  // A table of one column has full pages of consecutive indexes back to
+  // back in the file: one call covers them all.
+  bool single = t->rowBytes() == a->elem;
+  KvsPage* pg = n > 0 ? pageOf(t, row) : nullptr;
+  if (!pg && write && n > 0) {
+    KvsPage* last = t->hint && !t->hint->next ? t->hint : KvsPageBottom(t->pages);
+    if (row == last->first + last->used) pg = KvsPageAppend(last);
+  }
   while (n > 0) {
-    long run = contiguous ? n : std::min(n, KvsPageRows - row % KvsPageRows);
+    if (!pg) return false;
+    long slot = row - pg->first;
+    long room = (write && !pg->next ? pg->capacity : pg->used) - slot;
+    if (room <= 0) {
+      pg = pg->next ? pg->next : write ? KvsPageAppend(pg) : nullptr;
+      continue;
+    }
+    long run = std::min(n, room);
+    KvsPage* end = pg;
+    while (single && run < n && row + run == end->first + end->capacity) {
+      KvsPage* nx = end->next;
+      if (!nx && write) {
+        end->used = end->capacity;
+        nx = KvsPageAppend(end);
+      }
+      if (!nx || nx->index != end->index + 1 || nx->first != end->first + end->capacity) break;
+      if (write) end->used = end->capacity;
+      long more = std::min(n - run, write && !nx->next ? nx->capacity : nx->used);
+      if (more <= 0) break;
+      run += more;
+      end = nx;
+    }
     std::size_t bytes = static_cast<std::size_t>(run) * a->elem;
-    ssize_t done = write ? ::pwrite(fd, p, bytes, place(a, row)) : ::pread(fd, p, bytes, place(a, row));
+    ssize_t done = write ? ::pwrite(fd, p, bytes, place(a, pg, slot)) : ::pread(fd, p, bytes, place(a, pg, slot));
     if (done != static_cast<ssize_t>(bytes)) return false;
+    if (write) end->used = std::max(end->used, row + run - end->first);
+    t->hint = end;
     row += run;
     n -= run;
     p += bytes;
+    if (n > 0) pg = end->next ? end->next : write ? KvsPageAppend(end) : nullptr;
   }
   return true;
 }
+
+namespace {
+
+bool io(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) { return KvsTableIo(a, row, p, n, write); }
 
 // The running minimum and maximum of a column, nulls left out; a plain
 // loop over one format at a time, which the compiler can vectorise.
@@ -183,23 +238,27 @@ bool converts(const KvsArrayRec* a) { return a->fmt && a->userFmt && a->userFmt 
 
 }  // namespace
 
+// Text: the last byte is always a NUL, trailing punctuation and blanks go.
+static void cleanText(const KvsArrayRec* a, unsigned char* p, long n) {
+  for (long i = 0; i < n; ++i) {
+    unsigned char* v = p + static_cast<std::size_t>(i) * a->elem;
+    v[a->elem - 1] = 0;
+    for (std::size_t k = a->elem; k-- > 0 && !std::isalnum(v[k]);) v[k] = 0;
+  }
+}
+
 long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
   std::vector<unsigned char> tmp;
   if (!a->fmt) {
     tmp.assign(rows, rows + static_cast<std::size_t>(n) * a->elem);
-    // Text: the last byte is always a NUL, trailing punctuation and blanks go.
-    for (long i = 0; i < n; ++i) {
-      unsigned char* v = &tmp[static_cast<std::size_t>(i) * a->elem];
-      v[a->elem - 1] = 0;
-      for (std::size_t k = a->elem; k-- > 0 && !std::isalnum(v[k]);) v[k] = 0;
-    }
+    cleanText(a, tmp.data(), n);
   }
   const unsigned char* from = a->fmt ? rows : tmp.data();
   tableOf(a)->updated = true;
   if (!io(a, a->rows, const_cast<unsigned char*>(from), n, true)) {
     return -_KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(a)->spool.c_str());
   }
-  minMax(a, from, n);
+  if (!a->minMaxStale) minMax(a, from, n);
   a->rows += n;
   KvsTableRec* t = tableOf(a);
   t->rows = std::max(t->rows, a->rows);
@@ -244,6 +303,19 @@ int KvsCheck(KvsObject o) {
         return _KvsLog(KvsErrGeneral, "%%E Column %s of table %s has %ld rows, not %ld", a->name.c_str(),
                        t->name.c_str(), a->rows, t->rows);
     if (int rc = KvsVerifyKeys(t)) return rc;
+  }
+  return 0;
+}
+
+int KvsArrayMinMax(KvsArrayRec* a) {
+  if (!a->minMaxStale) return 0;
+  a->minMaxStale = a->haveMinMax = false;
+  std::vector<unsigned char> block(static_cast<std::size_t>(16 * KvsPageRows) * a->elem);
+  for (long row = 0; row < a->rows; row += 16 * KvsPageRows) {
+    long n = std::min(16 * KvsPageRows, a->rows - row);
+    if (!io(a, row, block.data(), n, false))
+      return _KvsLog(KvsErrGeneral, "%%E Could not read table file %s", tableOf(a)->spool.c_str());
+    minMax(a, block.data(), n);
   }
   return 0;
 }
@@ -411,6 +483,8 @@ int KvsTableSend(KvsTableRec* t, char command) {
   if (block.size() > s->buf.size()) return fail(_KvsLog(KvsErrGeneral, "%%E Too much empty space requested"));
   if (int rc = KvsSendBuf(s, block.data(), block.size())) return fail(rc);
   long position = 0;
+  for (KvsArrayRec* a : arrays)
+    if (int rc = KvsArrayMinMax(a)) return fail(rc);
   for (KvsArrayRec* a : arrays) {
     KvsMsg h = request;
     h.b[KvsMsgObject] = 'A';
@@ -460,6 +534,53 @@ int KvsTableSend(KvsTableRec* t, char command) {
   return 0;
 }
 
+namespace {
+
+// The blocks of one received column in wire order: whole rows swapped and
+// appended to the spool file, a row cut between blocks kept for the next.
+// It neither logs nor reads the socket, so it may run beside the reader.
+struct ColumnSink {
+  KvsArrayRec* a;
+  std::vector<unsigned char> carry, rows;
+  bool append(unsigned char* p, long n) {
+    if (!a->fmt) cleanText(a, p, n);
+    if (!KvsTableIo(a, a->rows, p, n, true)) return false;
+    a->rows += n;
+    KvsTableRec* t = tableOf(a);
+    t->rows = std::max(t->rows, a->rows);
+    return true;
+  }
+  bool take(unsigned char* p, long got) {
+    long elem = static_cast<long>(a->elem);
+    if (carry.empty() && got % elem == 0) {
+      KvsFromWire(a->fmt, a->elem, p, p, static_cast<std::size_t>(got / elem));
+      return append(p, got / elem);
+    }
+    carry.insert(carry.end(), p, p + got);
+    std::size_t whole = carry.size() / a->elem;
+    rows.resize(whole * a->elem);
+    KvsFromWire(a->fmt, a->elem, carry.data(), rows.data(), whole);
+    if (whole && !append(rows.data(), static_cast<long>(whole))) return false;
+    carry.erase(carry.begin(), carry.begin() + static_cast<long>(whole * a->elem));
+    return true;
+  }
+};
+
+bool receiveColumns(KvsSessionRec* s, std::vector<std::pair<KvsArrayRec*, long>>& arrays) {
+  std::vector<ColumnSink> sinks;
+  std::vector<long> bytes;
+  for (auto& c : arrays) sinks.push_back(ColumnSink{c.first, {}, {}}), bytes.push_back(c.second);
+  KvsFramesResult r =
+      KvsReadFrames(s->fd, bytes, [&](std::size_t k, unsigned char* p, long n) { return sinks[k].take(p, n); });
+  if (r.status == KvsFramesOk) return true;
+  KvsSessionDrop(s);  // the rest of the stream is not read
+  if (r.status == KvsFramesLost) KvsSessionLog(KvsErrRecv, s);
+  else _KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(sinks[r.part].a)->spool.c_str());
+  return false;
+}
+
+}  // namespace
+
 int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
   const KvsMsg tr = s->msg;
   t->name = tr.text(224, 32);
@@ -508,37 +629,16 @@ int KvsTableReceive(KvsTableRec* t, KvsSessionRec* s) {
     a->ascii = h.text(312, 8);
     a->fmt = (fmt == KvsFmtINT || fmt == KvsFmtFLT || fmt == KvsFmtDBL) ? fmt : 0;
     a->elem = elem;
+    // Nobody may ask for the bounds of what was read: no pass over the
+    // rows for them now.
+    a->minMaxStale = true;
     a->offset = t->rowBytes() * KvsPageRows;
     a->parent = t;
     a->project = t->project;
     t->children.push_back(a);
     arrays.emplace_back(a, total);
   }
-  std::vector<unsigned char> carry, rows;
-  for (auto& [a, left] : arrays) {
-    carry.clear();
-    while (left > 0) {
-      long got = KvsSkRead(s->fd, s->buf.data(), s->buf.size());
-      if (got < 1 || got > left) {
-        KvsSessionDrop(s);
-        return KvsSessionLog(KvsErrRecv, s);
-      }
-      left -= got;
-      if (carry.empty() && got % static_cast<long>(a->elem) == 0) {
-        // Whole rows: swapped in place, the common case.
-        long whole = got / static_cast<long>(a->elem);
-        KvsFromWire(a->fmt, a->elem, s->buf.data(), s->buf.data(), static_cast<std::size_t>(whole));
-        if (KvsArrayWriteRows(a, s->buf.data(), whole) < 0) return kvsErrorNo;
-        continue;
-      }
-      carry.insert(carry.end(), s->buf.begin(), s->buf.begin() + got);
-      std::size_t whole = carry.size() / a->elem;
-      rows.resize(whole * a->elem);
-      KvsFromWire(a->fmt, a->elem, carry.data(), rows.data(), whole);
-      if (whole && KvsArrayWriteRows(a, rows.data(), static_cast<long>(whole)) < 0) return kvsErrorNo;
-      carry.erase(carry.begin(), carry.begin() + static_cast<long>(whole * a->elem));
-    }
-  }
+  if (!receiveColumns(s, arrays)) return kvsErrorNo;
   t->updated = true;
   return 0;
 }

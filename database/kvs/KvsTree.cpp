@@ -19,6 +19,34 @@ const KvsClassRec kvsTableClass{"Table", &kvsCompositeClass};
 const KvsClassRec kvsArrayClass{"Array", &kvsCoreClass};
 const KvsClassRec kvsParamsClass{"Params", &kvsCoreClass};
 
+bool kvsKeepSpool = false;
+
+namespace {
+std::vector<std::string> spoolPool;
+constexpr std::size_t kSpoolPool = 4;
+}  // namespace
+
+void KvsSpoolRelease(const std::string& path) {
+  if (spoolPool.size() < kSpoolPool && KvsRootObject()) spoolPool.push_back(path);
+  else ::unlink(path.c_str());
+}
+
+std::string KvsSpoolTake(const std::string& name) {
+  if (spoolPool.empty()) return "";
+  // A file already of that name is the one to take: the rename would
+  // otherwise drop it while the pool still names it.
+  auto same = std::find(spoolPool.begin(), spoolPool.end(), name);
+  if (same != spoolPool.end()) std::iter_swap(same, spoolPool.end() - 1);
+  std::string path = spoolPool.back();
+  spoolPool.pop_back();
+  return path;
+}
+
+void KvsSpoolDrop() {
+  for (const std::string& path : spoolPool) ::unlink(path.c_str());
+  spoolPool.clear();
+}
+
 namespace {
 KvsRootRec* root = nullptr;
 KvsObject current = nullptr;
@@ -81,7 +109,8 @@ void KvsDestroy(KvsObject o) {
   } else if (o->cls == &kvsTableClass) {
     auto* t = static_cast<KvsTableRec*>(o);
     if (t->fd >= 0) ::close(t->fd);
-    if (!t->spool.empty()) ::unlink(t->spool.c_str());
+    if (!t->spool.empty() && !kvsKeepSpool) KvsSpoolRelease(t->spool);
+    KvsPageFree(t->pages);
     delete t;
   } else if (o->cls == &kvsArrayClass) {
     delete static_cast<KvsArrayRec*>(o);
@@ -92,19 +121,13 @@ void KvsDestroy(KvsObject o) {
 
 namespace {
 
-struct Pair {
-  long code;
-  long value;
-  void* ptr;
-};
-
 // Reads code, value pairs up to the closing 0, at most 30 of them.
-std::vector<Pair> pairs(va_list ap) {
-  std::vector<Pair> out;
+std::vector<KvsArg> pairs(va_list ap) {
+  std::vector<KvsArg> out;
   for (int k = 0; k < 30; ++k) {
     long code = va_arg(ap, long);
     if (!code) break;
-    Pair p{code, 0, nullptr};
+    KvsArg p{code, 0, nullptr};
     if (KvsResIsPointer(code)) p.ptr = va_arg(ap, void*);
     else p.value = va_arg(ap, long);
     out.push_back(p);
@@ -112,9 +135,9 @@ std::vector<Pair> pairs(va_list ap) {
   return out;
 }
 
-const char* text(const Pair& p) { return p.ptr ? static_cast<const char*>(p.ptr) : ""; }
+const char* text(const KvsArg& p) { return p.ptr ? static_cast<const char*>(p.ptr) : ""; }
 
-void setCommon(KvsObject o, const Pair& p) {
+void setCommon(KvsObject o, const KvsArg& p) {
   switch (p.code) {
     case KvsNname: o->name = std::string(text(p)).substr(0, 31); break;
     case KvsNproject: o->project = std::string(text(p)).substr(0, 16); break;
@@ -126,7 +149,7 @@ void setCommon(KvsObject o, const Pair& p) {
   }
 }
 
-void setOne(KvsObject o, const Pair& p) {
+void setOne(KvsObject o, const KvsArg& p) {
   setCommon(o, p);
   if (o->cls == &kvsDatasetClass) {
     auto* d = static_cast<KvsDatasetRec*>(o);
@@ -155,13 +178,13 @@ KvsObject adopt(KvsObject parent, KvsObject child) {
   return child;
 }
 
-KvsObject makeArray(KvsTableRec* t, const std::vector<Pair>& ps) {
+KvsObject makeArray(KvsTableRec* t, const std::vector<KvsArg>& ps) {
   if (t->updated) {
     _KvsLog(KvsErrGeneral, "%%E cannot create new Array : Table already updated");
     return nullptr;
   }
   auto* a = new KvsArrayRec;
-  for (const Pair& p : ps) setOne(a, p);
+  for (const KvsArg& p : ps) setOne(a, p);
   a->attribute = a->name;
   long att = KvsDtAtt(a->name.c_str());
   if (a->name.empty() || !att) {
@@ -189,7 +212,7 @@ std::size_t KvsTableRec::rowBytes() const {
   return n;
 }
 
-static KvsObject create(KvsObject parent, const std::vector<Pair>& ps) {
+static KvsObject create(KvsObject parent, const std::vector<KvsArg>& ps) {
   if (!KvsIsObject(parent)) {
     _KvsLog(KvsErrClass, "%%E %s : argument object should be %s KvsObject class", "KvsCreate", "Composite");
     return nullptr;
@@ -197,17 +220,17 @@ static KvsObject create(KvsObject parent, const std::vector<Pair>& ps) {
   if (parent->cls == &kvsRootClass) {
     auto* s = new KvsSessionRec;
     adopt(parent, s);
-    for (const Pair& p : ps) setOne(s, p);
+    for (const KvsArg& p : ps) setOne(s, p);
     return s;
   }
   if (parent->cls == &kvsSessionClass) {
     auto* d = new KvsDatasetRec;
-    for (const Pair& p : ps) setOne(d, p);
+    for (const KvsArg& p : ps) setOne(d, p);
     return adopt(parent, d);
   }
   if (parent->cls == &kvsDatasetClass) {
     std::string cls;
-    for (const Pair& p : ps)
+    for (const KvsArg& p : ps)
       if (p.code == KvsNname) cls = text(p);
     if (cls.empty()) {
       _KvsLog(KvsErrMandatory, "%%E resource %s is mandatory at creation of %s object", "KvsNname", "Table");
@@ -219,7 +242,7 @@ static KvsObject create(KvsObject parent, const std::vector<Pair>& ps) {
       return nullptr;
     }
     auto* t = new KvsTableRec;
-    for (const Pair& p : ps) setOne(t, p);
+    for (const KvsArg& p : ps) setOne(t, p);
     t->type = cls;
     const char* dom = KvsDtDomName(KvsDtTabDom(tab));
     t->domain = dom ? dom : "";
@@ -227,7 +250,7 @@ static KvsObject create(KvsObject parent, const std::vector<Pair>& ps) {
     return adopt(parent, t);
   }
   if (parent->cls == &kvsTableClass) {
-    for (const Pair& p : ps) {
+    for (const KvsArg& p : ps) {
       if (p.code == KvsNclass) {
         auto* pr = new KvsParamsRec;
         pr->name = text(p);
@@ -243,24 +266,30 @@ static KvsObject create(KvsObject parent, const std::vector<Pair>& ps) {
 KvsObject KvsCreate(KvsObject parent, ...) {
   va_list ap;
   va_start(ap, parent);
-  std::vector<Pair> ps = pairs(ap);
+  std::vector<KvsArg> ps = pairs(ap);
   va_end(ap);
   return create(parent, ps);
 }
 
+KvsObject KvsCreate(KvsObject parent, const std::vector<KvsArg>& ps) { return create(parent, ps); }
+
 KvsObject KvsOpen(KvsObject session, ...) {
   va_list ap;
   va_start(ap, session);
-  std::vector<Pair> ps = pairs(ap);
+  std::vector<KvsArg> ps = pairs(ap);
   va_end(ap);
+  return KvsOpen(session, ps);
+}
+
+KvsObject KvsOpen(KvsObject session, const std::vector<KvsArg>& ps) {
   if (!KvsCheckClass(session, kvsSessionClass, "KvsOpen")) return nullptr;
-  bool haveMode = std::any_of(ps.begin(), ps.end(), [](const Pair& p) { return p.code == KvsNmode; });
+  bool haveMode = std::any_of(ps.begin(), ps.end(), [](const KvsArg& p) { return p.code == KvsNmode; });
   if (!haveMode) {
     _KvsLog(KvsErrMandatory, "%%E resource KvsNmode is mandatory in KvsOpen() call");
     return nullptr;
   }
   KvsDatasetRec probe;
-  for (const Pair& p : ps) setOne(&probe, p);
+  for (const KvsArg& p : ps) setOne(&probe, p);
   if (!probe.type.empty() && !KvsDtTyp(probe.type.c_str())) {
     _KvsLog(KvsErrDict, "%%E The type %s is unknown in the dictionnary", probe.type.c_str());
     return nullptr;
@@ -285,23 +314,37 @@ KvsObject KvsOpen(KvsObject session, ...) {
 }
 
 int KvsSet(KvsObject o, ...) {
-  if (!KvsCheckClass(o, kvsCoreClass, "KvsSet")) return KvsErrClass;
   va_list ap;
   va_start(ap, o);
-  std::vector<Pair> ps = pairs(ap);
+  std::vector<KvsArg> ps = pairs(ap);
   va_end(ap);
-  for (const Pair& p : ps) setOne(o, p);
+  return KvsSet(o, ps);
+}
+
+int KvsSet(KvsObject o, const std::vector<KvsArg>& ps) {
+  if (!KvsCheckClass(o, kvsCoreClass, "KvsSet")) return KvsErrClass;
+  for (const KvsArg& p : ps) setOne(o, p);
   return 0;
 }
 
 int KvsGet(KvsObject o, ...) {
-  if (!KvsCheckClass(o, kvsCoreClass, "KvsGet")) return KvsErrClass;
   va_list ap;
   va_start(ap, o);
+  std::vector<KvsArg> ps;
   for (int k = 0; k < 30; ++k) {
     long code = va_arg(ap, long);
     if (!code) break;
-    void* out = va_arg(ap, void*);
+    ps.push_back(KvsArg{code, 0, va_arg(ap, void*)});
+  }
+  va_end(ap);
+  return KvsGet(o, ps);
+}
+
+int KvsGet(KvsObject o, const std::vector<KvsArg>& ps) {
+  if (!KvsCheckClass(o, kvsCoreClass, "KvsGet")) return KvsErrClass;
+  for (const KvsArg& arg : ps) {
+    long code = arg.code;
+    void* out = arg.ptr;
     const std::string* s = nullptr;
     long v = 0;
     bool isLong = false;
@@ -353,7 +396,6 @@ int KvsGet(KvsObject o, ...) {
     if (s) *static_cast<const char**>(out) = s->c_str();
     else if (isLong) *static_cast<long*>(out) = v;
   }
-  va_end(ap);
   return 0;
 }
 
@@ -397,8 +439,10 @@ int KvsIsKey(KvsObject a) {
 
 int KvsRemove(KvsObject o) {
   if (!KvsCheckClass(o, kvsCoreClass, "KvsRemove")) return KvsErrClass;
-  if (o == root) root = nullptr;
+  bool wasRoot = o == root;
+  if (wasRoot) root = nullptr;
   KvsDestroy(o);
+  if (wasRoot) KvsSpoolDrop();
   return 0;
 }
 

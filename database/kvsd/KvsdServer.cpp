@@ -1,5 +1,6 @@
 #include "database/kvsd/KvsdServer.h"
 
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/sendfile.h>
@@ -21,6 +22,7 @@
 #include <vector>
 
 #include "database/kvs/KvsParams.h"
+#include "database/kvs/KvsFrames.h"
 #include "database/kvs/KvsSocket.h"
 
 namespace fs = std::filesystem;
@@ -249,7 +251,10 @@ bool KvsdServer::listing(int fd, const KvsMsg& req) {
   std::set<std::string> lines;
   fs::path account = fs::path(dir_) / KvsdEncodeName(req.text(kvs::KvsMsgAccount, 16));
   if (req.command() == 'l') {
-    for (auto& e : fs::directory_iterator(dir_, ec)) lines.insert(KvsdDecodeName(e.path().filename()));
+    // Project names are encoded and never start with "."; what does is
+    // the daemon's own (spare files).
+    for (auto& e : fs::directory_iterator(dir_, ec))
+      if (e.path().filename().string()[0] != '.') lines.insert(KvsdDecodeName(e.path().filename()));
   } else {
     for (auto it = fs::recursive_directory_iterator(account, ec); it != fs::recursive_directory_iterator();
          it.increment(ec)) {
@@ -296,6 +301,15 @@ bool KvsdServer::select(int fd, const KvsMsg& req) {
   std::string ds = datasetDir(req, 128, 144, 160);
   std::vector<fs::path> tables;
   std::error_code ec;
+  // While files are read here, no replaced file is kept for writing over.
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    ++readers_;
+  }
+  std::unique_ptr<KvsdServer, void (*)(KvsdServer*)> reading(this, [](KvsdServer* self) {
+    std::lock_guard<std::mutex> lock(self->mutex_);
+    --self->readers_;
+  });
   for (auto& e : fs::directory_iterator(ds, ec))
     if (e.path().extension() == ".tab") tables.push_back(e.path());
   std::sort(tables.begin(), tables.end());
@@ -366,7 +380,17 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   }
   fs::create_directories(ds, ec);
   fs::path tmp = fs::path(ds) / (".part" + std::to_string(getpid()) + "_" + std::to_string(seq_++));
-  std::FILE* out = std::fopen(tmp.c_str(), "wb");
+  // Writing over the pages of a file that is already there costs less
+  // than growing a new one; the file is cut to length at the end.
+  std::string spare;
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!spares_.empty()) spare = spares_.back(), spares_.pop_back();
+  }
+  if (!spare.empty() && ::rename(spare.c_str(), tmp.c_str()) != 0) ::unlink(spare.c_str());
+  int tfd = ::open(tmp.c_str(), O_RDWR | O_CREAT, 0660);
+  std::FILE* out = tfd < 0 ? nullptr : ::fdopen(tfd, "r+b");
+  if (tfd >= 0 && !out) ::close(tfd);
   if (!out) {
     reply(fd, req, 3, "Cannot write table " + table);
     return true;
@@ -382,18 +406,15 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   // The records went through the stream's buffer; the column data go
   // straight from the frame buffer to the file, a frame per write.
   ok = std::fflush(out) == 0 && ok;
-  for (std::size_t a = 0; ok && a < heads.size(); ++a) {
-    long left = heads[a].num(256);
-    while (ok && left > 0) {
-      long n = kvs::KvsSkRead(fd, buf.data(), buf.size());
-      if (n < 1 || n > left) {
-        ok = false;
-        break;
-      }
-      ok = writeAll(fileno(out), buf.data(), static_cast<std::size_t>(n));
-      left -= n;
-    }
-  }
+  // The column data go straight from the frame buffer to the file.
+  std::vector<long> bytes;
+  for (const KvsMsg& h : heads) bytes.push_back(h.num(256));
+  if (ok)
+    ok = kvs::KvsReadFrames(fd, bytes, [&](std::size_t, unsigned char* p, long n) {
+           return writeAll(fileno(out), p, static_cast<std::size_t>(n));
+         }).status == kvs::KvsFramesOk;
+  off_t length = ::lseek(fileno(out), 0, SEEK_CUR);
+  ok = ok && length >= 0 && ::ftruncate(fileno(out), length) == 0;
   std::fclose(out);
   if (!ok) {
     fs::remove(tmp, ec);
@@ -401,6 +422,12 @@ bool KvsdServer::store(int fd, const KvsMsg& req) {
   }
   {
     std::lock_guard<std::mutex> lock(mutex_);
+    // The file replaced stays, under a second name, to be written over
+    // next, unless a select may be reading it.
+    if (readers_ == 0 && spares_.size() < 2 && fs::exists(file, ec)) {
+      std::string name = dir_ + "/.partspare" + std::to_string(getpid()) + "_" + std::to_string(seq_++);
+      if (::link(file.c_str(), name.c_str()) == 0) spares_.push_back(name);
+    }
     fs::rename(tmp, file, ec);
   }
   reply(fd, req, ec ? 3 : 0, ec ? "Cannot store table " + table : "");

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "database/kvs/KvsMsg.h"
 
@@ -33,6 +34,11 @@ class KvsdServer {
   std::string dir_;
   std::mutex mutex_;
   std::atomic<unsigned> seq_{0};
+  // Replaced table files kept (as ".part" names, which a restart drops)
+  // for the next stored table to write over, and the selects under way,
+  // which may still be reading a replaced file: both under mutex_.
+  std::vector<std::string> spares_;
+  int readers_ = 0;
 };
 
 // Names become path components with anything but alphanumerics, "-" and

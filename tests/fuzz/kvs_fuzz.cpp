@@ -5,7 +5,9 @@
 //      that decodes encodes and decodes again to the same parameters;
 //   1  the library: the rest is a table record (its first 512 bytes) and
 //      the stream that follows it, received as a selected table;
-//   2  the daemon: the rest is what a client sends on one connection.
+//   2  the daemon: the rest is what a client sends on one connection;
+//   3  the library: the rest is a saved object tree ("Kvs.dmp" of a batch
+//      step), read back and saved again.
 // A crash, a hang, or a parameter that does not come back is a finding.
 
 #include <sys/socket.h>
@@ -13,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -23,6 +26,10 @@
 #include "database/kvs/KvsObject.h"
 #include "database/kvs/KvsParams.h"
 #include "database/kvsd/KvsdServer.h"
+
+namespace kvs {
+void KvsSetRootObject(KvsRootRec* r);
+}
 
 namespace {
 
@@ -59,7 +66,7 @@ struct Pipe {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 1) return 0;
   kvs::KvsPrintf = [](const char*) {};
-  std::uint8_t side = data[0] % 3;
+  std::uint8_t side = data[0] % 4;
   ++data, --size;
   if (side == 0) {
     std::vector<kvs::KvsParam> params, again;
@@ -82,6 +89,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     s->fd = -1;
     pipe.finish();
     kvs::KvsDestroy(s);
+  } else if (side == 3) {
+    static std::string dir = [] {
+      char tmpl[] = "/tmp/kvs_fuzzXXXXXX";
+      return std::string(mkdtemp(tmpl));
+    }();
+    std::string path = dir + "/Kvs.dmp";
+    if (FILE* f = std::fopen(path.c_str(), "wb")) {
+      std::fwrite(data, 1, size, f);
+      std::fclose(f);
+    }
+    auto* r = new kvs::KvsRootRec;
+    r->workdir = dir;
+    kvs::KvsSetRootObject(r);
+    if (kvs::KvsLoad(path.c_str()) == 0) kvs::KvsDump((dir + "/again.dmp").c_str());
+    // Files the input names are never removed.
+    kvs::kvsKeepSpool = true;
+    kvs::KvsDestroy(r);
+    kvs::kvsKeepSpool = false;
+    kvs::KvsSetRootObject(nullptr);
   } else {
     static std::string dir = [] {
       char tmpl[] = "/tmp/kvsd_fuzzXXXXXX";
