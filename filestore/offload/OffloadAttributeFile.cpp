@@ -46,6 +46,8 @@ OffloadAttributeFile::OffloadAttributeFile()
       m_useGeneratedCmp(true),
       m_created(false),
       m_laidOut(false),
+      m_update(false),
+      m_dirty(false),
       m_compression(NONE),
       m_firstOffset(0),
       m_offsetIncrement(0),
@@ -55,12 +57,13 @@ OffloadAttributeFile::OffloadAttributeFile()
 OffloadAttributeFile::OffloadAttributeFile(vFilename const& name, OpenOptions options) : OffloadAttributeFile() {
   m_fileName = name;
   m_options = options;
+  m_update = options.getUpdate();
   restoreMute = options.getRestoreMute();
 }
 
 OffloadAttributeFile::~OffloadAttributeFile() {
   try {
-    if (m_created && m_laidOut) flush();
+    if ((m_created && m_laidOut) || (m_update && m_dirty)) flush();
   } catch (...) {
   }
   if (m_file.isOpen()) {
@@ -120,8 +123,12 @@ void OffloadAttributeFile::myOpenFile() {
       (m_header[17] == 0 ? m_header[2] - m_header[18] : compression_moffld_int16Tlen(m_header[2] - m_header[18], 0)) >
           m_header[8])
     Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
-  m_file = m_options.getUpdate() ? FS::update(m_fileName, FS::RecordFile, 0, 4 * recordLength)
-                                 : FS::open(m_fileName, FS::RecordFile, 1024, 4 * recordLength);
+  if (m_update) {
+    m_ioFile = FS::update(m_fileName, FS::RecordFile, 0, 4 * recordLength);
+    m_file = m_ioFile;
+  } else {
+    m_file = FS::open(m_fileName, FS::RecordFile, 1024, 4 * recordLength);
+  }
   if (!m_file.isGood()) m_file.terminate(label);
   m_file.setNoByteSwapping();
   try {
