@@ -44,6 +44,7 @@ OffloadAttributeFile::OffloadAttributeFile()
       m_offsetBin(0),
       m_useGenerated(true),
       m_useGeneratedCmp(true),
+      m_cmpTested(0),
       m_created(false),
       m_laidOut(false),
       m_update(false),
@@ -266,6 +267,7 @@ void OffloadAttributeFile::myBuildAttributes() {
 
 void OffloadAttributeFile::mySetupGrid() {
   int const* h = m_header.data();
+  m_cmpTested = 0;
   float ilInterval, xlInterval;
   std::memcpy(&xlInterval, &h[15], 4);
   std::memcpy(&ilInterval, &h[16], 4);

@@ -139,6 +139,9 @@ class OffloadAttributeFile : public AttributeFile {
   // The caller's attribute made the file's length, in the caller's type.
   void myShape(Attribute& attribute, Attribute const& definition);
   void myGenerate(Attribute& attribute, unsigned int first, unsigned int last);
+  // Whether the grid numbers the header's first and last bins as CMPs 1 and
+  // the number of bins; if not, CMPs are counted from 1 by 1, with a report.
+  void myTestGenerateCmp();
   void myLoadRecords(unsigned int first, unsigned int last);
   void myReadRecords(long long record, unsigned int count, char* target);
   void myExtract(Attribute& attribute, unsigned int first, unsigned int last);
@@ -179,6 +182,7 @@ class OffloadAttributeFile : public AttributeFile {
   double m_offsetBin;
   bool m_useGenerated;
   bool m_useGeneratedCmp;
+  int m_cmpTested;  // 0 not yet, 1 the grid's CMPs, -1 counted from 1
   // Group tables, built at the first group question.
   std::unique_ptr<AttributeSetIndexingTable> m_index;
   // New files.

@@ -11,6 +11,9 @@
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
+#include "geometry/BinPos.h"
 #include "foundation/vUtl.h"
 
 namespace {
@@ -327,8 +330,10 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
   for (unsigned int i = first; i <= last; ++i) {
     int const index = static_cast<int>(i);
     double value = 0;
-    if (name == vUCString("CMP"))
-      value = m_grid.convertCMPIndexToCMP(index);
+    if (name == vUCString("CMP")) {
+      if (m_cmpTested == 0) myTestGenerateCmp();
+      value = m_cmpTested > 0 ? m_grid.convertCMPIndexToCMP(index) : index;
+    }
     else if (name == vUCString("INLINE"))
       value = m_grid.convertCMPIndexToInline(index);
     else if (name == vUCString("CROSSLINE"))
@@ -342,3 +347,23 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
   vUtl::copyConvert(values.data(), vFLOAT64, attribute.getPointer(1), attribute.getDataType(), values.size());
 }
 
+
+void OffloadAttributeFile::myTestGenerateCmp() {
+  int const* h = m_header.data();
+  bool ok = false;
+  try {
+    MessageHandling quiet;
+    long long const bins = static_cast<long long>(h[9]) * h[10];
+    ok = m_grid.convertBinToCMP(BinPos(h[12], h[11])) == m_grid.convertCMPIndexToCMP(1) &&
+         m_grid.convertBinToCMP(BinPos(h[20], h[19])) == m_grid.convertCMPIndexToCMP(static_cast<int>(bins));
+  } catch (UtlExcept const&) {
+    ok = false;
+  }
+  m_cmpTested = ok ? 1 : -1;
+  if (!ok) {
+    Message::info("OffloadAttributeFile::myTestGenerateCmp", 0, "Cannot calculate the CMP in the file: %s",
+                  m_fileName.c_str());
+    Message::info("OffloadAttributeFile::myTestGenerateCmp", 0,
+                  "Will assume the first CMP is 1 with an increment of 1.");
+  }
+}
