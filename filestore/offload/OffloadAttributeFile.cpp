@@ -298,8 +298,10 @@ void OffloadAttributeFile::mySetupProperties() {
   number("OFFLOAD_VERSION", h[59]);
   number("DISK_VERSION", h[59]);
   text("MOFFLD_SHAPE", m_shape.c_str());
-  real("X_STORAGE_BIAS", m_grid.getSurveyOrigin().getX());
-  real("Y_STORAGE_BIAS", m_grid.getSurveyOrigin().getY());
+  // Grids carry no storage bias any more (a reader of grids refuses any
+  // other value); the survey origin has its own properties.
+  real("X_STORAGE_BIAS", 0.0);
+  real("Y_STORAGE_BIAS", 0.0);
   number("CMP_INCREMENT", 1);
   number("FIRST_CMP", 1);
   number("CROSSLINE_INCREMENT", h[13]);

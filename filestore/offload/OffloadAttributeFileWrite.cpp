@@ -189,7 +189,11 @@ void OffloadAttributeFile::myDoCreation() {
       if (offset.name == pair.second) offset.name = pair.first;
   }
   std::sort(m_offsets.begin(), m_offsets.end());
+  // The caller's grid stands for the session: the file holds its lines and
+  // intervals but not its origins and rotation.
+  CMPBasicGrid const given = m_grid;
   mySetupGrid();
+  m_grid = given;
   m_shape = vString("rectangular");
   m_offsetBin = m_version->getFileOffset(m_header.data());
   mySetupProperties();

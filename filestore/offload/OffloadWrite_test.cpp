@@ -283,13 +283,22 @@ TEST(OffloadWrite, TableNamesTranslatedToTheOlderSystems) {
                                Attribute("TRACE", "", vFLOAT32, 2, 4.0, 0.0), Attribute("SHOT_X", "SOURCE_X", vFLOAT32),
                                Attribute("RONDO.STATIC", "", vFLOAT32), Attribute("FFID", "FIELD_RECORD", vINT32)})
       file.addAttribute(a);
-    file.setGrid(CMPBasicGrid(1, 1, 10, 1, 1, 100, 1, 2, vCoordinate(), 25.0f, 12.5f, 0.0));
+    file.setGrid(CMPBasicGrid(1, 1, 10, 1, 1, 100, 1, 2, vCoordinate(7000, 9000), 25.0f, 12.5f, 0.3, 0,
+                              vCoordinate(500, 250)));
     file.setOffset(100, 50, 1, 1);
     Attribute x("SHOT_X", "SOURCE_X", vFLOAT64), ffid("FFID", "FIELD_RECORD", vINT32);
     x.resize(2), ffid.resize(2);
     x.setFloat64(1, 1234.5), x.setFloat64(2, -2.25), ffid.setInt32(1, 7), ffid.setInt32(2, 8);
     file.writeRange(x, 1, 2);
     file.writeRange(ffid, 1, 2);
+    // The grid's origins and rotation as properties; storage biases, which
+    // grid readers refuse unless 0, are 0.
+    PropertyList const& p = file.getProperties();
+    auto value = [&p](char const* n) { return p.findProperty(vUCString(n))->getFloat64(); };
+    EXPECT_EQ((std::vector<double>{0, 0, 500, 250, 7000, 9000, 0.3}),
+              (std::vector<double>{value("X_STORAGE_BIAS"), value("Y_STORAGE_BIAS"), value("X_SURVEY_ORIGIN"),
+                                   value("Y_SURVEY_ORIGIN"), value("X_REALWORLD_ORIGIN"), value("Y_REALWORLD_ORIGIN"),
+                                   value("ROTATION_ANGLE")}));
     EXPECT_TRUE(file.hasAttribute("SHOT_X"));
     EXPECT_FALSE(file.hasAttribute("SOURCE_X"));
     file.flush();
