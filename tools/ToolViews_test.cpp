@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <sstream>
@@ -114,6 +115,10 @@ TEST(RondoViews, BindAndInfillOverAPackedStore) {
   }
   EXPECT_EQ(6 * 126, n);
   EXPECT_EQ(6, real);
+  // Within each group (one offset per CDP) nothing is missing.
+  Outcome const own = tool(dir, "dump line12.store CDP,OFFSET --view infill:group");
+  EXPECT_EQ(0, own.status) << own.err;
+  EXPECT_EQ(6, std::count(own.out.begin(), own.out.end(), '\n')) << own.out;
 }
 
 TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
@@ -126,7 +131,8 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
       {"nope", "no view 'nope' (map, select, sort, bin, infill, restore-mute, bind)"},
       {"bin:CMP,1,2", "'bin' wants 5 arguments, not 3"},
       {"bin:CMP,1,x,1,1", "'x' is not a number"},
-      {"infill:3", "'infill' takes no arguments"},
+      {"infill:3", "no pad type '3' (common, group, none, common-start, common-end, group-step)"},
+      {"infill:none,group", "'infill' wants at least 0 arguments, not 2"},
       {"sort:CMP,", "an empty argument"},
       {"select:NOPE,1,2", "Attribute NOPE does not exist in file line."},
       {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
