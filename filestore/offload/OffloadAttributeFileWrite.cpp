@@ -389,21 +389,32 @@ void OffloadAttributeFile::myRelayout(Attribute const* added, int moreInlines) {
       Message::fatal(label, 0, "Could not lay out '%s' anew in '%s'.", m_fileName.c_str(), temporary.c_str());
     }
   };
-  write(1, head.data(), 4LL * static_cast<long long>(head.size()));
-  // Trace records, widened by the new attribute's words, which start as zeros.
-  long long const chunk = 1024;
-  std::vector<char> in(static_cast<std::size_t>(chunk * 4 * oldL)), wide(static_cast<std::size_t>(chunk * 4 * L));
-  for (long long r = 0; r < oldRecords; r += chunk) {
-    long long const n = std::min(chunk, oldRecords - r);
-    myReadRecords(m_header[34] + r, static_cast<unsigned int>(n), in.data());
+  try {
+    write(1, head.data(), 4LL * static_cast<long long>(head.size()));
+    // Trace records, widened by the new attribute's words, which start as zeros.
+    long long const chunk = 1024;
+    std::vector<char> in(static_cast<std::size_t>(chunk * 4 * oldL)), wide(static_cast<std::size_t>(chunk * 4 * L));
+    for (long long r = 0; r < oldRecords; r += chunk) {
+      long long const n = std::min(chunk, oldRecords - r);
+      myReadRecords(m_header[34] + r, static_cast<unsigned int>(n), in.data());
+      std::fill(wide.begin(), wide.end(), 0);
+      for (long long k = 0; k < n; ++k)
+        std::memcpy(wide.data() + k * 4 * L, in.data() + k * 4 * oldL, static_cast<std::size_t>(4 * oldL));
+      write(h[34] + r, wide.data(), n * 4LL * L);
+    }
     std::fill(wide.begin(), wide.end(), 0);
-    for (long long k = 0; k < n; ++k)
-      std::memcpy(wide.data() + k * 4 * L, in.data() + k * 4 * oldL, static_cast<std::size_t>(4 * oldL));
-    write(h[34] + r, wide.data(), n * 4LL * L);
+    if (!polygonal)
+      for (long long r = oldBins; r < bins; r += chunk)
+        write(h[34] + r, wide.data(), std::min(chunk, bins - r) * 4LL * L);
+  } catch (...) {
+    // The file stays as it was; the half-made one goes.
+    if (out.isOpen()) {
+      out.clear();
+      out.close();
+      FS::rm(FS::DeleteFile, target);
+    }
+    throw;
   }
-  std::fill(wide.begin(), wide.end(), 0);
-  if (!polygonal)
-    for (long long r = oldBins; r < bins; r += chunk) write(h[34] + r, wide.data(), std::min(chunk, bins - r) * 4LL * L);
   out.close();
   m_file.clear();
   m_file.close();

@@ -79,12 +79,16 @@ void OffloadDiskStore::open(vLCString const& name, int, vLCString const&, vLCStr
 
 void OffloadDiskStore::update(vLCString const& name, int, vLCString const&, vLCString const&,
                               StoreOpenOptions const* options) {
+  if (options && options->getRestoreMute()) m_restoreMute = true;
+  update(vFilename(name));
+}
+
+void OffloadDiskStore::update(vFilename const& file) {
   if (m_isOpen)
     Message::fatal("OffloadDiskStore::update", 0, "OffloadDiskStore is already open as '%s'.", m_fileName.c_str());
-  if (options && options->getRestoreMute()) m_restoreMute = true;
   m_update = true;
   try {
-    open(vFilename(name));
+    open(file);
   } catch (...) {
     m_update = false;
     throw;

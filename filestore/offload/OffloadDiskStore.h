@@ -67,6 +67,7 @@ class OffloadDiskStore : public DiskStore {
   // By file name, for writing into the data files as they are: values of
   // existing attributes in any bin, new attributes, whole new inlines.
   using DiskStore::update;
+  virtual void update(vFilename const& file);
   void update(vLCString const& name, int version, vLCString const& className, vLCString const& subClass,
               StoreOpenOptions const* options) override;
 

@@ -220,7 +220,7 @@ TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
       OffloadDiskStore store;
       EXPECT_EQ("OffloadDiskStore is not created or opened for update.",
                 reason([&] { store.addInstances(4); }));
-      store.update(name.c_str(), 0, "", "", nullptr);
+      store.update(vFilename(name.c_str()));
       Attribute cdp("CDP", "", vINT32), trace("TRACE", "", vFLOAT32, 7), extra("EXTRA", "", vFLOAT32);
       cdp.resize(12);
       for (unsigned int b = 1; b <= 12; ++b) cdp.setInt32(b, static_cast<int>(500 + b));
