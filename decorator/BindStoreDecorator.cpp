@@ -7,6 +7,8 @@
 #include "attribute/AttributeDefinition.h"
 #include "attribute/KeyList.h"
 #include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
 
 namespace {
 
@@ -33,7 +35,16 @@ BindStoreDecorator::~BindStoreDecorator() {}
 // --- binding ---------------------------------------------------------------------------------
 
 void BindStoreDecorator::addStore(vHandle<Store> store) {
-  store->openAttributeSet(store->getPrimaryAttributeSetName());
+  // Stores made of sets know their primary set by name; file stores, which
+  // cannot name it, take the blank name for their one set.
+  vLCString primary;
+  try {
+    MessageHandling quiet;
+    primary = store->getPrimaryAttributeSetName();
+  } catch (UtlExcept const&) {
+    primary = vLCString();
+  }
+  store->openAttributeSet(primary);
   myCheckClassOK(*store);
   myCheckKeysOK(*store);
   myCheckAttributesOK(*store);

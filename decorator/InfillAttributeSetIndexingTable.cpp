@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "foundation/Message.h"
 #include "foundation/vUtl.h"
@@ -75,16 +76,20 @@ vHandle<InfillTemplate> InfillAttributeSetIndexingTable::myBuildInfillGroup() {
   double lowest = std::numeric_limits<double>::max();
   double highest = -std::numeric_limits<double>::max();
   double increment = std::numeric_limits<double>::max();
+  std::map<K, double> ownSteps;
   for (auto& group : groups) {
     std::vector<double> values;
     for (auto const& pair : group.second) values.push_back(static_cast<double>(pair.first));
     std::sort(values.begin(), values.end());
+    double own = std::numeric_limits<double>::max();
     for (std::size_t i = 1; i < values.size(); ++i) {
       double const step = values[i] - values[i - 1];
       if (step == 0.0)
         Message::fatal(kLabel, 0, "Duplicate sub-set value found in group <%f>\n", static_cast<double>(group.first));
-      increment = std::min(increment, step);
+      own = std::min(own, step);
     }
+    ownSteps[group.first] = own;
+    increment = std::min(increment, own);
     lowest = std::min(lowest, values.front());
     highest = std::max(highest, values.back());
   }
@@ -105,27 +110,35 @@ vHandle<InfillTemplate> InfillAttributeSetIndexingTable::myBuildInfillGroup() {
   for (auto& group : groups) {
     auto& pairs = group.second;
     std::sort(pairs.begin(), pairs.end(), [](auto const& a, auto const& b) { return a.first < b.first; });
-    double start = m_padType == PadWithinGroup ? static_cast<double>(pairs.front().first) : lowest;
-    double end = m_padType == PadWithinGroup ? static_cast<double>(pairs.back().first) : highest;
+    if (m_padType == PadNone) continue;
+    double const first = static_cast<double>(pairs.front().first), last = static_cast<double>(pairs.back().first);
+    bool const ownStart = m_padType == PadWithinGroup || m_padType == PadToCommonEnd || m_padType == PadWithinGroupOwnStep;
+    bool const ownEnd =
+        m_padType == PadWithinGroup || m_padType == PadToCommonStart || m_padType == PadWithinGroupOwnStep;
+    double start = ownStart ? first : lowest;
+    double end = ownEnd ? last : highest;
+    double step = increment;
+    if (m_padType == PadWithinGroupOwnStep && ownSteps[group.first] != std::numeric_limits<double>::max())
+      step = ownSteps[group.first];
     if (padded) {
       if (m_padMinimum > start)
         Message::fatal(kLabel, 0, "User set limit %f is less than attribute's lower value %f", m_padMinimum, start);
       if (m_padMaximum < end)
         Message::fatal(kLabel, 0, "User set limit %f is less than attribute's upper value %f", m_padMaximum, end);
-      if (!boundsCheckOk(m_padMinimum, start, increment))
-        Message::fatal(kLabel, 0, "User set limit %f is not on a %f boundary", m_padMinimum, increment);
-      if (!boundsCheckOk(m_padMaximum, start, increment))
+      if (!boundsCheckOk(m_padMinimum, start, step))
+        Message::fatal(kLabel, 0, "User set limit %f is not on a %f boundary", m_padMinimum, step);
+      if (!boundsCheckOk(m_padMaximum, start, step))
         Message::fatal(kLabel, 0, "User set limit %f is not on a %f boundary. Determined end value <%f>", m_padMaximum,
-                       increment, end);
+                       step, end);
       start = m_padMinimum;
       end = m_padMaximum;
     }
     std::vector<double> present;
     for (auto const& pair : pairs) present.push_back(static_cast<double>(pair.first));
-    long long const steps = std::llround((end - start) / increment);
-    double const tolerance = increment * 0.001;
+    long long const steps = std::llround((end - start) / step);
+    double const tolerance = step * 0.001;
     for (long long i = 0; i <= steps; ++i) {
-      double const v = start + static_cast<double>(i) * increment;
+      double const v = start + static_cast<double>(i) * step;
       auto const at = std::lower_bound(present.begin(), present.end(), v - tolerance);
       if (at == present.end() || *at > v + tolerance) pairs.push_back({static_cast<T>(v), 0u});
     }

@@ -5,10 +5,20 @@
 // Within each group of the primary key the values of the secondary key are
 // completed on a regular grid whose increment is the smallest step between
 // neighbouring values of any group; the values the store lacks are
-// invented (instance 0). With PadToCommonRange every group runs over the
-// smallest to the largest value of all groups; with PadWithinGroup each
-// group over its own. Pad limits (both non-zero) replace the range; they
-// must lie on the grid and hold every value.
+// invented (instance 0). How far each group runs, by pad type:
+//
+//   PadToCommonRange       the smallest to the largest value of all groups
+//   PadWithinGroup         its own smallest to its own largest value
+//   PadNone                nothing invented: the groups as they are, each
+//                          in ascending order of the secondary key
+//   PadToCommonStart       the smallest value of all to its own largest
+//   PadToCommonEnd         its own smallest to the largest value of all
+//   PadWithinGroupOwnStep  its own range, in its own smallest step (the
+//                          common step for a group of one value)
+//
+// Pad limits (both non-zero) replace the range of every type but PadNone;
+// they must lie on the group's grid and hold every value. Values count as
+// on a grid within a thousandth of its step.
 //
 // Key types are vINT32, vINT64, vFLOAT32 and vFLOAT64, in any of the 4 x 4
 // combinations. The grid is built once per secondary key and kept.
@@ -22,7 +32,14 @@
 
 class InfillAttributeSetIndexingTable : public AttributeSetIndexingTable {
  public:
-  enum AttrPadType { PadToCommonRange = 0, PadWithinGroup = 1 };
+  enum AttrPadType {
+    PadToCommonRange = 0,
+    PadWithinGroup = 1,
+    PadNone = 2,
+    PadToCommonStart = 3,
+    PadToCommonEnd = 4,
+    PadWithinGroupOwnStep = 5
+  };
 
   // Group questions of the table's own go to view; the grid is read from
   // below.

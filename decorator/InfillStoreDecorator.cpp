@@ -11,11 +11,12 @@ namespace {
 }  // namespace
 
 InfillStoreDecorator::InfillStoreDecorator(vHandle<Store> const& store, bool padWithinGroup)
-    : StoreDecoratorImp(store),
-      m_infillTable(new InfillAttributeSetIndexingTable(*this, *store,
-                                                        padWithinGroup
-                                                            ? InfillAttributeSetIndexingTable::PadWithinGroup
-                                                            : InfillAttributeSetIndexingTable::PadToCommonRange)) {}
+    : InfillStoreDecorator(store, padWithinGroup ? InfillAttributeSetIndexingTable::PadWithinGroup
+                                                 : InfillAttributeSetIndexingTable::PadToCommonRange) {}
+
+InfillStoreDecorator::InfillStoreDecorator(vHandle<Store> const& store,
+                                           InfillAttributeSetIndexingTable::AttrPadType padType)
+    : StoreDecoratorImp(store), m_infillTable(new InfillAttributeSetIndexingTable(*this, *store, padType)) {}
 
 InfillStoreDecorator::~InfillStoreDecorator() {}
 

@@ -15,6 +15,8 @@ class InfillStoreDecorator : public StoreDecoratorImp {
   // padWithinGroup: each group completed over its own range rather than
   // over the range of all.
   InfillStoreDecorator(vHandle<Store> const& store, bool padWithinGroup);
+  // Any of the table's pad types.
+  InfillStoreDecorator(vHandle<Store> const& store, InfillAttributeSetIndexingTable::AttrPadType padType);
   ~InfillStoreDecorator() override;
 
   void addKeyAttributes(vUCString const& primary, vUCString const& secondary);

@@ -107,4 +107,55 @@ TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
               "Can't reset infilled attribute name. Currently using attribute X");
 }
 
+// Groups {1: 10 20 40}, {2: 20 30}, {3: 40 0 20} (X on a step of 10,
+// group 3 on its own step of 20), by pad type: the X of each group, and
+// VALUE (100 * stored instance) zero where invented.
+TEST(InfillStoreDecorator, EveryPadType) {
+  using Table = InfillAttributeSetIndexingTable;
+  struct Case {
+    Table::AttrPadType type;
+    std::vector<double> x, value;
+  } const cases[] = {
+      {Table::PadToCommonRange,
+       {0, 10, 20, 30, 40, 0, 10, 20, 30, 40, 0, 10, 20, 30, 40},
+       {0, 100, 200, 0, 300, 0, 0, 400, 500, 0, 700, 0, 800, 0, 600}},
+      {Table::PadWithinGroup, {10, 20, 30, 40, 20, 30, 0, 10, 20, 30, 40}, {100, 200, 0, 300, 400, 500, 700, 0, 800, 0, 600}},
+      {Table::PadNone, {10, 20, 40, 20, 30, 0, 20, 40}, {100, 200, 300, 400, 500, 700, 800, 600}},
+      {Table::PadToCommonStart,
+       {0, 10, 20, 30, 40, 0, 10, 20, 30, 0, 10, 20, 30, 40},
+       {0, 100, 200, 0, 300, 0, 0, 400, 500, 700, 0, 800, 0, 600}},
+      {Table::PadToCommonEnd,
+       {10, 20, 30, 40, 20, 30, 40, 0, 10, 20, 30, 40},
+       {100, 200, 0, 300, 400, 500, 0, 700, 0, 800, 0, 600}},
+      {Table::PadWithinGroupOwnStep, {10, 20, 30, 40, 20, 30, 0, 20, 40}, {100, 200, 0, 300, 400, 500, 700, 800, 600}},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.type);
+    vHandle<Store> view(new InfillStoreDecorator(gridStore({1, 1, 1, 2, 2, 3, 3, 3}, {10, 20, 40, 20, 30, 40, 0, 20}), c.type));
+    EXPECT_EQ(c.x, column(*view, "X"));
+    EXPECT_EQ(c.value, column(*view, "VALUE"));
+  }
+  // Pad limits on a group's own step; every type but PadNone takes them.
+  InfillStoreDecorator* own = new InfillStoreDecorator(gridStore({1, 1, 2, 2}, {0, 10, 0, 20}), Table::PadWithinGroupOwnStep);
+  vHandle<Store> view(own);
+  own->applyPaddingLimits(-20, 40, 0);
+  EXPECT_EQ((std::vector<double>{-20, -10, 0, 10, 20, 30, 40, -20, 0, 20, 40}), column(*view, "X"));
+  own->applyPaddingLimits(-20, 30, 0);
+  expectFatal([&] { view->getNInstances(); }, "InfillAttributeSetIndexingTable::myBuildInfillGroup",
+              "User set limit 30.000000 is not on a 20.000000 boundary. Determined end value <20.000000>");
+  InfillStoreDecorator* none = new InfillStoreDecorator(gridStore({1, 1}, {0, 20}), Table::PadNone);
+  vHandle<Store> asIs(none);
+  none->applyPaddingLimits(-20, 30, 0);
+  EXPECT_EQ((std::vector<double>{0, 20}), column(*asIs, "X"));
+  // A floating key within a thousandth of a step of a grid value stands
+  // for it; one further off does not, and the grid value is invented beside.
+  for (double off : {0.50018, 0.5006}) {
+    vHandle<Store> floats(new InfillStoreDecorator(gridStore({1, 1, 1, 2, 2}, {0.5, 1.0, 1.25, 0.25, off}, vFLOAT64),
+                                                   Table::PadToCommonEnd));
+    std::vector<double> expected{0.5, 0.75, 1.0, 1.25, 0.25, off, 0.75, 1.0, 1.25};
+    if (off > 0.5005) expected.insert(expected.begin() + 5, 0.5);
+    EXPECT_EQ(expected, column(*floats, "X"));
+  }
+}
+
 }  // namespace

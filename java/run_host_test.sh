@@ -26,6 +26,10 @@
 #            killed between two loads; a file cut short while the server
 #            has it open; then a line without a format file, whose single
 #            key ends the host when asked for its data info
+#   mapping  the directory back end on a segyio line with a mapping file
+#            named after it (line1.cstf): attributes the mapping computes,
+#            and the trace through it, loaded by the host and compared
+#            with values worked out from what segyio reads
 # The line the client prints when it starts a server carries a generated
 # address and the build number: it is compared with both left out.
 # Exit 0 on a match, 1 on a mismatch, 77 when no JVM of the library's width
@@ -386,6 +390,49 @@ addStatisticOnAttribute(CMP, 0.0, 0.0)
 addKeyAttributeName(CMP, 1)
 $(report 'Data set plain has 1 key attributes; a primary and a secondary are needed.' RondoGetDataInfo)
 "
+    ;;
+  mapping)
+    py=/usr/bin/python3
+    "$py" -c 'import segyio' 2>/dev/null || fail "python3-segyio is missing: scripts/install-deps installs it"
+    root=$work/root
+    "$here/../scripts/segy-sample-project" "$root" survey || fail "the sample project could not be written"
+    cat >"$root/survey/line1.cstf" <<'MAP'
+# The sample line through a mapping: a mid point, and bits of the CDP.
+MID:d = CDP / 2 + TRACE_NUMBER * 0.25 - 1
+SHIFT:i = (CDP << 2) | (TRACE_NUMBER & 3)
+!ADD CDP TRACE_NUMBER TRACE
+MAP
+    export SP_DATASERVER_BACKEND=directory SP_DATASERVER_ROOT=$root
+    export FS_CLUSTERS="seisserver=$this_host"
+    VREL=$(cd "$here/../release" && pwd)
+    export VREL
+    host_class=RondoDataHost
+    s="SeisServer survey"
+    run_host connect SeisServer project $s bitsf $s line1 MID -1 -1 40 bitsi $s line1 SHIFT 40 \
+      bitsi $s line1 CDP 40 bitsf $s line1 TRACE 3 2 46
+    expected=$("$py" - "$root/survey/line1.sgy" <<'PY'
+import struct, sys, segyio
+with segyio.open(sys.argv[1], ignore_geometry=True) as f:
+    cdp = [int(v) for v in f.attributes(segyio.TraceField.CDP)[:]]
+    tracl = [int(v) for v in f.attributes(segyio.TraceField.TRACE_SEQUENCE_LINE)[:]]
+    bits = lambda values: " ".join(struct.pack(">f", v).hex() for v in values)
+    print("RondoLoadAttributeF(line1, MID, -1, -1) n=40 " +
+          bits([c / 2 + t * 0.25 - 1 for c, t in zip(cdp, tracl)]) + " = true")
+    print("RondoLoadAttributeI(line1, SHIFT) n=40 " +
+          " ".join(str((c << 2) | (t & 3)) for c, t in zip(cdp, tracl)) + " = true")
+    print("RondoLoadAttributeI(line1, CDP) n=40 " + " ".join(map(str, cdp)) + " = true")
+    print("RondoLoadAttributeF(line1, TRACE, 3, 2) n=46 " + bits(list(f.trace[3]) + list(f.trace[4])) + " = true")
+PY
+)
+    grep '^Rondo' "$work/out" >"$work/got"
+    printf 'RondoOpenConnection(SeisServer) = true\nRondoOpenProject(SeisServer, survey) = true\n%s\n' \
+      "$expected" >"$work/expected"
+    if ! cmp -s "$work/expected" "$work/got"; then
+      diff -u "$work/expected" "$work/got" | cut -c1-200 >&2 || true
+      cat "$work/err" >&2
+      fail "the host's values differ from those worked out from segyio's"
+    fi
+    [ "$status" = 0 ] || fail "exit code $status, expected 0"
     ;;
   *)
     fail "unknown scenario $scenario"

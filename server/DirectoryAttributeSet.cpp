@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "attribute/Attribute.h"
+#include "decorator/StoreDecoratorFactory.h"
 #include "foundation/Message.h"
 #include "project/StoreDescription.h"
 #include "project/StoreFactory.h"
@@ -41,6 +42,8 @@ void DirectoryAttributeSet::open(vLCString const& name, int version, vLCString c
   if (project == nullptr) Message::fatal(label, 0, "Store %s is not in a directory project.", name.c_str());
   vFilename const file = project->getStoreFile(name, version);
   vHandle<Store> store = StoreFactory::openStore(StoreDescription(file), vLCString(), options);
+  vFilename const map = project->getMappingFile(name, version);
+  if (map.length() != 0) store = StoreDecoratorFactory::addAttributeMapping(store, map);
   m_set = vHandle_cast<AttributeSet>(store);
   setPropertyList(*store);
 }

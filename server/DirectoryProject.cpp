@@ -162,3 +162,17 @@ vFilename DirectoryProject::getStoreFile(vLCString const& name, int version) con
                    format.getName().c_str(), name.c_str());
   return file;
 }
+
+vFilename DirectoryProject::getMappingFile(vLCString const& name, int version) const {
+  char const* const label = "DirectoryProject::getMappingFile";
+  vFilename map(myFind(label, name, version).file);
+  map.setExtension("cstf");
+  struct stat s;
+  if (::lstat(map.c_str(), &s) != 0) return vFilename();
+  vString const& root = dynamic_cast<DirectoryProjectCatalog const&>(*m_catalog).getRoot();
+  vString const path = DirectoryTree::resolve(map.getFilename());
+  if (!DirectoryTree::isRegularFile(path) || !DirectoryTree::isWithin(root, path))
+    Message::fatal(label, 0, "The mapping file %s of store %s is not a file within the data server's directory.",
+                   map.getName().c_str(), name.c_str());
+  return map;
+}

@@ -12,6 +12,10 @@
 // read again at every question, so files put in while the server runs are
 // seen. Nothing is deleted or made here: the project is read-only.
 //
+// A mapping file named after a store's file beside it (line1.cstf beside
+// line1.sgy) shows that store through its attribute mapping, as the store
+// factory does for the mapping files of Nyx stores.
+//
 // A project name that holds "/" or "..", or that names no subdirectory of
 // the root, is refused, and a file whose real path (links resolved) lies
 // outside the root is never a store.
@@ -52,6 +56,9 @@ class DirectoryProject : public Project {
   // The file of the store; fatal for a store the project does not have,
   // and for a SEG-Y file whose format file beside it leads outside the root.
   vFilename getStoreFile(vLCString const& name, int version) const;
+  // The mapping file named after the store's file beside it; blank when
+  // there is none. Fatal when it is not a file within the root.
+  vFilename getMappingFile(vLCString const& name, int version) const;
 
  private:
   struct Entry {

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "decorator/InfillStoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "foundation/UtlExcept.h"
 #include "tools/StoreArgument.h"
@@ -94,8 +95,14 @@ vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
     return StoreDecoratorFactory::addBin(store, binner, store->getAttribute(vUCString(spec.arguments[0].c_str())));
   }
   if (spec.name == "infill") {
-    expectCount(spec, 0, 0);
-    return StoreDecoratorFactory::addInfill(store);
+    expectCount(spec, 0, 1);
+    if (spec.arguments.empty()) return StoreDecoratorFactory::addInfill(store);
+    char const* const names[] = {"common", "group", "none", "common-start", "common-end", "group-step"};
+    for (int type = 0; type < 6; ++type)
+      if (spec.arguments[0] == names[type])
+        return vHandle<Store>(
+            new InfillStoreDecorator(store, static_cast<InfillAttributeSetIndexingTable::AttrPadType>(type)));
+    refuse(spec, "no pad type '" + spec.arguments[0] + "' (common, group, none, common-start, common-end, group-step)");
   }
   if (spec.name == "restore-mute") {
     expectCount(spec, 0, 0);

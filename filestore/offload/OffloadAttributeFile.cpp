@@ -44,8 +44,11 @@ OffloadAttributeFile::OffloadAttributeFile()
       m_offsetBin(0),
       m_useGenerated(true),
       m_useGeneratedCmp(true),
+      m_cmpTested(0),
       m_created(false),
       m_laidOut(false),
+      m_update(false),
+      m_dirty(false),
       m_compression(NONE),
       m_firstOffset(0),
       m_offsetIncrement(0),
@@ -55,12 +58,13 @@ OffloadAttributeFile::OffloadAttributeFile()
 OffloadAttributeFile::OffloadAttributeFile(vFilename const& name, OpenOptions options) : OffloadAttributeFile() {
   m_fileName = name;
   m_options = options;
+  m_update = options.getUpdate();
   restoreMute = options.getRestoreMute();
 }
 
 OffloadAttributeFile::~OffloadAttributeFile() {
   try {
-    if (m_created && m_laidOut) flush();
+    if ((m_created && m_laidOut) || (m_update && m_dirty)) flush();
   } catch (...) {
   }
   if (m_file.isOpen()) {
@@ -120,8 +124,12 @@ void OffloadAttributeFile::myOpenFile() {
       (m_header[17] == 0 ? m_header[2] - m_header[18] : compression_moffld_int16Tlen(m_header[2] - m_header[18], 0)) >
           m_header[8])
     Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
-  m_file = m_options.getUpdate() ? FS::update(m_fileName, FS::RecordFile, 0, 4 * recordLength)
-                                 : FS::open(m_fileName, FS::RecordFile, 1024, 4 * recordLength);
+  if (m_update) {
+    m_ioFile = FS::update(m_fileName, FS::RecordFile, 0, 4 * recordLength);
+    m_file = m_ioFile;
+  } else {
+    m_file = FS::open(m_fileName, FS::RecordFile, 1024, 4 * recordLength);
+  }
   if (!m_file.isGood()) m_file.terminate(label);
   m_file.setNoByteSwapping();
   try {
@@ -259,6 +267,7 @@ void OffloadAttributeFile::myBuildAttributes() {
 
 void OffloadAttributeFile::mySetupGrid() {
   int const* h = m_header.data();
+  m_cmpTested = 0;
   float ilInterval, xlInterval;
   std::memcpy(&xlInterval, &h[15], 4);
   std::memcpy(&ilInterval, &h[16], 4);
@@ -289,8 +298,10 @@ void OffloadAttributeFile::mySetupProperties() {
   number("OFFLOAD_VERSION", h[59]);
   number("DISK_VERSION", h[59]);
   text("MOFFLD_SHAPE", m_shape.c_str());
-  real("X_STORAGE_BIAS", m_grid.getSurveyOrigin().getX());
-  real("Y_STORAGE_BIAS", m_grid.getSurveyOrigin().getY());
+  // Grids carry no storage bias any more (a reader of grids refuses any
+  // other value); the survey origin has its own properties.
+  real("X_STORAGE_BIAS", 0.0);
+  real("Y_STORAGE_BIAS", 0.0);
   number("CMP_INCREMENT", 1);
   number("FIRST_CMP", 1);
   number("CROSSLINE_INCREMENT", h[13]);

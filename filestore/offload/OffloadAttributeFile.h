@@ -24,9 +24,16 @@
 // New files: create(), then addAttribute (the keys INLINE, CROSSLINE and
 // TRACE among them), setGrid, setOffset and possibly setCompression; the
 // first write or question lays the file out, with a record for every bin
-// and SUBLINE added to the table when the caller has none. Writes go to
-// whole ranges of bins of such a rectangular file; flush writes the fold
-// map, each bin written having a fold of 1.
+// and SUBLINE added to the table when the caller has none. Table names are
+// the older system's (RondoAttributeTranslator::convertToRondo of the
+// caller's); the file answers under the caller's names until it is closed,
+// and under the table's names when opened again.
+//
+// Existing files opened for update (OpenOptions::setUpdate) take writes in
+// either shape: a dead bin of a polygonal file gets a record at the end of
+// the file. addAttribute and addInstances (whole inlines) on such a file
+// lay it out anew in a file beside it, which then replaces it. Writes set
+// a fold of 1 on dead bins; flush writes the fold map and polygon mask.
 
 #include <list>
 #include <memory>
@@ -81,6 +88,9 @@ class OffloadAttributeFile : public AttributeFile {
 
   void create(vFilename const& name);
   void addAttribute(Attribute const& attribute);
+  // Bins appended as whole inlines, dead until written: count must be a
+  // multiple of the crosslines. Only on a file opened for update.
+  void addInstances(unsigned int count);
   void setGrid(CMPBasicGrid const& grid);
   CMPBasicGrid const& getGrid();
   void setCompression(CompressionType type);
@@ -129,12 +139,22 @@ class OffloadAttributeFile : public AttributeFile {
   // The caller's attribute made the file's length, in the caller's type.
   void myShape(Attribute& attribute, Attribute const& definition);
   void myGenerate(Attribute& attribute, unsigned int first, unsigned int last);
+  // Whether the grid numbers the header's first and last bins as CMPs 1 and
+  // the number of bins; if not, CMPs are counted from 1 by 1, with a report.
+  void myTestGenerateCmp();
   void myLoadRecords(unsigned int first, unsigned int last);
   void myReadRecords(long long record, unsigned int count, char* target);
   void myExtract(Attribute& attribute, unsigned int first, unsigned int last);
   void myZapDead(Attribute& attribute, unsigned int first, unsigned int last, unsigned int liveFirst,
                  unsigned int liveLast);
   void myDoCreation();
+  // The table's form of an attribute: the older system's name, 32-bit words.
+  static Attribute myTableForm(Attribute const& attribute);
+  // One instance of the attribute put into a record, in the file's order.
+  void myEncode(char* record, Attribute const& attribute, unsigned int instance, Attribute const& definition,
+                int offset);
+  void myRelayout(Attribute const* added, int moreInlines);
+  long long myTraceRecords();
   void myWriteWords(long long record, void const* data, long long bytes);
   Attribute const& myDefinition(char const* label, vUCString const& name);
   int myTraceSamples() const;
@@ -162,11 +182,14 @@ class OffloadAttributeFile : public AttributeFile {
   double m_offsetBin;
   bool m_useGenerated;
   bool m_useGeneratedCmp;
+  int m_cmpTested;  // 0 not yet, 1 the grid's CMPs, -1 counted from 1
   // Group tables, built at the first group question.
   std::unique_ptr<AttributeSetIndexingTable> m_index;
   // New files.
   bool m_created;
   bool m_laidOut;
+  bool m_update;
+  bool m_dirty;
   CompressionType m_compression;
   double m_firstOffset, m_offsetIncrement;
   int m_nOffsets, m_sequence;

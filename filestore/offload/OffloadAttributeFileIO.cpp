@@ -11,6 +11,9 @@
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
+#include "geometry/BinPos.h"
 #include "foundation/vUtl.h"
 
 namespace {
@@ -327,8 +330,10 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
   for (unsigned int i = first; i <= last; ++i) {
     int const index = static_cast<int>(i);
     double value = 0;
-    if (name == vUCString("CMP"))
-      value = m_grid.convertCMPIndexToCMP(index);
+    if (name == vUCString("CMP")) {
+      if (m_cmpTested == 0) myTestGenerateCmp();
+      value = m_cmpTested > 0 ? m_grid.convertCMPIndexToCMP(index) : index;
+    }
     else if (name == vUCString("INLINE"))
       value = m_grid.convertCMPIndexToInline(index);
     else if (name == vUCString("CROSSLINE"))
@@ -342,209 +347,23 @@ void OffloadAttributeFile::myGenerate(Attribute& attribute, unsigned int first, 
   vUtl::copyConvert(values.data(), vFLOAT64, attribute.getPointer(1), attribute.getDataType(), values.size());
 }
 
-// --- the writing side --------------------------------------------------------------------------
 
-void OffloadAttributeFile::create(vFilename const& name) {
-  if (m_isOpen || m_created)
-    Message::fatal("OffloadAttributeFile::create", 0, "Cannot add things to an existing file.%s", name.c_str());
-  m_fileName = name;
-  m_created = true;
-}
-
-void OffloadAttributeFile::addAttribute(Attribute const& attribute) {
-  if (!m_created)
-    Message::fatal("OffloadAttributeFile::addAttribute", 0, "Cannot add things to an existing file.%s",
-                   m_fileName.c_str());
-  if (m_laidOut)
-    Message::fatal("OffloadAttributeFile::addAttribute", 0,
-                   "File %s cannot be extended once data has been written to it.", m_fileName.c_str());
-  m_attributes.push_back(attribute);
-}
-
-void OffloadAttributeFile::setGrid(CMPBasicGrid const& grid) { m_grid = grid; }
-
-void OffloadAttributeFile::setCompression(CompressionType type) {
-  if (type != NONE && type != INT16)
-    Message::fatal("OffloadAttributeFile::setCompression", 0, "Unexpected CompressionType %d.", static_cast<int>(type));
-  m_compression = type;
-}
-
-void OffloadAttributeFile::setOffset(double first, double increment, int count, int sequence) {
-  if (count < 1) Message::fatal("OffloadAttributeFile::setOffset", 0, "Number of offsets must be >=1, got %d.", count);
-  if (sequence < 0 || sequence > count)
-    Message::fatal("OffloadAttributeFile::setOffset", 0, "Offset sequence %d must be >0 and <=%d.", sequence, count);
-  m_firstOffset = first;
-  m_offsetIncrement = increment;
-  m_nOffsets = count;
-  m_sequence = sequence;
-}
-
-void OffloadAttributeFile::myDoCreation() {
-  char const* const label = "OffloadAttributeFile::myDoCreation";
-  Attribute const* trace = nullptr;
-  for (Attribute const& attribute : m_attributes)
-    if (attribute.getName() == vUCString("TRACE")) trace = &attribute;
-  if (!trace) Message::fatal(label, 0, "Attribute '%s' does not exist in file '%s'.", "TRACE", m_fileName.c_str());
-  // The table: every attribute but the trace, and SUBLINE, by which readers
-  // tell a word-swapped copy.
-  std::vector<Attribute> table;
-  bool subline = false;
-  for (Attribute const& attribute : m_attributes) {
-    if (attribute.getName() == vUCString("TRACE")) continue;
-    subline = subline || attribute.getName() == vUCString("SUBLINE");
-    table.push_back(attribute);
+void OffloadAttributeFile::myTestGenerateCmp() {
+  int const* h = m_header.data();
+  bool ok = false;
+  try {
+    MessageHandling quiet;
+    long long const bins = static_cast<long long>(h[9]) * h[10];
+    ok = m_grid.convertBinToCMP(BinPos(h[12], h[11])) == m_grid.convertCMPIndexToCMP(1) &&
+         m_grid.convertBinToCMP(BinPos(h[20], h[19])) == m_grid.convertCMPIndexToCMP(static_cast<int>(bins));
+  } catch (UtlExcept const&) {
+    ok = false;
   }
-  if (!subline) table.insert(table.begin(), Attribute("SUBLINE", "", vINT32, 1));
-  std::vector<int> h(100, 0);
-  h[0] = 100;
-  h[1] = 77479;
-  for (Attribute const& attribute : table) h[3] += attribute.getLength();
-  double const rate = trace->getSampleRate() > 0 ? trace->getSampleRate() : 1.0;
-  h[18] = static_cast<int>(trace->getFirstTime() / rate + 0.5);
-  h[2] = trace->getLength() + h[18];
-  h[4] = static_cast<int>(rate * 1000 + 0.5);
-  h[8] = m_compression == INT16 ? compression_moffld_int16Tlen(trace->getLength(), 0) : trace->getLength();
-  h[6] = static_cast<int>(table.size());
-  h[7] = h[3] + h[8];
-  h[5] = 23 * h[6];
-  h[9] = m_grid.getNumCrosslines();
-  h[10] = m_grid.getNumInlines();
-  h[11] = m_grid.getFirstCrossline();
-  h[12] = m_grid.getFirstInline();
-  h[13] = m_grid.getCrosslineInc();
-  h[14] = m_grid.getInlineInc();
-  float const xl = m_grid.getCrosslineInterval(), il = m_grid.getInlineInterval();
-  std::memcpy(&h[15], &xl, 4);
-  std::memcpy(&h[16], &il, 4);
-  h[17] = m_compression;
-  h[19] = m_grid.getLastCrossline();
-  h[20] = m_grid.getLastInline();
-  if (h[9] <= 0 || h[10] <= 0) Message::fatal(label, 0, "File %s has no grid to lay its bins out.", m_fileName.c_str());
-  bool const floats =
-      m_firstOffset != static_cast<int>(m_firstOffset) || m_offsetIncrement != static_cast<int>(m_offsetIncrement);
-  h[59] = floats ? 2 : 1;
-  m_version = vHandle<OffloadVersionBits>(OffloadVersionBits::forVersion(h[59]));
-  h[21] = m_sequence;
-  m_version->setFileOffset(h.data(), (m_sequence - 1) * m_offsetIncrement + m_firstOffset);
-  m_version->setFileOffsets(h.data(), m_firstOffset, m_offsetIncrement,
-                            (m_nOffsets - 1) * m_offsetIncrement + m_firstOffset);
-  h[60] = static_cast<int>(::getpid());
-  h[64] = m_nOffsets;
-  h[89] = 991;
-  int const L = h[7];
-  long long const bins = static_cast<long long>(h[9]) * h[10];
-  h[31] = ((h[0] - 1) / L) * 4 + 2;
-  h[33] = h[31] + (h[5] - 1) / L + 1;
-  h[34] = static_cast<int>(h[33] + bins / L + 1);
-  // Header, table, fold map of zeros and a record of zeros for every bin.
-  std::vector<int> head(static_cast<std::size_t>(h[34] - 1) * L, 0);
-  std::memcpy(head.data(), h.data(), 4 * h.size());
-  for (std::size_t k = 0; k < table.size(); ++k) {
-    int* entry = &head[static_cast<std::size_t>(h[31] - 1) * L + 23 * k];
-    entry[0] = table[k].getDataType() == vINT32 ? 1 : 2;
-    entry[1] = entry[0];
-    entry[2] = table[k].getLength();
-    char name[80];
-    std::memset(name, ' ', sizeof name);
-    std::memcpy(name, table[k].getName().c_str(), std::min<std::size_t>(80, table[k].getName().length()));
-    std::memcpy(entry + 3, name, sizeof name);
+  m_cmpTested = ok ? 1 : -1;
+  if (!ok) {
+    Message::info("OffloadAttributeFile::myTestGenerateCmp", 0, "Cannot calculate the CMP in the file: %s",
+                  m_fileName.c_str());
+    Message::info("OffloadAttributeFile::myTestGenerateCmp", 0,
+                  "Will assume the first CMP is 1 with an increment of 1.");
   }
-  m_ioFile = FS::create(m_fileName, FS::RecordFile, 0, 4 * L);
-  if (!m_ioFile.isGood()) m_ioFile.terminate(label);
-  m_ioFile.setNoByteSwapping();
-  myWriteWords(1, head.data(), 4LL * static_cast<long long>(head.size()));
-  std::vector<char> zeros(static_cast<std::size_t>(4 * L) * 1024, 0);
-  for (long long b = 0; b < bins; b += 1024) {
-    long long const n = std::min<long long>(1024, bins - b);
-    myWriteWords(h[34] + b, zeros.data(), 4LL * L * n);
-  }
-  m_header = h;
-  m_laidOut = true;
-  m_file = m_ioFile;
-  m_attributes.clear();
-  myBuildAttributes();
-  mySetupGrid();
-  m_shape = vString("rectangular");
-  m_offsetBin = m_version->getFileOffset(m_header.data());
-  mySetupProperties();
-  m_fold.assign(static_cast<std::size_t>(bins), 0);
-  m_mask.clear();
-  m_isOpen = true;
-}
-
-void OffloadAttributeFile::myWriteWords(long long record, void const* data, long long bytes) {
-  int const put = m_ioFile.write(record, data, static_cast<int>(bytes));
-  if (put != bytes || !m_ioFile.isGood()) m_ioFile.terminate("OffloadAttributeFile::myWriteWords");
-}
-
-void OffloadAttributeFile::writeRange(Attribute const& attribute, unsigned int first, unsigned int last) {
-  if (m_index) m_index->clearCache();  // the group tables may no longer hold
-  char const* const label = "OffloadAttributeFile::writeRange";
-  if (m_created && !m_laidOut) myDoCreation();
-  myOpenFile();
-  if (!m_created) {
-    if (restoreMute && attribute.getName() == vUCString("TRACE"))
-      Message::fatal(label, 0, "Writing muted data when restoring is enabled is not supported yet!");
-    if (!hasAttribute(attribute.getName()))
-      Message::fatal(label, 0, "Attribute '%s' does not exist in file '%s'.", attribute.getName().c_str(),
-                     m_fileName.c_str());
-    if (m_shape == vString("polygonal"))
-      Message::fatal(label, 0, "Writing to a polygon moffload file is not supported yet!");
-    Message::fatal(label, 0, "Writing to a rectangular moffload file is not supported yet!");
-  }
-  if (!hasAttribute(attribute.getName()))
-    Message::fatal(label, 0, "Attribute '%s' does not exist in file '%s'.", attribute.getName().c_str(),
-                   m_fileName.c_str());
-  if (last == 0) last = getNInstances();
-  myCheckRange(first, last);
-  Attribute const& definition = myDefinition(label, attribute.getName());
-  int const offset = getOffset(definition);
-  // Computed attributes hold nothing in the file.
-  if (offset < 0) return;
-  if (attribute.getNInstances() != last - first + 1 || attribute.getLength() != definition.getLength())
-    Message::fatal(label, 0, "Attribute '%s' has %d instances of length %d, the file wants %d of length %d.",
-                   attribute.getName().c_str(), static_cast<int>(attribute.getNInstances()), attribute.getLength(),
-                   static_cast<int>(last - first + 1), definition.getLength());
-  if (m_buffer.empty() || first < m_bufferFirst || last > m_bufferLast) myLoadRecords(first, last);
-  std::size_t const recordBytes = 4u * static_cast<std::size_t>(m_header[7]);
-  int const length = definition.getLength();
-  std::vector<float> samples(static_cast<std::size_t>(length));
-  for (unsigned int i = first; i <= last; ++i) {
-    char* record = m_buffer.data() + static_cast<std::size_t>(i - m_bufferFirst) * recordBytes;
-    void const* in = attribute.getPointer(i - first + 1);
-    if (definition.getName() == vUCString("TRACE")) {
-      vUtl::copyConvert(in, attribute.getDataType(), samples.data(), vFLOAT32, samples.size());
-      if (m_compression == INT16)
-        compression_moffld_int16(length, samples.data(), false, record, 0, 1);
-      else
-        std::memcpy(record, samples.data(), 4 * samples.size());
-    } else {
-      vUtl::copyConvert(in, attribute.getDataType(), record + offset, definition.getDataType(),
-                        static_cast<std::size_t>(length));
-    }
-    m_fold[i - 1] = 1;
-  }
-  myWriteWords(m_header[34] + static_cast<long long>(first) - 1,
-               m_buffer.data() + static_cast<std::size_t>(first - m_bufferFirst) * recordBytes,
-               static_cast<long long>(last - first + 1) * static_cast<long long>(recordBytes));
-}
-
-void OffloadAttributeFile::writeList(Attribute const& attribute, std::vector<unsigned int> const& instances) {
-  Attribute one(attribute.getName(), attribute.getClass(), attribute.getDataType(), attribute.getLength(),
-                attribute.getSampleRate(), attribute.getFirstTime());
-  std::size_t const bytes =
-      static_cast<std::size_t>(attribute.getLength()) * static_cast<std::size_t>(attribute.getDataTypeSize());
-  for (std::size_t k = 0; k < instances.size(); ++k) {
-    one.resize(1);
-    std::memcpy(one.getPointer(1), attribute.getPointer(static_cast<unsigned int>(k + 1)), bytes);
-    writeRange(one, instances[k], instances[k]);
-  }
-}
-
-void OffloadAttributeFile::flush() {
-  if (!m_created || !m_laidOut) return;
-  std::vector<int> fold(m_fold);
-  long long const records = (static_cast<long long>(fold.size()) - 1) / m_header[7] + 1;
-  fold.resize(static_cast<std::size_t>(records * m_header[7]), 0);
-  myWriteWords(m_header[33], fold.data(), 4LL * static_cast<long long>(fold.size()));
 }

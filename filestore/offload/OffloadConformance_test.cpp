@@ -1,11 +1,14 @@
 // The shared store suite over an offload file that holds the reference
-// content, written by the Python writer. Only reading is offered.
+// content, written by the Python writer (big-endian, polygonal); the write
+// tests update copies of it.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include "filestore/offload/OffloadDiskStore.h"
 #include "testing/StoreConformance.h"
@@ -29,12 +32,36 @@ std::string const& referenceFile() {
   return file;
 }
 
+// Copies for the write tests, removed at exit.
+std::vector<std::string>& copies() {
+  static std::vector<std::string> files;
+  static struct Remover {
+    ~Remover() {
+      for (std::string const& f : files) std::remove(f.c_str());
+    }
+  } remover;
+  return files;
+}
+
 StoreConformanceCase offloadCase() {
   StoreConformanceCase c("OffloadDiskStore");
   c.openForReading = [] {
     OffloadDiskStore* store = new OffloadDiskStore;
     vHandle<AttributeSet> handle(store);
     store->open(vFilename(referenceFile().c_str()));
+    return handle;
+  };
+  c.openForUpdate = [] {
+    std::string const copy = referenceFile() + "." + std::to_string(copies().size() + 1) + ".offload";
+    {
+      std::ifstream in(referenceFile(), std::ios::binary);
+      std::ofstream out(copy, std::ios::binary);
+      out << in.rdbuf();
+    }
+    copies().push_back(copy);
+    OffloadDiskStore* store = new OffloadDiskStore;
+    vHandle<AttributeSet> handle(store);
+    store->update(copy.c_str(), 0, "", "", nullptr);
     return handle;
   };
   c.makeUnopened = [] { return vHandle<AttributeSet>(new OffloadDiskStore); };

@@ -30,7 +30,7 @@ bool isDataFile(vFilename const& file) {
 OffloadDiskStore::OffloadDiskStore() : OffloadDiskStore(vHandle<Project>()) {}
 
 OffloadDiskStore::OffloadDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_isOpen(false), m_created(false), m_restoreMute(false) {}
+    : DiskStore(project), m_isOpen(false), m_created(false), m_restoreMute(false), m_update(false) {}
 
 OffloadDiskStore::~OffloadDiskStore() {
   if (m_isOpen) {
@@ -77,6 +77,24 @@ void OffloadDiskStore::open(vLCString const& name, int, vLCString const&, vLCStr
   open(vFilename(name));
 }
 
+void OffloadDiskStore::update(vLCString const& name, int, vLCString const&, vLCString const&,
+                              StoreOpenOptions const* options) {
+  if (options && options->getRestoreMute()) m_restoreMute = true;
+  update(vFilename(name));
+}
+
+void OffloadDiskStore::update(vFilename const& file) {
+  if (m_isOpen)
+    Message::fatal("OffloadDiskStore::update", 0, "OffloadDiskStore is already open as '%s'.", m_fileName.c_str());
+  m_update = true;
+  try {
+    open(file);
+  } catch (...) {
+    m_update = false;
+    throw;
+  }
+}
+
 void OffloadDiskStore::setRestoreMute(bool restoreMute) {
   m_restoreMute = restoreMute;
   if (!m_file.isEmpty()) m_file->setRestoreMute(restoreMute);
@@ -85,6 +103,7 @@ void OffloadDiskStore::setRestoreMute(bool restoreMute) {
 void OffloadDiskStore::myOpenData(vFilename const& file) {
   AttributeFile::OpenOptions options;
   options.setRestoreMute(m_restoreMute);
+  options.setUpdate(m_update);
   vHandle<OffloadAttributeFile> data(new OffloadAttributeFile(file, options));
   data->getNInstances();  // opens it, so that a bad file fails here
   if (!m_header.isEmpty()) {
@@ -181,6 +200,8 @@ void OffloadDiskStore::close() {
     file->flush();
   }
   m_createdFiles.clear();
+  if (m_update && !m_file.isEmpty()) m_file->flush();
+  m_update = false;
   m_created = false;
   m_file = vHandle<OffloadAttributeFile>();
   m_header = vHandle<OffloadHeaderFile>();
@@ -263,34 +284,99 @@ KeyList OffloadDiskStore::getKeyList() const { return getFile().getKeyList(); }
 
 unsigned int OffloadDiskStore::getNAttributes() const { return getFile().getNAttributes(); }
 
-void OffloadDiskStore::addAttribute(Attribute const&) {
-  if (m_created) Message::fatal("OffloadDiskStore::addAttribute", 0, "Cannot add attribute to created store");
-  Message::fatal("OffloadDiskStore::addAttribute", 0, "OffloadDiskStore is not created or opened for update.");
-}
-
 namespace {
 char const* const kNotWritable = "OffloadDiskStore is not created or opened for update.";
 }  // namespace
 
+void OffloadDiskStore::myCheckWritable(char const* label) const {
+  if (!m_isOpen || (!m_created && !m_update)) Message::fatal(label, 0, kNotWritable);
+}
+
+void OffloadDiskStore::myWritten() { getIndexingTable().clearCache(); }
+
+void OffloadDiskStore::addAttribute(Attribute const& attribute) {
+  if (m_created) Message::fatal("OffloadDiskStore::addAttribute", 0, "Cannot add attribute to created store");
+  myCheckWritable("OffloadDiskStore::addAttribute");
+  m_file->addAttribute(attribute);
+  myWritten();
+}
+
+void OffloadDiskStore::addInstances(unsigned int count) {
+  myCheckWritable("OffloadDiskStore::addInstances");
+  m_file->addInstances(count);
+  myWritten();
+}
+
 void OffloadDiskStore::write(Attribute const& attribute, unsigned int first, unsigned int last) {
-  if (!m_created) Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+  char const* const label = "OffloadDiskStore::write";
+  myCheckWritable(label);
+  long long const n = m_file->getNInstances();
+  if (attribute.getNInstances() != static_cast<unsigned int>(last - first + 1))
+    Message::fatal(label, 0, "The Attribute '%s' to be written has %lld instances, but last-first+1 is %lld.",
+                   attribute.getName().c_str(), static_cast<long long>(attribute.getNInstances()),
+                   static_cast<long long>(last) - first + 1);
+  if (first < 1) Message::fatal(label, 0, "first instance must be >0, yours was %lld", static_cast<long long>(first));
+  if (last > n)
+    Message::fatal(label, 0, "last instance %lld must be <= number of instances %lld.", static_cast<long long>(last),
+                   n);
   m_file->writeRange(attribute, first, last);
+  myWritten();
 }
 
 void OffloadDiskStore::write(Attribute const& attribute, std::vector<unsigned int> const& instances) {
-  if (!m_created) Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+  char const* const label = "OffloadDiskStore::write";
+  myCheckWritable(label);
+  long long const n = m_file->getNInstances();
+  for (unsigned int i : instances) {
+    if (i == 0)
+      Message::fatal(label, 0, "Attribute '%s': the vInstanceList has a zero in it, coont read from instance 0.",
+                     attribute.getName().c_str());
+    if (i > n)
+      Message::fatal(label, 0, "Instance numbers must be <%lld, list for '%s' contained %lld.", n + 1,
+                     attribute.getName().c_str(), static_cast<long long>(i));
+  }
+  if (attribute.getNInstances() != instances.size())
+    Message::fatal(label, 0, "The Attribute '%s' to be written has %lld instances, but the list has %lld.",
+                   attribute.getName().c_str(), static_cast<long long>(attribute.getNInstances()),
+                   static_cast<long long>(instances.size()));
   m_file->writeList(attribute, instances);
+  myWritten();
 }
 
-void OffloadDiskStore::write(Attribute const&, Attribute const&, unsigned int, unsigned int) {
-  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+void OffloadDiskStore::write(Attribute const& attribute, Attribute const& key, unsigned int firstGroup,
+                             unsigned int lastGroup) {
+  char const* const label = "OffloadDiskStore::write(byGroups)";
+  myCheckWritable(label);
+  std::vector<unsigned int> instances;
+  getIndexingTable().locateByGroups(key, firstGroup, lastGroup, instances);
+  if (instances.size() != attribute.getNInstances())
+    Message::fatal(label, 0,
+                   "The number of instances (%d) with groups %s does not match the number of instances (%lld) for "
+                   "Attribute %s being written.",
+                   static_cast<int>(instances.size()), key.getName().c_str(),
+                   static_cast<long long>(attribute.getNInstances()), attribute.getName().c_str());
+  write(attribute, instances);
 }
 
-void OffloadDiskStore::write(Attribute const&, KeyList const&) {
-  Message::fatal("OffloadDiskStore::write", 0, kNotWritable);
+void OffloadDiskStore::write(Attribute const& attribute, KeyList const& keys) {
+  char const* const label = "OffloadDiskStore::write(byKeys)";
+  myCheckWritable(label);
+  std::vector<unsigned int> instances;
+  getIndexingTable().locateByKeys(keys, instances, false);
+  long long found = 0;
+  for (unsigned int i : instances) found += i != 0;
+  if (instances.size() != attribute.getNInstances())
+    Message::fatal(label, 0,
+                   "The number of instances (%lld) with keys does not match the number of instances (%lld) for "
+                   "Attribute %s being written.",
+                   static_cast<long long>(instances.size()), static_cast<long long>(attribute.getNInstances()), attribute.getName().c_str());
+  if (found != static_cast<long long>(instances.size()))
+    Message::fatal(label, 0,
+                   "Key list has duplicate or missing values in OffloadDiskStore %s. Wanted %lld value(s) but found "
+                   "%lld.",
+                   getName().c_str(), static_cast<long long>(instances.size()), found);
+  write(attribute, instances);
 }
-
-void OffloadDiskStore::addInstances(unsigned int) { Message::fatal("OffloadDiskStore::addInstances", 0, kNotWritable); }
 
 void OffloadDiskStore::read(Attribute& attribute, KeyList const& keys) const {
   myCheckOpen("OffloadDiskStore::read");

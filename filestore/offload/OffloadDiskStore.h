@@ -64,7 +64,14 @@ class OffloadDiskStore : public DiskStore {
   vLCString getSubClass() const override { return vLCString("offloaddisk"); }
   void addAttribute(Attribute const& attribute) override;
 
-  // Refused: the store offers reading only.
+  // By file name, for writing into the data files as they are: values of
+  // existing attributes in any bin, new attributes, whole new inlines.
+  using DiskStore::update;
+  virtual void update(vFilename const& file);
+  void update(vLCString const& name, int version, vLCString const& className, vLCString const& subClass,
+              StoreOpenOptions const* options) override;
+
+  // On a store created or opened for update only.
   void write(Attribute const& attribute, unsigned int first, unsigned int last) override;
   void write(Attribute const& attribute, std::vector<unsigned int> const& instances) override;
   void write(Attribute const& attribute, Attribute const& key, unsigned int firstGroup,
@@ -88,6 +95,9 @@ class OffloadDiskStore : public DiskStore {
  private:
   void myOpenData(vFilename const& file);
   void myCheckOpen(char const* label) const;
+  void myCheckWritable(char const* label) const;
+  // After a write: the file's window and the group tables may be stale.
+  void myWritten();
   void mySetupProperties();
   // The lines of a key in the order asked for, and the bins on each; false
   // for any other attribute.
@@ -97,6 +107,7 @@ class OffloadDiskStore : public DiskStore {
   bool m_isOpen;
   bool m_created;
   bool m_restoreMute;
+  bool m_update;
   std::vector<vHandle<OffloadAttributeFile> > m_createdFiles;
   vFilename m_fileName;
   std::vector<vFilename> m_dataFiles;

@@ -103,3 +103,19 @@ TEST_F(OffloadFaultTest, ACutHeaderOrMapFails) {
     EXPECT_THROW(store.open(vFilename(path.c_str())), UtlExcept) << size;
   }
 }
+
+TEST_F(OffloadFaultTest, AFailedRelayoutLeavesTheFileAsItWas) {
+  std::string const before = fs_testing::readFile(path);
+  OffloadDiskStore store;
+  store.update(vFilename(path.c_str()));
+  {
+    // The copy of the traces fails at bin 5.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 5 + 8);
+    EXPECT_THROW(store.addAttribute(Attribute("EXTRA", "", vINT32)), UtlExcept);
+  }
+  EXPECT_FALSE(store.hasAttribute("EXTRA"));
+  EXPECT_EQ(77, cdpOf(store, 11));
+  store.close();
+  EXPECT_EQ(before, fs_testing::readFile(path));
+  EXPECT_FALSE(FS::exists(vFilename((path + ".relayout").c_str())));
+}

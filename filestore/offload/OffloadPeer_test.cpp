@@ -363,3 +363,31 @@ TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
   std::remove(f.file.c_str());
   std::remove(f.expect.c_str());
 }
+
+// A header whose last inline is off its own grid: CMPs are counted from 1
+// with the report; a sound header gives the grid's CMPs without one.
+TEST(OffloadPeer, CmpCountedFromOneWhenTheGridCannotYieldIt) {
+  for (bool damaged : {false, true}) {
+    Fixture const f = writeFixture("<", 1, 991, 0);
+    if (damaged) {
+      std::fstream io(f.file, std::ios::binary | std::ios::in | std::ios::out);
+      int const lastInline = 15;
+      io.seekp(80);
+      io.write(reinterpret_cast<char const*>(&lastInline), 4);
+    }
+    OffloadDiskStore store;
+    store.open(vFilename(f.file.c_str()));
+    Attribute cmp("CMP", "", vINT32);
+    ::testing::internal::CaptureStderr();
+    store.read(cmp, 1, 12);
+    store.read(cmp, 1, 12);
+    std::string const out = ::testing::internal::GetCapturedStderr();
+    for (unsigned int i = 1; i <= 12; ++i) EXPECT_EQ(static_cast<int>(i), cmp.getInt32(i));
+    std::string const reported = "Cannot calculate the CMP in the file: " + f.file;
+    EXPECT_EQ(damaged, out.find(reported) != std::string::npos) << out;
+    EXPECT_EQ(damaged, out.find("Will assume the first CMP is 1 with an increment of 1.") != std::string::npos);
+    EXPECT_EQ(out.find(reported), out.rfind(reported)) << "reported once";
+    std::remove(f.file.c_str());
+    std::remove(f.expect.c_str());
+  }
+}

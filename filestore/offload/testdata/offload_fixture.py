@@ -15,7 +15,7 @@ The expectation file has one line per bin: fold, SUBLINE, CDP, ELEV and
 the 7 stored samples as the reader must return them.
 
 With "reference" the file holds instead the shared store suite's content:
-no dead bins, no mute, 5 samples of 10 * bin + sample (1 to 5) at 4 ms,
+4 inlines of 3 crosslines (a CDP is an inline), no dead bins, no mute, 5 samples of 10 * bin + sample (1 to 5) at 4 ms,
 and the table SUBLINE, CDP (1 1 1 2 2 2 ...), OFFSET (100 200 300 ...).
 """
 import struct
@@ -30,7 +30,7 @@ NIL, NXL, HDR, NS, MUTE = 3, 4, 100, 9, 2
 DEAD = {1, 6, 12}
 ATTRS = [("SUBLINE", 1), ("CDP", 1), ("ELEV", 2)]
 if REFERENCE:
-    NS, MUTE, DEAD = 5, 0, set()
+    NIL, NXL, NS, MUTE, DEAD = 4, 3, 5, 0, set()
     ATTRS = [("SUBLINE", 1), ("CDP", 1), ("OFFSET", 1)]
 STORED = NS - MUTE
 BINS = NIL * NXL
@@ -57,7 +57,7 @@ def off(value):
 h = [0] * HDR
 h[0], h[1], h[2], h[3], h[4], h[5], h[6], h[7], h[8] = HDR, 77479, NS, w3, 4000, w5, w6, L, w8
 h[9], h[10], h[11], h[12], h[13], h[14] = NXL, NIL, 100, 10, 1, 2
-h[17], h[18], h[19], h[20], h[21] = compressed, MUTE, 103, 14, 2
+h[17], h[18], h[19], h[20], h[21] = compressed, MUTE, 100 + NXL - 1, 10 + 2 * (NIL - 1), 2
 h[31], h[33], h[34], h[59], h[60], h[64], h[89] = table_rec, fold_rec, first_trace, version, 4242, 3, shape
 words = bytearray(b"".join(struct.pack(order + "i", v) for v in h))
 words[60:64] = struct.pack(order + "f", 25.0)
