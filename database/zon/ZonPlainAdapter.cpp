@@ -62,7 +62,7 @@ void ZonPlainAdapter::doWriteAll(std::list<Attribute>& attributes, KeyList const
 }
 
 void ZonPlainAdapter::myMustBe2DOr3D(char const* label) const {
-  vString const domain(vString(getSubClass()).c_str());
+  vString const domain(vString(ZonPlainAdapter::getSubClass()).c_str());
   if (strcasecmp(domain.c_str(), "2D") != 0 && strcasecmp(domain.c_str(), "3D") != 0)
     Message::fatal(label, 0, "Unknown domain %s.", domain.c_str());
 }

@@ -388,14 +388,15 @@ void ZonStoreKVS::write(Attribute const& attribute, KeyList const& keys) {
   char const* const label = "ZonStoreKVS::write(byKeys)";
   myMustBeWriteable(label);
   myLoadData();
-  std::vector<unsigned int> const list = myBuildListByKeys(label, keys);
-  if (list.size() != attribute.getNInstances())
+  // The tuples given must match the values given before they are looked up.
+  unsigned long long const tuples = keys.getNKeys() ? keys.begin()->getNInstances() : 0;
+  if (tuples != attribute.getNInstances())
     Message::fatal(label, 0,
                    "The number of instances (%lld) with keys does not match the number of instances (%lld) for "
                    "Attribute %s.",
-                   static_cast<long long>(list.size()), static_cast<long long>(attribute.getNInstances()),
+                   static_cast<long long>(tuples), static_cast<long long>(attribute.getNInstances()),
                    attribute.getName().c_str());
-  myData->write(attribute, list);
+  myData->write(attribute, myBuildListByKeys(label, keys));
   myModified = true;
 }
 
