@@ -39,6 +39,12 @@ void ZonStoreKVS::setDataConversion(Capi::eDataConversion conversion) {
   ZonAdapterBase::setDataConversion(conversion == Capi::eDataTypeConversion);
 }
 
+// The memory copy needs a class and subclass where a dataset may have
+// none; the store answers with the adapter's.
+vLCString ZonStoreKVS::myMemoryClass(vLCString const& name) {
+  return name.isEmpty() ? vLCString("none") : name;
+}
+
 // --- State -----------------------------------------------------------------------------
 
 void ZonStoreKVS::myMustBeOpen(char const* label) const {
@@ -114,7 +120,7 @@ void ZonStoreKVS::myLoadData() const {
   PropertyI ignored;  // the properties were read at open and may have changed since
   myAdapter->load(keys, attributes, ignored);
   vHandle<InMemoryAttributeSet> data(new InMemoryAttributeSet(vHandle<Project>()));
-  data->create(myName, myAdapter->getClass(), myAdapter->getSubClass(), keys, nullptr);
+  data->create(myName, myMemoryClass(myAdapter->getClass()), myMemoryClass(myAdapter->getSubClass()), keys, nullptr);
   unsigned int n = myAdapter->getNInstances();
   for (Attribute const& a : attributes) {
     if (!data->hasAttribute(a.getName())) data->addAttribute(Attribute(a));
@@ -201,7 +207,8 @@ void ZonStoreKVS::create(vLCString const& name, vLCString const& className, vLCS
   myAdapter->create(name, keys);
   clearProperties();
   myData = vHandle<InMemoryAttributeSet>(new InMemoryAttributeSet(vHandle<Project>()));
-  myData->create(name, myAdapter->getClass(), myAdapter->getSubClass(), keys, nullptr);
+  myData->create(name, myMemoryClass(myAdapter->getClass()), myMemoryClass(myAdapter->getSubClass()), keys,
+                 nullptr);
   myKeys = keys;
   myName = name;
   vString const versionText = details->getVersion();

@@ -107,6 +107,7 @@ class ZonStoreKVS : public Store {
   void myLoadData() const;
   void myWriteData();
   void myReset();
+  static vLCString myMemoryClass(vLCString const& name);
   // The instances holding each tuple of the keys' values, in order:
   // "Duplicate keys found:" when the store holds a tuple twice, and the
   // count message when a tuple is not there.
