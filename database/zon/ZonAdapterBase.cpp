@@ -4,6 +4,7 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsObject.h"
+#include "database/zon/CapiZon.h"
 #include "database/zon/ZonBuildAttribute.h"
 #include "database/zon/ZonClassNamesTranslator.h"
 #include "database/zon/ZonProject.h"
@@ -97,31 +98,41 @@ KeyList& ZonAdapterBase::getKeyList() { return myKeys; }
 KeyList const& ZonAdapterBase::getKeyList() const { return myKeys; }
 
 void ZonAdapterBase::init(KeyList& keys, std::list<Attribute>& attributes, PropertyI& properties) {
+  CapiZon::timer("ZonAdapterBase::init", 1);
   myOpenForRead();
+  CapiZon::timer("ZonAdapterBase::init", 2);
   try {
     doInit(keys, attributes, properties);
   } catch (...) {
     myClose();
     throw;
   }
+  CapiZon::timer("ZonAdapterBase::init", 3);
   myClose();
+  CapiZon::timer("ZonAdapterBase::init", 4);
   myKeys = keys;
   myAttributes = attributes;
 }
 
 void ZonAdapterBase::load(KeyList& keys, std::list<Attribute>& attributes, PropertyI& properties) {
+  CapiZon::timer("ZonAdapterBase::load", 1);
   myOpenForRead();
+  CapiZon::timer("ZonAdapterBase::load", 2);
   try {
     doLoad(keys, attributes, properties);
   } catch (...) {
     myClose();
     throw;
   }
+  CapiZon::timer("ZonAdapterBase::load", 3);
   myClose();
+  CapiZon::timer("ZonAdapterBase::load", 4);
 }
 
 void ZonAdapterBase::writeAll(std::list<Attribute>& attributes, KeyList const& keys, PropertyI const& properties) {
+  CapiZon::timer("ZonAdapterBase::writeAll", 1);
   myOpenForWrite();
+  CapiZon::timer("ZonAdapterBase::writeAll", 2);
   try {
     doWriteAll(attributes, keys, properties);
   } catch (...) {
@@ -130,7 +141,9 @@ void ZonAdapterBase::writeAll(std::list<Attribute>& attributes, KeyList const& k
     myClose();
     throw;
   }
+  CapiZon::timer("ZonAdapterBase::writeAll", 3);
   myClose();
+  CapiZon::timer("ZonAdapterBase::writeAll", 4);
 }
 
 vString ZonAdapterBase::myDescribe() const { return getStoreName(); }

@@ -187,8 +187,14 @@ TEST(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
   store.addInstances(1);
   store.write(ordering, 1, 1);
   expectFatal([&] { store.close(); }, "ZonGridAdapter::doWriteAll", "Unknown ordering DIAGONAL for grid grid2,grid.");
+  // Without data conversion a column takes only its own type.
+  ZonStore::setDataConversion(Capi::eNoDataConversion);
+  Dataset plain = datasets()[0];
+  plain.others[0].type = vFLOAT32;
+  expectFatal([&] { writeDataset(project, plain); }, "ZonBuildAttribute::writeColumn", "Unexpected DataType vFLOAT32");
+  ZonStore::setDataConversion(Capi::eDataTypeConversion);
   // None of them reached the database.
-  for (char const* name : {"hz1,hz", "vel1,velo", "grid2,grid"})
+  for (char const* name : {"hz1,hz", "vel1,velo", "grid2,grid", "plain1,tab"})
     expectFatal([&] { openStore(project, name); }, "ZonAdapterBase::open", std::string("Store not found ") + name);
 }
 
