@@ -91,6 +91,18 @@ void ZonStore::setPropertyList(PropertyI const& other) {
   m_imp->setPropertyList(other);
 }
 
+bool ZonStore::isSet() const {
+  return m_imp->isSet();
+}
+
+void ZonStore::packProperties(Packer& packer) const {
+  m_imp->packProperties(packer);
+}
+
+void ZonStore::unpackProperties(Packer& packer) {
+  m_imp->unpackProperties(packer);
+}
+
 bool ZonStore::isOpen() const {
   return m_imp->isOpen();
 }

@@ -41,6 +41,9 @@ class ZonStore : public Store {
   bool hasProperty(vUCString const& name) override;
   bool hasProperty(Property const& property) override;
   void setPropertyList(PropertyI const& other) override;
+  bool isSet() const override;
+  void packProperties(Packer& packer) const override;
+  void unpackProperties(Packer& packer) override;
 
   // --- AttributeSet
   bool isOpen() const override;
