@@ -275,12 +275,19 @@ TEST(ZonStoreEdges, LoadsOnFirstNeedAndClosesWriteOnlyChanges) {
   Attribute elev = values({"ELEV", vFLOAT64}, 6, 2);
   elev.setValue(1, -1.0);
   changed->write(elev, 1, 6);
+  ZonStore unreachable{vHandle_cast<Project>(bed.openProject("edges"))};
   bed.stop(SIGKILL);
   quietOne->close();
   {
     MessageHandling quiet;
     EXPECT_THROW(changed->close(), UtlExcept);
   }
+  // Unreachable at open: a clear failure, and no store left open.
+  {
+    MessageHandling quiet;
+    EXPECT_THROW(unreachable.open("plain1,tab", 0, "", "", nullptr), UtlExcept);
+  }
+  EXPECT_FALSE(unreachable.isOpen());
   bed.start();
   vHandle<ZonStore> again = openStore(bed.openProject("edges"), "plain1,tab");
   Attribute back("ELEV", "", vFLOAT64);
