@@ -17,11 +17,9 @@ bool ZonAdapterBase::myDataConversion = true;
 ZonAdapterBase::ZonAdapterBase(vHandle<ZonProject> const& project)
     : myObject(nullptr), myProject(project), myInfo(new ZonStoreAttributeSetInfo), myReplaceDue(false) {}
 
-ZonAdapterBase::~ZonAdapterBase() {
-  // A dataset is only held inside init, load and writeAll; one left by a
-  // failure there is dropped unsent.
-  if (myObject && KvsIsObject(myObject)) KvsClose(myObject);
-}
+// A dataset is only held inside init, load and writeAll, which let it go
+// on every way out.
+ZonAdapterBase::~ZonAdapterBase() {}
 
 void ZonAdapterBase::setDataConversion(bool convert) { myDataConversion = convert; }
 
@@ -279,7 +277,12 @@ ZonAdapterBase::Object ZonAdapterBase::myWriteColumns(vString const& tableClass,
     if (attribute.getLength() != 1 || attribute.isVariableLength())
       Message::fatal("ZonAdapterBase::myWriteColumns", 0, "Attribute %s of %s is not a scalar.",
                      attribute.getName().c_str(), getStoreName().c_str());
-    ZonBuildAttribute::writeColumn(columns[at++], attribute, myDataConversion);
+    Object const array = columns[at++];
+    if (attribute.getNInstances() == 0) continue;
+    std::vector<unsigned char> block;
+    ZonBuildAttribute::buildDornColumn(array, attribute, myDataConversion, block);
+    myWrite(array, static_cast<long>(attribute.getNInstances()));
+    KvsSet(array, KvsNdata, static_cast<void*>(nullptr), KvsNfmt, "", 0L);
   }
   return table;
 }

@@ -79,18 +79,19 @@ Attribute ZonBuildAttribute::buildDornAttribute(KvsObjectRec* array) {
   return attribute;
 }
 
-void ZonBuildAttribute::writeColumn(KvsObjectRec* array, Attribute const& attribute, bool convert) {
+void ZonBuildAttribute::buildDornColumn(KvsObjectRec* array, Attribute const& attribute, bool convert,
+                                        std::vector<unsigned char>& block) {
   unsigned int const n = attribute.getNInstances();
   if (n == 0) return;
   char const* format = nullptr;
   long width = 0;
   KvsGet(array, KvsNformat, &format, KvsNlength, &width, 0L);
   unsigned int const code = getCode(vString(format ? format : "C"));
-  std::vector<unsigned char> block;
+  block.clear();
   char const* given = nullptr;
   if (code == 0) {
     if (attribute.getDataType() != vSTRING)
-      Message::fatal("ZonBuildAttribute::writeColumn", 0, "Attribute %s must be text for column of width %ld.",
+      Message::fatal("ZonBuildAttribute::buildDornColumn", 0, "Attribute %s must be text for column of width %ld.",
                      attribute.getName().c_str(), width);
     block.assign(static_cast<std::size_t>(n) * static_cast<std::size_t>(width), 0);
     for (unsigned int i = 0; i < n; ++i) {
@@ -100,7 +101,7 @@ void ZonBuildAttribute::writeColumn(KvsObjectRec* array, Attribute const& attrib
   } else {
     DataType const type = attribute.getDataType();
     if (!convert && getDataType(code) != type)
-      Message::fatal("ZonBuildAttribute::writeColumn", 0, "Unexpected DataType %s", vUtl::dataTypeName(type).c_str());
+      Message::fatal("ZonBuildAttribute::buildDornColumn", 0, "Unexpected DataType %s", vUtl::dataTypeName(type).c_str());
     if (type == vINT32 || type == vFLOAT32 || type == vFLOAT64) {
       given = type == vINT32 ? "INT" : type == vFLOAT32 ? "FLT" : "DBL";
       block.resize(attribute.getTotalNBytes());
@@ -116,9 +117,4 @@ void ZonBuildAttribute::writeColumn(KvsObjectRec* array, Attribute const& attrib
     }
   }
   KvsSet(array, KvsNdata, block.data(), KvsNfmt, given ? given : "", 0L);
-  long const written = KvsWrite(array, static_cast<long>(n));
-  KvsSet(array, KvsNdata, static_cast<void*>(nullptr), KvsNfmt, "", 0L);
-  if (written != static_cast<long>(n))
-    Message::fatal("ZonBuildAttribute::writeColumn", 0, "Error writing data %d %s:%s", static_cast<int>(n),
-                   attribute.getName().c_str(), KvsErrorString());
 }

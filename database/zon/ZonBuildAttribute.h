@@ -8,6 +8,8 @@
 // instance. With attribute translation on, the attribute's class is its
 // name, so that class matching finds the columns of a table.
 
+#include <vector>
+
 #include "attribute/Attribute.h"
 #include "attribute/CapiAttribute.h"
 #include "foundation/DataType.h"
@@ -28,10 +30,12 @@ class ZonBuildAttribute {
   // any other type is fatal: "Unexpected DataType %s".
   static vString getFormat(DataType type);
   static DataType getDataType(unsigned int code);
-  // Writes the attribute's values into the column from its current row on;
-  // numbers go through the column's own conversion when the types differ
-  // and convert is set, and are refused otherwise ("Unexpected DataType %s").
-  static void writeColumn(kvs::KvsObjectRec* array, Attribute const& attribute, bool convert);
+  // Lays the attribute's values out in block for the column and points the
+  // column at them, ready for a write of all instances; numbers go through
+  // the column's own conversion when the types differ and convert is set,
+  // and are refused otherwise ("Unexpected DataType %s").
+  static void buildDornColumn(kvs::KvsObjectRec* array, Attribute const& attribute, bool convert,
+                              std::vector<unsigned char>& block);
 
   static void setAttributeConversion(Capi::eAttributeConversion conversion);
   static Capi::eAttributeConversion getAttributeConversion();

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "database/kvs/KvsDict.h"
+#include "database/zon/CapiZon.h"
 #include "database/zon/ZonClassNamesTranslator.h"
 #include "database/zon/ZonGridAdapter.h"
 #include "database/zon/ZonHorizonAdapter.h"
@@ -105,7 +106,7 @@ void ZonStoreKVS::myOpen(char const* label, vLCString const& name, int version, 
   myAdapter->open(name);
   clearProperties();
   myAdapter->init(myKeys, myAttributes, *this);
-  (void)label;
+  CapiZon::timer(label, 1);
   myName = name;
   vString const versionText = details->getVersion();
   myVersion = versionText.isInteger() ? versionText.readi() : version;

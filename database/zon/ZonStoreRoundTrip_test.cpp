@@ -191,7 +191,7 @@ TEST(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
   ZonStore::setDataConversion(Capi::eNoDataConversion);
   Dataset plain = datasets()[0];
   plain.others[0].type = vFLOAT32;
-  expectFatal([&] { writeDataset(project, plain); }, "ZonBuildAttribute::writeColumn", "Unexpected DataType vFLOAT32");
+  expectFatal([&] { writeDataset(project, plain); }, "ZonBuildAttribute::buildDornColumn", "Unexpected DataType vFLOAT32");
   ZonStore::setDataConversion(Capi::eDataTypeConversion);
   // None of them reached the database.
   for (char const* name : {"hz1,hz", "vel1,velo", "grid2,grid", "plain1,tab"})
