@@ -1,0 +1,118 @@
+#ifndef DATABASE_ZON_ZONPROJECT_H
+#define DATABASE_ZON_ZONPROJECT_H
+
+// ZonProject: a project held in a Kvs database. Its stores are the datasets
+// of the project, each named by its ident and its type joined with the
+// separator (",": "line12,seis"); a version that is not a number is a third
+// component. The datasets are listed from the database once, into the
+// DatasetCache, on the first question after open; a deleted or new store
+// drops the entries it touches.
+//
+// The library serves one project at a time, so every use of it, from here
+// or from a store of this project, first calls setSession().
+
+#include <list>
+#include <map>
+#include <vector>
+
+#include "database/kvs/Kvs.h"
+#include "database/zon/vKvsProject.h"
+#include "database/zon/ZonProjectCatalog.h"
+#include "foundation/vHandle.h"
+#include "foundation/vLCString.h"
+#include "foundation/vString.h"
+#include "project/Project.h"
+#include "project/StoreDetails.h"
+
+class ZonProject : public Project {
+ public:
+  static char const separator;
+
+  class DatasetCache {
+   public:
+    // One dataset (ident and type) with all its versions.
+    class Entry {
+     public:
+      vString ident;
+      vString type;
+      // By version number: the database's version text and the details.
+      std::map<int, vString> versionTexts;
+      std::map<int, StoreDetails> details;
+      // The tables found, once they were asked for.
+      std::list<vLCString> attributeSetNames;
+
+      // The version asked for, or the newest for 0 or below; -1 if missing.
+      int resolve(int version) const;
+    };
+    typedef std::map<vString, vHandle<Entry> > Map;
+
+    explicit DatasetCache(ZonProject& project) : m_project(project) {}
+
+    bool empty() const { return m_map.empty(); }
+    void clear() { m_map.clear(); }
+    void remove(vLCString const& name);
+    // Lists the project's datasets into the cache, replacing what was held.
+    void myPopulateCache();
+    // From a store name (and the wanted version as text, "0" or blank for the
+    // newest) to the database's ident, type and version text. A name the
+    // cache does not hold is split at the separator, for a store about to be
+    // made: the type upper-cased, the version kept. True when found.
+    bool locateNameComponents(vString& name, vString& ident, vString& type, vString& version);
+    // The ident and type of the cached dataset whose name equals this one in
+    // any case.
+    bool findBestMatch(vString const& name, vString& ident, vString& type);
+    StoreDetails getStoreDetails(vLCString const& name, int version);
+    bool hasStore(vLCString const& name, int version);
+    vHandle<Project::StoreDetailsList> getStoreDetailsList(vLCString const& storeClass, vLCString const& subClass);
+    vHandle<Project::StoreList> getStoreList(vLCString const& storeClass, vLCString const& subClass);
+    vHandle<Entry> find(vLCString const& name);
+
+   private:
+    ZonProject& m_project;
+    Map m_map;
+  };
+
+  explicit ZonProject(vHandle<ProjectCatalog> const& catalog);
+  ~ZonProject() override;
+
+  void open(vLCString const& name) override;
+  void close() override;
+  vLCString getName() const override;
+  ProjectType::PROJECT_TYPE getProjectType() const override;
+  bool isOpen() const override { return (m_flags & 1) != 0; }
+  vHandle<StoreList> getStoreList(vLCString const& storeClass, vLCString const& subClass) override;
+  vHandle<StoreDetailsList> getStoreDetailsList(vLCString const& storeClass, vLCString const& subClass) override;
+  vHandle<StoreDetailsList> getLightStoreDetailsList(vLCString const& storeClass, vLCString const& subClass) override;
+  vString getProjectHost() const override;
+  vString getServerHost() const override;
+  bool deleteStore(vLCString const& name, int version, vLCString const& storeClass,
+                   vLCString const& subClass) override;
+  bool purgeStore(int keep, vLCString const& name, vLCString const& storeClass, vLCString const& subClass) override;
+  bool hasStore(vLCString const& name, int version) override;
+  StoreDetails getStoreDetails(vLCString const& name, int version) const override;
+  AttributeSetDetailsList getAttributeSetDetails(vLCString const& name, int version) override;
+
+  // Makes this project the one the library serves, and its session the
+  // current one. Every store of the project calls it before the library.
+  void setSession();
+  // The session of this project, after setSession().
+  kvs::KvsObject getSession();
+  // See DatasetCache::locateNameComponents.
+  bool locateNameComponents(vString& name, vString& ident, vString& type, vString& version);
+  // Drops a store from the cache, or all of it, after a change.
+  void removeFromCache(vLCString const& name);
+  void emptyDatasetCache();
+  vHandle<ZonProjectCatalog> getZonCatalog() const { return m_zonCatalog; }
+
+ private:
+  void myMustBeOpen(char const* method) const;
+  DatasetCache& myCache() const;
+
+  vHandle<ZonProjectCatalog> m_zonCatalog;
+  unsigned int m_flags;
+  vLCString m_name;
+  vKvsProject* m_kvsProject;
+  DatasetCache* m_cache;
+};
+
+#endif
