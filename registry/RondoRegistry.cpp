@@ -13,6 +13,7 @@
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
+#include "filestore/shapefile/ShapefileDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
@@ -63,6 +64,22 @@ vHandle<Store> openOffloadFile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openShapefile(StoreDescription const& description) {
+  ShapefileDiskStore* store = new ShapefileDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
+// The attribute set name of a new shapefile is its subclass: "points",
+// "polylines" or "polygons" (or blank, for points).
+vHandle<Store> createShapefile(StoreDescription const& description, vLCString const& subClass) {
+  ShapefileDiskStore* store = new ShapefileDiskStore;
+  vHandle<Store> handle(store);
+  store->create(description, subClass);
+  return handle;
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -88,6 +105,7 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
+  StoreFactory::registerMakers("ShapefileDiskStore", {nullptr, &openShapefile, &createShapefile, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
   ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
