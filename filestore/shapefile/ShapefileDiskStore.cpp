@@ -242,7 +242,7 @@ unsigned int ShapefileDiskStore::getNInstances() const {
 Attribute const& ShapefileDiskStore::myColumn(char const* label, vUCString const& name) const {
   auto const found = m_columns.find(name);
   if (found == m_columns.end())
-    Message::fatal(label, 0, "Attribute %s does not exist in file %s.", name.c_str(), m_fileName.c_str());
+    Message::fatal(label, 0, "Attribute %s does not exist in file %s.", name.c_str(), m_fileName.getRoot().c_str());
   return found->second;
 }
 

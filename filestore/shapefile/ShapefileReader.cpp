@@ -34,6 +34,35 @@ DataType fieldType(char native, int width, int decimals) {
   }
 }
 
+unsigned int bigEndian32(unsigned char const* p) {
+  return static_cast<unsigned int>(p[0]) << 24 | static_cast<unsigned int>(p[1]) << 16 |
+         static_cast<unsigned int>(p[2]) << 8 | p[3];
+}
+
+// The first shape (from 1) whose .shx entry does not name a record of the
+// .shp of the same number and length, 0 when all agree; shapelib trusts
+// the index.
+int firstDisagreement(vFilename const& shpFile, long long nShapes) {
+  std::ifstream shx(beside(shpFile, "shx").c_str(), std::ios::binary);
+  std::ifstream shp(shpFile.c_str(), std::ios::binary);
+  if (!shx || !shp) return 1;
+  shp.seekg(0, std::ios::end);
+  long long const shpSize = shp.tellg();
+  shx.seekg(100);
+  for (long long i = 0; i < nShapes; ++i) {
+    unsigned char entry[8], header[8];
+    if (!shx.read(reinterpret_cast<char*>(entry), 8)) return static_cast<int>(i + 1);
+    long long const offset = 2LL * bigEndian32(entry);
+    long long const length = 2LL * bigEndian32(entry + 4);
+    if (offset < 100 || offset + 8 + length > shpSize) return static_cast<int>(i + 1);
+    shp.seekg(offset);
+    if (!shp.read(reinterpret_cast<char*>(header), 8) || bigEndian32(header) != static_cast<unsigned int>(i + 1) ||
+        2LL * bigEndian32(header + 4) != length)
+      return static_cast<int>(i + 1);
+  }
+  return 0;
+}
+
 }  // namespace
 
 ShapefileReader::ShapefileReader(vFilename const& file) : Shapefile(file) {
@@ -51,7 +80,10 @@ bool ShapefileReader::myReadShapes() {
   }
   int count = 0;
   SHPGetInfo(shp, &count, &m_shapeType, nullptr, nullptr);
-  bool good = true;
+  int const bad = firstDisagreement(m_fileName, count);
+  bool good = bad == 0;
+  if (!good)
+    m_failure = vString("The index (.shx) and the data (.shp) disagree at shape ") + std::to_string(bad).c_str() + ".";
   for (int i = 0; i < count && good; ++i) {
     SHPObject* object = SHPReadObject(shp, i);
     // An index entry that points at no record of the data file, or at one
