@@ -147,6 +147,11 @@ void ShapefileDiskStore::myBuildPropertyList(vString const& coordinateSystem) {
   else if (!coordinateSystem.isBlank())
     domain = "geographic";
   DiskStore::addProperty(Property("COORDINATE_DOMAIN", domain));
+  // Map data name their own axes and value for a map picture.
+  if (m_class == vLCString("mapdata")) {
+    vString const names[] = {"XVAL", "YVAL", "ATVAL"};
+    DiskStore::addProperty(Property("XYZ_PLOT_ATTRIBUTES", 3u, names));
+  }
 }
 
 void ShapefileDiskStore::myAddAttribute(Attribute const& definition) {

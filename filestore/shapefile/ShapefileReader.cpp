@@ -63,6 +63,19 @@ int firstDisagreement(vFilename const& shpFile, long long nShapes) {
   return 0;
 }
 
+// shapelib's own complaints are not printed: the reader's failure says what
+// went wrong in the store's words. The last is kept for a debugger.
+thread_local std::string lastComplaint;
+
+void keepComplaint(char const* message) { lastComplaint = message; }
+
+SAHooks quietHooks() {
+  SAHooks hooks;
+  SASetupDefaultHooks(&hooks);
+  hooks.Error = &keepComplaint;
+  return hooks;
+}
+
 }  // namespace
 
 ShapefileReader::ShapefileReader(vFilename const& file) : Shapefile(file) {
@@ -73,7 +86,8 @@ ShapefileReader::ShapefileReader(vFilename const& file) : Shapefile(file) {
 ShapefileReader::~ShapefileReader() = default;
 
 bool ShapefileReader::myReadShapes() {
-  SHPHandle shp = SHPOpen(m_fileName.c_str(), "rb");
+  SAHooks hooks = quietHooks();
+  SHPHandle shp = SHPOpenLL(m_fileName.c_str(), "rb", &hooks);
   if (shp == nullptr) {
     m_failure = "The data (.shp) or index (.shx) file does not open.";
     return false;
@@ -119,7 +133,8 @@ bool ShapefileReader::myReadShapes() {
 bool ShapefileReader::myReadTable() {
   vFilename const dbfFile = beside(m_fileName, "dbf");
   if (!FS::exists(dbfFile)) return true;
-  DBFHandle dbf = DBFOpen(dbfFile.c_str(), "rb");
+  SAHooks hooks = quietHooks();
+  DBFHandle dbf = DBFOpenLL(dbfFile.c_str(), "rb", &hooks);
   if (dbf == nullptr) {
     m_failure = "The table (.dbf) does not open.";
     return false;
