@@ -9,6 +9,7 @@
 #include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
+#include "filestore/ascii/AsciiDiskStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
@@ -71,6 +72,30 @@ vHandle<Store> openShapefile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openTextTable(StoreDescription const& description) {
+  AsciiDiskStore* store = new AsciiDiskStore;
+  vHandle<Store> handle(store);
+  if (!store->open(description))
+    Message::fatal("StoreFactory::openStore", 0, "The text table '%s' could not be opened.",
+                   description.getFlatFileName().c_str());
+  return handle;
+}
+
+vHandle<Store> createTextTable(StoreDescription const& description, vLCString const&) {
+  AsciiDiskStore* store = new AsciiDiskStore;
+  vHandle<Store> handle(store);
+  store->create(description);
+  return handle;
+}
+
+// A text table is known by the built-in format its first bytes name.
+vFilename findTextTableFormat(vFilename const& file, vLCString& storeClass) {
+  vFilename const spec = AsciiFormat::getSpecification(file);
+  if (spec.getFilename().isBlank()) return spec;
+  storeClass = AsciiFormat(spec).getStoreClass();
+  return spec;
+}
+
 // The attribute set name of a new shapefile is its subclass: "points",
 // "polylines" or "polygons" (or blank, for points).
 vHandle<Store> createShapefile(StoreDescription const& description, vLCString const& subClass) {
@@ -105,6 +130,8 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
+  StoreFactory::registerMakers("AsciiDiskStore", {nullptr, &openTextTable, &createTextTable, nullptr});
+  StoreFactory::registerAsciiSpecificationFinder(&findTextTableFormat);
   StoreFactory::registerMakers("ShapefileDiskStore", {nullptr, &openShapefile, &createShapefile, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
