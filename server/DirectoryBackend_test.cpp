@@ -111,7 +111,7 @@ TEST_F(DirectoryBackend, OffloadFilesAreServed) {
 
 // A shapefile is one store of a directory project, by its .shp: the .shx,
 // .dbf and .prj beside it are parts of it. Written by GDAL's ogr2ogr.
-TEST_F(DirectoryBackend, ShapefilesAreServed) {
+TEST_F(DirectoryBackend, ShapefilesAndTextTablesAreServed) {
   std::string const dir = m_root + "/maps";
   ::mkdir(dir.c_str(), 0700);
   write(dir + "/wells.geojson", R"({"type":"FeatureCollection","features":[
@@ -134,6 +134,16 @@ TEST_F(DirectoryBackend, ShapefilesAreServed) {
   EXPECT_EQ((std::vector<double>{431000, 432500}), (std::vector<double>{x.getFloat64(1), x.getFloat64(2)}));
   EXPECT_EQ((std::vector<double>{1250.5, 980.25}), (std::vector<double>{depth.getFloat64(1), depth.getFloat64(2)}));
   EXPECT_EQ("W2", std::string(name.getString(1).c_str()));
+
+  // A text table is a store when its first bytes name a built-in format.
+  write(dir + "/picks.xyz", "# VoxelGeo XYZ export\n431000 6520000 1.5\n432500 6521500 -2.25\n");
+  write(dir + "/readme.txt", "no format named here\n1 2 3\n");
+  EXPECT_EQ((std::vector<std::string>{"picks.1", "wells.1"}), names(*project->getStoreList("", "")));
+  ClientAttributeSet picks(project);
+  picks.open("picks", 1, "", "", nullptr);
+  Attribute z = picks.getAttribute("Z");
+  picks.read(z, 1, 2);
+  EXPECT_EQ((std::vector<double>{1.5, -2.25}), (std::vector<double>{z.getFloat64(1), z.getFloat64(2)}));
 }
 
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {

@@ -99,3 +99,33 @@ TEST(RondoShapefile, InfoDumpAndMapsOfFilesFromOgr) {
 }
 
 }  // namespace
+
+namespace {
+
+// A text table in a built-in format, found by its first line; and a CSV
+// table of ogr2ogr's, opened by its extension and named by its header.
+TEST(RondoTextTable, InfoDumpAndMap) {
+  fs_testing::TempDir dir;
+  fs_testing::writeFile(dir / "picks.xyz",
+                        "# VoxelGeo XYZ export\n431000 6520000 1.5\n432500 6521500 -2.25\n431700 6523000 8\n");
+  tool_testing::Outcome const info = tool_testing::tool(dir, "info picks.xyz");
+  ASSERT_EQ(0, info.status) << info.err;
+  for (char const* line : {"store       picks\n", "class       generic\n", "instances   3\n",
+                           "  Z                        vFLOAT64", "VoxelGeo_XYZ.txf\n"})
+    EXPECT_NE(std::string::npos, info.out.find(line)) << line << "\n" << info.out;
+  EXPECT_EQ("2\t432500\t-2.25\n3\t431700\t8\n", tool_testing::tool(dir, "dump picks.xyz X,Z --first 2").out);
+  tool_testing::Outcome const plot = tool_testing::tool(dir, "plot picks.xyz --out picks.png --attribute Z --size 64");
+  ASSERT_EQ(0, plot.status) << plot.err;
+  EXPECT_EQ("PNG 36 64 3 [1, 1, 1]\n", describePng(dir, "picks.png"));
+
+  tool_testing::Outcome const csv = tool_testing::shell(
+      dir,
+      "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":["
+      "{\"type\":\"Feature\",\"properties\":{\"depth\":12.5,\"count\":3},\"geometry\":{\"type\":\"Point\",\"coordinates\":[1,2]}},"
+      "{\"type\":\"Feature\",\"properties\":{\"depth\":-4,\"count\":9},\"geometry\":{\"type\":\"Point\",\"coordinates\":[3,4]}}]}'"
+      " > w.geojson && ogr2ogr -f CSV -lco GEOMETRY=AS_XY w.csv w.geojson && mv w.csv w.txt");
+  ASSERT_EQ(0, csv.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << csv.err;
+  EXPECT_EQ("1\t1\t2\t12.5\t3\n2\t3\t4\t-4\t9\n", tool_testing::tool(dir, "dump w.txt X,Y,DEPTH,COUNT").out);
+}
+
+}  // namespace

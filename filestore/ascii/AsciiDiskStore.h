@@ -63,6 +63,8 @@ class AsciiDiskStore : public DiskStore {
   unsigned int getNAttributes() const override { return static_cast<unsigned int>(m_attributes.size()); }
   vLCString getClass() const override;
   vLCString getSubClass() const override;
+  // Files have one version.
+  int getVersion() const override { return 1; }
   AsciiFormat const& getFormat() const { return *m_format; }
 
   using DiskStore::read;
