@@ -133,6 +133,14 @@ void AsciiFormat::myConstructFromFilename(vFilename const& specification) {
   myParseFormatSpecification(m_text);
 }
 
+AsciiFormat AsciiFormat::fromText(char const* specification, vFilename const& name) {
+  AsciiFormat format;
+  format.m_fileName = name;
+  format.m_text = vString(specification);
+  format.myParseFormatSpecification(format.m_text);
+  return format;
+}
+
 void AsciiFormat::myParseFormatSpecification(vString const& whole) {
   std::string const text(whole.c_str());
   std::size_t at = 0;

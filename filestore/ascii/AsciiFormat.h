@@ -100,6 +100,9 @@ class AsciiFormat {
   // New attributes are vFLOAT64 "COLUMN_<n>".
   void setNumberOfAttributes(int n);
   void setAttributes(std::list<Attribute> const& attributes);
+  // A format from the text of a description, as if read from a file of
+  // that name.
+  static AsciiFormat fromText(char const* specification, vFilename const& name = vFilename());
   // Writes the description file back in the form it is read in.
   void write(vFilename const& file) const;
 
