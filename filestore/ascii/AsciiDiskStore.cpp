@@ -372,8 +372,46 @@ std::string AsciiDiskStore::myRecordLine(unsigned int instance) const {
   return line;
 }
 
+// The header of a Pelagos horizon, from the grid the store's properties
+// give (zeros for what they do not).
+std::string AsciiDiskStore::myHorizonHeader() const {
+  auto number = [this](char const* name) {
+    auto const found = findProperty(vUCString(name));
+    return found == endProperty() ? 0.0 : found->getFloat64();
+  };
+  auto text = [this](char const* name, char const* otherwise) {
+    auto const found = findProperty(vUCString(name));
+    return found == endProperty() ? std::string(otherwise) : std::string(found->getString().c_str());
+  };
+  auto g = [](double v) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.10g", v);
+    return std::string(buffer);
+  };
+  double const firstX = number("FIRST_CROSSLINE"), incX = number("CROSSLINE_INCREMENT");
+  double const firstY = number("FIRST_INLINE"), incY = number("INLINE_INCREMENT");
+  std::string out = "PELAGOS HORIZON V1.0\n";
+  out += "LINEX " + g(firstX) + " " + g(firstX + (number("NUM_CROSSLINES") - 1) * incX) + " " + g(incX) + "\n";
+  out += "LINEY " + g(firstY) + " " + g(firstY + (number("NUM_INLINES") - 1) * incY) + " " + g(incY) + "\n";
+  out += "STEPX " + g(number("CROSSLINE_INTERVAL") * incX) + "\n";
+  out += "STEPY " + g(number("INLINE_INTERVAL") * incY) + "\n";
+  out += "ORIGIN " + g(number("X_SURVEY_ORIGIN")) + " " + g(number("Y_SURVEY_ORIGIN")) + "\n";
+  out += "DOMAIN " + text("DOMAIN", "time") + "\n";
+  out += "NUMSURFACES 1         \n";
+  out += "SURFACE " + text("HORIZONNAME", m_fileName.getRoot().c_str()) + "\n";
+  out += "NUMATTR " + std::to_string(m_attributes.size()) + "\n";
+  for (Attribute const& a : m_attributes) out += std::string("ATTRIBUTE ") + a.getName().c_str() + "\n";
+  return out;
+}
+
 void AsciiDiskStore::myDoBufferedWrites() {
   std::string text;
+  if (std::string(m_format->getFilename().getRoot().c_str()) == "PelagosHorizon2") {
+    text = myHorizonHeader();
+    for (unsigned int i = 1; i <= m_nInstances; ++i) text += myRecordLine(i) + "\n";
+    myFinishWrite(text);
+    return;
+  }
   int const headerLines = std::max(m_format->getLastHeaderLine(), m_format->hasFixedColumns() ? 0 : 1);
   for (int line = 1; line <= headerLines; ++line) {
     if (line == 1)

@@ -12,7 +12,10 @@
 // attributes, all kept until close, which writes the file: for a format of
 // fixed columns each value right-aligned in its columns, otherwise values
 // separated by blanks, after a header line of the attribute names (and
-// blank lines for the rest of the format's header).
+// blank lines for the rest of the format's header). A Pelagos horizon gets
+// its own header, its grid from the store's properties (FIRST_INLINE,
+// INLINE_INCREMENT, NUM_INLINES, INLINE_INTERVAL, the same for crosslines,
+// X_ and Y_SURVEY_ORIGIN, DOMAIN, HORIZONNAME).
 
 #include <list>
 #include <map>
@@ -87,6 +90,7 @@ class AsciiDiskStore : public DiskStore {
   void myDoBufferedWrites();
   void myFinishWrite(std::string const& text);
   std::string myRecordLine(unsigned int instance) const;
+  std::string myHorizonHeader() const;
 
   vFilename m_fileName;
   std::string m_text;

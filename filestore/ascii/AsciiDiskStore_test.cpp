@@ -138,6 +138,42 @@ TEST(AsciiDiskStore, RecordSetsAndFoldMaps) {
   EXPECT_NEAR(M_PI / 2, fold.findProperty(vUCString("ROTATION_ANGLE"))->getFloat64(), 1e-12);
 }
 
+TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
+  ascii_testing::useSourceRelease();
+  std::string const file = scratch("top.txt", "");
+  {
+    AsciiDiskStore store;
+    StoreDescription description{vFilename(file.c_str())};
+    description.setFormatSpec(AsciiFormat::getDirectory() + "PelagosHorizon2.txf");
+    store.create(description);
+    store.addInstances(2);
+    store.addProperty(Property("FIRST_INLINE", 10));
+    store.addProperty(Property("INLINE_INCREMENT", 2));
+    store.addProperty(Property("NUM_INLINES", 5));
+    store.addProperty(Property("INLINE_INTERVAL", 12.5));
+    store.addProperty(Property("FIRST_CROSSLINE", 100));
+    store.addProperty(Property("CROSSLINE_INCREMENT", 1));
+    store.addProperty(Property("NUM_CROSSLINES", 3));
+    store.addProperty(Property("CROSSLINE_INTERVAL", 25.0));
+    store.addProperty(Property("HORIZONNAME", "Top_Chalk"));
+    double const il[] = {10, 12}, xl[] = {100, 102}, z[] = {1500.25, -3};
+    Attribute a("INLINE", "", vFLOAT64), b("CROSSLINE", "", vFLOAT64), c("Z", "", vFLOAT64);
+    a.copyData(2, il);
+    b.copyData(2, xl);
+    c.copyData(2, z);
+    for (Attribute* x : {&a, &b, &c}) store.write(*x, 1, 2);
+  }
+  EXPECT_EQ("PELAGOS HORIZON V1.0\nLINEX 100 102 1\nLINEY 10 18 2\nSTEPX 25\nSTEPY 25\nORIGIN 0 0\nDOMAIN time\n"
+            "NUMSURFACES 1         \nSURFACE Top_Chalk\nNUMATTR 5\nATTRIBUTE INLINE\nATTRIBUTE CROSSLINE\n"
+            "ATTRIBUTE X\nATTRIBUTE Y\nATTRIBUTE Z\n10 100 0 0 1500.25\n12 102 0 0 -3\n",
+            fs_testing::readFile(file));
+  AsciiDiskStore back;
+  opened(back, file);
+  EXPECT_EQ("horizon", std::string(back.getClass().c_str()));
+  EXPECT_EQ("top_chalk", std::string(back.getAttributeSetName().c_str()));
+  EXPECT_EQ((std::vector<double>{1500.25, -3}), column(back, "Z"));
+}
+
 TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
   ascii_testing::useSourceRelease();
   std::string const file = scratch("written.txt", "");
