@@ -6,6 +6,7 @@
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
+#include "filestore/ascii/AsciiText.h"
 #include "foundation/Message.h"
 #include "project/AttributeMatch.h"
 #include "project/Project.h"
@@ -114,6 +115,19 @@ void AsciiDiskStore::myOpenSet(int set) {
 void AsciiDiskStore::myConstructPropertyList() {
   clearProperties();
   DiskStore::addProperty(Property("FORMAT", m_format->getFilename().getFilename()));
+  if (std::string(m_format->getFilename().getRoot().c_str()) == "PelagosShapes") {
+    // The header says how the shapes are drawn: "type", "opacity", "size"
+    // and "colour" (or "color"), each followed by its value.
+    std::vector<std::string> words;
+    for (int line = 1; line <= m_collator->getLastHeaderLine(); ++line)
+      for (std::string const& w : ascii_text::words(m_collator->getLine(line))) words.push_back(w);
+    for (std::size_t k = 0; k + 1 < words.size(); ++k) {
+      std::string key = ascii_text::upper(words[k]);
+      if (key == "COLOUR") key = "COLOR";
+      if ((key == "TYPE" || key == "OPACITY" || key == "SIZE" || key == "COLOR") && !hasProperty(vUCString(key.c_str())))
+        DiskStore::addProperty(Property(key.c_str(), words[k + 1].c_str()));
+    }
+  }
   if (!m_format->hasCMPBasicGrid()) return;
   CMPBasicGrid const& g = m_format->getCMPBasicGrid();
   DiskStore::addProperty(Property("HORIZONNAME", vString(m_fileName.getRoot())));

@@ -115,6 +115,8 @@ TEST(AsciiDiskStore, RecordSetsAndFoldMaps) {
   opened(shapes, scratch("shapes.txt", "outline size 2 colour red\nlake\n1 2 0\n3 4 0\n5 6 1\nisland\n7 8 9\n"));
   EXPECT_EQ("shapes", std::string(shapes.getClass().c_str()));
   EXPECT_EQ("generic", std::string(shapes.getSubClass().c_str()));
+  EXPECT_EQ("red", std::string(shapes.findProperty(vUCString("COLOR"))->getString().c_str()));
+  EXPECT_EQ("2", std::string(shapes.findProperty(vUCString("SIZE"))->getString().c_str()));
   Store::AttributeSetList sets;
   shapes.getAttributeSetList(sets);
   EXPECT_EQ((std::vector<std::string>{"lake", "island"}), (std::vector<std::string>{sets.front().c_str(), sets.back().c_str()}));
