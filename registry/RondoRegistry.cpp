@@ -9,10 +9,12 @@
 #include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
+#include "filestore/ascii/AsciiDiskStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
+#include "filestore/shapefile/ShapefileDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
@@ -63,6 +65,46 @@ vHandle<Store> openOffloadFile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openShapefile(StoreDescription const& description) {
+  ShapefileDiskStore* store = new ShapefileDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
+vHandle<Store> openTextTable(StoreDescription const& description) {
+  AsciiDiskStore* store = new AsciiDiskStore;
+  vHandle<Store> handle(store);
+  if (!store->open(description))
+    Message::fatal("StoreFactory::openStore", 0, "The text table '%s' could not be opened.",
+                   description.getFlatFileName().c_str());
+  return handle;
+}
+
+vHandle<Store> createTextTable(StoreDescription const& description, vLCString const&) {
+  AsciiDiskStore* store = new AsciiDiskStore;
+  vHandle<Store> handle(store);
+  store->create(description);
+  return handle;
+}
+
+// A text table is known by the built-in format its first bytes name.
+vFilename findTextTableFormat(vFilename const& file, vLCString& storeClass) {
+  vFilename const spec = AsciiFormat::getSpecification(file);
+  if (spec.getFilename().isBlank()) return spec;
+  storeClass = AsciiFormat(spec).getStoreClass();
+  return spec;
+}
+
+// The attribute set name of a new shapefile is its subclass: "points",
+// "polylines" or "polygons" (or blank, for points).
+vHandle<Store> createShapefile(StoreDescription const& description, vLCString const& subClass) {
+  ShapefileDiskStore* store = new ShapefileDiskStore;
+  vHandle<Store> handle(store);
+  store->create(description, subClass);
+  return handle;
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -88,6 +130,9 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
+  StoreFactory::registerMakers("AsciiDiskStore", {nullptr, &openTextTable, &createTextTable, nullptr});
+  StoreFactory::registerAsciiSpecificationFinder(&findTextTableFormat);
+  StoreFactory::registerMakers("ShapefileDiskStore", {nullptr, &openShapefile, &createShapefile, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
   ExistingAttributeFile& files = ExistingAttributeFile::getInstance();

@@ -109,6 +109,43 @@ TEST_F(DirectoryBackend, OffloadFilesAreServed) {
   EXPECT_EQ((std::vector<int>{14, 21, 28}), (std::vector<int>{cdp.getInt32(1), cdp.getInt32(2), cdp.getInt32(3)}));
 }
 
+// A shapefile is one store of a directory project, by its .shp: the .shx,
+// .dbf and .prj beside it are parts of it. Written by GDAL's ogr2ogr.
+TEST_F(DirectoryBackend, ShapefilesAndTextTablesAreServed) {
+  std::string const dir = m_root + "/maps";
+  ::mkdir(dir.c_str(), 0700);
+  write(dir + "/wells.geojson", R"({"type":"FeatureCollection","features":[
+{"type":"Feature","properties":{"depth":1250.5,"name":"W1"},"geometry":{"type":"Point","coordinates":[431000,6520000]}},
+{"type":"Feature","properties":{"depth":980.25,"name":"W2"},"geometry":{"type":"Point","coordinates":[432500,6521500]}}]})");
+  std::string const cmd = "ogr2ogr -f 'ESRI Shapefile' -a_srs EPSG:32631 " + dir + "/wells.shp " + dir +
+                          "/wells.geojson && rm " + dir + "/wells.geojson";
+  ASSERT_EQ(0, std::system(cmd.c_str())) << "GDAL's ogr2ogr is needed: run scripts/install-deps";
+  vHandle<Project> project = openProject(newCatalog(), "maps");
+  EXPECT_EQ((std::vector<std::string>{"wells.1"}), names(*project->getStoreList("", "")));
+  ClientAttributeSet wells(project);
+  wells.open("wells", 1, "", "", nullptr);
+  EXPECT_EQ(2u, wells.getNInstances());
+  Attribute x = wells.getAttribute("X");
+  Attribute depth = wells.getAttribute("DEPTH");
+  Attribute name = wells.getAttribute("NAME");
+  wells.read(x, 1, 2);
+  wells.read(depth, 1, 2);
+  wells.read(name, 2, 2);
+  EXPECT_EQ((std::vector<double>{431000, 432500}), (std::vector<double>{x.getFloat64(1), x.getFloat64(2)}));
+  EXPECT_EQ((std::vector<double>{1250.5, 980.25}), (std::vector<double>{depth.getFloat64(1), depth.getFloat64(2)}));
+  EXPECT_EQ("W2", std::string(name.getString(1).c_str()));
+
+  // A text table is a store when its first bytes name a built-in format.
+  write(dir + "/picks.xyz", "# VoxelGeo XYZ export\n431000 6520000 1.5\n432500 6521500 -2.25\n");
+  write(dir + "/readme.txt", "no format named here\n1 2 3\n");
+  EXPECT_EQ((std::vector<std::string>{"picks.1", "wells.1"}), names(*project->getStoreList("", "")));
+  ClientAttributeSet picks(project);
+  picks.open("picks", 1, "", "", nullptr);
+  Attribute z = picks.getAttribute("Z");
+  picks.read(z, 1, 2);
+  EXPECT_EQ((std::vector<double>{1.5, -2.25}), (std::vector<double>{z.getFloat64(1), z.getFloat64(2)}));
+}
+
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   std::vector<std::string> projects;

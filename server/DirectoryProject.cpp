@@ -73,6 +73,11 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
       description.setFileFormat(extension);
       description.setStoreClass("seismic");
     }
+    // A shapefile is one store, served by its .shp; its .shx and .dbf are
+    // parts of it.
+    if (description.getFileFormat() == vString("shapefile") &&
+        !(vFilename(name.c_str()).getExtension() == vString("shp")))
+      continue;
     vLCString const store(vFilename(name.c_str()).getRoot());
     bool taken = false;
     for (Entry const& earlier : found) {

@@ -1,0 +1,233 @@
+// Text tables read value by value: written by GDAL's ogr2ogr as CSV, and by
+// hand with the quirks of hand-made files; the record sets of shape files,
+// fold maps, the store's own files, and bad input with its texts.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "filestore/ascii/AsciiDataReader.h"
+#include "filestore/ascii/AsciiDiskStore.h"
+#include "filestore/ascii/AsciiTesting.h"
+#include "foundation/Message.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/TestFailure.h"
+#include "project/StoreFactory.h"
+#include "registry/RondoRegistry.h"
+
+namespace {
+
+using ascii_testing::scratch;
+
+std::vector<double> column(AsciiDiskStore const& store, char const* name) {
+  Attribute a = store.getAttribute(name);
+  store.read(a, 1, store.getNInstances());
+  std::vector<double> v;
+  for (unsigned int i = 1; i <= a.getNInstances(); ++i)
+    for (int k = 1; k <= a.getLength(i); ++k) v.push_back(a.getValue(i, k));
+  return v;
+}
+
+AsciiDiskStore& opened(AsciiDiskStore& store, std::string const& path, std::string const& spec = "") {
+  StoreDescription description{vFilename(path.c_str())};
+  if (!spec.empty()) description.setFormatSpec(spec.c_str());
+  EXPECT_TRUE(store.open(description)) << path;
+  return store;
+}
+
+TEST(AsciiDiskStore, CsvFromOgrThroughTheStoreFactory) {
+  ascii_testing::useSourceRelease();
+  registerRondoClasses();
+  std::string const dir = scratch("ogr", "");
+  std::string const json = scratch("wells.geojson", R"({"type":"FeatureCollection","features":[
+{"type":"Feature","properties":{"depth":1250.5,"count":7},"geometry":{"type":"Point","coordinates":[431000.25,6520000]}},
+{"type":"Feature","properties":{"depth":-980.125,"count":-3},"geometry":{"type":"Point","coordinates":[432500,6521500.5]}}]})");
+  std::string const command = "rm -rf " + dir + " && mkdir -p " + dir + " && ogr2ogr -f CSV -lco GEOMETRY=AS_XY " +
+                              dir + "/wells.csv " + json + " && mv " + dir + "/wells.csv " + dir + "/wells.txt";
+  ASSERT_EQ(0, std::system(command.c_str())) << "GDAL's ogr2ogr is needed: run scripts/install-deps";
+  vHandle<Store> store =
+      StoreFactory::openStore(StoreDescription(vFilename((dir + "/wells.txt").c_str())), "", nullptr);
+  EXPECT_EQ("generic", std::string(store->getClass().c_str()));
+  ASSERT_EQ(2u, store->getNInstances());
+  auto values = [&](char const* name) {
+    Attribute a = store->getAttribute(name);
+    store->read(a, 1, 2);
+    return std::vector<double>{a.getValue(1), a.getValue(2)};
+  };
+  EXPECT_EQ((std::vector<double>{431000.25, 432500}), values("X"));
+  EXPECT_EQ((std::vector<double>{6520000, 6521500.5}), values("Y"));
+  EXPECT_EQ((std::vector<double>{1250.5, -980.125}), values("DEPTH"));
+  EXPECT_EQ((std::vector<double>{7, -3}), values("COUNT"));
+}
+
+TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
+  ascii_testing::useSourceRelease();
+  // A title, the names, CRLF line ends, tabs and commas, blank lines.
+  AsciiDiskStore free;
+  opened(free, scratch("free.txt", "Survey north\r\nA B C D\r\n1\t2, 3 4\r\n\r\n  5,6,7,8\r\n\n-9 10.5 11 .5\r\n"));
+  EXPECT_EQ(3u, free.getNInstances());
+  EXPECT_EQ((std::vector<double>{1, 5, -9}), column(free, "A"));
+  EXPECT_EQ((std::vector<double>{4, 8, 0.5}), column(free, "D"));
+
+  // Fixed columns with values that touch, on fixed-length lines.
+  std::string const fixedSpec = scratch(
+      "fixed.txf", "<Header Lines=\"1-1\"></Header><SingleLineRecords Length=\"FIXED\" Columns=\"1-4 5-10\" "
+                   "Formats=\"i32 f64\">CDP DEPTH</SingleLineRecords>");
+  AsciiDiskStore fixed;
+  opened(fixed, scratch("fixed.dat", "HEAD......\n  12-3.500\n-100  7.25\n"), fixedSpec);
+  EXPECT_EQ(vINT32, fixed.getAttribute("CDP").getDataType());
+  EXPECT_EQ((std::vector<double>{12, -100}), column(fixed, "CDP"));
+  EXPECT_EQ((std::vector<double>{-3.5, 7.25}), column(fixed, "DEPTH"));
+
+  // Records of variable length, and records over several lines.
+  AsciiDiskStore variable;
+  opened(variable, scratch("variable.dat", "1 2 10 20 30\n3 4\n5 6 70\n"),
+         scratch("variable.txf", "<SingleLineRecords>X Y VALUES ...</SingleLineRecords>"));
+  EXPECT_EQ(Attribute::VARIABLE_LENGTH, variable.getAttribute("VALUES").getLength());
+  EXPECT_EQ((std::vector<double>{10, 20, 30, 70}), column(variable, "VALUES"));
+  AsciiDiskStore multi;
+  opened(multi, scratch("multi.dat", "1 2\n3 4 5\n6\n"),
+         scratch("multi.txf", "<MultiLineRecords>P Q R</MultiLineRecords>"));
+  EXPECT_EQ((std::vector<double>{2, 5}), column(multi, "Q"));
+
+  // Text among the numbers: read as 0, counted and reported once.
+  std::string const text = "1 2\n3 x\ny z\n";
+  AsciiFormat format{vFilename(scratch("two.txf", "<SingleLineRecords>U V</SingleLineRecords>").c_str())};
+  format.setCheckingNumbers(true);
+  AsciiCollator collator(text.c_str(), static_cast<long long>(text.size()), format);
+  AsciiDataReader reader(collator, format);
+  int const errors = Message::getNErrors();
+  {
+    MessageHandling quiet;
+    EXPECT_EQ(3u, reader.getNumberOfRecords(1));
+    Attribute v("V", "", vFLOAT64);
+    reader.read(1, v, {1, 2, 3});
+    EXPECT_EQ((std::vector<double>{2, 0, 0}), (std::vector<double>{v.getValue(1), v.getValue(2), v.getValue(3)}));
+  }
+  EXPECT_EQ(errors + 1, Message::getNErrors());
+}
+
+TEST(AsciiDiskStore, RecordSetsAndFoldMaps) {
+  ascii_testing::useSourceRelease();
+  AsciiDiskStore shapes;
+  opened(shapes, scratch("shapes.txt", "outline size 2 colour red\nlake\n1 2 0\n3 4 0\n5 6 1\nisland\n7 8 9\n"));
+  EXPECT_EQ("shapes", std::string(shapes.getClass().c_str()));
+  EXPECT_EQ("generic", std::string(shapes.getSubClass().c_str()));
+  EXPECT_EQ("red", std::string(shapes.findProperty(vUCString("COLOR"))->getString().c_str()));
+  EXPECT_EQ("2", std::string(shapes.findProperty(vUCString("SIZE"))->getString().c_str()));
+  Store::AttributeSetList sets;
+  shapes.getAttributeSetList(sets);
+  EXPECT_EQ((std::vector<std::string>{"lake", "island"}), (std::vector<std::string>{sets.front().c_str(), sets.back().c_str()}));
+  EXPECT_EQ((std::vector<double>{1, 3, 5}), column(shapes, "X"));
+  shapes.openAttributeSet("island");
+  EXPECT_EQ((std::vector<double>{8}), column(shapes, "Y"));
+  expectFailure([&] { shapes.openAttributeSet("sea"); }, "AsciiDiskStore::openAttributeSet",
+                "File '" + scratch("shapes.txt", "") + "' does not have AttributeSet name 'sea'.");
+
+  AsciiDiskStore fold;
+  opened(fold, scratch("fold.txt",
+                       "description: fold of the north survey\ndatatype: fold first_inline: 100 inline_increment: 2\n"
+                       "num_inlines: 2 first_crossline: 10 crossline_increment: 1 num_crosslines: 3\n"
+                       "inline_interval: 25 crossline_interval: 12.5 x_origin: 1000 y_origin: 2000 angle: 90\n"
+                       "4 5 6\n7\n8 9\n"));
+  EXPECT_EQ("horizon", std::string(fold.getClass().c_str()));
+  EXPECT_EQ((std::vector<double>{4, 5, 6, 7, 8, 9}), column(fold, "CMP.FOLD"));
+  EXPECT_EQ((std::vector<double>{100, 100, 100, 102, 102, 102}), column(fold, "INLINE"));
+  EXPECT_EQ((std::vector<double>{10, 11, 12, 10, 11, 12}), column(fold, "CROSSLINE"));
+  EXPECT_EQ(3, fold.findProperty(vUCString("NUM_CROSSLINES"))->getInt32());
+  EXPECT_NEAR(M_PI / 2, fold.findProperty(vUCString("ROTATION_ANGLE"))->getFloat64(), 1e-12);
+}
+
+TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
+  ascii_testing::useSourceRelease();
+  std::string const file = scratch("top.txt", "");
+  {
+    AsciiDiskStore store;
+    StoreDescription description{vFilename(file.c_str())};
+    description.setFormatSpec(AsciiFormat::getDirectory() + "PelagosHorizon2.txf");
+    store.create(description);
+    store.addInstances(2);
+    store.addProperty(Property("FIRST_INLINE", 10));
+    store.addProperty(Property("INLINE_INCREMENT", 2));
+    store.addProperty(Property("NUM_INLINES", 5));
+    store.addProperty(Property("INLINE_INTERVAL", 12.5));
+    store.addProperty(Property("FIRST_CROSSLINE", 100));
+    store.addProperty(Property("CROSSLINE_INCREMENT", 1));
+    store.addProperty(Property("NUM_CROSSLINES", 3));
+    store.addProperty(Property("CROSSLINE_INTERVAL", 25.0));
+    store.addProperty(Property("HORIZONNAME", "Top_Chalk"));
+    double const il[] = {10, 12}, xl[] = {100, 102}, z[] = {1500.25, -3};
+    Attribute a("INLINE", "", vFLOAT64), b("CROSSLINE", "", vFLOAT64), c("Z", "", vFLOAT64);
+    a.copyData(2, il);
+    b.copyData(2, xl);
+    c.copyData(2, z);
+    for (Attribute* x : {&a, &b, &c}) store.write(*x, 1, 2);
+  }
+  EXPECT_EQ("PELAGOS HORIZON V1.0\nLINEX 100 102 1\nLINEY 10 18 2\nSTEPX 25\nSTEPY 25\nORIGIN 0 0\nDOMAIN time\n"
+            "NUMSURFACES 1         \nSURFACE Top_Chalk\nNUMATTR 5\nATTRIBUTE INLINE\nATTRIBUTE CROSSLINE\n"
+            "ATTRIBUTE X\nATTRIBUTE Y\nATTRIBUTE Z\n10 100 0 0 1500.25\n12 102 0 0 -3\n",
+            fs_testing::readFile(file));
+  AsciiDiskStore back;
+  opened(back, file);
+  EXPECT_EQ("horizon", std::string(back.getClass().c_str()));
+  EXPECT_EQ("top_chalk", std::string(back.getAttributeSetName().c_str()));
+  EXPECT_EQ((std::vector<double>{1500.25, -3}), column(back, "Z"));
+}
+
+TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
+  ascii_testing::useSourceRelease();
+  std::string const file = scratch("written.txt", "");
+  {
+    AsciiDiskStore store;
+    expectFailure([&] { store.getNInstances(); }, "AsciiDiskStore::getNInstances",
+                  "Ascii Disk File has not been opened yet!");
+    store.create(vFilename(file.c_str()));
+    for (char const* name : {"ALPHA", "BETA", "GAMMA", "DELTA"}) store.addAttribute(Attribute(name, "", vFLOAT64));
+    store.addInstances(2);
+    Attribute a("ALPHA", "", vFLOAT64);
+    double const alpha[] = {0.1, -2.5e-7};
+    a.copyData(2, alpha);
+    int const errors = Message::getNErrors();
+    {
+      MessageHandling quiet;
+      store.write(a, 1, 1);
+    }
+    EXPECT_EQ(errors + 1, Message::getNErrors());
+    store.write(a, 1, 2);
+    expectFailure([&] { store.write(Attribute("OMEGA", "", vINT32), 1, 2); }, "AsciiDiskStore::write",
+                  "Attribute OMEGA is not in the store.");
+  }
+  EXPECT_EQ("ALPHA BETA GAMMA DELTA\n0.10000000000000001 0 0 0\n-2.4999999999999999e-07 0 0 0\n",
+            fs_testing::readFile(file));
+  AsciiDiskStore back;
+  opened(back, file);
+  EXPECT_EQ((std::vector<double>{0.1, -2.5e-7}), column(back, "ALPHA"));
+  Attribute a = back.getAttribute("ALPHA");
+  expectFailure([&] { back.read(a, 2, 3); }, "AsciiDiskStore::read", "Instance range 2,3 is bad, NInstances is 2");
+  expectFailure([&] { back.read(a, std::vector<unsigned int>{1, 0}); }, "AsciiDiskStore::read(attribute,ilist)",
+                "Instance range 0,0 is bad, NInstances is 2");
+  expectFailure([&] { back.getAttribute("OMEGA"); }, "AsciiDiskStore::getAttribute",
+                "Attribute OMEGA does not exist in file written.");
+
+  // Too few items on a line, a line too short for its columns: the open
+  // fails, the store stays closed.
+  AsciiDiskStore few;
+  std::string const fewFile = scratch("few.txt", "A B C D\n1 2 3 4\n5 6 7\n");
+  expectFailure([&] { few.open(vFilename(fewFile.c_str())); }, "AsciiDataReader",
+                "Line 3 has 3 items, but the format needs 4.");
+  EXPECT_FALSE(few.isOpen());
+  AsciiDiskStore shortLine;
+  StoreDescription shortFile{vFilename(scratch("short.dat", "    12  3.5\n  7\n").c_str())};
+  shortFile.setFormatSpec(scratch("short.txf", "<SingleLineRecords Columns=\"1-4 5-11\">P Q</SingleLineRecords>").c_str());
+  expectFailure([&] { shortLine.open(shortFile); }, "AsciiDataReader",
+                "Line 2 has 3 characters, but the format reads columns 5-11.");
+  AsciiDiskStore missing;
+  EXPECT_FALSE(missing.open(vFilename("/no/such/table.txt")));
+  EXPECT_FALSE(missing.isOpen());
+  expectFailure([&] { missing.open(StoreDescription(vFilename("/no/such/table.txt")) = StoreDescription()); },
+                "AsciiDiskStore::open(StoreDescription)", "StoreDescription must contain a flat file.");
+}
+
+}  // namespace

@@ -1,0 +1,112 @@
+#ifndef FILESTORE_SHAPEFILE_SHAPEFILEDISKSTORE_H
+#define FILESTORE_SHAPEFILE_SHAPEFILEDISKSTORE_H
+
+// ShapefileDiskStore: an ESRI shapefile as a store. Its instances are the
+// shapes, numbered from 1. Points, polylines and polygons (class "shapes")
+// have the vFLOAT64 attributes X, Y and Z, of length 1 for points and of
+// variable length otherwise, the vertices of the shape; polylines and
+// polygons also have PART_LENGTHS (vINT32, variable length), the number of
+// vertices of each line or ring, holes of a polygon included. PointZ and
+// PointM files (class "mapdata") have the vFLOAT32 XVAL, YVAL and ATVAL (Z
+// or M) and the vINT32 LOCATOR, the shape's number unless the table holds
+// a LOCATOR column. Each column of the .dbf table is one more attribute
+// (see ShapefileReader for the types); a column named like one of the
+// above is not shown.
+//
+// The whole file is read at open, so reads are copies out of memory with
+// the values converted to the type the caller's attribute asks for. A
+// shapefile is made new (create) and written whole: writes of whole
+// attributes are kept until close, which writes the .shp, .shx and .dbf
+// files (and a .prj from the property "COORDINATE_SYSTEM"). A file opened
+// for reading refuses every write.
+
+#include <list>
+#include <map>
+#include <vector>
+
+#include "attribute/KeyList.h"
+#include "filestore/disk/DiskStore.h"
+#include "filestore/shapefile/ShapefileReader.h"
+#include "foundation/vFilename.h"
+#include "foundation/vHandle.h"
+#include "project/StoreDescription.h"
+
+class ShapefileDiskStore : public DiskStore {
+ public:
+  ShapefileDiskStore();
+  explicit ShapefileDiskStore(vHandle<Project> const& project);
+  ~ShapefileDiskStore() override;
+
+  using DiskStore::open;
+  // A flat file; a description naming the .shx or .dbf opens its .shp.
+  virtual void open(StoreDescription const& description);
+  virtual void open(vFilename const& file);
+  // A new shapefile of the description's store class ("shapes" when blank,
+  // or "mapdata") and subclass ("points" when blank, "polylines",
+  // "polygons").
+  using DiskStore::create;
+  virtual void create(StoreDescription const& description, vLCString const& subClass);
+  virtual void create(vFilename const& file);
+  void close() override;
+  bool isOpen() const override { return m_isOpen; }
+
+  vLCString getName() const override;
+  unsigned int getNInstances() const override;
+  Attribute getAttribute(vUCString const& name) const override;
+  bool hasAttribute(vUCString const& name) const override;
+  std::list<Attribute> getAttributeList() const override;
+  void getAttributeList(std::list<Attribute>& attributes) const override;
+  std::list<Attribute> getAttributeList(vUCString const& text,
+                                        AttributeMatch::AttributeMatchType match) const override;
+  vHandle<AttributeSetList> getAttributeSetList() const override;
+  void getAttributeSetList(AttributeSetList& names) const override;
+  vLCString getAttributeSetName() const override;
+  void openAttributeSet(vLCString const& name) override;
+  KeyList getKeyList() const override;
+  unsigned int getNAttributes() const override;
+  int getVersion() const override { return 1; }
+  vLCString getClass() const override { return m_class; }
+  vLCString getSubClass() const override { return m_subClass; }
+
+  using DiskStore::read;
+  void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
+  void read(Attribute& attribute, std::vector<unsigned int> const& instances) const override;
+
+  // Writing a new file: whole attributes only.
+  void addAttribute(Attribute const& attribute) override;
+  void addInstances(unsigned int count) override;
+  void write(Attribute const& attribute, unsigned int first, unsigned int last) override;
+  void write(Attribute const& attribute, std::vector<unsigned int> const& instances) override;
+  void write(Attribute const& attribute, Attribute const& key, unsigned int firstGroup,
+             unsigned int lastGroup) override;
+  void write(Attribute const& attribute, KeyList const& keys) override;
+
+ private:
+  void myCheckOpen(char const* label) const;
+  void myCheckWritable(char const* label) const;
+  void myAddAttribute(Attribute const& definition);
+  void myAddGeometryAttributes();
+  void myBuildPropertyList(vString const& coordinateSystem);
+  void myAddDBFAttributes(ShapefileReader const& reader);
+  void myTakeGeometry(ShapefileReader const& reader);
+  Attribute const& myColumn(char const* label, vUCString const& name) const;
+  void myCopyOut(Attribute const& column, Attribute& attribute, std::vector<unsigned int> const& instances) const;
+  void myDoBufferedWrites();
+  void myWritePolygons(class ShapefileWriter& writer) const;
+  void myWritePoints(class ShapefileWriter& writer) const;
+  // The buffered values of an attribute, or null.
+  Attribute const* myBuffered(char const* name) const;
+
+  vFilename m_fileName;
+  bool m_isOpen;
+  bool m_created;
+  vLCString m_class;
+  vLCString m_subClass;
+  unsigned int m_nInstances;
+  std::list<Attribute> m_attributes;
+  // The values of every attribute, all instances; for a new file, what has
+  // been written so far.
+  std::map<vUCString, Attribute> m_columns;
+};
+
+#endif
