@@ -113,6 +113,10 @@ TEST(SegdDiskStore, RefusesWhatItCannotRead) {
   store.open(vFilename(odd.c_str()));
   Attribute trace = store.getAttribute("TRACE");
   expectFailure([&] { store.read(trace, 1, 1); }, "fc_8015toieee", "8015 samples must be in groups of four.");
+  expectFailure([&] { store.read(trace, std::vector<unsigned int>{1, 0}); }, "SegdDiskStore::read",
+                "Attribute 'TRACE': the vInstanceList has a zero in it, coont read from instance 0.");
+  expectFailure([&] { store.read(trace, std::vector<unsigned int>{5, 1}); }, "SegdDiskStore::read",
+                "Instance numbers must be <5, list for 'TRACE' contained 5.");
   expectFailure([&] { store.getAttribute("NOPE"); }, "SegdDiskStore::getAttribute",
                 "Attribute NOPE does not exist in file odd.");
   expectFailure([&] { store.openAttributeSet("other"); }, "SegdDiskStore::openAttributeSet",

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "attribute/AttributeDefinitionTable.h"
+#include "attribute/AttributeTranslationTable.h"
 #include "foundation/ExceptionErrorHandler.h"
 #include "foundation/RaiseError.h"
 #include "foundation/TestReleaseTree.h"
@@ -25,13 +26,18 @@ inline void installVocabulary() {
   static TestReleaseTree tree;
   static bool const written = [] {
     tree.writeSystemFile("AttributeDefTable4.txt", "FFID vInt64 1\nCHANNEL vInt32 1\nCDP vInt32 1\nOFFSET vInt32 1\n");
-    tree.writeSystemFile("KelpAttributeTranslations3.txt",
-                         "CDP capi(null()) dorn:(null()) FFID vInt32 1\n"
-                         "OFFSET capi(null()) dorn:(null()) CHANNEL vInt32 1\n");
+    // FFID and CHANNEL shown as the suite's keys.
+    char const* const keys =
+        "FFID capi(null()) dorn:(int32()) CDP vInt32 1\n"
+        "CHANNEL capi(null()) dorn:(null()) OFFSET vInt32 1\n";
+    tree.writeSystemFile("KelpAttributeTranslations3.txt", keys);
+    tree.writeSystemFile("NoTypeAttributeTranslations3.txt", keys);
     return true;
   }();
   (void)written;
   AttributeDefinitionTable::instance().dropTable();
+  AttributeTranslationTable::instance("Kelp").reload();
+  AttributeTranslationTable::instance("NoType").reload();
 }
 
 // Runs the writer: path, then its options (see segd_fixture.py). A missing
