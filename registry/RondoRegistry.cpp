@@ -12,6 +12,7 @@
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
+#include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
@@ -56,6 +57,13 @@ vHandle<Store> openSegyFile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openSegdFile(StoreDescription const& description) {
+  SegdDiskStore* store = new SegdDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
 vHandle<Store> openOffloadFile(StoreDescription const& description) {
   OffloadDiskStore* store = new OffloadDiskStore;
   vHandle<Store> handle(store);
@@ -87,6 +95,7 @@ void registerRondoClasses() {
   // cannot handle, and the others are reported as not available.
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
+  StoreFactory::registerMakers("SegdDiskStore", {nullptr, &openSegdFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
