@@ -1,6 +1,8 @@
 #include "filestore/segd/SegdDiskStore.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
@@ -8,6 +10,7 @@
 #include "foundation/Message.h"
 #include "project/AttributeMatch.h"
 #include "project/Project.h"
+#include "syslayer/TapeSetReader.h"
 
 namespace {
 
@@ -56,6 +59,11 @@ void SegdDiskStore::open(StoreDescription const& description) {
 
 void SegdDiskStore::open(vFilename const& file) {
   char const* const label = "SegdDiskStore::open";
+  std::list<vString> const tapes = tapeNames(file.getFilename());
+  if (!tapes.empty()) {
+    openTapes(tapes);
+    return;
+  }
   if (m_isOpen || m_file.isOpen()) close();
   m_fileName = file;
   try {
@@ -64,28 +72,76 @@ void SegdDiskStore::open(vFilename const& file) {
     if (!m_file.isGood()) m_file.terminate(label);
     unsigned char block[SegdGeneralHeader::LENGTH];
     long long const got = m_file.read(1, block, SegdGeneralHeader::LENGTH);
-    if (got < SegdGeneralHeader::LENGTH) {
-      m_file.clear();
-      Message::fatal(label, 0, "Only read %d bytes from header of file %s.", static_cast<int>(got < 0 ? 0 : got),
-                     m_fileName.c_str());
-    }
-    m_generalHeader = vHandle<SegdGeneralHeader>(new SegdGeneralHeader(static_cast<unsigned char const*>(block)));
-    int const code = m_generalHeader->getFormatCode();
-    if (code != 8015 && code != 8058) Message::fatal(label, 0, "Unsupported file format %d!", code);
-    m_nSamples = m_generalHeader->getTraceLength();
-    m_traceLength = SegdKernels::traceLength(code, m_nSamples);
-    myBuildAttributes();
-    m_nInstances = myGetNInstances();
-    m_recordBuffer = vHandle<RecordBuffer>(new RecordBuffer(m_traceLength));
-    m_keyList = KeyList();
-    m_keyList.addKey(m_attributeMap.at(vUCString("FFID")));
-    m_keyList.addKey(m_attributeMap.at(vUCString("CHANNEL")));
-    getIndexingTable().clearCache();
-    m_isOpen = true;
+    if (got < SegdGeneralHeader::LENGTH) m_file.clear();
+    mySetUp(block, got);
   } catch (...) {
     close();
     throw;
   }
+}
+
+std::list<vString> SegdDiskStore::tapeNames(vString const& name) {
+  std::string const text(name.c_str());
+  std::string upper(text);
+  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  std::list<vString> tapes;
+  for (char const* word : {"TAPES", "TAPE", "T"}) {
+    std::size_t const n = std::strlen(word);
+    if (upper.compare(0, n, word) != 0 || upper.size() <= n || (upper[n] != '=' && upper[n] != ' ')) continue;
+    std::string current;
+    for (std::size_t k = n + 1; k <= text.size(); ++k) {
+      if (k == text.size() || text[k] == ',' || text[k] == ':' || text[k] == '=') {
+        if (!current.empty()) tapes.push_back(vString(current.c_str()));
+        current.clear();
+      } else {
+        current += text[k];
+      }
+    }
+    break;
+  }
+  return tapes;
+}
+
+void SegdDiskStore::openTapes(std::list<vString> const& tapes) {
+  if (m_isOpen || m_file.isOpen()) close();
+  m_fileName = vFilename(tapes.empty() ? vString() : tapes.front());
+  try {
+    TapeSetReader reader(tapes);
+    std::vector<unsigned char> chunk(TapeSetReader::kBufferSize);
+    for (;;) {
+      unsigned const got = reader.read(chunk.data(), static_cast<unsigned>(chunk.size()));
+      m_tapeData.insert(m_tapeData.end(), chunk.begin(), chunk.begin() + got);
+      if (got < chunk.size()) break;
+    }
+    reader.close();
+    unsigned char block[SegdGeneralHeader::LENGTH] = {};
+    long long const got = std::min<long long>(SegdGeneralHeader::LENGTH, static_cast<long long>(m_tapeData.size()));
+    std::memcpy(block, m_tapeData.data(), static_cast<std::size_t>(got));
+    mySetUp(block, got);
+  } catch (...) {
+    close();
+    throw;
+  }
+}
+
+void SegdDiskStore::mySetUp(unsigned char const* block, long long got) {
+  char const* const label = "SegdDiskStore::open";
+  if (got < SegdGeneralHeader::LENGTH)
+    Message::fatal(label, 0, "Only read %d bytes from header of file %s.", static_cast<int>(got < 0 ? 0 : got),
+                   m_fileName.c_str());
+  m_generalHeader = vHandle<SegdGeneralHeader>(new SegdGeneralHeader(block));
+  int const code = m_generalHeader->getFormatCode();
+  if (code != 8015 && code != 8058) Message::fatal(label, 0, "Unsupported file format %d!", code);
+  m_nSamples = m_generalHeader->getTraceLength();
+  m_traceLength = SegdKernels::traceLength(code, m_nSamples);
+  myBuildAttributes();
+  m_nInstances = myGetNInstances();
+  m_recordBuffer = vHandle<RecordBuffer>(new RecordBuffer(m_traceLength));
+  m_keyList = KeyList();
+  m_keyList.addKey(m_attributeMap.at(vUCString("FFID")));
+  m_keyList.addKey(m_attributeMap.at(vUCString("CHANNEL")));
+  getIndexingTable().clearCache();
+  m_isOpen = true;
 }
 
 void SegdDiskStore::myBuildAttributes() {
@@ -102,11 +158,15 @@ void SegdDiskStore::myBuildAttributes() {
 
 unsigned int SegdDiskStore::myGetNInstances() {
   char const* const label = "SegdDiskStore::myGetNInstances";
-  if (!m_file.isOpen()) Message::fatal(label, 0, kNotOpen);
+  if (!m_file.isOpen() && m_tapeData.empty()) Message::fatal(label, 0, kNotOpen);
   int const code = m_generalHeader->getFormatCode();
   if (code != 8015 && code != 8058) Message::fatal(label, 0, "Unhandled format code %d!", code);
-  m_fileSize = m_file.getNRecords();
-  if (!m_file.isGood()) m_file.terminate(label);
+  if (m_tapeData.empty()) {
+    m_fileSize = m_file.getNRecords();
+    if (!m_file.isGood()) m_file.terminate(label);
+  } else {
+    m_fileSize = static_cast<long long>(m_tapeData.size());
+  }
   m_dataStart = m_generalHeader->getHeaderSize() + (m_gapAfterHeaders ? SegdKernels::DSEGD_GAP : 0);
   long long const data = m_fileSize - m_dataStart;
   unsigned int const traces = data > 0 && m_traceLength > 0 ? static_cast<unsigned int>(data / m_traceLength) : 0u;
@@ -134,6 +194,7 @@ void SegdDiskStore::close() {
   m_dataStart = 0;
   m_fileSize = 0;
   m_gapAfterHeaders = false;
+  std::vector<unsigned char>().swap(m_tapeData);
   m_generalHeader = vHandle<SegdGeneralHeader>();
   m_recordBuffer = vHandle<RecordBuffer>();
   m_keyList = KeyList();

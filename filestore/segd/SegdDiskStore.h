@@ -18,6 +18,11 @@
 // buffer, which keeps the last range; lists are read by runs of neighbours.
 // A file whose size is not the headers plus whole traces gives a message
 // and keeps its whole traces. Every writing operation is refused.
+//
+// A name of the tape forms ("T=", "TAPE=" or "TAPES=", or the word and a
+// blank, without regard to case, then tape names separated by ",", ":" or
+// "=") is read through a TapeSetReader as one stream, whole, at open: the
+// record then reads as a disk copy would, from memory.
 
 #include <list>
 #include <map>
@@ -66,6 +71,10 @@ class SegdDiskStore : public DiskStore {
   using DiskStore::open;
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
+  // The record on a set of tapes (drives or tape images), read whole.
+  virtual void openTapes(std::list<vString> const& tapes);
+  // The tape names of a name of the tape forms; empty for any other name.
+  static std::list<vString> tapeNames(vString const& name);
   void close() override;
   bool isOpen() const override { return m_isOpen; }
   // The root of the file name.
@@ -100,6 +109,9 @@ class SegdDiskStore : public DiskStore {
   int getTraceLength() const { return m_traceLength; }
 
  protected:
+  // Reads the general header from the first bytes of the record and sets
+  // up the attributes, instances and buffer.
+  void mySetUp(unsigned char const* block, long long got);
   unsigned int myGetNInstances();
   void myBuildAttributes();
   // Fills the buffer with the traces of a range or list, unless it holds
@@ -125,6 +137,8 @@ class SegdDiskStore : public DiskStore {
   long long m_dataStart;
   long long m_fileSize;
   bool m_gapAfterHeaders;
+  // The record read from tapes; empty for a disk file.
+  std::vector<unsigned char> m_tapeData;
   vHandle<SegdGeneralHeader> m_generalHeader;
   vHandle<RecordBuffer> m_recordBuffer;
   KeyList m_keyList;

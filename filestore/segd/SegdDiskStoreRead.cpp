@@ -62,6 +62,11 @@ void SegdDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& 
 void SegdDiskStore::myReadTraces(char const* label, void* target, unsigned int first, unsigned int last) const {
   long long const offset = m_dataStart + static_cast<long long>(first - 1) * m_traceLength;
   long long const count = static_cast<long long>(last - first + 1) * m_traceLength;
+  if (!m_tapeData.empty()) {
+    // Whole traces only: the instances were counted from this data.
+    std::memcpy(target, m_tapeData.data() + offset, static_cast<std::size_t>(count));
+    return;
+  }
   long long const got = m_file.read(offset + 1, target, count);
   if (got != count || !m_file.isGood()) {
     m_file.clear();
