@@ -126,8 +126,7 @@ TEST_F(DirectoryBackend, SegdFilesAreServed) {
   Attribute trace = shot.getAttribute("TRACE");
   shot.read(trace, std::vector<unsigned int>{4, 2});
   EXPECT_EQ(256, trace.getLength());
-  EXPECT_EQ(segd_testing::writtenSample(4, 1), trace.getFloat32Pointer(1)[0]);  // -(4000 + 1) / 8
-  EXPECT_EQ(-500.125f, trace.getFloat32Pointer(1)[0]);
+  EXPECT_EQ(-500.125f, trace.getFloat32Pointer(1)[0]);  // -(4000 + 1) / 8
   EXPECT_EQ(segd_testing::writtenSample(2, 256), trace.getFloat32Pointer(2)[255]);
   Attribute ffid = shot.getAttribute("FFID");
   shot.read(ffid, 5, 5);

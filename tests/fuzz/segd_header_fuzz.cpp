@@ -69,10 +69,11 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
     if (data[32 + 9] == 0) finding("a trace header without extensions refused");
   }
   std::size_t const n = (size - 52) / 10 * 4;
-  std::vector<float> samples(n + 1);
+  std::size_t const words = (size - 52) / 4;
+  std::vector<float> samples(n > words ? n : words);
   SegdKernels::fc_8015toieee(data + 52, samples.data(), n);
   for (std::size_t k = 0; k < n; ++k)
     if (!(std::fabs(samples[k]) <= 32768.0f)) finding("an 8015 sample past its range");
-  SegdKernels::fc_8058toieee(data + 52, samples.data(), (size - 52) / 4);
+  SegdKernels::fc_8058toieee(data + 52, samples.data(), words);
   return 0;
 }
