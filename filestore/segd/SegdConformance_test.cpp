@@ -43,6 +43,8 @@ StoreConformanceCase segdCase() {
     view->processExpression("OFFSET:int32 = CHANNEL * 1");
     return vHandle_cast<AttributeSet>(vHandle_cast<Store>(view));
   };
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new SegdDiskStore); };
+  c.texts.notOpen = "Segd Disk File has not been opened yet!";
   c.attributes = {"CDP", "OFFSET"};
   // The view reads no key tuples and keeps no key list; list faults come
   // up from the store in its names (SegdDiskStore_test checks them there).

@@ -60,6 +60,15 @@ TEST(SegdDiskStore, Reads20BitTracesAndTheirHeaders) {
   ASSERT_EQ(2u, keys.getNKeys());
   EXPECT_EQ("FFID", std::string(keys.findName(1).c_str()));
   EXPECT_EQ("CHANNEL", std::string(keys.findName(2).c_str()));
+  // By key values, through the indexing table.
+  KeyList wanted = keys;
+  int64_t const ffids[] = {1234, 1234};
+  int const channels[] = {3, 1};
+  wanted.begin()->copyData(2, ffids);
+  (wanted.begin() + 1)->copyData(2, channels);
+  Attribute sequence = store.getAttribute("SEQUENCE");
+  store.read(sequence, wanted);
+  EXPECT_EQ((std::vector<int>{3, 1}), (std::vector<int>{sequence.getInt32(1), sequence.getInt32(2)}));
 }
 
 TEST(SegdDiskStore, ReadsIeeeTracesBehindEveryHeaderBlockAndTheGap) {
