@@ -68,6 +68,8 @@ void warm(std::string const& name) {
 class BenchFiles {
  public:
   BenchFiles() {
+    // The vocabulary that types FFID and CHANNEL: the checkout's, unless set.
+    ::setenv("VREL", RONDO_BENCH_RELEASE, 0);
     char const* tmp = std::getenv("TMPDIR");
     std::string const base = std::string(tmp && *tmp ? tmp : "/tmp") + "/segd_bench_" + std::to_string(::getpid());
     m_segd = base + ".segd";
