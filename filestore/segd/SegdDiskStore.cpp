@@ -24,11 +24,11 @@ bool hasExtension(vFilename const& file, char const* extension) {
   return ext == extension;
 }
 
-// The vocabulary's definition of a name, or the type given when the
-// vocabulary does not know it.
-Attribute defined(char const* name, DataType fallback, int length = 0, double sampleRate = 0.0) {
+// The vocabulary's definition of a name at the length the file gives, or
+// the type given when the vocabulary does not know it.
+Attribute defined(char const* name, DataType fallback, int length, double sampleRate = 0.0) {
   if (AttributeDefinition::hasDefinition(name)) return AttributeDefinition::getDefinition(name, length, sampleRate);
-  return Attribute(name, name, fallback, length > 0 ? length : 1, sampleRate);
+  return Attribute(name, name, fallback, length, sampleRate);
 }
 
 }  // namespace
@@ -116,7 +116,7 @@ void SegdDiskStore::openTapes(std::list<vString> const& tapes) {
     reader.close();
     unsigned char block[SegdGeneralHeader::LENGTH] = {};
     long long const got = std::min<long long>(SegdGeneralHeader::LENGTH, static_cast<long long>(m_tapeData.size()));
-    std::memcpy(block, m_tapeData.data(), static_cast<std::size_t>(got));
+    if (got > 0) std::memcpy(block, m_tapeData.data(), static_cast<std::size_t>(got));
     mySetUp(block, got);
   } catch (...) {
     close();
@@ -147,10 +147,10 @@ void SegdDiskStore::mySetUp(unsigned char const* block, long long got) {
 void SegdDiskStore::myBuildAttributes() {
   m_attributes.clear();
   m_attributes.push_back(defined("TRACE", vFLOAT32, m_nSamples, m_generalHeader->getSampleRate()));
-  m_attributes.push_back(defined("FFID", vINT32));
+  m_attributes.push_back(defined("FFID", vINT32, 1));
   m_attributes.push_back(Attribute("CHANNELSET", "CHANNELSET", vINT32));
   m_attributes.push_back(Attribute("TRACENUMBER", "TRACENUMBER", vINT32));
-  m_attributes.push_back(defined("CHANNEL", vINT32));
+  m_attributes.push_back(defined("CHANNEL", vINT32, 1));
   m_attributes.push_back(Attribute("SEQUENCE", "SEQUENCE", vINT32));
   m_attributeMap.clear();
   for (Attribute const& attribute : m_attributes) m_attributeMap[attribute.getName()] = attribute;

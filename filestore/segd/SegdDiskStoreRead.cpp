@@ -153,12 +153,14 @@ void SegdDiskStore::myExtractData(Attribute& attribute, unsigned int first, unsi
       continue;
     }
     float* const out = static_cast<float*>(target) + static_cast<std::size_t>(k) * length;
-    if (header.isMuted())
-      std::memset(out, 0, static_cast<std::size_t>(length) * sizeof(float));
-    else if (code == 8015)
-      SegdKernels::fc_8015toieee(record + SegdKernels::TRACE_HEADER_LENGTH, out, static_cast<std::size_t>(length));
-    else
-      SegdKernels::fc_8058toieee(record + SegdKernels::TRACE_HEADER_LENGTH, out, static_cast<std::size_t>(length));
+    // No more samples than a trace holds, whatever length the vocabulary
+    // gave a record of none.
+    std::size_t const held = header.isMuted() ? 0u : std::min<std::size_t>(length, m_nSamples);
+    std::memset(out + held, 0, (static_cast<std::size_t>(length) - held) * sizeof(float));
+    if (held > 0 && code == 8015)
+      SegdKernels::fc_8015toieee(record + SegdKernels::TRACE_HEADER_LENGTH, out, held);
+    else if (held > 0)
+      SegdKernels::fc_8058toieee(record + SegdKernels::TRACE_HEADER_LENGTH, out, held);
   }
   if (target != data) vUtl::copyConvert(target, sourceType, data, wanted, nValues);
 }
