@@ -13,6 +13,7 @@
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
+#include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/shapefile/ShapefileDiskStore.h"
 #include "foundation/Message.h"
@@ -53,6 +54,13 @@ vHandle<Store> makeInMemoryStore(vHandle<Project> const& project) {
 // A file store is built on no project and then opened on the description.
 vHandle<Store> openSegyFile(StoreDescription const& description) {
   SegyDiskStore* store = new SegyDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
+vHandle<Store> openSegdFile(StoreDescription const& description) {
+  SegdDiskStore* store = new SegdDiskStore;
   vHandle<Store> handle(store);
   store->open(description);
   return handle;
@@ -129,6 +137,7 @@ void registerRondoClasses() {
   // cannot handle, and the others are reported as not available.
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
+  StoreFactory::registerMakers("SegdDiskStore", {nullptr, &openSegdFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
   StoreFactory::registerMakers("AsciiDiskStore", {nullptr, &openTextTable, &createTextTable, nullptr});
   StoreFactory::registerAsciiSpecificationFinder(&findTextTableFormat);

@@ -16,6 +16,8 @@
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
+#include "filestore/segd/SegdDiskStore.h"
+#include "filestore/segd/SegdTesting.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
@@ -227,6 +229,25 @@ TEST(RondoRegistrySegy, SegyFilesOpenAsSegyStoresByEveryTag) {
   Attribute cmp = store->getAttribute("CMP");
   store->read(cmp, 3, 4);
   EXPECT_EQ(segy_testing::goldenHeader(3, 20), cmp.getInt32(1));
+}
+
+// SEG-D files reach the SEG-D store by every tag; a "dsegd" file has its
+// traces 2048 bytes later.
+TEST(RondoRegistrySegd, SegdFilesOpenAsSegdStoresByEveryTag) {
+  registerRondoClasses();
+  segd_testing::installVocabulary();
+  fs_testing::TempDir dir;
+  for (char const* name : {"a.segd", "b.SGD", "c.dsegd"}) {
+    std::string const path = dir / name;
+    ASSERT_TRUE(segd_testing::writeSegd(path, "--traces 3"));
+    vHandle<Store> store = StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr);
+    ASSERT_NE(nullptr, dynamic_cast<SegdDiskStore*>(store.get())) << name;
+    EXPECT_EQ(vLCString("segddisk"), store->getSubClass());
+    EXPECT_EQ(3u, store->getNInstances()) << name;
+    Attribute trace = store->getAttribute("TRACE");
+    store->read(trace, 3, 3);
+    EXPECT_EQ(segd_testing::writtenSample(3, 2), trace.getFloat32Pointer(1)[1]) << name;
+  }
 }
 
 // Offload data files reach the offload store by their extension, and

@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "filestore/segd/SegdTesting.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/Packer.h"
 #include "project/AttributeMatch.h"
@@ -144,6 +145,40 @@ TEST_F(DirectoryBackend, ShapefilesAndTextTablesAreServed) {
   Attribute z = picks.getAttribute("Z");
   picks.read(z, 1, 2);
   EXPECT_EQ((std::vector<double>{1.5, -2.25}), (std::vector<double>{z.getFloat64(1), z.getFloat64(2)}));
+}
+
+// SEG-D records by their extensions; one with bad BCD in its format code
+// is listed and refused when opened, in the store's words.
+TEST_F(DirectoryBackend, SegdFilesAreServed) {
+  std::string const dir = m_root + "/field";
+  ::mkdir(dir.c_str(), 0700);
+  ASSERT_TRUE(segd_testing::writeSegd(dir + "/shot.segd", "--format 8015 --traces 5 --ffid 77"));
+  ASSERT_TRUE(segd_testing::writeSegd(dir + "/gap.dsegd", "--traces 2"));
+  ASSERT_TRUE(segd_testing::writeSegd(dir + "/bad.sgd", "--bad-bcd"));
+  vHandle<Project> project = openProject(newCatalog(), "field");
+  EXPECT_EQ((std::vector<std::string>{"bad.1", "gap.1", "shot.1"}), names(*project->getStoreList("seismic", "")));
+  ClientAttributeSet shot(project);
+  shot.open("shot", 1, "", "", nullptr);
+  EXPECT_EQ(5u, shot.getNInstances());
+  Attribute trace = shot.getAttribute("TRACE");
+  shot.read(trace, std::vector<unsigned int>{4, 2});
+  EXPECT_EQ(256, trace.getLength());
+  EXPECT_EQ(-500.125f, trace.getFloat32Pointer(1)[0]);  // -(4000 + 1) / 8
+  EXPECT_EQ(segd_testing::writtenSample(2, 256), trace.getFloat32Pointer(2)[255]);
+  Attribute ffid = shot.getAttribute("FFID");
+  shot.read(ffid, 5, 5);
+  EXPECT_EQ(77, ffid.getValue(1));
+  ClientAttributeSet gap(project);
+  gap.open("gap", 1, "", "", nullptr);
+  EXPECT_EQ(2u, gap.getNInstances());
+  ClientAttributeSet bad(project);
+  std::string reason = kNothing;
+  try {
+    bad.open("bad", 1, "", "", nullptr);
+  } catch (UtlExcept const& e) {
+    reason = e.getReason().c_str();
+  }
+  EXPECT_NE(std::string::npos, reason.find("Unsupported file format 8020!")) << reason;
 }
 
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {

@@ -64,10 +64,12 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
     if (!DirectoryTree::isRegularFile(path) || !DirectoryTree::isWithin(root, path)) continue;
     StoreDescription description{vFilename(m_directory + "/" + name.c_str())};
     if (!StoreFactory::identifyFileFormat(description, nullptr)) {
-      // Offload data files are known by their extension alone: the factory
-      // takes it as the format tag when it opens them.
+      // Offload data files and SEG-D records are known by their extension
+      // alone: the factory takes it as the format tag when it opens them.
       vLCString const extension(vFilename(name.c_str()).getExtension());
-      if (!(extension == vLCString("offload")) ||
+      bool const byExtension = extension == vLCString("offload") || extension == vLCString("segd") ||
+                               extension == vLCString("sgd") || extension == vLCString("dsegd");
+      if (!byExtension ||
           StoreFactory::getMakers(StoreFactory::getFileStoreClass(extension)).openFile == nullptr)
         continue;
       description.setFileFormat(extension);
