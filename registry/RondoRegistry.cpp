@@ -10,6 +10,7 @@
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
+#include "filestore/fdm/FdmDiskStore.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
@@ -63,6 +64,13 @@ vHandle<Store> openOffloadFile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openFdmFile(StoreDescription const& description) {
+  FdmDiskStore* store = new FdmDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -88,6 +96,7 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("InMemoryStore", {&makeInMemoryStore, nullptr, nullptr, nullptr});
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
+  StoreFactory::registerMakers("FdmDiskStore", {nullptr, &openFdmFile, nullptr, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
   ExistingAttributeFile& files = ExistingAttributeFile::getInstance();

@@ -109,6 +109,27 @@ TEST_F(DirectoryBackend, OffloadFilesAreServed) {
   EXPECT_EQ((std::vector<int>{14, 21, 28}), (std::vector<int>{cdp.getInt32(1), cdp.getInt32(2), cdp.getInt32(3)}));
 }
 
+// FDM volumes are velocity stores of a directory project, known by their
+// extension.
+TEST_F(DirectoryBackend, FdmVolumesAreServed) {
+  std::string const dir = m_root + "/velocities";
+  ::mkdir(dir.c_str(), 0700);
+  std::string const cmd =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + dir + "/rms.fdm '>'";
+  ASSERT_EQ(0, std::system(cmd.c_str()));
+  vHandle<Project> project = openProject(newCatalog(), "velocities");
+  EXPECT_EQ((std::vector<std::string>{"rms.1"}), names(*project->getStoreList("velocity", "")));
+  EXPECT_TRUE(project->getStoreList("seismic", "")->empty());
+  ClientAttributeSet rms(project);
+  rms.open("rms", 1, "", "", nullptr);
+  EXPECT_EQ(12u, rms.getNInstances());
+  Attribute trace = rms.getAttribute("VELTRACE.DEFAULT");
+  rms.read(trace, 6, 7);
+  // Crossline index 1 and 2 of inline index 1, sample 3.
+  EXPECT_EQ(1113.0f, trace.getFloat32Pointer(1)[3]);
+  EXPECT_EQ(1123.0f, trace.getFloat32Pointer(2)[3]);
+}
+
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   std::vector<std::string> projects;

@@ -64,14 +64,15 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
     if (!DirectoryTree::isRegularFile(path) || !DirectoryTree::isWithin(root, path)) continue;
     StoreDescription description{vFilename(m_directory + "/" + name.c_str())};
     if (!StoreFactory::identifyFileFormat(description, nullptr)) {
-      // Offload data files are known by their extension alone: the factory
-      // takes it as the format tag when it opens them.
+      // Offload data files and FDM volumes are known by their extension
+      // alone: the factory takes it as the format tag when it opens them.
       vLCString const extension(vFilename(name.c_str()).getExtension());
-      if (!(extension == vLCString("offload")) ||
+      bool const fdm = extension == vLCString("fdm");
+      if (!(extension == vLCString("offload") || fdm) ||
           StoreFactory::getMakers(StoreFactory::getFileStoreClass(extension)).openFile == nullptr)
         continue;
       description.setFileFormat(extension);
-      description.setStoreClass("seismic");
+      description.setStoreClass(fdm ? "velocity" : "seismic");
     }
     vLCString const store(vFilename(name.c_str()).getRoot());
     bool taken = false;

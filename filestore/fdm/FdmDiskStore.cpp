@@ -6,6 +6,7 @@
 
 #include "foundation/Message.h"
 #include "foundation/vUtl.h"
+#include "geometry/CMPGrid.h"
 #include "project/AttributeMatch.h"
 #include "project/Project.h"
 
@@ -78,6 +79,9 @@ void FdmDiskStore::open(vFilename const& file) {
     throw;
   }
   myBuildAttributes();
+  // The grid as properties, as every store that carries one shows it.
+  clearProperties();
+  CMPGrid(m_grid).addToStore(*this);
   getIndexingTable().clearCache();
   m_isOpen = true;
 }
