@@ -11,6 +11,8 @@
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/fdm/FdmDiskStore.h"
+#include "filestore/nyx/NyxDiskStore.h"
+#include "filestore/nyx/NyxFormat.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segy/SegyDiskStore.h"
@@ -71,6 +73,25 @@ vHandle<Store> openFdmFile(StoreDescription const& description) {
   return handle;
 }
 
+vHandle<Store> openNyxFile(StoreDescription const& description) {
+  NyxDiskStore* store = new NyxDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
+vHandle<Store> createNyxFile(StoreDescription const& description, vLCString const&) {
+  NyxDiskStore* store = new NyxDiskStore;
+  vHandle<Store> handle(store);
+  store->create(description);
+  return handle;
+}
+
+// The mapping file that fits a Nyx file, by the name of its specification.
+vFilename findNyxSpecification(StoreDescription const& description) {
+  return vFilename(NyxFormat::getSpecification(description));
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -97,6 +118,8 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
   StoreFactory::registerMakers("FdmDiskStore", {nullptr, &openFdmFile, nullptr, nullptr});
+  StoreFactory::registerMakers("NyxDiskStore", {nullptr, &openNyxFile, &createNyxFile, nullptr});
+  StoreFactory::registerNyxSpecificationFinder(&findNyxSpecification);
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
   ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
