@@ -130,6 +130,29 @@ TEST_F(DirectoryBackend, FdmVolumesAreServed) {
   EXPECT_EQ(1123.0f, trace.getFloat32Pointer(2)[3]);
 }
 
+// Nyx "cst" and "dat" files are seismic stores of a directory project.
+TEST_F(DirectoryBackend, NyxFilesAreServed) {
+  std::string const dir = m_root + "/nyx";
+  ::mkdir(dir.c_str(), 0700);
+  std::string const fixture = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/nyx/testdata/nyx_fixture.py ";
+  ASSERT_EQ(0, std::system((fixture + "cst " + dir + "/gathers.cst '>' 3").c_str()));
+  ASSERT_EQ(0, std::system((fixture + "dat " + dir + "/blocks.DAT '<' 1").c_str()));
+  vHandle<Project> project = openProject(newCatalog(), "nyx");
+  EXPECT_EQ((std::vector<std::string>{"blocks.1", "gathers.1"}), names(*project->getStoreList("seismic", "")));
+  for (char const* name : {"gathers", "blocks"}) {
+    ClientAttributeSet set(project);
+    set.open(name, 1, "", "", nullptr);
+    EXPECT_EQ(12u, set.getNInstances());
+    Attribute cmp = set.getAttribute("CMP");
+    Attribute trace = set.getAttribute("TRACE");
+    set.read(cmp, 5, 6);
+    set.read(trace, 6, 6);
+    EXPECT_EQ(12, cmp.getInt32(1));
+    // Sample 3 of trace 6 holds 64: IBM as it is, 16-bit times 2.
+    EXPECT_EQ(name[0] == 'g' ? 64.0f : 128.0f, trace.getFloat32Pointer(1)[3]) << name;
+  }
+}
+
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   std::vector<std::string> projects;
