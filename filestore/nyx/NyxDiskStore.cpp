@@ -152,22 +152,28 @@ void NyxDiskStore::open(vFilename const& file) {
   myBuildAttributes();
   m_isOpen = true;
   getIndexingTable().clearCache();
-  vString blocking;
-  if (m_record.fileFormat != TAPES && systemProperty("BLOCKINGFACTOR", blocking)) {
-    int const factor = std::atoi(blocking.c_str());
-    if (factor < 1)
-      Message::fatal(kOpenLabel, 0, "Failed to set the blocking factor to %d for '%s' ... status %d!", factor,
-                     file.c_str(), 0);
-    m_record.physicalRecLenB = factor * m_record.extRecordLengthB;
-    Message::info(kOpenLabel, 0, "Setting blocking factor to %d.", factor);
-  }
-  if (m_record.fileFormat == DAT) {
-    vString autogenerate;
-    bool const generate = systemProperty("AUTOGENERATEINDEX", autogenerate) && SystemProperty::isTrueText(autogenerate);
-    if (hasIndexFile())
-      myLoadIndex();
-    else if (generate)
-      generateIndexFile();
+  try {
+    vString blocking;
+    if (m_record.fileFormat != TAPES && systemProperty("BLOCKINGFACTOR", blocking)) {
+      int const factor = std::atoi(blocking.c_str());
+      if (factor < 1)
+        Message::fatal(kOpenLabel, 0, "Failed to set the blocking factor to %d for '%s' ... status %d!", factor,
+                       file.c_str(), 0);
+      m_record.physicalRecLenB = factor * m_record.extRecordLengthB;
+      Message::info(kOpenLabel, 0, "Setting blocking factor to %d.", factor);
+    }
+    if (m_record.fileFormat == DAT) {
+      vString autogenerate;
+      bool const generate =
+          systemProperty("AUTOGENERATEINDEX", autogenerate) && SystemProperty::isTrueText(autogenerate);
+      if (hasIndexFile())
+        myLoadIndex();
+      else if (generate)
+        generateIndexFile();
+    }
+  } catch (...) {
+    close();
+    throw;
   }
 }
 

@@ -190,3 +190,36 @@ TEST(NyxDiskStore, BadFilesAndNames) {
   Attribute unknown("CDP", "", vINT32);
   fs_testing::expectFailure([&] { store.read(unknown, 1, 1); }, "NyxDiskStore::read", "Unsupported attribute 'CDP'!");
 }
+
+// A "dat" file whose prologue, history trace or blocks are wrong.
+TEST(NyxDiskStore, BadDatFiles) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "bad.dat";
+  writeFixture("dat", path, "<", 5, "2");
+  std::string const good = fs_testing::readFile(path);
+  auto changed = [&](std::size_t at, std::string const& bytes) {
+    std::string b = good;
+    b.replace(at, bytes.size(), bytes);
+    return b;
+  };
+  struct Case {
+    std::string bytes;
+    std::string reason;
+  } const cases[] = {
+      {changed(0, std::string("\x01\0\0\0", 4)), "Failed to read the initial part of the file!"},
+      {good.substr(0, 100), "Failed to read the initial part of the file!"},
+      {changed(232, std::string("\0\0\0\0", 4)), "Failed to read the first word out of the special history trace!"},
+      {changed(228, std::string("\xff\xff\0\0", 4)), "Failed to skip past the first \"special\" trace!"},
+      {changed(248, std::string("\xff\x0f\0\0", 4)), "Failed to move to the next block header at position 248 in the file!"},
+      {good.substr(0, 290), "Failed to read block header from file!"},
+      {changed(280, std::string("\0\0\x01\0", 4)), "Failed to move to the next block header at position 280 in the file!"},
+      {changed(280 + 24 + 8 + 60, std::string("\x06\0\0\0", 4)), "Data format 6 is unsupported!"},
+      {changed(280 + 24 + 8 + 40, std::string("\x06\0\0\0", 4)),
+       "Calculation error, physical file size 308 != calculated size 312!"}};
+  for (Case const& c : cases) {
+    fs_testing::writeFile(path, c.bytes);
+    NyxDiskStore store;
+    fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
+                              c.reason);
+  }
+}

@@ -97,3 +97,24 @@ TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
     EXPECT_EQ(cmp(5), cmpOf(store, 5));
   }
 }
+
+// The site's settings: an index made on opening, a blocking factor.
+TEST(NyxIndex, SettingsOfTheSite) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "auto.dat";
+  writeFixture("dat", path, "<", 5);
+  ::setenv("SP_NYX_AUTOGENERATEINDEX", "true", 1);
+  ::setenv("SP_NYX_BLOCKINGFACTOR", "4", 1);
+  NyxDiskStore store;
+  store.open(vFilename(path.c_str()));
+  EXPECT_TRUE(store.isUsingIndex());
+  EXPECT_TRUE(NyxDiskStore::hasIndexFile(vFilename(path.c_str())));
+  EXPECT_EQ(4 * 276, store.getRecord().physicalRecLenB);
+  store.close();
+  ::setenv("SP_NYX_BLOCKINGFACTOR", "0", 1);
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
+                            "Failed to set the blocking factor to 0 for '" + path + "' ... status 0!");
+  EXPECT_FALSE(store.isOpen());
+  ::unsetenv("SP_NYX_AUTOGENERATEINDEX");
+  ::unsetenv("SP_NYX_BLOCKINGFACTOR");
+}
