@@ -208,6 +208,7 @@ void FdmDiskStore::read(Attribute& attribute, unsigned int first, unsigned int l
   char const* const label = "FdmDiskStore::read";
   myCheckOpen(label);
   long long const n = getNInstances();
+  if (last == 0) last = static_cast<unsigned int>(n);  // through the last, as every store reads
   if (first < 1 || first > last || last > n)
     Message::fatal(label, 0, "Instance range %lld, %lld is incorrect, NInstances is %lld",
                    static_cast<long long>(first), static_cast<long long>(last), n);

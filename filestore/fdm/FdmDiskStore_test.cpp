@@ -145,7 +145,7 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
       store.read(trace, 1, 12);
       Attribute crossline("CROSSLINE", "", vINT32), inlines("INLINE", "", vFLOAT64);
       store.read(crossline, std::vector<unsigned int>{7, 2});
-      store.read(inlines, 5, 12);
+      store.read(inlines, 5, 0);
       EXPECT_EQ(104, crossline.getInt32(1));
       EXPECT_EQ(102, crossline.getInt32(2));
       EXPECT_EQ(21.0, inlines.getFloat64(1));
