@@ -44,6 +44,8 @@ StoreConformanceCase fdmCase() {
   c.openForReading = &openMapped;
   c.attributes = {"CDP", "OFFSET"};
   c.hasClasses = false;
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new FdmDiskStore); };
+  c.texts.notOpen = "Fdm Disk File has not been opened yet!";
   // The mapping view refuses key reads and writes by design, and names the
   // store's own attribute in the faults of list reads. The FDM store
   // refuses an empty list, and tells a bad range in one text with both

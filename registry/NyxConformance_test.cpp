@@ -48,6 +48,8 @@ StoreConformanceCase nyxCase() {
   c.openForReading = &openMapped;
   c.attributes = {"CDP", "OFFSET", "TRACE"};
   c.hasClasses = false;
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new NyxDiskStore); };
+  c.texts.notOpen = "A Nyx fisk file has not been opened yet!";
   // The mapping view refuses key reads and writes by design, and names the
   // store's own word (CMP) in the faults of list reads.
   c.notApplicable = {"ReadsByKeyValues", "RefusesBadListsAndNamesWithTheirTexts"};

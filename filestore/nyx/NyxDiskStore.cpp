@@ -377,6 +377,7 @@ unsigned int NyxDiskStore::getNInstances() const {
 }
 
 Attribute NyxDiskStore::getAttribute(vUCString const& name) const {
+  myCheckOpen("NyxDiskStore::getAttribute");
   Attribute definition;
   int word = 0;
   if (!myDefinition(name, definition, word))
