@@ -140,6 +140,9 @@ class NyxDiskStore : public DiskStore {
   void myCreateDiskFile();
   void myFlushRecordBuffer();
   long long myFileSize() const;
+  // Bytes between records held in memory: a record rounded up to whole
+  // words, so that every header starts on a word.
+  std::size_t myStride() const { return (static_cast<std::size_t>(m_record.extRecordLengthB) + 3) & ~std::size_t(3); }
 
   bool m_isOpen;
   bool m_creating;

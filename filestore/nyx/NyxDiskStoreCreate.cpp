@@ -122,9 +122,9 @@ void NyxDiskStore::write(Attribute const& attribute, unsigned int first, unsigne
     myCreateDiskFile();
     m_nCreated = last;
     m_record.nInstances = static_cast<int>(last);
-    m_records.assign(static_cast<std::size_t>(last) * m_record.extRecordLengthB, 0);
+    m_records.assign(static_cast<std::size_t>(last) * myStride(), 0);
     for (unsigned int i = 1; i <= last; ++i) {
-      int32_t* h = reinterpret_cast<int32_t*>(m_records.data() + static_cast<std::size_t>(i - 1) * m_record.extRecordLengthB);
+      int32_t* h = reinterpret_cast<int32_t*>(m_records.data() + static_cast<std::size_t>(i - 1) * myStride());
       h[NyxTrace::TRACE_NUMBER] = static_cast<int32_t>(i);
       h[NyxTrace::TRACE_TYPE] = 1;
       h[NyxTrace::DATA_FORMAT] = h[NyxTrace::DAT_FORMAT] = m_record.dataFormat;
@@ -152,7 +152,7 @@ void NyxDiskStore::write(Attribute const& attribute, unsigned int first, unsigne
                    attribute.getName().c_str(), static_cast<long long>(attribute.getNInstances()),
                    static_cast<long long>(count));
   for (unsigned int k = 0; k < count; ++k) {
-    unsigned char* record = m_records.data() + static_cast<std::size_t>(first - 1 + k) * m_record.extRecordLengthB;
+    unsigned char* record = m_records.data() + static_cast<std::size_t>(first - 1 + k) * myStride();
     int32_t* h = reinterpret_cast<int32_t*>(record);
     if (word >= 0) {
       std::memcpy(&h[word], attribute.getPointer(k + 1), 4);
@@ -172,7 +172,7 @@ void NyxDiskStore::myFlushRecordBuffer() {
   std::size_t const bytes = static_cast<std::size_t>(m_record.extRecordLengthB);
   for (unsigned int i = 1; i <= m_nCreated; ++i) {
     int const put = file.write(static_cast<long long>(i - 1) * static_cast<long long>(bytes) + 1,
-                               m_records.data() + (i - 1) * bytes, static_cast<int>(bytes));
+                               m_records.data() + (i - 1) * myStride(), static_cast<int>(bytes));
     if (put != static_cast<int>(bytes) || !file.isGood()) {
       int const status = file.getStatus();
       file.clear();

@@ -86,7 +86,7 @@ void NyxDiskStore::myReadTapeRecord(unsigned int instance, unsigned char* record
 
 void NyxDiskStore::myLoadRange(unsigned int first, unsigned int last) const {
   if (!m_cache.empty() && first == m_cacheFirst && last == m_cacheLast) return;
-  std::size_t const bytes = static_cast<std::size_t>(m_record.extRecordLengthB);
+  std::size_t const bytes = myStride();
   m_cache.clear();
   m_cacheFirst = m_cacheLast = 0;
   std::vector<unsigned char> records((last - first + 1) * bytes);
@@ -114,7 +114,7 @@ void NyxDiskStore::read(Attribute& attribute, unsigned int first, unsigned int l
   myLoadRange(first, last);
   std::vector<unsigned char const*> rows;
   for (unsigned int i = first; i <= last; ++i)
-    rows.push_back(m_cache.data() + static_cast<std::size_t>(i - first) * m_record.extRecordLengthB);
+    rows.push_back(m_cache.data() + static_cast<std::size_t>(i - first) * myStride());
   myExtract(attribute, rows);
 }
 
@@ -134,7 +134,7 @@ void NyxDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& i
   int word = 0;
   if (!myDefinition(attribute.getName(), definition, word))
     Message::fatal(kReadLabel, 0, "Unsupported attribute '%s'!", attribute.getName().c_str());
-  std::size_t const bytes = static_cast<std::size_t>(m_record.extRecordLengthB);
+  std::size_t const bytes = myStride();
   std::vector<unsigned char> records(instances.size() * bytes);
   std::vector<unsigned char const*> rows;
   for (std::size_t k = 0; k < instances.size(); ++k) {
