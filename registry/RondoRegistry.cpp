@@ -11,6 +11,9 @@
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/ascii/AsciiDiskStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
+#include "filestore/fdm/FdmDiskStore.h"
+#include "filestore/nyx/NyxDiskStore.h"
+#include "filestore/nyx/NyxFormat.h"
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segd/SegdDiskStore.h"
@@ -113,6 +116,32 @@ vHandle<Store> createShapefile(StoreDescription const& description, vLCString co
   return handle;
 }
 
+vHandle<Store> openFdmFile(StoreDescription const& description) {
+  FdmDiskStore* store = new FdmDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
+vHandle<Store> openNyxFile(StoreDescription const& description) {
+  NyxDiskStore* store = new NyxDiskStore;
+  vHandle<Store> handle(store);
+  store->open(description);
+  return handle;
+}
+
+vHandle<Store> createNyxFile(StoreDescription const& description, vLCString const&) {
+  NyxDiskStore* store = new NyxDiskStore;
+  vHandle<Store> handle(store);
+  store->create(description);
+  return handle;
+}
+
+// The mapping file that fits a Nyx file, by the name of its specification.
+vFilename findNyxSpecification(StoreDescription const& description) {
+  return vFilename(NyxFormat::getSpecification(description));
+}
+
 vHandle<AttributeSet> makeInMemoryAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new InMemoryAttributeSet(project));
 }
@@ -139,6 +168,9 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("SegyDiskStore", {nullptr, &openSegyFile, nullptr, nullptr});
   StoreFactory::registerMakers("SegdDiskStore", {nullptr, &openSegdFile, nullptr, nullptr});
   StoreFactory::registerMakers("OffloadDiskStore", {nullptr, &openOffloadFile, nullptr, nullptr});
+  StoreFactory::registerMakers("FdmDiskStore", {nullptr, &openFdmFile, nullptr, nullptr});
+  StoreFactory::registerMakers("NyxDiskStore", {nullptr, &openNyxFile, &createNyxFile, nullptr});
+  StoreFactory::registerNyxSpecificationFinder(&findNyxSpecification);
   StoreFactory::registerMakers("AsciiDiskStore", {nullptr, &openTextTable, &createTextTable, nullptr});
   StoreFactory::registerAsciiSpecificationFinder(&findTextTableFormat);
   StoreFactory::registerMakers("ShapefileDiskStore", {nullptr, &openShapefile, &createShapefile, nullptr});

@@ -15,6 +15,7 @@
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
+#include "filestore/fdm/FdmDiskStore.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segd/SegdTesting.h"
@@ -269,6 +270,28 @@ TEST(RondoRegistryOffload, OffloadFilesOpenAsOffloadStores) {
       ExistingAttributeFile::getInstance().open(vFilename(path.c_str()), cdp, AttributeFile::OpenOptions());
   EXPECT_EQ(12u, file->getNInstances());
   EXPECT_EQ(vString("offload"), file->getRegistrationName());
+}
+
+// FDM volumes reach the FDM store by their extension, and by the format tag
+// that a format spec comes with.
+TEST(RondoRegistryFdm, FdmFilesOpenAsFdmStores) {
+  registerRondoClasses();
+  fs_testing::TempDir dir;
+  std::string const path = dir / "rms.fdm";
+  std::string const cmd =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + path + " '>'";
+  ASSERT_EQ(0, std::system(cmd.c_str()));
+  EXPECT_NE(nullptr, dynamic_cast<FdmDiskStore*>(
+                         StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr).get()));
+  StoreDescription description{vFilename(path.c_str())};
+  description.setFileFormat("fdm");
+  description.setFormatSpec("gridded_time_rms/intrp/1");
+  vHandle<Store> store = StoreFactory::openStore(description, "", nullptr);
+  auto* fdm = dynamic_cast<FdmDiskStore*>(store.get());
+  ASSERT_NE(nullptr, fdm);
+  EXPECT_TRUE(fdm->isInterpolating());
+  EXPECT_EQ(vLCString("gridded_time_rms"), store->getSubClass());
+  EXPECT_TRUE(store->hasAttribute("VELTRACE.RMS"));
 }
 
 }  // namespace

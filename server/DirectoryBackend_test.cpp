@@ -181,6 +181,50 @@ TEST_F(DirectoryBackend, SegdFilesAreServed) {
   EXPECT_NE(std::string::npos, reason.find("Unsupported file format 8020!")) << reason;
 }
 
+// FDM volumes are velocity stores of a directory project, known by their
+// extension.
+TEST_F(DirectoryBackend, FdmVolumesAreServed) {
+  std::string const dir = m_root + "/velocities";
+  ::mkdir(dir.c_str(), 0700);
+  std::string const cmd =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + dir + "/rms.fdm '>'";
+  ASSERT_EQ(0, std::system(cmd.c_str()));
+  vHandle<Project> project = openProject(newCatalog(), "velocities");
+  EXPECT_EQ((std::vector<std::string>{"rms.1"}), names(*project->getStoreList("velocity", "")));
+  EXPECT_TRUE(project->getStoreList("seismic", "")->empty());
+  ClientAttributeSet rms(project);
+  rms.open("rms", 1, "", "", nullptr);
+  EXPECT_EQ(12u, rms.getNInstances());
+  Attribute trace = rms.getAttribute("VELTRACE.DEFAULT");
+  rms.read(trace, 6, 7);
+  // Crossline index 1 and 2 of inline index 1, sample 3.
+  EXPECT_EQ(1113.0f, trace.getFloat32Pointer(1)[3]);
+  EXPECT_EQ(1123.0f, trace.getFloat32Pointer(2)[3]);
+}
+
+// Nyx "cst" and "dat" files are seismic stores of a directory project.
+TEST_F(DirectoryBackend, NyxFilesAreServed) {
+  std::string const dir = m_root + "/nyx";
+  ::mkdir(dir.c_str(), 0700);
+  std::string const fixture = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/nyx/testdata/nyx_fixture.py ";
+  ASSERT_EQ(0, std::system((fixture + "cst " + dir + "/gathers.cst '>' 3").c_str()));
+  ASSERT_EQ(0, std::system((fixture + "dat " + dir + "/blocks.DAT '<' 1").c_str()));
+  vHandle<Project> project = openProject(newCatalog(), "nyx");
+  EXPECT_EQ((std::vector<std::string>{"blocks.1", "gathers.1"}), names(*project->getStoreList("seismic", "")));
+  for (char const* name : {"gathers", "blocks"}) {
+    ClientAttributeSet set(project);
+    set.open(name, 1, "", "", nullptr);
+    EXPECT_EQ(12u, set.getNInstances());
+    Attribute cmp = set.getAttribute("CMP");
+    Attribute trace = set.getAttribute("TRACE");
+    set.read(cmp, 5, 6);
+    set.read(trace, 6, 6);
+    EXPECT_EQ(12, cmp.getInt32(1));
+    // Sample 3 of trace 6 holds 64: IBM as it is, 16-bit times 2.
+    EXPECT_EQ(name[0] == 'g' ? 64.0f : 128.0f, trace.getFloat32Pointer(1)[3]) << name;
+  }
+}
+
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   std::vector<std::string> projects;

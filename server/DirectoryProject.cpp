@@ -64,16 +64,18 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
     if (!DirectoryTree::isRegularFile(path) || !DirectoryTree::isWithin(root, path)) continue;
     StoreDescription description{vFilename(m_directory + "/" + name.c_str())};
     if (!StoreFactory::identifyFileFormat(description, nullptr)) {
-      // Offload data files and SEG-D records are known by their extension
-      // alone: the factory takes it as the format tag when it opens them.
+      // Offload data files, SEG-D records and FDM volumes are known by their
+      // extension alone: the factory takes it as the format tag when it opens
+      // them.
       vLCString const extension(vFilename(name.c_str()).getExtension());
+      bool const fdm = extension == vLCString("fdm");
       bool const byExtension = extension == vLCString("offload") || extension == vLCString("segd") ||
-                               extension == vLCString("sgd") || extension == vLCString("dsegd");
+                               extension == vLCString("sgd") || extension == vLCString("dsegd") || fdm;
       if (!byExtension ||
           StoreFactory::getMakers(StoreFactory::getFileStoreClass(extension)).openFile == nullptr)
         continue;
       description.setFileFormat(extension);
-      description.setStoreClass("seismic");
+      description.setStoreClass(fdm ? "velocity" : "seismic");
     }
     // A shapefile is one store, served by its .shp; its .shx and .dbf are
     // parts of it.

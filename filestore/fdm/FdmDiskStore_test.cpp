@@ -1,0 +1,194 @@
+// The FDM header, reader and store over files of the Python fixture in both
+// byte orders.
+
+#include "filestore/fdm/FdmDiskStore.h"
+
+#include <gtest/gtest.h>
+
+#include "filestore/fdm/FdmTesting.h"
+#include "syslayer/FSTesting.h"
+
+using fdm_testing::value;
+
+namespace {
+
+char const* const kOrders[] = {"<", ">"};
+
+StoreDescription described(std::string const& path, char const* format, char const* spec) {
+  StoreDescription d{vFilename(path.c_str())};
+  d.setFileFormat(format);
+  d.setFormatSpec(spec);
+  return d;
+}
+
+}  // namespace
+
+TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeader) {
+  fs_testing::TempDir dir;
+  for (char const* order : kOrders) {
+    SCOPED_TRACE(order);
+    std::string const path = dir / "v.fdm";
+    fdm_testing::writeFixture(path, order);
+    FdmDiskReader reader;
+    vFilename file(path.c_str());
+    reader.setFile(file);
+    FdmBinaryHeader const& h = reader.getHeader();
+    ASSERT_TRUE(h.isValidHeader());
+    EXPECT_EQ(order[0] == '>', h.wasEndianChanged());
+    EXPECT_EQ(500.0f, h.getSpatialCrosslineOrigin());
+    EXPECT_EQ(4, h.getNCrossline());
+    EXPECT_EQ(25.0f, h.getSpatialCrosslineIncrement());
+    EXPECT_EQ(1000.0f, h.getSpatialInlineOrigin());
+    EXPECT_EQ(3, h.getNInline());
+    EXPECT_EQ(12.5f, h.getSpatialInlineIncrement());
+    EXPECT_EQ(5, h.getNZ());
+    EXPECT_EQ(4.0f, h.getSpatialZIncrement());
+    EXPECT_EQ(100, h.getMinCrossline());
+    EXPECT_EQ(20, h.getMinInline());
+    EXPECT_EQ(2, h.getCrosslineIncrement());
+    EXPECT_EQ(1, h.getInlineIncrement());
+    EXPECT_TRUE(h.hasExtendedHeader());
+    EXPECT_EQ(2, h.getVersion());
+    EXPECT_EQ(0, h.getAngleUnits());
+    EXPECT_EQ(30.0f, h.getRotation());
+    // Sections come out in this machine's order: X [y][z], Z [y][x].
+    std::vector<float> x(15), z(12);
+    reader.readXSection(2, reinterpret_cast<char*>(x.data()));
+    reader.readZSection(4, reinterpret_cast<char*>(z.data()));
+    EXPECT_EQ(value(2, 1, 3), x[1 * 5 + 3]);
+    EXPECT_EQ(value(3, 2, 4), z[2 * 4 + 3]);
+  }
+}
+
+TEST(FdmBinaryHeader, AFractionalCountOrNoMarkInEitherOrder) {
+  fs_testing::TempDir dir;
+  for (char const* order : kOrders) {
+    SCOPED_TRACE(order);
+    std::string const path = dir / "v.fdm";
+    fdm_testing::writeFixture(path, order, "--ncrossline 1.5");
+    FdmDiskReader reader;
+    vFilename file(path.c_str());
+    reader.setFile(file);
+    FdmBinaryHeader const& bad = reader.getHeader();
+    EXPECT_FALSE(bad.isValidHeader());
+    EXPECT_FALSE(reader.isValid());
+    EXPECT_EQ(0, bad.getNInline());
+    EXPECT_EQ(0.0f, bad.getSpatialCrosslineOrigin());
+    EXPECT_EQ(-1, bad.getVersion());
+    fs_testing::expectFailure([&] { FdmDiskStore().open(vFilename(path.c_str())); }, "FdmDiskStore::open",
+                              "The file '" + path + "' is not an FDM file: its header is invalid.");
+    fdm_testing::writeFixture(path, order, "--plain");
+    reader.setFile(file);
+    EXPECT_TRUE(reader.getHeader().isValidHeader());
+    EXPECT_EQ(-1, reader.getHeader().getVersion());
+    EXPECT_EQ(-1, reader.getHeader().getDistanceUnits());
+  }
+  FdmBinaryHeader const shortHeader("VFDM", 4);
+  EXPECT_FALSE(shortHeader.isValidHeader());
+}
+
+// A volume linear in each index is reproduced exactly by bilinear loading
+// anywhere inside it, and by the linear loads onto an axis.
+TEST(FdmDiskReader, InterpolatedLoadsOfALinearVolume) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "v.fdm";
+  fdm_testing::writeFixture(path, ">");
+  FdmDiskReader reader;
+  vFilename file(path.c_str());
+  reader.setFile(file);
+  float trace[3];
+  // Crossline index 1.5, inline index 0.4, from Z index 1.25.
+  reader.biLinearLoadOntoY(500.0f + 1.5f * 25.0f, 1000.0f + 0.4f * 12.5f, 5.0f, 3, trace);
+  for (int k = 0; k < 3; ++k) EXPECT_NEAR(1000.0f + 40.0f + 15.0f + 1.25f + k, trace[k], 1e-3) << k;
+  float const* lower = nullptr;
+  float const* upper = nullptr;
+  EXPECT_FLOAT_EQ(0.5f, reader.loadEitherSideOfZ(10.0f, lower, upper));
+  EXPECT_EQ(value(1, 2, 2), lower[2 * 4 + 1]);
+  EXPECT_EQ(value(1, 2, 3), upper[2 * 4 + 1]);
+  EXPECT_FLOAT_EQ(value(3, 1, 0) + 0.5f, reader.loadOntoZ(2.0f)[1 * 4 + 3]);
+  EXPECT_EQ(value(3, 0, 4), reader.loadNearestToX(600.0f)[4]);
+  // Off the volume: the edge.
+  EXPECT_EQ(value(0, 2, 0), reader.loadNearestToY(5000.0f)[0]);
+  reader.setYOrigin(0.0f);
+  reader.setYIncrement(1.0f);
+  EXPECT_EQ(value(0, 1, 0), reader.loadOntoY(1.0f)[0]);
+}
+
+TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "vel.fdm";
+  struct Case {
+    char const* format;
+    char const* spec;
+    char const* attribute;
+    char const* subClass;
+    bool interpolating;
+  };
+  for (char const* order : kOrders)
+    for (Case const& c : {Case{"fdm", "gridded_time_rms/intrp/3", "VELTRACE.RMS", "gridded_time_rms", true},
+                          Case{"fdm", "time_interval/asis", "VELTRACE.INTERVAL", "time_interval", false},
+                          Case{"fdm", "gridded_time_foc/intrp/x", "VELTRACE.FOCONSTANTS", "gridded_time_foc", false},
+                          Case{"", "gridded_time_rms/intrp/2", "VELTRACE.DEFAULT", "gridded_time_rms", true},
+                          Case{"fdm", "", "VELTRACE.DEFAULT", "gridded_default", false}}) {
+      SCOPED_TRACE(std::string(order) + c.spec);
+      fdm_testing::writeFixture(path, order);
+      FdmDiskStore store;
+      store.open(described(path, c.format, c.spec));
+      EXPECT_EQ(c.interpolating, store.isInterpolating());
+      EXPECT_EQ(vLCString(c.subClass), store.getSubClass());
+      EXPECT_EQ(vLCString("vel"), store.getName());
+      ASSERT_EQ(12u, store.getNInstances());
+      KeyList const keys = store.getKeyList();
+      ASSERT_EQ(2u, keys.getNKeys());
+      EXPECT_EQ(vUCString("CROSSLINE"), keys.begin()->getName());
+      Attribute trace(c.attribute, "", vFLOAT32);
+      store.read(trace, 1, 12);
+      Attribute crossline("CROSSLINE", "", vINT32), inlines("INLINE", "", vFLOAT64);
+      store.read(crossline, std::vector<unsigned int>{7, 2});
+      store.read(inlines, 5, 0);
+      EXPECT_EQ(104, crossline.getInt32(1));
+      EXPECT_EQ(102, crossline.getInt32(2));
+      EXPECT_EQ(21.0, inlines.getFloat64(1));
+      EXPECT_EQ(22.0, inlines.getFloat64(8));
+      ASSERT_EQ(5, trace.getLength());
+      EXPECT_EQ(4.0, trace.getSampleRate());
+      for (unsigned int i = 1; i <= 12; ++i)
+        for (int z = 0; z < 5; ++z)
+          ASSERT_FLOAT_EQ(value((i - 1) % 4, (i - 1) / 4, z), trace.getFloat32Pointer(i)[z]) << i << " " << z;
+      // Groups through the indexing table.
+      Attribute unique("INLINE", "", vINT32);
+      store.getUnique(unique, vUtlSort::SortOrder::ASCENDING);
+      ASSERT_EQ(3u, unique.getNInstances());
+      EXPECT_EQ(22, unique.getInt32(3));
+    }
+}
+
+TEST(FdmDiskStore, Failures) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "vel.fdm";
+  fdm_testing::writeFixture(path, "<");
+  FdmDiskStore store;
+  Attribute trace("VELTRACE.DEFAULT", "", vFLOAT32);
+  fs_testing::expectFailure([&] { store.read(trace, 1, 1); }, "FdmDiskStore::read",
+                            "Fdm Disk File has not been opened yet!");
+  StoreDescription notFlat;
+  fs_testing::expectFailure([&] { store.open(notFlat); }, "FdmDiskStore::open(StoreDescription)",
+                            "StoreDescription must contain a flat file.");
+  store.open(vFilename(path.c_str()));
+  fs_testing::expectFailure([&] { store.read(trace, 3, 13); }, "FdmDiskStore::read",
+                            "Instance range 3, 13 is incorrect, NInstances is 12");
+  fs_testing::expectFailure([&] { store.read(trace, std::vector<unsigned int>{2, 13}); }, "FdmDiskStore::read",
+                            "Instance 13 is beyond end of Store, which has 12 instances.");
+  fs_testing::expectFailure([&] { store.read(trace, std::vector<unsigned int>{}); }, "FdmDiskStore::read",
+                            "List is empty - nothing to do");
+  Attribute rms("VELTRACE.RMS", "", vFLOAT32);
+  fs_testing::expectFailure([&] { store.read(rms, 1, 1); }, "FdmDiskStore::read",
+                            "Reading of attribute name <VELTRACE.RMS> is not supported by FdmDiskStore");
+  store.openAttributeSet("vel");
+  fs_testing::expectFailure([&] { store.openAttributeSet("other"); }, "FdmDiskStore::openAttributeSet",
+                            "Invalid attribute set name 'other', only blank or 'vel' acceptable!");
+  store.close();
+  fdm_testing::writeFixture(path, ">", "--cut 700");
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "FdmDiskStore::open",
+                            "The FDM file '" + path + "' holds 700 bytes, fewer than the 752 its header needs.");
+}

@@ -1,0 +1,120 @@
+// Index files of "dat" files (made, taken, and ignored when wrong), and the
+// store on broken disks through the file service's test faults.
+
+#include <gtest/gtest.h>
+
+#include "filestore/nyx/NyxDiskStore.h"
+#include "filestore/nyx/NyxTesting.h"
+#include "foundation/UtlExcept.h"
+#include "syslayer/FSTesting.h"
+
+using namespace nyx_testing;
+
+namespace {
+
+int cmpOf(NyxDiskStore const& store, unsigned int i) {
+  Attribute a("CMP", "", vINT32);
+  store.read(a, std::vector<unsigned int>{i});
+  return a.getInt32(1);
+}
+
+std::string word(uint32_t v) {
+  return std::string{static_cast<char>(v), static_cast<char>(v >> 8), static_cast<char>(v >> 16),
+                     static_cast<char>(v >> 24)};
+}
+
+}  // namespace
+
+TEST(NyxIndex, MadeTakenAndAWrongOneIgnoredWithAMessage) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "line.dat", index = dir / "line.idx";
+  writeFixture("dat", path, ">", 5);
+  NyxDiskStore store;
+  store.open(vFilename(path.c_str()));
+  EXPECT_FALSE(store.hasIndexFile());
+  store.generateIndexFile();
+  EXPECT_TRUE(NyxDiskStore::hasIndexFile(vFilename(path.c_str())));
+  EXPECT_TRUE(store.isUsingIndex());
+  store.close();
+  // Version 1, 276-byte records, 12 instances; trace 7 (the first of the
+  // second trace block) lies after the prologue, history, comment block,
+  // first block (with its 8 additional bytes) and second block header.
+  std::string const made = fs_testing::readFile(index);
+  ASSERT_EQ(16u + 12 * 8, made.size());
+  EXPECT_EQ(word(1) + word(276) + word(12) + word(0), made.substr(0, 16));
+  EXPECT_EQ(word(228 + 20 + 32 + 32 + 6 * 276 + 24) + word(0), made.substr(16 + 6 * 8, 8));
+  store.open(vFilename(path.c_str()));
+  EXPECT_TRUE(store.isUsingIndex());
+  EXPECT_EQ(cmp(7), cmpOf(store, 7));
+  store.close();
+
+  struct Case {
+    std::string bytes;
+    std::string message;
+  } const cases[] = {
+      {word(2) + made.substr(4), "Index file '" + index + "' is not the correct version, we only support version 1, not 2!"},
+      {word(1) + word(280) + made.substr(8),
+       "Index file '" + index + "' does not contain the right record length, expected 276 found 280!"},
+      {made.substr(0, 8) + word(11) + made.substr(12, 4 + 11 * 8),
+       "Index file '" + index + "' does not contain the right number of instances, expected 12 found 11!"}};
+  for (Case const& c : cases) {
+    fs_testing::writeFile(index, c.bytes);
+    ::testing::internal::CaptureStderr();
+    store.open(vFilename(path.c_str()));
+    std::string const said = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(std::string::npos, said.find(c.message)) << said;
+    EXPECT_FALSE(store.isUsingIndex());
+    EXPECT_EQ(cmp(12), cmpOf(store, 12));
+    store.close();
+  }
+}
+
+TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
+  fs_testing::TempDir dir;
+  for (char const* name : {"f.cst", "f.dat"}) {
+    std::string const path = dir / name;
+    writeFixture(name + 2, path, "<", 3);
+    NyxDiskStore store;
+    {
+      fs_testing::Fault shortReads(path, FS_FAULT_SHORTREAD, 7);
+      store.open(vFilename(path.c_str()));
+      Attribute trace("TRACE", "", vFLOAT32);
+      store.read(trace, 2, 11);
+      EXPECT_EQ(sample(3, 11, 4), trace.getFloat32Pointer(10)[4]) << name;
+    }
+    // Nothing from byte 2000 on: trace 8 of the cst file (1932 to 2207) and
+    // trace 7 of the dat file (1992 to 2267) cannot be read.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 2000);
+    unsigned int const broken = name[2] == 'c' ? 8 : 7;
+    try {
+      cmpOf(store, broken);
+      ADD_FAILURE() << "no failure";
+    } catch (UtlExcept const& e) {
+      std::string const expected = "Failed to read 276 bytes from the file '" + path + "' for instance " +
+                                   std::to_string(broken) + ", got ";
+      EXPECT_EQ(expected, std::string(e.getReason().c_str()).substr(0, expected.size())) << e.getReason().c_str();
+    }
+    EXPECT_EQ(cmp(5), cmpOf(store, 5));
+  }
+}
+
+// The site's settings: an index made on opening, a blocking factor.
+TEST(NyxIndex, SettingsOfTheSite) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "auto.dat";
+  writeFixture("dat", path, "<", 5);
+  ::setenv("SP_NYX_AUTOGENERATEINDEX", "true", 1);
+  ::setenv("SP_NYX_BLOCKINGFACTOR", "4", 1);
+  NyxDiskStore store;
+  store.open(vFilename(path.c_str()));
+  EXPECT_TRUE(store.isUsingIndex());
+  EXPECT_TRUE(NyxDiskStore::hasIndexFile(vFilename(path.c_str())));
+  EXPECT_EQ(4 * 276, store.getRecord().physicalRecLenB);
+  store.close();
+  ::setenv("SP_NYX_BLOCKINGFACTOR", "0", 1);
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
+                            "Failed to set the blocking factor to 0 for '" + path + "' ... status 0!");
+  EXPECT_FALSE(store.isOpen());
+  ::unsetenv("SP_NYX_AUTOGENERATEINDEX");
+  ::unsetenv("SP_NYX_BLOCKINGFACTOR");
+}
