@@ -357,8 +357,8 @@ PY
     {
       echo "RondoOpenConnection(SeisServer) = true"
       echo "RondoOpenProject(SeisServer, survey) = true"
-      echo "RondoGetContents(survey, -) [line1, line2] = true"
-      echo "RondoGetContents(survey, seismic) [line1, line2] = true"
+      echo "RondoGetContents(survey, -) [gathers2d, line1, line2, near, velocity] = true"
+      echo "RondoGetContents(survey, seismic) [gathers2d, line1, line2, near] = true"
       echo "RondoGetContents(survey, horizon) [] = true"
       printf '%s\n' "${want[@]}"
     } >"$work/expected"

@@ -188,17 +188,19 @@ TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {
 
 TEST_F(FactoriesTest, FileFormatsWhoseStoreIsNotLinkedInAreNotHandled) {
   TestReleaseTree tree;
-  int unhandled = 0;
+  // Every format's store is linked in now; take each out in turn, as a
+  // build without it would have it.
   for (char const* tag : {"segy", "segd", "ascii", "shapefile", "fdm", "offload", "nyx"}) {
-    if (StoreFactory::getMakers(StoreFactory::getFileStoreClass(tag)).openFile != nullptr) continue;
-    ++unhandled;
+    vString const storeClass = StoreFactory::getFileStoreClass(tag);
+    StoreFactory::Makers const linked = StoreFactory::registerMakers(storeClass, StoreFactory::Makers{});
+    EXPECT_NE(nullptr, linked.openFile) << tag;
     std::string const file = tree.writeWorkFile(std::string("data.") + tag, "data");
     StoreDescription d(vFilename(vString(file.c_str())));
     d.setFileFormat(tag);
     expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, "StoreFactory::openStore",
                 "The file '" + file + "' is of a type '" + tag + "' which we cannot handle yet!");
+    StoreFactory::registerMakers(storeClass, linked);
   }
-  EXPECT_GT(unhandled, 0);
 }
 
 // SEG-Y files reach the SEG-Y store by every tag.
