@@ -386,3 +386,40 @@ TEST_F(KvsHousekeeping, LargeColumnsBothWaysAndCutShort) {
   EXPECT_STREQ(list[0], "proj");
   std::free(list);
 }
+
+// Sending cleans: a table without keys keeps its empty rows between
+// others (its rows are known by position) and loses those at its end; a
+// table keyed by text loses its empty rows wherever they are.
+TEST_F(KvsHousekeeping, SendCleansByKeys) {
+  init();
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "C", 0L);
+  KvsObject notes = KvsCreate(ds, KvsNname, "NOTES", 0L);
+  std::vector<int> shot(1030);
+  for (int i = 0; i < 1030; ++i) shot[i] = i;
+  for (int i : {1, 1025, 1026, 1027, 1028, 1029}) std::memcpy(&shot[i], kvsNull, 4);
+  KvsCreate(notes, KvsNname, "SHOT", KvsNdata, shot.data(), 0L);
+  ASSERT_EQ(KvsWrite(notes, 1030), 1030);
+  KvsObject named = KvsCreate(ds, KvsNname, "NAMED", 0L);
+  char names[3][8] = {"a", "", "c"};
+  float x[3] = {1, 0, 3};
+  std::memcpy(&x[1], kvsNull, 4);
+  KvsObject nn = KvsCreate(named, KvsNname, "NAME", KvsNdata, names, 0L);
+  KvsCreate(named, KvsNname, "X", KvsNdata, x, 0L);
+  ASSERT_EQ(KvsWrite(named, 3), 3);
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  EXPECT_EQ(rows(notes), 1025);
+  EXPECT_EQ(rows(named), 2);
+  ASSERT_EQ(KvsClose(ds), 0);
+  ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "C", 0L);
+  ASSERT_NE(ds, nullptr) << KvsErrorString();
+  std::vector<int> back = ints(KvsFind(KvsFind(ds, "NOTES"), "SHOT"));
+  shot.resize(1025);
+  EXPECT_EQ(back, shot);
+  nn = KvsFind(KvsFind(ds, "NAMED"), "NAME");
+  ASSERT_EQ(rows(nn), 2);
+  char got[2][8] = {};
+  KvsSet(nn, KvsNdata, got, 0L);
+  ASSERT_EQ(KvsRead(nn, 2), 2);
+  EXPECT_STREQ(got[0], "a");
+  EXPECT_STREQ(got[1], "c");
+}

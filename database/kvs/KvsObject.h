@@ -147,6 +147,10 @@ long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n);
 int KvsArrayMinMax(KvsArrayRec* a);
 bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
 std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t);
+// The clean step of a send. A table with keys loses every empty row; a
+// table without keys is known by row position alone, so only its empty
+// rows at the end go and no later row moves up into an emptied place.
+int KvsSendClean(KvsTableRec* t);
 // Spool files are kept at destruction while a batch phase saves its tree.
 extern bool kvsKeepSpool;
 // Spool files of destroyed tables are kept, a few at a time, for the next

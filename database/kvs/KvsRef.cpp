@@ -48,14 +48,26 @@ std::vector<KvsArg> args(va_list ap, Texts& texts) {
 
 KvsObject at(KvsObject* o) { return o ? *o : nullptr; }
 
+void padTo(const char* text, char* out, int len) {
+  if (out && len > 0) {
+    std::memset(out, ' ', static_cast<std::size_t>(len));
+    if (text) std::memcpy(out, text, std::min(std::strlen(text), static_cast<std::size_t>(len)));
+  }
+}
+
 // A text out to a blank-padded buffer of length kvsStrLen[0]; the code of
 // the call, 0 when there was a text.
 int pad(const char* text, char* out) {
-  if (out && kvsStrLen[0] > 0) {
-    std::memset(out, ' ', static_cast<std::size_t>(kvsStrLen[0]));
-    if (text) std::memcpy(out, text, std::min(std::strlen(text), static_cast<std::size_t>(kvsStrLen[0])));
-  }
+  padTo(text, out, kvsStrLen[0]);
   return text ? 0 : kvsErrorNo;
+}
+
+long val(const long* p) { return p ? *p : 0; }
+
+// A dictionary name out: 0, or KvsErrDict for an unknown code.
+int named(const char* text, char* out) {
+  padTo(text, out, kvsStrLen[0]);
+  return text ? 0 : KvsErrDict;
 }
 
 }  // namespace
@@ -172,4 +184,66 @@ long kvsdtatt_(const char* name) { return KvsDtAtt(cut(name, kvsStrLen[0]).c_str
 long kvsdttyp_(const char* name) { return KvsDtTyp(cut(name, kvsStrLen[0]).c_str()); }
 long kvsdttab_(const char* name) { return KvsDtTab(cut(name, kvsStrLen[0]).c_str()); }
 long kvsdtdom_(const char* name) { return KvsDtDom(cut(name, kvsStrLen[0]).c_str()); }
+
+int kvsdtattname_(long* c, char* out) { return named(KvsDtAttName(val(c)), out); }
+int kvsdttypname_(long* c, char* out) { return named(KvsDtTypName(val(c)), out); }
+int kvsdttabname_(long* c, char* out) { return named(KvsDtTabName(val(c)), out); }
+int kvsdtdomname_(long* c, char* out) { return named(KvsDtDomName(val(c)), out); }
+int kvsdtfmtname_(long* c, char* out) { return named(KvsDtFmtName(val(c)), out); }
+int kvsdtfamname_(long* c, char* out) { return named(KvsDtFamName(val(c)), out); }
+int kvsdtdimname_(long* c, char* out) { return named(KvsDtDimName(val(c)), out); }
+int kvsdtparname_(long* c, char* out) { return named(KvsDtParName(val(c)), out); }
+int kvsdtattasciifmt_(long* a, char* out) { return named(KvsDtAttAsciiFmt(val(a)), out); }
+int kvsdtisatt_(const char* name) { return KvsDtIsAtt(cut(name, kvsStrLen[0]).c_str()); }
+int kvsdtistyp_(const char* name) { return KvsDtIsTyp(cut(name, kvsStrLen[0]).c_str()); }
+int kvsdtistab_(const char* name) { return KvsDtIsTab(cut(name, kvsStrLen[0]).c_str()); }
+int kvsdtisdom_(const char* name) { return KvsDtIsDom(cut(name, kvsStrLen[0]).c_str()); }
+int kvsdtissubclass_(long* tab, long* sup) { return KvsDtIsSubClass(val(tab), val(sup)); }
+int kvsdtiskey_(long* tab, long* att) { return KvsDtIsKey(val(tab), val(att)); }
+int kvsdtismember_(long* tab, long* att) { return KvsDtIsMember(val(tab), val(att)); }
+long kvsdtkeys2dom_(long* k1, long* k2) { return KvsDtKeys2Dom(val(k1), val(k2)); }
+long kvsdtkey1_(long* tab) { return KvsDtKey1(val(tab)); }
+long kvsdtkey2_(long* tab) { return KvsDtKey2(val(tab)); }
+long kvsdtnbkeys_(long* tab) { return KvsDtNbKeys(val(tab)); }
+long kvsdtattfam_(long* att) { return KvsDtAttFam(val(att)); }
+long kvsdtattfmt_(long* att) { return KvsDtAttFmt(val(att)); }
+long kvsdtattdim_(long* att) { return KvsDtAttDim(val(att)); }
+long kvsdtattsup_(long* att) { return KvsDtAttSup(val(att)); }
+int kvsconvert_(const void* in, unsigned int* from, void* out, unsigned int* to, long* n) {
+  return KvsConvert(in, from ? *from : 0, out, to ? *to : 0, val(n));
+}
+void* kvsalloc_(long* n, const char* object) {
+  return KvsAlloc(static_cast<std::size_t>(std::max(0L, val(n))), cut(object, kvsStrLen[0]).c_str());
+}
+void* kvsrealloc_(void** p, long* n, const char* object) {
+  return KvsRealloc(p ? *p : nullptr, static_cast<std::size_t>(std::max(0L, val(n))),
+                    cut(object, kvsStrLen[0]).c_str());
+}
+void kvsfree_(void** p) {
+  if (!p) return;
+  KvsFree(*p);
+  *p = nullptr;
+}
+int kvsfindproject_(const char* name, char* out) {
+  std::string project;
+  int rc = KvsFindProject(cut(name, kvsStrLen[0]).c_str(), project);
+  padTo(project.c_str(), out, kvsStrLen[1]);
+  return rc;
+}
+int kvsextractsiteserver_(const char* name, char* site, char* server) {
+  std::string si, se;
+  int rc = KvsExtractSiteServer(cut(name, kvsStrLen[0]).c_str(), si, se);
+  padTo(si.c_str(), site, kvsStrLen[1]);
+  padTo(se.c_str(), server, kvsStrLen[2]);
+  return rc;
+}
+int kvslistprojectsite_(const char* site, const char* pattern, int* n, char*** list) {
+  std::string si = cut(site, kvsStrLen[0]);
+  return KvsListProjectSite(si.empty() ? nullptr : si.c_str(), cut(pattern, kvsStrLen[1]).c_str(), n, list);
+}
+int kvsbasegetinfo_(const char* project, const char* site, const char* server, KvsBaseInfo** info) {
+  std::string si = cut(site, kvsStrLen[1]), se = cut(server, kvsStrLen[2]);
+  return KvsBaseGetInfo(cut(project, kvsStrLen[0]).c_str(), si.empty() ? nullptr : si.c_str(),
+                        se.empty() ? nullptr : se.c_str(), info);
+}
 }

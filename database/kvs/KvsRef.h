@@ -67,4 +67,40 @@ long kvsdtatt_(const char* name);
 long kvsdttyp_(const char* name);
 long kvsdttab_(const char* name);
 long kvsdtdom_(const char* name);
+// The reverse look-ups put the name blank-padded into out of length
+// kvsStrLen[0] and give 0, or KvsErrDict for an unknown code.
+int kvsdtattname_(long* code, char* out);
+int kvsdttypname_(long* code, char* out);
+int kvsdttabname_(long* code, char* out);
+int kvsdtdomname_(long* code, char* out);
+int kvsdtfmtname_(long* code, char* out);
+int kvsdtfamname_(long* code, char* out);
+int kvsdtdimname_(long* code, char* out);
+int kvsdtparname_(long* code, char* out);
+int kvsdtattasciifmt_(long* att, char* out);
+int kvsdtisatt_(const char* name);
+int kvsdtistyp_(const char* name);
+int kvsdtistab_(const char* name);
+int kvsdtisdom_(const char* name);
+int kvsdtissubclass_(long* tab, long* sup);
+int kvsdtiskey_(long* tab, long* att);
+int kvsdtismember_(long* tab, long* att);
+long kvsdtkeys2dom_(long* key1, long* key2);
+long kvsdtkey1_(long* tab);
+long kvsdtkey2_(long* tab);
+long kvsdtnbkeys_(long* tab);
+long kvsdtattfam_(long* att);
+long kvsdtattfmt_(long* att);
+long kvsdtattdim_(long* att);
+long kvsdtattsup_(long* att);
+int kvsconvert_(const void* in, unsigned int* fromFmt, void* out, unsigned int* toFmt, long* n);
+void* kvsalloc_(long* n, const char* object);
+void* kvsrealloc_(void** p, long* n, const char* object);
+void kvsfree_(void** p);
+// Texts out (project, site, server) blank-padded into buffers whose
+// lengths follow the input text's in kvsStrLen.
+int kvsfindproject_(const char* name, char* out);
+int kvsextractsiteserver_(const char* name, char* site, char* server);
+int kvslistprojectsite_(const char* site, const char* pattern, int* n, char*** list);
+int kvsbasegetinfo_(const char* project, const char* site, const char* server, kvs::KvsBaseInfo** info);
 }

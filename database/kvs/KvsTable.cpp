@@ -449,6 +449,7 @@ int KvsTableSend(KvsTableRec* t, char command) {
   if (!d || !s) return _KvsLog(KvsErrClass, "%%E %s : argument object should be %s KvsObject class", "KvsReplace", "Table");
   if (int rc = KvsVerifyKeys(t)) return rc;
   if (int rc = sortByKeys(t)) return rc;
+  if (int rc = KvsSendClean(t)) return rc;
   std::vector<KvsArrayRec*> arrays = arraysOf(t);
   KvsMsgInit(s, command);
   KvsMsg& m = s->msg;

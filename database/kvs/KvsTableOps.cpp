@@ -153,6 +153,54 @@ int KvsClean(KvsObject o) {
   return 0;
 }
 
+// The empty rows at the end leave the table; pages left without rows go,
+// the first one staying.
+static int trimTable(KvsTableRec* t) {
+  std::vector<KvsArrayRec*> arrays = KvsArraysOf(t);
+  if (arrays.empty() || !t->pages) return 0;
+  std::vector<unsigned char> block;
+  long end = t->rows;
+  bool found = false;
+  while (end > 0 && !found) {
+    long lo = std::max(0L, end - KvsPageRows), last = lo - 1;
+    for (KvsArrayRec* a : arrays) {
+      long have = std::clamp(a->rows - lo, 0L, end - lo);
+      block.resize(static_cast<std::size_t>(have) * a->elem);
+      t->hint = nullptr;
+      if (have && !KvsTableIo(a, lo, block.data(), have, false)) return readFail(t);
+      for (long i = have; i-- > 0 && lo + i > last;)
+        if (!empty(a, &block[static_cast<std::size_t>(i) * a->elem])) last = lo + i;
+    }
+    found = last >= lo;
+    end = found ? last + 1 : lo;
+  }
+  if (end == t->rows) return 0;
+  t->rows = end;
+  for (KvsArrayRec* a : arrays) {
+    a->rows = std::min(a->rows, end);
+    a->pos = std::min(a->pos, end);
+  }
+  std::vector<KvsPage*> emptied;
+  for (KvsPage* pg = t->pages; pg; pg = pg->next) {
+    pg->used = std::clamp(end - pg->first, 0L, pg->used);
+    if (!pg->used) emptied.push_back(pg);
+  }
+  for (KvsPage* pg : emptied)
+    if (pg->prev || pg->next) t->pages = KvsPageRemove(pg);
+  KvsPageRestore(t->pages);
+  t->hint = nullptr;
+  return 0;
+}
+
+int KvsSendClean(KvsTableRec* t) {
+  bool keyed = false, textKey = false;
+  for (KvsArrayRec* a : KvsArraysOf(t))
+    if (a->key == 1 || a->key == 2) keyed = true, textKey = textKey || !a->fmt;
+  if (!keyed || t->type == "SPR") return trimTable(t);
+  // Numeric keys were checked free of nulls just before: no row is empty.
+  return textKey ? cleanTable(t) : 0;
+}
+
 int KvsCompactTable(KvsObject o) {
   KvsTableRec* t = tableArg(o, "KvsCompactTable");
   if (!t) return KvsErrClass;

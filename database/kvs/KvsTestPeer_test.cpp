@@ -46,7 +46,7 @@ KvsScratch::KvsScratch() {
   std::vector<KvsDtElement> d[4] = {
       {{"SHOT", 1, KvsFmtINT, 4}, {"X", 2, KvsFmtFLT, 4}, {"Z", 3, KvsFmtDBL, 8}, {"NAME", 4, 0, 8}},
       {{"SEIS", 1}},
-      {{"SHOTS", 1, 1, 1}, {"RCVS", 2, 2, 0}},
+      {{"SHOTS", 1, 1, 1}, {"RCVS", 2, 2, 0}, {"NOTES", 3, 2, 0}, {"NAMED", 4, 1, 4}},
       {{"SHOT", 1, 1}, {"RCV", 2}}};
   std::vector<unsigned char> bytes = KvsDtBuild(d);
   std::ofstream(root + "/data/KvsDict.bin", std::ios::binary)
