@@ -52,6 +52,7 @@ std::string unhex(const std::string& s) {
 }
 
 void dumpTable(std::ostream& out, KvsTableRec* t) {
+  KvsTableFlush(t);
   if (t->fd >= 0) ::close(t->fd);
   t->fd = -1;
   out << "T " << hex(t->name) << ' ' << hex(t->type) << ' ' << hex(t->domain) << ' ' << hex(t->spool) << ' '

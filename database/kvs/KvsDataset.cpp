@@ -91,9 +91,10 @@ int KvsSelect(KvsObject o) {
 int KvsClose(KvsObject o) {
   if (KvsIsA(o, kvsTableClass)) {
     auto* t = static_cast<KvsTableRec*>(o);
+    int rc = KvsTableFlush(t);
     if (t->fd >= 0) ::close(t->fd);
     t->fd = -1;
-    return 0;
+    return rc;
   }
   if (!KvsCheckClass(o, kvsDatasetClass, "KvsClose")) return KvsErrClass;
   KvsDestroy(o);

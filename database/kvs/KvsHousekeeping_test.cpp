@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -422,4 +423,40 @@ TEST_F(KvsHousekeeping, SendCleansByKeys) {
   ASSERT_EQ(KvsRead(nn, 2), 2);
   EXPECT_STREQ(got[0], "a");
   EXPECT_STREQ(got[1], "c");
+}
+
+// Rows written one at a time wait in the column's buffer until a page of
+// them is full, or KvsFlush; reads see them either way, and a daemon killed
+// while rows wait loses none of them.
+TEST_F(KvsHousekeeping, WriteBufferFlushAndDaemonKilled) {
+  int port = std::atoi(getenv("KVSPORT"));
+  init();
+  KvsObject ds = KvsOpen(session, KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "B", 0L);
+  KvsObject t = KvsCreate(ds, KvsNname, "SHOTS", 0L);
+  int v = 0;
+  KvsObject a = KvsCreate(t, KvsNname, "SHOT", KvsNdata, &v, 0L);
+  std::vector<int> want;
+  auto put = [&](int n) {
+    for (int i = 0; i < n; ++i, want.push_back(v++)) ASSERT_EQ(KvsWrite(a, 1), 1);
+  };
+  put(1030);
+  EXPECT_EQ(spoolSize(t), 4 * 1024);  // the first page went out when full
+  EXPECT_EQ(rows(t), 1030);
+  EXPECT_EQ(ints(a), want);
+  KvsSet(a, KvsNdata, &v, 0L);
+  put(3);
+  long before = spoolSize(t);
+  ASSERT_EQ(KvsFlush(t), 0);
+  EXPECT_EQ(spoolSize(t), before + 12);
+  EXPECT_EQ(KvsFlush(ds), KvsErrClass);
+  put(5);
+  kvsd.stop(SIGKILL);
+  EXPECT_NE(KvsReplace(ds), 0);
+  EXPECT_EQ(rows(t), 1038);
+  ASSERT_EQ(kvsd.start(port), port);
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  ASSERT_EQ(KvsClose(ds), 0);
+  ds = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "B", 0L);
+  ASSERT_NE(ds, nullptr) << KvsErrorString();
+  EXPECT_EQ(ints(KvsFind(KvsFind(ds, "SHOTS"), "SHOT")), want);
 }

@@ -68,6 +68,7 @@ struct KvsTableRec : KvsObjectRec {
   bool updated = false;
   KvsPage* pages = nullptr;  // where each row sits in the spool file
   KvsPage* hint = nullptr;   // the page last used, where a search starts
+  int buffered = 0;          // columns with rows waiting in their buffers
   KvsTableRec() : KvsObjectRec(&kvsTableClass) {}
   std::size_t rowBytes() const;
 };
@@ -84,6 +85,10 @@ struct KvsArrayRec : KvsObjectRec {
   bool haveMinMax = false;
   bool minMaxStale = false;  // rows came from the server; found again when needed
   double min = 0, max = 0;
+  // The last rows written, not yet in the spool file: rows wfirst to
+  // wfirst + wcount - 1, always the column's last ones.
+  std::vector<unsigned char> wbuf;
+  long wfirst = 0, wcount = 0;
   KvsArrayRec() : KvsObjectRec(&kvsArrayClass) {}
 };
 
@@ -147,6 +152,10 @@ long KvsArrayReadRows(KvsArrayRec* a, unsigned char* rows, long n);
 int KvsArrayMinMax(KvsArrayRec* a);
 bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
 std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t);
+// The buffered rows of a column, or of every column of a table, written to
+// the spool file; on failure they stay in the buffer.
+int KvsArrayFlush(KvsArrayRec* a);
+int KvsTableFlush(KvsTableRec* t);
 // The clean step of a send. A table with keys loses every empty row; a
 // table without keys is known by row position alone, so only its empty
 // rows at the end go and no later row moves up into an emptied place.

@@ -46,7 +46,12 @@ int spool(KvsTableRec* t) {
       for (KvsObject s : root->children)
         for (KvsObject d : s->children)
           for (KvsObject other : d->children)
-            if (other != t && other->cls == &kvsTableClass) KvsClose(other);
+            if (other != t && other->cls == &kvsTableClass && static_cast<KvsTableRec*>(other)->fd >= 0) {
+              // Only the descriptor goes: buffered rows stay and the file
+              // opens again on its next use.
+              ::close(static_cast<KvsTableRec*>(other)->fd);
+              static_cast<KvsTableRec*>(other)->fd = -1;
+            }
     t->fd = ::open(t->spool.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0660);
   }
   return t->fd;
@@ -72,7 +77,32 @@ KvsPage* pageOf(KvsTableRec* t, long row) {
 
 std::vector<KvsArrayRec*> KvsArraysOf(KvsTableRec* t) { return arraysOf(t); }
 
+static bool rawIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write);
+
+// Any access to the file sees every row written: buffers go out first.
 bool KvsTableIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
+  if (tableOf(a)->buffered && KvsTableFlush(tableOf(a))) return false;
+  return rawIo(a, row, p, n, write);
+}
+
+int KvsArrayFlush(KvsArrayRec* a) {
+  if (!a->wcount) return 0;
+  KvsTableRec* t = tableOf(a);
+  if (!rawIo(a, a->wfirst, a->wbuf.data(), a->wcount, true))
+    return _KvsLog(KvsErrGeneral, "%%E Could not write table file %s", t->spool.c_str());
+  a->wcount = 0;
+  t->buffered = std::max(0, t->buffered - 1);
+  return 0;
+}
+
+int KvsTableFlush(KvsTableRec* t) {
+  for (KvsArrayRec* a : arraysOf(t))
+    if (int rc = KvsArrayFlush(a)) return rc;
+  t->buffered = 0;  // also after a column removed with rows in its buffer
+  return 0;
+}
+
+static bool rawIo(KvsArrayRec* a, long row, unsigned char* p, long n, bool write) {
   KvsTableRec* t = tableOf(a);
   int fd = spool(t);
   if (fd < 0) return false;
@@ -254,13 +284,34 @@ long KvsArrayWriteRows(KvsArrayRec* a, const unsigned char* rows, long n) {
     cleanText(a, tmp.data(), n);
   }
   const unsigned char* from = a->fmt ? rows : tmp.data();
-  tableOf(a)->updated = true;
-  if (!io(a, a->rows, const_cast<unsigned char*>(from), n, true)) {
-    return -_KvsLog(KvsErrGeneral, "%%E Could not write table file %s", tableOf(a)->spool.c_str());
+  KvsTableRec* t = tableOf(a);
+  t->updated = true;
+  // Short writes gather in the column's buffer, a page of rows at a time;
+  // a long one with the buffer empty goes to the file as it is.
+  const unsigned char* p = from;
+  for (long left = n; left > 0;) {
+    if (!a->wcount && left >= KvsPageRows) {
+      if (!io(a, a->rows, const_cast<unsigned char*>(p), left, true))
+        return -_KvsLog(KvsErrGeneral, "%%E Could not write table file %s", t->spool.c_str());
+      a->rows += left;
+      break;
+    }
+    if (!a->wcount) {
+      a->wfirst = a->rows;
+      a->wbuf.resize(static_cast<std::size_t>(KvsPageRows) * a->elem);
+      ++t->buffered;
+    }
+    long take = std::min(left, KvsPageRows - a->wcount);
+    std::size_t bytes = static_cast<std::size_t>(take) * a->elem;
+    std::memcpy(&a->wbuf[static_cast<std::size_t>(a->wcount) * a->elem], p, bytes);
+    a->wcount += take;
+    a->rows += take;
+    p += bytes;
+    left -= take;
+    if (a->wcount == KvsPageRows)
+      if (int rc = KvsArrayFlush(a)) return -rc;
   }
   if (!a->minMaxStale) minMax(a, from, n);
-  a->rows += n;
-  KvsTableRec* t = tableOf(a);
   t->rows = std::max(t->rows, a->rows);
   return n;
 }
@@ -439,14 +490,16 @@ int KvsLseek(KvsObject o, long row) {
 }
 
 int KvsFlush(KvsObject o) {
-  if (!KvsIsA(o, kvsArrayClass) && !KvsCheckClass(o, kvsTableClass, "KvsFlush")) return KvsErrClass;
-  return 0;  // rows go to the spool file as they are written
+  if (KvsIsA(o, kvsArrayClass)) return KvsArrayFlush(static_cast<KvsArrayRec*>(o));
+  if (!KvsCheckClass(o, kvsTableClass, "KvsFlush")) return KvsErrClass;
+  return KvsTableFlush(static_cast<KvsTableRec*>(o));
 }
 
 int KvsTableSend(KvsTableRec* t, char command) {
   auto* d = static_cast<KvsDatasetRec*>(t->parent);
   KvsSessionRec* s = KvsSessionOf(t);
   if (!d || !s) return _KvsLog(KvsErrClass, "%%E %s : argument object should be %s KvsObject class", "KvsReplace", "Table");
+  if (int rc = KvsTableFlush(t)) return rc;
   if (int rc = KvsVerifyKeys(t)) return rc;
   if (int rc = sortByKeys(t)) return rc;
   if (int rc = KvsSendClean(t)) return rc;

@@ -39,6 +39,7 @@ int writeFail(KvsTableRec* t) { return _KvsLog(KvsErrGeneral, "%%E Could not wri
 
 // Every column whole, in row order.
 int readAll(KvsTableRec* t, std::vector<std::vector<unsigned char>>& data) {
+  if (int rc = KvsTableFlush(t)) return rc;
   std::vector<KvsArrayRec*> arrays = KvsArraysOf(t);
   data.assign(arrays.size(), {});
   for (std::size_t k = 0; k < arrays.size(); ++k) {
@@ -86,6 +87,7 @@ int KvsReorgTable(KvsObject o) {
 // places in the file, partly used. Pages after the current one still carry
 // their old first rows until the list is set again at the end.
 static int cleanTable(KvsTableRec* t) {
+  if (int rc = KvsTableFlush(t)) return rc;
   std::vector<KvsArrayRec*> arrays = KvsArraysOf(t);
   if (arrays.empty() || !t->pages) return 0;
   std::vector<std::vector<unsigned char>> block(arrays.size());
@@ -156,6 +158,7 @@ int KvsClean(KvsObject o) {
 // The empty rows at the end leave the table; pages left without rows go,
 // the first one staying.
 static int trimTable(KvsTableRec* t) {
+  if (int rc = KvsTableFlush(t)) return rc;
   std::vector<KvsArrayRec*> arrays = KvsArraysOf(t);
   if (arrays.empty() || !t->pages) return 0;
   std::vector<unsigned char> block;

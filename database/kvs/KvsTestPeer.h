@@ -13,7 +13,7 @@ class KvsdProcess {
  public:
   explicit KvsdProcess(std::string dataDir) : dir_(std::move(dataDir)) {}
   ~KvsdProcess() { stop(SIGKILL); }
-  int start();  // the port, or -1
+  int start(int port = 0);  // the port (a free one for 0), or -1
   void stop(int sig);
   void pause() { if (pid_ > 0) ::kill(pid_, SIGSTOP); }
   pid_t pid() const { return pid_; }

@@ -13,7 +13,7 @@
 
 namespace kvs {
 
-int KvsdProcess::start() {
+int KvsdProcess::start(int port) {
   int p[2];
   if (pipe(p) != 0) return -1;
   pid_ = fork();
@@ -21,7 +21,7 @@ int KvsdProcess::start() {
     dup2(p[1], 1);
     close(p[0]);
     std::string bin = std::string(RONDO_TEST_BINARY_DIR) + "/bin/kvsd";
-    execl(bin.c_str(), "kvsd", "-d", dir_.c_str(), "-p", "0", static_cast<char*>(nullptr));
+    execl(bin.c_str(), "kvsd", "-d", dir_.c_str(), "-p", std::to_string(port).c_str(), static_cast<char*>(nullptr));
     _exit(127);
   }
   close(p[1]);

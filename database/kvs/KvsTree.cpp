@@ -108,6 +108,7 @@ void KvsDestroy(KvsObject o) {
     delete static_cast<KvsDatasetRec*>(o);
   } else if (o->cls == &kvsTableClass) {
     auto* t = static_cast<KvsTableRec*>(o);
+    if (kvsKeepSpool) KvsTableFlush(t);  // the next phase reads the file
     if (t->fd >= 0) ::close(t->fd);
     if (!t->spool.empty() && !kvsKeepSpool) KvsSpoolRelease(t->spool);
     KvsPageFree(t->pages);
