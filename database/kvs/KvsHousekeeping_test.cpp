@@ -423,6 +423,20 @@ TEST_F(KvsHousekeeping, SendCleansByKeys) {
   ASSERT_EQ(KvsRead(nn, 2), 2);
   EXPECT_STREQ(got[0], "a");
   EXPECT_STREQ(got[1], "c");
+  // The server's records through the by-reference forms.
+  KvsBaseInfo* info = nullptr;
+  kvsStrLen[0] = 6, kvsStrLen[1] = 0, kvsStrLen[2] = 0;
+  ASSERT_EQ(kvsbasegetinfo_("proj  ", nullptr, nullptr, &info), 0);
+  ASSERT_EQ(info->count, 1);
+  EXPECT_EQ(std::string(info->datasets[0].type) + info->datasets[0].ident, "SEISC");
+  std::free(info);
+  int n = 0;
+  char** list = nullptr;
+  kvsStrLen[0] = 0, kvsStrLen[1] = 4;
+  ASSERT_EQ(kvslistprojectsite_(nullptr, "pr* ", &n, &list), 0);
+  ASSERT_EQ(n, 1);
+  EXPECT_STREQ(list[0], "proj");
+  std::free(list);
 }
 
 // Rows written one at a time wait in the column's buffer until a page of
