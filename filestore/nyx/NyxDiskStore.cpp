@@ -118,8 +118,8 @@ bool NyxDiskStore::isTapeName(vString const& name, std::list<vString>* tapes) {
 
 void NyxDiskStore::open(StoreDescription const& description) {
   open(description.getFlatFileName());
-  // A class named in the description (a mapping's store subclass) says what
-  // the traces are better than the generic name does.
+  // A class the caller names for the store (other than "seismic" itself)
+  // says what the traces are better than the generic name does.
   vLCString const wanted = description.getStoreClass();
   if (!wanted.isBlank() && wanted != m_subClass && wanted != getClass()) {
     Message::info(kOpenLabel, 0, "Overriding subclass from '%s' to '%s'", m_subClass.c_str(), wanted.c_str());
