@@ -357,9 +357,9 @@ PY
     {
       echo "RondoOpenConnection(SeisServer) = true"
       echo "RondoOpenProject(SeisServer, survey) = true"
-      echo "RondoGetContents(survey, -) [gathers2d, line1, line2, near, velocity] = true"
-      echo "RondoGetContents(survey, seismic) [gathers2d, line1, line2, near] = true"
-      echo "RondoGetContents(survey, horizon) [] = true"
+      echo "RondoGetContents(survey, -) [gathers2d, horizon, line1, line2, near, shot, velocity, wells] = true"
+      echo "RondoGetContents(survey, seismic) [gathers2d, line1, line2, near, shot] = true"
+      echo "RondoGetContents(survey, horizon) [horizon] = true"
       printf '%s\n' "${want[@]}"
     } >"$work/expected"
     # A failed load ends the host, as the data natives do.

@@ -116,11 +116,21 @@ bool NyxDiskStore::isTapeName(vString const& name, std::list<vString>* tapes) {
   return true;
 }
 
-void NyxDiskStore::open(StoreDescription const& description) { open(description.getFlatFileName()); }
+void NyxDiskStore::open(StoreDescription const& description) {
+  open(description.getFlatFileName());
+  // A class the caller names for the store (other than "seismic" itself)
+  // says what the traces are better than the generic name does.
+  vLCString const wanted = description.getStoreClass();
+  if (!wanted.isBlank() && wanted != m_subClass && wanted != getClass()) {
+    Message::info(kOpenLabel, 0, "Overriding subclass from '%s' to '%s'", m_subClass.c_str(), wanted.c_str());
+    m_subClass = wanted;
+  }
+}
 
 void NyxDiskStore::open(vFilename const& file) {
   if (m_isOpen || m_creating) Message::fatal(kOpenLabel, 0, "A Nyx disk file is already open '%s'!", file.c_str());
   m_fileName = file;
+  m_subClass = "nyxdisk";
   m_record = Record();
   m_index.clear();
   std::list<vString> tapes;

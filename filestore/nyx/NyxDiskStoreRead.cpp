@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "filestore/nyx/NyxDiskStore.h"
 #include "filestore/nyx/NyxFS.h"
@@ -47,13 +48,18 @@ void NyxDiskStore::myReadRecord(unsigned int instance, unsigned char* record) co
       }
     } else {
       got = m_file.read(offset + 1, record, bytes);
-      if (got != bytes || !m_file.isGood()) {
-        status = m_file.getStatus();
-        m_file.clear();
-        serviceText = vString(got == bytes ? "read failed" : "short read");
+      bool const failed = !m_file.isGood();
+      status = m_file.getStatus();
+      m_file.clear();
+      // The service saying the read failed is another fault than a file
+      // that ends early; each has its own words.
+      if (failed)
+        Message::fatal(kReadLabel, 0, "Failed to read the instance %s from the file '%s' for instance %d ... status %d!",
+                       std::to_string(instance).c_str(), m_fileName.c_str(), static_cast<int>(instance), status);
+      if (got != bytes) {
+        serviceText = vString("short read");
         text = serviceText.c_str();
       }
-      m_file.clear();
     }
     if (got != bytes)
       Message::fatal(kReadLabel, 0, "Failed to read %d bytes from the file '%s' for instance %d, got %d bytes ... status %d:%s!",

@@ -59,6 +59,29 @@ TEST(NyxDiskStore, CstAndDatFilesInBothOrdersAndEveryFormat) {
       }
 }
 
+// A class in the description names the subclass, with a message; the class
+// itself or none leaves "nyxdisk".
+TEST(NyxDiskStore, SubclassOverriddenByTheDescription) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "s.cst";
+  writeFixture("cst", path, "<", 5);
+  for (char const* given : {"2dstack", "seismic", ""}) {
+    StoreDescription description{vFilename(path.c_str())};
+    description.setStoreClass(given);
+    NyxDiskStore store;
+    ::testing::internal::CaptureStderr();
+    store.open(description);
+    std::string const said = ::testing::internal::GetCapturedStderr();
+    bool const overridden = std::string(given) == "2dstack";
+    EXPECT_EQ(vLCString(overridden ? given : "nyxdisk"), store.getSubClass()) << given;
+    EXPECT_EQ(overridden, said.find("Overriding subclass from 'nyxdisk' to '2dstack'") != std::string::npos) << said;
+    store.close();
+    store.open(vFilename(path.c_str()));
+    EXPECT_EQ(vLCString("nyxdisk"), store.getSubClass());
+    store.close();
+  }
+}
+
 TEST(NyxDiskStore, RecordPrintsItsFields) {
   fs_testing::TempDir dir;
   std::string const path = dir / "r.cst";

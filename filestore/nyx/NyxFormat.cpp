@@ -31,6 +31,14 @@ bool NyxFormat::mySpecProducesGroups(StoreDescription& description, vString cons
   try {
     MessageHandling quiet;
     vHandle<Store> store = StoreFactory::openStore(description, "", nullptr);
+    // A true stack has one trace per CMP, so its first key never groups;
+    // its traces group by line, which word 19 of the plain file holds.
+    bool const stack = std::string(spec.c_str()).find("Stack") != std::string::npos;
+    if (stack || store->getKeyList().getNKeys() == 0) {
+      store->close();
+      description.setFormatSpec(vString());
+      store = StoreFactory::openStore(description, "", nullptr);
+    }
     KeyList const keys = store->getKeyList();
     Attribute key = keys.getNKeys() > 0 ? *keys.begin() : store->getAttribute("WORD19");
     std::vector<unsigned int> sizes;

@@ -18,9 +18,11 @@ class NyxFormat {
  public:
   // The specification's name, blank when none fits.
   static vString getSpecification(StoreDescription const& description);
-  // True when the file opened through that specification has a group of
-  // more than one trace on its first key (WORD19 when it has no keys).
-  // Any failure to open it so is a no.
+  // True when the file opens through that specification and has a group of
+  // more than one trace on the specification's first key; for a stack
+  // specification (and one without keys) on WORD19 of the plain file, the
+  // line, since a stack's CMPs are one trace each. Any failure to open it
+  // so is a no.
   static bool mySpecProducesGroups(StoreDescription& description, vString const& spec);
   // The specifications tried for a file name, in order.
   static std::vector<vString> getCandidates(vString const& fileName);

@@ -90,12 +90,24 @@ TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
       cmpOf(store, broken);
       ADD_FAILURE() << "no failure";
     } catch (UtlExcept const& e) {
-      std::string const expected = "Failed to read 276 bytes from the file '" + path + "' for instance " +
-                                   std::to_string(broken) + ", got ";
+      // The record service names a failed read; a block file's reads only
+      // see how many bytes came.
+      std::string const expected =
+          name[2] == 'c' ? "Failed to read the instance 8 from the file '" + path + "' for instance 8 ... status "
+                         : "Failed to read 276 bytes from the file '" + path + "' for instance 7, got ";
       EXPECT_EQ(expected, std::string(e.getReason().c_str()).substr(0, expected.size())) << e.getReason().c_str();
     }
     EXPECT_EQ(cmp(5), cmpOf(store, 5));
   }
+  // A failed read of the history trace's first word (at byte 232) while
+  // the block file is opened.
+  std::string const path = dir / "h.dat";
+  writeFixture("dat", path, "<", 5);
+  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 232);
+  NyxDiskStore store;
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
+                            "Failed to read the first word out of the special history trace!");
+  EXPECT_FALSE(store.isOpen());
 }
 
 // The site's settings: an index made on opening, a blocking factor.

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Writes small Nyx trace files from the layouts of the format.
 
-usage: nyx_fixture.py KIND OUT ORDER FORMAT [N] [NS]
+usage: nyx_fixture.py KIND OUT ORDER FORMAT [N] [NS] [stack]
   KIND    cst (traces back to back), dat (prologue, history trace, blocks)
           or tape (OUT1.tap and OUT2.tap, tape images holding 30 bytes and
           then the traces of a cst file, split across the two)
@@ -9,6 +9,7 @@ usage: nyx_fixture.py KIND OUT ORDER FORMAT [N] [NS]
   FORMAT  data format: 1 (16-bit, exponent 1), 2 (16-bit, scale 0.5),
           3 (IBM float), 5 (IEEE float)
   N, NS   traces (default 12) and samples per trace (default 5)
+  stack   one trace per CMP (CMP 10 + i - 1), as in a stacked line
 
 Trace i (from 1), 64 header words of 32 bits:
   0 i; 1 SHOT.UNIQUE.ID 1000 + (i-1)//3; 2 CHANNEL (i-1)%3 + 1;
@@ -32,6 +33,7 @@ import sys
 kind, out, order, fmt = sys.argv[1], sys.argv[2], sys.argv[3], int(sys.argv[4])
 n = int(sys.argv[5]) if len(sys.argv) > 5 else 12
 ns = int(sys.argv[6]) if len(sys.argv) > 6 else 5
+stack = len(sys.argv) > 7 and sys.argv[7] == 'stack'
 size = {1: 2, 2: 2, 3: 4, 5: 4}[fmt]
 
 
@@ -52,7 +54,8 @@ def ibm(value):
 
 def trace(i):
     words = [0] * 64
-    words[0:6] = [i, 1000 + (i - 1) // 3, (i - 1) % 3 + 1, 500 + i, 10 + (i - 1) // 2, 100 * ((i - 1) % 3 + 1)]
+    words[0:6] = [i, 1000 + (i - 1) // 3, (i - 1) % 3 + 1, 500 + i, 10 + (i - 1) // (1 if stack else 2),
+                  100 * ((i - 1) % 3 + 1)]
     words[7:13] = [1, fmt, ns * size, ns, 4000, 1]
     words[15] = fmt
     words[19] = (i - 1) // 3 + 1
