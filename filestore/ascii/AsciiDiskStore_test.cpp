@@ -174,6 +174,28 @@ TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
   EXPECT_EQ("horizon", std::string(back.getClass().c_str()));
   EXPECT_EQ("top_chalk", std::string(back.getAttributeSetName().c_str()));
   EXPECT_EQ((std::vector<double>{1500.25, -3}), column(back, "Z"));
+  // The header read back gives the grid it was written from.
+  auto property = [&back](char const* name) { return back.findProperty(vUCString(name)); };
+  EXPECT_EQ(10, property("FIRST_INLINE")->getInt32());
+  EXPECT_EQ(2, property("INLINE_INCREMENT")->getInt32());
+  EXPECT_EQ(5, property("NUM_INLINES")->getInt32());
+  EXPECT_EQ(3, property("NUM_CROSSLINES")->getInt32());
+  EXPECT_EQ(12.5, property("INLINE_INTERVAL")->getFloat64());
+  EXPECT_EQ(25.0, property("CROSSLINE_INTERVAL")->getFloat64());
+  EXPECT_EQ("Top_Chalk", std::string(property("HORIZONNAME")->getString().c_str()));
+  EXPECT_EQ("time", std::string(property("DOMAIN")->getString().c_str()));
+
+  // A hand-made header with an origin and a depth domain.
+  AsciiDiskStore made;
+  opened(made, scratch("made.dat", "PELAGOS HORIZON V1.0\nLINEX 200 240 4\nLINEY 7 9 1\nSTEPX 50\nSTEPY 12.5\n"
+                                   "ORIGIN 4500.5 -20\nDOMAIN depth\nNUMSURFACES 1\nSURFACE Base\nNUMATTR 1\n"
+                                   "ATTRIBUTE Z\n7 200 0 0 1\n"));
+  EXPECT_EQ(11, made.findProperty(vUCString("NUM_CROSSLINES"))->getInt32());
+  EXPECT_EQ(12.5, made.findProperty(vUCString("CROSSLINE_INTERVAL"))->getFloat64());
+  EXPECT_EQ(4500.5, made.findProperty(vUCString("X_SURVEY_ORIGIN"))->getFloat64());
+  EXPECT_EQ(-20.0, made.findProperty(vUCString("Y_REALWORLD_ORIGIN"))->getFloat64());
+  EXPECT_EQ("depth", std::string(made.findProperty(vUCString("DOMAIN"))->getString().c_str()));
+  EXPECT_EQ("Base", std::string(made.findProperty(vUCString("HORIZONNAME"))->getString().c_str()));
 }
 
 TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
