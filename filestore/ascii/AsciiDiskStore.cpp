@@ -9,6 +9,7 @@
 #include "attribute/AttributeDefinition.h"
 #include "filestore/ascii/AsciiText.h"
 #include "foundation/Message.h"
+#include "foundation/vString.h"
 #include "project/AttributeMatch.h"
 #include "project/Project.h"
 #include "syslayer/FS.h"
@@ -22,6 +23,11 @@ char const* const kWholeOnly =
 int const kOpenOptions = 1024;
 
 std::string valueText(Attribute const& a, unsigned int instance, int position) {
+  if (a.getDataType() == vSTRING) {
+    // Quoted when it would otherwise not read back as one item.
+    std::string const s = a.getStringPointer(instance)[position].c_str();
+    return s.empty() || s.find_first_of(" \t,\"") != std::string::npos ? "\"" + s + "\"" : s;
+  }
   char text[64];
   if (a.getDataType() == vINT64)
     std::snprintf(text, sizeof text, "%lld", a.getInt64Pointer(instance)[position]);

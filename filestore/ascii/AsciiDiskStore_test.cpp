@@ -14,6 +14,7 @@
 #include "foundation/Message.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/TestFailure.h"
+#include "foundation/vString.h"
 #include "project/StoreFactory.h"
 #include "registry/RondoRegistry.h"
 
@@ -42,8 +43,8 @@ TEST(AsciiDiskStore, CsvFromOgrThroughTheStoreFactory) {
   registerRondoClasses();
   std::string const dir = scratch("ogr", "");
   std::string const json = scratch("wells.geojson", R"({"type":"FeatureCollection","features":[
-{"type":"Feature","properties":{"depth":1250.5,"count":7},"geometry":{"type":"Point","coordinates":[431000.25,6520000]}},
-{"type":"Feature","properties":{"depth":-980.125,"count":-3},"geometry":{"type":"Point","coordinates":[432500,6521500.5]}}]})");
+{"type":"Feature","properties":{"depth":1250.5,"count":7,"name":"A-1, north"},"geometry":{"type":"Point","coordinates":[431000.25,6520000]}},
+{"type":"Feature","properties":{"depth":-980.125,"count":-3,"name":"B2"},"geometry":{"type":"Point","coordinates":[432500,6521500.5]}}]})");
   std::string const command = "rm -rf " + dir + " && mkdir -p " + dir + " && ogr2ogr -f CSV -lco GEOMETRY=AS_XY " +
                               dir + "/wells.csv " + json + " && mv " + dir + "/wells.csv " + dir + "/wells.txt";
   ASSERT_EQ(0, std::system(command.c_str())) << "GDAL's ogr2ogr is needed: run scripts/install-deps";
@@ -60,6 +61,11 @@ TEST(AsciiDiskStore, CsvFromOgrThroughTheStoreFactory) {
   EXPECT_EQ((std::vector<double>{6520000, 6521500.5}), values("Y"));
   EXPECT_EQ((std::vector<double>{1250.5, -980.125}), values("DEPTH"));
   EXPECT_EQ((std::vector<double>{7, -3}), values("COUNT"));
+  Attribute name = store->getAttribute("NAME");
+  EXPECT_EQ(vSTRING, name.getDataType());
+  store->read(name, 1, 2);
+  EXPECT_EQ("A-1, north", std::string(name.getString(1).c_str()));
+  EXPECT_EQ("B2", std::string(name.getString(2).c_str()));
 }
 
 TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
@@ -207,7 +213,13 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
                   "Ascii Disk File has not been opened yet!");
     store.create(vFilename(file.c_str()));
     for (char const* name : {"ALPHA", "BETA", "GAMMA", "DELTA"}) store.addAttribute(Attribute(name, "", vFLOAT64));
+    store.addAttribute(Attribute("LABEL", "", vSTRING));
     store.addInstances(2);
+    Attribute label("LABEL", "", vSTRING);
+    label.resize(2);
+    label.setString(1, vString("two words"));
+    label.setString(2, vString("x"));
+    store.write(label, 1, 2);
     Attribute a("ALPHA", "", vFLOAT64);
     double const alpha[] = {0.1, -2.5e-7};
     a.copyData(2, alpha);
@@ -221,11 +233,15 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
     expectFailure([&] { store.write(Attribute("OMEGA", "", vINT32), 1, 2); }, "AsciiDiskStore::write",
                   "Attribute OMEGA is not in the store.");
   }
-  EXPECT_EQ("ALPHA BETA GAMMA DELTA\n0.10000000000000001 0 0 0\n-2.4999999999999999e-07 0 0 0\n",
+  EXPECT_EQ("ALPHA BETA GAMMA DELTA LABEL\n0.10000000000000001 0 0 0 \"two words\"\n-2.4999999999999999e-07 0 0 0 x\n",
             fs_testing::readFile(file));
   AsciiDiskStore back;
   opened(back, file);
   EXPECT_EQ((std::vector<double>{0.1, -2.5e-7}), column(back, "ALPHA"));
+  Attribute text = back.getAttribute("LABEL");
+  back.read(text, std::vector<unsigned int>{2, 1});
+  EXPECT_EQ("x", std::string(text.getString(1).c_str()));
+  EXPECT_EQ("two words", std::string(text.getString(2).c_str()));
   Attribute a = back.getAttribute("ALPHA");
   expectFailure([&] { back.read(a, 2, 3); }, "AsciiDiskStore::read", "Instance range 2,3 is bad, NInstances is 2");
   expectFailure([&] { back.read(a, std::vector<unsigned int>{1, 0}); }, "AsciiDiskStore::read(attribute,ilist)",

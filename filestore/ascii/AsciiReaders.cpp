@@ -9,6 +9,7 @@
 #include "filestore/ascii/AsciiText.h"
 #include "filestore/ascii/AsciiVariableLengthColumnReader.h"
 #include "foundation/Message.h"
+#include "foundation/vString.h"
 
 namespace {
 
@@ -81,6 +82,10 @@ std::vector<Attribute> AsciiStrategicReader::myColumns(unsigned int n, std::vect
 }
 
 void AsciiStrategicReader::myPut(Attribute& column, unsigned int record, int position, std::string const& item) {
+  if (column.getDataType() == vSTRING) {
+    column.getStringPointer(record)[position] = vString(item.c_str());
+    return;
+  }
   checkItem(item.c_str());
   char* base = static_cast<char*>(column.getPointer(record));
   scanItem(item.c_str(), column.getDataType(), base + static_cast<std::size_t>(position) * column.getDataTypeSize());
