@@ -98,6 +98,23 @@ TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
          scratch("multi.txf", "<MultiLineRecords>P Q R</MultiLineRecords>"));
   EXPECT_EQ((std::vector<double>{2, 5}), column(multi, "Q"));
 
+  // Records of several lines and of any length, ended by blank lines.
+  AsciiDiskStore outlines;
+  opened(outlines, scratch("outlines.dat", "1 7\n10 11\n12 13\n\n\n2 8 20\n21\n\n3 9 30\n"),
+         scratch("outlines.txf", "<MultiLineRecords>ID N XY ...</MultiLineRecords>"));
+  ASSERT_EQ(3u, outlines.getNInstances());
+  EXPECT_EQ((std::vector<double>{7, 8, 9}), column(outlines, "N"));
+  Attribute xy = outlines.getAttribute("XY");
+  outlines.read(xy, 1, 3);
+  std::vector<std::vector<double> > points(3);
+  for (unsigned int r = 1; r <= 3; ++r)
+    for (int p = 1; p <= xy.getLength(r); ++p) points[r - 1].push_back(xy.getValue(r, p));
+  EXPECT_EQ((std::vector<std::vector<double> >{{10, 11, 12, 13}, {20, 21}, {30}}), points);
+  AsciiDiskStore shortRecord;
+  StoreDescription shortOutline{vFilename(scratch("short_outline.dat", "1 7 5\n\n2\n").c_str())};
+  shortOutline.setFormatSpec(scratch("short_outline.txf", "<MultiLineRecords>ID N XY ...</MultiLineRecords>").c_str());
+  expectFailure([&] { shortRecord.open(shortOutline); }, "AsciiDataReader", "Line 3 has 1 items, but the format needs 2.");
+
   // Text among the numbers: read as 0, counted and reported once.
   std::string const text = "1 2\n3 x\ny z\n";
   AsciiFormat format{vFilename(scratch("two.txf", "<SingleLineRecords>U V</SingleLineRecords>").c_str())};

@@ -109,6 +109,7 @@ void AsciiDynamicReader::myItems(int set, std::vector<std::string>& items, std::
 }
 
 std::vector<Attribute> AsciiDynamicReader::readAll(int set) {
+  if (m_format.areRecordsVariableLength()) return myReadVariableLengthRecordsIntoBuffers(set);
   std::vector<std::string> items;
   std::vector<int> lines;
   myItems(set, items, lines);
@@ -120,6 +121,39 @@ std::vector<Attribute> AsciiDynamicReader::readAll(int set) {
   std::vector<Attribute> columns = myColumns(n, std::vector<int>(n, 1));
   for (unsigned int r = 0; r < n; ++r)
     for (std::size_t k = 0; k < width; ++k) myPut(columns[k], r + 1, 0, items[r * width + k]);
+  return columns;
+}
+
+std::vector<Attribute> AsciiDynamicReader::myReadVariableLengthRecordsIntoBuffers(int set) {
+  std::size_t const width = m_format.getAttributeList().size();
+  if (width == 0) return {};
+  // The collator leaves blank lines out of the records, so a gap in the
+  // line numbers is where one record ends.
+  std::vector<std::vector<std::string> > records;
+  std::vector<int> firstLines;
+  int previous = -1;
+  for (int line : m_collator.getDataRecords(set)) {
+    if (records.empty() || line != previous + 1) {
+      records.emplace_back();
+      firstLines.push_back(line);
+    }
+    for (std::string const& item : ascii_text::items(m_collator.getLine(line))) records.back().push_back(item);
+    previous = line;
+  }
+  std::size_t const fixed = width - 1;
+  std::vector<int> lastLengths;
+  for (std::size_t r = 0; r < records.size(); ++r) {
+    if (records[r].size() < fixed)
+      myTooFewItems(firstLines[r], static_cast<int>(records[r].size()), static_cast<int>(fixed));
+    lastLengths.push_back(static_cast<int>(records[r].size() - fixed));
+  }
+  unsigned int const n = static_cast<unsigned int>(records.size());
+  std::vector<Attribute> columns = myColumns(n, lastLengths);
+  for (unsigned int r = 0; r < n; ++r) {
+    for (std::size_t k = 0; k < fixed; ++k) myPut(columns[k], r + 1, 0, records[r][k]);
+    for (int p = 0; p < lastLengths[r]; ++p)
+      myPut(columns[fixed], r + 1, p, records[r][fixed + static_cast<std::size_t>(p)]);
+  }
   return columns;
 }
 
