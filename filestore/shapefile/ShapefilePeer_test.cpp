@@ -221,4 +221,41 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
   EXPECT_NE(std::string::npos, map.find("POINT Z (2.5 4.0 99)")) << map;
 }
 
+TEST(ShapefilePeer, MeasuredPointsBothWays) {
+  requireGdal();
+  // ogr2ogr makes a measured point file from the well-known text of a CSV.
+  std::string const base = scratch("measured");
+  fs_testing::writeFile(base + ".csv", "WKT,id\n\"POINT M (1.5 2.5 -7.25)\",1\n\"POINT M (3 4 1000.5)\",2\n");
+  int status = 0;
+  run("rm -f " + base + ".shp " + base + ".shx " + base + ".dbf && ogr2ogr -f 'ESRI Shapefile' " + base + ".shp " +
+          base + ".csv",
+      &status);
+  ASSERT_EQ(0, status);
+  ShapefileDiskStore read;
+  read.open(vFilename((base + ".shp").c_str()));
+  EXPECT_EQ("mapdata", std::string(read.getClass().c_str()));
+  EXPECT_EQ("normal", std::string(read.getSubClass().c_str()));
+  EXPECT_EQ((std::vector<double>{3}), values(read, "XVAL", 2));
+  EXPECT_EQ((std::vector<double>{-7.25}), values(read, "ATVAL", 1));
+  EXPECT_EQ((std::vector<double>{1000.5}), values(read, "ATVAL", 2));
+
+  {
+    ShapefileDiskStore store;
+    StoreDescription description(vFilename((base + "_out.shp").c_str()));
+    description.setStoreClass("mapdata");
+    store.create(description, "measured");
+    EXPECT_EQ("normal", std::string(store.getSubClass().c_str()));
+    store.addInstances(1);
+    Attribute x("XVAL", "", vFLOAT32), y("YVAL", "", vFLOAT32), v("ATVAL", "", vFLOAT32);
+    float const xs[] = {-2.5f}, ys[] = {8.0f}, vs[] = {0.125f};
+    x.copyData(1, xs);
+    y.copyData(1, ys);
+    v.copyData(1, vs);
+    for (Attribute* a : {&x, &y, &v}) store.write(*a, 1, 1);
+  }
+  std::string const out = ogrFeatures(base + "_out.shp");
+  EXPECT_NE(std::string::npos, out.find("Geometry: Measured Point")) << out;
+  EXPECT_NE(std::string::npos, out.find("POINT M (-2.5 8.0 0.125)")) << out;
+}
+
 }  // namespace
