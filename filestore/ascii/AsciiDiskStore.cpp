@@ -189,8 +189,14 @@ void AsciiDiskStore::myReadHorizonHeader(std::string& horizonName) {
     else if (key == "DOMAIN" && w.size() > 1) DiskStore::addProperty(Property("DOMAIN", w[1].c_str()));
     else if (key == "SURFACE" && w.size() > 1 && horizonName == m_fileName.getRoot().c_str()) horizonName = w[1];
   }
-  if (!haveX || !haveY) return;
-  auto count = [](double const* r) { return r[2] == 0 ? 1 : static_cast<int>(std::lround((r[1] - r[0]) / r[2])) + 1; };
+  // Line numbers that do not fit a grid's integers leave the store without one.
+  auto fits = [](double const* r) {
+    for (int k = 0; k < 3; ++k)
+      if (!(std::fabs(r[k]) < 1e9)) return false;
+    return r[2] != 0 && (r[1] - r[0]) / r[2] >= 0 && (r[1] - r[0]) / r[2] < 1e8;
+  };
+  if (!haveX || !haveY || !fits(linex) || !fits(liney)) return;
+  auto count = [](double const* r) { return static_cast<int>(std::lround((r[1] - r[0]) / r[2])) + 1; };
   auto interval = [](double stepDistance, double increment) {
     return static_cast<float>(increment == 0 ? stepDistance : stepDistance / increment);
   };
