@@ -92,18 +92,19 @@ bool readsAsNumber(std::string const& item) {
 
 // The first record of a table with text columns: a line with a number
 // among its items, after a line of as many names that are not numbers.
-// The number of lines when there is none.
-std::size_t findTextTable(std::vector<std::string> const& lines) {
-  for (std::size_t k = 1; k < lines.size(); ++k) {
-    std::vector<std::string> const names = ascii_text::items(lines[k - 1]);
-    std::vector<std::string> const items = ascii_text::items(lines[k]);
+// Only lines before `before` are looked at; `before` when there is none.
+std::size_t findTextTable(std::vector<std::string> const& lines, std::size_t before) {
+  for (std::size_t k = 1; k < before && k < lines.size(); ++k) {
+    char const separator = lines[k - 1].find(',') != std::string::npos ? ',' : ' ';
+    std::vector<std::string> const names = ascii_text::items(lines[k - 1], separator);
+    std::vector<std::string> const items = ascii_text::items(lines[k], separator);
     if (names.empty() || names.size() != items.size()) continue;
     bool named = true, numbered = false;
     for (std::string const& n : names) named = named && !ascii_text::isNumber(n.c_str());
     for (std::string const& i : items) numbered = numbered || ascii_text::isNumber(i.c_str());
     if (named && numbered) return k;
   }
-  return lines.size();
+  return before;
 }
 
 }  // namespace
@@ -317,7 +318,7 @@ void AsciiFormat::myConstructFromData(char const* data) {
   std::vector<std::string> const lines = ascii_text::lines(data);
   std::size_t first = 0;
   while (first < lines.size() && !ascii_text::isNumericLine(lines[first])) ++first;
-  std::size_t const textFirst = findTextTable(lines);
+  std::size_t const textFirst = findTextTable(lines, first);
   if (textFirst < first) {
     myConstructTextTable(lines, textFirst);
     return;
@@ -348,10 +349,12 @@ void AsciiFormat::myConstructFromData(char const* data) {
 // text if one of its items does not read as a number.
 void AsciiFormat::myConstructTextTable(std::vector<std::string> const& lines, std::size_t first) {
   m_headerRanges.assign(1, Range{1, static_cast<int>(first)});
-  std::vector<std::string> const names = ascii_text::items(lines[first - 1]);
+  // Names separated by commas make a CSV table, whose items may hold blanks.
+  if (lines[first - 1].find(',') != std::string::npos) m_itemSeparator = ',';
+  std::vector<std::string> const names = ascii_text::items(lines[first - 1], m_itemSeparator);
   std::vector<bool> text(names.size(), false);
   for (std::size_t line = first; line < lines.size(); ++line) {
-    std::vector<std::string> const items = ascii_text::items(lines[line]);
+    std::vector<std::string> const items = ascii_text::items(lines[line], m_itemSeparator);
     for (std::size_t k = 0; k < items.size() && k < text.size(); ++k)
       if (!readsAsNumber(items[k])) text[k] = true;
   }

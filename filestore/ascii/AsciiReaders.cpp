@@ -102,7 +102,7 @@ AsciiDynamicReader::AsciiDynamicReader(AsciiCollator const& collator, AsciiForma
 
 void AsciiDynamicReader::myItems(int set, std::vector<std::string>& items, std::vector<int>& lines) const {
   for (int line : m_collator.getDataRecords(set))
-    for (std::string const& item : ascii_text::items(m_collator.getLine(line))) {
+    for (std::string const& item : ascii_text::items(m_collator.getLine(line), m_format.getItemSeparator())) {
       items.push_back(item);
       lines.push_back(line);
     }
@@ -137,7 +137,7 @@ std::vector<Attribute> AsciiDynamicReader::myReadVariableLengthRecordsIntoBuffer
       records.emplace_back();
       firstLines.push_back(line);
     }
-    for (std::string const& item : ascii_text::items(m_collator.getLine(line))) records.back().push_back(item);
+    for (std::string const& item : ascii_text::items(m_collator.getLine(line), m_format.getItemSeparator())) records.back().push_back(item);
     previous = line;
   }
   std::size_t const fixed = width - 1;
@@ -193,7 +193,7 @@ std::vector<Attribute> AsciiVariableLengthDynamicReader::myReadLines(int set) {
   std::vector<std::vector<std::string> > split;
   std::vector<int> lastLengths;
   for (int line : records) {
-    split.push_back(ascii_text::items(m_collator.getLine(line)));
+    split.push_back(ascii_text::items(m_collator.getLine(line), m_format.getItemSeparator()));
     std::size_t const found = split.back().size();
     std::size_t const needed = variable ? width - 1 : width;
     if (found < needed) myTooFewItems(line, static_cast<int>(found), static_cast<int>(needed));
