@@ -117,6 +117,11 @@ void AsciiDiskStore::myOpenSet(int set) {
   m_set = set;
   m_nInstances = m_reader->getNumberOfRecords(set);
   getIndexingTable().clearCache();
+  std::string const& title = m_collator->getRecordSetName(set);
+  if (hasProperty(vUCString("HORIZONNAME")) && !title.empty()) {
+    removeProperty(vUCString("HORIZONNAME"));
+    DiskStore::addProperty(Property("HORIZONNAME", vString(title.c_str())));
+  }
 }
 
 void AsciiDiskStore::myConstructPropertyList() {
@@ -166,6 +171,8 @@ void AsciiDiskStore::myConstructPropertyList() {
 // world origin is the survey origin. A header without both line ranges
 // leaves the store without a grid.
 void AsciiDiskStore::myReadHorizonHeader(std::string& horizonName) {
+  // Each surface is a record set named by its "SURFACE" line.
+  if (!m_collator->getRecordSetName(m_set).empty()) horizonName = m_collator->getRecordSetName(m_set);
   double linex[3] = {0, 0, 0}, liney[3] = {0, 0, 0}, step[2] = {0, 0}, origin[2] = {0, 0};
   bool haveX = false, haveY = false;
   auto numbers = [](std::vector<std::string> const& w, double* out, std::size_t n) {
@@ -187,7 +194,6 @@ void AsciiDiskStore::myReadHorizonHeader(std::string& horizonName) {
     else if (key == "STEPY") numbers(w, step + 1, 1);
     else if (key == "ORIGIN") numbers(w, origin, 2);
     else if (key == "DOMAIN" && w.size() > 1) DiskStore::addProperty(Property("DOMAIN", w[1].c_str()));
-    else if (key == "SURFACE" && w.size() > 1 && horizonName == m_fileName.getRoot().c_str()) horizonName = w[1];
   }
   // Line numbers that do not fit a grid's integers leave the store without one.
   auto fits = [](double const* r) {

@@ -212,13 +212,16 @@ TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
   AsciiDiskStore made;
   opened(made, scratch("made.dat", "PELAGOS HORIZON V1.0\nLINEX 200 240 4\nLINEY 7 9 1\nSTEPX 50\nSTEPY 12.5\n"
                                    "ORIGIN 4500.5 -20\nDOMAIN depth\nNUMSURFACES 1\nSURFACE Base\nNUMATTR 1\n"
-                                   "ATTRIBUTE Z\n7 200 0 0 1\n"));
+                                   "ATTRIBUTE Z\n7 200 0 0 1\nSURFACE Top\n8 204 0 0 2\n"));
   EXPECT_EQ(11, made.findProperty(vUCString("NUM_CROSSLINES"))->getInt32());
   EXPECT_EQ(12.5, made.findProperty(vUCString("CROSSLINE_INTERVAL"))->getFloat64());
   EXPECT_EQ(4500.5, made.findProperty(vUCString("X_SURVEY_ORIGIN"))->getFloat64());
   EXPECT_EQ(-20.0, made.findProperty(vUCString("Y_REALWORLD_ORIGIN"))->getFloat64());
   EXPECT_EQ("depth", std::string(made.findProperty(vUCString("DOMAIN"))->getString().c_str()));
   EXPECT_EQ("Base", std::string(made.findProperty(vUCString("HORIZONNAME"))->getString().c_str()));
+  made.openAttributeSet("top");
+  EXPECT_EQ("Top", std::string(made.findProperty(vUCString("HORIZONNAME"))->getString().c_str()));
+  EXPECT_EQ((std::vector<double>{2}), column(made, "Z"));
 }
 
 TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
