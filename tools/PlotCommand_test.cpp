@@ -121,11 +121,12 @@ TEST(RondoTextTable, InfoDumpAndMap) {
   tool_testing::Outcome const csv = tool_testing::shell(
       dir,
       "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":["
-      "{\"type\":\"Feature\",\"properties\":{\"depth\":12.5,\"count\":3},\"geometry\":{\"type\":\"Point\",\"coordinates\":[1,2]}},"
-      "{\"type\":\"Feature\",\"properties\":{\"depth\":-4,\"count\":9},\"geometry\":{\"type\":\"Point\",\"coordinates\":[3,4]}}]}'"
+      "{\"type\":\"Feature\",\"properties\":{\"depth\":12.5,\"count\":3,\"name\":\"W-1 north\"},\"geometry\":{\"type\":\"Point\",\"coordinates\":[1,2]}},"
+      "{\"type\":\"Feature\",\"properties\":{\"depth\":-4,\"count\":9,\"name\":\"W-2\"},\"geometry\":{\"type\":\"Point\",\"coordinates\":[3,4]}}]}'"
       " > w.geojson && ogr2ogr -f CSV -lco GEOMETRY=AS_XY w.csv w.geojson && mv w.csv w.txt");
   ASSERT_EQ(0, csv.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << csv.err;
-  EXPECT_EQ("1\t1\t2\t12.5\t3\n2\t3\t4\t-4\t9\n", tool_testing::tool(dir, "dump w.txt X,Y,DEPTH,COUNT").out);
+  EXPECT_EQ("1\t1\t2\t12.5\t3\tW-1 north\n2\t3\t4\t-4\t9\tW-2\n",
+            tool_testing::tool(dir, "dump w.txt X,Y,DEPTH,COUNT,NAME").out);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "filestore/ascii/AsciiTarsusFoldMapReader.h"
 #include "filestore/ascii/AsciiVariableLengthColumnReader.h"
 #include "foundation/Message.h"
+#include "foundation/vString.h"
 
 AsciiDataReader::AsciiDataReader(AsciiCollator const& collator, AsciiFormat const& format)
     : m_collator(collator), m_format(format) {
@@ -56,7 +57,10 @@ void AsciiDataReader::read(int set, Attribute& attribute, std::vector<unsigned i
     Message::fatal("AsciiDataReader::read", 0, "Attribute %s is not defined in the file format.",
                    attribute.getName().c_str());
   Attribute const& column = *found;
-  DataType const wanted = attribute.getDataType() == vSTRING ? column.getDataType() : attribute.getDataType();
+  // Text is served as text whatever was asked for.
+  DataType const wanted = attribute.getDataType() == vSTRING || column.getDataType() == vSTRING
+                              ? column.getDataType()
+                              : attribute.getDataType();
   Attribute result(attribute.getName(), attribute.getClass(), wanted, column.getLength(), attribute.getSampleRate(),
                    attribute.getFirstTime());
   unsigned int const n = static_cast<unsigned int>(records.size());
@@ -70,6 +74,10 @@ void AsciiDataReader::read(int set, Attribute& attribute, std::vector<unsigned i
   for (unsigned int k = 0; k < n; ++k) {
     unsigned int const from = records[k];
     int const count = column.isVariableLength() ? column.getLength(from) : column.getLength();
+    if (wanted == vSTRING) {
+      for (int p = 0; p < count; ++p) result.getStringPointer(k + 1)[p] = column.getStringPointer(from)[p];
+      continue;
+    }
     for (int p = 0; p < count; ++p) {
       double const v = column.getValue(from, p + 1);
       switch (wanted) {

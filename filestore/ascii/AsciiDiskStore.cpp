@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
 #include "filestore/ascii/AsciiText.h"
 #include "foundation/Message.h"
+#include "foundation/vString.h"
 #include "project/AttributeMatch.h"
 #include "project/Project.h"
 #include "syslayer/FS.h"
@@ -21,6 +23,11 @@ char const* const kWholeOnly =
 int const kOpenOptions = 1024;
 
 std::string valueText(Attribute const& a, unsigned int instance, int position) {
+  if (a.getDataType() == vSTRING) {
+    // Quoted when it would otherwise not read back as one item.
+    std::string const s = a.getStringPointer(instance)[position].c_str();
+    return s.empty() || s.find_first_of(" \t,\"") != std::string::npos ? "\"" + s + "\"" : s;
+  }
   char text[64];
   if (a.getDataType() == vINT64)
     std::snprintf(text, sizeof text, "%lld", a.getInt64Pointer(instance)[position]);
@@ -110,6 +117,11 @@ void AsciiDiskStore::myOpenSet(int set) {
   m_set = set;
   m_nInstances = m_reader->getNumberOfRecords(set);
   getIndexingTable().clearCache();
+  std::string const& title = m_collator->getRecordSetName(set);
+  if (hasProperty(vUCString("HORIZONNAME")) && !title.empty()) {
+    removeProperty(vUCString("HORIZONNAME"));
+    DiskStore::addProperty(Property("HORIZONNAME", vString(title.c_str())));
+  }
 }
 
 void AsciiDiskStore::myConstructPropertyList() {
@@ -128,9 +140,11 @@ void AsciiDiskStore::myConstructPropertyList() {
         DiskStore::addProperty(Property(key.c_str(), words[k + 1].c_str()));
     }
   }
+  std::string horizonName = m_fileName.getRoot().c_str();
+  if (std::string(m_format->getFilename().getRoot().c_str()) == "PelagosHorizon2") myReadHorizonHeader(horizonName);
   if (!m_format->hasCMPBasicGrid()) return;
   CMPBasicGrid const& g = m_format->getCMPBasicGrid();
-  DiskStore::addProperty(Property("HORIZONNAME", vString(m_fileName.getRoot())));
+  DiskStore::addProperty(Property("HORIZONNAME", vString(horizonName.c_str())));
   DiskStore::addProperty(Property("CMP_INCREMENT", g.getCMPInc()));
   DiskStore::addProperty(Property("FIRST_CMP", g.getFirstCMP()));
   DiskStore::addProperty(Property("CROSSLINE_INCREMENT", g.getCrosslineInc()));
@@ -145,6 +159,58 @@ void AsciiDiskStore::myConstructPropertyList() {
   DiskStore::addProperty(Property("CMP_ORDERING", static_cast<int>(g.getOrdering())));
   DiskStore::addProperty(Property("X_REALWORLD_ORIGIN", g.getRealWorldOrigin().getX()));
   DiskStore::addProperty(Property("Y_REALWORLD_ORIGIN", g.getRealWorldOrigin().getY()));
+  DiskStore::addProperty(Property("X_SURVEY_ORIGIN", g.getSurveyOrigin().getX()));
+  DiskStore::addProperty(Property("Y_SURVEY_ORIGIN", g.getSurveyOrigin().getY()));
+  DiskStore::addProperty(Property("UNITS", g.getUnits()));
+}
+
+// The lines of a Pelagos horizon header up to the first record give the
+// grid: "LINEX" and "LINEY" first, last and increment of crosslines and
+// inlines, "STEPX" and "STEPY" the distances between those increments,
+// "ORIGIN" the survey origin. The header carries no rotation, so the real
+// world origin is the survey origin. A header without both line ranges
+// leaves the store without a grid.
+void AsciiDiskStore::myReadHorizonHeader(std::string& horizonName) {
+  // Each surface is a record set named by its "SURFACE" line.
+  if (!m_collator->getRecordSetName(m_set).empty()) horizonName = m_collator->getRecordSetName(m_set);
+  double linex[3] = {0, 0, 0}, liney[3] = {0, 0, 0}, step[2] = {0, 0}, origin[2] = {0, 0};
+  bool haveX = false, haveY = false;
+  auto numbers = [](std::vector<std::string> const& w, double* out, std::size_t n) {
+    if (w.size() < n + 1) return false;
+    for (std::size_t k = 0; k < n; ++k) {
+      if (!AsciiFormat::isNumber(w[k + 1].c_str())) return false;
+      out[k] = std::atof(w[k + 1].c_str());
+    }
+    return true;
+  };
+  for (std::string const& line : ascii_text::lines(m_text.c_str())) {
+    if (ascii_text::isNumericLine(line)) break;
+    std::vector<std::string> const w = ascii_text::words(line);
+    if (w.empty()) continue;
+    std::string const key = ascii_text::upper(w[0]);
+    if (key == "LINEX") haveX = numbers(w, linex, 3);
+    else if (key == "LINEY") haveY = numbers(w, liney, 3);
+    else if (key == "STEPX") numbers(w, step, 1);
+    else if (key == "STEPY") numbers(w, step + 1, 1);
+    else if (key == "ORIGIN") numbers(w, origin, 2);
+    else if (key == "DOMAIN" && w.size() > 1) DiskStore::addProperty(Property("DOMAIN", w[1].c_str()));
+  }
+  // Line numbers that do not fit a grid's integers leave the store without one.
+  auto fits = [](double const* r) {
+    for (int k = 0; k < 3; ++k)
+      if (!(std::fabs(r[k]) < 1e9)) return false;
+    return r[2] != 0 && (r[1] - r[0]) / r[2] >= 0 && (r[1] - r[0]) / r[2] < 1e8;
+  };
+  if (!haveX || !haveY || !fits(linex) || !fits(liney)) return;
+  auto count = [](double const* r) { return static_cast<int>(std::lround((r[1] - r[0]) / r[2])) + 1; };
+  auto interval = [](double stepDistance, double increment) {
+    return static_cast<float>(increment == 0 ? stepDistance : stepDistance / increment);
+  };
+  vCoordinate const o(origin[0], origin[1]);
+  m_format->setCMPBasicGrid(CMPBasicGrid(1, 1, static_cast<int>(liney[0]), static_cast<int>(liney[2]), count(liney),
+                                         static_cast<int>(linex[0]), static_cast<int>(linex[2]), count(linex), o,
+                                         interval(step[1], liney[2]), interval(step[0], linex[2]), 0.0,
+                                         CMPBasicGrid::ALONG_INLINES, o));
 }
 
 void AsciiDiskStore::create(StoreDescription const& description) {

@@ -86,6 +86,7 @@ class AsciiDiskStore : public DiskStore {
   void myCheckOpen(char const* label) const;
   void myCheckWritable(char const* label) const;
   void myConstructPropertyList();
+  void myReadHorizonHeader(std::string& horizonName);
   void myOpenSet(int set);
   void myDoBufferedWrites();
   void myFinishWrite(std::string const& text);

@@ -14,6 +14,7 @@
 #include "foundation/Message.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/TestFailure.h"
+#include "foundation/vString.h"
 #include "project/StoreFactory.h"
 #include "registry/RondoRegistry.h"
 
@@ -42,8 +43,8 @@ TEST(AsciiDiskStore, CsvFromOgrThroughTheStoreFactory) {
   registerRondoClasses();
   std::string const dir = scratch("ogr", "");
   std::string const json = scratch("wells.geojson", R"({"type":"FeatureCollection","features":[
-{"type":"Feature","properties":{"depth":1250.5,"count":7},"geometry":{"type":"Point","coordinates":[431000.25,6520000]}},
-{"type":"Feature","properties":{"depth":-980.125,"count":-3},"geometry":{"type":"Point","coordinates":[432500,6521500.5]}}]})");
+{"type":"Feature","properties":{"depth":1250.5,"count":7,"name":"A-1, north"},"geometry":{"type":"Point","coordinates":[431000.25,6520000]}},
+{"type":"Feature","properties":{"depth":-980.125,"count":-3,"name":"B 2"},"geometry":{"type":"Point","coordinates":[432500,6521500.5]}}]})");
   std::string const command = "rm -rf " + dir + " && mkdir -p " + dir + " && ogr2ogr -f CSV -lco GEOMETRY=AS_XY " +
                               dir + "/wells.csv " + json + " && mv " + dir + "/wells.csv " + dir + "/wells.txt";
   ASSERT_EQ(0, std::system(command.c_str())) << "GDAL's ogr2ogr is needed: run scripts/install-deps";
@@ -60,6 +61,11 @@ TEST(AsciiDiskStore, CsvFromOgrThroughTheStoreFactory) {
   EXPECT_EQ((std::vector<double>{6520000, 6521500.5}), values("Y"));
   EXPECT_EQ((std::vector<double>{1250.5, -980.125}), values("DEPTH"));
   EXPECT_EQ((std::vector<double>{7, -3}), values("COUNT"));
+  Attribute name = store->getAttribute("NAME");
+  EXPECT_EQ(vSTRING, name.getDataType());
+  store->read(name, 1, 2);
+  EXPECT_EQ("A-1, north", std::string(name.getString(1).c_str()));
+  EXPECT_EQ("B 2", std::string(name.getString(2).c_str()));
 }
 
 TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
@@ -91,6 +97,23 @@ TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
   opened(multi, scratch("multi.dat", "1 2\n3 4 5\n6\n"),
          scratch("multi.txf", "<MultiLineRecords>P Q R</MultiLineRecords>"));
   EXPECT_EQ((std::vector<double>{2, 5}), column(multi, "Q"));
+
+  // Records of several lines and of any length, ended by blank lines.
+  AsciiDiskStore outlines;
+  opened(outlines, scratch("outlines.dat", "1 7\n10 11\n12 13\n\n\n2 8 20\n21\n\n3 9 30\n"),
+         scratch("outlines.txf", "<MultiLineRecords>ID N XY ...</MultiLineRecords>"));
+  ASSERT_EQ(3u, outlines.getNInstances());
+  EXPECT_EQ((std::vector<double>{7, 8, 9}), column(outlines, "N"));
+  Attribute xy = outlines.getAttribute("XY");
+  outlines.read(xy, 1, 3);
+  std::vector<std::vector<double> > points(3);
+  for (unsigned int r = 1; r <= 3; ++r)
+    for (int p = 1; p <= xy.getLength(r); ++p) points[r - 1].push_back(xy.getValue(r, p));
+  EXPECT_EQ((std::vector<std::vector<double> >{{10, 11, 12, 13}, {20, 21}, {30}}), points);
+  AsciiDiskStore shortRecord;
+  StoreDescription shortOutline{vFilename(scratch("short_outline.dat", "1 7 5\n\n2\n").c_str())};
+  shortOutline.setFormatSpec(scratch("short_outline.txf", "<MultiLineRecords>ID N XY ...</MultiLineRecords>").c_str());
+  expectFailure([&] { shortRecord.open(shortOutline); }, "AsciiDataReader", "Line 3 has 1 items, but the format needs 2.");
 
   // Text among the numbers: read as 0, counted and reported once.
   std::string const text = "1 2\n3 x\ny z\n";
@@ -174,6 +197,31 @@ TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
   EXPECT_EQ("horizon", std::string(back.getClass().c_str()));
   EXPECT_EQ("top_chalk", std::string(back.getAttributeSetName().c_str()));
   EXPECT_EQ((std::vector<double>{1500.25, -3}), column(back, "Z"));
+  // The header read back gives the grid it was written from.
+  auto property = [&back](char const* name) { return back.findProperty(vUCString(name)); };
+  EXPECT_EQ(10, property("FIRST_INLINE")->getInt32());
+  EXPECT_EQ(2, property("INLINE_INCREMENT")->getInt32());
+  EXPECT_EQ(5, property("NUM_INLINES")->getInt32());
+  EXPECT_EQ(3, property("NUM_CROSSLINES")->getInt32());
+  EXPECT_EQ(12.5, property("INLINE_INTERVAL")->getFloat64());
+  EXPECT_EQ(25.0, property("CROSSLINE_INTERVAL")->getFloat64());
+  EXPECT_EQ("Top_Chalk", std::string(property("HORIZONNAME")->getString().c_str()));
+  EXPECT_EQ("time", std::string(property("DOMAIN")->getString().c_str()));
+
+  // A hand-made header with an origin and a depth domain.
+  AsciiDiskStore made;
+  opened(made, scratch("made.dat", "PELAGOS HORIZON V1.0\nLINEX 200 240 4\nLINEY 7 9 1\nSTEPX 50\nSTEPY 12.5\n"
+                                   "ORIGIN 4500.5 -20\nDOMAIN depth\nNUMSURFACES 1\nSURFACE Base\nNUMATTR 1\n"
+                                   "ATTRIBUTE Z\n7 200 0 0 1\nSURFACE Top\n8 204 0 0 2\n"));
+  EXPECT_EQ(11, made.findProperty(vUCString("NUM_CROSSLINES"))->getInt32());
+  EXPECT_EQ(12.5, made.findProperty(vUCString("CROSSLINE_INTERVAL"))->getFloat64());
+  EXPECT_EQ(4500.5, made.findProperty(vUCString("X_SURVEY_ORIGIN"))->getFloat64());
+  EXPECT_EQ(-20.0, made.findProperty(vUCString("Y_REALWORLD_ORIGIN"))->getFloat64());
+  EXPECT_EQ("depth", std::string(made.findProperty(vUCString("DOMAIN"))->getString().c_str()));
+  EXPECT_EQ("Base", std::string(made.findProperty(vUCString("HORIZONNAME"))->getString().c_str()));
+  made.openAttributeSet("top");
+  EXPECT_EQ("Top", std::string(made.findProperty(vUCString("HORIZONNAME"))->getString().c_str()));
+  EXPECT_EQ((std::vector<double>{2}), column(made, "Z"));
 }
 
 TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
@@ -185,7 +233,13 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
                   "Ascii Disk File has not been opened yet!");
     store.create(vFilename(file.c_str()));
     for (char const* name : {"ALPHA", "BETA", "GAMMA", "DELTA"}) store.addAttribute(Attribute(name, "", vFLOAT64));
+    store.addAttribute(Attribute("LABEL", "", vSTRING));
     store.addInstances(2);
+    Attribute label("LABEL", "", vSTRING);
+    label.resize(2);
+    label.setString(1, vString("two words"));
+    label.setString(2, vString("x"));
+    store.write(label, 1, 2);
     Attribute a("ALPHA", "", vFLOAT64);
     double const alpha[] = {0.1, -2.5e-7};
     a.copyData(2, alpha);
@@ -199,11 +253,15 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
     expectFailure([&] { store.write(Attribute("OMEGA", "", vINT32), 1, 2); }, "AsciiDiskStore::write",
                   "Attribute OMEGA is not in the store.");
   }
-  EXPECT_EQ("ALPHA BETA GAMMA DELTA\n0.10000000000000001 0 0 0\n-2.4999999999999999e-07 0 0 0\n",
+  EXPECT_EQ("ALPHA BETA GAMMA DELTA LABEL\n0.10000000000000001 0 0 0 \"two words\"\n-2.4999999999999999e-07 0 0 0 x\n",
             fs_testing::readFile(file));
   AsciiDiskStore back;
   opened(back, file);
   EXPECT_EQ((std::vector<double>{0.1, -2.5e-7}), column(back, "ALPHA"));
+  Attribute text = back.getAttribute("LABEL");
+  back.read(text, std::vector<unsigned int>{2, 1});
+  EXPECT_EQ("x", std::string(text.getString(1).c_str()));
+  EXPECT_EQ("two words", std::string(text.getString(2).c_str()));
   Attribute a = back.getAttribute("ALPHA");
   expectFailure([&] { back.read(a, 2, 3); }, "AsciiDiskStore::read", "Instance range 2,3 is bad, NInstances is 2");
   expectFailure([&] { back.read(a, std::vector<unsigned int>{1, 0}); }, "AsciiDiskStore::read(attribute,ilist)",

@@ -14,6 +14,9 @@ class AsciiDynamicReader : public AsciiStrategicReader {
  protected:
   // The items of the set's lines, each with its line number.
   void myItems(int set, std::vector<std::string>& items, std::vector<int>& lines) const;
+  // Records of several lines whose last attribute takes the items left
+  // over; a record ends at a blank line.
+  std::vector<Attribute> myReadVariableLengthRecordsIntoBuffers(int set);
 };
 
 #endif

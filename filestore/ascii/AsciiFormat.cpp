@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -81,6 +82,30 @@ Attribute attributeNamed(std::string const& name) {
 }
 
 std::string rootOf(vFilename const& file) { return file.getRoot().c_str(); }
+
+// What the readers' scanning takes whole, exponents included.
+bool readsAsNumber(std::string const& item) {
+  char* end = nullptr;
+  std::strtod(item.c_str(), &end);
+  return !item.empty() && end != item.c_str() && ascii_text::strip(end).empty();
+}
+
+// The first record of a table with text columns: a line with a number
+// among its items, after a line of as many names that are not numbers.
+// Only lines before `before` are looked at; `before` when there is none.
+std::size_t findTextTable(std::vector<std::string> const& lines, std::size_t before) {
+  for (std::size_t k = 1; k < before && k < lines.size(); ++k) {
+    char const separator = lines[k - 1].find(',') != std::string::npos ? ',' : ' ';
+    std::vector<std::string> const names = ascii_text::items(lines[k - 1], separator);
+    std::vector<std::string> const items = ascii_text::items(lines[k], separator);
+    if (names.empty() || names.size() != items.size()) continue;
+    bool named = true, numbered = false;
+    for (std::string const& n : names) named = named && !ascii_text::isNumber(n.c_str());
+    for (std::string const& i : items) numbered = numbered || ascii_text::isNumber(i.c_str());
+    if (named && numbered) return k;
+  }
+  return before;
+}
 
 }  // namespace
 
@@ -293,6 +318,11 @@ void AsciiFormat::myConstructFromData(char const* data) {
   std::vector<std::string> const lines = ascii_text::lines(data);
   std::size_t first = 0;
   while (first < lines.size() && !ascii_text::isNumericLine(lines[first])) ++first;
+  std::size_t const textFirst = findTextTable(lines, first);
+  if (textFirst < first) {
+    myConstructTextTable(lines, textFirst);
+    return;
+  }
   if (first == lines.size()) {
     setNumberOfAttributes(0);
     return;
@@ -312,6 +342,26 @@ void AsciiFormat::myConstructFromData(char const* data) {
   for (int k = 0; k < count; ++k)
     m_attributes.push_back(names.empty() ? Attribute(("COLUMN_" + std::to_string(k + 1)).c_str(), "", vFLOAT64)
                                          : attributeNamed(names[k]));
+}
+
+// A table whose records hold text as well as numbers: the line of names
+// before the first record says how many items a record has; a column is
+// text if one of its items does not read as a number.
+void AsciiFormat::myConstructTextTable(std::vector<std::string> const& lines, std::size_t first) {
+  m_headerRanges.assign(1, Range{1, static_cast<int>(first)});
+  // Names separated by commas make a CSV table, whose items may hold blanks.
+  if (lines[first - 1].find(',') != std::string::npos) m_itemSeparator = ',';
+  std::vector<std::string> const names = ascii_text::items(lines[first - 1], m_itemSeparator);
+  std::vector<bool> text(names.size(), false);
+  for (std::size_t line = first; line < lines.size(); ++line) {
+    std::vector<std::string> const items = ascii_text::items(lines[line], m_itemSeparator);
+    for (std::size_t k = 0; k < items.size() && k < text.size(); ++k)
+      if (!readsAsNumber(items[k])) text[k] = true;
+  }
+  m_attributes.clear();
+  for (std::size_t k = 0; k < names.size(); ++k)
+    m_attributes.push_back(text[k] ? Attribute(vUCString(names[k].c_str()), vUCString(""), vSTRING, 1)
+                                   : attributeNamed(names[k]));
 }
 
 bool AsciiFormat::myMatchPredefinedFormat(int count) {

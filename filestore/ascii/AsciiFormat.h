@@ -29,6 +29,7 @@
 // otherwise.
 
 #include <list>
+#include <string>
 #include <vector>
 
 #include "attribute/Attribute.h"
@@ -125,6 +126,7 @@ class AsciiFormat {
   void myParseTag(vString const& name, vString const& arguments, vString const& body);
   void myParseRecordsTag(int kind, vString const& arguments, vString const& body);
   void myConstructFromData(char const* data);
+  void myConstructTextTable(std::vector<std::string> const& lines, std::size_t first);
   bool myMatchPredefinedFormat(int count);
   void myConstructDynamicFormat(char const* data);
 

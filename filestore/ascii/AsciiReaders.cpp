@@ -9,6 +9,7 @@
 #include "filestore/ascii/AsciiText.h"
 #include "filestore/ascii/AsciiVariableLengthColumnReader.h"
 #include "foundation/Message.h"
+#include "foundation/vString.h"
 
 namespace {
 
@@ -81,6 +82,10 @@ std::vector<Attribute> AsciiStrategicReader::myColumns(unsigned int n, std::vect
 }
 
 void AsciiStrategicReader::myPut(Attribute& column, unsigned int record, int position, std::string const& item) {
+  if (column.getDataType() == vSTRING) {
+    column.getStringPointer(record)[position] = vString(item.c_str());
+    return;
+  }
   checkItem(item.c_str());
   char* base = static_cast<char*>(column.getPointer(record));
   scanItem(item.c_str(), column.getDataType(), base + static_cast<std::size_t>(position) * column.getDataTypeSize());
@@ -97,13 +102,14 @@ AsciiDynamicReader::AsciiDynamicReader(AsciiCollator const& collator, AsciiForma
 
 void AsciiDynamicReader::myItems(int set, std::vector<std::string>& items, std::vector<int>& lines) const {
   for (int line : m_collator.getDataRecords(set))
-    for (std::string const& item : ascii_text::items(m_collator.getLine(line))) {
+    for (std::string const& item : ascii_text::items(m_collator.getLine(line), m_format.getItemSeparator())) {
       items.push_back(item);
       lines.push_back(line);
     }
 }
 
 std::vector<Attribute> AsciiDynamicReader::readAll(int set) {
+  if (m_format.areRecordsVariableLength()) return myReadVariableLengthRecordsIntoBuffers(set);
   std::vector<std::string> items;
   std::vector<int> lines;
   myItems(set, items, lines);
@@ -115,6 +121,39 @@ std::vector<Attribute> AsciiDynamicReader::readAll(int set) {
   std::vector<Attribute> columns = myColumns(n, std::vector<int>(n, 1));
   for (unsigned int r = 0; r < n; ++r)
     for (std::size_t k = 0; k < width; ++k) myPut(columns[k], r + 1, 0, items[r * width + k]);
+  return columns;
+}
+
+std::vector<Attribute> AsciiDynamicReader::myReadVariableLengthRecordsIntoBuffers(int set) {
+  std::size_t const width = m_format.getAttributeList().size();
+  if (width == 0) return {};
+  // The collator leaves blank lines out of the records, so a gap in the
+  // line numbers is where one record ends.
+  std::vector<std::vector<std::string> > records;
+  std::vector<int> firstLines;
+  int previous = -1;
+  for (int line : m_collator.getDataRecords(set)) {
+    if (records.empty() || line != previous + 1) {
+      records.emplace_back();
+      firstLines.push_back(line);
+    }
+    for (std::string const& item : ascii_text::items(m_collator.getLine(line), m_format.getItemSeparator())) records.back().push_back(item);
+    previous = line;
+  }
+  std::size_t const fixed = width - 1;
+  std::vector<int> lastLengths;
+  for (std::size_t r = 0; r < records.size(); ++r) {
+    if (records[r].size() < fixed)
+      myTooFewItems(firstLines[r], static_cast<int>(records[r].size()), static_cast<int>(fixed));
+    lastLengths.push_back(static_cast<int>(records[r].size() - fixed));
+  }
+  unsigned int const n = static_cast<unsigned int>(records.size());
+  std::vector<Attribute> columns = myColumns(n, lastLengths);
+  for (unsigned int r = 0; r < n; ++r) {
+    for (std::size_t k = 0; k < fixed; ++k) myPut(columns[k], r + 1, 0, records[r][k]);
+    for (int p = 0; p < lastLengths[r]; ++p)
+      myPut(columns[fixed], r + 1, p, records[r][fixed + static_cast<std::size_t>(p)]);
+  }
   return columns;
 }
 
@@ -154,7 +193,7 @@ std::vector<Attribute> AsciiVariableLengthDynamicReader::myReadLines(int set) {
   std::vector<std::vector<std::string> > split;
   std::vector<int> lastLengths;
   for (int line : records) {
-    split.push_back(ascii_text::items(m_collator.getLine(line)));
+    split.push_back(ascii_text::items(m_collator.getLine(line), m_format.getItemSeparator()));
     std::size_t const found = split.back().size();
     std::size_t const needed = variable ? width - 1 : width;
     if (found < needed) myTooFewItems(line, static_cast<int>(found), static_cast<int>(needed));

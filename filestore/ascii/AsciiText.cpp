@@ -55,7 +55,35 @@ std::vector<std::string> words(std::string const& text) {
   return out;
 }
 
-std::vector<std::string> items(std::string const& line) {
+namespace {
+
+std::vector<std::string> commaItems(std::string const& line) {
+  std::vector<std::string> out;
+  if (strip(line).empty()) return out;
+  std::size_t at = 0;
+  while (at <= line.size()) {
+    while (at < line.size() && (line[at] == ' ' || line[at] == '\t')) ++at;
+    std::string item;
+    std::size_t end;
+    if (at < line.size() && line[at] == '"') {
+      std::size_t const close = line.find('"', at + 1);
+      item = line.substr(at + 1, (close == std::string::npos ? line.size() : close) - at - 1);
+      end = close == std::string::npos ? line.size() : line.find(',', close);
+    } else {
+      end = line.find(',', at);
+      item = strip(line.substr(at, end == std::string::npos ? std::string::npos : end - at));
+    }
+    out.push_back(item);
+    if (end == std::string::npos) break;
+    at = end + 1;
+  }
+  return out;
+}
+
+}  // namespace
+
+std::vector<std::string> items(std::string const& line, char itemSeparator) {
+  if (itemSeparator == ',') return commaItems(line);
   std::vector<std::string> out;
   std::size_t at = 0;
   auto separator = [](char c) { return c == ' ' || c == '\t' || c == ',' || c == '\r'; };

@@ -20,7 +20,9 @@ std::vector<std::string> lines(char const* text);
 std::vector<std::string> words(std::string const& text);
 // Items of a data line: separated by white space or commas, with the
 // double quotes of quoted items taken off.
-std::vector<std::string> items(std::string const& line);
+// With the separator ',' only commas separate, so that an item may hold
+// blanks (a CSV table's text).
+std::vector<std::string> items(std::string const& line, char separator = ' ');
 // Stripped, not blank, an optional sign, then digits with '.' anywhere
 // and blanks only between groups of digits: a digit after a blank that
 // follows a digit is not a number. Any other character (an exponent

@@ -37,7 +37,9 @@ vLCString Shapefile::getStoreSubClass(int shapeType) {
 }
 
 int Shapefile::getShapeType(vLCString const& storeClass, vLCString const& subClass) {
-  if (storeClass == vLCString("mapdata")) return 11;
+  // Map data carry their values as Z, or as measures for the subclass
+  // "measured" (read back, like Z, as "normal").
+  if (storeClass == vLCString("mapdata")) return subClass == vLCString("measured") ? 21 : 11;
   if (!storeClass.isBlank() && !(storeClass == vLCString("shapes"))) return 0;
   if (subClass.isBlank() || subClass == vLCString("points")) return 1;
   if (subClass == vLCString("polylines")) return 3;

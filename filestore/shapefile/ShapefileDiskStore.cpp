@@ -59,7 +59,7 @@ bool isGeometry(vUCString const& name) {
 ShapefileDiskStore::ShapefileDiskStore() : ShapefileDiskStore(vHandle<Project>()) {}
 
 ShapefileDiskStore::ShapefileDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_isOpen(false), m_created(false), m_nInstances(0) {}
+    : DiskStore(project), m_isOpen(false), m_created(false), m_shapeType(0), m_nInstances(0) {}
 
 ShapefileDiskStore::~ShapefileDiskStore() {
   if (!m_isOpen) return;
@@ -88,6 +88,7 @@ void ShapefileDiskStore::open(vFilename const& file) {
                    "Could not open shapefile %s.\nCheck the spelling, the permissions, and that both data (.shp) and "
                    "index (.shx) files are present.\n%s",
                    shp.c_str(), reader.getFailure().c_str());
+  m_shapeType = reader.getShapeType();
   m_class = Shapefile::getStoreClass(reader.getShapeType());
   m_subClass = Shapefile::getStoreSubClass(reader.getShapeType());
   m_fileName = shp;
@@ -114,7 +115,8 @@ void ShapefileDiskStore::create(StoreDescription const& description, vLCString c
   m_fileName = description.getFlatFileName();
   m_fileName.setExtension("shp");
   m_class = storeClass;
-  m_subClass = Shapefile::getStoreSubClass(Shapefile::getShapeType(storeClass, subClass));
+  m_shapeType = Shapefile::getShapeType(storeClass, subClass);
+  m_subClass = Shapefile::getStoreSubClass(m_shapeType);
   m_nInstances = 0;
   myAddGeometryAttributes();
   getIndexingTable().clearCache();
@@ -422,7 +424,7 @@ Attribute const* ShapefileDiskStore::myBuffered(char const* name) const {
 }
 
 void ShapefileDiskStore::myDoBufferedWrites() {
-  ShapefileWriter writer(m_fileName, m_class, m_subClass);
+  ShapefileWriter writer(m_fileName, m_class, m_shapeType == 21 ? vLCString("measured") : m_subClass);
   auto const system = findProperty(vUCString("COORDINATE_SYSTEM"));
   if (system != endProperty()) writer.setCoordinateSystem(system->getString());
   if (m_class == vLCString("mapdata"))

@@ -102,6 +102,8 @@ class ShapefileDiskStore : public DiskStore {
   bool m_created;
   vLCString m_class;
   vLCString m_subClass;
+  // Keeps measured map data (21) apart from map data with Z (11).
+  int m_shapeType;
   unsigned int m_nInstances;
   std::list<Attribute> m_attributes;
   // The values of every attribute, all instances; for a new file, what has

@@ -146,6 +146,22 @@ std::string ogrFeatures(std::string const& shp) {
   return out;
 }
 
+// A variable length attribute of vFLOAT64 or vINT32 with one array a shape.
+Attribute variableAttribute(char const* name, DataType type, std::vector<std::vector<double>> const& shapes) {
+  Attribute a(name, "", type, Attribute::VARIABLE_LENGTH);
+  int* lengths = new int[shapes.size()];
+  for (std::size_t s = 0; s < shapes.size(); ++s) lengths[s] = static_cast<int>(shapes[s].size());
+  a.resize(static_cast<unsigned int>(shapes.size()), nullptr, lengths);
+  for (unsigned int s = 1; s <= shapes.size(); ++s)
+    for (std::size_t k = 0; k < shapes[s - 1].size(); ++k) {
+      if (type == vINT32)
+        a.getInt32Pointer(s)[k] = static_cast<int>(shapes[s - 1][k]);
+      else
+        a.getFloat64Pointer(s)[k] = shapes[s - 1][k];
+    }
+  return a;
+}
+
 TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
   requireGdal();
   std::string const base = scratch("written");
@@ -161,20 +177,7 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     store.addProperty(Property("COORDINATE_SYSTEM",
                                "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
                                "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]"));
-    auto variable = [](char const* name, DataType type, std::vector<std::vector<double>> const& shapes) {
-      Attribute a(name, "", type, Attribute::VARIABLE_LENGTH);
-      int* lengths = new int[shapes.size()];
-      for (std::size_t s = 0; s < shapes.size(); ++s) lengths[s] = static_cast<int>(shapes[s].size());
-      a.resize(static_cast<unsigned int>(shapes.size()), nullptr, lengths);
-      for (unsigned int s = 1; s <= shapes.size(); ++s)
-        for (std::size_t k = 0; k < shapes[s - 1].size(); ++k) {
-          if (type == vINT32)
-            a.getInt32Pointer(s)[k] = static_cast<int>(shapes[s - 1][k]);
-          else
-            a.getFloat64Pointer(s)[k] = shapes[s - 1][k];
-        }
-      return a;
-    };
+    auto const variable = variableAttribute;
     // The first polygon with a hole, given counter-clockwise: the writer
     // turns it round.
     store.write(variable("X", vFLOAT64, {{0, 10, 10, 0, 0, 2, 2, 4, 4, 2}, {20, 20, 21, 20}}), 1, 2);
@@ -219,6 +222,73 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
   std::string const map = ogrFeatures(base + "_map.shp");
   EXPECT_NE(std::string::npos, map.find("POINT Z (1.5 -1 0.25)")) << map;
   EXPECT_NE(std::string::npos, map.find("POINT Z (2.5 4.0 99)")) << map;
+}
+
+TEST(ShapefilePeer, MeasuredPointsBothWays) {
+  requireGdal();
+  // ogr2ogr makes a measured point file from the well-known text of a CSV.
+  std::string const base = scratch("measured");
+  fs_testing::writeFile(base + ".csv", "WKT,id\n\"POINT M (1.5 2.5 -7.25)\",1\n\"POINT M (3 4 1000.5)\",2\n");
+  int status = 0;
+  run("rm -f " + base + ".shp " + base + ".shx " + base + ".dbf && ogr2ogr -f 'ESRI Shapefile' " + base + ".shp " +
+          base + ".csv",
+      &status);
+  ASSERT_EQ(0, status);
+  ShapefileDiskStore read;
+  read.open(vFilename((base + ".shp").c_str()));
+  EXPECT_EQ("mapdata", std::string(read.getClass().c_str()));
+  EXPECT_EQ("normal", std::string(read.getSubClass().c_str()));
+  EXPECT_EQ((std::vector<double>{3}), values(read, "XVAL", 2));
+  EXPECT_EQ((std::vector<double>{-7.25}), values(read, "ATVAL", 1));
+  EXPECT_EQ((std::vector<double>{1000.5}), values(read, "ATVAL", 2));
+
+  {
+    ShapefileDiskStore store;
+    StoreDescription description(vFilename((base + "_out.shp").c_str()));
+    description.setStoreClass("mapdata");
+    store.create(description, "measured");
+    EXPECT_EQ("normal", std::string(store.getSubClass().c_str()));
+    store.addInstances(1);
+    Attribute x("XVAL", "", vFLOAT32), y("YVAL", "", vFLOAT32), v("ATVAL", "", vFLOAT32);
+    float const xs[] = {-2.5f}, ys[] = {8.0f}, vs[] = {0.125f};
+    x.copyData(1, xs);
+    y.copyData(1, ys);
+    v.copyData(1, vs);
+    for (Attribute* a : {&x, &y, &v}) store.write(*a, 1, 1);
+  }
+  std::string const out = ogrFeatures(base + "_out.shp");
+  EXPECT_NE(std::string::npos, out.find("Geometry: Measured Point")) << out;
+  EXPECT_NE(std::string::npos, out.find("POINT M (-2.5 8.0 0.125)")) << out;
+}
+
+TEST(ShapefilePeer, LinesAndPointsTheStoreWritesReadByOgrinfo) {
+  requireGdal();
+  std::string const base = scratch("written");
+  {
+    ShapefileDiskStore lines;
+    lines.create(StoreDescription(vFilename((base + "_lines.shp").c_str())), "polylines");
+    lines.addInstances(2);
+    lines.write(variableAttribute("X", vFLOAT64, {{0, 1.5, 3}, {9, 8, 7, 6}}), 1, 2);
+    lines.write(variableAttribute("Y", vFLOAT64, {{0, 2, -5}, {9, 8, 7, 6}}), 1, 2);
+    lines.write(variableAttribute("PART_LENGTHS", vINT32, {{3}, {2, 2}}), 1, 2);
+    ShapefileDiskStore points;
+    points.create(vFilename((base + "_points.shp").c_str()));
+    points.addInstances(2);
+    Attribute x("X", "", vFLOAT64), y("Y", "", vFLOAT64);
+    double const xs[] = {431000.25, -1}, ys[] = {6520000.5, 2};
+    x.copyData(2, xs);
+    y.copyData(2, ys);
+    points.write(x, 1, 2);
+    points.write(y, 1, 2);
+  }
+  std::string const lines = ogrFeatures(base + "_lines.shp");
+  EXPECT_NE(std::string::npos, lines.find("Geometry: Line String")) << lines;
+  EXPECT_NE(std::string::npos, lines.find("LINESTRING (0 0,1.5 2.0,3 -5)")) << lines;
+  EXPECT_NE(std::string::npos, lines.find("MULTILINESTRING ((9 9,8 8),(7 7,6 6))")) << lines;
+  std::string const points = ogrFeatures(base + "_points.shp");
+  EXPECT_NE(std::string::npos, points.find("Geometry: Point")) << points;
+  EXPECT_NE(std::string::npos, points.find("POINT (431000.25 6520000.5)")) << points;
+  EXPECT_NE(std::string::npos, points.find("POINT (-1 2)")) << points;
 }
 
 }  // namespace

@@ -51,7 +51,8 @@ void ShapefileWriter::write() {
     }
     SHPObject* object = SHPCreateObject(m_shapeType, -1, static_cast<int>(starts.size()),
                                         starts.empty() ? nullptr : starts.data(), nullptr, n, shape.x.data(),
-                                        shape.y.data(), m_shapeType == 11 ? shape.z.data() : nullptr, nullptr);
+                                        shape.y.data(), m_shapeType == 11 ? shape.z.data() : nullptr,
+                                        m_shapeType == 21 ? shape.z.data() : nullptr);
     if (m_shapeType == 5) SHPRewindObject(shp, object);
     int const written = SHPWriteObject(shp, -1, object);
     SHPDestroyObject(object);
