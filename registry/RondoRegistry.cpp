@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "database/zon/CapiZonFactory.h"
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
@@ -40,6 +41,16 @@ Project* makeClientProject(vHandle<ProjectCatalog> const& catalog) { return new 
 
 vHandle<AttributeSet> makeClientAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new ClientAttributeSet(project));
+}
+
+// --- the database back end, linked into the process --------------------------
+
+ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE, vString const& server) {
+  return CapiZonFactory::makeProjectCatalog(host, server);
+}
+
+Project* makeZonProject(vHandle<ProjectCatalog> const& catalog) {
+  return CapiZonFactory::makeProject(catalog);
 }
 
 // --- the stores, sets and views of the layers above the project layer ------
@@ -100,10 +111,14 @@ void registerRondoClasses() {
   StoreFactory::registerAttributeMapping(
       {&AttributeMappingDecorator::resolveMapFilename, &StoreDecoratorFactory::addAttributeMapping});
   // The client proxies, through which the catalogs, projects and sets of a
-  // data server are reached; the database projects join here as they are
-  // linked in.
+  // data server are reached; and the database back end.
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog);
   ProjectFactory::registerMaker("ClientProject", &makeClientProject);
+  // Projects of type Zonmesh live in a database that this process reaches
+  // itself, through the Kvs library; the prompt lists its servers.
+  ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
+  ProjectFactory::registerMaker("ZonProject", &makeZonProject);
+  ProjectCatalogFactory::registerZonServerLister(&CapiZonFactory::getAvailableServers);
   AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClientAttributeSet);
 }
 

@@ -4,10 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "database/zon/ZonProject.h"
+#include "database/zon/ZonProjectCatalog.h"
+#include "database/zon/ZonTestDatabase.h"
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
@@ -251,3 +257,29 @@ TEST(RondoRegistryOffload, OffloadFilesOpenAsOffloadStores) {
 }
 
 }  // namespace
+
+// Projects of type Zonmesh are the database back end linked into the
+// process: the prompt lists the installed database servers, and the
+// factories give catalogs and projects that read a real kvsd.
+TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
+  registerRondoClasses();
+  ZonTestDatabase db;
+  ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line1", "1", 12));
+  std::filesystem::create_directories(db.tree.releaseDir() + "SupportFiles/CapiZon/second");
+
+  std::istringstream answers("z\n-l\nzonsite\ndatahost\n");
+  std::streambuf* oldIn = std::cin.rdbuf(answers.rdbuf());
+  testing::internal::CaptureStdout();
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::enter(ProjectType::NOTYPE, "", "");
+  std::string shown = testing::internal::GetCapturedStdout();
+  std::cin.rdbuf(oldIn);
+  EXPECT_NE(std::string::npos, shown.find("         second        zonsite\n")) << shown;
+  EXPECT_NE(nullptr, dynamic_cast<ZonProjectCatalog*>(catalog.get()));
+  EXPECT_EQ("zonsite", str(catalog->getServer()));
+
+  vHandle<Project> project = ProjectFactory::openProject(ProjectType::ZONMESH, "zonsite", "datahost", "SURVEY7");
+  ASSERT_NE(nullptr, dynamic_cast<ZonProject*>(project.get()));
+  EXPECT_EQ("line1,seis ", storeNames(project, ""));
+  EXPECT_EQ(12u, project->getAttributeSetDetails("line1,seis", 0).front().getNInstances());
+  ProjectFactory::emptyCache();
+}

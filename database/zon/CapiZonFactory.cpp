@@ -58,12 +58,20 @@ void CapiZonFactory::getAvailableServers(std::list<vString>& servers) {
   for (vFilename const& entry : found) servers.push_back(entry.getName());
 }
 
-vHandle<ProjectCatalog> CapiZonFactory::createProjectCatalog(vString const& host, vString const& server) {
+ProjectCatalog* CapiZonFactory::makeProjectCatalog(vString const& host, vString const& server) {
   mySetKVSROOT();
-  return vHandle<ProjectCatalog>(new ZonProjectCatalog(host, server));
+  return new ZonProjectCatalog(host, server);
+}
+
+Project* CapiZonFactory::makeProject(vHandle<ProjectCatalog> const& catalog) {
+  mySetKVSROOT();
+  return new ZonProject(catalog);
+}
+
+vHandle<ProjectCatalog> CapiZonFactory::createProjectCatalog(vString const& host, vString const& server) {
+  return vHandle<ProjectCatalog>(makeProjectCatalog(host, server));
 }
 
 vHandle<Project> CapiZonFactory::createProject(vHandle<ProjectCatalog> catalog) {
-  mySetKVSROOT();
-  return vHandle<Project>(new ZonProject(catalog));
+  return vHandle<Project>(makeProject(catalog));
 }

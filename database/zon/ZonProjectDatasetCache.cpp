@@ -47,15 +47,27 @@ int ZonProject::DatasetCache::Entry::resolve(int version) const {
 void ZonProject::DatasetCache::remove(vLCString const& name) {
   // A name may carry its version text as a third component.
   std::vector<vString> parts = local_split(name);
-  if (parts.size() > 2) {
-    m_map.erase(local_buildName(parts[0], parts[1]));
+  vLCString key = parts.size() > 2 ? local_buildName(parts[0], parts[1]) : name;
+  if (m_map.erase(key) == 0) m_stale = true;
+}
+
+void ZonProject::DatasetCache::remove(vLCString const& name, int version) {
+  std::vector<vString> parts = local_split(name);
+  vLCString key = parts.size() > 2 ? local_buildName(parts[0], parts[1]) : name;
+  Map::iterator it = m_map.find(key);
+  if (it == m_map.end()) {
+    m_stale = true;
+    return;
   }
-  m_map.erase(name);
+  it->second->versionTexts.erase(version);
+  it->second->details.erase(version);
+  if (it->second->versionTexts.empty()) m_map.erase(it);
 }
 
 void ZonProject::DatasetCache::myPopulateCache() {
   char const* const method = "ZonProject::DatasetCache::myPopulateCache";
   m_map.clear();
+  m_stale = false;
   m_project.setSession();
   std::string const project(m_project.m_kvsProject->getProject().c_str());
   std::string const server(m_project.m_kvsProject->getServer().c_str());
