@@ -16,6 +16,7 @@
 #include "filestore/segy/SegyDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
+#include "project/CapiMaker.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
@@ -51,6 +52,19 @@ ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE, v
 
 Project* makeZonProject(vHandle<ProjectCatalog> const& catalog) {
   return CapiZonFactory::makeProject(catalog);
+}
+
+vHandle<Store> makeZonStore(vHandle<Project> const& project) { return CapiZonFactory::createStore(project); }
+
+vHandle<Store> createServedZonStore(StoreDescription const& description, vLCString const& attributeSetName,
+                                    KeyList const& keys, StoreCreationOptions const*) {
+  return CapiZonFactory::createStore(description, attributeSetName, keys);
+}
+
+// The in-process sets of a database project (CapiAttributeSetW) are its
+// stores.
+vHandle<AttributeSet> makeZonSet(vHandle<Project> const& project, vLCString const&, vLCString const&) {
+  return vHandle_cast<AttributeSet>(CapiZonFactory::createStore(project));
 }
 
 // --- the stores, sets and views of the layers above the project layer ------
@@ -119,6 +133,8 @@ void registerRondoClasses() {
   ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
   ProjectFactory::registerMaker("ZonProject", &makeZonProject);
   ProjectCatalogFactory::registerZonServerLister(&CapiZonFactory::getAvailableServers);
+  StoreFactory::registerMakers("ZonStore", {&makeZonStore, nullptr, nullptr, &createServedZonStore});
+  CapiMaker::registerAttributeSetMaker(&makeZonSet);
   AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClientAttributeSet);
 }
 

@@ -3,6 +3,9 @@
 #include <vector>
 
 #include "database/zon/ZonProject.h"
+#include "database/zon/ZonStore.h"
+#include "project/ProjectFactory.h"
+#include "project/StoreDescription.h"
 #include "database/zon/ZonProjectCatalog.h"
 #include "foundation/vDatabases.h"
 #include "foundation/vFilename.h"
@@ -74,4 +77,16 @@ vHandle<ProjectCatalog> CapiZonFactory::createProjectCatalog(vString const& host
 
 vHandle<Project> CapiZonFactory::createProject(vHandle<ProjectCatalog> catalog) {
   return vHandle<Project>(makeProject(catalog));
+}
+
+vHandle<Store> CapiZonFactory::createStore(vHandle<Project> project) {
+  mySetKVSROOT();
+  return vHandle<Store>(new ZonStore(project));
+}
+
+vHandle<Store> CapiZonFactory::createStore(StoreDescription const& description, vLCString const& attributeSetName,
+                                           KeyList const& keys) {
+  vHandle<Store> store = createStore(ProjectFactory::openProject(description.getFullProjectName()));
+  store->create(description.getFullStoreName(), description.getStoreClass(), attributeSetName, keys, nullptr);
+  return store;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 #include "database/kvs/Kvs.h"
@@ -109,6 +110,18 @@ vHandle<ZonProject::DatasetCache::Entry> ZonProject::DatasetCache::find(vLCStrin
   Map::iterator it = m_map.find(name);
   if (it != m_map.end()) return it->second;
   std::vector<vString> parts = local_split(name);
+  if (parts.size() == 1) {
+    // An ident alone names the one dataset of that ident, whatever its type.
+    vHandle<Entry> only;
+    vString prefix(name);
+    prefix += vString(ZonProject::separator);
+    for (auto const& e : m_map) {
+      if (std::strncmp(e.first.c_str(), prefix.c_str(), prefix.length()) != 0) continue;
+      if (!only.isEmpty()) return vHandle<Entry>();
+      only = e.second;
+    }
+    return only;
+  }
   if (parts.size() != 3) return vHandle<Entry>();
   // ident,type,version: the one version only.
   it = m_map.find(local_buildName(parts[0], parts[1]));

@@ -78,6 +78,7 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   // A version named by text comes as a third component.
   EXPECT_TRUE(project->hasStore("top,hz,base", 0));
   EXPECT_TRUE(project->hasStore("top,hz", 1));
+  EXPECT_TRUE(project->hasStore("top", 0));  // the one dataset of that ident
   EXPECT_FALSE(project->hasStore("line12,seis", 3));
   EXPECT_FALSE(project->hasStore("l1,seis", 0));
 

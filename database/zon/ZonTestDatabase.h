@@ -39,12 +39,17 @@ class ZonTestDatabase {
     std::filesystem::create_directories(home);
     std::vector<kvs::KvsDtElement> d[4] = {
         {{"SHOT", 1, 0x494E5400u, 4}, {"X", 2, 0x464C5400u, 4}, {"Z", 3, 0x44424C00u, 8}, {"NAME", 4, 0, 8}},
-        {{"SEIS", 1}, {"HZ", 2}},
+        {{"SEIS", 1}, {"HZ", 2}, {"TAB", 3}},
         {{"SHOTS", 1, 1, 1}, {"RCVS", 2, 2, 0}},
         {{"SHOT", 1, 1}, {"RCV", 2}}};
     std::vector<unsigned char> bytes = kvs::KvsDtBuild(d);
     TestReleaseTree::write(home + "/KvsDict.bin", std::string(bytes.begin(), bytes.end()));
     TestReleaseTree::write(home + "/config.kvs", "Kvs.server: 127.0.0.1\nKvs.base: kvsd\n");
+    // The release's own system files (attribute vocabulary, class
+    // translations), for programs that this test starts.
+    for (auto const& file : std::filesystem::directory_iterator(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles"))
+      if (!std::filesystem::exists(tree.systemFilesDir() + file.path().filename().string()))
+        std::filesystem::copy_file(file.path(), tree.systemFilesDir() + file.path().filename().string());
     std::filesystem::create_directories(tree.root() + "/spool");
     tree.setEnv("TMPDIR", tree.root() + "/spool");
     tree.unsetEnv("KVSROOT");
