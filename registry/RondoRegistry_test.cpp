@@ -279,7 +279,7 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
 
   vHandle<Project> project = ProjectFactory::openProject(ProjectType::ZONMESH, "zonsite", "datahost", "SURVEY7");
   ASSERT_NE(nullptr, dynamic_cast<ZonProject*>(project.get()));
-  EXPECT_EQ("line1,seis ", storeNames(project, ""));
+  EXPECT_EQ("line1,seis.1 ", storeNames(project, ""));
   EXPECT_EQ(12u, project->getAttributeSetDetails("line1,seis", 0).front().getNInstances());
   ProjectFactory::emptyCache();
 }

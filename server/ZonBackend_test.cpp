@@ -55,7 +55,7 @@ TEST_F(ZonBackend, DatabaseProjectsAreListedAndRead) {
   std::vector<std::string> stores;
   vHandle<Project::StoreList> const names = project->getStoreList("", "");
   for (vLCString const& n : *names) stores.push_back(n.c_str());
-  EXPECT_EQ((std::vector<std::string>{"line1,tab", "line2,tab"}), stores);
+  EXPECT_EQ((std::vector<std::string>{"line1,tab.1", "line2,tab.1"}), stores);
 
   ClientAttributeSet line1(project);
   line1.open("line1,tab", 0, "", "", nullptr);

@@ -70,6 +70,7 @@ class ZonProject : public Project {
     StoreDetails getStoreDetails(vLCString const& name, int version);
     bool hasStore(vLCString const& name, int version);
     vHandle<Project::StoreDetailsList> getStoreDetailsList(vLCString const& storeClass, vLCString const& subClass);
+    // Every version of the matching stores, as "name.version".
     vHandle<Project::StoreList> getStoreList(vLCString const& storeClass, vLCString const& subClass);
     vHandle<Entry> find(vLCString const& name);
 

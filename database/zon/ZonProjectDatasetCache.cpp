@@ -200,8 +200,11 @@ vHandle<Project::StoreList> ZonProject::DatasetCache::getStoreList(vLCString con
     for (auto const& d : e.second->details) {
       if (!storeClass.isBlank() && d.second.getClass() != storeClass) continue;
       if (!subClass.isBlank() && d.second.getSubClass() != subClass) continue;
-      list->push_back(e.first);
-      break;
+      // Each version, as "name.version".
+      vLCString name(e.first);
+      name += '.';
+      name += vString::number(d.first);
+      list->push_back(name);
     }
   }
   return list;

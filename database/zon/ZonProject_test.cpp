@@ -66,7 +66,7 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   std::string stores;
   vHandle<Project::StoreList> list = project->getStoreList("", "");
   for (vLCString const& s : *list) stores += str(s) + ";";
-  EXPECT_EQ("line12,seis;top,hz;", stores);
+  EXPECT_EQ("line12,seis.1;line12,seis.2;top,hz.1;", stores);
   EXPECT_EQ(1u, project->getStoreList("hz", "")->size());
 
   StoreDetails newest = project->getStoreDetails("line12,seis", 0);
