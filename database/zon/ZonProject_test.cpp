@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "database/zon/CapiZon.h"
 #include "database/zon/CapiZonFactory.h"
 #include "database/zon/ZonTestDatabase.h"
 #include "foundation/ErrorHandler.h"
@@ -120,7 +121,14 @@ TEST_F(ZonProjects, SwitchingProjectsReactivatesOnlyOnChange) {
   ASSERT_TRUE(db.writeShots("alpha", "SEIS", "A", "1", 3));
   ASSERT_TRUE(db.writeShots("beta", "SEIS", "B", "1", 4));
   vHandle<ZonProject> alpha = openProject("alpha");
+  // With timers on, open prints each of its steps with the time of day.
+  CapiZon::enableTimers(true);
+  testing::internal::CaptureStdout();
   vHandle<ZonProject> beta = openProject("beta");
+  std::string const timed = testing::internal::GetCapturedStdout();
+  CapiZon::enableTimers(false);
+  for (char const* step : {"ZonProject::open 1: ", "ZonProject::open 2: ", "ZonProject::open 3: ", "ZonProject::open 4: "})
+    EXPECT_NE(std::string::npos, timed.find(step)) << timed;
   int before = vKvsActivate::getCounter();
   alpha->setSession();
   alpha->setSession();
