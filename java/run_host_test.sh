@@ -422,7 +422,8 @@ $(report 'Data set plain has 1 key attributes; a primary and a secondary are nee
     s="SeisServer survey7"
     # CDP is 1000 + row and OFFSET 100 * (row % 4): CDP of 40 rows sums to
     # 40820. The daemon is killed between two loads.
-    run_host connect SeisServer project $s contents $s - datainfo $s line1,tab sumi $s line1,tab CDP 40 \
+    run_host connect SeisServer project $s contents $s - contents $s table contents $s seismic \
+      datainfo $s line1,tab sumi $s line1,tab CDP 40 \
       bitsi $s line1,tab OFFSET 40 run "kill -9 $kvsd_pid" bitsi $s line2,tab CDP 8
     grep -E '^(Rondo|setNbElements|add|setProperty|Reason)' "$work/out" >"$work/got"
     offsets=$(for row in $(seq 40); do printf ' %d' $((100 * (row % 4))); done)
@@ -430,6 +431,8 @@ $(report 'Data set plain has 1 key attributes; a primary and a secondary are nee
       echo "RondoOpenConnection(SeisServer) = true"
       echo "RondoOpenProject(SeisServer, survey7) = true"
       echo "RondoGetContents(survey7, -) [line1,tab, line2,tab] = true"
+      echo "RondoGetContents(survey7, table) [line1,tab, line2,tab] = true"
+      echo "RondoGetContents(survey7, seismic) [] = true"
       echo "setNbElements(40)"
       echo "addStatisticOnAttribute(CDP, 0.0, 0.0)"
       echo "addKeyAttributeName(CDP, 1)"

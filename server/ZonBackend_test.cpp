@@ -56,6 +56,8 @@ TEST_F(ZonBackend, DatabaseProjectsAreListedAndRead) {
   vHandle<Project::StoreList> const names = project->getStoreList("", "");
   for (vLCString const& n : *names) stores.push_back(n.c_str());
   EXPECT_EQ((std::vector<std::string>{"line1,tab.1", "line2,tab.1"}), stores);
+  EXPECT_EQ(2u, project->getStoreList("table", "plain")->size());
+  EXPECT_TRUE(project->getStoreList("seismic", "")->empty());
 
   ClientAttributeSet line1(project);
   line1.open("line1,tab", 0, "", "", nullptr);

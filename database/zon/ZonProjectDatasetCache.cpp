@@ -6,6 +6,10 @@
 #include <vector>
 
 #include "database/kvs/Kvs.h"
+#include "database/kvs/KvsDict.h"
+#include "database/zon/ZonClassNamesTranslator.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
 #include "database/zon/ZonProject.h"
 #include "foundation/Message.h"
 #include "foundation/vDate.h"
@@ -30,6 +34,36 @@ std::vector<vString> local_split(vString const& name) {
     parts.push_back(vString(text.substr(at, cut - at).c_str()));
   parts.push_back(vString(text.substr(at).c_str()));
   return parts;
+}
+
+// The class and subclass of a dataset type, from the class translations:
+// every table of the dictionary that the translations pair with the type is
+// tried. One pairing gives both; several of one class give that class and
+// an "unknown" subclass; none gives "unknown" for both.
+std::pair<vLCString, vLCString> local_classOf(vString const& type) {
+  vLCString storeClass, subClass;
+  int found = 0;
+  for (long code = 1;; ++code) {
+    char const* table = kvs::KvsDtTabName(code);
+    if (table == nullptr) break;
+    vString className, subName;
+    try {
+      MessageHandling quiet;
+      ZonClassNamesTranslator::convertZonToRondoV(type, vString(table), className, subName);
+    } catch (UtlExcept const&) {
+      continue;
+    }
+    if (found++ == 0) {
+      storeClass = className;
+      subClass = subName;
+    } else {
+      if (vLCString(className) != storeClass) return std::make_pair(vLCString("unknown"), vLCString("unknown"));
+      if (vLCString(subName) != subClass) subClass = "unknown";
+    }
+  }
+  if (found == 0) return std::make_pair(vLCString("unknown"), vLCString("unknown"));
+  if (subClass.isBlank() || subClass == vLCString("-")) subClass = vLCString();
+  return std::make_pair(storeClass, subClass);
 }
 
 bool local_isNumber(std::string const& text) {
@@ -79,6 +113,7 @@ void ZonProject::DatasetCache::myPopulateCache() {
   // Versions by dataset first, so that texts that are not numbers can be
   // numbered after the numeric ones.
   std::map<vString, std::vector<kvs::KvsDatasetInfo const*> > byName;
+  std::map<vString, std::pair<vLCString, vLCString> > classes;
   for (int i = 0; i < info->count; ++i) {
     kvs::KvsDatasetInfo const& d = info->datasets[i];
     byName[local_buildName(d.ident, d.type)].push_back(&d);
@@ -95,8 +130,8 @@ void ZonProject::DatasetCache::myPopulateCache() {
       vDate created;
       created.setSeconds(d->created);
       vString type(d->type);
-      vLCString storeClass(type.isBlank() ? vString("unknown") : type);
-      StoreDetails details(named.first, number, storeClass, vLCString("unknown"), 0, vString(d->ident),
+      if (!classes.count(type)) classes[type] = local_classOf(type);
+      StoreDetails details(named.first, number, classes[type].first, classes[type].second, 0, vString(d->ident),
                            vString(d->version), created, vString(project.c_str()), 0, 0, ProjectType::ZONMESH);
       entry->versionTexts[number] = vString(d->version);
       entry->details[number] = details;

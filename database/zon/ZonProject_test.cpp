@@ -49,6 +49,7 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line12", "1", 30));
   ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line12", "2", 40));
   ASSERT_TRUE(db.writeShots("Survey7", "HZ", "Top", "base", 5));
+  ASSERT_TRUE(db.writeShots("Survey7", "TAB", "T1", "1", 2));
   ASSERT_TRUE(db.writeShots("other", "SEIS", "L1", "1", 1));
 
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
@@ -67,12 +68,17 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   std::string stores;
   vHandle<Project::StoreList> list = project->getStoreList("", "");
   for (vLCString const& s : *list) stores += str(s) + ";";
-  EXPECT_EQ("line12,seis.1;line12,seis.2;top,hz.1;", stores);
-  EXPECT_EQ(1u, project->getStoreList("hz", "")->size());
+  EXPECT_EQ("line12,seis.1;line12,seis.2;t1,tab.1;top,hz.1;", stores);
+  // The class of a dataset type is the one the class translations give it
+  // with a table of the dictionary; this dictionary has none for SEIS.
+  vHandle<Project::StoreList> tables = project->getStoreList("table", "plain");
+  ASSERT_EQ(1u, tables->size());
+  EXPECT_EQ("t1,tab.1", str(tables->front()));
 
   StoreDetails newest = project->getStoreDetails("line12,seis", 0);
   EXPECT_EQ(2, newest.getVersion());
-  EXPECT_EQ("seis", str(newest.getClass()));
+  EXPECT_EQ("unknown", str(newest.getClass()));
+  EXPECT_EQ("unknown", str(newest.getSubClass()));
   EXPECT_EQ(ProjectType::ZONMESH, newest.getProjectType());
   EXPECT_GT(newest.getDate().getSeconds(), 1000000000L);
   EXPECT_EQ(1, project->getStoreDetails("line12,seis", 1).getVersion());
