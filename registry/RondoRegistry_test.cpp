@@ -281,5 +281,21 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   ASSERT_NE(nullptr, dynamic_cast<ZonProject*>(project.get()));
   EXPECT_EQ("line1,seis.1 ", storeNames(project, ""));
   EXPECT_EQ(12u, project->getAttributeSetDetails("line1,seis", 0).front().getNInstances());
+
+  // A store made from its description alone goes to the default server's
+  // project, as a dataset of the type its class translates to.
+  KeyList keys;
+  keys.addKey(Attribute("SHOT", "", vINT32));
+  vHandle<Store> made =
+      StoreFactory::createStore(StoreDescription(vString("zonmesh::datahost:survey7:made#table#")), "plain", keys, nullptr);
+  made->addInstances(3);
+  Attribute shots("SHOT", "", vINT32);
+  shots.resize(3);
+  for (unsigned int i = 1; i <= 3; ++i) shots.setInt32(i, static_cast<int>(10 * i));
+  made->write(shots, 1, 3);
+  made->close();
+  vHandle_cast<ZonProject>(project)->emptyDatasetCache();
+  EXPECT_EQ("made,tab.1 ", storeNames(project, "table"));
+  EXPECT_EQ(3u, project->getAttributeSetDetails("made,tab", 0).front().getNInstances());
   ProjectFactory::emptyCache();
 }
