@@ -30,6 +30,11 @@
 #            named after it (line1.cstf): attributes the mapping computes,
 #            and the trace through it, loaded by the host and compared
 #            with values worked out from what segyio reads
+#   zon      the database back end: a real kvsd on a free loopback port,
+#            the server folder and two plain tables written by zonload, and
+#            a server with BACKEND Zonmesh: contents, data info, loads; the
+#            daemon killed between two loads; then the daemon unreachable
+#            when the project is opened
 # The line the client prints when it starts a server carries a generated
 # address and the build number: it is compared with both left out.
 # Exit 0 on a match, 1 on a mismatch, 77 when no JVM of the library's width
@@ -433,6 +438,79 @@ PY
       fail "the host's values differ from those worked out from segyio's"
     fi
     [ "$status" = 0 ] || fail "exit code $status, expected 0"
+    ;;
+  zon)
+    [ -x "${KVSD:-}" ] || fail "KVSD must name the kvsd program"
+    [ -x "${ZONLOAD:-}" ] || fail "ZONLOAD must name the zonload program"
+    # A release tree of the test's own: the system files of the checkout, a
+    # site configuration whose default database is "zonsite", and that
+    # server's client folder. The library sets KVSROOT, KVSPROJ and KVSDICT
+    # itself; what the caller had is not seen here, and is back after this
+    # script.
+    unset KVSROOT KVSPROJ KVSDICT
+    rel=$work/rel
+    mkdir -p "$rel/SystemFiles" "$rel/SupportFiles/CapiZon/zonsite" "$work/kvsd" "$work/tmp"
+    cp "$here/../release/SystemFiles/"* "$rel/SystemFiles/"
+    printf '[aliases]\nzondemo.example = zonsite\n[zonsite]\nProductionDatabase = kvs1\n' \
+      >"$rel/SystemFiles/DatabaseConfig.ini"
+    export VREL=$rel/ DORN_DOMAIN=zondemo.example TMPDIR=$work/tmp
+    "$KVSD" -d "$work/kvsd" -p 0 >"$work/kvsd.port" 2>"$work/kvsd.err" &
+    kvsd_pid=$!
+    trap 'kill -9 $kvsd_pid 2>/dev/null || true' EXIT
+    for _ in $(seq 100); do [ -s "$work/kvsd.port" ] && break; sleep 0.05; done
+    KVSPORT=$(head -1 "$work/kvsd.port")
+    [ -n "$KVSPORT" ] || fail "kvsd did not start"
+    export KVSPORT
+    "$ZONLOAD" dictionary "$rel/SupportFiles/CapiZon/zonsite" 127.0.0.1 || fail "zonload dictionary"
+    "$ZONLOAD" table zonsite Survey7 LINE1 40 >"$work/zonload.out" 2>&1 || fail "zonload table LINE1"
+    "$ZONLOAD" table zonsite Survey7 LINE2 8 >>"$work/zonload.out" 2>&1 || fail "zonload table LINE2"
+    export SP_DATASERVER_BACKEND=Zonmesh FS_CLUSTERS="seisserver=$this_host"
+    host_class=RondoDataHost
+    s="SeisServer survey7"
+    # CDP is 1000 + row and OFFSET 100 * (row % 4): CDP of 40 rows sums to
+    # 40820. The daemon is killed between two loads.
+    run_host connect SeisServer project $s contents $s - contents $s table contents $s seismic \
+      datainfo $s line1,tab sumi $s line1,tab CDP 40 \
+      bitsi $s line1,tab OFFSET 40 run "kill -9 $kvsd_pid" bitsi $s line2,tab CDP 8
+    grep -E '^(Rondo|setNbElements|add|setProperty|Reason)' "$work/out" >"$work/got"
+    offsets=$(for row in $(seq 40); do printf ' %d' $((100 * (row % 4))); done)
+    {
+      echo "RondoOpenConnection(SeisServer) = true"
+      echo "RondoOpenProject(SeisServer, survey7) = true"
+      echo "RondoGetContents(survey7, -) [line1,tab, line2,tab] = true"
+      echo "RondoGetContents(survey7, table) [line1,tab, line2,tab] = true"
+      echo "RondoGetContents(survey7, seismic) [] = true"
+      echo "setNbElements(40)"
+      echo "addStatisticOnAttribute(CDP, 0.0, 0.0)"
+      echo "addKeyAttributeName(CDP, 1)"
+      echo "addStatisticOnAttribute(OFFSET, 0.0, 0.0)"
+      echo "addKeyAttributeName(OFFSET, 1)"
+      echo "setProperty(Primary Key, CDP)"
+      echo "setProperty(Secondary Key, OFFSET)"
+      echo "addStatisticOnAttribute(CDP, 0.0, 0.0)"
+      echo "addAttributeName(CDP, 1)"
+      echo "addStatisticOnAttribute(ELEV, 0.0, 0.0)"
+      echo "addAttributeName(ELEV, 2)"
+      echo "addStatisticOnAttribute(OFFSET, 0.0, 0.0)"
+      echo "addAttributeName(OFFSET, 1)"
+      echo "RondoGetDataInfo(line1,tab) = true"
+      echo "RondoLoadAttributeI(line1,tab, CDP) n=40 sum=40820 crc=a054d851 = true"
+      echo "RondoLoadAttributeI(line1,tab, OFFSET) n=40$offsets = true"
+      echo "Reason: 'Server said:-o Error opening store line2,tab:%E Could not receive data from server on 127.0.0.1 in method 'COBPortal::myMessage'"
+    } >"$work/expected"
+    if ! cmp -s "$work/expected" "$work/got"; then
+      diff -u "$work/expected" "$work/got" >&2 || true
+      cat "$work/err" >&2
+      fail "the host's view of the database differs"
+    fi
+    [ "$status" = 255 ] || fail "exit code $status, expected 255"
+    # The daemon gone when the project is opened: the server's report, and
+    # the open answers false.
+    run_host connect SeisServer project $s
+    grep -qxF "Server said:-o Unable to initialise KVS:  Server='zonsite'  Project='dummy'  error=9 '%S Could not find kvsd server (PORT $KVSPORT) on 127.0.0.1'  KVSROOT='${rel}/SupportFiles/CapiZon/zonsite'" "$work/out" ||
+      { cat "$work/out" >&2; fail "no report of the unreachable daemon"; }
+    grep -qx 'RondoOpenProject(SeisServer, survey7) = false' "$work/out" || fail "the project was opened"
+    [ "$status" = 1 ] || fail "exit code $status, expected 1"
     ;;
   *)
     fail "unknown scenario $scenario"

@@ -4,13 +4,8 @@
 #include <fstream>
 #include <string>
 
-#include <vector>
-
-#include "foundation/vDatabases.h"
-#include "foundation/vFilename.h"
 #include "foundation/vUtl.h"
 #include "project/ProjectDescription.h"
-#include "syslayer/FS.h"
 
 bool Capi::disableRondoDataServer() {
   static bool const disabled = [] {
@@ -23,23 +18,6 @@ bool Capi::disableRondoDataServer() {
 }
 
 bool Capi::haveCapiZon() { return true; }
-
-vString Capi::getDefaultCapiZonServer() {
-  vString name(vDatabases::getDefaultDatabaseEntry().getName().c_str());
-  vString home = vUtl::supportFilesDirectory();
-  home += "CapiZon/";
-  home += name;
-  if (FS::exists(vFilename(home))) return name;
-  return vString();
-}
-
-void Capi::getCapiZonAvailableServers(std::list<vString>& servers) {
-  vString pattern = vUtl::supportFilesDirectory();
-  pattern += "CapiZon/*";
-  std::vector<vFilename> found;
-  FS::getMatchingFiles(pattern, found);
-  for (vFilename const& entry : found) servers.push_back(entry.getName());
-}
 
 vString Capi::getDefaultProjectString() {
   vString home = vUtl::homeDirectory();

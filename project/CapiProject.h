@@ -5,8 +5,6 @@
 // projects: whether the data server is bypassed, which back ends the build
 // has, and the user's default project.
 
-#include <list>
-
 #include "foundation/vString.h"
 
 class ProjectDescription;
@@ -18,15 +16,6 @@ namespace Capi {
 bool disableRondoDataServer();
 // The database back end is part of every build.
 bool haveCapiZon();
-
-// The database servers this installation has client files for: one folder
-// per server under the support files' "CapiZon/". The default is the
-// database of this host's domain (vDatabases), or blank when its folder is
-// not installed; a domain the configuration does not list is fatal there.
-vString getDefaultCapiZonServer();
-// Every folder there, by its last name component, in byte order; appended
-// to the list.
-void getCapiZonAvailableServers(std::list<vString>& servers);
 
 // The first line of ~/.vproject; else the first word of ./.project, with
 // "r::" in front when it holds no ':'; else "r:::".

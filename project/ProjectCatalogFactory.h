@@ -43,6 +43,12 @@ class ProjectCatalogFactory {
   static ProjectCatalog* make(char const* label, vString const& className, vString const& host,
                               ProjectType::PROJECT_TYPE type, vString const& server);
 
+  // The database servers that the prompt of enter() lists on "-l": the
+  // database back end registers its own. Returns the one it replaces; with
+  // none, the list is empty.
+  typedef void (*ServerLister)(std::list<vString>& servers);
+  static ServerLister registerZonServerLister(ServerLister lister);
+
   // The number of cached catalogs.
   static unsigned int getCacheSize();
 

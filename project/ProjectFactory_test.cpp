@@ -373,10 +373,12 @@ class Terminal {
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   DefaultProjectGuard guard;
   Recorder recorder;
-  // The list offered is that of the database servers installed.
-  TestReleaseTree tree;
-  for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"})
-    std::filesystem::create_directories(tree.releaseDir() + "SupportFiles/CapiZon/" + centre);
+  // The list offered is the one of the registered lister (the database
+  // back end's servers).
+  ProjectCatalogFactory::ServerLister previous =
+      ProjectCatalogFactory::registerZonServerLister([](std::list<vString>& servers) {
+        for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(centre);
+      });
   vHandle<ProjectCatalog> catalog;
   std::string output;
   {
@@ -395,6 +397,7 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
       "KVS centre name [-l for list] []: "
       "data host name [uthostY]: ",
       output);
+  ProjectCatalogFactory::registerZonServerLister(previous);
 }
 
 TEST(ProjectCatalogFactory, EnterStartsFromTheDefaultProject) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "database/zon/CapiZonFactory.h"
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
@@ -21,6 +22,7 @@
 #include "filestore/shapefile/ShapefileDiskStore.h"
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
+#include "project/CapiMaker.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
@@ -46,6 +48,29 @@ Project* makeClientProject(vHandle<ProjectCatalog> const& catalog) { return new 
 
 vHandle<AttributeSet> makeClientAttributeSet(vHandle<Project> const& project) {
   return vHandle<AttributeSet>(new ClientAttributeSet(project));
+}
+
+// --- the database back end, linked into the process --------------------------
+
+ProjectCatalog* makeZonCatalog(vString const& host, ProjectType::PROJECT_TYPE, vString const& server) {
+  return CapiZonFactory::makeProjectCatalog(host, server);
+}
+
+Project* makeZonProject(vHandle<ProjectCatalog> const& catalog) {
+  return CapiZonFactory::makeProject(catalog);
+}
+
+vHandle<Store> makeZonStore(vHandle<Project> const& project) { return CapiZonFactory::createStore(project); }
+
+vHandle<Store> createServedZonStore(StoreDescription const& description, vLCString const& attributeSetName,
+                                    KeyList const& keys, StoreCreationOptions const*) {
+  return CapiZonFactory::createStore(description, attributeSetName, keys);
+}
+
+// The in-process sets of a database project (CapiAttributeSetW) are its
+// stores.
+vHandle<AttributeSet> makeZonSet(vHandle<Project> const& project, vLCString const&, vLCString const&) {
+  return vHandle_cast<AttributeSet>(CapiZonFactory::createStore(project));
 }
 
 // --- the stores, sets and views of the layers above the project layer ------
@@ -186,10 +211,16 @@ void registerRondoClasses() {
   StoreFactory::registerAttributeMapping(
       {&AttributeMappingDecorator::resolveMapFilename, &StoreDecoratorFactory::addAttributeMapping});
   // The client proxies, through which the catalogs, projects and sets of a
-  // data server are reached; the database projects join here as they are
-  // linked in.
+  // data server are reached; and the database back end.
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog);
   ProjectFactory::registerMaker("ClientProject", &makeClientProject);
+  // Projects of type Zonmesh live in a database that this process reaches
+  // itself, through the Kvs library; the prompt lists its servers.
+  ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
+  ProjectFactory::registerMaker("ZonProject", &makeZonProject);
+  ProjectCatalogFactory::registerZonServerLister(&CapiZonFactory::getAvailableServers);
+  StoreFactory::registerMakers("ZonStore", {&makeZonStore, nullptr, nullptr, &createServedZonStore});
+  CapiMaker::registerAttributeSetMaker(&makeZonSet);
   AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClientAttributeSet);
 }
 

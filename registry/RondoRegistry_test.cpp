@@ -4,10 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "database/zon/ZonProject.h"
+#include "database/zon/ZonProjectCatalog.h"
+#include "database/zon/ZonTestDatabase.h"
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
@@ -297,3 +303,45 @@ TEST(RondoRegistryFdm, FdmFilesOpenAsFdmStores) {
 }
 
 }  // namespace
+
+// Projects of type Zonmesh are the database back end linked into the
+// process: the prompt lists the installed database servers, and the
+// factories give catalogs and projects that read a real kvsd.
+TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
+  registerRondoClasses();
+  ZonTestDatabase db;
+  ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line1", "1", 12));
+  std::filesystem::create_directories(db.tree.releaseDir() + "SupportFiles/CapiZon/second");
+
+  std::istringstream answers("z\n-l\nzonsite\ndatahost\n");
+  std::streambuf* oldIn = std::cin.rdbuf(answers.rdbuf());
+  testing::internal::CaptureStdout();
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::enter(ProjectType::NOTYPE, "", "");
+  std::string shown = testing::internal::GetCapturedStdout();
+  std::cin.rdbuf(oldIn);
+  EXPECT_NE(std::string::npos, shown.find("         second        zonsite\n")) << shown;
+  EXPECT_NE(nullptr, dynamic_cast<ZonProjectCatalog*>(catalog.get()));
+  EXPECT_EQ("zonsite", str(catalog->getServer()));
+
+  vHandle<Project> project = ProjectFactory::openProject(ProjectType::ZONMESH, "zonsite", "datahost", "SURVEY7");
+  ASSERT_NE(nullptr, dynamic_cast<ZonProject*>(project.get()));
+  EXPECT_EQ("line1,seis.1 ", storeNames(project, ""));
+  EXPECT_EQ(12u, project->getAttributeSetDetails("line1,seis", 0).front().getNInstances());
+
+  // A store made from its description alone goes to the default server's
+  // project, as a dataset of the type its class translates to.
+  KeyList keys;
+  keys.addKey(Attribute("SHOT", "", vINT32));
+  vHandle<Store> made =
+      StoreFactory::createStore(StoreDescription(vString("zonmesh::datahost:survey7:made#table#")), "plain", keys, nullptr);
+  made->addInstances(3);
+  Attribute shots("SHOT", "", vINT32);
+  shots.resize(3);
+  for (unsigned int i = 1; i <= 3; ++i) shots.setInt32(i, static_cast<int>(10 * i));
+  made->write(shots, 1, 3);
+  made->close();
+  vHandle_cast<ZonProject>(project)->emptyDatasetCache();
+  EXPECT_EQ("made,tab.1 ", storeNames(project, "table"));
+  EXPECT_EQ(3u, project->getAttributeSetDetails("made,tab", 0).front().getNInstances());
+  ProjectFactory::emptyCache();
+}

@@ -12,6 +12,7 @@
 #include "foundation/SystemPropertyManager.h"
 #include "foundation/vTokenizer.h"
 #include "project/AttributeSetFactory.h"
+#include "project/CapiAttributeSetW.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreDetails.h"
@@ -155,6 +156,9 @@ DataServerBackend::StoreKey DataServerBackend::myStoreKey(vHandle<Project> const
 vHandle<AttributeSet> DataServerBackend::newSet(vHandle<Project> const& project) {
   if (project->getProjectType() == ProjectType::FLATFILE)
     return vHandle<AttributeSet>(new DirectoryAttributeSet(project));
+  // A database project is read by this process itself, whatever host the
+  // client named.
+  if (project->getProjectType() == ProjectType::ZONMESH) return vHandle<AttributeSet>(new CapiAttributeSetW(project));
   return AttributeSetFactory::create(project);
 }
 

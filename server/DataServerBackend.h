@@ -7,7 +7,9 @@
 // "DataServer" (SP_DATASERVER_BACKEND in the environment). Not set, or set
 // to "directory", FlatFile or its number, it is the directory of projects
 // of DirectoryProjectCatalog; otherwise a project type name or number whose
-// catalog the project factories make, such as UnitTest. A type whose
+// catalog the project factories make, such as UnitTest, or Zonmesh for the
+// database back end (the projects of the Kvs database that this process's
+// support files name, each store read in-process). A type whose
 // catalog would be a client of a data server is refused when the server
 // starts, before any catalog is made: a server never starts a server.
 //

@@ -3,6 +3,9 @@
 #include <vector>
 
 #include "database/zon/ZonProject.h"
+#include "database/zon/ZonStore.h"
+#include "project/ProjectFactory.h"
+#include "project/StoreDescription.h"
 #include "database/zon/ZonProjectCatalog.h"
 #include "foundation/vDatabases.h"
 #include "foundation/vFilename.h"
@@ -58,12 +61,32 @@ void CapiZonFactory::getAvailableServers(std::list<vString>& servers) {
   for (vFilename const& entry : found) servers.push_back(entry.getName());
 }
 
-vHandle<ProjectCatalog> CapiZonFactory::createProjectCatalog(vString const& host, vString const& server) {
+ProjectCatalog* CapiZonFactory::makeProjectCatalog(vString const& host, vString const& server) {
   mySetKVSROOT();
-  return vHandle<ProjectCatalog>(new ZonProjectCatalog(host, server));
+  return new ZonProjectCatalog(host, server);
+}
+
+Project* CapiZonFactory::makeProject(vHandle<ProjectCatalog> const& catalog) {
+  mySetKVSROOT();
+  return new ZonProject(catalog);
+}
+
+vHandle<ProjectCatalog> CapiZonFactory::createProjectCatalog(vString const& host, vString const& server) {
+  return vHandle<ProjectCatalog>(makeProjectCatalog(host, server));
 }
 
 vHandle<Project> CapiZonFactory::createProject(vHandle<ProjectCatalog> catalog) {
+  return vHandle<Project>(makeProject(catalog));
+}
+
+vHandle<Store> CapiZonFactory::createStore(vHandle<Project> project) {
   mySetKVSROOT();
-  return vHandle<Project>(new ZonProject(catalog));
+  return vHandle<Store>(new ZonStore(project));
+}
+
+vHandle<Store> CapiZonFactory::createStore(StoreDescription const& description, vLCString const& attributeSetName,
+                                           KeyList const& keys) {
+  vHandle<Store> store = createStore(ProjectFactory::openProject(description.getFullProjectName()));
+  store->create(description.getFullStoreName(), description.getStoreClass(), attributeSetName, keys, nullptr);
+  return store;
 }

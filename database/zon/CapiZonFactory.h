@@ -34,6 +34,10 @@ class CapiZonFactory {
 
   static vHandle<ProjectCatalog> createProjectCatalog(vString const& host, vString const& server);
   static vHandle<Project> createProject(vHandle<ProjectCatalog> catalog);
+  // The same, for the factories' makers, which take the new object into a
+  // handle of their own.
+  static ProjectCatalog* makeProjectCatalog(vString const& host, vString const& server);
+  static Project* makeProject(vHandle<ProjectCatalog> const& catalog);
   static vHandle<Store> createStore(vHandle<Project> project);
   // A new store of the description's project, made under the description's
   // name and class with that attribute set and keys.

@@ -130,7 +130,7 @@ bool ZonProject::deleteStore(vLCString const& name, int version, vLCString const
   int rc = kvs::KvsDelete(dataset);
   kvs::KvsRemove(dataset);
   if (rc != 0) Message::fatal(method, 0, "Error deleting store %s: %s", name.c_str(), kvs::kvsErrorString.c_str());
-  m_cache->remove(name);
+  m_cache->remove(name, number);
   return true;
 }
 

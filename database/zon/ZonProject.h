@@ -48,9 +48,15 @@ class ZonProject : public Project {
 
     explicit DatasetCache(ZonProject& project) : m_project(project) {}
 
-    bool empty() const { return m_map.empty(); }
+    // Empty, or told of a change it cannot place: the next look-up lists
+    // the datasets again.
+    bool empty() const { return m_map.empty() || m_stale; }
     void clear() { m_map.clear(); }
+    // Drops a store; a name the cache does not hold (a store just made)
+    // makes the whole cache stale.
     void remove(vLCString const& name);
+    // Drops one version of a store, and the store with its last version.
+    void remove(vLCString const& name, int version);
     // Lists the project's datasets into the cache, replacing what was held.
     void myPopulateCache();
     // From a store name (and the wanted version as text, "0" or blank for the
@@ -64,12 +70,14 @@ class ZonProject : public Project {
     StoreDetails getStoreDetails(vLCString const& name, int version);
     bool hasStore(vLCString const& name, int version);
     vHandle<Project::StoreDetailsList> getStoreDetailsList(vLCString const& storeClass, vLCString const& subClass);
+    // Every version of the matching stores, as "name.version".
     vHandle<Project::StoreList> getStoreList(vLCString const& storeClass, vLCString const& subClass);
     vHandle<Entry> find(vLCString const& name);
 
    private:
     ZonProject& m_project;
     Map m_map;
+    bool m_stale = false;
   };
 
   explicit ZonProject(vHandle<ProjectCatalog> const& catalog);

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 #include "database/kvs/Kvs.h"
+#include "database/kvs/KvsDict.h"
+#include "database/zon/ZonClassNamesTranslator.h"
+#include "foundation/MessageHandling.h"
+#include "foundation/UtlExcept.h"
 #include "database/zon/ZonProject.h"
 #include "foundation/Message.h"
 #include "foundation/vDate.h"
@@ -31,6 +36,36 @@ std::vector<vString> local_split(vString const& name) {
   return parts;
 }
 
+// The class and subclass of a dataset type, from the class translations:
+// every table of the dictionary that the translations pair with the type is
+// tried. One pairing gives both; several of one class give that class and
+// an "unknown" subclass; none gives "unknown" for both.
+std::pair<vLCString, vLCString> local_classOf(vString const& type) {
+  vLCString storeClass, subClass;
+  int found = 0;
+  for (long code = 1;; ++code) {
+    char const* table = kvs::KvsDtTabName(code);
+    if (table == nullptr) break;
+    vString className, subName;
+    try {
+      MessageHandling quiet;
+      ZonClassNamesTranslator::convertZonToRondoV(type, vString(table), className, subName);
+    } catch (UtlExcept const&) {
+      continue;
+    }
+    if (found++ == 0) {
+      storeClass = className;
+      subClass = subName;
+    } else {
+      if (vLCString(className) != storeClass) return std::make_pair(vLCString("unknown"), vLCString("unknown"));
+      if (vLCString(subName) != subClass) subClass = "unknown";
+    }
+  }
+  if (found == 0) return std::make_pair(vLCString("unknown"), vLCString("unknown"));
+  if (subClass.isBlank() || subClass == vLCString("-")) subClass = vLCString();
+  return std::make_pair(storeClass, subClass);
+}
+
 bool local_isNumber(std::string const& text) {
   if (text.empty() || text.size() > 9) return false;
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -47,15 +82,27 @@ int ZonProject::DatasetCache::Entry::resolve(int version) const {
 void ZonProject::DatasetCache::remove(vLCString const& name) {
   // A name may carry its version text as a third component.
   std::vector<vString> parts = local_split(name);
-  if (parts.size() > 2) {
-    m_map.erase(local_buildName(parts[0], parts[1]));
+  vLCString key = parts.size() > 2 ? local_buildName(parts[0], parts[1]) : name;
+  if (m_map.erase(key) == 0) m_stale = true;
+}
+
+void ZonProject::DatasetCache::remove(vLCString const& name, int version) {
+  std::vector<vString> parts = local_split(name);
+  vLCString key = parts.size() > 2 ? local_buildName(parts[0], parts[1]) : name;
+  Map::iterator it = m_map.find(key);
+  if (it == m_map.end()) {
+    m_stale = true;
+    return;
   }
-  m_map.erase(name);
+  it->second->versionTexts.erase(version);
+  it->second->details.erase(version);
+  if (it->second->versionTexts.empty()) m_map.erase(it);
 }
 
 void ZonProject::DatasetCache::myPopulateCache() {
   char const* const method = "ZonProject::DatasetCache::myPopulateCache";
   m_map.clear();
+  m_stale = false;
   m_project.setSession();
   std::string const project(m_project.m_kvsProject->getProject().c_str());
   std::string const server(m_project.m_kvsProject->getServer().c_str());
@@ -66,6 +113,7 @@ void ZonProject::DatasetCache::myPopulateCache() {
   // Versions by dataset first, so that texts that are not numbers can be
   // numbered after the numeric ones.
   std::map<vString, std::vector<kvs::KvsDatasetInfo const*> > byName;
+  std::map<vString, std::pair<vLCString, vLCString> > classes;
   for (int i = 0; i < info->count; ++i) {
     kvs::KvsDatasetInfo const& d = info->datasets[i];
     byName[local_buildName(d.ident, d.type)].push_back(&d);
@@ -82,8 +130,8 @@ void ZonProject::DatasetCache::myPopulateCache() {
       vDate created;
       created.setSeconds(d->created);
       vString type(d->type);
-      vLCString storeClass(type.isBlank() ? vString("unknown") : type);
-      StoreDetails details(named.first, number, storeClass, vLCString("unknown"), 0, vString(d->ident),
+      if (!classes.count(type)) classes[type] = local_classOf(type);
+      StoreDetails details(named.first, number, classes[type].first, classes[type].second, 0, vString(d->ident),
                            vString(d->version), created, vString(project.c_str()), 0, 0, ProjectType::ZONMESH);
       entry->versionTexts[number] = vString(d->version);
       entry->details[number] = details;
@@ -97,6 +145,18 @@ vHandle<ZonProject::DatasetCache::Entry> ZonProject::DatasetCache::find(vLCStrin
   Map::iterator it = m_map.find(name);
   if (it != m_map.end()) return it->second;
   std::vector<vString> parts = local_split(name);
+  if (parts.size() == 1) {
+    // An ident alone names the one dataset of that ident, whatever its type.
+    vHandle<Entry> only;
+    vString prefix(name);
+    prefix += vString(ZonProject::separator);
+    for (auto const& e : m_map) {
+      if (std::strncmp(e.first.c_str(), prefix.c_str(), prefix.length()) != 0) continue;
+      if (!only.isEmpty()) return vHandle<Entry>();
+      only = e.second;
+    }
+    return only;
+  }
   if (parts.size() != 3) return vHandle<Entry>();
   // ident,type,version: the one version only.
   it = m_map.find(local_buildName(parts[0], parts[1]));
@@ -175,8 +235,11 @@ vHandle<Project::StoreList> ZonProject::DatasetCache::getStoreList(vLCString con
     for (auto const& d : e.second->details) {
       if (!storeClass.isBlank() && d.second.getClass() != storeClass) continue;
       if (!subClass.isBlank() && d.second.getSubClass() != subClass) continue;
-      list->push_back(e.first);
-      break;
+      // Each version, as "name.version".
+      vLCString name(e.first);
+      name += '.';
+      name += vString::number(d.first);
+      list->push_back(name);
     }
   }
   return list;

@@ -1,7 +1,8 @@
-#include "project/CapiProject.h"
+#include "database/zon/CapiZonFactory.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <list>
 #include <string>
@@ -24,36 +25,44 @@ std::string joined(std::list<vString> const& list) {
 // The database client files of each server live in a folder of the support
 // files; the default server is the one of this host's domain, and only when
 // its folder is installed.
-TEST(CapiProject, ZonServersComeFromTheInstalledClientFolders) {
+TEST(CapiZonFactory, ServersComeFromTheInstalledClientFolders) {
   TestReleaseTree tree;
   tree.writeSystemFile("DatabaseConfig.ini",
                        "[aliases]\ntestdomain.example = houston\n[houston]\nProductionDatabase = hprod\n"
                        "[london]\nProductionDatabase = lprod\n");
   vDatabases::clearCache();
   std::string zon = tree.releaseDir() + "SupportFiles/CapiZon/";
+  tree.unsetEnv("KVSROOT");
+  tree.unsetEnv("KVSPROJ");
 
+  // The first factory action gives the library its defaults: the default
+  // database's folder and the default project.
   std::list<vString> servers;
-  Capi::getCapiZonAvailableServers(servers);
+  CapiZonFactory::getAvailableServers(servers);
   EXPECT_TRUE(servers.empty());
-  EXPECT_EQ("", str(Capi::getDefaultCapiZonServer()));
+  EXPECT_EQ(zon + "houston", std::string(std::getenv("KVSROOT")));
+  EXPECT_EQ("1006400", std::string(std::getenv("KVSPROJ")));
+  EXPECT_FALSE(CapiZonFactory::KVSROOTexists());
+  EXPECT_EQ("", str(CapiZonFactory::getDefaultServer()));
 
   std::filesystem::create_directories(zon + "london");
-  EXPECT_EQ("", str(Capi::getDefaultCapiZonServer()));
+  EXPECT_EQ("", str(CapiZonFactory::getDefaultServer()));
   std::filesystem::create_directories(zon + "houston");
   std::filesystem::create_directories(zon + "paris.v2");
   TestReleaseTree::write(zon + "notes", "a plain file is listed as the folder lists it\n");
   TestReleaseTree::write(zon + ".hidden", "");
-  EXPECT_EQ("houston", str(Capi::getDefaultCapiZonServer()));
+  EXPECT_EQ("houston", str(CapiZonFactory::getDefaultServer()));
+  EXPECT_TRUE(CapiZonFactory::KVSROOTexists());
 
   servers.push_back("kept");
-  Capi::getCapiZonAvailableServers(servers);
+  CapiZonFactory::getAvailableServers(servers);
   EXPECT_EQ("kept;houston;london;notes;paris.v2;", joined(servers));
 
   tree.setEnv("DORN_DOMAIN", "branch.example");
-  expectFatal([] { Capi::getDefaultCapiZonServer(); }, "vDatabases::get",
+  expectFatal([] { CapiZonFactory::getDefaultServer(); }, "vDatabases::get",
               "Domain 'branch.example' not found in the database configuration file '" + tree.systemFilesDir() +
                   "DatabaseConfig.ini'!");
   tree.setEnv("DORN_DOMAIN", "london");
-  EXPECT_EQ("london", str(Capi::getDefaultCapiZonServer()));
+  EXPECT_EQ("london", str(CapiZonFactory::getDefaultServer()));
   vDatabases::clearCache();
 }

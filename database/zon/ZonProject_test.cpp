@@ -1,0 +1,185 @@
+#include "database/zon/ZonProject.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "database/zon/CapiZon.h"
+#include "database/zon/CapiZonFactory.h"
+#include "database/zon/ZonTestDatabase.h"
+#include "foundation/ErrorHandler.h"
+#include "foundation/RaiseError.h"
+
+namespace {
+
+std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+
+// Keeps what the handlers are given, and passes it on.
+class Recorder : public ErrorHandler {
+ public:
+  std::vector<std::string> lines;
+  Recorder() { RaiseError::getInstance()->install(this); }
+  ~Recorder() override { RaiseError::getInstance()->uninstall(this); }
+
+ protected:
+  void doFatal(char const* label, int, char const* text) override { lines.push_back(std::string("F:") + label + ":" + text); }
+  void doError(char const* label, int, char const* text) override { lines.push_back(std::string("E:") + label + ":" + text); }
+  void doInfo(char const* label, int, char const* text) override { lines.push_back(std::string("I:") + label + ":" + text); }
+};
+
+struct ZonProjects : ::testing::Test {
+  ZonTestDatabase db;
+  vHandle<ProjectCatalog> catalog = CapiZonFactory::createProjectCatalog("datahost", "");
+
+  vHandle<ZonProject> openProject(char const* name) {
+    vHandle<Project> project = CapiZonFactory::createProject(catalog);
+    project->open(name);
+    return vHandle_cast<ZonProject>(project);
+  }
+};
+
+}  // namespace
+
+// The catalog lists the server's projects; a project opened in another case
+// takes the server's spelling, and its stores are the datasets by ident and
+// type, each version with its details and its tables.
+TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
+  ASSERT_GT(db.port(), 0);
+  ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line12", "1", 30));
+  ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line12", "2", 40));
+  ASSERT_TRUE(db.writeShots("Survey7", "HZ", "Top", "base", 5));
+  ASSERT_TRUE(db.writeShots("Survey7", "TAB", "T1", "1", 2));
+  ASSERT_TRUE(db.writeShots("other", "SEIS", "L1", "1", 1));
+
+  EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
+  EXPECT_EQ("zonsite", str(catalog->getServer()));
+  EXPECT_EQ("datahost", str(catalog->getHost()));
+  std::string names;
+  vHandle<ProjectList> projects = catalog->getProjectList();
+  for (ProjectListEntry const& e : *projects) names += str(e.getName()) + ";";
+  EXPECT_EQ("survey7;other;", names);
+
+  vHandle<ZonProject> project = openProject("SURVEY7");
+  EXPECT_TRUE(project->isOpen());
+  EXPECT_EQ("survey7", str(project->getName()));
+  EXPECT_EQ("zonsite", str(project->getServerHost()));
+
+  std::string stores;
+  vHandle<Project::StoreList> list = project->getStoreList("", "");
+  for (vLCString const& s : *list) stores += str(s) + ";";
+  EXPECT_EQ("line12,seis.1;line12,seis.2;t1,tab.1;top,hz.1;", stores);
+  // The class of a dataset type is the one the class translations give it
+  // with a table of the dictionary; this dictionary has none for SEIS.
+  vHandle<Project::StoreList> tables = project->getStoreList("table", "plain");
+  ASSERT_EQ(1u, tables->size());
+  EXPECT_EQ("t1,tab.1", str(tables->front()));
+
+  StoreDetails newest = project->getStoreDetails("line12,seis", 0);
+  EXPECT_EQ(2, newest.getVersion());
+  EXPECT_EQ("unknown", str(newest.getClass()));
+  EXPECT_EQ("unknown", str(newest.getSubClass()));
+  EXPECT_EQ(ProjectType::ZONMESH, newest.getProjectType());
+  EXPECT_GT(newest.getDate().getSeconds(), 1000000000L);
+  EXPECT_EQ(1, project->getStoreDetails("line12,seis", 1).getVersion());
+  // A version named by text comes as a third component.
+  EXPECT_TRUE(project->hasStore("top,hz,base", 0));
+  EXPECT_TRUE(project->hasStore("top,hz", 1));
+  EXPECT_TRUE(project->hasStore("top", 0));  // the one dataset of that ident
+  EXPECT_FALSE(project->hasStore("line12,seis", 3));
+  EXPECT_FALSE(project->hasStore("l1,seis", 0));
+
+  Project::AttributeSetDetailsList sets = project->getAttributeSetDetails("line12,seis", 1);
+  ASSERT_EQ(1u, sets.size());
+  EXPECT_EQ("shots", str(sets.front().getName()));
+  EXPECT_EQ(30u, sets.front().getNInstances());
+  EXPECT_EQ(40u, project->getAttributeSetDetails("line12,seis", 0).front().getNInstances());
+
+  vString name("line12,seis"), ident, type, version("1");
+  EXPECT_TRUE(project->locateNameComponents(name, ident, type, version));
+  EXPECT_EQ("Line12/SEIS/1", str(ident) + "/" + str(type) + "/" + str(version));
+  vString fresh("newline,seis"), v2;
+  EXPECT_FALSE(project->locateNameComponents(fresh, ident, type, v2));
+  EXPECT_EQ("newline/SEIS/1", str(ident) + "/" + str(type) + "/" + str(v2));
+
+  // Deleting goes to the database, and the cache forgets the store.
+  EXPECT_TRUE(project->deleteStore("line12,seis", 1, "", ""));
+  EXPECT_FALSE(project->hasStore("line12,seis", 1));
+  EXPECT_TRUE(project->hasStore("line12,seis", 2));
+  ASSERT_TRUE(db.writeShots("Survey7", "SEIS", "Line12", "3", 2));
+  project->emptyDatasetCache();
+  EXPECT_TRUE(project->purgeStore(1, "line12,seis", "", ""));
+  project->emptyDatasetCache();
+  EXPECT_FALSE(project->hasStore("line12,seis", 2));
+  EXPECT_EQ(3, project->getStoreDetails("line12,seis", 0).getVersion());
+  EXPECT_FALSE(project->deleteStore("line12,seis", 7, "", ""));
+
+  expectFatal([&] { project->getStoreDetails("nothing,seis", 0); }, "ZonProject::getStoreDetails",
+              "The store 'nothing,seis' does not exist!");
+  project->close();
+  expectFatal([&] { project->setSession(); }, "ZonProject::setSession", "Project is not open!");
+  expectFatal([&] { project->hasStore("top,hz", 0); }, "ZonProject::hasStore", "Project is not open!");
+}
+
+// The library serves one project at a time: alternating projects start it
+// again at each switch, the same project twice does not.
+TEST_F(ZonProjects, SwitchingProjectsReactivatesOnlyOnChange) {
+  ASSERT_TRUE(db.writeShots("alpha", "SEIS", "A", "1", 3));
+  ASSERT_TRUE(db.writeShots("beta", "SEIS", "B", "1", 4));
+  vHandle<ZonProject> alpha = openProject("alpha");
+  // With timers on, open prints each of its steps with the time of day.
+  CapiZon::enableTimers(true);
+  testing::internal::CaptureStdout();
+  vHandle<ZonProject> beta = openProject("beta");
+  std::string const timed = testing::internal::GetCapturedStdout();
+  CapiZon::enableTimers(false);
+  for (char const* step : {"ZonProject::open 1: ", "ZonProject::open 2: ", "ZonProject::open 3: ", "ZonProject::open 4: "})
+    EXPECT_NE(std::string::npos, timed.find(step)) << timed;
+  int before = vKvsActivate::getCounter();
+  alpha->setSession();
+  alpha->setSession();
+  EXPECT_EQ(before + 1, vKvsActivate::getCounter());
+  EXPECT_EQ(3u, alpha->getAttributeSetDetails("a,seis", 0).front().getNInstances());
+  EXPECT_EQ(4u, beta->getAttributeSetDetails("b,seis", 0).front().getNInstances());
+  EXPECT_EQ(3u, alpha->getAttributeSetDetails("a,seis", 0).front().getNInstances());
+  EXPECT_EQ(before + 3, vKvsActivate::getCounter());
+  EXPECT_EQ(1u, beta->getStoreList("", "")->size());
+}
+
+// Library messages reach the system's handlers by severity, without their
+// prefix, and the routine ones are dropped.
+TEST_F(ZonProjects, LibraryMessagesGoThroughTheHandlers) {
+  vHandle<ZonProject> project = openProject("alpha");
+  Recorder recorder;
+  for (char const* text : {"%I dataset L1 successfully replaced", "%I No data selected in database for dataset X",
+                           "%I hello", "%W careful", "%E Not existing version 4", "%E broken",
+                           "Deleting version : 3", "%S severe"})
+    kvs::KvsPrintf(text);
+  std::string all;
+  for (std::string const& l : recorder.lines) all += l + "|";
+  EXPECT_EQ("I:CapiZon: hello|E:CapiZon: careful|E:CapiZon: broken|E:CapiZon:%S severe|", all);
+}
+
+// The daemon unreachable at open, or gone between two reads: the system's
+// own errors, naming the server, the project and the library's reason.
+TEST_F(ZonProjects, DaemonUnreachableOrKilled) {
+  ASSERT_TRUE(db.writeShots("alpha", "SEIS", "A", "1", 3));
+  vHandle<ZonProject> project = openProject("alpha");
+  EXPECT_EQ(3u, project->getAttributeSetDetails("a,seis", 0).front().getNInstances());
+  db.stop(SIGKILL);
+  try {
+    MessageHandling quiet;
+    project->getAttributeSetDetails("a,seis", 0);
+    ADD_FAILURE() << "read with the daemon gone";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("ZonProject::getAttributeSetDetails", std::string(e.getMethod().c_str()));
+    EXPECT_EQ(0u, std::string(e.getReason().c_str()).find("Error reading store a,seis: ")) << e.getReason().c_str();
+  }
+
+  vKvsActivate::deactivate();
+  vHandle<Project> fresh = CapiZonFactory::createProject(catalog);
+  std::string root = db.clientFolder();
+  expectFatal([&] { fresh->open("beta"); }, "KvsActivate::project",
+              "Unable to initialise KVS:  Server='zonsite'  Project='beta'  error=9 '%S Could not find kvsd server "
+              "(PORT " + std::to_string(db.port()) + ") on 127.0.0.1'  KVSROOT='" + root + "'");
+}
