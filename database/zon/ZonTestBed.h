@@ -2,9 +2,9 @@
 #define DATABASE_ZON_ZONTESTBED_H
 
 // Test helper (tests only): a release tree whose server folder
-// SupportFiles/CapiZon/<server> holds a dictionary of the dataset types the
-// stores use and a config.kvs, the shipped class translations, and a real
-// kvsd on a free loopback port. KVSROOT, KVSPROJ, KVSDICT and KVSPORT are
+// SupportFiles/CapiZon/<server> holds a config.kvs and no dictionary (the
+// stores use the shipped SupportFiles/CapiZon/KvsDict.bin), the shipped
+// class translations, and a real kvsd on a free loopback port. KVSROOT, KVSPROJ, KVSDICT and KVSPORT are
 // set for the test and restored after it.
 
 #include <sys/types.h>

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include "database/kvs/Kvs.h"
 #include "database/zon/vKvsProject.h"
@@ -56,6 +57,12 @@ void vKvsActivate::project(vKvsProject& project) {
   if (!vUtl::getenv("KVSDICT", dict) || dict.isEmpty()) {
     dict = home;
     dict += "/KvsDict.bin";
+    // A server folder without a dictionary of its own uses the one the
+    // release ships beside the server folders.
+    if (!std::filesystem::exists(dict.c_str())) {
+      dict = vUtl::supportFilesDirectory();
+      dict += "CapiZon/KvsDict.bin";
+    }
     vUtl::putenv("KVSDICT", dict);
   }
   vUtl::putenv("KVSROOT", home);
