@@ -1,9 +1,9 @@
-// The shared store suite over the velocity and water-depth adapters. Each
-// store is written through its adapter under the adapter's own column
+// The shared store suite over the velocity, water-depth and grid adapters.
+// Each store is written through its adapter under the adapter's own column
 // names, closed, opened again through the real kvsd and seen through the
-// mapping view under the reference names. A grid holds one row of fixed
-// figures and a seismic dataset traces of the project's geometry: neither
-// can hold the reference content.
+// mapping view under the reference names. A seismic store loads and
+// writes no attributes of its own (its traces are counted, its parameters
+// are properties), so it cannot hold the reference content.
 
 #include <gtest/gtest.h>
 
@@ -100,6 +100,20 @@ StoreConformanceCase waterDepthCase() {
   return c;
 }
 
+// A grid is one row of figures in use, but its table takes any number:
+// twelve rows of three of its figures hold the reference values.
+StoreConformanceCase gridCase() {
+  StoreConformanceCase c("ZonGrid");
+  c.openForReading = [] {
+    return mappedStore("grid", "zongrid", "",
+                       {{"FIRST_CMP", "CDP", vINT32},
+                        {"CMP_INCREMENT", "OFFSET", vINT32},
+                        {"INLINE_INTERVAL", "ELEV", vFLOAT64}},
+                       KeyList());
+  };
+  return c;
+}
+
 // What the view refuses by design; both adapters write only through the
 // reference store's close, so the suite's write cases are left out.
 StoreConformanceCase viewed(StoreConformanceCase c) {
@@ -122,5 +136,5 @@ StoreConformanceCase viewed(StoreConformanceCase c) {
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(ZonAdapters, StoreConformance, ::testing::Values(viewed(velocityCase()), viewed(waterDepthCase())),
+INSTANTIATE_TEST_SUITE_P(ZonAdapters, StoreConformance, ::testing::Values(viewed(velocityCase()), viewed(waterDepthCase()), viewed(gridCase())),
                          StoreConformance::caseName);
