@@ -27,12 +27,9 @@ vHandle<ZonProject> project() {
   return project;
 }
 
-vHandle<ZonStore> reopen(vString const& name, bool forUpdate) {
+vHandle<ZonStore> reopen(vString const& name) {
   vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(project())));
-  if (forUpdate)
-    store->update(name, 0, "", "", nullptr);
-  else
-    store->open(name, 0, "", "", nullptr);
+  store->open(name, 0, "", "", nullptr);
   return store;
 }
 
@@ -67,7 +64,7 @@ vHandle<AttributeSet> mappedStore(char const* type, char const* className, char 
     store.write(a, 1, n);
   }
   store.close();
-  vHandle<AttributeMappingDecorator> view(new AttributeMappingDecorator(vHandle_cast<Store>(reopen(name, false))));
+  vHandle<AttributeMappingDecorator> view(new AttributeMappingDecorator(vHandle_cast<Store>(reopen(name))));
   for (Column const& c : columns) {
     vString expression(c.reference);
     expression << (vString(c.reference) == vString("ELEV") ? ":d = " : ":i = ") << c.name;
@@ -114,8 +111,10 @@ StoreConformanceCase gridCase() {
   return c;
 }
 
-// What the view refuses by design; both adapters write only through the
-// reference store's close, so the suite's write cases are left out.
+// What the view refuses by design. The view is read-only, so the suite's
+// write cases are left out: the adapters write in the reference store's
+// close, and the memory copy that takes writes is the one every adapter
+// shares (its write cases run over the plain, horizon and mute stores).
 StoreConformanceCase viewed(StoreConformanceCase c) {
   c.makeUnopened = [] { return vHandle<AttributeSet>(new ZonStore(vHandle_cast<Project>(project()))); };
   c.attributes = {"CDP", "OFFSET", "ELEV"};
@@ -136,5 +135,6 @@ StoreConformanceCase viewed(StoreConformanceCase c) {
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(ZonAdapters, StoreConformance, ::testing::Values(viewed(velocityCase()), viewed(waterDepthCase()), viewed(gridCase())),
+INSTANTIATE_TEST_SUITE_P(ZonAdapters, StoreConformance,
+                         ::testing::Values(viewed(velocityCase()), viewed(waterDepthCase()), viewed(gridCase())),
                          StoreConformance::caseName);
