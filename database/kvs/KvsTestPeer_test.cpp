@@ -1,5 +1,6 @@
 #include "database/kvs/KvsTestPeer.h"
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +19,9 @@ int KvsdProcess::start(int port) {
   if (pipe(p) != 0) return -1;
   pid_ = fork();
   if (pid_ == 0) {
+    // The daemon goes with the test, also when the test dies: else it keeps
+    // the test's output open and the test runner waits for it for ever.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(p[1], 1);
     close(p[0]);
     std::string bin = std::string(RONDO_TEST_BINARY_DIR) + "/bin/kvsd";

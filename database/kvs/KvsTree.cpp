@@ -89,7 +89,12 @@ KvsSessionRec* KvsSessionOf(KvsObject o) {
 
 void KvsDestroy(KvsObject o) {
   if (!KvsIsObject(o)) return;
-  for (KvsObject c : o->children) {
+  // A table's buffered rows reach its file while its columns still exist:
+  // the next phase reads the file.
+  if (o->cls == &kvsTableClass && kvsKeepSpool) KvsTableFlush(static_cast<KvsTableRec*>(o));
+  std::vector<KvsObject> children;
+  children.swap(o->children);
+  for (KvsObject c : children) {
     c->parent = nullptr;
     KvsDestroy(c);
   }
@@ -108,7 +113,6 @@ void KvsDestroy(KvsObject o) {
     delete static_cast<KvsDatasetRec*>(o);
   } else if (o->cls == &kvsTableClass) {
     auto* t = static_cast<KvsTableRec*>(o);
-    if (kvsKeepSpool) KvsTableFlush(t);  // the next phase reads the file
     if (t->fd >= 0) ::close(t->fd);
     if (!t->spool.empty() && !kvsKeepSpool) KvsSpoolRelease(t->spool);
     KvsPageFree(t->pages);

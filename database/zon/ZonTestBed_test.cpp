@@ -1,6 +1,7 @@
 #include "database/zon/ZonTestBed.h"
 
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,6 +44,8 @@ void ZonTestBed::start() {
   if (pipe(p) != 0) std::abort();
   m_pid = fork();
   if (m_pid == 0) {
+    // The daemon goes with the test, also when the test dies.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(p[1], 1);
     close(p[0]);
     std::string const bin = std::string(RONDO_TEST_BINARY_DIR) + "/bin/kvsd";
