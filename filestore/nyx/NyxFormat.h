@@ -16,7 +16,7 @@
 
 class NyxFormat {
  public:
-  // The specification's name, blank when none fits.
+  // The name of the mapping file that fits the file, blank when none does.
   static vString getSpecification(StoreDescription const& description);
   // True when the file opens through that specification and has a group of
   // more than one trace on the specification's first key; for a stack
