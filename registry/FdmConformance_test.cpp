@@ -1,7 +1,5 @@
-// The shared store suite over an FDM volume of one inline of twelve bins,
-// written by the Python fixture, seen through a mapping file that makes
-// the suite's CDP and OFFSET of each bin's crossline number. A velocity
-// volume holds no TRACE or ELEV of the reference content.
+// The shared store suite over an FDM volume (one inline of twelve bins) seen
+// through a mapping file that makes CDP and OFFSET of each bin's crossline.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -46,10 +44,8 @@ StoreConformanceCase fdmCase() {
   c.hasClasses = false;
   c.makeUnopened = [] { return vHandle<AttributeSet>(new FdmDiskStore); };
   c.texts.notOpen = "Fdm Disk File has not been opened yet!";
-  // The mapping view refuses key reads and writes by design, and names the
-  // store's own attribute in the faults of list reads. The FDM store
-  // refuses an empty list, and tells a bad range in one text with both
-  // ends (both checked in filestore/fdm).
+  // The mapping view refuses key reads and writes and names the store's own
+  // attribute in list faults; the FDM store's range texts are its own.
   c.notApplicable = {"ReadsByKeyValues", "RefusesBadListsAndNamesWithTheirTexts", "ReadsListsInTheirOrder",
                      "RefusesBadRangesWithTheirTexts"};
   c.texts.notWritable = "Not supported by this decorator!";

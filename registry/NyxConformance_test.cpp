@@ -1,8 +1,5 @@
-// The shared store suite over a Nyx "cst" file as the store factory serves
-// it: made by the Nyx store with the reference content (CDP in the CMP
-// word) and opened through a mapping file that names the words as the
-// suite does. The store's own reasons for bad lists and names are checked
-// in filestore/nyx.
+// The shared store suite over a Nyx "cst" file (CDP in the CMP word) as the
+// store factory serves it through a mapping file that names the words.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -50,8 +47,8 @@ StoreConformanceCase nyxCase() {
   c.hasClasses = false;
   c.makeUnopened = [] { return vHandle<AttributeSet>(new NyxDiskStore); };
   c.texts.notOpen = "A Nyx fisk file has not been opened yet!";
-  // The mapping view refuses key reads and writes by design, and names the
-  // store's own word (CMP) in the faults of list reads.
+  // The mapping view refuses key reads and writes and names the store's own
+  // word (CMP) in list faults.
   c.notApplicable = {"ReadsByKeyValues", "RefusesBadListsAndNamesWithTheirTexts"};
   c.texts.notWritable = "Not supported by this decorator!";
   return c;

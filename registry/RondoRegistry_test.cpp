@@ -1,6 +1,3 @@
-// The registration point: the client proxies, the in-memory and SEG-Y classes and
-// the views that it gives the factories.
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -9,14 +6,11 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "database/zon/ZonProject.h"
 #include "database/zon/ZonProjectCatalog.h"
 #include "database/zon/ZonTestDatabase.h"
-#include "decorator/AttributeMappingDecorator.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
-#include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "filestore/memory/InMemoryStore.h"
@@ -66,33 +60,18 @@ TEST(RondoRegistry, RondoCatalogsProjectsAndSetsAreClientsOfARealServer) {
 
   vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
   ASSERT_NE(nullptr, dynamic_cast<ClientProjectCatalog*>(catalog.get()));
-  EXPECT_EQ(ProjectType::RONDO, catalog->getProjectType());
-  EXPECT_EQ("", str(catalog->getServer()));
 
   vHandle<Project> project = ProjectFactory::create(catalog);
   ASSERT_NE(nullptr, dynamic_cast<ClientProject*>(project.get()));
   project->open("survey");
-  EXPECT_EQ("line12.3 wells.1 grid.2 ", storeNames(project, ""));
   EXPECT_EQ("line12.3 grid.2 ", storeNames(project, "seismic"));
-  EXPECT_EQ("2d", str(project->getStoreDetails("line12", 3).getSubClass()));
 
   vHandle<AttributeSet> set = AttributeSetFactory::create(project);
   ASSERT_NE(nullptr, dynamic_cast<ClientAttributeSet*>(set.get()));
   set->open("line12", 3, "", "", nullptr);
-  EXPECT_EQ(0u, set->getNInstances());
   EXPECT_EQ("2d", str(set->getSubClass()));
   set->close();
-  // The server logged to the home directory.
-  std::ifstream log(tree.workDir() + "DataServer.Rondo");
-  EXPECT_TRUE(log.good());
-}
-
-// --- the factories' classes ------------------------------------------------------------------
-
-KeyList cdpKey() {
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  return keys;
+  EXPECT_TRUE(std::ifstream(tree.workDir() + "DataServer.Rondo").good());
 }
 
 class FactoriesTest : public ::testing::Test {
@@ -108,197 +87,106 @@ StoreDescription unitTestStore(char const* host, char const* store) {
   return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, "seismic", 0, "");
 }
 
-vHandle<Project> project(StoreDescription const& d) { return ProjectFactory::openProject(d.getFullProjectName()); }
-
+// UnitTest projects have in-memory stores and sets; the live store opened
+// again by its address is the project layer's.
 TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
   PropertyTree noProperties("");
   StoreDescription d = unitTestStore("127.0.0.122", "line1");
-  vHandle<Store> made = StoreFactory::createStore(d, "2d", cdpKey(), nullptr);
-  vHandle<InMemoryStore> live;
-  vHandle_cast(live, made);
-  ASSERT_FALSE(live.isEmpty());
-  EXPECT_EQ("2d", str(made->getSubClass()));
-  vHandle<AttributeSet> set = AttributeSetFactory::create(project(d));
-  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(set.get()));
-  made->addInstances(3);
-  made->write(ints("CDP", {7, 8, 9}), 1, 3);
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  vHandle<Store> made = StoreFactory::createStore(d, "2d", keys, nullptr);
+  EXPECT_NE(nullptr, dynamic_cast<InMemoryStore*>(made.get()));
   made->close();
-
-  // A name of the project opens a new store of the project; the data of an
-  // in-memory store are in the store object, so this one has none.
+  vHandle<Project> project = ProjectFactory::openProject(d.getFullProjectName());
+  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(AttributeSetFactory::create(project).get()));
   vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
   ASSERT_NE(nullptr, dynamic_cast<InMemoryStore*>(opened.get()));
   EXPECT_NE(made.get(), opened.get());
-  EXPECT_TRUE(opened->isOpen());
-  EXPECT_EQ(project(d).get(), opened->getProject().get());
-  opened->close();
-
-  // The live store, by its description, is opened again with its data.
-  StoreDescription byAddress(live, "line1");
-  vHandle<Store> again = StoreFactory::openStore(StoreDescription(byAddress.toString()), "", nullptr);
-  EXPECT_EQ(made.get(), again.get());
-  EXPECT_TRUE(again->isOpen());
-  EXPECT_EQ((std::vector<int>{7, 8, 9}), readInts(*again, "CDP"));
-  again->close();
-}
-
-// The attribute set name reaches the store as its subclass, which the
-// in-memory sets refuse without a class.
-TEST_F(FactoriesTest, TheAttributeSetNameGoesToTheStoreAsSubclass) {
-  PropertyTree noProperties("");
-  StoreDescription d = unitTestStore("127.0.0.123", "line2");
-  d.setStoreClass("");
-  expectFatal([&] { StoreFactory::openStore(d, "picks", nullptr); }, "CapiAttributeSet::open",
-              "For AttributeSet 'line2': A subClass of 'picks' cannot be specified without also giving a class.");
-  d.setStoreClass("seismic");
-  vHandle<Store> opened = StoreFactory::openStore(d, "picks", nullptr);
-  EXPECT_TRUE(opened->isOpen());
+  EXPECT_EQ(project.get(), opened->getProject().get());
   opened->close();
 }
 
-// The translating set view and the attribute mapping of stores that the
-// factory maps.
-TEST_F(FactoriesTest, TranslatingAndMappingViewsAreGiven) {
-  AttributeSetFactory::DecoratorMaker maker = AttributeSetFactory::getDecoratorMaker("TranslatingAttributeSetDecorator");
-  ASSERT_NE(nullptr, maker);
+// The views that a site may ask for have their makers (how the site asks is
+// the project layer's); the mapping view is seen where a Nyx file is opened
+// through its mapping file.
+TEST_F(FactoriesTest, ViewsHaveTheirMakers) {
   vHandle<AttributeSet> bare(new InMemoryAttributeSet(vHandle<Project>()));
-  EXPECT_NE(nullptr, dynamic_cast<TranslatingAttributeSetDecorator*>(maker(bare).get()));
-
-  StoreFactory::AttributeMapping const mapping = StoreFactory::registerAttributeMapping({nullptr, nullptr});
-  StoreFactory::registerAttributeMapping(mapping);
-  bool (*resolve)(vFilename const&, vString const&, vFilename&) = &AttributeMappingDecorator::resolveMapFilename;
-  EXPECT_EQ(resolve, mapping.resolve);
-  EXPECT_EQ(&StoreDecoratorFactory::addAttributeMapping, mapping.apply);
+  auto make = [&](char const* name) {
+    AttributeSetFactory::DecoratorMaker maker = AttributeSetFactory::getDecoratorMaker(name);
+    return maker ? maker(bare) : vHandle<AttributeSet>();
+  };
+  EXPECT_NE(nullptr, dynamic_cast<ProfilingAttributeSetDecorator*>(make("ProfilingAttributeSetDecorator").get()));
+  EXPECT_NE(nullptr, dynamic_cast<TranslatingAttributeSetDecorator*>(make("TranslatingAttributeSetDecorator").get()));
 }
 
-TEST_F(FactoriesTest, ProfilingViewsAsTheSiteAsks) {
-  PropertyTree properties(
-      "<SystemProperty name= AttributeSetDecorators package= capi description= \"views\" "
-      "value= Profiling value= bogus value= PROFILING SystemProperty>\n");
-  vHandle<AttributeSet> set;
-  {
-    Recording recording;
-    set = AttributeSetFactory::create(
-        ProjectFactory::openProject(unitTestStore("127.0.0.124", "x").getFullProjectName()));
-    EXPECT_EQ(std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request BOGUS, ignored."},
-              recording.errors());
-  }
-
-  // The last listed is outermost.
-  auto* outer = dynamic_cast<ProfilingAttributeSetDecorator*>(set.get());
-  ASSERT_NE(nullptr, outer);
-  auto* inner = dynamic_cast<ProfilingAttributeSetDecorator*>(outer->getDecoratedSet().get());
-  ASSERT_NE(nullptr, inner);
-  EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(inner->getDecoratedSet().get()));
+// Every file format's store is linked in: the tag's class has an opener
+// (the failure without one is the project layer's).
+TEST_F(FactoriesTest, EveryFileFormatHasAnOpener) {
+  for (char const* tag : {"segy", "segd", "ascii", "shapefile", "fdm", "offload", "nyx"})
+    EXPECT_NE(nullptr, StoreFactory::getMakers(StoreFactory::getFileStoreClass(tag)).openFile) << tag;
 }
 
-TEST_F(FactoriesTest, FileFormatsWhoseStoreIsNotLinkedInAreNotHandled) {
-  TestReleaseTree tree;
-  // Every format's store is linked in now; take each out in turn, as a
-  // build without it would have it.
-  for (char const* tag : {"segy", "segd", "ascii", "shapefile", "fdm", "offload", "nyx"}) {
-    vString const storeClass = StoreFactory::getFileStoreClass(tag);
-    StoreFactory::Makers const linked = StoreFactory::registerMakers(storeClass, StoreFactory::Makers{});
-    EXPECT_NE(nullptr, linked.openFile) << tag;
-    std::string const file = tree.writeWorkFile(std::string("data.") + tag, "data");
-    StoreDescription d(vFilename(vString(file.c_str())));
-    d.setFileFormat(tag);
-    expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, "StoreFactory::openStore",
-                "The file '" + file + "' is of a type '" + tag + "' which we cannot handle yet!");
-    StoreFactory::registerMakers(storeClass, linked);
-  }
+vHandle<Store> openFile(std::string const& path) {
+  return StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr);
 }
 
-// SEG-Y files reach the SEG-Y store by every tag.
-TEST(RondoRegistrySegy, SegyFilesOpenAsSegyStoresByEveryTag) {
-  registerRondoClasses();
-  fs_testing::TempDir dir;
-  segy_testing::SegyWriter w;
-  w.dataTracesPerRecord = 3;
-  std::string const plain = w.file(4);
-  for (char const* name : {"a.sgy", "b.SGY", "c.segy", "d"}) {
-    std::string const path = dir / name;
-    fs_testing::writeFile(path, plain);
-    StoreDescription description{vFilename(path.c_str())};
-    if (std::string(name) == "d") description.setFileFormat("segy");
-    vHandle<Store> store = StoreFactory::openStore(description, "", nullptr);
-    ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get())) << name;
-    EXPECT_TRUE(store->isOpen());
-    EXPECT_EQ(4u, store->getNInstances()) << name;
-    Attribute cmp = store->getAttribute("CMP");
-    store->read(cmp, 4, 4);
-    EXPECT_EQ(segy_testing::goldenHeader(4, 20), cmp.getInt32(1));
-  }
-  // The blocked variant: two blocks of two traces.
-  std::string const blocked = dir / "e.dsegy";
-  fs_testing::writeFile(blocked, w.blockedFile(2));
-  vHandle<Store> store = StoreFactory::openStore(StoreDescription(vFilename(blocked.c_str())), "", nullptr);
-  ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get()));
-  EXPECT_EQ(4u, store->getNInstances());
-  Attribute cmp = store->getAttribute("CMP");
-  store->read(cmp, 3, 4);
-  EXPECT_EQ(segy_testing::goldenHeader(3, 20), cmp.getInt32(1));
+int readInt(Store const& store, char const* name, unsigned int at) {
+  Attribute a = store.getAttribute(name);
+  store.read(a, at, at);
+  return a.getInt32(1);
 }
 
-// SEG-D files reach the SEG-D store by every tag; a "dsegd" file has its
-// traces 2048 bytes later.
-TEST(RondoRegistrySegd, SegdFilesOpenAsSegdStoresByEveryTag) {
+// Each file format reaches its own store; a blocked SEG-Y file has two blocks
+// of two traces, and a "dsegd" file has its traces 2048 bytes later. Which
+// extension is which tag is the project layer's.
+TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   registerRondoClasses();
   segd_testing::installVocabulary();
   fs_testing::TempDir dir;
-  for (char const* name : {"a.segd", "b.SGD", "c.dsegd"}) {
-    std::string const path = dir / name;
-    ASSERT_TRUE(segd_testing::writeSegd(path, "--traces 3"));
-    vHandle<Store> store = StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr);
+  segy_testing::SegyWriter w;
+  w.dataTracesPerRecord = 3;
+  fs_testing::writeFile(dir / "a.sgy", w.file(4));
+  fs_testing::writeFile(dir / "e.dsegy", w.blockedFile(2));
+  for (char const* name : {"a.sgy", "e.dsegy"}) {
+    vHandle<Store> store = openFile(dir / name);
+    ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get())) << name;
+    EXPECT_EQ(4u, store->getNInstances()) << name;
+    EXPECT_EQ(segy_testing::goldenHeader(3, 20), readInt(*store, "CMP", 3)) << name;
+  }
+  for (char const* name : {"a.segd", "c.dsegd"}) {
+    ASSERT_TRUE(segd_testing::writeSegd(dir / name, "--traces 3"));
+    vHandle<Store> store = openFile(dir / name);
     ASSERT_NE(nullptr, dynamic_cast<SegdDiskStore*>(store.get())) << name;
-    EXPECT_EQ(vLCString("segddisk"), store->getSubClass());
-    EXPECT_EQ(3u, store->getNInstances()) << name;
     Attribute trace = store->getAttribute("TRACE");
     store->read(trace, 3, 3);
     EXPECT_EQ(segd_testing::writtenSample(3, 2), trace.getFloat32Pointer(1)[1]) << name;
   }
-}
 
-// Offload data files reach the offload store by their extension, and
-// attribute files of that kind are opened by the offload file.
-TEST(RondoRegistryOffload, OffloadFilesOpenAsOffloadStores) {
-  registerRondoClasses();
-  fs_testing::TempDir dir;
-  std::string const path = dir / "survey.offload";
-  std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
-                          path + " " + (dir / "expect.txt") + " '>' 1 995 1";
-  ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
-  vHandle<Store> store = StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr);
+  // Offload files, which also open as attribute files of their kind.
+  std::string const offload = dir / "survey.offload";
+  ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
+                            offload + " " + (dir / "expect.txt") + " '>' 1 995 1")
+                               .c_str()));
+  vHandle<Store> store = openFile(offload);
   ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
-  EXPECT_EQ(vLCString("offloaddisk"), store->getSubClass());
+  EXPECT_EQ(21, readInt(*store, "CDP", 3));
   Attribute cdp = store->getAttribute("CDP");
-  store->read(cdp, 3, 3);
-  EXPECT_EQ(21, cdp.getInt32(1));
-  vHandle<AttributeFile> file =
-      ExistingAttributeFile::getInstance().open(vFilename(path.c_str()), cdp, AttributeFile::OpenOptions());
-  EXPECT_EQ(12u, file->getNInstances());
-  EXPECT_EQ(vString("offload"), file->getRegistrationName());
-}
+  EXPECT_EQ(12u, ExistingAttributeFile::getInstance()
+                     .open(vFilename(offload.c_str()), cdp, AttributeFile::OpenOptions())
+                     ->getNInstances());
 
-// FDM volumes reach the FDM store by their extension, and by the format tag
-// that a format spec comes with.
-TEST(RondoRegistryFdm, FdmFilesOpenAsFdmStores) {
-  registerRondoClasses();
-  fs_testing::TempDir dir;
-  std::string const path = dir / "rms.fdm";
-  std::string const cmd =
-      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + path + " '>'";
-  ASSERT_EQ(0, std::system(cmd.c_str()));
-  EXPECT_NE(nullptr, dynamic_cast<FdmDiskStore*>(
-                         StoreFactory::openStore(StoreDescription(vFilename(path.c_str())), "", nullptr).get()));
-  StoreDescription description{vFilename(path.c_str())};
+  // FDM volumes with the format spec they come with.
+  std::string const fdmPath = dir / "rms.fdm";
+  ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " +
+                            fdmPath + " '>'")
+                               .c_str()));
+  StoreDescription description{vFilename(fdmPath.c_str())};
   description.setFileFormat("fdm");
   description.setFormatSpec("gridded_time_rms/intrp/1");
-  vHandle<Store> store = StoreFactory::openStore(description, "", nullptr);
+  store = StoreFactory::openStore(description, "", nullptr);
   auto* fdm = dynamic_cast<FdmDiskStore*>(store.get());
   ASSERT_NE(nullptr, fdm);
   EXPECT_TRUE(fdm->isInterpolating());
-  EXPECT_EQ(vLCString("gridded_time_rms"), store->getSubClass());
   EXPECT_TRUE(store->hasAttribute("VELTRACE.RMS"));
 }
 
@@ -321,11 +209,9 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   std::cin.rdbuf(oldIn);
   EXPECT_NE(std::string::npos, shown.find("         second        zonsite\n")) << shown;
   EXPECT_NE(nullptr, dynamic_cast<ZonProjectCatalog*>(catalog.get()));
-  EXPECT_EQ("zonsite", str(catalog->getServer()));
 
   vHandle<Project> project = ProjectFactory::openProject(ProjectType::ZONMESH, "zonsite", "datahost", "SURVEY7");
   ASSERT_NE(nullptr, dynamic_cast<ZonProject*>(project.get()));
-  EXPECT_EQ("line1,seis.1 ", storeNames(project, ""));
   EXPECT_EQ(12u, project->getAttributeSetDetails("line1,seis", 0).front().getNInstances());
 
   // A store made from its description alone goes to the default server's
@@ -335,10 +221,7 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   vHandle<Store> made =
       StoreFactory::createStore(StoreDescription(vString("zonmesh::datahost:survey7:made#table#")), "plain", keys, nullptr);
   made->addInstances(3);
-  Attribute shots("SHOT", "", vINT32);
-  shots.resize(3);
-  for (unsigned int i = 1; i <= 3; ++i) shots.setInt32(i, static_cast<int>(10 * i));
-  made->write(shots, 1, 3);
+  made->write(factory_testing::ints("SHOT", {10, 20, 30}), 1, 3);
   made->close();
   vHandle_cast<ZonProject>(project)->emptyDatasetCache();
   EXPECT_EQ("made,tab.1 ", storeNames(project, "table"));
