@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 
@@ -15,10 +16,8 @@ namespace {
 
 // True when line is "hh:mm:ss " followed by rest.
 bool stampedLine(std::string const& line, std::string const& rest) {
-  if (line.size() != 9 + rest.size() || line.compare(9, std::string::npos, rest) != 0) return false;
-  for (int i : {0, 1, 3, 4, 6, 7})
-    if (line[i] < '0' || line[i] > '9') return false;
-  return line[2] == ':' && line[5] == ':' && line[8] == ' ';
+  return line.size() == 9 + rest.size() && line.compare(9, std::string::npos, rest) == 0 &&
+         std::regex_match(line.substr(0, 9), std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2} "));
 }
 
 std::string readFile(std::string const& path) {

@@ -26,7 +26,6 @@ TEST(UtlExceptTraceBack, EachPartOnlyWhenPresent) {
   EXPECT_EQ(e.toString("%T|%L|%F|%K"), "just the reason\n|-1||");
   UtlExcept all("bad things", "Grid::check", 3, "Grid.cpp");
   EXPECT_EQ(all.getTraceBack(), "bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n");
-  EXPECT_EQ(UtlExcept("r", "M::m").getTraceBack(), "r\n   (Method=M::m)\n");
   EXPECT_EQ(UtlExcept("r", "", 12).getTraceBack(), "r\n   (Line=12)\n");
   EXPECT_EQ(UtlExcept(vString("r"), vString("M"), 0).getTraceBack(), "r\n   (Method=M   Line=0)\n");
   // The stack constructor keeps the stack.

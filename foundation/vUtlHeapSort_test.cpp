@@ -52,29 +52,6 @@ TEST(HeapSort, TiesLeaveAsTheHeapLeavesThem) {
   EXPECT_EQ(7u, oneIndex);
 }
 
-TEST(HeapSort, TwoKeysInEachPairOfDirections) {
-  struct Case {
-    S::SortOrderType order1, order2;
-    std::vector<unsigned int> expected;
-  };
-  // Pairs (1,1) (1,2) (0,5).
-  std::vector<Case> cases = {{S::ASCENDING, S::DESCENDING, {3, 2, 1}},
-                             {S::ASCENDING, S::ASCENDING, {3, 1, 2}},
-                             {S::DESCENDING, S::ASCENDING, {1, 2, 3}},
-                             {S::DESCENDING, S::DESCENDING, {2, 1, 3}}};
-  for (Case const& c : cases) {
-    std::vector<int> key1 = {1, 1, 0};
-    std::vector<double> key2 = {1, 2, 5};
-    std::vector<unsigned int> index = iota(3);
-    vUtl::heapSort2Key<int, double, unsigned int>(3, key1.data(), key2.data(), index.data(), c.order1, c.order2);
-    EXPECT_EQ(c.expected, index) << c.order1 << " " << c.order2;
-    for (int i = 0; i < 3; ++i) {
-      EXPECT_EQ(std::vector<int>({1, 1, 0})[index[i] - 1], key1[i]);
-      EXPECT_EQ(std::vector<double>({1, 2, 5})[index[i] - 1], key2[i]);
-    }
-  }
-}
-
 TEST(HeapSort, AnOrderOutsideTheTwoLeavesEverything) {
   std::vector<float> key1 = {3, 1, 2};
   std::vector<short> key2 = {1, 2, 3};
