@@ -136,86 +136,68 @@ TEST_F(PackerTest, HeaderAndTheRemoteReadExample) {
   EXPECT_EQ(p.getSize(), 40);
 }
 
-TEST_F(PackerTest, ScalarOfEachType) {
-  struct Case {
-    std::function<void(Packer&)> pack;
-    Bytes body;
-  };
-  std::vector<Case> const cases = {
-      {[](Packer& p) { p.pack(static_cast<signed char>(-2)); }, {0x01, 0xFE}},
-      {[](Packer& p) { p.pack(-2LL); }, {0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
-      {[](Packer& p) { p.pack(1.0); }, {0x0C, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF0, 0x3F}},
-      // The fixed-width names map to the same codes on 32- and 64-bit hosts.
-      {[](Packer& p) { p.pack(static_cast<int64_t>(-2)); }, {0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
-      {[](Packer& p) { p.pack(static_cast<uint64_t>(1)); }, {0x08, 0x01, 0, 0, 0, 0, 0, 0, 0}},
-      {[](Packer& p) { p.packBool(true); }, {0x10, 0x01}},
-  };
-  for (std::size_t i = 0; i < cases.size(); ++i) {
-    SCOPED_TRACE(i);
-    Packer p(0);
-    cases[i].pack(p);
-    EXPECT_EQ(finish(p, 9), message(cases[i].body, 9));
-  }
-}
-
-TEST_F(PackerTest, ArraysAndEmptyArrays) {
+// One entry of each kind, in one message.
+TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
   Packer p(0);
+  p.pack(static_cast<signed char>(-2));
+  p.pack(-2LL);
+  p.pack(1.0);
+  // The fixed-width names map to the same codes on 32- and 64-bit hosts.
+  p.pack(static_cast<int64_t>(-2));
+  p.pack(static_cast<uint64_t>(1));
+  p.packBool(true);
   short const s[] = {1, -2};
   p.pack(s, 2);
   double const d[] = {2.0};
   p.pack(d, 1);  // a count of 1 is still an array
   p.pack(static_cast<int const*>(nullptr), 0);
-  char const text[] = "xyz";
-  p.pack(text, 0);  // no bytes: an empty array, not a scalar
-  bool const flags[] = {true, false, true};
-  p.packBool(flags, 3);
-  unsigned char const u[] = {7, 8, 9};
-  p.pack(u, 3);
-  Bytes const expected = {0x83, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0xFE, 0xFF,                    // int16[2]
-                          0x8C, 0x01, 0x00, 0x00, 0x00, 0, 0, 0, 0, 0, 0, 0x00, 0x40,              // double[1]
-                          0x85, 0x00, 0x00, 0x00, 0x00,                                            // int32[0]
-                          0x8E, 0x00, 0x00, 0x00, 0x00,                                            // char8[0]
-                          0x90, 0x03, 0x00, 0x00, 0x00, 0x01, 0x00, 0x01,                          // bool8[3]
-                          0x82, 0x03, 0x00, 0x00, 0x00, 0x07, 0x08, 0x09};                         // uint8[3]
-  EXPECT_EQ(bodyOf(p), expected);
-}
-
-TEST_F(PackerTest, BoolsAreNormalised) {
-  // Any non-zero byte in a bool goes out as 1.
-  unsigned char raw[3] = {0, 1, 0x40};
+  p.pack("xyz", 0);  // no bytes: an empty array, not a scalar
+  unsigned char raw[3] = {0, 1, 0x40};  // any non-zero byte in a bool goes out as 1
   bool flags[3];
   std::memcpy(flags, raw, 3);
-  Packer p(0);
   p.packBool(flags, 3);
-  EXPECT_EQ(bodyOf(p), (Bytes{0x90, 0x03, 0, 0, 0, 0x00, 0x01, 0x01}));
-  // Only the byte 1 reads as true.
-  Packer q = fromBytes(message({0x10, 0x02, 0x10, 0x01, 0x90, 0x02, 0, 0, 0, 0x01, 0xFF}));
-  bool b = true;
-  q.unpackBool(b);
-  EXPECT_FALSE(b);
-  q.unpackBool(b);
-  EXPECT_TRUE(b);
-  bool two[2] = {false, true};
-  EXPECT_EQ(q.unpackBool(two), 2u);
-  EXPECT_TRUE(two[0]);
-  EXPECT_FALSE(two[1]);
-}
-
-TEST_F(PackerTest, StringsAndStringArrays) {
-  Packer p(0);
   p.pack(vString(""));
-  p.pack(vString("CDP"));
   p.pack("ab");
   vString const texts[] = {vString("ab"), vString(""), vString("c")};
   p.pack(texts, 3);
   p.pack(texts, 0);
-  Bytes const expected = {0x8E, 0x00, 0x00, 0x00, 0x00,                                // ""
-                          0x8E, 0x04, 0x00, 0x00, 0x00, 0x43, 0x44, 0x50, 0x00,        // "CDP"
-                          0x8E, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00,              // "ab"
-                          0x91, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00, 0x00, 0x63, 0x00,
-                          0x91, 0x00, 0x00, 0x00, 0x00};
-  EXPECT_EQ(bodyOf(p), expected);
+  vDate const dates[] = {vDate(0x01020304L), vDate(vDate::Invalid)};
+  p.pack(dates[0]);
+  p.pack(dates, 2);
+  p.packFrame(1241, 5);
+  p.packFrame(-2, -1);
+  p.endFrame();
+  p.endFrame();
+  Bytes const body = {
+      0x01, 0xFE,                                                  // int8
+      0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,        // int64
+      0x0C, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF0, 0x3F,        // double
+      0x07, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,        // int64_t
+      0x08, 0x01, 0, 0, 0, 0, 0, 0, 0,                             // uint64_t
+      0x10, 0x01,                                                  // bool
+      0x83, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0xFE, 0xFF,        // int16[2]
+      0x8C, 0x01, 0x00, 0x00, 0x00, 0, 0, 0, 0, 0, 0, 0x00, 0x40,  // double[1]
+      0x85, 0x00, 0x00, 0x00, 0x00,                                // int32[0]
+      0x8E, 0x00, 0x00, 0x00, 0x00,                                // char8[0]
+      0x90, 0x03, 0x00, 0x00, 0x00, 0x00, 0x01, 0x01,              // bool8[3]
+      0x8E, 0x00, 0x00, 0x00, 0x00,                                // ""
+      0x8E, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00,              // "ab"
+      0x91, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00, 0x00, 0x63, 0x00, 0x91, 0x00, 0x00, 0x00, 0x00,
+      0x12, 0x00, 0x04, 0x03, 0x02, 0x01,  // date; not valid below: flag 1, seconds -1
+      0x92, 0x02, 0x00, 0x00, 0x00, 0x00, 0x04, 0x03, 0x02, 0x01, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,
+      0x7F, 0xD9, 0x04, 0x05, 0x00, 0x7F, 0xFE, 0xFF, 0xFF, 0xFF, 0x7E, 0x7E};
+  EXPECT_EQ(finish(p, 9), message(body, 9));
+}
 
+TEST_F(PackerTest, ReadingRulesOfBoolsStringsDatesAndFrames) {
+  // Only the byte 1 reads as true.
+  Packer q = fromBytes(message({0x10, 0x02, 0x90, 0x02, 0, 0, 0, 0x01, 0xFF}));
+  bool b = true;
+  q.unpackBool(b);
+  EXPECT_FALSE(b);
+  bool two[2] = {false, true};
+  EXPECT_EQ(q.unpackBool(two), 2u);
+  EXPECT_TRUE(two[0] && !two[1]);
   // Folding strings fold on unpack.
   Packer r(0);
   r.pack(vString("MixedCase"));
@@ -223,47 +205,24 @@ TEST_F(PackerTest, StringsAndStringArrays) {
   finish(r);
   EXPECT_EQ(str(take<vUCString>(r)), "MIXEDCASE");
   EXPECT_EQ(str(take<vString>(r)), "ABC");
-}
-
-TEST_F(PackerTest, DatesAndDateArrays) {
-  vDate const valid(0x01020304L);
-  vDate const invalid(vDate::Invalid);
-  Packer p(0);
-  p.pack(valid);
-  p.pack(invalid);
-  vDate const dates[] = {valid, invalid};
-  p.pack(dates, 2);
-  Bytes const expected = {0x12, 0x00, 0x04, 0x03, 0x02, 0x01,  // valid
-                          0x12, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,  // not valid: flag 1, seconds -1
-                          0x92, 0x02, 0x00, 0x00, 0x00, 0x00, 0x04, 0x03, 0x02, 0x01, 0x01, 0xFF, 0xFF, 0xFF, 0xFF};
-  EXPECT_EQ(bodyOf(p), expected);
-
-  // The flag is applied after the seconds, and only its bit 0 counts.
-  Packer r = fromBytes(message({0x12, 0x01, 0x10, 0x00, 0x00, 0x00, 0x12, 0x02, 0x10, 0x00, 0x00, 0x00}));
-  EXPECT_FALSE(take<vDate>(r).isValid());
-  vDate const d = take<vDate>(r);
-  EXPECT_TRUE(d.isValid());
-  EXPECT_EQ(d.getSeconds(), 16L);
-}
-
-TEST_F(PackerTest, Frames) {
-  Packer p(0);
-  p.packFrame(1241, 5);
-  p.pack(1);
-  p.packFrame(-2, -1);
-  p.endFrame();
-  p.endFrame();
-  EXPECT_EQ(bodyOf(p), (Bytes{0x7F, 0xD9, 0x04, 0x05, 0x00, 0x05, 0x01, 0, 0, 0, 0x7F, 0xFE, 0xFF, 0xFF, 0xFF,
-                              0x7E, 0x7E}));
-  EXPECT_EQ(frameOf(p), (Frame{1241, 5}));
-  EXPECT_EQ(p.getFrameDepth(), 1);
-  EXPECT_EQ(take<int>(p), 1);
-  EXPECT_EQ(frameOf(p), (Frame{-2, -1}));
-  p.endFrame();
-  p.endFrame();
-  EXPECT_EQ(p.getFrameDepth(), 0);
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-  EXPECT_EQ(fatalText([&] { p.endFrame(); }), "Packer::endFrame: No more data to unpack.");
+  // A date's flag is applied after the seconds, and only its bit 0 counts.
+  Packer d = fromBytes(message({0x12, 0x01, 0x10, 0x00, 0x00, 0x00, 0x12, 0x02, 0x10, 0x00, 0x00, 0x00}));
+  EXPECT_FALSE(take<vDate>(d).isValid());
+  EXPECT_EQ(take<vDate>(d).getSeconds(), 16L);
+  // The depth follows the frames; an end after the last is refused.
+  Packer f(0);
+  f.packFrame(1241, 5);
+  f.packFrame(-2, -1);
+  f.endFrame();
+  f.endFrame();
+  finish(f);
+  EXPECT_EQ(frameOf(f), (Frame{1241, 5}));
+  EXPECT_EQ(frameOf(f), (Frame{-2, -1}));
+  EXPECT_EQ(f.getFrameDepth(), 2);
+  f.endFrame();
+  f.endFrame();
+  EXPECT_EQ(f.getFrameDepth(), 0);
+  EXPECT_EQ(fatalText([&] { f.endFrame(); }), "Packer::endFrame: No more data to unpack.");
 }
 
 TEST_F(PackerTest, AddressOfGoesOutAsAnOrdinaryArray) {

@@ -175,22 +175,29 @@ TEST(vStringSearch, IntegersTokensAndPop) {
 // --- splitting -------------------------------------------------------------------
 
 TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
-  vString left("l"), right("r");
-  EXPECT_FALSE(vString("abc").splitAtToken(left, right, ':'));
-  EXPECT_EQ(left, "abc");
-  EXPECT_TRUE(right.isSharedEmpty());
-  EXPECT_TRUE(vString(":abc").splitAtToken(left, right, ':'));
-  EXPECT_TRUE(left.isSharedEmpty());
-  EXPECT_EQ(right, "abc");
-  EXPECT_TRUE(vString("a::b::c").splitAtToken(left, right, vString("::")));
-  EXPECT_EQ(left, "a");
-  EXPECT_EQ(right, "b::c");
-  EXPECT_TRUE(vString("a::b::c").splitAtLastToken(left, right, vString("::")));
-  EXPECT_EQ(left, "a::b");
-  EXPECT_EQ(right, "c");
+  struct Case {
+    char const* text;
+    char const* token;
+    bool last, found;
+    char const *left, *right;
+  } const cases[] = {{"abc", ":", false, false, "abc", ""},     {":abc", ":", false, true, "", "abc"},
+                     {"a::b::c", "::", false, true, "a", "b::c"}, {"a::b::c", "::", true, true, "a::b", "c"},
+                     {"abc", ".", true, false, "abc", ""}};
+  for (Case const& c : cases) {
+    vString left("l"), right("r");
+    bool const found = c.last ? vString(c.text).splitAtLastToken(left, right, vString(c.token))
+                              : vString(c.text).splitAtToken(left, right, vString(c.token));
+    EXPECT_EQ(c.found, found) << c.text;
+    EXPECT_EQ(left, c.left) << c.text;
+    EXPECT_EQ(right, c.right) << c.text;
+    EXPECT_TRUE(*c.right != '\0' || right.isSharedEmpty()) << c.text;
+    EXPECT_TRUE(*c.left != '\0' || left.isSharedEmpty()) << c.text;
+  }
+  // The one-character forms.
+  vString left, right;
+  EXPECT_TRUE(vString("a:b").splitAtToken(left, right, ':'));
+  EXPECT_EQ(right, "b");
   EXPECT_FALSE(vString("abc").splitAtLastToken(left, right, '.'));
-  EXPECT_EQ(left, "abc");
-  EXPECT_TRUE(right.isSharedEmpty());
 }
 
 // --- sizing ----------------------------------------------------------------------
