@@ -15,7 +15,6 @@ TEST(vUtlSignals, ListedSignalsHaveTheirTextTheOthersNone) {
     int number;
     char const* text;
   } const table[] = {
-      {1, "SIGHUP Hangup detected on controlling terminal or death of controlling process."},
       {29, "SIGPOLL Pollable event (Sys V). Synonym of SIGIO."},
   };
   for (auto const& entry : table) EXPECT_STREQ(entry.text, vUtl::signalText(entry.number)) << entry.number;
