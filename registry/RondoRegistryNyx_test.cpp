@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "filestore/nyx/NyxDiskStore.h"
 #include "filestore/nyx/NyxFormat.h"
 #include "filestore/nyx/NyxTesting.h"
+#include "foundation/TestReleaseTree.h"
 #include "project/StoreFactory.h"
 #include "registry/RondoRegistry.h"
 #include "syslayer/FSTesting.h"
@@ -19,10 +19,8 @@ namespace {
 
 TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
   registerRondoClasses();
-  // The mapping files lie in the release of the checkout.
-  char const* old = std::getenv("VREL");
-  std::string const saved = old ? old : "";
-  ::setenv("VREL", RONDO_TEST_SOURCE_DIR "/release/", 1);
+  TestReleaseTree tree;  // the mapping files lie in the release of the checkout
+  tree.setEnv("VREL", RONDO_TEST_SOURCE_DIR "/release/");
   fs_testing::TempDir dir;
   struct Case {
     char const* name;
@@ -61,7 +59,6 @@ TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
   EXPECT_TRUE(NyxFormat::mySpecProducesGroups(shots, "2dShotGathers"));
   EXPECT_EQ(vString(), shots.getFormatSpec());
   EXPECT_FALSE(NyxFormat::mySpecProducesGroups(shots, "noSuchSpec"));
-  if (old) ::setenv("VREL", saved.c_str(), 1); else ::unsetenv("VREL");
 }
 
 TEST(RondoRegistryNyx, CstFilesAreMadeByTheFactory) {

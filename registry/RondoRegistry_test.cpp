@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -21,16 +20,12 @@
 #include "filestore/segd/SegdTesting.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/segy/SegyTesting.h"
-#include "foundation/TestReleaseTree.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
 #include "project/StoreFactoryTesting.h"
 #include "registry/RondoRegistry.h"
-#include "remote/ClientAttributeSet.h"
-#include "remote/ClientProject.h"
-#include "remote/ClientProjectCatalog.h"
 #include "syslayer/FSTesting.h"
 
 namespace {
@@ -44,35 +39,9 @@ std::string storeNames(vHandle<Project> const& project, char const* storeClass) 
   return all;
 }
 
-// A Rondo catalog is a client of a data server: the real one is started,
-// and projects and attribute sets on it are clients too.
-TEST(RondoRegistry, RondoCatalogsProjectsAndSetsAreClientsOfARealServer) {
-  TestReleaseTree tree;
-  tree.setEnv("HOME", tree.workDir());
-  tree.setEnv("VSERVER", std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer");
-  tree.unsetEnv("SP_CAPI_DATASERVER");
-  tree.setEnv("SP_DATASERVER_BACKEND", "UnitTest");
-  tree.unsetEnv("FS_CLUSTERS");
-  tree.unsetEnv("CAPI_DISABLERONDODATASERVER");
-  tree.setEnv("RONDO_UNITTEST_STORES", " line12.3:seismic:2d\twells.1:well  Grid.2:seismic ");
-  registerRondoClasses();
-  registerRondoClasses();  // again: no harm
-
-  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
-  ASSERT_NE(nullptr, dynamic_cast<ClientProjectCatalog*>(catalog.get()));
-
-  vHandle<Project> project = ProjectFactory::create(catalog);
-  ASSERT_NE(nullptr, dynamic_cast<ClientProject*>(project.get()));
-  project->open("survey");
-  EXPECT_EQ("line12.3 grid.2 ", storeNames(project, "seismic"));
-
-  vHandle<AttributeSet> set = AttributeSetFactory::create(project);
-  ASSERT_NE(nullptr, dynamic_cast<ClientAttributeSet*>(set.get()));
-  set->open("line12", 3, "", "", nullptr);
-  EXPECT_EQ("2d", str(set->getSubClass()));
-  set->close();
-  EXPECT_TRUE(std::ifstream(tree.workDir() + "DataServer.Rondo").good());
-}
+// The client proxies of a data server are given to the factories here; they
+// are used end to end, with a real server, by the native entry points'
+// tests and the Java host scenarios.
 
 class FactoriesTest : public ::testing::Test {
  protected:
