@@ -144,7 +144,7 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
                      .open(vFilename(offload.c_str()), cdp, AttributeFile::OpenOptions())
                      ->getNInstances());
 
-  // FDM volumes with the format spec they come with.
+  // FDM volumes, told how their traces are laid out.
   std::string const fdmPath = dir / "rms.fdm";
   ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " +
                             fdmPath + " '>'")
