@@ -121,8 +121,6 @@ Frame frameOf(Packer& p) {
   return f;
 }
 
-// --- Byte layouts ----------------------------------------------------------------
-
 TEST_F(PackerTest, HeaderAndTheRemoteReadExample) {
   Packer p(1000);
   p.pack(224);
@@ -286,8 +284,6 @@ TEST_F(PackerTest, DumpBytes) {
   out << 10;
   EXPECT_EQ(out.str(), "10");
 }
-
-// --- Round trips -----------------------------------------------------------------
 
 // Writes one of every entry form; readAll checks them back.
 void packAll(Packer& p, std::vector<double> const& big) {
@@ -495,8 +491,6 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
 }
 
-// --- The other byte order ------------------------------------------------------------
-
 TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
   Bytes const m = {
       0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,  // magic, version
@@ -567,8 +561,6 @@ TEST_F(PackerTest, OtherOrderSwapsOnlyTheListedTypes) {
       0x7F, 0x34, 0x12, 0x78, 0x56, 0x7E};
   EXPECT_EQ(Bytes(again.begin() + 16, again.end()), expected);
 }
-
-// --- State table -------------------------------------------------------------------
 
 struct StateRow {
   char const* name;
@@ -702,8 +694,6 @@ TEST_F(PackerTest, DeleteInEachState) {
   }
 }
 
-// --- Edge cases --------------------------------------------------------------------
-
 TEST_F(PackerTest, SendingNothingIsIllegalSendingTwiceRepeats) {
   Packer p(10);
   EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Illegal operation 101 for state PACKINIT.");
@@ -808,8 +798,6 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(reinterpret_cast<double const*>(&c), 75000000u); }),
             "Packer cannot handle >2gig. Has 1800000031, wanted another 600000000.");
 }
-
-// --- skipFrame and schema evolution ----------------------------------------------
 
 // A class at two versions: version 2 added a field.
 class Sample : public Packable {
@@ -955,8 +943,6 @@ TEST_F(PackerTest, SkipRestOfFrameAfterANestedFrame) {
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
 }
 
-// --- STL ranges --------------------------------------------------------------------
-
 TEST_F(PackerTest, StlRanges) {
   std::vector<int> const ints = {7, -8};
   std::list<vString> const names = {vString("a"), vString("bc")};
@@ -1005,8 +991,6 @@ TEST_F(PackerTest, StlRangeChecks) {
             "Packer::unpack(STL): Bad element count 2147483647 with 6 bytes left.");
   EXPECT_TRUE(out.empty());
 }
-
-// --- Untrusted input -----------------------------------------------------------------
 
 TEST_F(PackerTest, HeaderChecks) {
   Bytes m = twoInts();

@@ -50,8 +50,6 @@ class RecordingLoader : public SystemFileLoader {
 
 }  // namespace
 
-// --- One property --------------------------------------------------------
-
 TEST(SystemProperty, ValuesAndConversions) {
   SystemProperty p("commchan", "port_range", "ports", {"5000", " 2.5 ", "Enabled", "off", "12abc"});
   EXPECT_EQ("PORT_RANGE", str(p.getName()));
@@ -92,8 +90,6 @@ TEST(SystemProperty, CopyCompareAndSetComponents) {
   c.setComponents("t", "m", "other", {});
   EXPECT_TRUE(a < c);
 }
-
-// --- Record text ---------------------------------------------------------
 
 TEST(SystemPropertyRecord, ReadsTokensInAnyCaseWithQuotesAndRepeatedValues) {
   SystemProperty p = readOne(
@@ -173,8 +169,6 @@ TEST(SystemPropertyRecord, BadRecordsAreFatal) {
   }
 }
 
-// --- Finding system files -----------------------------------------------
-
 TEST(SystemFileLoader, WorkingDirectoryFirstThenSystemFiles) {
   TestReleaseTree tree;
   tree.writeSystemFile("Both.txt", "release");
@@ -209,8 +203,6 @@ TEST(SystemFileLoader, MissingFileIsFatal) {
   EXPECT_FALSE(SystemFileLoader::find("NoSuchTable.txt", path));
   EXPECT_TRUE(path.isEmpty());
 }
-
-// --- The table -----------------------------------------------------------
 
 TEST(SystemPropertyTable, LaterTablesReplaceEarlierRecords) {
   TestReleaseTree tree;
@@ -288,8 +280,6 @@ TEST(SystemPropertyTable, FailedFirstLoadIsTriedAgain) {
       testing::ExitedWithCode(0), "");
 }
 
-// --- The environment and the manager --------------------------------------
-
 TEST(SystemPropertyEnvironment, NameAndValues) {
   TestReleaseTree tree;
   tree.setEnv("SP_COMMCHAN_VERBOSE", "  verbose=yes\tfilename=\"/tmp/a b\"  ");
@@ -340,8 +330,6 @@ TEST(SystemPropertyManager, PortRangeFromTheEnvironmentWithoutAnyTable) {
       },
       testing::ExitedWithCode(0), "");
 }
-
-// --- Quiet scope ---------------------------------------------------------
 
 TEST(MessageHandling, QuietScopeStillThrowsButPrintsNothing) {
   testing::internal::CaptureStderr();

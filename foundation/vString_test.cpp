@@ -14,8 +14,6 @@
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 
-// --- empty strings -------------------------------------------------------------
-
 TEST(vStringEmpty, OperationsThatEmptyAStringGiveBackTheSharedBuffer) {
   vString a(static_cast<char const*>(nullptr));
   EXPECT_EQ(a.c_str(), vString("").c_str());
@@ -54,8 +52,6 @@ TEST(vStringEmpty, ManyEmptyStringsAllocateNothing) {
 }
 #endif
 
-// --- construction and comparison ------------------------------------------------
-
 TEST(vStringConstruct, CountedConstructorPadsWithZeros) {
   vString s(5, "ab");
   EXPECT_EQ(5u, s.length());
@@ -79,8 +75,6 @@ TEST(vStringCompare, EqualityChecksLengthFirstButTextFormsUseStrcmp) {
   EXPECT_EQ(0, vString("HeLLo").stricmp("hello"));
 }
 
-// --- blank and integer tests ------------------------------------------------------
-
 TEST(vStringTests, BlankAndInteger) {
   // Blank means only spaces and tabs; a zero-padded string is blank too.
   for (char const* t : {"", " \t "}) EXPECT_TRUE(vString(t).isBlank() && vString(t).isEmpty()) << t;
@@ -90,8 +84,6 @@ TEST(vStringTests, BlankAndInteger) {
   for (char const* t : {"+7", "-"}) EXPECT_TRUE(vString(t).isInteger()) << t;
   for (char const* t : {"", "+-1", "12a", " 12"}) EXPECT_FALSE(vString(t).isInteger()) << t;
 }
-
-// --- trimming ------------------------------------------------------------------
 
 TEST(vStringTrim, StripTakesOnlySpacesAndTabs) {
   vString s(" \tab\n \t");
@@ -103,8 +95,6 @@ TEST(vStringTrim, StripTakesOnlySpacesAndTabs) {
   t.trimLeft();
   EXPECT_EQ(t, "ab");
 }
-
-// --- extraction ----------------------------------------------------------------
 
 // A range is inclusive and clipped; a bad one is fatal; at() throws directly.
 TEST(vStringGet, RangesSubstrAndIndexChecks) {
@@ -127,8 +117,6 @@ TEST(vStringGet, RangesSubstrAndIndexChecks) {
   s.get(buf, 2, sizeof buf);
   EXPECT_STREQ("cde", buf);
 }
-
-// --- searching -------------------------------------------------------------------
 
 TEST(vStringSearch, PositionsAndOffsets) {
   vString s("abcabc");
@@ -172,8 +160,6 @@ TEST(vStringSearch, IntegersTokensAndPop) {
   EXPECT_EQ(other, "key=[value] rest");
 }
 
-// --- splitting -------------------------------------------------------------------
-
 TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
   struct Case {
     char const* text;
@@ -199,8 +185,6 @@ TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
   EXPECT_EQ(right, "b");
   EXPECT_FALSE(vString("abc").splitAtLastToken(left, right, '.'));
 }
-
-// --- sizing ----------------------------------------------------------------------
 
 TEST(vStringSize, TruncateAndSetSize) {
   vString s("abcdef");
@@ -237,8 +221,6 @@ TEST(vStringSize, CenterRightExtendFill) {
   r.fill(2, 'y');
   EXPECT_EQ(r, "yy");
 }
-
-// --- conversions -------------------------------------------------------------------
 
 TEST(vStringRead, NumbersBooleansAndEmptyStrings) {
   EXPECT_EQ(0, vString().readi());
@@ -308,8 +290,6 @@ TEST(vStringWrite, NumberIntoAField) {
   EXPECT_EQ(52u, s.length());
   EXPECT_EQ(std::string(s.c_str()), "v=" + std::string(50, '.'));
 }
-
-// --- changing the content ----------------------------------------------------------
 
 TEST(vStringChange, ReplaceRemoveReverse) {
   vString s("a.b.c");
@@ -428,8 +408,6 @@ TEST(vStringDeathTest, WithNoMemoryAtAllTheFailureIsBadAlloc) {
 }
 #endif
 
-// --- patterns -----------------------------------------------------------------------
-
 TEST(vStringMatch, ShellPatternsSetsAndBacktracking) {
   vString const s("trace_042.sgy");
   for (char const* p : {"*", "trace_???.sgy", "trace_[0-9][0-9][0-9].*", "trace_[^1-9]*", "*_*2.s*y"})
@@ -454,8 +432,6 @@ TEST(vStringMatch, ShellPatternsSetsAndBacktracking) {
     EXPECT_EQ(c.matches, vString(c.text).match(vString(c.pattern))) << c.text << " ~ " << c.pattern;
 }
 
-// --- environment -------------------------------------------------------------------
-
 TEST(vStringEnv, ExpandKnownNamesOnly) {
   ::setenv("VSTRING_TEST_A", "alpha", 1);
   ::setenv("VSTRING_TEST_LOOP", "${VSTRING_TEST_A}", 1);
@@ -464,8 +440,6 @@ TEST(vStringEnv, ExpandKnownNamesOnly) {
   s.expandEnvironment();
   EXPECT_EQ(s, "x/alpha/${VSTRING_TEST_NONE}/${VSTRING_TEST_A}/${open");
 }
-
-// --- printf ------------------------------------------------------------------------
 
 TEST(vStringPrintf, FormatsAndLimits) {
   vString s("old");
@@ -511,8 +485,6 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
       ::testing::ExitedWithCode(0), "FATAL(.|\n)*vString::printf(.|\n)*checked");
 }
 #endif
-
-// --- streams -----------------------------------------------------------------------
 
 TEST(vStringStream, QuotedAndPlainWords) {
   std::istringstream in("  \"two words\" plain\t'single q' \"unterminated");

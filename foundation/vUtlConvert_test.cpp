@@ -70,8 +70,6 @@ uint64_t lcg(uint64_t& state) {
   return state;
 }
 
-// ---------------------------------------------------------------------------
-
 TEST(vUtlNint, RoundsHalvesAwayFromZero) {
   EXPECT_EQ(0, vUtl::nint(0.49999999999999994));  // naive x + 0.5 gives 1
   EXPECT_EQ(4503599627370496LL, vUtl::nint64(4503599627370495.5));  // 2^52 - 0.5
@@ -101,8 +99,6 @@ TEST(vUtlNint, AgreesWithTheLibraryRoundingOverManyValues) {
     ASSERT_EQ(referenceRound(x, INT64_MIN, INT64_MAX), vUtl::nint64(x)) << x;
   }
 }
-
-// ---------------------------------------------------------------------------
 
 TEST(vUtlCopyConvert, IntegersNarrowByLowBitsOrSaturateWhenClipped) {
   std::vector<int64_t> const wide = {0x123456789LL, -1, 5, INT64_MIN, 0x7FFFFFFFLL + 1};
@@ -259,8 +255,6 @@ TEST(vUtlCopyConvert, RefusesWhatItCannotDo) {
   vUtl::copyConvert(nullptr, vINT16, nullptr, vFLOAT32, 0);
 }
 
-// ---------------------------------------------------------------------------
-
 // One word each way, in this host's byte order.
 uint32_t toIeee(uint32_t w) {
   uint32_t out;
@@ -385,8 +379,6 @@ TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {
     ASSERT_EQ(0, std::memcmp(&one, all.data() + 1 + 4 * k, 4)) << k;
   }
 }
-
-// ---------------------------------------------------------------------------
 
 TEST(vUtlCRC, KnownValueAndChaining) {
   char const text[] = "123456789";
