@@ -226,7 +226,6 @@ TEST(vStringRead, NumbersBooleansAndEmptyStrings) {
   EXPECT_EQ(0, vString().readi());
   EXPECT_EQ(-42, vString("-42").readi());
   EXPECT_DOUBLE_EQ(2.5, vString("2.5").readd());
-  EXPECT_FLOAT_EQ(0.25f, vString("0.25").readf());
   EXPECT_EQ(9000000000LL, vString("9000000000").readi64());
   for (char const* f : {"", "  ", "F", "0", " n ", "disabled"}) EXPECT_FALSE(vString(f).readb()) << f;
   for (char const* t : {"1", "FALSE", "nope"}) EXPECT_TRUE(vString(t).readb()) << t;
