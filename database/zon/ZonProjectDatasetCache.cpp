@@ -7,6 +7,7 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsDict.h"
+#include "database/kvs/KvsHelper.h"
 #include "database/zon/ZonClassNamesTranslator.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/UtlExcept.h"
@@ -138,7 +139,7 @@ void ZonProject::DatasetCache::myPopulateCache() {
     }
     m_map[named.first] = entry;
   }
-  std::free(info);
+  kvs::KvsHelper::free(info);
 }
 
 vHandle<ZonProject::DatasetCache::Entry> ZonProject::DatasetCache::find(vLCString const& name) {
