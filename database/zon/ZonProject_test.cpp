@@ -10,7 +10,6 @@
 #include "database/zon/ZonTestDatabase.h"
 #include "foundation/ErrorHandler.h"
 #include "foundation/RaiseError.h"
-#include "project/NameDetails.h"
 
 namespace {
 
@@ -148,10 +147,6 @@ TEST_F(ZonProjects, GeometryTablesAreNamedApart) {
     EXPECT_EQ(c.found, str(ident) + "/" + str(type) + "/" + str(version));
     EXPECT_EQ(c.rows, project->getAttributeSetDetails(c.name, 0).front().getNInstances()) << c.name;
   }
-  // Its name details end after the ident.
-  vString text;
-  NameDetails::buildName("SGD", "2", "Line12", "", text);
-  EXPECT_EQ("SGD,2,LINE12", str(NameDetails(text).getName()));
   // One about to be made, named type first.
   vString fresh("sgd,3,line9"), ident, type, version;
   EXPECT_FALSE(project->locateNameComponents(fresh, ident, type, version));
