@@ -58,8 +58,8 @@ class ZonProject : public Project {
       m_map.clear();
       m_geometry.clear();
     }
-    // Drops a store; a name the cache does not hold (a store just made)
-    // makes the whole cache stale.
+    // Drops a store after a write to it, and makes the whole cache stale:
+    // the store may be new, or hold a new version.
     void remove(vLCString const& name);
     // Drops one version of a store, and the store with its last version.
     void remove(vLCString const& name, int version);

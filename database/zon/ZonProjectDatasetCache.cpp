@@ -130,10 +130,12 @@ ZonProject::DatasetCache::Map::iterator ZonProject::DatasetCache::myFindKey(vLCS
 }
 
 void ZonProject::DatasetCache::remove(vLCString const& name) {
+  // A store written may be new, or have a new version: the next look-up
+  // lists again rather than miss it.
   Map* in = nullptr;
   Map::iterator it = myFindKey(name, in);
   if (in) in->erase(it);
-  else m_stale = true;
+  m_stale = true;
 }
 
 void ZonProject::DatasetCache::remove(vLCString const& name, int version) {

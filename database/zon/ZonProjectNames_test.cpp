@@ -15,10 +15,11 @@ using namespace kvs;
 TEST(ZonProjectNames, MixedCaseDatasetsAreListedOpenedAndRead) {
   ZonTestBed bed;
   vHandle<ZonProject> project = bed.openProject("names");
-  for (char const* version : {"1", "Pick"}) {  // ELEV = 10, 11, 12 and 20, 21, 22
+  // ELEV = 10, 11, 12 in each, but 20, 21, 22 in Pick.
+  for (char const* version : {"1", "Pick", "top"}) {
     project->setSession();
-    KvsObject ds = KvsOpen(project->getSession(), KvsNmode, 2L, KvsNtype, "TAB", KvsNident, "Line7", KvsNversion,
-                           version, 0L);
+    KvsObject ds = KvsOpen(project->getSession(), KvsNmode, 2L, KvsNtype, "TAB", KvsNident,
+                           *version == 't' ? "Top" : "Line7", KvsNversion, *version == 't' ? "1" : version, 0L);
     KvsObject t = KvsCreate(ds, KvsNname, "TAB1", 0L);
     std::vector<int> cdp{1, 2, 3}, offset{100, 100, 100};
     std::vector<double> elev{10, 11, 12};
@@ -32,7 +33,7 @@ TEST(ZonProjectNames, MixedCaseDatasetsAreListedOpenedAndRead) {
   }
   project->emptyDatasetCache();
   vHandle<Project::StoreList> const list = project->getStoreList("", "");
-  ASSERT_EQ(2u, list->size());
+  ASSERT_EQ(3u, list->size());
   EXPECT_STREQ("line7,tab.1", list->front().c_str());
 
   struct Case {
@@ -51,7 +52,7 @@ TEST(ZonProjectNames, MixedCaseDatasetsAreListedOpenedAndRead) {
     store.write(elev, 1, 3);
     store.close();
   }
-  EXPECT_EQ(2u, project->getStoreDetailsList("", "")->size());
+  EXPECT_EQ(3u, project->getStoreDetailsList("", "")->size());
   ZonStore again{vHandle_cast<Project>(project)};
   again.open("line7,tab", 1, "", "", nullptr);
   Attribute elev = again.getAttribute("ELEV");
