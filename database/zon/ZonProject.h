@@ -5,9 +5,10 @@
 // of the project, each named by its ident and its type joined with the
 // separator (",": "line12,seis"); a version that is not a number is a third
 // component. Names are found in any case. Seismic-geometry tables (type
-// SGD) are named type first, "sgd,1,line12". The datasets are listed from the database once, into the
-// DatasetCache, on the first question after open; a deleted or new store
-// drops the entries it touches.
+// SGD) are named type first, "sgd,1,line12". The datasets are listed from
+// the database into the DatasetCache on the first question after open, and
+// again after a store was written or on the full details list; the light
+// list answers from the cache as it stands.
 //
 // The library serves one project at a time, so every use of it, from here
 // or from a store of this project, first calls setSession().
