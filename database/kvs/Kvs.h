@@ -87,10 +87,11 @@ int KvsGetTree(KvsObject session, std::vector<std::string>& idents);
 // The session the calls below go through; the first one made by default.
 int _KvsSetSession(KvsObject session);
 KvsObject KvsCurrentSession();
-// The project names matching pattern (fnmatch), in one malloc'd block
-// that free() releases; site names the server's site and may be null.
+// The project names matching pattern (fnmatch), in one block that
+// KvsHelper::free releases; site names the server's site and may be null.
 int KvsListProjectSite(const char* site, const char* pattern, int* n, char*** list);
-// The general record of a project: its datasets, in one malloc'd block.
+// The general record of a project: its datasets, in one block that
+// KvsHelper::free releases.
 struct KvsDatasetInfo {
   char type[8];
   char ident[16];

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "database/kvs/Kvs.h"
+#include "database/kvs/KvsHelper.h"
 #include "database/kvs/KvsPage.h"
 #include "database/kvs/KvsRef.h"
 #include "database/kvs/KvsSocket.h"
@@ -385,7 +386,7 @@ TEST_F(KvsHousekeeping, LargeColumnsBothWaysAndCutShort) {
   ASSERT_EQ(KvsListProjectSite(nullptr, "*", &projects, &list), 0);
   ASSERT_EQ(projects, 1);
   EXPECT_STREQ(list[0], "proj");
-  std::free(list);
+  KvsHelper::free(list);
 }
 
 // Sending cleans: a table without keys keeps its empty rows between
@@ -429,14 +430,14 @@ TEST_F(KvsHousekeeping, SendCleansByKeys) {
   ASSERT_EQ(kvsbasegetinfo_("proj  ", nullptr, nullptr, &info), 0);
   ASSERT_EQ(info->count, 1);
   EXPECT_EQ(std::string(info->datasets[0].type) + info->datasets[0].ident, "SEISC");
-  std::free(info);
+  KvsHelper::free(info);
   int n = 0;
   char** list = nullptr;
   kvsStrLen[0] = 0, kvsStrLen[1] = 4;
   ASSERT_EQ(kvslistprojectsite_(nullptr, "pr* ", &n, &list), 0);
   ASSERT_EQ(n, 1);
   EXPECT_STREQ(list[0], "proj");
-  std::free(list);
+  KvsHelper::free(list);
 }
 
 // Rows written one at a time wait in the column's buffer until a page of

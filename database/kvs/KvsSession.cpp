@@ -227,8 +227,8 @@ int KvsListProjectSite(const char* site, const char* pattern, int* n, char*** li
     if (!pattern || fnmatch(pattern, l.c_str(), 0) == 0) names.push_back(l);
   std::size_t bytes = (names.size() + 1) * sizeof(char*);
   for (const std::string& l : names) bytes += l.size() + 1;
-  char** out = static_cast<char**>(std::malloc(bytes));
-  if (!out) return _KvsLog(KvsErrGeneral, "%%S Kvs Package could not allocate memory for object %s", "list");
+  char** out = static_cast<char**>(KvsAlloc(bytes, "list"));
+  if (!out) return KvsErrGeneral;
   char* at = reinterpret_cast<char*>(out + names.size() + 1);
   for (std::size_t i = 0; i < names.size(); ++i) {
     out[i] = at;
@@ -249,8 +249,10 @@ int KvsBaseGetInfo(const char* project, const char* site, const char* server, Kv
   int rc = readData(session, 'L', text, project);
   if (rc) return rc;
   std::vector<std::string> rows = lines(text);
-  auto* out = static_cast<KvsBaseInfo*>(std::calloc(1, sizeof(KvsBaseInfo) + rows.size() * sizeof(KvsDatasetInfo)));
-  if (!out) return _KvsLog(KvsErrGeneral, "%%S Kvs Package could not allocate memory for object %s", "info");
+  std::size_t const bytes = sizeof(KvsBaseInfo) + rows.size() * sizeof(KvsDatasetInfo);
+  auto* out = static_cast<KvsBaseInfo*>(KvsAlloc(bytes, "info"));
+  if (!out) return KvsErrGeneral;
+  std::memset(out, 0, bytes);
   out->datasets = reinterpret_cast<KvsDatasetInfo*>(out + 1);
   for (const std::string& row : rows) {
     // type, ident, version, creation time, by tabs

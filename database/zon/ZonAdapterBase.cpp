@@ -149,9 +149,12 @@ vString ZonAdapterBase::myDescribe() const { return getStoreName(); }
 void ZonAdapterBase::myOpenForRead() {
   myProject->setSession();
   vHandle<NameDetails> const name = myInfo->getNameDetails();
+  // The name is held upper-case; the dataset keeps its writer's case.
+  vString ident(name->getIdent()), type(name->getType()), version(name->getVersion());
+  myProject->findTrueSpelling(ident, type, version);
   KvsObject const session = KvsCurrentSession();
-  myObject = session ? KvsOpen(session, KvsNident, name->getIdent().c_str(), KvsNtype, name->getType().c_str(),
-                               KvsNversion, name->getVersion().c_str(), KvsNmode, 1L, 0L)
+  myObject = session ? KvsOpen(session, KvsNident, ident.c_str(), KvsNtype, type.c_str(), KvsNversion,
+                               version.c_str(), KvsNmode, 1L, 0L)
                      : nullptr;
   if (!myObject)
     Message::fatal("ZonAdapterBase::myOpenForRead", 0, "Error opening store %s:%s", getStoreName().c_str(),
@@ -162,9 +165,12 @@ void ZonAdapterBase::myOpenForRead() {
 void ZonAdapterBase::myOpenForWrite() {
   myProject->setSession();
   vHandle<NameDetails> const name = myInfo->getNameDetails();
+  // The name is held upper-case; the dataset keeps its writer's case.
+  vString ident(name->getIdent()), type(name->getType()), version(name->getVersion());
+  myProject->findTrueSpelling(ident, type, version);
   KvsObject const session = KvsCurrentSession();
-  myObject = session ? KvsOpen(session, KvsNident, name->getIdent().c_str(), KvsNtype, name->getType().c_str(),
-                               KvsNversion, name->getVersion().c_str(), KvsNmode, 2L, 0L)
+  myObject = session ? KvsOpen(session, KvsNident, ident.c_str(), KvsNtype, type.c_str(), KvsNversion,
+                               version.c_str(), KvsNmode, 2L, 0L)
                      : nullptr;
   if (!myObject)
     Message::fatal("ZonAdapterBase::myOpenForWrite", 0, "Requested Store '%s' could not be created.%s",

@@ -84,6 +84,11 @@ bool ZonProject::locateNameComponents(vString& name, vString& ident, vString& ty
   return myCache().locateNameComponents(name, ident, type, version);
 }
 
+bool ZonProject::findTrueSpelling(vString& ident, vString& type, vString& version) {
+  myMustBeOpen("ZonProject::findTrueSpelling");
+  return myCache().findTrueSpelling(ident, type, version);
+}
+
 void ZonProject::removeFromCache(vLCString const& name) { m_cache->remove(name); }
 
 void ZonProject::emptyDatasetCache() { m_cache->clear(); }
@@ -96,12 +101,17 @@ vHandle<Project::StoreList> ZonProject::getStoreList(vLCString const& storeClass
 vHandle<Project::StoreDetailsList> ZonProject::getStoreDetailsList(vLCString const& storeClass,
                                                                   vLCString const& subClass) {
   myMustBeOpen("ZonProject::getStoreDetailsList");
-  return myCache().getStoreDetailsList(storeClass, subClass);
+  // The full list asks the database, so that it holds what other programs
+  // wrote since the project last looked.
+  m_cache->myPopulateCache();
+  return m_cache->getStoreDetailsList(storeClass, subClass);
 }
 
 vHandle<Project::StoreDetailsList> ZonProject::getLightStoreDetailsList(vLCString const& storeClass,
                                                                        vLCString const& subClass) {
   myMustBeOpen("ZonProject::getLightStoreDetailsList");
+  // What the project holds already: no call to the database once the
+  // datasets were listed.
   return myCache().getStoreDetailsList(storeClass, subClass);
 }
 

@@ -4,9 +4,11 @@
 // ZonProject: a project held in a Kvs database. Its stores are the datasets
 // of the project, each named by its ident and its type joined with the
 // separator (",": "line12,seis"); a version that is not a number is a third
-// component. The datasets are listed from the database once, into the
-// DatasetCache, on the first question after open; a deleted or new store
-// drops the entries it touches.
+// component. Names are found in any case. Seismic-geometry tables (type
+// SGD) are named type first, "sgd,1,line12". The datasets are listed from
+// the database into the DatasetCache on the first question after open, and
+// again after a store was written or on the full details list; the light
+// list answers from the cache as it stands.
 //
 // The library serves one project at a time, so every use of it, from here
 // or from a store of this project, first calls setSession().
@@ -37,6 +39,8 @@ class ZonProject : public Project {
       vString type;
       // By version number: the database's version text and the details.
       std::map<int, vString> versionTexts;
+      // By version number: the ident as the database spells it.
+      std::map<int, vString> idents;
       std::map<int, StoreDetails> details;
       // The tables found, once they were asked for.
       std::list<vLCString> attributeSetNames;
@@ -50,10 +54,13 @@ class ZonProject : public Project {
 
     // Empty, or told of a change it cannot place: the next look-up lists
     // the datasets again.
-    bool empty() const { return m_map.empty() || m_stale; }
-    void clear() { m_map.clear(); }
-    // Drops a store; a name the cache does not hold (a store just made)
-    // makes the whole cache stale.
+    bool empty() const { return (m_map.empty() && m_geometry.empty()) || m_stale; }
+    void clear() {
+      m_map.clear();
+      m_geometry.clear();
+    }
+    // Drops a store after a write to it, and makes the whole cache stale:
+    // the store may be new, or hold a new version.
     void remove(vLCString const& name);
     // Drops one version of a store, and the store with its last version.
     void remove(vLCString const& name, int version);
@@ -67,6 +74,10 @@ class ZonProject : public Project {
     // The ident and type of the cached dataset whose name equals this one in
     // any case.
     bool findBestMatch(vString const& name, vString& ident, vString& type);
+    // Ident, type and version text as the database spells them, for a
+    // dataset named in another case; false, and nothing changed, when no
+    // dataset has them.
+    bool findTrueSpelling(vString& ident, vString& type, vString& version);
     StoreDetails getStoreDetails(vLCString const& name, int version);
     bool hasStore(vLCString const& name, int version);
     vHandle<Project::StoreDetailsList> getStoreDetailsList(vLCString const& storeClass, vLCString const& subClass);
@@ -75,8 +86,16 @@ class ZonProject : public Project {
     vHandle<Entry> find(vLCString const& name);
 
    private:
+    // The entry a name of one to three parts points at, and the map it is
+    // in (null if none).
+    Map::iterator myFindKey(vLCString const& name, Map*& in);
+
     ZonProject& m_project;
     Map m_map;
+    // Seismic-geometry tables (type SGD), apart from the stores: an ident
+    // alone never names one, and each version is listed by the three parts
+    // of its name details, "sgd,version,ident". "ident,sgd" finds one too.
+    Map m_geometry;
     bool m_stale = false;
   };
 
@@ -107,6 +126,9 @@ class ZonProject : public Project {
   kvs::KvsObject getSession();
   // See DatasetCache::locateNameComponents.
   bool locateNameComponents(vString& name, vString& ident, vString& type, vString& version);
+  // See DatasetCache::findTrueSpelling: store names are held upper-case, the
+  // database keeps the case its writer gave.
+  bool findTrueSpelling(vString& ident, vString& type, vString& version);
   // Drops a store from the cache, or all of it, after a change.
   void removeFromCache(vLCString const& name);
   void emptyDatasetCache();

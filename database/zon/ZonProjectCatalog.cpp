@@ -2,9 +2,8 @@
 
 #include <strings.h>
 
-#include <cstdlib>
-
 #include "database/kvs/Kvs.h"
+#include "database/kvs/KvsHelper.h"
 #include "database/zon/vKvsActivate.h"
 #include "foundation/Message.h"
 
@@ -47,5 +46,5 @@ void ZonProjectCatalog::myLoadProjects() const {
                    kvs::kvsErrorString.c_str());
   m_projects.clear();
   for (int i = 0; i < n; ++i) m_projects.push_back(vString(names[i]));
-  std::free(names);
+  kvs::KvsHelper::free(names);
 }

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsDict.h"
+#include "database/kvs/KvsHelper.h"
 #include "database/zon/ZonClassNamesTranslator.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/UtlExcept.h"
@@ -66,6 +68,36 @@ std::pair<vLCString, vLCString> local_classOf(vString const& type) {
   return std::make_pair(storeClass, subClass);
 }
 
+// Seismic-geometry tables: not a store with a domain, but the geometry
+// that goes with the line or survey of the same ident.
+bool local_isGeometry(vString const& type) { return strcasecmp(type.c_str(), "SGD") == 0; }
+
+// The name a geometry table is listed by: its type, version and ident, the
+// three parts its name details take.
+vLCString local_geometryName(vString const& ident, vString const& version) {
+  vString name("SGD");
+  name += vString(ZonProject::separator);
+  name += version;
+  name += vString(ZonProject::separator);
+  name += ident;
+  return vLCString(name);
+}
+
+// The versions of an entry whose text is this one in any case.
+vHandle<ZonProject::DatasetCache::Entry> local_oneVersion(vHandle<ZonProject::DatasetCache::Entry> const& all,
+                                                          vString const& text) {
+  vHandle<ZonProject::DatasetCache::Entry> one(new ZonProject::DatasetCache::Entry);
+  one->ident = all->ident;
+  one->type = all->type;
+  for (auto const& v : all->versionTexts) {
+    if (strcasecmp(v.second.c_str(), text.c_str()) != 0) continue;
+    one->versionTexts[v.first] = v.second;
+    one->idents[v.first] = all->idents[v.first];
+    one->details[v.first] = all->details[v.first];
+  }
+  return one->versionTexts.empty() ? vHandle<ZonProject::DatasetCache::Entry>() : one;
+}
+
 bool local_isNumber(std::string const& text) {
   if (text.empty() || text.size() > 9) return false;
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -79,29 +111,50 @@ int ZonProject::DatasetCache::Entry::resolve(int version) const {
   return versionTexts.count(version) ? version : -1;
 }
 
-void ZonProject::DatasetCache::remove(vLCString const& name) {
-  // A name may carry its version text as a third component.
+ZonProject::DatasetCache::Map::iterator ZonProject::DatasetCache::myFindKey(vLCString const& name, Map*& in) {
+  // A name may carry its version text as a third component, and a geometry
+  // table comes type first.
   std::vector<vString> parts = local_split(name);
   vLCString key = parts.size() > 2 ? local_buildName(parts[0], parts[1]) : name;
-  if (m_map.erase(key) == 0) m_stale = true;
+  if (parts.size() == 3 && local_isGeometry(parts[0]) && !m_map.count(key) && !m_geometry.count(key))
+    key = local_buildName(parts[2], parts[0]);
+  for (Map* map : {&m_map, &m_geometry}) {
+    Map::iterator it = map->find(key);
+    if (it != map->end()) {
+      in = map;
+      return it;
+    }
+  }
+  in = nullptr;
+  return m_map.end();
+}
+
+void ZonProject::DatasetCache::remove(vLCString const& name) {
+  // A store written may be new, or have a new version: the next look-up
+  // lists again rather than miss it.
+  Map* in = nullptr;
+  Map::iterator it = myFindKey(name, in);
+  if (in) in->erase(it);
+  m_stale = true;
 }
 
 void ZonProject::DatasetCache::remove(vLCString const& name, int version) {
-  std::vector<vString> parts = local_split(name);
-  vLCString key = parts.size() > 2 ? local_buildName(parts[0], parts[1]) : name;
-  Map::iterator it = m_map.find(key);
-  if (it == m_map.end()) {
+  Map* in = nullptr;
+  Map::iterator it = myFindKey(name, in);
+  if (!in) {
     m_stale = true;
     return;
   }
   it->second->versionTexts.erase(version);
+  it->second->idents.erase(version);
   it->second->details.erase(version);
-  if (it->second->versionTexts.empty()) m_map.erase(it);
+  if (it->second->versionTexts.empty()) in->erase(it);
 }
 
 void ZonProject::DatasetCache::myPopulateCache() {
   char const* const method = "ZonProject::DatasetCache::myPopulateCache";
   m_map.clear();
+  m_geometry.clear();
   m_stale = false;
   m_project.setSession();
   std::string const project(m_project.m_kvsProject->getProject().c_str());
@@ -110,8 +163,11 @@ void ZonProject::DatasetCache::myPopulateCache() {
   if (kvs::KvsBaseGetInfo(project.c_str(), nullptr, server.c_str(), &info) != 0)
     Message::fatal(method, 0, "Error getting general info for project %s@%s:%s %s", project.c_str(), "",
                    server.c_str(), kvs::kvsErrorString.c_str());
+  // The record is the library's, and goes back to it on every way out.
+  std::unique_ptr<kvs::KvsBaseInfo, void (*)(kvs::KvsBaseInfo*)> held(info, &kvs::KvsHelper::free);
   // Versions by dataset first, so that texts that are not numbers can be
-  // numbered after the numeric ones.
+  // numbered after the numeric ones. Names are lower case, so idents that
+  // differ only in case share one entry, each version keeping its spelling.
   std::map<vString, std::vector<kvs::KvsDatasetInfo const*> > byName;
   std::map<vString, std::pair<vLCString, vLCString> > classes;
   for (int i = 0; i < info->count; ++i) {
@@ -122,6 +178,7 @@ void ZonProject::DatasetCache::myPopulateCache() {
     vHandle<Entry> entry(new Entry);
     entry->ident = named.second.front()->ident;
     entry->type = named.second.front()->type;
+    bool const geometry = local_isGeometry(entry->type);
     int highest = 0;
     for (kvs::KvsDatasetInfo const* d : named.second)
       if (local_isNumber(d->version)) highest = std::max(highest, std::atoi(d->version));
@@ -131,22 +188,22 @@ void ZonProject::DatasetCache::myPopulateCache() {
       created.setSeconds(d->created);
       vString type(d->type);
       if (!classes.count(type)) classes[type] = local_classOf(type);
-      StoreDetails details(named.first, number, classes[type].first, classes[type].second, 0, vString(d->ident),
+      vLCString const name = geometry ? local_geometryName(d->ident, d->version) : vLCString(named.first);
+      StoreDetails details(name, number, classes[type].first, classes[type].second, 0, vString(d->ident),
                            vString(d->version), created, vString(project.c_str()), 0, 0, ProjectType::ZONMESH);
       entry->versionTexts[number] = vString(d->version);
+      entry->idents[number] = vString(d->ident);
       entry->details[number] = details;
     }
-    m_map[named.first] = entry;
+    (geometry ? m_geometry : m_map)[named.first] = entry;
   }
-  std::free(info);
 }
 
 vHandle<ZonProject::DatasetCache::Entry> ZonProject::DatasetCache::find(vLCString const& name) {
-  Map::iterator it = m_map.find(name);
-  if (it != m_map.end()) return it->second;
   std::vector<vString> parts = local_split(name);
   if (parts.size() == 1) {
-    // An ident alone names the one dataset of that ident, whatever its type.
+    // An ident alone names the one dataset of that ident, whatever its type;
+    // the geometry of the same line does not count.
     vHandle<Entry> only;
     vString prefix(name);
     prefix += vString(ZonProject::separator);
@@ -157,19 +214,15 @@ vHandle<ZonProject::DatasetCache::Entry> ZonProject::DatasetCache::find(vLCStrin
     }
     return only;
   }
+  Map* in = nullptr;
+  Map::iterator it = myFindKey(name, in);
+  if (!in) return vHandle<Entry>();
+  if (parts.size() == 2) return it->second;
   if (parts.size() != 3) return vHandle<Entry>();
-  // ident,type,version: the one version only.
-  it = m_map.find(local_buildName(parts[0], parts[1]));
-  if (it == m_map.end()) return vHandle<Entry>();
-  vHandle<Entry> one(new Entry);
-  one->ident = it->second->ident;
-  one->type = it->second->type;
-  for (auto const& v : it->second->versionTexts) {
-    if (strcasecmp(v.second.c_str(), parts[2].c_str()) != 0) continue;
-    one->versionTexts[v.first] = v.second;
-    one->details[v.first] = it->second->details[v.first];
-  }
-  return one->versionTexts.empty() ? vHandle<Entry>() : one;
+  // ident,type,version, or SGD,version,ident: the one version only.
+  bool const typeFirst = in == &m_geometry && local_isGeometry(parts[0]) &&
+                         it->first != vString(local_buildName(parts[0], parts[1]));
+  return local_oneVersion(it->second, typeFirst ? parts[1] : parts[2]);
 }
 
 bool ZonProject::DatasetCache::locateNameComponents(vString& name, vString& ident, vString& type, vString& version) {
@@ -185,22 +238,49 @@ bool ZonProject::DatasetCache::locateNameComponents(vString& name, vString& iden
     }
   }
   std::vector<vString> parts = local_split(name);
-  ident = parts[0];
-  type = parts.size() > 1 ? parts[1] : vString();
+  if (parts.size() == 3 && local_isGeometry(parts[0]) && kvs::KvsDtTyp(parts[1].c_str()) == 0) {
+    // A geometry table about to be made, named type first.
+    ident = parts[2];
+    type = parts[0];
+    version = parts[1];
+  } else {
+    ident = parts[0];
+    type = parts.size() > 1 ? parts[1] : vString();
+    if (parts.size() > 2) version = parts[2];
+    else if (wanted <= 0) version = "1";
+  }
   type.toUpperCase();
-  if (parts.size() > 2) version = parts[2];
-  else if (wanted <= 0) version = "1";
   return false;
 }
 
 bool ZonProject::DatasetCache::findBestMatch(vString const& name, vString& ident, vString& type) {
-  for (auto const& e : m_map) {
-    if (strcasecmp(e.first.c_str(), name.c_str()) != 0) continue;
-    ident = e.second->ident;
-    type = e.second->type;
-    return true;
+  for (Map const* map : {&m_map, &m_geometry}) {
+    for (auto const& e : *map) {
+      if (strcasecmp(e.first.c_str(), name.c_str()) != 0) continue;
+      ident = e.second->ident;
+      type = e.second->type;
+      return true;
+    }
   }
   return false;
+}
+
+bool ZonProject::DatasetCache::findTrueSpelling(vString& ident, vString& type, vString& version) {
+  Map* in = nullptr;
+  Map::iterator it = myFindKey(local_buildName(ident, type), in);
+  if (!in) return false;
+  // The version of that text, its own spelling first.
+  Entry& entry = *it->second;
+  int number = -1;
+  for (auto const& v : entry.versionTexts) {
+    if (v.second == version) number = v.first;
+    else if (number < 0 && strcasecmp(v.second.c_str(), version.c_str()) == 0) number = v.first;
+  }
+  if (number < 0) return false;
+  ident = entry.idents[number];
+  type = entry.type;
+  version = entry.versionTexts[number];
+  return true;
 }
 
 bool ZonProject::DatasetCache::hasStore(vLCString const& name, int version) {
@@ -218,11 +298,13 @@ StoreDetails ZonProject::DatasetCache::getStoreDetails(vLCString const& name, in
 vHandle<Project::StoreDetailsList> ZonProject::DatasetCache::getStoreDetailsList(vLCString const& storeClass,
                                                                                 vLCString const& subClass) {
   vHandle<Project::StoreDetailsList> list(new Project::StoreDetailsList);
-  for (auto const& e : m_map) {
-    for (auto const& d : e.second->details) {
-      if (!storeClass.isBlank() && d.second.getClass() != storeClass) continue;
-      if (!subClass.isBlank() && d.second.getSubClass() != subClass) continue;
-      list->push_back(d.second);
+  for (Map const* map : {&m_map, &m_geometry}) {
+    for (auto const& e : *map) {
+      for (auto const& d : e.second->details) {
+        if (!storeClass.isBlank() && d.second.getClass() != storeClass) continue;
+        if (!subClass.isBlank() && d.second.getSubClass() != subClass) continue;
+        list->push_back(d.second);
+      }
     }
   }
   return list;
@@ -231,15 +313,17 @@ vHandle<Project::StoreDetailsList> ZonProject::DatasetCache::getStoreDetailsList
 vHandle<Project::StoreList> ZonProject::DatasetCache::getStoreList(vLCString const& storeClass,
                                                                   vLCString const& subClass) {
   vHandle<Project::StoreList> list(new Project::StoreList);
-  for (auto const& e : m_map) {
-    for (auto const& d : e.second->details) {
-      if (!storeClass.isBlank() && d.second.getClass() != storeClass) continue;
-      if (!subClass.isBlank() && d.second.getSubClass() != subClass) continue;
-      // Each version, as "name.version".
-      vLCString name(e.first);
-      name += '.';
-      name += vString::number(d.first);
-      list->push_back(name);
+  for (Map const* map : {&m_map, &m_geometry}) {
+    for (auto const& e : *map) {
+      for (auto const& d : e.second->details) {
+        if (!storeClass.isBlank() && d.second.getClass() != storeClass) continue;
+        if (!subClass.isBlank() && d.second.getSubClass() != subClass) continue;
+        // Each version, as "name.version".
+        vLCString name(d.second.getName());
+        name += '.';
+        name += vString::number(d.first);
+        list->push_back(name);
+      }
     }
   }
   return list;

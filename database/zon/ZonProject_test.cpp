@@ -121,6 +121,74 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   expectFatal([&] { project->hasStore("top,hz", 0); }, "ZonProject::hasStore", "Project is not open!");
 }
 
+// Seismic-geometry tables stand apart from the stores: each version is named
+// by the three parts of its name details, and an ident alone still names the
+// line beside its geometry.
+TEST_F(ZonProjects, GeometryTablesAreNamedApart) {
+  ASSERT_TRUE(db.writeShots("geo", "SEIS", "Line12", "1", 3));
+  ASSERT_TRUE(db.writeShots("geo", "SGD", "Line12", "1", 5));
+  ASSERT_TRUE(db.writeShots("geo", "SGD", "Line12", "2", 6));
+  vHandle<ZonProject> project = openProject("geo");
+  std::string stores;
+  vHandle<Project::StoreList> list = project->getStoreList("", "");
+  for (vLCString const& s : *list) stores += str(s) + ";";
+  EXPECT_EQ("line12,seis.1;sgd,1,line12.1;sgd,2,line12.2;", stores);
+
+  struct Case {
+    char const* name;
+    char const* found;  // ident/type/version
+    unsigned int rows;
+  } const cases[] = {{"line12", "Line12/SEIS/1", 3},      {"sgd,1,line12", "Line12/SGD/1", 5},
+                     {"SGD,2,LINE12", "Line12/SGD/2", 6}, {"line12,sgd", "Line12/SGD/2", 6},
+                     {"line12,sgd,1", "Line12/SGD/1", 5}};
+  for (Case const& c : cases) {
+    vString name(c.name), ident, type, version("0");
+    EXPECT_TRUE(project->locateNameComponents(name, ident, type, version)) << c.name;
+    EXPECT_EQ(c.found, str(ident) + "/" + str(type) + "/" + str(version));
+    EXPECT_EQ(c.rows, project->getAttributeSetDetails(c.name, 0).front().getNInstances()) << c.name;
+  }
+  // One about to be made, named type first.
+  vString fresh("sgd,3,line9"), ident, type, version;
+  EXPECT_FALSE(project->locateNameComponents(fresh, ident, type, version));
+  EXPECT_EQ("line9/SGD/3", str(ident) + "/" + str(type) + "/" + str(version));
+
+  EXPECT_TRUE(project->deleteStore("sgd,1,line12", 0, "", ""));
+  EXPECT_FALSE(project->hasStore("sgd,1,line12", 0));
+  EXPECT_TRUE(project->hasStore("sgd,2,line12", 0));
+  EXPECT_TRUE(project->hasStore("line12", 0));
+}
+
+// The light list answers from what the project holds, without the database;
+// the full one asks it, and so sees what another program wrote since.
+TEST_F(ZonProjects, LightListAnswersFromWhatIsHeld) {
+  ASSERT_TRUE(db.writeShots("cheap", "SEIS", "A", "1", 2));
+  vHandle<ZonProject> project = openProject("cheap");
+  EXPECT_EQ(1u, project->getLightStoreDetailsList("", "")->size());
+  ASSERT_TRUE(db.writeShots("cheap", "SEIS", "B", "1", 2));
+  EXPECT_EQ(1u, project->getLightStoreDetailsList("", "")->size());
+  EXPECT_EQ(2u, project->getStoreDetailsList("", "")->size());
+  db.stop(SIGKILL);
+  EXPECT_EQ(2u, project->getLightStoreDetailsList("", "")->size());
+  try {
+    MessageHandling quiet;
+    project->getStoreDetailsList("", "");
+    ADD_FAILURE() << "full list with the daemon gone";
+  } catch (UtlExcept const& e) {
+    EXPECT_STREQ("ZonProject::DatasetCache::myPopulateCache", e.getMethod().c_str());
+  }
+}
+
+// The catalog's project list and the project's general record are the
+// library's blocks, and are given back whole.
+TEST_F(ZonProjects, ListsGiveBackWhatTheLibraryLent) {
+  ASSERT_TRUE(db.writeShots("lent", "SEIS", "A", "1", 2));
+  long const before = kvs::kvsAllocated;
+  EXPECT_EQ(1u, catalog->getProjectList()->size());
+  vHandle<ZonProject> project = openProject("lent");
+  EXPECT_EQ(1u, project->getStoreDetailsList("", "")->size());
+  EXPECT_EQ(before, kvs::kvsAllocated);
+}
+
 // The library serves one project at a time: alternating projects start it
 // again at each switch, the same project twice does not.
 TEST_F(ZonProjects, SwitchingProjectsReactivatesOnlyOnChange) {

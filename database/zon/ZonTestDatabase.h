@@ -39,7 +39,7 @@ class ZonTestDatabase {
     std::filesystem::create_directories(home);
     std::vector<kvs::KvsDtElement> d[4] = {
         {{"SHOT", 1, 0x494E5400u, 4}, {"X", 2, 0x464C5400u, 4}, {"Z", 3, 0x44424C00u, 8}, {"NAME", 4, 0, 8}},
-        {{"SEIS", 1}, {"HZ", 2}, {"TAB", 3}},
+        {{"SEIS", 1}, {"HZ", 2}, {"TAB", 3}, {"SGD", 4}},
         {{"SHOTS", 1, 1, 1}, {"RCVS", 2, 2, 0}, {"TAB1", 3, 1, 1}},
         {{"SHOT", 1, 1}, {"RCV", 2}}};
     std::vector<unsigned char> bytes = kvs::KvsDtBuild(d);

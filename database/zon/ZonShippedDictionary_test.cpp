@@ -1,0 +1,26 @@
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "foundation/TestReleaseTree.h"
+
+// The release ships the dictionary zonload writes (scripts/make-kvsdict);
+// this keeps the two from drifting apart.
+TEST(ZonShippedDictionary, EqualsWhatZonloadWritesNow) {
+  TestReleaseTree tree;
+  std::string const command = "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/zonload' dictionary '" +
+                              tree.root() + "' 127.0.0.1";
+  int const status = std::system(command.c_str());
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << command;
+  std::ostringstream made, shipped;
+  made << std::ifstream(tree.root() + "/KvsDict.bin", std::ios::binary).rdbuf();
+  shipped << std::ifstream(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SupportFiles/CapiZon/KvsDict.bin",
+                           std::ios::binary).rdbuf();
+  ASSERT_FALSE(made.str().empty());
+  EXPECT_TRUE(made.str() == shipped.str()) << "the shipped KvsDict.bin is not zonload's; run scripts/make-kvsdict";
+}
