@@ -81,8 +81,9 @@ alignas(16) constexpr ScalePairs kScalePairs;
 // One group, within its own ten bytes. Without a byte shuffle the four
 // fractions are spread by pairing each 16-bit word with itself: a 32-bit
 // lane holds the bytes h l h l, and shifted by 8 and masked it is q * 2^16.
-// The scales of the two exponent bytes come from a table (working them out
-// in the vector costs more instructions than the two lookups).
+// The scales of the two exponent bytes come from a table: working them out
+// in the vector (a multiply as a per-lane shift) ran a quarter slower than
+// the two lookups, which are still about half of the time of a group.
 __attribute__((target("sse2"))) inline void group8015Sse2(unsigned char const* s, float* t) {
   __m128i f = _mm_loadl_epi64(reinterpret_cast<__m128i const*>(s + 2));
   f = _mm_and_si128(_mm_slli_epi32(_mm_unpacklo_epi16(f, f), 8), _mm_set1_epi32(static_cast<int>(0xFFFF0000u)));
