@@ -7,6 +7,8 @@
 //   SegyStoreTraces   the same through SegyDiskStore over the SEG-Y file
 //   SegdStoreChannel  read(CHANNEL, ...) by ranges of 1000: one BCD field
 //   Kernel8015/n      fc_8015toieee of n samples from a block of 8015 groups
+//   Kernel8015Path/p/n  the same by one path: 0 portable, 1 SSE2, 2 AVX2;
+//                     a path this machine lacks is skipped
 //   Kernel8058/n      fc_8058toieee of n samples
 //   Memcpy/n          memcpy of n floats
 //
@@ -176,6 +178,21 @@ void Kernel8015(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(n) * 4);
 }
 
+void Kernel8015Path(benchmark::State& state) {
+  auto const path = static_cast<SegdKernels::Path8015>(state.range(0));
+  std::size_t const n = static_cast<std::size_t>(state.range(1));
+  if (!SegdKernels::has8015Path(path)) state.SkipWithError("not on this machine");
+  std::vector<unsigned char> in(n / 4 * 10);
+  makeGroups(in.data(), 3, static_cast<int>(n));
+  std::vector<float> out(n);
+  for (auto _ : state) {
+    SegdKernels::fc_8015toieee(path, in.data(), out.data(), n);
+    benchmark::DoNotOptimize(out.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(n) * 4);
+}
+
 void Kernel8058(benchmark::State& state) {
   std::size_t const n = static_cast<std::size_t>(state.range(0));
   std::vector<float> in(n, 1.5f), out(n);
@@ -201,6 +218,7 @@ void Memcpy(benchmark::State& state) {
 }  // namespace
 
 BENCHMARK(Kernel8015)->Arg(1 << 16)->Arg(1 << 24);
+BENCHMARK(Kernel8015Path)->ArgsProduct({{0, 1, 2}, {1 << 16, 1 << 24}});
 BENCHMARK(Kernel8058)->Arg(1 << 16)->Arg(1 << 24);
 BENCHMARK(Memcpy)->Arg(1 << 16)->Arg(1 << 24);
 BENCHMARK(SegdStoreTraces)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -44,6 +44,13 @@ inline int32_t traceLength(int formatCode, int32_t nSamples) {
 // in this machine's order. A count not divisible by 4 is fatal: "8015
 // samples must be in groups of four.".
 void fc_8015toieee(void const* source, float* target, std::size_t n);
+// The ways of converting 8015 samples, for the tests and benchmarks that
+// hold them against each other; fc_8015toieee above takes the fastest this
+// machine has. All give the same bits.
+enum class Path8015 { PORTABLE, SSE2, AVX2 };
+bool has8015Path(Path8015 path);
+// As fc_8015toieee, by the given path; one this machine lacks is fatal.
+void fc_8015toieee(Path8015 path, void const* source, float* target, std::size_t n);
 // n big-endian IEEE floats (format 8058) into this machine's order. source
 // and target may be the same address.
 void fc_8058toieee(void const* source, float* target, std::size_t n);
