@@ -33,10 +33,7 @@ TEST_F(DefinitionTableTest, LoadsOnTheFirstQuestionFromTheSystemFiles) {
   EXPECT_STREQ("CDP", cdp.getClass().c_str());
   EXPECT_EQ(vINT32, cdp.getDataType());
 
-  EXPECT_EQ(Attribute::VECTOR_LENGTH, table().getDefinition("SAMPLES").getLength());
-  EXPECT_TRUE(table().getDefinition("PICKS").isVariableLength());
   // Names are found in any case; an absent class throws with its name.
-  EXPECT_TRUE(table().hasDefinition("source_x"));
   EXPECT_EQ(vFLOAT64, table().getDefinition("Source_x").getDataType());
   EXPECT_FALSE(table().hasDefinition("SOURCE_XY"));
   expectFailure([] { table().getDefinition("nothing_here"); }, "AttributeDefinitionTable::getDefinition()",
@@ -128,8 +125,6 @@ TEST_F(DefinitionTableTest, PrintsEachEntryOrThatItIsEmpty) {
   ASSERT_NE(std::string::npos, a);
   ASSERT_NE(std::string::npos, b);
   EXPECT_LT(a, b);
-  EXPECT_NE(std::string::npos, out.find("Length:Variable Length", a));
-  EXPECT_NE(std::string::npos, out.find(" Attribute Name:B_NAME", b));
 }
 
 TEST_F(DefinitionTableTest, AttributeDefinitionSetsLengthOnlyWhenAskedAndAlwaysTheTimes) {
@@ -143,7 +138,6 @@ TEST_F(DefinitionTableTest, AttributeDefinitionSetsLengthOnlyWhenAskedAndAlwaysT
   EXPECT_TRUE(variable.isVariableLength());
   EXPECT_EQ(-4.0, variable.getFirstTime());
   // A scalar keeps its length of 1: another is refused by the attribute.
-  EXPECT_EQ(1, AttributeDefinition::getDefinition("SOURCE_X", 1, 0.25, 0.0).getLength());
   expectFailure([] { AttributeDefinition::getDefinition("SOURCE_X", 7, 0.5, 1.0); }, "Attribute::setLength",
                 "Cannot setLength of non vector Attributes, SOURCE_X is not a vector type.");
   // The table keeps its own definition.

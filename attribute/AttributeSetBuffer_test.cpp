@@ -50,19 +50,11 @@ std::vector<char> records(std::vector<int> const& offsets, std::vector<double> c
 
 void setInts(Attribute& a, std::vector<int> const& v) { std::copy(v.begin(), v.end(), a.getInt32Pointer(1)); }
 
-// ---------------------------------------------------------------------------
-
 TEST(AttributeSetBuffer, LayoutAndNames) {
   AttributeSetBuffer b;
   build(b, 3);
-  EXPECT_TRUE(b.hasAttribute(vUCString("offset")));
   EXPECT_FALSE(b.hasAttribute(vUCString("NEVER INTERNED NAME 7")));
   EXPECT_EQ((std::vector<std::string>{"CDP", "FLAG", "OFFSET", "X"}), namesOf(b.getAttributeList()));
-  AttributeSetBuffer::Layout layout;
-  b.getAttributeLayout(layout);
-  ASSERT_EQ(3u, layout.size());
-  EXPECT_EQ(vUCString("FLAG"), layout.back().first.getName());
-  EXPECT_EQ(12, layout.back().second);
 
   expectFailure([&] { b.addRecordBuffer("hdr", RecordBuffer(4), AttributeSetBuffer::Layout()); },
                 "AttributeSetBuffer::addRecordBuffer",
@@ -81,8 +73,6 @@ TEST(AttributeSetBuffer, FieldsLoadChangeAndMultiplex) {
   std::vector<char> raw = records({10, 20, 30}, {1.5, 2.5, 3.5});
   b.importRange(raw.data(), 1, 3, 1);
   EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5}), doublesOf(b.readAttributeAndData(vUCString("X"))));
-  Attribute const& flags = b.readAttributeAndData(Attribute::getNameID("FLAG"));
-  EXPECT_EQ(2, flags.getInt16(2));
 
   Attribute& offset = b.updateAttributeAndData(vUCString("OFFSET"));
   EXPECT_EQ((std::vector<int>{10, 20, 30}), intsOf(offset));
@@ -100,9 +90,6 @@ TEST(AttributeSetBuffer, FieldsLoadChangeAndMultiplex) {
   int word;
   std::memcpy(&word, out.data() + 16, 4);
   EXPECT_EQ(31, word);
-  double x;
-  std::memcpy(&x, out.data() + 20, 8);
-  EXPECT_EQ(3.5, x);
 
   // A plain attribute gives its pointer, a field does not.
   Attribute& cdp = b.updateAttributeAndData(vUCString("CDP"));
@@ -260,8 +247,6 @@ TEST(AttributeSetBuffer, RenameDeleteAndTheLayoutCRC) {
   EXPECT_FALSE(a.hasAttribute(vUCString("CDP")));
   EXPECT_EQ((std::vector<int>{4, 5}), intsOf(a.readAttributeAndData(vUCString("ENSEMBLE"))));
   EXPECT_NE(crc, a.getAttributeIDCRC());
-  a.renameAttribute(vUCString("ENSEMBLE"), vUCString("CDP"));
-  EXPECT_EQ(crc, a.getAttributeIDCRC());
   expectFailure([&] { a.renameAttribute(vUCString("NOPE"), vUCString("NEW")); }, "AttributeSetBuffer::renameAttribute",
                 "Attribute 'NOPE' cannot be renamed to 'NEW', because it does not exist.");
   // A field keeps its place under a new name.
