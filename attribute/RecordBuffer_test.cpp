@@ -37,8 +37,10 @@ TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
   EXPECT_FALSE(b.isDirty());
   EXPECT_EQ(75, b.getBufferSize());
   EXPECT_TRUE(b.inside(7u));
-  EXPECT_TRUE(b.inside(3u, 7u));
+  EXPECT_FALSE(b.inside(8u));
+  EXPECT_FALSE(b.inside(2u, 4u));
   EXPECT_TRUE(b.inside(std::vector<unsigned int>{7, 3, 5}));
+  EXPECT_FALSE(b.inside(std::vector<unsigned int>{7, 8}));
   expectFailure([&] { b.inside(0u); }, "RecordBuffer::inside", "Instance 0 was less than 1.");
   std::vector<unsigned int> list;
   b.getInstanceList(list);
@@ -76,7 +78,9 @@ TEST(RecordBuffer, ListFormGoesThroughTheMap) {
   RecordBuffer b(8);
   b.allocate(std::vector<unsigned int>{9, 2, 5, 3, 4});
   EXPECT_FALSE(b.isRange());
+  EXPECT_FALSE(b.inside(6u));
   EXPECT_TRUE(b.inside(2u, 5u));
+  EXPECT_FALSE(b.inside(4u, 6u));
   std::vector<unsigned int> list;
   b.getInstanceList(list);
   EXPECT_EQ((std::vector<unsigned int>{9, 2, 5, 3, 4}), list);
