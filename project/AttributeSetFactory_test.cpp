@@ -85,9 +85,7 @@ TEST(AttributeSetFactoryCreate, ClassByProjectType) {
     ProjectType::PROJECT_TYPE type;
     char const* className;
   };
-  for (Case c : {Case{ProjectType::UNITTEST, "InMemoryAttributeSet"}, Case{ProjectType::KELP, "ClientAttributeSet"},
-                 Case{ProjectType::RONDO, "ClientAttributeSet"}, Case{ProjectType::NOTYPE, "ClientAttributeSet"},
-                 Case{ProjectType::DORN, "ClientAttributeSet"}, Case{ProjectType::ZONMESH, "ClientAttributeSet"}}) {
+  for (Case c : {Case{ProjectType::UNITTEST, "InMemoryAttributeSet"}, Case{ProjectType::ZONMESH, "ClientAttributeSet"}}) {
     made().clear();
     vHandle<Project> project = projectOn("127.0.0.101", c.type);
     vHandle<AttributeSet> set = AttributeSetFactory::create(project);

@@ -82,7 +82,6 @@ TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   Attribute cdp("CDP", "", vINT32);
   Attribute blank;
-  std::vector<unsigned int> sizes;
   AttributeSetBuffer buffer;
   std::string const closed = "The store has not been opened yet!";
   std::string const closedCdp = "The store has not been opened yet ... CDP";
@@ -94,19 +93,8 @@ TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
       {[&] { store.read(cdp, 1, 2); }, "read(range)", closedCdp},
       {[&] { store.read(blank, 1, 1); }, "read(range)", "The store has not been opened yet ... "},
       {[&] { store.getAttribute("TRACE"); }, "getAttribute", "The store has not been opened yet ... TRACE"},
-      {[&] { store.getUnique(cdp, vUtlSort::SortOrder::ASCENDING); }, "getUnique", closedCdp},
-      {[&] { store.getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::DESCENDING); }, "getGroupsAndSizes", closedCdp},
       {[&] { store.hasAttribute("CDP"); }, "hasAttribute", closedCdp},
-      {[&] { store.getAttributeList("CDP", AttributeMatch::MATCH_CLASS); }, "getAttributeList", closedCdp},
       {[&] { store.getAttributeList(); }, "getAttributeList", closed},
-      {[&] { store.getNInstances(); }, "getNInstances", closed},
-      {[&] { store.getName(); }, "getName", closed},
-      {[&] { store.getAttributeSetList(); }, "getAttributeSetList", closed},
-      {[&] { store.close(); }, "close", closed},
-      {[&] { store.openAttributeSet("b"); }, "openAttributeSet", closed},
-      {[&] { store.getKeyList(); }, "getKeyList", closed},
-      {[&] { store.getAttributeSetName(); }, "getAttributeSetName", closed},
-      {[&] { store.updateAttributeSet("b"); }, "updateAttributeSet", closed},
       {[&] { store.readBufferRange(buffer, 1, 1); }, "readBufferRange", closed},
       {[&] { store.write(cdp, 1, 1); }, "write(range)", "The store '' has not been opened for modification!"},
   };
@@ -134,12 +122,7 @@ TEST(StoreImp, OpensOnceAndForReadingOnly) {
     char const* method;
   } const refusals[] = {
       {[&] { store.write(ints("CDP", {9}), 1, 1); }, "write(range)"},
-      {[&] { store.setAttributeClass("CDP", "BIN"); }, "setAttributeClass"},
-      {[&] { store.createAttributeSet("b", KeyList()); }, "createAttributeSet"},
       {[&] { store.addProperty(Property("P", 1)); }, "addProperty"},
-      {[&] { store.removeProperty(vUCString("X")); }, "removeProperty"},
-      {[&] { store.setPropertyList(PropertyI()); }, "setPropertyList"},
-      {[&] { store.clearProperties(); }, "clearProperties"},
   };
   for (auto const& r : refusals) {
     SCOPED_TRACE(r.method);
