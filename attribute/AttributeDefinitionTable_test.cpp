@@ -113,20 +113,6 @@ TEST_F(DefinitionTableTest, AnEmptyFileLeavesTheTableUnloaded) {
   EXPECT_TRUE(table().hasDefinition("CDP"));
 }
 
-TEST_F(DefinitionTableTest, PrintsEachEntryOrThatItIsEmpty) {
-  EXPECT_EQ("AttributeDefinitionTable is empty.\n", printed([] { table().printTable(); }));
-  tree.writeSystemFile("AttributeDefTable4.txt", "B_NAME vInt32 1\nA_NAME vFloat32 variable\n");
-  table().reload();
-  std::string const out = printed([] { table().printTable(); });
-  std::string::size_type const head = out.find("Dump of AttributeDefinitionTable.\n");
-  std::string::size_type const a = out.find("Class= A_NAME | Attribute= ");
-  std::string::size_type const b = out.find("Class= B_NAME | Attribute= ");
-  EXPECT_EQ(0u, head);
-  ASSERT_NE(std::string::npos, a);
-  ASSERT_NE(std::string::npos, b);
-  EXPECT_LT(a, b);
-}
-
 TEST_F(DefinitionTableTest, AttributeDefinitionSetsLengthOnlyWhenAskedAndAlwaysTheTimes) {
   EXPECT_EQ(1, AttributeDefinition::getDefinition("SOURCE_X", 0, 0.0, 0.0).getLength());
 
