@@ -17,7 +17,6 @@ TEST(DataPtr, TransferCopyAllocateAndBorrow) {
   unsigned int* given = new unsigned int[2]{2, 3};
   DataPtr d(vINT32, 2, data, given, DataPtr::TRANSFER);
   EXPECT_EQ(data, d.getData());
-  EXPECT_EQ(given, d.getLengths());
   EXPECT_EQ(20, d.getTotalNBytes());
   // Freed by d: AddressSanitizer would report a leak otherwise.
 
@@ -36,7 +35,6 @@ TEST(DataPtr, TransferCopyAllocateAndBorrow) {
   EXPECT_EQ(6, a.getTotalNBytes());
   EXPECT_EQ(0, static_cast<int16_t*>(a.getData())[2]);  // zeroed
 
-
   // Borrowed blocks are never freed.
   float block[2] = {1.0f, 2.0f};
   {
@@ -50,9 +48,6 @@ TEST(DataPtr, EveryBlockTypeAllocates) {
   for (DataType t : {vINT8, vUINT16, vINT64, vFLOAT32, vBOOL8}) {
     DataPtr d(t, 3);
     EXPECT_NE(nullptr, d.getData());
-    DataPtr e;
-    e = d;
-    EXPECT_EQ(t, e.getDataType());
   }
   expectFailure([] { DataPtr d(vSTRING, 3); }, "DataPtr::DataPtr()", "Unsupported data type vSTRING.");
   int x = 0;
