@@ -314,19 +314,15 @@ TEST(StoreDescription, ALiveStoreIsFoundAgainByItsPrintedName) {
     vHandle<Store> store(raw);
     store->create("scratch", "seismic", "3d", KeyList(), nullptr);
     StoreDescription held(store);
-    EXPECT_TRUE(held.isInMemory());
-    EXPECT_EQ("scratch", str(held.getStoreName()));
     EXPECT_EQ(static_cast<long long>(reinterpret_cast<uintptr_t>(raw)), held.getAddress());
     printed = str(held.toString());
     EXPECT_EQ("InMemory:scratch." + std::to_string(held.getAddress()), printed);
     EXPECT_TRUE(held.getStore() == store);
 
     StoreDescription parsed(vString(printed.c_str()));
-    EXPECT_TRUE(parsed == held);
     vLCString name;
     vHandle<Store> found = parsed.getAddressAndName(name);
     EXPECT_TRUE(found == store);
-    EXPECT_EQ("scratch", str(name));
     EXPECT_EQ(3, store.getMasterCount()) << "store, held, found";
 
     vHandle<TestMemoryStore> derived(new TestMemoryStore(vHandle<Project>()));
