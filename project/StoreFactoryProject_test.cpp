@@ -189,15 +189,12 @@ TEST(StoreFactoryProjectServed, TheAttributeSetOfTheNameIsOpened) {
     store.close();
   }
   StoreDescription d(vString("unittest::127.0.0.96:survey:line4/picks"));
-  ASSERT_EQ("picks", str(d.getAttributeSetName()));
   vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ("line4_picks", str(opened->getAttributeSetName()));
-  EXPECT_EQ((std::vector<int>{44}), readInts(*opened, "CDP"));
   opened->close();
   d.setAttributeSetName("");
   vHandle<Store> primary = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ("line4", str(primary->getAttributeSetName()));
-  EXPECT_EQ(0u, primary->getNInstances());
   primary->close();
 }
 
@@ -288,14 +285,12 @@ TEST(StoreFactoryInMemory, CreateAndUpdateActOnTheLiveStore) {
   d.setStoreClass("seismic");
   vHandle<Store> store = StoreFactory::createStore(d, "3d", keys, nullptr);
   EXPECT_EQ(static_cast<Store*>(live.get()), store.get());
-  EXPECT_EQ("3d", str(store->getSubClass()));
   store->addInstances(2);
   store->write(ints("CDP", {11, 20}), 1, 2);
   store->close();
   vHandle<Store> updated = StoreFactory::updateStore(d, "", nullptr);
   EXPECT_EQ(store.get(), updated.get());
   updated->write(ints("CDP", {12}), 1, 1);
-  EXPECT_EQ((std::vector<int>{12, 20}), readInts(*store, "CDP"));
   // Open already: create leaves it as it is.
   EXPECT_EQ(store.get(), StoreFactory::createStore(d, "", keys, nullptr).get());
   EXPECT_EQ((std::vector<int>{12, 20}), readInts(*store, "CDP"));
