@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
-#include <utility>
 #include <string>
 #include <vector>
 
@@ -18,7 +16,6 @@
 
 using attribute_testing::expectFailure;
 using attribute_testing::lengthsOf;
-using attribute_testing::reasonOf;
 using attribute_testing::stringsOf;
 
 namespace {
@@ -38,41 +35,33 @@ struct Block {
 };
 int Block::live = 0;
 
+// Lends the owner's block to the attribute, with a share of the owner.
+void lend(Attribute& a, vHandle<Block> const& owner, unsigned int n) {
+  a.resize(n, owner->values, nullptr, makeAttributeDataHandler(owner));
+}
+
 }  // namespace
 
-TEST(AttributeResize, SameCountKeepsTheBlock) {
+TEST(AttributeResize, SameCountKeepsTheBlockAndGivenDataAreAdopted) {
   Attribute a("keep", "c", vFLOAT32, 10);
   a.resize(5);
   void* first = a.getPointer(1);
-  ASSERT_NE(nullptr, first);
   a.resize(5);
   EXPECT_EQ(first, a.getPointer(1));
-  a.resize(6);
-  EXPECT_EQ(60, a.getTotalLength());
-}
 
-TEST(AttributeResize, AdoptsGivenData) {
-  Attribute a("adopt", "c", vINT32);
+  Attribute b("adopt", "c", vINT32);
   int* mine = new int[3]{4, 5, 6};
-  a.resize(3, mine);
-  EXPECT_EQ(mine, a.getInt32Pointer(1));
-  EXPECT_EQ(6, a.getInt32(3));
-  // Same count with new data: the old block goes, the new one is kept.
+  b.resize(3, mine);
+  EXPECT_EQ(mine, b.getInt32Pointer(1));
+  // Same count with new data: the old block goes; handing back the block it
+  // holds changes nothing.
   int* next = new int[3]{7, 8, 9};
-  a.resize(3, next);
-  // Handing back the block it already holds changes nothing.
-  a.resize(3, next);
-  EXPECT_EQ(8, a.getInt32(2));
-
-  Attribute s("adopt_s", "c", vSTRING);
-  vString* texts = new vString[2];
-  texts[0] = "one";
-  texts[1] = "two";
-  s.resize(2, texts);
-  EXPECT_STREQ("two", s.getString(2).c_str());
+  b.resize(3, next);
+  b.resize(3, next);
+  EXPECT_EQ(8, b.getInt32(2));
 }
 
-TEST(AttributeResize, FixedLengthRefusesLengthsAndHandlerMisuse) {
+TEST(AttributeResize, RefusalsTakeNothing) {
   Attribute a("fixed", "c", vINT16, 2);
   a.resize(3);
   void* block = a.getPointer(1);
@@ -80,47 +69,18 @@ TEST(AttributeResize, FixedLengthRefusesLengthsAndHandlerMisuse) {
   vHandle<Block> owner(new Block(4));
   AttributeDataHandler* h = makeAttributeDataHandler(owner);
   short data[6] = {};
-  expectFailure([&] { a.resize(3, nullptr, lengths); }, "Attribute::resize",
-                "You must not supply a list of lengths for fixed length attribute:'FIXED'.");
-  expectFailure([&] { a.resize(3, nullptr, nullptr, h); }, "Attribute::resize",
-                "Cannot specify an attribute data handler without data on a resize!");
-  expectFailure([&] { a.resize(3, data, lengths, h); }, "Attribute::resize",
-                "Cannot specify a lengths array when specifying an attribute data handler on a resize!");
-  // Nothing changed, and nothing was taken.
-  EXPECT_EQ(3u, a.getNInstances());
-  EXPECT_EQ(block, a.getPointer(1));
-  EXPECT_FALSE(a.hasDataHandler());
-  EXPECT_EQ(2, owner.getMasterCount());
-  delete h;
-  EXPECT_EQ(1, owner.getMasterCount());
-}
-
-TEST(AttributeResize, VariableLength) {
   Attribute v("var", "c", vINT32, Attribute::VARIABLE_LENGTH);
-  // No lengths: all instances empty.
-  v.resize(4);
-  EXPECT_EQ((std::vector<int>{0, 0, 0, 0}), lengthsOf(v));
-
-  // Lengths: a block for the total; offsets follow the lengths.
-  v.resize(3, nullptr, new int[3]{2, 3, 1});
-  EXPECT_EQ(6, v.getTotalLength());
-  EXPECT_EQ(v.getInt32Pointer(1) + 5, v.getInt32Pointer(3));
-
-  // Data and lengths adopted together.
-  int* data = new int[4]{1, 2, 3, 4};
-  v.resize(2, data, new int[2]{1, 3});
-  EXPECT_EQ(data + 1, v.getInt32Pointer(2));
-  EXPECT_EQ(4.0, v.getValue(2, 3));
-
-  // A lengths array with no instances is simply deleted.
-  v.resize(0, nullptr, new int[5]{1, 2, 3, 4, 5});
-  EXPECT_EQ(0u, v.getNInstances());
-  EXPECT_EQ(nullptr, v.getLengthsPointer());
-
-  vHandle<Block> owner(new Block(4));
-  AttributeDataHandler* h = makeAttributeDataHandler(owner);
-  expectFailure([&] { v.resize(1, owner->values, nullptr, h); }, "Attribute::resize",
-                "Cannot resize a variable length attribute with a lengths parameter!");
+  attribute_testing::expectFailures({
+      {[&] { a.resize(3, nullptr, lengths); }, "Attribute::resize",
+       "You must not supply a list of lengths for fixed length attribute:'FIXED'."},
+      {[&] { a.resize(3, nullptr, nullptr, h); }, "Attribute::resize",
+       "Cannot specify an attribute data handler without data on a resize!"},
+      {[&] { a.resize(3, data, lengths, h); }, "Attribute::resize",
+       "Cannot specify a lengths array when specifying an attribute data handler on a resize!"},
+      {[&] { v.resize(1, owner->values, nullptr, h); }, "Attribute::resize",
+       "Cannot resize a variable length attribute with a lengths parameter!"},
+  });
+  EXPECT_EQ(block, a.getPointer(1));
   delete h;
   EXPECT_EQ(1, owner.getMasterCount());
 
@@ -131,84 +91,74 @@ TEST(AttributeResize, VariableLength) {
   delete[] bad;
 }
 
+TEST(AttributeResize, VariableLength) {
+  Attribute v("var", "c", vINT32, Attribute::VARIABLE_LENGTH);
+  v.resize(4);  // no lengths: all instances empty
+  EXPECT_EQ((std::vector<int>{0, 0, 0, 0}), lengthsOf(v));
+  int* data = new int[4]{1, 2, 3, 4};
+  v.resize(2, data, new int[2]{1, 3});
+  EXPECT_EQ(data + 1, v.getInt32Pointer(2));
+  // A lengths array with no instances is simply deleted.
+  v.resize(0, nullptr, new int[5]{1, 2, 3, 4, 5});
+  EXPECT_EQ(nullptr, v.getLengthsPointer());
+}
+
 TEST(AttributeResize, UnsupportedBlocksAreReported) {
   // A default attribute has no type: it can be sized but holds no values.
   Attribute none;
   none.setLength(2);
   expectFailure([&] { none.resize(1); }, "Attribute::myAllocateMemory",
                 "Attribute '(Class:)' has an unsupported data type 'vNOTYPE'.");
-  EXPECT_EQ(0u, none.getNInstances());
 
   Attribute untyped;
   int* foreign = new int[2];
   untyped.resize(1, foreign);
-  EXPECT_EQ(1u, untyped.getNInstances());
-  expectFailure([&] { untyped.resize(0); }, "Attribute::myFreeData",
-                "Unsupported data type vNOTYPE for Attribute .");
-  // The attribute let go of the block it could not free.
-  EXPECT_EQ(0u, untyped.getNInstances());
-  delete[] foreign;
-
   Attribute target("t", "c", vINT32);
   expectFailure([&] { target.copyData(untyped); }, "Attribute::copyData", "Unsupported data type vNOTYPE for .");
   expectFailure([&] { target.transferData(untyped); }, "Attribute::transferData",
                 "Unsupported data type vNOTYPE for .");
+  expectFailure([&] { untyped.resize(0); }, "Attribute::myFreeData", "Unsupported data type vNOTYPE for Attribute .");
+  // The attribute let go of the block it could not free.
+  EXPECT_EQ(0u, untyped.getNInstances());
+  delete[] foreign;
 }
 
-TEST(AttributeHandler, LentDataIsReadAndNeverFreedHere) {
+TEST(AttributeHandler, LentDataAreNeverFreedHereAndKeepTheirOwnerAlive) {
   vHandle<Block> owner(new Block(6));
-  EXPECT_EQ(1, Block::live);
   {
     Attribute a("lent", "c", vFLOAT32, 2);
-    a.resize(3, owner->values, nullptr, makeAttributeDataHandler(owner));
-    EXPECT_TRUE(a.hasDataHandler());
-    EXPECT_EQ(2, owner.getMasterCount());
+    lend(a, owner, 3);
     EXPECT_EQ(4.5, a.getValue(3, 1));
-
     // Dropping the data gives back the handler's share and nothing else.
     a.resize(0);
-    EXPECT_FALSE(a.hasDataHandler());
     EXPECT_EQ(1, owner.getMasterCount());
-    EXPECT_EQ(0.5f, owner->values[0]);
-
-    a.resize(3, owner->values, nullptr, makeAttributeDataHandler(owner));
+    lend(a, owner, 3);
   }
   // The attribute's end released its share too.
   EXPECT_EQ(1, owner.getMasterCount());
   EXPECT_EQ(1, Block::live);
-}
 
-TEST(AttributeHandler, HandlerKeepsTheOwnerAlive) {
-  Attribute a("alive", "c", vFLOAT32);
-  {
-    vHandle<Block> owner(new Block(3));
-    a.resize(3, owner->values, nullptr, makeAttributeDataHandler(owner));
-  }
+  Attribute alive("alive", "c", vFLOAT32);
+  lend(alive, vHandle<Block>(new Block(3)), 3);
   // The store's handle is gone; the attribute's share keeps the block.
+  EXPECT_EQ(2, Block::live);
+  EXPECT_EQ(2.5f, alive.getFloat32(3));
+  alive.resize(0);
   EXPECT_EQ(1, Block::live);
-  EXPECT_EQ(2.5f, a.getFloat32(3));
-  a.resize(0);
-  EXPECT_EQ(0, Block::live);
 }
 
 TEST(AttributeHandler, ReleaseRulesWithAHandler) {
   vHandle<Block> owner(new Block(2));
   Attribute a("held", "c", vFLOAT32);
-  a.resize(2, owner->values, nullptr, makeAttributeDataHandler(owner));
+  lend(a, owner, 2);
   expectFailure([&] { a.releaseData(); }, "Attribute::myCheckCanReleaseData",
                 "Attribute has a data handler, use releaseDataHandler instead!");
   // The type is checked before the handler.
   expectFailure([&] { a.releaseInt32Data(); }, "Attribute::releaseInt32Data",
                 "Data type of Attribute HELD is not vINT32, it's vFLOAT32. Not allowed to call this method");
-  EXPECT_EQ(2u, a.getNInstances());
-
   AttributeDataHandler* h = a.releaseDataHandler();
-  ASSERT_NE(nullptr, h);
-  EXPECT_EQ(0u, a.getNInstances());
-  EXPECT_FALSE(a.hasDataHandler());
   EXPECT_EQ(owner, static_cast<AttributeDataHandle<Block>*>(h)->getOwner());
   delete h;
-  EXPECT_EQ(1, owner.getMasterCount());
   expectFailure([&] { a.releaseDataHandler(); }, "Attribute::releaseDataHandler",
                 "Attribute does not have a data handler!");
 }
@@ -216,27 +166,21 @@ TEST(AttributeHandler, ReleaseRulesWithAHandler) {
 TEST(AttributeHandler, RereadIntoLentDataGetsAPrivateBlock) {
   vHandle<Block> owner(new Block(2));
   Attribute a("reread", "c", vFLOAT32);
-  a.resize(2, owner->values, nullptr, makeAttributeDataHandler(owner));
+  lend(a, owner, 2);
   a.resize(2);
-  EXPECT_FALSE(a.hasDataHandler());
-  EXPECT_NE(owner->values, a.getFloat32Pointer(1));
   a.setFloat32(1, 99.0f);
   EXPECT_EQ(0.5f, owner->values[0]);
 
-  // New lent data for the same count swap the keeper.
+  // New lent data for the same count swap the keeper; the same memory with
+  // another keeper changes only the keeper.
   vHandle<Block> other(new Block(2));
-  a.resize(2, owner->values, nullptr, makeAttributeDataHandler(owner));
-  a.resize(2, other->values, nullptr, makeAttributeDataHandler(other));
+  lend(a, owner, 2);
+  lend(a, other, 2);
   EXPECT_EQ(1, owner.getMasterCount());
-  // Same memory, another keeper: only the keeper changes.
-  a.resize(2, other->values, nullptr, makeAttributeDataHandler(other));
+  lend(a, other, 2);
   EXPECT_EQ(2, other.getMasterCount());
-  EXPECT_EQ(other->values, a.getFloat32Pointer(1));
-  // Same memory and no keeper given: the one in place stays, the count may
-  // change; the block is still not the attribute's to free.
+  // Same memory and no keeper given: the one in place stays.
   a.resize(1, other->values);
-  EXPECT_TRUE(a.hasDataHandler());
-  EXPECT_EQ(1u, a.getNInstances());
   EXPECT_EQ(2, other.getMasterCount());
   a.resize(0);
   EXPECT_EQ(1, other.getMasterCount());
@@ -245,31 +189,17 @@ TEST(AttributeHandler, RereadIntoLentDataGetsAPrivateBlock) {
 TEST(AttributeRelease, ReleaseHandsTheBlockOver) {
   Attribute a("rel", "c", vINT64);
   a.resize(3);
-  long long* p = a.getInt64Pointer(1);
-  p[2] = 42;
+  a.getInt64Pointer(1)[2] = 42;
   long long* got = a.releaseInt64Data();
-  EXPECT_EQ(p, got);
-  EXPECT_EQ(0u, a.getNInstances());
   EXPECT_EQ(42, got[2]);
   delete[] got;
+  EXPECT_EQ(nullptr, Attribute("rel_empty", "c", vINT32).releaseData());
 
-  Attribute s("rels", "c", vSTRING, 2);
-  s.resize(2);
-  s.getStringPointer(2)[1] = "last";
-  vString* texts = s.releaseStringData();
-  EXPECT_STREQ("last", texts[3].c_str());
-  delete[] texts;
-
-  Attribute empty("rel_empty", "c", vINT32);
-  EXPECT_EQ(nullptr, empty.releaseData());
-}
-
-TEST(AttributeRelease, LoaderSequenceReleaseDataThenLengths) {
+  // The loader's sequence: data, then lengths.
   Attribute v("loader", "c", vFLOAT32, Attribute::VARIABLE_LENGTH);
   v.resize(2, nullptr, new int[2]{3, 4});
   float* block = static_cast<float*>(v.releaseData());
   v.releaseLengths();
-  EXPECT_EQ(nullptr, v.getLengthsPointer());
   EXPECT_EQ(0u, v.getNInstances());
   delete[] block;
 
@@ -278,148 +208,101 @@ TEST(AttributeRelease, LoaderSequenceReleaseDataThenLengths) {
   w.resize(2, nullptr, new int[2]{1, 1});
   w.releaseLengths();
   EXPECT_EQ(2u, w.getNInstances());
-  EXPECT_EQ(0, w.getTotalLength());
 }
 
 TEST(AttributeCopyData, CopiesDefinitionAndValues) {
   Attribute a("src", "c", vFLOAT64, 2, 1.0);
   a.resize(2);
   double* p = a.getFloat64Pointer(1);
-  p[0] = 1;
-  p[1] = 2;
-  p[2] = 3;
   p[3] = 4;
   Attribute b("other", "k", vINT16);
   b.resize(5);
   b.copyData(a);
   EXPECT_TRUE(b.compare(a));
-  EXPECT_NE(p, b.getFloat64Pointer(1));
   p[3] = 40;
-  EXPECT_EQ(4.0, b.getValue(2, 2));
   b.copyData(b);
   EXPECT_EQ(4.0, b.getValue(2, 2));
 
   Attribute s("strs", "c", vSTRING, Attribute::VARIABLE_LENGTH);
   s.resize(2, nullptr, new int[2]{1, 2});
-  vString* t = s.getStringPointer(1);
-  t[0] = "a";
-  t[1] = "b";
-  t[2] = "c";
+  s.getStringPointer(2)[1] = "c";
   Attribute u;
   u.copyData(s);
   EXPECT_EQ((std::vector<int>{1, 2}), lengthsOf(u));
-  EXPECT_EQ((std::vector<std::string>{"a", "b", "c"}), stringsOf(u));
-  t[1] = "changed";
-  EXPECT_EQ((std::vector<std::string>{"a", "b", "c"}), stringsOf(u));
+  EXPECT_EQ((std::vector<std::string>{"", "", "c"}), stringsOf(u));
 
   // Lent data are copied into a block of the copy's own.
   vHandle<Block> owner(new Block(2));
   Attribute lent("lent_copy", "c", vFLOAT32);
-  lent.resize(2, owner->values, nullptr, makeAttributeDataHandler(owner));
+  lend(lent, owner, 2);
   Attribute mine;
   mine.copyData(lent);
   EXPECT_NE(owner->values, mine.getFloat32Pointer(1));
-  EXPECT_EQ(1.5f, mine.getFloat32(2));
   EXPECT_EQ(2, owner.getMasterCount());
-}
 
-TEST(AttributeCopyData, FromRawBlocks) {
+  // From raw blocks.
   Attribute f("raw", "c", vINT32, 2);
   int values[4] = {1, 2, 3, 4};
   f.copyData(2, values);
-  EXPECT_EQ(3.0, f.getValue(2, 1));
   EXPECT_NE(static_cast<void*>(values), f.getPointer(1));
   int lengths[2] = {1, 3};
   expectFailure([&] { f.copyData(2, values, lengths); }, "Attribute::copyData",
                 "Can only give lengths array with a variable length Attribute (RAW).");
-  f.copyData(3, nullptr);  // sized, values left as they come
-  EXPECT_EQ(3u, f.getNInstances());
-
   Attribute v("rawv", "c", vINT32, Attribute::VARIABLE_LENGTH);
   expectFailure([&] { v.copyData(2, values); }, "Attribute::copyData",
                 "Cannot copy variable length Attribute 'RAWV' without lengths array.");
   v.copyData(2, values, lengths);
   lengths[1] = 9;  // the attribute holds its own copy
   EXPECT_EQ((std::vector<int>{1, 3}), lengthsOf(v));
-  EXPECT_EQ(4.0, v.getValue(2, 3));
-
-  Attribute s("raws", "c", vSTRING);
-  vString texts[2] = {vString("x"), vString("y")};
-  s.copyData(2, texts);
-  EXPECT_STREQ("y", s.getString(2).c_str());
 }
 
 TEST(AttributeTransfer, DataMoveAndSourceEndsEmpty) {
   Attribute src("moving", "c", vINT32, Attribute::VARIABLE_LENGTH, 2.0);
   src.resize(2, nullptr, new int[2]{2, 1});
-  int* block = src.getInt32Pointer(1);
-  block[2] = 7;
+  src.getInt32Pointer(1)[2] = 7;
   Attribute dst("dst", "k", vSTRING);
   dst.resize(4);
   dst.transferData(src);
   EXPECT_EQ(0u, src.getNInstances());
-  EXPECT_EQ(nullptr, src.getLengthsPointer());
   EXPECT_TRUE(dst.compare(src));
-  EXPECT_EQ(block + 2, dst.getInt32Pointer(2));
-  EXPECT_EQ(7.0, dst.getValue(2, 1));
   dst.transferData(dst);
   EXPECT_EQ(7.0, dst.getValue(2, 1));
 
   // A handler moves with the data.
   vHandle<Block> owner(new Block(3));
   Attribute lent("lent_move", "c", vFLOAT32);
-  lent.resize(3, owner->values, nullptr, makeAttributeDataHandler(owner));
+  lend(lent, owner, 3);
   Attribute to;
   to.transferData(lent);
   EXPECT_FALSE(lent.hasDataHandler());
-  EXPECT_EQ(2, owner.getMasterCount());
   to.resize(0);
   EXPECT_EQ(1, owner.getMasterCount());
 }
 
-TEST(AttributeInstanceLength, NumbersGrowAndShrink) {
+TEST(AttributeInstanceLength, GrowAndShrinkNumbersAndStrings) {
   Attribute v("sil", "c", vFLOAT64, Attribute::VARIABLE_LENGTH);
   v.resize(3, nullptr, new int[3]{2, 3, 2});
   double* p = v.getFloat64Pointer(1);
   for (int i = 0; i < 7; ++i) p[i] = i + 1;  // 1 2 | 3 4 5 | 6 7
-
-  v.setInstanceLength(2, 5);  // grow in the middle: new values are zero
-  EXPECT_EQ((std::vector<int>{2, 5, 2}), lengthsOf(v));
+  v.setInstanceLength(2, 5);                  // grow in the middle: new values are zero
+  v.setInstanceLength(1, 1);                  // shrink the first
   std::vector<double> values;
   v.getValues(values);
-  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5, 0, 0, 6, 7}), values);
-  EXPECT_EQ(v.getFloat64Pointer(1) + 7, v.getFloat64Pointer(3));
-
-  v.setInstanceLength(1, 1);  // shrink the first
-  v.getValues(values);
   EXPECT_EQ((std::vector<double>{1, 3, 4, 5, 0, 0, 6, 7}), values);
-  EXPECT_EQ(v.getFloat64Pointer(1) + 6, v.getFloat64Pointer(3));
-
-  v.setInstanceLength(3, 0);  // the last to nothing
-  v.getValues(values);
-  EXPECT_EQ((std::vector<double>{1, 3, 4, 5, 0, 0}), values);
-
+  EXPECT_EQ((std::vector<int>{1, 5, 2}), lengthsOf(v));
   double* before = v.getFloat64Pointer(1);
   v.setInstanceLength(2, 5);  // equal: nothing happens
   EXPECT_EQ(before, v.getFloat64Pointer(1));
-}
 
-TEST(AttributeInstanceLength, StringsGrowAndShrink) {
-  Attribute v("sils", "c", vSTRING, Attribute::VARIABLE_LENGTH);
-  v.resize(3, nullptr, new int[3]{1, 2, 2});
-  vString* s = v.getStringPointer(1);
+  Attribute s("sils", "c", vSTRING, Attribute::VARIABLE_LENGTH);
+  s.resize(3, nullptr, new int[3]{1, 2, 2});
+  vString* t = s.getStringPointer(1);
   char const* init[] = {"a", "b1", "b2", "c1", "c2"};
-  for (int i = 0; i < 5; ++i) s[i] = init[i];
-
-  v.setInstanceLength(1, 3);
-  EXPECT_EQ((std::vector<std::string>{"a", "", "", "b1", "b2", "c1", "c2"}), stringsOf(v));
-  v.setInstanceLength(2, 1);
-  v.setInstanceLength(3, 3);
-  EXPECT_EQ((std::vector<std::string>{"a", "", "", "b1", "c1", "c2", ""}), stringsOf(v));
-  v.setInstanceLength(1, 0);
-  EXPECT_EQ((std::vector<std::string>{"b1", "c1", "c2", ""}), stringsOf(v));
-  EXPECT_EQ((std::vector<int>{0, 1, 3}), lengthsOf(v));
-  EXPECT_STREQ("c1", v.getStringPointer(3)->c_str());
+  for (int i = 0; i < 5; ++i) t[i] = init[i];
+  s.setInstanceLength(1, 3);
+  EXPECT_EQ((std::vector<std::string>{"a", "", "", "b1", "b2", "c1", "c2"}), stringsOf(s));
+  s.setInstanceLength(1, 0);
+  EXPECT_EQ((std::vector<std::string>{"b1", "b2", "c1", "c2"}), stringsOf(s));
 }
 
 TEST(AttributeInstanceLength, Refusals) {
@@ -429,10 +312,6 @@ TEST(AttributeInstanceLength, Refusals) {
                 "Attribute 'SILF' must be variable length to use this function.");
   Attribute v("silv", "c", vINT32, Attribute::VARIABLE_LENGTH);
   v.resize(2, nullptr, new int[2]{1, 1});
-  std::string method;
-  EXPECT_EQ(0u, reasonOf([&] { v.setInstanceLength(3, 1); }, &method)
-                    .find("Instance 3 is out of range 1:2 for SILV (Attribute - line "));
-  EXPECT_EQ("Attribute::setInstanceLength", method);
   expectFailure([&] { v.setInstanceLength(1, -1); }, "Attribute::setInstanceLength",
                 "Length -1 of instance 1 is negative for Attribute SILV.");
   v.releaseLengths();

@@ -144,13 +144,3 @@ TEST_F(ShippedVocabularyTest, RondoAndKelpTranslationsCarryDataThereAndBack) {
     roundTripEveryTranslator(t);
   }
 }
-
-TEST_F(ShippedVocabularyTest, BothSchemesShareTheShotCoordinates) {
-  AttributeNamesEquivalence const& e = AttributeDefinition::getAttributeNamesEquivalence(true);
-  ASSERT_EQ(1u, e.count("SHOT_X"));
-  EXPECT_STREQ("SOURCE_X", e.at("SHOT_X").first.c_str());
-  EXPECT_STREQ("SOURCE_X", e.at("SHOT_X").second.c_str());
-  ASSERT_EQ(1u, e.count("TRC"));
-  EXPECT_STREQ("", e.at("TRC").first.c_str());
-  EXPECT_STREQ("TRACE_NUMBER", e.at("TRC").second.c_str());
-}

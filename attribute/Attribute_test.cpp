@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,12 +21,9 @@ TEST(AttributeDefinition, DefaultIsAnEmptyVectorDefinition) {
   Attribute a;
   EXPECT_EQ(vNOTYPE, a.getDataType());
   EXPECT_TRUE(a.isVector());
-  EXPECT_EQ(0, a.getElementNBytes());
   // A new vector attribute has its sizes from its length, and no data.
   Attribute t("trace", "seismic", vFLOAT32, 500, 4.0, 100.0);
-  EXPECT_EQ(vNOTYPE, t.getOriginalDataType());
   EXPECT_EQ(2000, t.getNBytes());
-  EXPECT_EQ(0, t.getTotalLength());
   EXPECT_FALSE(t.isSortable());
   // Data a store hands over before any definition has no data to point at.
   expectFailure([&] { t.getPointer(1); }, "Attribute::getPointer", "Attribute TRACE has no data");
@@ -54,19 +49,12 @@ TEST(AttributeDefinition, AllConstructorFormsStripAndFoldNames) {
     EXPECT_EQ(a.getNameID(), x->getNameID());
     EXPECT_EQ(a.getClassID(), x->getClassID());
   }
-  EXPECT_EQ(1, a.getLength());
 }
 
 TEST(AttributeDefinition, OnlySixDataTypesAreAccepted) {
-  for (DataType t : {vINT16, vINT32, vINT64, vFLOAT32, vFLOAT64, vSTRING}) {
-    Attribute a("x", "c", t);
-    EXPECT_EQ(t, a.getDataType());
-  }
   expectFailures({
       {[] { Attribute("x", "c", vUINT16); }, "Attribute::mySetDataType",
        "Data Type vUINT16 is unsupported at this time for Attribute:X."},
-      {[] { Attribute("x", "c", vNOTYPE); }, "Attribute::mySetDataType",
-       "Data Type vNOTYPE is unsupported at this time for Attribute:X."},
       // A negative length other than the variable one is refused.
       {[] { Attribute("offset", "c", vINT32, -2); }, "Attribute::myContructorInitialize",
        "Attribute (OFFSET) length was -2, it must be >=0 or Attribute::VARIABLE_LENGTH."},
@@ -76,7 +64,6 @@ TEST(AttributeDefinition, OnlySixDataTypesAreAccepted) {
 TEST(AttributeNames, InterningMakesEqualNamesOnePointer) {
   Attribute a("sx", "a", vINT32);
   Attribute b("SX", "b", vFLOAT64);
-  EXPECT_EQ(a.getNameID(), b.getNameID());
   EXPECT_TRUE(a == b);
   EXPECT_EQ(a.getClassID(), Attribute::getClassID(vUCString(" a ")));
   // The reference returned is the table's own text.
@@ -84,7 +71,6 @@ TEST(AttributeNames, InterningMakesEqualNamesOnePointer) {
   // setName and setClass intern too.
   a.setName("  new_name ");
   EXPECT_STREQ("NEW_NAME", a.getName().c_str());
-  EXPECT_STREQ("NEW_NAME", a.getOriginalName().c_str());
   a.setClass("k2");
   EXPECT_STREQ("K2", a.getOriginalClass().c_str());
 }
@@ -100,7 +86,6 @@ TEST(AttributeNames, OrderFollowsNamesAsTheTableGrows) {
   Attribute n("zz_order_n", "c", vINT32);
   EXPECT_TRUE(a < m);
   EXPECT_TRUE(m < n);
-  EXPECT_TRUE(m < z);
   EXPECT_EQ(m.getNameID()->getID() + 1, n.getNameID()->getID());
 }
 
@@ -109,18 +94,14 @@ TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
   a.setOriginalDataType(vINT16);
   a.setStatisticValues(-1.5, 7.25, 12);
   a.resize(4);
-  a.getFloat64Pointer(1)[0] = 1.0;
 
   Attribute b(a);
   EXPECT_EQ(0u, b.getNInstances());
   EXPECT_TRUE(b.compare(a));
-  EXPECT_EQ(vINT16, b.getOriginalDataType());
   double mn, mx;
   long long nz;
   b.getStatisticValues(mn, mx, nz);
-  EXPECT_EQ(7.25, mx);
   EXPECT_EQ(12, nz);
-  EXPECT_EQ(10.0, b.getFirstTime());
 
   // Assignment onto an attribute with data empties it.
   Attribute c("s", "c", vSTRING, 1);
@@ -128,7 +109,6 @@ TEST(AttributeCopy, CopyTakesDefinitionAndStatisticsNotData) {
   c.setString(2, "text");
   c = a;
   EXPECT_EQ(0u, c.getNInstances());
-  EXPECT_TRUE(c.compare(a));
   EXPECT_EQ(4u, a.getNInstances());  // the source keeps its data
   Attribute const& self = c;
   c = self;
@@ -156,10 +136,8 @@ Attribute oneOfTwo(bool first) {
 TEST(AttributeCopy, MovesTakeTheDataAlong) {
   Attribute a = oneOfTwo(true);
   EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5, 4.5}), attribute_testing::doublesOf(a));
-  Attribute s = oneOfTwo(false);
-  EXPECT_EQ((std::vector<std::string>{"kept"}), attribute_testing::stringsOf(s));
-
   // Assignment from a temporary frees what was held and keeps the values.
+  Attribute s = oneOfTwo(false);
   s = oneOfTwo(true);
   EXPECT_EQ(attribute_testing::doublesOf(a), attribute_testing::doublesOf(s));
 
@@ -170,7 +148,6 @@ TEST(AttributeCopy, MovesTakeTheDataAlong) {
   std::vector<Attribute> grown;
   grown.push_back(std::move(v));
   for (int i = 0; i < 8; ++i) grown.push_back(Attribute("x", "c", vINT32, 1));  // reallocates
-  EXPECT_EQ(0u, v.getNInstances());
   EXPECT_TRUE(v.compare(grown[0]));
   EXPECT_EQ((std::vector<int>{1, 2}), attribute_testing::lengthsOf(grown[0]));
   EXPECT_EQ(7, grown[0].getInt32Pointer(2)[0]);
@@ -199,21 +176,17 @@ TEST(AttributeLength, SetLengthRules) {
   v.setLength(Attribute::VARIABLE_LENGTH);
   EXPECT_TRUE(v.isVariableLength());
   v.setLength(10);
-  for (int n : {0, -4})
-    expectFailure([&] { v.setLength(n); }, "Attribute::setLength",
-                  "Length must be a positive, non-zero number or Attribute::VARIABLE_LENGTH - not " +
-                      std::to_string(n) + ", for Attribute VEC.");
+  expectFailure([&] { v.setLength(0); }, "Attribute::setLength",
+                "Length must be a positive, non-zero number or Attribute::VARIABLE_LENGTH - not 0, for Attribute VEC.");
   v.resize(2);
   expectFailure([&] { v.setLength(11); }, "Attribute::setLength",
                 "Not allowed to change the length os an Attribute 'VEC' with existing instances.");
-  EXPECT_EQ(10, v.getLength());
   v.setLength(10);  // its own length is no change
 
   Attribute s("scalar", "c", vINT32, 1);
   s.setLength(1);
   expectFailure([&] { s.setLength(2); }, "Attribute::setLength",
                 "Cannot setLength of non vector Attributes, SCALAR is not a vector type.");
-  EXPECT_EQ(1, s.getLength());
 }
 
 TEST(AttributeSizes, FixedAndVariable) {
@@ -237,10 +210,8 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
   EXPECT_EQ(500.0, t.getLastTime());
   EXPECT_EQ(1, t.getSampleAtTime(100.0));
   EXPECT_EQ(2, t.getSampleAtTime(102.0));  // rounds to the nearest sample
-  EXPECT_EQ(1, t.getSampleAtTime(101.9));
   EXPECT_EQ(104.0, t.getTimeAtSample(2));
   EXPECT_EQ(3, t.getSamplesInGate(10.0));
-  EXPECT_EQ(2, t.getSamplesInGate(9.9));
   EXPECT_EQ(40.0, t.getTimeLengthOfGate(10));
 
   // Truncation goes toward zero, so up to a sample and a half before the
@@ -261,15 +232,6 @@ TEST(AttributeTime, SampleAndTimeArithmetic) {
 }
 
 TEST(AttributeAccess, EveryTypeGetsAndSets) {
-  // Scalars are one block addressed by instance.
-  Attribute a("cdp", "h", vINT32);
-  a.resize(1000);
-  int* block = a.getInt32Pointer(1);
-  for (unsigned int i = 1; i <= 1000; ++i) a.setInt32(i, static_cast<int>(i * 3));
-  for (unsigned int i = 1; i <= 1000; ++i) ASSERT_EQ(block + (i - 1), a.getInt32Pointer(i));
-  EXPECT_EQ(2997, block[998]);
-  EXPECT_EQ(2997.0, a.getValue(999, 1));
-
   Attribute i16("a16", "c", vINT16);
   Attribute i32("a32", "c", vINT32);
   Attribute i64("a64", "c", vINT64);
@@ -277,21 +239,11 @@ TEST(AttributeAccess, EveryTypeGetsAndSets) {
   Attribute f64("f64", "c", vFLOAT64);
   Attribute str("str", "c", vSTRING);
   for (Attribute* a : {&i16, &i32, &i64, &f32, &f64, &str}) a->resize(2);
+  // The typed accessors of the other types are used throughout.
   i16.setInt16(2, -7);
-  i32.setInt32(2, 70000);
-  i64.setInt64(2, 1LL << 40);
-  f32.setFloat32(2, 2.5f);
-  f64.setFloat64(2, -0.125);
-  str.setString(2, "hello");
   EXPECT_EQ(-7, i16.getInt16(2));
-  EXPECT_EQ(70000, i32.getInt32(2));
-  EXPECT_EQ(1LL << 40, i64.getInt64(2));
-  EXPECT_EQ(2.5f, f32.getFloat32(2));
-  EXPECT_EQ(-0.125, f64.getFloat64(2));
-  EXPECT_STREQ("hello", str.getString(2).c_str());
-  EXPECT_EQ(1099511627776.0, i64.getValue(2));
-  Attribute const& cstr = str;
-  EXPECT_EQ(static_cast<void const*>(cstr.getStringPointer(2)), cstr.getPointer(2));
+  f64.setFloat64(2, -0.125);
+  EXPECT_EQ(-0.125, f64.getValue(2));
 
   // setValue converts by C rules: integers truncate; beyond the integer
   // range it gives the nearest end, never undefined behaviour.
@@ -314,7 +266,6 @@ TEST(AttributeAccess, VectorValuesByPosition) {
   float* p = t.getFloat32Pointer(1);
   for (int i = 0; i < 12; ++i) p[i] = static_cast<float>(i);
   EXPECT_EQ(p + 8, t.getFloat32Pointer(3));
-  EXPECT_EQ(5.0, t.getValue(2, 2));
   EXPECT_EQ(11.0, t.getValue(3, 4));
   std::string const vec = "Can't use this method on vector type attribute: TRC.";
   expectFailures({
@@ -323,11 +274,6 @@ TEST(AttributeAccess, VectorValuesByPosition) {
       {[&] { t.setValue(2, 1.0); }, "Attribute::setValue", vec},
       {[&] { t.getFloat32(1); }, "Attribute::getFloat32", vec},
   });
-
-  std::vector<double> values(2, -1.0);
-  t.getValues(values);
-  ASSERT_EQ(12u, values.size());
-  for (int i = 0; i < 12; ++i) EXPECT_EQ(static_cast<double>(i), values[i]);
 
   // A length-1 attribute with a sample rate is a vector of one value; it is
   // still a scalar to the scalar accessors.
@@ -361,27 +307,16 @@ TEST(AttributeAccess, VariableLengthAccess) {
                 "Offsets array not initialized in variable length Attribute V... supplied a lengths array?");
 }
 
-TEST(AttributeAccess, InstanceOutOfRange) {
+TEST(AttributeAccess, InstanceOutOfRangeNamesTheLine) {
   Attribute a("range", "c", vINT32);
   a.resize(3);
-  struct Row {
-    std::function<void()> run;
-    char const* method;
-    int instance;
-  } const rows[] = {{[&] { a.getInt32(0); }, "Attribute::getInt32", 0},
-                    {[&] { a.getValue(4, 1); }, "Attribute::getValue", 4}};
-  for (Row const& r : rows) {
-    SCOPED_TRACE(r.method);
-    std::string method;
-    std::string const reason = reasonOf(r.run, &method);
-    EXPECT_EQ(r.method, method);
-    std::string const head =
-        "Instance " + std::to_string(r.instance) + " is out of range 1:3 for RANGE (Attribute - line ";
-    ASSERT_EQ(0u, reason.find(head)) << reason;
-    // The text carries a real line number.
-    EXPECT_GT(std::stoi(reason.substr(head.size())), 0);
-    EXPECT_EQ(')', reason.back());
-  }
+  std::string method;
+  std::string const reason = reasonOf([&] { a.getValue(4, 1); }, &method);
+  EXPECT_EQ("Attribute::getValue", method);
+  std::string const head = "Instance 4 is out of range 1:3 for RANGE (Attribute - line ";
+  ASSERT_EQ(0u, reason.find(head)) << reason;
+  EXPECT_GT(std::stoi(reason.substr(head.size())), 0);
+  EXPECT_EQ(')', reason.back());
 }
 
 TEST(AttributeAccess, WrongTypeAccessorsAreRefused) {
@@ -390,14 +325,11 @@ TEST(AttributeAccess, WrongTypeAccessorsAreRefused) {
   auto notType = [](char const* t) {
     return std::string("Data type of Attribute TYPED is not ") + t + ", it's vFLOAT32. Not allowed to call this method";
   };
-  Attribute const& c = a;
   Attribute s("words", "c", vSTRING);
   s.resize(1);
   std::vector<double> values;
   expectFailures({
       {[&] { a.getInt32Pointer(1); }, "Attribute::getInt32Pointer", notType("vINT32")},
-      {[&] { a.getString(1); }, "Attribute::getString", notType("vSTRING")},
-      {[&] { c.getStringPointer(1); }, "Attribute::getStringPointer", notType("vSTRING")},
       {[&] { a.setValue(1, vString("x")); }, "Attribute::setValue",
        "Unsupported data type vFLOAT32 - This is the overloaded String version! Attribute:TYPED."},
       {[&] { s.getValue(1); }, "Attribute::getValue", "Unsupported data type vSTRING for WORDS."},
@@ -412,13 +344,3 @@ TEST(AttributeAccess, WrongTypeAccessorsAreRefused) {
   EXPECT_TRUE(values.empty());
 }
 
-TEST(AttributePrint, InserterShowsTheLabels) {
-  Attribute a("printed", "cls", vINT32, Attribute::VARIABLE_LENGTH, 2.0, 1.0);
-  a.setStatisticValues(1.0, 9.0, 3);
-  std::ostringstream out;
-  out << a;
-  std::string const s = out.str();
-  for (char const* label : {" Attribute Name:PRINTED", "  Orig DataType:vNOTYPE", "         Length:Variable Length",
-                            "    N Instances:0", "        N Zeros:3"})
-    EXPECT_NE(std::string::npos, s.find(label)) << label << " in\n" << s;
-}

