@@ -9,7 +9,6 @@
 // are properties), so it cannot hold the reference content.
 
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <memory>
 #include <vector>
@@ -43,13 +42,7 @@ vHandle<ZonStore> reopen(vLCString const& name, bool forUpdate = false) {
 }
 
 vHandle<AttributeSet> reopenAfterRestart(vHandle<AttributeSet> written) {
-  vLCString const name = written->getName();
-  written->close();
-  written = vHandle<AttributeSet>();
-  bed().stop(SIGTERM);
-  bed().start();
-  project() = bed().openProject("adapters");
-  return vHandle_cast<AttributeSet>(reopen(name));
+  return bed().reopenAfterRestart(written, project(), "adapters");
 }
 
 vString nextName(char const* type) {

@@ -5,7 +5,6 @@
 #include "database/zon/ZonStore.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <memory>
 
@@ -36,15 +35,7 @@ vHandle<ZonProject>& sharedProject() {
 // A written store closed, the daemon restarted, and the store opened again
 // in a fresh project.
 vHandle<AttributeSet> reopenAfterRestart(vHandle<AttributeSet> written) {
-  vLCString const name = written->getName();
-  written->close();
-  written = vHandle<AttributeSet>();
-  sharedBed().stop(SIGTERM);
-  sharedBed().start();
-  sharedProject() = sharedBed().openProject("conform");
-  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(sharedProject())));
-  store->open(name, 0, "", "", nullptr);
-  return vHandle_cast<AttributeSet>(store);
+  return sharedBed().reopenAfterRestart(written, sharedProject(), "conform");
 }
 
 struct Kind {
