@@ -20,7 +20,8 @@
 //            opened (when the case makes one)
 //   writes   by range, list, groups and keys, new instances and attributes,
 //            a new attribute class, with the range faults of writes (when
-//            the case opens a store for update)
+//            the case opens a store for update); and, where the case can
+//            reopen a store, the same rows after a close and reopen
 //
 // The reference content (StoreConformance::populate writes it through the
 // contract into a freshly created store): 12 instances and
@@ -55,6 +56,9 @@
 //     // skipped, not failed.
 //     c.openForUpdate = [] { ... };
 //     c.makeUnopened = [] { ... };
+//     // Optional: close a written store and open it again (the write
+//     // tests then check that the data outlive the store).
+//     c.reopen = [](vHandle<AttributeSet> written) { ...; return reopened; };
 //     // Where the back end's reasons differ from the defaults of
 //     // StoreConformanceTexts (those of the in-process attribute sets and
 //     // of StoreImp), set its own formats with the same arguments:
@@ -78,6 +82,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -139,6 +144,21 @@ struct StoreConformanceCase {
   std::function<vHandle<AttributeSet>()> openForUpdate;
   // A store made but never opened; without it that test is skipped.
   std::function<vHandle<AttributeSet>()> makeUnopened;
+  // Closes a store that a write test changed and gives it back opened for
+  // reading, as a later user would find it (for a server back end: after a
+  // restart of its server). The write tests then check that it holds the
+  // rows it held before the close; rows may come back in an order of the
+  // back end's own (by its keys). Without it they check the open store only.
+  std::function<vHandle<AttributeSet>(vHandle<AttributeSet> written)> reopen;
+  // The store's own names of the reference attributes it keeps under
+  // other names (of its own types); the write tests write and read under
+  // these. Where it holds the reference content only through a view, the
+  // view serves the reads and the store itself the writes.
+  std::map<std::string, std::string> ownNames;
+  // The name of the Int32 attribute the write tests add: one the store
+  // can keep (a back end whose columns come from a dictionary names one
+  // of it).
+  std::string newAttribute = "CONFORMANCE_NEW";
   // The reference attributes the store holds.
   std::vector<std::string> attributes = {"CDP", "OFFSET", "ELEV", "TRACE"};
   // Whether the store keeps the key list CDP, OFFSET.
@@ -183,6 +203,11 @@ class StoreConformance : public ::testing::TestWithParam<StoreConformanceCase> {
   void SetUp() override;
 
   bool holds(std::string const& attribute) const;
+  // The store's own name of a reference attribute.
+  std::string own(std::string const& reference) const;
+  // With the case's reopen: the store closed and opened again holds the
+  // attributes and rows it held; the handle is then the reopened store.
+  void expectSameAfterReopen(vHandle<AttributeSet>& store);
   // The expected text of a failure, from a format of the case's texts.
   static std::string text(char const* format, ...);
 

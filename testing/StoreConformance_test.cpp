@@ -40,6 +40,12 @@ StoreConformanceCase storeCase() {
   c.openForReading = [] { return testStore(true, false); };
   c.openForUpdate = [] { return testStore(true, true); };
   c.makeUnopened = [] { return testStore(false, false); };
+  // The shelf outlives the store: what a close keeps, an open finds.
+  c.reopen = [](vHandle<AttributeSet> written) {
+    written->close();
+    written->open(kStore, 0, "seismic", "3d", nullptr);
+    return written;
+  };
   return c;
 }
 

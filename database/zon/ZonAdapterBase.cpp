@@ -1,5 +1,6 @@
 #include "database/zon/ZonAdapterBase.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "database/kvs/Kvs.h"
@@ -37,14 +38,20 @@ vString ZonAdapterBase::getStoreName() const { return myStoreName; }
 
 void ZonAdapterBase::open(vLCString const& name) {
   myOpenForRead();
+  myActiveSet = vLCString();
   Object const table = myFindTable();
   if (table) myTableType = KvsType(table);
+  mySetTables.clear();
+  for (Object child : myObject->children)
+    if (child != table && KvsIsA(child, kvsTableClass)) mySetTables.push_back(vLCString(KvsType(child)));
   myClose();
   if (!table) Message::fatal("ZonAdapterBase::open", 0, "Store not found %s", vString(name).c_str());
 }
 
 void ZonAdapterBase::create(vString const&, KeyList const& keys) {
   myTableType = vString();
+  mySetTables.clear();
+  myActiveSet = vLCString();
   myKeys = keys;
   myAttributes.clear();
   myInfo->setNInstances(0);
@@ -52,30 +59,35 @@ void ZonAdapterBase::create(vString const&, KeyList const& keys) {
 
 vLCString ZonAdapterBase::getSubClass() const { return vLCString(); }
 
-void ZonAdapterBase::openAttributeSet(vLCString const& name) {
-  if (name != getPrimaryAttributeSetName())
-    Message::fatal("ZonAdapterBase::openAttributeSet", 0, "Attribute set %s is not in store %s.", name.c_str(),
-                   getStoreName().c_str());
+// The set's table is found again, and its type taken, when it is read.
+void ZonAdapterBase::mySelectSet(char const* label, vLCString const& name) {
+  if (name == getPrimaryAttributeSetName()) {
+    myActiveSet = vLCString();
+  } else if (std::find(mySetTables.begin(), mySetTables.end(), name) != mySetTables.end()) {
+    myActiveSet = name;
+  } else {
+    Message::fatal(label, 0, "Attribute set %s is not in store %s.", name.c_str(), getStoreName().c_str());
+  }
+  myTableType = vString();
 }
 
+void ZonAdapterBase::openAttributeSet(vLCString const& name) { mySelectSet("ZonAdapterBase::openAttributeSet", name); }
+
 void ZonAdapterBase::updateAttributeSet(vLCString const& name) {
-  if (name != getPrimaryAttributeSetName())
-    Message::fatal("ZonAdapterBase::updateAttributeSet", 0, "Attribute set %s is not in store %s.", name.c_str(),
-                   getStoreName().c_str());
+  mySelectSet("ZonAdapterBase::updateAttributeSet", name);
 }
 
 vHandle<Store::AttributeSetList> ZonAdapterBase::getAttributeSetList() const {
-  vHandle<Store::AttributeSetList> names(new Store::AttributeSetList);
-  names->push_back(getPrimaryAttributeSetName());
+  vHandle<Store::AttributeSetList> names(new Store::AttributeSetList(1, getPrimaryAttributeSetName()));
+  names->insert(names->end(), mySetTables.begin(), mySetTables.end());
   return names;
 }
 
-void ZonAdapterBase::getAttributeSetList(std::list<vLCString>& names) {
-  names.clear();
-  names.push_back(getPrimaryAttributeSetName());
-}
+void ZonAdapterBase::getAttributeSetList(std::list<vLCString>& names) { names = *getAttributeSetList(); }
 
-vLCString ZonAdapterBase::getAttributeSetName() const { return getPrimaryAttributeSetName(); }
+vLCString ZonAdapterBase::getAttributeSetName() const {
+  return myActiveSet.isEmpty() ? getPrimaryAttributeSetName() : myActiveSet;
+}
 
 vLCString ZonAdapterBase::getPrimaryAttributeSetName() const { return vLCString(getStoreName()); }
 
@@ -210,16 +222,18 @@ void ZonAdapterBase::myWrite(Object object, long n) {
 ZonAdapterBase::Object ZonAdapterBase::myFindTable() const {
   if (!myObject) return nullptr;
   vString const domain = myInfo->getNameDetails()->getDomain();
-  Object only = nullptr;
-  int tables = 0;
+  Object first = nullptr;
   for (Object child : myObject->children) {
     if (!KvsIsA(child, kvsTableClass)) continue;
-    ++tables;
-    only = child;
+    if (!myActiveSet.isEmpty()) {
+      if (strcasecmp(KvsType(child), myActiveSet.c_str()) == 0) return child;
+      continue;
+    }
+    if (!first) first = child;
     char const* its = KvsDomain(child);
     if (its && strcasecmp(its, domain.c_str()) == 0) return child;
   }
-  return tables == 1 ? only : nullptr;
+  return first;
 }
 
 vString ZonAdapterBase::myTableClass() const {

@@ -4,9 +4,14 @@
 // ZonAdapterBase: how one type of dataset of a database project maps to the
 // key list, attributes and properties of a store. The dataset is named by
 // its name details (type, version, ident, domain); its data sit in one
-// table, the one of that domain when the dataset has several. A derived class says which columns
-// and parameters mean what (doInit, doLoad, doWriteAll); the base opens and
-// closes the dataset around them:
+// table, the one of that domain when the dataset has several, else the
+// first the database sends (the server sends them in order of their
+// names). That table is the store's primary attribute set; each other
+// table of the dataset is a secondary set, named by its table (in lower
+// case), which a store reads and writes in its turn. A derived class says
+// which columns and parameters mean what (doInit, doLoad, doWriteAll); the
+// base opens and closes the dataset around them, on the table of the active
+// set:
 //
 //   init      open for reading, doInit, close
 //   load      open for reading, doLoad, close
@@ -46,7 +51,8 @@ class ZonAdapterBase {
   virtual void create(vString const& name, KeyList const& keys);
   virtual vLCString getClass() const = 0;
   virtual vLCString getSubClass() const;
-  // A dataset holds one attribute set, its primary one.
+  // The dataset's sets as open found them; another name: "Attribute set %s
+  // is not in store %s.".
   virtual void openAttributeSet(vLCString const& name);
   virtual void updateAttributeSet(vLCString const& name);
   virtual vHandle<Store::AttributeSetList> getAttributeSetList() const;
@@ -79,6 +85,9 @@ class ZonAdapterBase {
   static void setDataConversion(bool convert);
 
  protected:
+  // Makes a set of the dataset the active one, for the reads and writes
+  // that follow.
+  void mySelectSet(char const* label, vLCString const& name);
   void myOpenForRead();
   void myOpenForWrite();
   // Sends the dataset when a replace is due, and lets it go.
@@ -86,8 +95,8 @@ class ZonAdapterBase {
   void myWrite(Object object, long n);
 
   // --- Column work for the derived classes.
-  // The table of the dataset that serves the name's domain (the only table
-  // when there is one), null when there is none.
+  // The table of the active set: for the primary one the table of the
+  // name's domain, else the first; null when there is none.
   Object myFindTable() const;
   // The dictionary table to write: the one read, or for a new dataset the
   // translation of the class and subclass given at create.
@@ -117,6 +126,10 @@ class ZonAdapterBase {
   vString myCreateSubClass;
   KeyList myKeys;
   std::list<Attribute> myAttributes;
+  // The tables of the secondary sets, as open found them, and the one of
+  // the active set (empty: the primary one).
+  std::list<vLCString> mySetTables;
+  vLCString myActiveSet;
 
   static bool myDataConversion;
 

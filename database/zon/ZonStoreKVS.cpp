@@ -419,14 +419,31 @@ void ZonStoreKVS::createAttributeSet(vLCString const& name, KeyList const&) {
                  myName.c_str(), name.c_str());
 }
 
+// The store's properties are those of its primary set: a set's own
+// parameters are read aside, and a set is written with the store's.
+void ZonStoreKVS::mySwitchSet(char const* label, vLCString const& name) {
+  if (myWriteable && myModified) myWriteData();
+  if (myWriteable)
+    myAdapter->updateAttributeSet(name);
+  else
+    myAdapter->openAttributeSet(name);
+  myLoaded = false;
+  myData = vHandle<InMemoryAttributeSet>();
+  myKeys.clear();
+  myAttributes.clear();
+  PropertyI parameters;
+  myAdapter->init(myKeys, myAttributes, parameters);
+  CapiZon::timer(label, 1);
+}
+
 void ZonStoreKVS::openAttributeSet(vLCString const& name) {
   myMustBeOpen("ZonStoreKVS::openAttributeSet");
-  myAdapter->openAttributeSet(name);
+  mySwitchSet("ZonStoreKVS::openAttributeSet", name);
 }
 
 void ZonStoreKVS::updateAttributeSet(vLCString const& name) {
   myMustBeWriteable("ZonStoreKVS::updateAttributeSet");
-  myAdapter->updateAttributeSet(name);
+  mySwitchSet("ZonStoreKVS::updateAttributeSet", name);
 }
 
 vHandle<Store::AttributeSetList> ZonStoreKVS::getAttributeSetList() const {
@@ -439,7 +456,7 @@ void ZonStoreKVS::getAttributeSetList(AttributeSetList& names) const {
   myAdapter->getAttributeSetList(names);
 }
 
-vLCString ZonStoreKVS::getAttributeSetName() const { return myName; }
+vLCString ZonStoreKVS::getAttributeSetName() const { return myAdapter ? myAdapter->getAttributeSetName() : myName; }
 
 vLCString ZonStoreKVS::getPrimaryAttributeSetName() const { return myName; }
 

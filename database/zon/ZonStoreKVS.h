@@ -7,7 +7,9 @@
 // read or question that needs them. Writes change the memory copy only;
 // flush and close send the whole dataset back through the adapter, and a
 // close with nothing changed sends nothing. A store dropped without close
-// leaves the database as it was.
+// leaves the database as it was. The other tables of a dataset are the
+// store's secondary attribute sets; one set is in memory at a time, and
+// making another active first sends what changed of the one before.
 //
 // The memory copy is an InMemoryAttributeSet, kept open for writing: the
 // checks of open and writeable state, and the key look-ups, are this
@@ -107,6 +109,9 @@ class ZonStoreKVS : public Store {
   void myLoadData() const;
   void myWriteData();
   void myReset();
+  // Writes what changed of the active set, makes another one active and
+  // reads its definitions; its data load on first need.
+  void mySwitchSet(char const* label, vLCString const& name);
   static vLCString myMemoryClass(vLCString const& name);
   // The instances holding each tuple of the keys' values, in order:
   // "Duplicate keys found:" when the store holds a tuple twice, and the

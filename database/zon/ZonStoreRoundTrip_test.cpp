@@ -1,7 +1,8 @@
 // Every adapter: a store written and closed, the daemon restarted, and the
 // store opened again in a fresh project gives the same values; and the
 // edges of the memory copy: loading on first need, closes that write only
-// changes, duplicate keys, a daemon that goes away.
+// changes, duplicate keys, a daemon that goes away; and the secondary sets
+// of a dataset of several tables.
 
 #include <gtest/gtest.h>
 
@@ -317,4 +318,50 @@ TEST(ZonStoreEdges, DuplicateKeysRaiseAtReadAndWrite) {
   expectFatal([&] { store->write(elev, keys); }, "ZonStoreKVS::write(byKeys)", "Duplicate keys found: [1, 100]");
   expectFatal([&] { store->setAttributeClass("ELEV", "X"); }, "ZonStoreKVS::setAttributeClass",
               "Should not do this on a ZonStoreKVS.");
+}
+
+// A horizon written in both domains is one dataset of two tables. The
+// first the database sends (HZ2D) serves the store; the other is a
+// secondary set, read and written in its turn, and what a switch of sets
+// sends outlives a daemon restart.
+TEST(ZonStoreSets, TheOtherTablesOfADatasetAreSecondarySets) {
+  ZonTestBed bed;
+  Dataset d = datasets()[1];
+  writeDataset(bed.openProject("sets"), d);
+  d.subClass = "2d";
+  d.n = 4;
+  writeDataset(bed.openProject("sets"), d);
+  auto htime = [](ZonStore& store, unsigned int n) {
+    Attribute a = store.getAttribute("HTIME");
+    store.read(a, 1, n);
+    return a;
+  };
+  {
+    vHandle<ZonStore> store = openStore(bed.openProject("sets"), "hz1,hz", true);
+    Store::AttributeSetList names;
+    store->getAttributeSetList(names);
+    EXPECT_EQ((Store::AttributeSetList{vLCString("hz1,hz"), vLCString("hz3d")}), names);
+    EXPECT_EQ(4u, store->getNInstances());
+    store->updateAttributeSet("hz3d");
+    EXPECT_EQ("hz3d", std::string(store->getAttributeSetName().c_str()));
+    Attribute a = htime(*store, 6);
+    EXPECT_EQ(5002.5, a.getValue(2));
+    a.setValue(2, -1.0);
+    store->write(a, 1, 6);
+    expectFatal([&] { store->openAttributeSet("hz2d"); }, "ZonAdapterBase::updateAttributeSet",
+                "Attribute set hz2d is not in store hz1,hz.");
+    store->updateAttributeSet("hz1,hz");
+    EXPECT_EQ(4u, store->getNInstances());
+    store->close();
+  }
+  bed.stop(SIGTERM);
+  bed.start();
+  vHandle<ZonStore> store = openStore(bed.openProject("sets"), "hz1,hz");
+  Attribute primary = htime(*store, 4);
+  for (unsigned int i = 1; i <= 4; ++i) EXPECT_EQ(5000.5 + i, primary.getValue(i));
+  store->openAttributeSet("hz3d");
+  Attribute secondary = htime(*store, 6);
+  for (unsigned int i = 1; i <= 6; ++i) EXPECT_EQ(i == 2 ? -1.0 : 5000.5 + i, secondary.getValue(i)) << i;
+  expectFatal([&] { store->openAttributeSet("nope"); }, "ZonAdapterBase::openAttributeSet",
+              "Attribute set nope is not in store hz1,hz.");
 }

@@ -25,9 +25,17 @@ ZonTestBed& sharedBed() {
   return *bed;
 }
 
-vHandle<ZonProject> sharedProject() {
+// A restart of the daemon lets the library go: the project is opened
+// afresh after one.
+vHandle<ZonProject>& sharedProject() {
   static vHandle<ZonProject> project = sharedBed().openProject("conform");
   return project;
+}
+
+// A written store closed, the daemon restarted, and the store opened again
+// in a fresh project.
+vHandle<AttributeSet> reopenAfterRestart(vHandle<AttributeSet> written) {
+  return sharedBed().reopenAfterRestart(written, sharedProject(), "conform");
 }
 
 struct Kind {
@@ -35,6 +43,8 @@ struct Kind {
   char const* className;
   char const* subClass;
   char const* type;
+  // An attribute of the dictionary, under the adapter's name for it.
+  char const* newAttribute;
 };
 
 vHandle<ZonStore> referenceStore(Kind const& kind, bool forUpdate) {
@@ -59,7 +69,9 @@ StoreConformanceCase zonCase(Kind kind) {
   c.openForReading = [kind] { return vHandle_cast<AttributeSet>(referenceStore(kind, false)); };
   c.openForUpdate = [kind] { return vHandle_cast<AttributeSet>(referenceStore(kind, true)); };
   c.makeUnopened = [] { return vHandle<AttributeSet>(new ZonStore(vHandle_cast<Project>(sharedProject()))); };
+  c.reopen = reopenAfterRestart;
   c.attributes = {"CDP", "OFFSET", "ELEV"};
+  c.newAttribute = kind.newAttribute;
   c.hasClasses = false;
   c.texts.notOpen = "The store has not been opened yet!";
   c.texts.keysMissing =
@@ -72,7 +84,7 @@ StoreConformanceCase zonCase(Kind kind) {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(ZonStores, StoreConformance,
-                         ::testing::Values(zonCase({"ZonPlain", "table", "plain", "tab"}),
-                                           zonCase({"ZonHorizon", "horizon", "3d", "hz"}),
-                                           zonCase({"ZonMute", "mute", "offset", "mute"})),
+                         ::testing::Values(zonCase({"ZonPlain", "table", "plain", "tab", "RECUMB"}),
+                                           zonCase({"ZonHorizon", "horizon", "3d", "hz", "RECUMBENCY"}),
+                                           zonCase({"ZonMute", "mute", "offset", "mute", "RECUMB"})),
                          StoreConformance::caseName);

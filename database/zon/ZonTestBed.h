@@ -12,6 +12,7 @@
 #include <string>
 
 #include "database/zon/ZonProject.h"
+#include "project/AttributeSet.h"
 #include "foundation/TestReleaseTree.h"
 
 class ZonTestBed {
@@ -27,6 +28,10 @@ class ZonTestBed {
   void stop(int signal);
   // Starts the daemon again on the same data; projects opened afresh see it.
   void start();
+  // Closes a written store, restarts the daemon, opens the project afresh
+  // (into project, under name) and the store in it, for reading.
+  vHandle<AttributeSet> reopenAfterRestart(vHandle<AttributeSet> written, vHandle<ZonProject>& project,
+                                           char const* name);
   TestReleaseTree& tree() { return m_tree; }
 
  private:

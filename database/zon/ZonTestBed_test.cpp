@@ -12,6 +12,7 @@
 #include "database/kvs/Kvs.h"
 #include "database/zon/ZonClassNamesTranslator.h"
 #include "database/zon/ZonProjectCatalog.h"
+#include "database/zon/ZonStore.h"
 #include "database/zon/vKvsActivate.h"
 
 using namespace kvs;
@@ -73,4 +74,17 @@ vHandle<ZonProject> ZonTestBed::openProject(char const* name) {
   vHandle<ZonProject> project(new ZonProject(catalog));
   project->open(name);
   return project;
+}
+
+vHandle<AttributeSet> ZonTestBed::reopenAfterRestart(vHandle<AttributeSet> written, vHandle<ZonProject>& project,
+                                                     char const* name) {
+  vLCString const store = written->getName();
+  written->close();
+  written = vHandle<AttributeSet>();
+  stop(SIGTERM);
+  start();
+  project = openProject(name);
+  vHandle<ZonStore> reopened(new ZonStore(vHandle_cast<Project>(project)));
+  reopened->open(store, 0, "", "", nullptr);
+  return vHandle_cast<AttributeSet>(reopened);
 }
