@@ -1,8 +1,5 @@
-// The concat and gather views: how the sets of a store are laid end to
-// end or interleaved, the keys that tell instances apart afterwards, the
-// checks of sets, ranges and attributes with their texts, the gather
-// cache's size, its refills and its limits, refusals, and the conformance
-// suite over stores whose sets together hold the reference content.
+// The concat and gather views, and the shared suite over stores whose sets
+// together hold the reference content.
 
 #include <gtest/gtest.h>
 

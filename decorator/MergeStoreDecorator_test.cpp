@@ -1,8 +1,4 @@
-// The merge view: stores joined by primary key in both directions, runs
-// that come back, dropped empty stores, the checks of keys and attributes
-// with their messages, missing attributes read as zeros, the read position,
-// the reads it makes below, the key scan's cache, stacking with sort views,
-// refusals, and the conformance suite over two stores that interleave into
+// The merge view, and the shared suite over two stores that interleave into
 // the reference content.
 
 #include <gtest/gtest.h>
@@ -11,7 +7,6 @@
 
 #include "decorator/JoinTesting.h"
 #include "decorator/MergeStoreDecorator.h"
-#include "decorator/SortStoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
 
 using namespace join_testing;
@@ -254,28 +249,6 @@ TEST(MergeStoreDecorator, TheKeyScanThroughItsCache) {
   EXPECT_EQ(0.0, key.getValue(1));
 }
 
-// Merge of sort views, and a sort over a merge.
-TEST(MergeStoreDecorator, StacksWithSortViews) {
-  auto sortedBy = [](vHandle<Store> const& store) {
-    vHandle<SortStoreDecorator> view;
-    vHandle<Store> result = StoreDecoratorFactory::addSort(store, view);
-    view->addSortKey("KEY", vUtlSort::SortOrder::ASCENDING);
-    return result;
-  };
-  vHandle<Store> view = StoreDecoratorFactory::addMerge(sortedBy(keyed("a", {5, 1, 3}, {1, 2, 3})), 0, true);
-  merge(view).addStore(sortedBy(keyed("b", {4, 2, 6}, {4, 5, 6})));
-  EXPECT_EQ((std::vector<double>{2, 5, 3, 4, 1, 6}), all(*view, "ID"));
-
-  vHandle<Store> merged = StoreDecoratorFactory::addMerge(keyed("a", {1, 2}, {1, 2}), 0, true);
-  merge(merged).addStore(keyed("b", {1, 2}, {3, 4}));
-  vHandle<SortStoreDecorator> over;
-  vHandle<Store> top = StoreDecoratorFactory::addSort(merged, over);
-  over->addSortKey("ID", vUtlSort::SortOrder::DESCENDING);
-  EXPECT_EQ((std::vector<double>{4, 3, 2, 1}), all(*top, "ID"));
-}
-
-// Writes are refused as the conformance suite checks; reads by groups and
-// keys too, which the suite does not ask of a merge.
 TEST(MergeStoreDecorator, RefusesReadsByGroupsOrKeys) {
   vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
   Attribute id("ID", "ID", vINT32);

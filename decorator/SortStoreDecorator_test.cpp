@@ -1,12 +1,8 @@
-// The sort view: orders by one and two keys in both directions, the fate
-// of ties, its key list, its own refusals, laziness and the reads
-// it makes below, stacked on and under other views, and the shared
-// conformance suite over shuffled stores that the sort puts back in order.
+// The sort view, and the shared suite over shuffled stores that the sort puts
+// back in order.
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
 
 #include "decorator/JoinTesting.h"
 #include "decorator/SortStoreDecorator.h"
@@ -48,15 +44,6 @@ TEST(SortStoreDecorator, DescendingMirrorsTheTies) {
   auto store = [] { return simpleStore("ties", {"K"}, {column("K", vINT64, {5, 5}), column("ID", vINT32, {1, 2})}); };
   EXPECT_EQ((std::vector<double>{2, 1}), all(*sorted(store(), {{"K", S::ASCENDING}}), "ID"));
   EXPECT_EQ((std::vector<double>{1, 2}), all(*sorted(store(), {{"K", S::DESCENDING}}), "ID"));
-}
-
-TEST(SortStoreDecorator, KeyListIsTheSortKeysInTheirOrder) {
-  vHandle<SortStoreDecorator> view;
-  vHandle<Store> store = sorted(referenceStore(), {{"OFFSET", S::DESCENDING}, {"ELEV", S::ASCENDING}}, &view);
-  KeyList keys = store->getKeyList();
-  ASSERT_EQ(2u, keys.getNKeys());
-  EXPECT_STREQ("OFFSET", keys.findName(1).c_str());
-  EXPECT_STREQ("ELEV", keys.findName(2).c_str());
 }
 
 TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
@@ -152,54 +139,6 @@ TEST(SortStoreDecorator, AKeyAfterTheFirstReadDoesNotResort) {
   EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*store, "ID"));
   view->addSortKey("ID", S::DESCENDING);
   EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*store, "ID"));
-}
-
-// A million instances: one pass of block reads over the keys, the order
-// right for every instance.
-TEST(SortStoreDecorator, SortsAMillionInstances) {
-  unsigned int const n = 1000000;
-  std::mt19937 random(5);
-  std::vector<double> line(n), trace(n);
-  for (unsigned int i = 0; i < n; ++i) {
-    line[i] = static_cast<double>(random() % 1000);
-    trace[i] = static_cast<double>(random() % 100000);
-  }
-  ObservedStore* observed = new ObservedStore(joinShelf(
-      "big", {"LINE"}, {SetContent{"", {column("LINE", vINT32, line), column("TRACE", vFLOAT64, trace)}}}));
-  vHandle<Store> below(observed);
-  below->open("big", 0, "seismic", "3d", nullptr);
-  vHandle<SortStoreDecorator> view;
-  vHandle<Store> store = sorted(below, {{"LINE", S::ASCENDING}, {"TRACE", S::DESCENDING}}, &view);
-  Attribute l = store->getAttribute("LINE");
-  Attribute t = store->getAttribute("TRACE");
-  store->read(l, 1, n);
-  store->read(t, 1, n);
-  EXPECT_EQ(2 * 977, observed->rangeReads);
-  EXPECT_EQ(2u, observed->lists.size());
-  for (unsigned int i = 2; i <= n; ++i) {
-    double const l0 = l.getValue(i - 1), l1 = l.getValue(i);
-    ASSERT_LE(l0, l1) << i;
-    if (l0 == l1) {
-      ASSERT_GE(t.getValue(i - 1), t.getValue(i)) << i;
-    }
-  }
-  std::vector<unsigned int> index = view->getIndex();
-  std::sort(index.begin(), index.end());
-  for (unsigned int i = 0; i < n; ++i) ASSERT_EQ(i + 1, index[i]);
-}
-
-// A select over a sort sees the sorted order (the other way round is a
-// conformance case).
-TEST(SortStoreDecorator, SelectOverSortSeesTheSortedOrder) {
-  Layout layout = {9, -99, 3, 12, -99, 1, 7};
-  vHandle<SelectStoreDecorator> select;
-  vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
-  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
-  vHandle<Store> view = sorted(store, {{"ELEV", S::DESCENDING}});
-  vHandle<SelectStoreDecorator> over;
-  vHandle<Store> top = StoreDecoratorFactory::addSelect(view, over);
-  over->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("low", "ELEV", 1000, 1005)));
-  EXPECT_EQ((std::vector<double>{1004.5, 1003.5, 1001.5, 1000.5}), all(*top, "ELEV"));
 }
 
 // --- the conformance suite -----------------------------------------------------------------

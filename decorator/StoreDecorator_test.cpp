@@ -1,6 +1,4 @@
-// The decorator contract on real stacks: what is forwarded and what is not,
-// the handle of the store below, the factory's stacking and unstacking, the
-// scratch store's life, and refusals common to every view.
+// The decorator contract on real stacks: forwarding, the factory, scratch stores.
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,4 @@
-// The portal against a real data server process (testserver/) over real
-// sockets: start, exchange, reports of the server, lost servers and the
-// rebuild of remote objects, and servers that answer out of turn.
+// The portal against a real test server process (testserver/) over real sockets.
 
 #include "remote/COBPortal.h"
 

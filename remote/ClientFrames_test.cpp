@@ -1,6 +1,5 @@
-// What the client proxies put on the wire, byte for byte, read by a peer
-// written with plain sockets in place of the server; and what they make of
-// replies that carry the wrong code.
+// What the client proxies put on the wire, read by a plain-socket peer in
+// place of the server.
 
 #include <sys/stat.h>
 #include <time.h>

@@ -1,7 +1,5 @@
-// The client proxies against the real data server (build/bin/DataServer),
-// started by the catalog as a process over a real channel, with the
-// UnitTest back end behind it: projects, stores, attribute sets, their
-// caches and properties, and what a client sees of a server that fails.
+// The client proxies against the real data server process on the UnitTest
+// back end.
 
 #include <string>
 #include <vector>

@@ -1,7 +1,5 @@
 // The data server as a process, driven through a portal by a bare remote
-// object that sends what it is told: its command line, its settings, and
-// requests that it cannot serve, each answered by the portal's failure
-// report with the server's own words, after which the session goes on.
+// object: requests, arguments and settings it cannot take.
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,10 +1,5 @@
-// The directory back end of the data server, run as a process: projects
-// are the directories under SP_DATASERVER_ROOT, stores the files in them
-// that the store factory identifies, a SEG-Y file with the format file
-// beside it when there is one. Bad names and bad files are answered
-// with the server's reasons and the session goes on; the answers to the
-// attribute set messages are, byte for byte, those the same store gives
-// in-process.
+// The directory back end of the data server, run as a process: projects are
+// directories, stores the files the store factory identifies.
 
 #include <sys/stat.h>
 #include <unistd.h>

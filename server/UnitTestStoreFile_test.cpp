@@ -1,7 +1,5 @@
-// Scripted UnitTest stores with data: a store of RONDO_UNITTEST_STORES that
-// names a packed store file is served, through the real data server and a
-// client attribute set, with the file's data, class, keys and properties;
-// a file that cannot be had fails the store's open with the server's words.
+// Scripted UnitTest stores backed by packed store files, through the real
+// data server and a client attribute set.
 
 #include <fstream>
 #include <string>

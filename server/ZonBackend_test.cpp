@@ -1,7 +1,4 @@
-// The database back end of the data server, run as a process against a
-// real kvsd: the projects of the database are the server's projects, a
-// dataset's table is read through the remote attribute set, and a daemon
-// that is gone is the server's clear answer.
+// The database back end of the data server, run as a process against a real kvsd.
 
 #include <string>
 #include <vector>

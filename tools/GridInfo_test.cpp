@@ -1,6 +1,5 @@
-// The CMP grid in `rondo info`: a rotated grid written into an in-memory
-// store through CMPGrid, and the grid of an offload file written by the
-// independent Python fixture, whose values that file also dumps.
+// The CMP grid in `rondo info`: a rotated grid of an in-memory store, and the
+// grid of an offload file of the independent Python fixture.
 
 #include <cmath>
 #include <cstdio>

@@ -1,6 +1,4 @@
-// `rondo info` and `rondo dump` of packed in-memory store files, as
-// DemoStores writes them: values as written, the file known by its bytes
-// and not by its name, and a cut file reported in one line.
+// `rondo info` and `rondo dump` of packed in-memory store files from DemoStores.
 
 #include <algorithm>
 #include <cstdio>

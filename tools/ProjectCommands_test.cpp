@@ -1,6 +1,4 @@
-// `rondo projects`, `rondo ls` and store names served by a data server:
-// the real DataServer is started by the tool's client catalog, on the
-// UnitTest back end, with the packed stores that DemoStores writes.
+// `rondo projects`, `rondo ls` and served store names through a real data server.
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,4 @@
-// `rondo info`, `dump` and `plot` on a SEG-D record of the independent
-// Python writer: what it holds, sample values worked out by hand, and a
-// picture that GDAL reads back.
+// `rondo info`, `dump` and `plot` on a SEG-D record of the independent Python writer.
 
 #include <gtest/gtest.h>
 
