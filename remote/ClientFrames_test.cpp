@@ -307,19 +307,4 @@ TEST_F(ClientFrames, OptionsTravelWithOpenUpdateAndCreate) {
   created.discard();
 }
 
-TEST_F(ClientFrames, ProjectListComesInItsFrame) {
-  m_server.start();
-  {
-    vHandle<ProjectCatalog> catalog(new ClientProjectCatalog("", ProjectType::RONDO, ""));
-    vHandle<ProjectList> list = catalog->getProjectList();
-    EXPECT_EQ("north", std::string(list->begin()->getName().c_str()));
-  }
-  m_server.join();
-  // The request is the code alone.
-  Bytes const request = {0xD6, 0x12, 0x6A, 0x02, 0x01, 0x00, 0x00, 0x00, 0x05, 0x00, 0x00,
-                         0x00, 0x01, 0x00, 0x00, 0x00, 0x05, 0x01, 0x00, 0x00, 0x00};
-  ASSERT_GE(m_server.messages.size(), 3u);
-  EXPECT_EQ(request, m_server.messages[2].bytes);
-}
-
 }  // namespace

@@ -235,21 +235,6 @@ TEST_F(ClientProxies, OpenSetsCompareByStateInstancesVersionAndAttributes) {
   a.close();
 }
 
-TEST_F(ClientProxies, ServerFailuresComeBackInTheServersWords) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  EXPECT_EQ("COBPortal::myMessage: Server said:-o Store nothere version 4 is not in project survey.",
-            fatalText([&] { set.open("nothere", 4, "", "", nullptr); }));
-  EXPECT_FALSE(set.isOpen());
-  EXPECT_EQ("COBPortal::myMessage: Server said:-o The AttributeSet with PortalID 3 is not open.",
-            fatalText([&] { set.addInstances(1); }));
-  // The session goes on after a failure.
-  set.open("line12", 3, "", "", nullptr);
-  EXPECT_FALSE(set.hasAttribute("CDP"));
-  set.close();
-}
-
 TEST_F(ClientProxies, ServerErrorsAreReportedAndTheReplyStillComes) {
   // The server's attribute set factory reports a view it does not know.
   ScopedEnv views("SP_CAPI_ATTRIBUTESETDECORATORS", "Bogus");
