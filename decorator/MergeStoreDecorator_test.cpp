@@ -249,6 +249,8 @@ TEST(MergeStoreDecorator, TheKeyScanThroughItsCache) {
   EXPECT_EQ(0.0, key.getValue(1));
 }
 
+// Writes are refused as the conformance suite checks; reads by groups and
+// keys too, which the suite does not ask of a merge.
 TEST(MergeStoreDecorator, RefusesReadsByGroupsOrKeys) {
   vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
   Attribute id("ID", "ID", vINT32);

@@ -162,6 +162,8 @@ TEST_F(Selection, AnUnknownLogicTypeLeavesTheAggregateWithAnInfo) {
   EXPECT_EQ("SelectStoreDecorator::doEvaluate|Unknown logic operator enum", recorder.infos[0]);
 }
 
+// --- refusals ---------------------------------------------------------------------------------
+
 TEST_F(Selection, TwoLogicOperatorsInARowAreRefusedAtTheFirstBatch) {
   collection.setBatchSize(5);
   auto op = cdp23();

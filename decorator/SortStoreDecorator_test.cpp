@@ -46,6 +46,11 @@ TEST(SortStoreDecorator, DescendingMirrorsTheTies) {
   EXPECT_EQ((std::vector<double>{1, 2}), all(*sorted(store(), {{"K", S::DESCENDING}}), "ID"));
 }
 
+TEST(SortStoreDecorator, KeyListIsTheSortKeysInTheirOrder) {
+  KeyList keys = sorted(referenceStore(), {{"OFFSET", S::DESCENDING}, {"ELEV", S::ASCENDING}})->getKeyList();
+  EXPECT_STREQ("ELEV", keys.findName(2).c_str());
+}
+
 TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
   vHandle<SortStoreDecorator> view;
   StoreDecoratorFactory::addSort(referenceStore(), view);

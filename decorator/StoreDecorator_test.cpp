@@ -22,6 +22,12 @@ vHandle<Project> unitTestProject() {
   return vHandle<Project>(new UTProject(catalog));
 }
 
+TEST(StoreDecoratorForwarding, ShowsTheStoreBelowUntranslated) {
+  StoreDecorator decorator(openStore(layoutShelf(referenceLayout()), false, unitTestProject()));
+  EXPECT_EQ(std::string("3d reference"),
+            std::string(decorator.getSubClass().c_str()) + " " + decorator.getPrimaryAttributeSetName().c_str());
+}
+
 TEST(StoreDecoratorForwarding, WritesAndSetsReachTheStoreBelow) {
   vHandle<Store> below = referenceStore(true);
   vHandle<Store> decorator(new StoreDecorator(below));

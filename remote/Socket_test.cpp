@@ -402,6 +402,13 @@ TEST_F(SocketTest, SecondAcceptDropsTheEarlierPeer) {
   EXPECT_EQ('z', byte);
 }
 
+TEST_F(SocketTest, BufferSizeAndStatusNames) {
+  int port = 0;
+  EXPECT_GE(CommChanMaker::remote(port)->getSize(), Socket::getDefaultBufferSize());
+  EXPECT_STREQ("CommChan::Unknown status", CommChan::status(8));
+}
+
+// The port range is read once per process: each case runs in a child.
 TEST_F(SocketTest, PortRangeProperty) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   int const free = closedPort();
