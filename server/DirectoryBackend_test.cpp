@@ -87,23 +87,6 @@ std::vector<std::string> names(std::list<vLCString> const& list) {
   return out;
 }
 
-// Offload data files are stores of a directory project too, read through
-// the server as the store reads them in-process.
-TEST_F(DirectoryBackend, OffloadFilesAreServed) {
-  std::string const dir = m_root + "/offsets";
-  ::mkdir(dir.c_str(), 0700);
-  std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
-                          dir + "/near.offload " + m_dir.file("near.txt") + " '>' 2 995 1";
-  ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
-  vHandle<Project> project = openProject(newCatalog(), "offsets");
-  EXPECT_EQ((std::vector<std::string>{"near.1"}), names(*project->getStoreList("seismic", "")));
-  ClientAttributeSet near(project);
-  near.open("near", 1, "", "", nullptr);
-  Attribute cdp = near.getAttribute("CDP");
-  near.read(cdp, 2, 4);
-  EXPECT_EQ((std::vector<int>{14, 21, 28}), (std::vector<int>{cdp.getInt32(1), cdp.getInt32(2), cdp.getInt32(3)}));
-}
-
 // A shapefile is one store of a directory project, by its .shp: the .shx,
 // .dbf and .prj beside it are parts of it. Written by GDAL's ogr2ogr.
 TEST_F(DirectoryBackend, ShapefilesAndTextTablesAreServed) {
@@ -182,28 +165,6 @@ TEST_F(DirectoryBackend, FdmVolumesAreServed) {
   rms.read(trace, 6, 7);
   // Crossline index 1 and 2 of inline index 1, sample 3.
   EXPECT_EQ(1123.0f, trace.getFloat32Pointer(2)[3]);
-}
-
-// Nyx "cst" and "dat" files are seismic stores of a directory project.
-TEST_F(DirectoryBackend, NyxFilesAreServed) {
-  std::string const dir = m_root + "/nyx";
-  ::mkdir(dir.c_str(), 0700);
-  std::string const fixture = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/nyx/testdata/nyx_fixture.py ";
-  ASSERT_EQ(0, std::system((fixture + "cst " + dir + "/gathers.cst '>' 3").c_str()));
-  ASSERT_EQ(0, std::system((fixture + "dat " + dir + "/blocks.DAT '<' 1").c_str()));
-  vHandle<Project> project = openProject(newCatalog(), "nyx");
-  EXPECT_EQ((std::vector<std::string>{"blocks.1", "gathers.1"}), names(*project->getStoreList("seismic", "")));
-  for (char const* name : {"gathers", "blocks"}) {
-    ClientAttributeSet set(project);
-    set.open(name, 1, "", "", nullptr);
-    Attribute cmp = set.getAttribute("CMP");
-    Attribute trace = set.getAttribute("TRACE");
-    set.read(cmp, 5, 6);
-    set.read(trace, 6, 6);
-    EXPECT_EQ(12, cmp.getInt32(1));
-    // Sample 3 of trace 6 holds 64: IBM as it is, 16-bit times 2.
-    EXPECT_EQ(name[0] == 'g' ? 64.0f : 128.0f, trace.getFloat32Pointer(1)[3]) << name;
-  }
 }
 
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
