@@ -46,25 +46,4 @@ TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
   EXPECT_NE(std::string::npos, missing.err.find("rondo: rondo:::survey:nothere.1: ")) << missing.err;
 }
 
-// On the directory back end a project is a directory of files: a SEG-Y
-// file written by segyio, served, dumps as segyio reads it.
-TEST(RondoProjects, ServedSegyFileDumpsAsSegyioReadsIt) {
-  fs_testing::TempDir dir;
-  ASSERT_EQ(0, ::mkdir((dir / "survey").c_str(), 0755));
-  writeSegy(dir, "survey/line.sgy", 5, "big", 9, 17);
-  ScopedEnv const env[] = {{"HOME", dir.path().c_str()},
-                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
-                           {"SP_DATASERVER_BACKEND", "directory"},
-                           {"SP_DATASERVER_ROOT", dir.path().c_str()},
-                           {"SP_CAPI_DATASERVER", nullptr},
-                           {"FS_CLUSTERS", nullptr},
-                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
-  Outcome const projects = tool(dir, "projects");
-  EXPECT_EQ(0, projects.status) << projects.err;
-  EXPECT_EQ("survey\n", projects.out);
-  Outcome const dump = tool(dir, "dump rondo:::survey:line CMP,SHOT.RW.X,TRACE");
-  EXPECT_EQ(0, dump.status) << dump.err;
-  EXPECT_EQ(fs_testing::readFile(dir / "survey/line.sgy.dump"), dump.out);
-}
-
 }  // namespace

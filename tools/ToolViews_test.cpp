@@ -57,37 +57,6 @@ TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
   EXPECT_EQ(std::string::npos, info.out.find("TRACE")) << info.out;
 }
 
-// Two segyio files of 5 and 3 traces bound end to end: each instance as
-// segyio reads it back, labelled by its file.
-TEST(RondoViews, BindOverSegyioFiles) {
-  fs_testing::TempDir dir;
-  writeSegy(dir, "a.sgy", 5, "big", 5, 6);
-  writeSegy(dir, "b.sgy", 1, "little", 3, 6);
-  std::string expected;
-  int instance = 0;
-  for (char const* file : {"a.sgy.dump", "b.sgy.dump"}) {
-    std::istringstream peer(fs_testing::readFile(dir / file));
-    std::string line;
-    while (std::getline(peer, line)) {
-      std::istringstream words(line);
-      std::string number, cdp, sx, sample;
-      words >> number >> cdp >> sx >> sample;
-      expected += std::to_string(++instance) + "\t" + cdp + "\t" + (file[0] == 'a' ? "1" : "2") + "\t" + sample + "\n";
-    }
-  }
-  ASSERT_EQ(8, instance);
-  Outcome const r = tool(dir, "dump a.sgy CMP,STORE.ID,TRACE --view bind:b.sgy");
-  EXPECT_EQ(0, r.status) << r.err;
-  // Each line up to the first sample of the trace.
-  std::string got;
-  std::istringstream lines(r.out);
-  std::string line;
-  while (std::getline(lines, line)) got += line.substr(0, line.find(' ')) + "\n";
-  EXPECT_EQ(expected, got);
-}
-
-// DemoStores' line12: trace i (1 to 6) at CDP 100 + i, OFFSET 25 i, STATIC
-// 1.5 i - 4.
 TEST(RondoViews, BindAndInfillOverAPackedStore) {
   fs_testing::TempDir dir;
   ASSERT_EQ(0, shell(dir, "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/DemoStores' .").status);
