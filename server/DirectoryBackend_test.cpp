@@ -15,7 +15,6 @@
 #include "filestore/segd/SegdTesting.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/Packer.h"
-#include "project/AttributeMatch.h"
 #include "project/StoreFactory.h"
 #include "registry/RondoRegistry.h"
 #include "remote/ClientAttributeSet.h"
@@ -254,7 +253,6 @@ TEST_F(DirectoryBackend, AnswersAreTheStoresOwnBytes) {
       StoreFactory::openStore(StoreDescription(vFilename((m_root + "/survey/line1.SGY").c_str())), "", nullptr);
   Store& s = *local;
 
-  auto text = [](char const* t) { return [t](Packer& p) { p.pack(vString(t)); }; };
   auto range = [](char const* t, unsigned a, unsigned b) {
     return [=](Packer& p) {
       p.pack(vString(t));
@@ -269,70 +267,18 @@ TEST_F(DirectoryBackend, AnswersAreTheStoresOwnBytes) {
       out.pack(x);
     };
   };
-  std::vector<unsigned int> const picked = {4, 1, 2};
+  // Reads of many instances go below in pieces; the other messages are the
+  // same for every back end and run in the client's shared suite.
   struct Case {
     int code;
     std::function<void(Packer&)> request;
     std::function<void(Packer&)> answer;
   } const cases[] = {
       {ClientCode::GetNInstances, nullptr, [&](Packer& o) { o.pack(static_cast<uint32_t>(s.getNInstances())); }},
-      {ClientCode::GetName, nullptr, [&](Packer& o) { o.pack(s.getName()); }},
-      {ClientCode::GetVersion, nullptr, [&](Packer& o) { o.pack(static_cast<int32_t>(s.getVersion())); }},
-      {ClientCode::GetClass, nullptr, [&](Packer& o) { o.pack(s.getClass()); }},
-      {ClientCode::GetKeyList, nullptr, [&](Packer& o) { o.pack(s.getKeyList()); }},
-      {ClientCode::GetAttributeList, nullptr,
-       [&](Packer& o) {
-         std::list<Attribute> const l = s.getAttributeList();
-         pack(o, l.begin(), l.end());
-       }},
-      {ClientCode::GetAttributeListMatching,
-       [](Packer& p) {
-         p.pack(vString(""));
-         p.pack(static_cast<int32_t>(AttributeMatch::MATCH_OR_BLANK_CLASS));
-       },
-       [&](Packer& o) {
-         std::list<Attribute> const l = s.getAttributeList("", AttributeMatch::MATCH_OR_BLANK_CLASS);
-         pack(o, l.begin(), l.end());
-       }},
-      {ClientCode::GetAttribute, text("TRACE"), [&](Packer& o) { o.pack(s.getAttribute("TRACE")); }},
-      {ClientCode::HasAttribute, text("NOPE"), [&](Packer& o) { o.packBool(s.hasAttribute("NOPE")); }},
       {ClientCode::ReadRange, range("TRACE", 2, 3), read("TRACE", 2, 3)},
       {ClientCode::ReadRange, range("CMP", 2499, 2509), read("CMP", 2499, 2509)},
       {ClientCode::ReadRange, range("CMP", 2, 2500), read("CMP", 2, 2500)},
       {ClientCode::ReadRange, range("TRACE", 1, 1001), read("TRACE", 1, 1001)},
-      {ClientCode::ReadList,
-       [&](Packer& p) {
-         p.pack(vString("CMP"));
-         pack(p, picked.begin(), picked.end());
-       },
-       [&](Packer& o) {
-         Attribute x = s.getAttribute("CMP");
-         s.read(x, picked);
-         o.pack(x);
-       }},
-      {ClientCode::GetUnique,
-       [](Packer& p) {
-         p.pack(vString("CMP"));
-         p.pack(static_cast<int32_t>(vUtlSort::SortOrder::DESCENDING));
-       },
-       [&](Packer& o) {
-         Attribute x = s.getAttribute("CMP");
-         s.getUnique(x, vUtlSort::SortOrder::DESCENDING);
-         o.pack(x);
-       }},
-      {ClientCode::GetGroupsAndSizes,
-       [](Packer& p) {
-         p.pack(vString("CMP"));
-         p.pack(static_cast<int32_t>(vUtlSort::SortOrder::ASCENDING));
-       },
-       [&](Packer& o) {
-         Attribute x = s.getAttribute("CMP");
-         std::vector<unsigned int> sizes;
-         s.getGroupsAndSizes(x, sizes, vUtlSort::SortOrder::ASCENDING);
-         o.pack(x);
-         pack(o, sizes.begin(), sizes.end());
-       }},
-      {ClientCode::GetProperties, nullptr, [&](Packer& o) { s.packProperties(o); }},
       {ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); },
        [&](Packer&) { s.addInstances(2); }},
   };
@@ -354,7 +300,7 @@ TEST_F(DirectoryBackend, AnswersAreTheStoresOwnBytes) {
     EXPECT_EQ(want, set.call(c.code, c.request)) << c.code;
   }
   // The store refuses the write and the read past its end.
-  EXPECT_EQ(16, bytesCompared);
+  EXPECT_EQ(4, bytesCompared);
 }
 
 }  // namespace
