@@ -67,6 +67,7 @@ TEST(FSFile, ReadsSeekOnlyWhenMovedAndSplitAtTheHighWaterMark) {
   ASSERT_EQ(f.read(51, small, 10), 10);
   EXPECT_EQ(info(f, FS_INFO_NSEEKS), 1);
   EXPECT_EQ(std::string(small, 10), data.substr(50, 10));
+  EXPECT_EQ(f.getPosition(), 61);
   f.close();
 
   long long const old = FS::iFile::getMaxServiceRead();

@@ -248,6 +248,9 @@ TEST(FSServiceMisc, SizesAndBytePositions) {
   int64_t b = 0;
   ASSERT_EQ(FS_bpos(id, &b), FS_GOOD);
   EXPECT_EQ(b, 13);  // record 4 starts at byte 13
+  int recl = 0;
+  ASSERT_EQ(FS_rsize(id, &recl), FS_GOOD);
+  EXPECT_EQ(recl, 4);
   // zeroex only grows; setsize cuts too.
   ASSERT_EQ(FS_zeroex(id, 16), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(name), std::string("aaaabbbbcccc\0\0\0\0", 16));

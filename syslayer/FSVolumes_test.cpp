@@ -163,7 +163,9 @@ TEST(FSVolumes, NearlineAndRemoteNames) {
   // Every entry that takes a name refuses one on another host by name.
   std::string const remote = "node7:/data/x.sgy";
   int id, flag, n, status;
-  int const results[] = {FS_opent(remote.c_str(), FS_TAPE, &id), FS_mv(FS_RMFILE, "/tmp/x", remote.c_str()),
+  FsStat info;
+  int const results[] = {FS_opent(remote.c_str(), FS_TAPE, &id), FS_stat(remote.c_str(), &info),
+                         FS_mv(FS_RMFILE, "/tmp/x", remote.c_str()),
                          (fs_mvexist_(remote.c_str(), flag, n, status), status),
                          FS_dvopen(remote.c_str(), 1, FS_C, 0, &id)};
   for (int r : results) EXPECT_EQ(r, FS_REMOTE);

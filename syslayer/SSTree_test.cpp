@@ -102,6 +102,10 @@ TEST(SSTree, TextsWithLengthsCodesAndTextKeys) {
   ss_gettextn_(s, 1, buf, 4, n);
   EXPECT_EQ(std::string(buf, 4), "abcd");
   EXPECT_EQ(n, 6);
+  ss_alloc_(s, 2, 2);
+  ss_putatext_(s, 2, 2, "xy", 2);
+  ss_getatextn_(s, 2, 2, buf, 4, n);
+  EXPECT_EQ(std::string(buf, 4) + std::to_string(n), "xy  2");
   ss_putnth_(s, 3, 77);
   int32_t code;
   ss_getcode_(s, 3, code);

@@ -141,6 +141,7 @@ TEST(TapeSetReader, LabelsSkippedAndTapesJoined) {
   std::string const out = ::testing::internal::GetCapturedStdout();
   EXPECT_EQ(got, "first block second" + Image::label("HDR1", ""));
   EXPECT_EQ(out, "Open tape: '" + a + "'\nOpen tape: '" + b + "'\n");
+  EXPECT_FALSE(r.isOpen());
 }
 
 TEST(TapeSetReader, InitialAndLaterSkips) {
