@@ -76,6 +76,7 @@ TEST_F(BindStoreDecoratorTest, OnlyStoresOfOneShapeBind) {
   twoD->create("onekey", "seismic", "3d", oneKey, nullptr);
   expectFatal([&] { bind->addStore(twoD); }, "BindStoreDecorator::addStore",
               "Store onekey has 1 keys while existing Store(s) in binding have 2 keys.");
+  EXPECT_EQ(1u, bind->getStores().size());
 }
 
 }  // namespace

@@ -50,6 +50,7 @@ TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
   EXPECT_EQ((std::vector<double>{1, 1, 1, 2, 2}), all(*view, kSequence));
   EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
   // The one set name is the primary set's.
+  EXPECT_EQ((Store::AttributeSetList{"shots"}), *view->getAttributeSetList());
   view->openAttributeSet("shots");
   expectFailure([&] { view->openAttributeSet("b"); }, "ConcatStoreDecorator::openAttributeSet",
                 "Invalid attribute set name!");

@@ -259,6 +259,7 @@ TEST(MergeStoreDecorator, RefusesReadsByGroupsOrKeys) {
   expectFailure([&] { view->read(id, KeyList()); }, "MergeStoreDecorator::read(keys)", text);
   expectFailure([&] { view->openAttributeSet("other"); }, "MergeMethodNoSecondarySort::openAttributeSet",
                 "Invalid attribute set name 'other' ... we expect blank or 'a'!");
+  EXPECT_EQ(1u, view->getAttributeSetList()->size());
 }
 
 // --- the conformance suite -----------------------------------------------------------------

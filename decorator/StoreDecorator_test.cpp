@@ -36,6 +36,7 @@ TEST(StoreDecoratorForwarding, WritesAndSetsReachTheStoreBelow) {
   // A secondary set made through the decorator is the store's.
   decorator->createAttributeSet("extra", StoreConformance::referenceKeys());
   EXPECT_EQ(std::string("reference_extra"), below->getAttributeSetName().c_str());
+  EXPECT_EQ(2u, decorator->getAttributeSetList()->size());
 }
 
 TEST(StoreDecoratorForwarding, PropertiesAreThoseOfTheStoreBelow) {
