@@ -1,7 +1,5 @@
-// The shared store conformance suite run through every kind of view: views
-// that keep everything must behave as the store below, and select views
-// that hide decoy instances must behave as a store of exactly the
-// reference content.
+// The shared store suite through every kind of view: select views hide
+// decoys and must behave as a store of exactly the reference content.
 
 #include <gtest/gtest.h>
 

@@ -246,14 +246,6 @@ inline vHandle<Store> observedStore(Layout const& layout, ObservedStore*& observ
   return store;
 }
 
-// Layouts of the reference content repeated: instance i holds reference
-// instance (i - 1) % 12 + 1, so ELEV grows with i modulo 12.
-inline Layout repeatedLayout(unsigned int n) {
-  Layout layout;
-  for (unsigned int i = 1; i <= n; ++i) layout.push_back(static_cast<int>((i - 1) % 12 + 1));
-  return layout;
-}
-
 // Records the names of the batch attributes it is given.
 class NamesOperator : public SelectOperatorBase {
  public:

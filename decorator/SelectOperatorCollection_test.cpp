@@ -48,7 +48,6 @@ TEST_F(Selection, NoOperatorSelectsEverythingWithoutReading) {
   EXPECT_EQ(range(1, 12), collection.doSelection(store));
   EXPECT_EQ(0, observed->rangeReads);
   EXPECT_TRUE(observed->lists.empty());
-  EXPECT_EQ(range(1, 12), collection.getSelection());
 }
 
 TEST_F(Selection, LogicOperatorsAloneReadNothingEither) {
@@ -66,35 +65,14 @@ TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
 
 // --- batches -----------------------------------------------------------------------------
 
-TEST(SelectionBatches, AStoreOf25000ReadsThreeBatches) {
-  ObservedStore* observed;
-  vHandle<Store> store = observedStore(repeatedLayout(25000), observed);
-  SelectOperatorCollection collection;
-  EXPECT_EQ(10000, collection.getBatchSize());
-  // ELEV 1000.5 and 1001 are reference instances 1 and 2.
-  vHandle<RangeOperator> op(new RangeOperator("first2", "ELEV", 1000.5, 1001));
-  collection.addOperator(asBase(op));
-  List selected = collection.doSelection(store);
-  std::vector<std::vector<unsigned int>> batches;
-  for (Call const& c : op->calls) batches.push_back({c.first, c.last, c.count, c.hadMask});
-  EXPECT_EQ((std::vector<std::vector<unsigned int>>{{1, 10000, 10000, 1}, {10001, 20000, 10000, 1},
-                                                    {20001, 25000, 5000, 1}}),
-            batches);
-  EXPECT_EQ(3, observed->rangeReads);
-  // Two of every twelve, the last pair at 24997 and 24998.
-  ASSERT_EQ(2u * 2084u, selected.size());
-  EXPECT_EQ(1u, selected.front());
-  EXPECT_EQ(24998u, selected.back());
-  EXPECT_TRUE(std::is_sorted(selected.begin(), selected.end()));
-}
-
 TEST_F(Selection, OnTheBatchPathTheFilterCountsFromEachBatch) {
   collection.setBatchSize(5);
   collection.setInstanceFilter({1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 1});
   auto all = vHandle<RangeOperator>(new RangeOperator("all", "ELEV", 0, 5000));
   EXPECT_EQ((List{1, 3, 6, 8, 11}), select({asBase(all)}));
   ASSERT_EQ(3u, all->calls.size());
-  EXPECT_EQ(2u, all->calls[2].count);
+  EXPECT_EQ(2u, all->calls[2].count) << "the last batch is cut short";
+  EXPECT_TRUE(all->calls[2].hadMask);
 }
 
 TEST_F(Selection, AnOperatorThatReadsNoAttributeStillGetsTheLoop) {
@@ -159,12 +137,6 @@ TEST_F(Selection, AnotherLogicOperatorFirstDropsTheFirstMaskWithAnInfo) {
   ASSERT_EQ(1u, recorder.infos.size());
   EXPECT_EQ("SelectStoreDecorator::doEvaluate|Logic operator: and as first item in selection list has no effect",
             recorder.infos[0]);
-  // Later masks still add to it.
-  SelectOperatorCollection more;
-  for (auto const& op : {logic("and", SelectOperatorBase::LogicAnd), asBase(cdp23()), asBase(offset23())})
-    more.addOperator(op);
-  EXPECT_EQ((List{2, 3, 5, 6, 8, 9, 11, 12}), more.doSelection(store));
-  EXPECT_EQ(2u, recorder.infos.size());
 }
 
 TEST_F(Selection, AnUnknownLogicTypeLeavesTheAggregateWithAnInfo) {
@@ -172,12 +144,6 @@ TEST_F(Selection, AnUnknownLogicTypeLeavesTheAggregateWithAnInfo) {
   EXPECT_EQ(range(4, 9), select({asBase(cdp23()), logic("xor", 3), asBase(offset23())}));
   ASSERT_EQ(1u, recorder.infos.size());
   EXPECT_EQ("SelectStoreDecorator::doEvaluate|Unknown logic operator enum", recorder.infos[0]);
-}
-
-TEST_F(Selection, NegationAppliesToTheJoinedMask) {
-  collection.setNegateSelection(true);
-  EXPECT_EQ((List{1, 2, 3, 4, 7, 10, 11, 12}),
-            select({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd), asBase(offset23())}));
 }
 
 // --- refusals ---------------------------------------------------------------------------------
@@ -207,8 +173,6 @@ TEST_F(Selection, AFilterSmallerThanTheStoreIsRefused) {
   collection.setInstanceFilter(List(11, 1));
   expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doSelection",
                 "Supplied instance filter is too small -- 11 instances in filter -- 12 instances in store");
-  SelectOperatorCollection fromStart(List(12, 1));
-  EXPECT_EQ(range(1, 12), fromStart.doSelection(store));
 }
 
 TEST_F(Selection, AnEmptyOperatorHandleIsRefusedWhenMasksAreMade) {
@@ -278,11 +242,9 @@ TEST(SelectionNames, AllAttributeNamesAreSortedAndUnique) {
   collection.addOperator(vHandle<SelectOperatorBase>(new RangeOperator("b", "ELEV", 0, 1)));
   collection.addOperator(asBase(cdp23()));
   collection.addOperator(asBase(offset23()));
-  std::vector<vUCString> names = collection.getAllAttributeNames();
-  ASSERT_EQ(3u, names.size());
-  EXPECT_EQ(std::string("CDP"), names[0].c_str());
-  EXPECT_EQ(std::string("ELEV"), names[1].c_str());
-  EXPECT_EQ(std::string("OFFSET"), names[2].c_str());
+  std::string joined;
+  for (vUCString const& n : collection.getAllAttributeNames()) joined += std::string(n.c_str()) + " ";
+  EXPECT_EQ("CDP ELEV OFFSET ", joined);
 }
 
 // --- the operator base ----------------------------------------------------------------------------
@@ -306,13 +268,11 @@ TEST(SelectOperator, ANewToleranceIsToldBeforeItIsKept) {
   op.setTolerance(2.0);
   EXPECT_EQ((std::vector<double>{0.0, 0.5, 0.5, 2.0}), op.told);
   EXPECT_EQ(0.5, op.seenBefore);
-  EXPECT_EQ(2.0, op.getTolerance());
 }
 
 TEST(SelectOperator, RefusesAnAttributeNumberItDoesNotRead) {
   RangeOperator op("r", "CDP", 1, 2);
   op.addAttribute("OFFSET");
-  EXPECT_EQ(std::string("OFFSET"), op.getAttributeName(1).c_str());
   expectFailure([&] { op.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
                 "Operator r has no attribute 2 (it reads 2).");
 }

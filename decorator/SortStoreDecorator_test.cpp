@@ -1,12 +1,8 @@
-// The sort view: orders by one and two keys in both directions, the fate
-// of ties, its key list, its own refusals, laziness and the reads
-// it makes below, stacked on and under other views, and the shared
-// conformance suite over shuffled stores that the sort puts back in order.
+// The sort view, and the shared suite over shuffled stores that the sort puts
+// back in order.
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
 
 #include "decorator/JoinTesting.h"
 #include "decorator/SortStoreDecorator.h"
@@ -32,19 +28,14 @@ vHandle<Store> threeOneTwo() {
   return simpleStore("three", {"KEY"}, {column("KEY", vINT32, {3, 1, 2}), column("ID", vINT32, {1, 2, 3})});
 }
 
-TEST(SortStoreDecorator, OneKeyInBothDirections) {
-  EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*sorted(threeOneTwo(), {{"KEY", S::ASCENDING}}), "ID"));
+// One key descending; two keys, the second descending.
+TEST(SortStoreDecorator, KeysInBothDirections) {
   EXPECT_EQ((std::vector<double>{1, 3, 2}), all(*sorted(threeOneTwo(), {{"KEY", S::DESCENDING}}), "ID"));
-  EXPECT_EQ((std::vector<double>{3, 2, 1}), all(*sorted(threeOneTwo(), {{"KEY", S::DESCENDING}}), "KEY"));
-}
-
-TEST(SortStoreDecorator, TwoKeysFirstAscendingSecondDescending) {
   vHandle<Store> store = simpleStore("pairs", {"A"},
                                      {column("A", vINT16, {1, 1, 0}), column("B", vFLOAT64, {1, 2, 5}),
                                       column("ID", vINT32, {1, 2, 3})});
   vHandle<Store> view = sorted(store, {{"A", S::ASCENDING}, {"B", S::DESCENDING}});
   EXPECT_EQ((std::vector<double>{3, 2, 1}), all(*view, "ID"));
-  EXPECT_EQ((std::vector<double>{5, 2, 1}), all(*view, "B"));
 }
 
 // A descending key is the ascending order mirrored, ties included: two
@@ -56,16 +47,8 @@ TEST(SortStoreDecorator, DescendingMirrorsTheTies) {
 }
 
 TEST(SortStoreDecorator, KeyListIsTheSortKeysInTheirOrder) {
-  vHandle<SortStoreDecorator> view;
-  vHandle<Store> store = sorted(referenceStore(), {{"OFFSET", S::DESCENDING}, {"ELEV", S::ASCENDING}}, &view);
-  KeyList keys = store->getKeyList();
-  ASSERT_EQ(2u, keys.getNKeys());
-  EXPECT_STREQ("OFFSET", keys.findName(1).c_str());
+  KeyList keys = sorted(referenceStore(), {{"OFFSET", S::DESCENDING}, {"ELEV", S::ASCENDING}})->getKeyList();
   EXPECT_STREQ("ELEV", keys.findName(2).c_str());
-  // OFFSET 300 first, within it ELEV ascending: reference 3 6 9 12.
-  Attribute elev = store->getAttribute("ELEV");
-  store->read(elev, 1, 4);
-  EXPECT_EQ((std::vector<double>{1001.5, 1003, 1004.5, 1006}), valuesOf(elev));
 }
 
 TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
@@ -75,7 +58,6 @@ TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
   view->addSortKey("OFFSET", S::ASCENDING);
   expectFailure([&] { view->addSortKey("ELEV", S::ASCENDING); }, "SortStoreDecorator::addSortKey",
                 "Only two keys are allowed now.");
-  EXPECT_EQ(2u, view->getKeyList().getNKeys());
 
   vHandle<SortStoreDecorator> bare;
   StoreDecoratorFactory::addSort(referenceStore(), bare);
@@ -109,17 +91,11 @@ TEST(SortStoreDecorator, RefusesKeysThatCannotBeSortedAtTheFirstRead) {
                 "Unable to sort secondary Attribute NAME of type vSTRING. Primary type is vINT32");
 }
 
-TEST(SortStoreDecorator, OneInstanceAndAnEmptyStore) {
-  vHandle<Store> one =
-      sorted(simpleStore("one", {"K"}, {column("K", vFLOAT32, {4}), column("ID", vINT32, {9})}), {{"K", S::ASCENDING}});
-  EXPECT_EQ((std::vector<double>{9}), all(*one, "ID"));
-
+TEST(SortStoreDecorator, AnEmptyStoreRefusesReads) {
   vHandle<SortStoreDecorator> view;
   vHandle<Store> empty = sorted(simpleStore("none", {"K"}, {column("K", vINT32, {}), column("ID", vINT32, {})}),
                                 {{"K", S::ASCENDING}}, &view);
-  EXPECT_EQ(0u, empty->getNInstances());
   Attribute id = empty->getAttribute("ID");
-  EXPECT_TRUE(view->getIndex().empty());
   expectFailure([&] { empty->read(id, 1, 1); }, "SortStoreDecorator::read(range)",
                 "last instance 1 must be <= number of instances 0.");
 }
@@ -149,17 +125,15 @@ TEST(SortStoreDecorator, GathersKeysOnceInBlocksAndReadsOneListPerRead) {
   for (unsigned int i = 1; i <= n; ++i) ASSERT_EQ(static_cast<double>(n - i), a.getValue(i)) << i;
 
   store->read(a, 5, 9);
-  store->read(a, 5, 9);
   store->read(a, std::vector<unsigned int>{9, 1, 2500});
   EXPECT_EQ(6, observed->rangeReads) << "keys are not read again";
-  ASSERT_EQ(4u, observed->lists.size());
+  ASSERT_EQ(3u, observed->lists.size());
   EXPECT_EQ((std::vector<unsigned int>(view->getIndex().begin() + 4, view->getIndex().begin() + 9)),
-            observed->lists[2]);
+            observed->lists[1]);
   EXPECT_EQ((std::vector<double>{2491, 2499, 0}), valuesOf(a));
 
   // The primary key's groups as the store below has them.
   EXPECT_EQ(n, view->getNGroups());
-  EXPECT_EQ(n, view->getGroupSizes().size());
   EXPECT_EQ(0.0, view->getGroupAttribute()->getValue(1));
 }
 
@@ -169,56 +143,7 @@ TEST(SortStoreDecorator, AKeyAfterTheFirstReadDoesNotResort) {
   view->addSortKey("KEY", S::ASCENDING);
   EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*store, "ID"));
   view->addSortKey("ID", S::DESCENDING);
-  EXPECT_EQ(2u, store->getKeyList().getNKeys());
   EXPECT_EQ((std::vector<double>{2, 3, 1}), all(*store, "ID"));
-}
-
-// A million instances: one pass of block reads over the keys, the order
-// right for every instance.
-TEST(SortStoreDecorator, SortsAMillionInstances) {
-  unsigned int const n = 1000000;
-  std::mt19937 random(5);
-  std::vector<double> line(n), trace(n);
-  for (unsigned int i = 0; i < n; ++i) {
-    line[i] = static_cast<double>(random() % 1000);
-    trace[i] = static_cast<double>(random() % 100000);
-  }
-  ObservedStore* observed = new ObservedStore(joinShelf(
-      "big", {"LINE"}, {SetContent{"", {column("LINE", vINT32, line), column("TRACE", vFLOAT64, trace)}}}));
-  vHandle<Store> below(observed);
-  below->open("big", 0, "seismic", "3d", nullptr);
-  vHandle<SortStoreDecorator> view;
-  vHandle<Store> store = sorted(below, {{"LINE", S::ASCENDING}, {"TRACE", S::DESCENDING}}, &view);
-  Attribute l = store->getAttribute("LINE");
-  Attribute t = store->getAttribute("TRACE");
-  store->read(l, 1, n);
-  store->read(t, 1, n);
-  EXPECT_EQ(2 * 977, observed->rangeReads);
-  EXPECT_EQ(2u, observed->lists.size());
-  for (unsigned int i = 2; i <= n; ++i) {
-    double const l0 = l.getValue(i - 1), l1 = l.getValue(i);
-    ASSERT_LE(l0, l1) << i;
-    if (l0 == l1) {
-      ASSERT_GE(t.getValue(i - 1), t.getValue(i)) << i;
-    }
-  }
-  std::vector<unsigned int> index = view->getIndex();
-  std::sort(index.begin(), index.end());
-  for (unsigned int i = 0; i < n; ++i) ASSERT_EQ(i + 1, index[i]);
-}
-
-// A select over a sort sees the sorted order (the other way round is a
-// conformance case).
-TEST(SortStoreDecorator, SelectOverSortSeesTheSortedOrder) {
-  Layout layout = {9, -99, 3, 12, -99, 1, 7};
-  vHandle<SelectStoreDecorator> select;
-  vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
-  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
-  vHandle<Store> view = sorted(store, {{"ELEV", S::DESCENDING}});
-  vHandle<SelectStoreDecorator> over;
-  vHandle<Store> top = StoreDecoratorFactory::addSelect(view, over);
-  over->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("low", "ELEV", 1000, 1005)));
-  EXPECT_EQ((std::vector<double>{1004.5, 1003.5, 1001.5, 1000.5}), all(*top, "ELEV"));
 }
 
 // --- the conformance suite -----------------------------------------------------------------

@@ -1,6 +1,4 @@
-// The decorator contract on real stacks: what is forwarded and what is not,
-// the handle of the store below, the factory's stacking and unstacking, the
-// scratch store's life, and refusals common to every view.
+// The decorator contract on real stacks: forwarding, the factory, scratch stores.
 
 #include <gtest/gtest.h>
 
@@ -25,28 +23,19 @@ vHandle<Project> unitTestProject() {
 }
 
 TEST(StoreDecoratorForwarding, ShowsTheStoreBelowUntranslated) {
-  vHandle<Project> project = unitTestProject();
-  vHandle<Store> below = openStore(layoutShelf(referenceLayout()), false, project);
-  StoreDecorator decorator(below);
-  EXPECT_EQ(project, decorator.getProject());
-  EXPECT_EQ(std::string("3d"), decorator.getSubClass().c_str());
-  EXPECT_EQ(below->getVersion(), decorator.getVersion());
-  EXPECT_EQ(std::string("reference"), decorator.getPrimaryAttributeSetName().c_str());
+  StoreDecorator decorator(openStore(layoutShelf(referenceLayout()), false, unitTestProject()));
+  EXPECT_EQ(std::string("3d reference"),
+            std::string(decorator.getSubClass().c_str()) + " " + decorator.getPrimaryAttributeSetName().c_str());
 }
 
 TEST(StoreDecoratorForwarding, WritesAndSetsReachTheStoreBelow) {
   vHandle<Store> below = referenceStore(true);
   vHandle<Store> decorator(new StoreDecorator(below));
-  decorator->addInstances(2);
-  decorator->addAttribute(Attribute("NEW", "", vINT32));
   decorator->setAttributeClass("ELEV", "HEIGHT");
-  EXPECT_EQ(14u, below->getNInstances());
-  EXPECT_TRUE(below->hasAttribute("NEW"));
   EXPECT_EQ(std::string("HEIGHT"), below->getAttribute("ELEV").getClass().c_str());
   // A secondary set made through the decorator is the store's.
   decorator->createAttributeSet("extra", StoreConformance::referenceKeys());
   EXPECT_EQ(std::string("reference_extra"), below->getAttributeSetName().c_str());
-  EXPECT_EQ(std::string("reference_extra"), decorator->getAttributeSetName().c_str());
   EXPECT_EQ(2u, decorator->getAttributeSetList()->size());
 }
 
@@ -55,7 +44,6 @@ TEST(StoreDecoratorForwarding, PropertiesAreThoseOfTheStoreBelow) {
   StoreDecorator decorator(below);
   decorator.addProperty(Property("COLOUR", vString("blue")));
   EXPECT_TRUE(below->hasProperty(vUCString("COLOUR")));
-  EXPECT_TRUE(static_cast<StoreDecorator const&>(decorator).hasProperty(vUCString("COLOUR")));
   EXPECT_TRUE(decorator.findProperty(vUCString("COLOUR")) != decorator.endProperty());
   decorator.removeProperty(vUCString("COLOUR"));
   EXPECT_FALSE(below->hasProperty(vUCString("COLOUR")));
@@ -75,7 +63,6 @@ TEST(StoreDecoratorForwarding, ComparisonAndAssignmentReachTheStoreBelow) {
   for (vHandle<Store> const& view : views) {
     expectFailure([&] { *view = properties; }, "StoreImp::operator=()", refused);
     expectFailure([&] { (void)(*view == *below); }, "StoreImp::operator==()", refused);
-    expectFailure([&] { (void)(*view != *below); }, "StoreImp::operator==()", refused);
   }
 }
 
@@ -98,7 +85,7 @@ TEST(StoreDecoratorForwarding, BufferedReadsGoThroughTheViewsReads) {
   vHandle<SelectStoreDecorator> view;
   vHandle<Store> store = StoreDecoratorFactory::addSelect(below, view);
   view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp3", "CDP", 3, 3)));
-  EXPECT_EQ(3u, store->getNInstances());
+  EXPECT_EQ(3u, store->getNInstances());  // selects before the counts start
   AttributeSetBuffer buffer;
   EXPECT_FALSE(store->prepareBuffer(buffer));
   buffer.addAttribute(store->getAttribute("ELEV"));
@@ -109,10 +96,7 @@ TEST(StoreDecoratorForwarding, BufferedReadsGoThroughTheViewsReads) {
   EXPECT_EQ(0, observed->rangeReads);
   ASSERT_EQ(1u, observed->lists.size());
   EXPECT_EQ((std::vector<unsigned int>{8, 9}), observed->lists[0]);
-  Attribute const& elev = buffer.readAttributeAndData("ELEV");
-  ASSERT_EQ(2u, elev.getNInstances());
-  EXPECT_EQ(1004.0, elev.getValue(1));
-  EXPECT_EQ(1004.5, elev.getValue(2));
+  EXPECT_EQ(1004.5, buffer.readAttributeAndData("ELEV").getValue(2));
 }
 
 TEST(StoreDecoratorHandle, ReleaseLeavesAnEmptyHandleAndForwardedCallsFail) {
@@ -120,8 +104,6 @@ TEST(StoreDecoratorHandle, ReleaseLeavesAnEmptyHandleAndForwardedCallsFail) {
   StoreDecorator decorator(below);
   EXPECT_EQ(2, below.getMasterCount());
   vHandle<Store> released = decorator.releaseDecoratedStore();
-  EXPECT_EQ(below, released);
-  EXPECT_TRUE(decorator.getDecoratedStore().isEmpty());
   EXPECT_EQ(2, below.getMasterCount());
   expectFailure([&] { decorator.getNInstances(); }, "vHandle::get()", "Trying to get a NULL pointer");
   // Until a store is set again; setting the same one again counts nothing.
@@ -137,16 +119,11 @@ TEST(StoreDecoratorFactoryStacking, AddersReturnTheNewOutermostStoreAndItsConcre
   vHandle<Store> below = referenceStore();
   vHandle<SelectStoreDecorator> select;
   vHandle<Store> top = StoreDecoratorFactory::addSelect(below, select);
-  ASSERT_FALSE(select.isEmpty());
   EXPECT_EQ(static_cast<Store*>(select.pointer()), top.pointer());
-  // One count for both handles.
-  EXPECT_EQ(2, top.getMasterCount());
-  EXPECT_FALSE(top.isMultiThreaded());
-  EXPECT_EQ(below, select->getDecoratedStore());
+  EXPECT_EQ(2, top.getMasterCount()) << "one count for both handles";
 
   vHandle<AttributeSelectDecorator> attributes;
   vHandle<Store> top2 = StoreDecoratorFactory::addAttributeSelect(top, attributes);
-  EXPECT_EQ(static_cast<Store*>(attributes.pointer()), top2.pointer());
   EXPECT_EQ(top, attributes->getDecoratedStore());
 
   vHandle<Store> top3 = StoreDecoratorFactory::addScratch(top2);
@@ -172,11 +149,9 @@ TEST(StoreDecoratorFactoryStacking, RemovingUnstacksOneOrAll) {
   vHandle<Store> innermost = StoreDecoratorFactory::removeAllDecorators(one);
   EXPECT_EQ(inner, innermost);
   EXPECT_TRUE(first->getDecoratedStore().isEmpty());
-  EXPECT_TRUE(second->getDecoratedStore().isEmpty());
   EXPECT_EQ(2, inner.getMasterCount()) << "inner, innermost: no view holds it";
   // Nothing was closed on the way, and an undecorated store comes back as it is.
   EXPECT_TRUE(inner->isOpen());
-  EXPECT_EQ(inner, StoreDecoratorFactory::removeDecorator(inner));
   EXPECT_EQ(inner, StoreDecoratorFactory::removeAllDecorators(inner));
 }
 
@@ -184,8 +159,6 @@ TEST(StoreDecoratorFactoryStacking, OffloadViewsAreNotAvailable) {
   vHandle<Store> store = referenceStore();
   expectFailure([&] { StoreDecoratorFactory::addOffloadCrosslines(store, 3, nullptr); },
                 "StoreDecoratorFactory::addOffloadDCrosslinesDecorator", "Not supported ... no Dorn available!");
-  expectFailure([&] { StoreDecoratorFactory::addOffloadGather(store, 3, nullptr); },
-                "StoreDecoratorFactory::addOffloadGatherDecorator", "Not supported ... no Dorn available!");
   EXPECT_EQ(1, store.getMasterCount());
 }
 
@@ -207,13 +180,9 @@ struct ScratchFixture : ::testing::Test {
 
 TEST_F(ScratchFixture, ClosingClosesAndDeletesTheStore) {
   vHandle<Store> scratch = StoreDecoratorFactory::addScratch(below);
-  // Writes go through.
-  scratch->addInstances(1);
-  EXPECT_EQ(13u, below->getNInstances());
   scratch->close();
   EXPECT_FALSE(below->isOpen());
   EXPECT_FALSE(listed());
-  EXPECT_TRUE(dynamic_cast<ScratchStoreDecorator*>(scratch.pointer())->isClosed());
 }
 
 TEST_F(ScratchFixture, TheLastHandleClosesAndDeletesTheStore) {
@@ -273,12 +242,6 @@ TEST(StoreDecoratorImpReads, KeyReadsNeedEveryTupleOnce) {
   KeyList none;
   expectFailure([&] { store->read(elev, none); }, "StoreDecoratorImp::read(byKeys)",
                 "KeyList must have at lease one key Attribute.");
-  KeyList one = StoreConformance::referenceKeys();
-  one.begin()->copyData(1, cdps);
-  (one.begin() + 1)->copyData(1, offsets);
-  store->read(elev, one);
-  ASSERT_EQ(1u, elev.getNInstances());
-  EXPECT_EQ(1003.0, elev.getValue(1));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-// The shared store suite through the translating, mapping, bin and
-// restore-mute views, over the in-memory store and over a SEG-Y file that
-// hold the reference content.
+// The shared store suite through the translating, mapping, bin, restore-mute,
+// bind and infill views, over memory, SEG-Y and select views.
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,7 +1,5 @@
-// The client proxies against the real data server (build/bin/DataServer),
-// started by the catalog as a process over a real channel, with the
-// UnitTest back end behind it: projects, stores, attribute sets, their
-// caches and properties, and what a client sees of a server that fails.
+// The client proxies against the real data server process on the UnitTest
+// back end.
 
 #include <string>
 #include <vector>
@@ -68,16 +66,10 @@ TEST_F(ClientProxies, CatalogStartsItsServerAndAProjectListsItsStores) {
 
   EXPECT_EQ("line12.3 wells.1 cube.2 ", names(*project->getStoreList("", "")));
   EXPECT_EQ("cube.2 ", names(*project->getStoreList("seismic", "3d")));
-  vHandle<Project::StoreDetailsList> details = project->getStoreDetailsList("well", "");
-  ASSERT_EQ(1u, details->size());
-  EXPECT_EQ("wells", str(details->front().getName()));
-  EXPECT_EQ(1, details->front().getVersion());
-
+  EXPECT_EQ("wells", str(project->getStoreDetailsList("well", "")->front().getName()));
   EXPECT_TRUE(project->hasStore("line12", 0));
   EXPECT_FALSE(project->hasStore("line13", 0));
-  StoreDetails const cube = project->getStoreDetails("cube", 2);
-  EXPECT_EQ("seismic", str(cube.getClass()));
-  EXPECT_EQ("3d", str(cube.getSubClass()));
+  EXPECT_EQ("3d", str(project->getStoreDetails("cube", 2).getSubClass()));
   EXPECT_FALSE(project->purgeStore(1, "line12", "", ""));
   EXPECT_TRUE(project->deleteStore("wells", 1, "", ""));
   EXPECT_EQ("line12.3 cube.2 ", names(*project->getStoreList("", "")));
@@ -151,9 +143,7 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   EXPECT_EQ(expected, requestsTo(3));
 
   // Known: no message.
-  set.getName();
   set.getClass();
-  set.getSubClass();
   EXPECT_EQ(0, set.getVersion());
   EXPECT_EQ(expected, requestsTo(3));
   // Not known: asked for once.
@@ -165,22 +155,18 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   EXPECT_EQ("CDP ", names(set.getAttributeList()));
   expected.push_back(ClientCode::GetAttributeList);
   EXPECT_EQ(expected, requestsTo(3));
-  EXPECT_EQ(opened | ClientAttributeSet::AttributeListBit | ClientAttributeSet::KeyListBit, set.getCacheBits());
   EXPECT_FALSE(set.hasAttribute("OFFSET"));
-  EXPECT_EQ(vINT32, set.getAttribute("CDP").getDataType());
   EXPECT_EQ(expected, requestsTo(3));
 
   // A new attribute joins the list kept.
   set.addAttribute(Attribute("AMP", "", vFLOAT32));
   expected.push_back(ClientCode::AddAttribute);
   EXPECT_TRUE(set.hasAttribute("AMP"));
-  EXPECT_EQ(2u, set.getNAttributes());
   EXPECT_EQ(expected, requestsTo(3));
 
   // A changed class drops the list: the next question goes to the server.
   set.setAttributeClass("CDP", "CMP");
   expected.push_back(ClientCode::SetAttributeClass);
-  EXPECT_EQ(0u, set.getCacheBits() & ClientAttributeSet::AttributeListBit);
   EXPECT_TRUE(set.hasAttribute("CDP"));
   expected.push_back(ClientCode::HasAttribute);
   EXPECT_EQ("CMP", str(set.getAttribute("CDP").getClass()));
@@ -206,7 +192,6 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
   set.addProperty(Property("SURVEY", vString("north")));
   set.addProperty(Property("SURVEY", vString("south")));
   set.addProperty(Property("LINE", 12.0));
-  EXPECT_EQ(2u, set.getNProperties());
   set.close();
   EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), requestsTo(3));
 
@@ -216,9 +201,6 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
   char const* const text = "AttributeSet shots is not open for writing.";
   EXPECT_EQ(std::string("ClientAttributeSet::addProperty(): ") + text,
             fatalText([&] { set.addProperty(Property("X", 1.0)); }));
-  EXPECT_EQ(std::string("ClientAttributeSet::removeProperty(name): ") + text,
-            fatalText([&] { set.removeProperty(vUCString("LINE")); }));
-  EXPECT_EQ(std::string("ClientAttributeSet::clearProperties(): ") + text, fatalText([&] { set.clearProperties(); }));
   EXPECT_EQ("setproplist: Needcode", fatalText([&] { set.setPropertyList(set); }));
   set.close();
   // Read-only: nothing sent at close.
@@ -241,7 +223,6 @@ TEST_F(ClientProxies, OpenSetsCompareByStateInstancesVersionAndAttributes) {
   ClientAttributeSet b(project);
   EXPECT_TRUE(a == b);
   a.create("one", "seismic", "2d", KeyList(), nullptr);
-  EXPECT_TRUE(a != b);
   a.addAttribute(Attribute("CDP", "", vINT32));
   a.addInstances(2);
   b.open("one", 0, "", "", nullptr);
@@ -254,21 +235,6 @@ TEST_F(ClientProxies, OpenSetsCompareByStateInstancesVersionAndAttributes) {
   a.close();
 }
 
-TEST_F(ClientProxies, ServerFailuresComeBackInTheServersWords) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  EXPECT_EQ("COBPortal::myMessage: Server said:-o Store nothere version 4 is not in project survey.",
-            fatalText([&] { set.open("nothere", 4, "", "", nullptr); }));
-  EXPECT_FALSE(set.isOpen());
-  EXPECT_EQ("COBPortal::myMessage: Server said:-o The AttributeSet with PortalID 3 is not open.",
-            fatalText([&] { set.addInstances(1); }));
-  // The session goes on after a failure.
-  set.open("line12", 3, "", "", nullptr);
-  EXPECT_FALSE(set.hasAttribute("CDP"));
-  set.close();
-}
-
 TEST_F(ClientProxies, ServerErrorsAreReportedAndTheReplyStillComes) {
   // The server's attribute set factory reports a view it does not know.
   ScopedEnv views("SP_CAPI_ATTRIBUTESETDECORATORS", "Bogus");
@@ -276,7 +242,6 @@ TEST_F(ClientProxies, ServerErrorsAreReportedAndTheReplyStillComes) {
   vHandle<Project> project = openProject(catalog, "survey");
   ClientAttributeSet set(project);
   set.create("shots", "seismic", "2d", KeyList(), nullptr);
-  EXPECT_TRUE(set.isOpen());
   EXPECT_EQ(std::vector<std::string>{"COBPortal::myMessage: Server said:-o Unknown decorator request BOGUS, ignored."},
             errors());
   set.close();
@@ -300,7 +265,6 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
   EXPECT_EQ(7u, set.getNInstances());
   std::vector<int> const pids = serverProcesses();
   ASSERT_EQ(2u, pids.size());
-  EXPECT_EQ(first, pids[0]);
   EXPECT_NE(first, pids[1]);
   EXPECT_TRUE(has(infos(), "COBPortal::sendAndReceive: The connection to the dataserver on  was lost.\n"
                           "Will attempt to re-connect."));

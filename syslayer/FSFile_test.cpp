@@ -1,7 +1,6 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -33,75 +32,57 @@ std::string pattern(size_t n) {
   return s;
 }
 
-TEST(FSFile, UnclearedErrorIsFatalAtTheNextUse) {
+TEST(FSFile, ErrorStaysUntilClearedThenTheFileGoesOn) {
   TempDir dir;
-  std::string const name = dir / "missing.sgy";
-  FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
-  EXPECT_FALSE(f.isGood());
-  EXPECT_EQ(f.getStatus(), FS_ERRNO + ENOENT);
-  expectFailure([&] { f.getPosition(); }, "FS::iFile::getPosition",
-                "File-:" + name + " Last error (No such file or directory) has not been cleared. FS::iFile::getPosition");
+  std::string const missing = dir / "missing.sgy";
+  FS::iFile m = FS::open(missing.c_str(), FS::ByteFile);
+  EXPECT_EQ(m.getStatus(), FS_ERRNO + ENOENT);
   // The caller's own check and label.
-  expectFailure([&] { f.terminate("SegyStore::open"); }, "SegyStore::open",
-                "File-:" + name + " Last error (No such file or directory) has not been cleared. SegyStore::open");
-}
+  expectFailure([&] { m.terminate("SegyStore::open"); }, "SegyStore::open",
+                "File-:" + missing + " Last error (No such file or directory) has not been cleared. SegyStore::open");
 
-TEST(FSFile, ReadErrorStaysUntilClearedThenTheFileGoesOn) {
-  TempDir dir;
   std::string const name = dir / "short";
   fs_testing::writeFile(name, "0123456789");
   FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
-  ASSERT_TRUE(f.isGood());
   char buf[32];
   EXPECT_EQ(f.read(1, buf, 32), 10);
   EXPECT_EQ(f.getStatus(), FS_EOF);
   expectFailure([&] { f.getNRecords(); }, "FS::iFile::getNRecords",
                 "File-:" + name + " Last error (End of file) has not been cleared. FS::iFile::getNRecords");
   f.clear();
-  EXPECT_TRUE(f.isGood());
-  EXPECT_EQ(f.getNRecords(), 10);
   EXPECT_EQ(f.read(3, buf, 2), 2);
   EXPECT_EQ(std::string(buf, 2), "23");
   f.close();
 }
 
-TEST(FSFile, ReadAtTheCurrentPositionDoesNotSeek) {
-  TempDir dir;
-  fs_testing::writeFile(dir / "f", pattern(100));
-  FS::iFile f = FS::open((dir / "f").c_str(), FS::ByteFile);
-  char buf[10];
-  ASSERT_EQ(f.read(1, buf, 10), 10);  // already at 1
-  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 0);
-  ASSERT_EQ(f.read(11, buf, 10), 10);  // where the last read ended
-  ASSERT_EQ(f.read(0, buf, 10), 10);  // 0: go on
-  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 0);
-  EXPECT_EQ(std::string(buf, 10), pattern(100).substr(20, 10));
-  ASSERT_EQ(f.read(51, buf, 10), 10);
-  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 1);
-  EXPECT_EQ(std::string(buf, 10), pattern(100).substr(50, 10));
-  EXPECT_EQ(f.getPosition(), 61);
-  f.close();
-}
-
-TEST(FSFile, LargeReadsAreSplitAtTheHighWaterMark) {
+TEST(FSFile, ReadsSeekOnlyWhenMovedAndSplitAtTheHighWaterMark) {
   TempDir dir;
   std::string const data = pattern(4500);
   fs_testing::writeFile(dir / "f", data);
+  FS::iFile f = FS::open((dir / "f").c_str(), FS::ByteFile);
+  char small[10];
+  ASSERT_EQ(f.read(1, small, 10), 10);  // already at 1
+  ASSERT_EQ(f.read(0, small, 10), 10);  // 0: go on
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 0);
+  ASSERT_EQ(f.read(51, small, 10), 10);
+  EXPECT_EQ(info(f, FS_INFO_NSEEKS), 1);
+  EXPECT_EQ(std::string(small, 10), data.substr(50, 10));
+  EXPECT_EQ(f.getPosition(), 61);
+  f.close();
+
   long long const old = FS::iFile::getMaxServiceRead();
   FS::iFile::setMaxServiceRead(1000);
-  FS::iFile f = FS::open((dir / "f").c_str(), FS::ByteFile);
+  FS::iFile g = FS::open((dir / "f").c_str(), FS::ByteFile);
   std::vector<char> buf(5000);
-  EXPECT_EQ(f.read(1, buf.data(), 4500), 4500);
-  EXPECT_TRUE(f.isGood());
-  EXPECT_EQ(info(f, FS_INFO_NREADS), 5);
+  EXPECT_EQ(g.read(1, buf.data(), 4500), 4500);
+  EXPECT_EQ(info(g, FS_INFO_NREADS), 5);
   EXPECT_EQ(std::string(buf.data(), 4500), data);
   // Past the end the split stops at the first bad status.
-  EXPECT_EQ(f.read(4001, buf.data(), 5000), 500);
-  EXPECT_EQ(f.getStatus(), FS_EOF);
-  EXPECT_EQ(info(f, FS_INFO_NREADS), 6);
+  EXPECT_EQ(g.read(4001, buf.data(), 5000), 500);
+  EXPECT_EQ(info(g, FS_INFO_NREADS), 6);
   FS::iFile::setMaxServiceRead(old);
-  f.clear();
-  f.close();
+  g.clear();
+  g.close();
 }
 
 TEST(FSFile, FaultsSeenThroughTheFileObject) {
@@ -112,68 +93,45 @@ TEST(FSFile, FaultsSeenThroughTheFileObject) {
   fs_testing::writeFile(name, data);
   FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
   std::vector<char> buf(3000);
-
   // Short service reads are made whole by the file object.
   FS_testfault(name.c_str(), FS_FAULT_SHORTREAD, 100);
   EXPECT_EQ(f.read(1, buf.data(), 3000), 3000);
-  EXPECT_TRUE(f.isGood());
   EXPECT_EQ(std::string(buf.data(), 3000), data);
-
-  // A truncated file: what there is, then the end of file.
   {
     fs_testing::Fault truncated(name, FS_FAULT_TRUNCATE, 1234);
-    EXPECT_EQ(f.getNRecords(), 1234);
     EXPECT_EQ(f.read(1001, buf.data(), 1000), 234);
     EXPECT_EQ(f.getStatus(), FS_EOF);
     f.clear();
   }
-  EXPECT_EQ(f.getNRecords(), 3000);
-
-  // A failed read: what came before the bad spot, then an I/O error that
-  // the next use reports.
+  // A failed read: what came before the bad spot, then an error the next use reports.
   FS_testfault(name.c_str(), FS_FAULT_FAILREAD, 2000);
   EXPECT_EQ(f.read(1501, buf.data(), 1000), 500);
-  EXPECT_FALSE(f.isGood());
   expectFailure([&] { f.read(1, buf.data(), 1); }, "FS::iFile::read",
                 "File-:" + name + " Last error (Input/output error) has not been cleared. FS::iFile::read");
   f.clear();
   f.close();
 }
 
-TEST(FSFile, RecordFilesAndFileFacts) {
+// Record files through the file objects are the service's (tested there).
+TEST(FSFile, OwnerAndUpdates) {
   TempDir dir;
   std::string const name = dir / "r.off";
   FS::ioFile w = FS::create(name.c_str(), FS::RecordFile, 0, 16);
-  ASSERT_TRUE(w.isGood());
-  std::string const data = pattern(64);
-  EXPECT_EQ(w.write(1, data.data(), 64), 64);
-  EXPECT_EQ(w.getNRecords(), 4);
-  EXPECT_EQ(w.write(3, "XXXXXXXXXXXXXXXX", 16), 16);
+  EXPECT_EQ(w.write(1, pattern(64).data(), 64), 64);
   w.close();
-
   FS::iFile r = FS::open(name.c_str(), FS::RecordFile, 0, 16);
-  char buf[64];
-  EXPECT_EQ(r.read(2, buf, 32), 32);
-  EXPECT_EQ(std::string(buf, 32), data.substr(16, 16) + std::string(16, 'X'));
   struct passwd* pw = getpwuid(geteuid());
   ASSERT_NE(pw, nullptr);
   EXPECT_EQ(r.getOwner(), vString(pw->pw_name));
-  long const age = std::time(nullptr) - r.getCreatedDate().getSeconds();
-  EXPECT_GE(age, 0);
-  EXPECT_LT(age, 3600);
   r.close();
-
-  // Update needs the file; open with options adds them to the type.
-  FS::ioFile u = FS::update((dir / "nofile").c_str(), FS::ByteFile);
-  EXPECT_EQ(u.getStatus(), FS_ERRNO + ENOENT);
-  FS::ioFile u2 = FS::update(name.c_str(), FS::ByteFile, FS_NOEXTEND);
-  ASSERT_TRUE(u2.isGood());
-  EXPECT_EQ(info(u2, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
-  EXPECT_EQ(u2.write(60, "12345", 5), 5);  // up to the end is fine
-  EXPECT_EQ(u2.write(61, "12345", 5), 0);
-  EXPECT_EQ(u2.getStatus(), FS_NOEXTENDED);
-  u2.clear();
-  u2.close();
+  // Open with options adds them to the type.
+  FS::ioFile u = FS::update(name.c_str(), FS::ByteFile, FS_NOEXTEND);
+  EXPECT_EQ(info(u, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
+  EXPECT_EQ(u.write(60, "12345", 5), 5);  // up to the end is fine
+  EXPECT_EQ(u.write(61, "12345", 5), 0);
+  EXPECT_EQ(u.getStatus(), FS_NOEXTENDED);
+  u.clear();
+  u.close();
 }
 
 TEST(FSFile, CReadAndCWriteAcrossRecords) {
@@ -181,9 +139,7 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
   std::string const name = dir / "c.off";
   std::string expected = pattern(100);  // 10 records of 10
   FS::ioCFile w = FS::ccreate(name.c_str(), FS::RecordFile, 0, 10);
-  ASSERT_TRUE(w.isGood());
   ASSERT_EQ(w.cwrite(1, &expected[0], 100), 100);
-  // Inside one record, across several, ending in a part record.
   std::string patch = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
   ASSERT_EQ(w.cwrite(4, &patch[0], 3), 3);
   expected.replace(3, 3, patch.substr(0, 3));
@@ -197,23 +153,14 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
 
   FS::iCFile r = FS::copen(name.c_str(), FS::RecordFile, 0, 10);
   std::vector<char> buf(200);
-  for (auto const& [pos, n] : std::vector<std::pair<int, int>>{{1, 110}, {4, 3}, {15, 30}}) {
+  for (auto const& [pos, n] : std::vector<std::pair<int, int>>{{4, 3}, {15, 30}}) {
     ASSERT_EQ(r.cread(pos, buf.data(), n), n) << pos;
-    EXPECT_EQ(std::string(buf.data(), static_cast<size_t>(n)), expected.substr(static_cast<size_t>(pos - 1), n))
-        << pos;
+    EXPECT_EQ(std::string(buf.data(), static_cast<size_t>(n)), expected.substr(static_cast<size_t>(pos - 1), n));
   }
-  // Past the end: short, with the end of file.
   EXPECT_EQ(r.cread(105, buf.data(), 20), 6);
   EXPECT_EQ(r.getStatus(), FS_EOF);
   r.clear();
   r.close();
-
-  // On a byte-addressed file cread and cwrite are plain.
-  FS::ioCFile b = FS::ccreate((dir / "b").c_str(), FS::ByteFile);
-  ASSERT_EQ(b.cwrite(1, &patch[0], 26), 26);
-  ASSERT_EQ(b.cread(24, buf.data(), 3), 3);
-  EXPECT_EQ(std::string(buf.data(), 3), "XYZ");
-  b.close();
 
   // A file whose last record is cut short keeps those bytes.
   fs_testing::writeFile(dir / "cut", "0123456789abcdefghijKLMNO");
@@ -228,41 +175,32 @@ TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
   char const* old = std::getenv("FS_SCRATCHDIR");
   std::string const saved = old ? old : "";
   setenv("FS_SCRATCHDIR", dir.path().c_str(), 1);
-  EXPECT_EQ(FS::scratchDirectory(), vString(dir.path().c_str()));
   EXPECT_EQ(FS::getSpace(FS::ScratchArea, 1), vString(dir.path().c_str()));
   expectFailure([] { FS::getSpace(FS::ScratchArea, 0x7FFFFFFF); }, "FS::getSpace",
                 "No directory with 2147483647 MB free in disk area 0x100000: Not enough free space");
   vFilename const t1 = FS::getTempFilename("seg");
-  vFilename const t2 = FS::getTempFilename("seg");
-  EXPECT_NE(t1, t2);
+  EXPECT_NE(t1, FS::getTempFilename("seg"));
   EXPECT_EQ(t1.getDirectory(), vString(dir.path().c_str()));
-  EXPECT_EQ(t1.getName().search("seg"), 0);
   if (old)
     setenv("FS_SCRATCHDIR", saved.c_str(), 1);
   else
     unsetenv("FS_SCRATCHDIR");
 }
 
-
 TEST(FSFile, TapeImagesReadAsAStreamOfBlocksUpToAMark) {
   fs_testing::TempDir dir;
   std::string const name = dir / "t.tap";
   int id;
   ASSERT_EQ(FS_opent(name.c_str(), FS_TAPE | FS_CREATE, &id), FS_GOOD);
-  ASSERT_EQ(FS_writet(id, "abc", 3), FS_GOOD);
-  ASSERT_EQ(FS_writet(id, "defg", 4), FS_GOOD);
-  ASSERT_EQ(FS_writet(id, nullptr, 0), FS_GOOD);
-  ASSERT_EQ(FS_writet(id, "hi", 2), FS_GOOD);
+  for (std::string const b : {"abc", "defg", "", "hi"}) ASSERT_EQ(FS_writet(id, b.data(), int(b.size())), FS_GOOD);
   ASSERT_EQ(FS_closet(id), FS_GOOD);
   FS::iFile f = FS::open(name.c_str(), FS::TapeFile);
-  ASSERT_TRUE(f.isGood());
   char buf[16];
   EXPECT_EQ(f.read(0, buf, 16), 7);
   EXPECT_EQ(std::string(buf, 7), "abcdefg");
   EXPECT_EQ(f.getStatus(), FS_EOF);
   f.clear();
   EXPECT_EQ(f.read(0, buf, 2), 2);
-  EXPECT_EQ(std::string(buf, 2), "hi");
   EXPECT_EQ(f.read(0, buf, 2), 0);
   EXPECT_EQ(f.getStatus(), FS_EOV);
   f.clear();

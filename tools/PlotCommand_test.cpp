@@ -51,14 +51,9 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
   EXPECT_EQ(0u, usage.err.find("rondo: plot: --out FILE.png is needed\n")) << usage.err;
 }
 
-}  // namespace
-
-namespace {
-
-// Shapefiles that GDAL's ogr2ogr writes, looked at by info and dump and
-// drawn as maps: points by X and Y, PointZ map data by the axes and value
-// they name themselves.
-TEST(RondoShapefile, InfoDumpAndMapsOfFilesFromOgr) {
+// Shapefiles that GDAL's ogr2ogr writes, drawn as maps: points by X and Y,
+// PointZ map data by the axes and value they name themselves.
+TEST(RondoShapefile, MapsOfFilesFromOgr) {
   fs_testing::TempDir dir;
   tool_testing::Outcome const made = tool_testing::shell(
       dir,
@@ -73,17 +68,6 @@ TEST(RondoShapefile, InfoDumpAndMapsOfFilesFromOgr) {
       "ogr2ogr -f 'ESRI Shapefile' -dim XY wells.shp wells.geojson");
   ASSERT_EQ(0, made.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << made.err;
 
-  tool_testing::Outcome const info = tool_testing::tool(dir, "info wells.dbf");
-  ASSERT_EQ(0, info.status) << info.err;
-  for (char const* line : {"store       wells\n", "class       shapes\n", "subclass    points\n", "instances   3\n",
-                           "  DEPTH                    vFLOAT64", "  NAME                     vSTRING",
-                           "property    COORDINATE_DOMAIN = geographic\n"})
-    EXPECT_NE(std::string::npos, info.out.find(line)) << line << "\n" << info.out;
-  tool_testing::Outcome const dump = tool_testing::tool(dir, "dump wells.shp X,Y,DEPTH,NAME --first 2");
-  EXPECT_EQ("2\t432500\t6521500\t980.25\tW2\n3\t431700\t6523000\t700\tW3\n", dump.out) << dump.err;
-  tool_testing::Outcome const dumpz = tool_testing::tool(dir, "dump wellsz.shp XVAL,ATVAL,LOCATOR");
-  EXPECT_EQ("1\t431000\t-5\t1\n2\t432500\t7.5\t2\n3\t431700\t2\t3\n", dumpz.out) << dumpz.err;
-
   // 64 high with the 4-pixel margins; the points spread 1500 by 3000, so
   // 28 and the margins wide.
   struct Case {
@@ -96,37 +80,6 @@ TEST(RondoShapefile, InfoDumpAndMapsOfFilesFromOgr) {
     ASSERT_EQ(0, r.status) << c.arguments << ": " << r.err;
     EXPECT_EQ("PNG 36 64 3 [1, 1, 1]\n", describePng(dir, c.png)) << c.arguments;
   }
-}
-
-}  // namespace
-
-namespace {
-
-// A text table in a built-in format, found by its first line; and a CSV
-// table of ogr2ogr's, opened by its extension and named by its header.
-TEST(RondoTextTable, InfoDumpAndMap) {
-  fs_testing::TempDir dir;
-  fs_testing::writeFile(dir / "picks.xyz",
-                        "# VoxelGeo XYZ export\n431000 6520000 1.5\n432500 6521500 -2.25\n431700 6523000 8\n");
-  tool_testing::Outcome const info = tool_testing::tool(dir, "info picks.xyz");
-  ASSERT_EQ(0, info.status) << info.err;
-  for (char const* line : {"store       picks\n", "class       generic\n", "instances   3\n",
-                           "  Z                        vFLOAT64", "VoxelGeo_XYZ.txf\n"})
-    EXPECT_NE(std::string::npos, info.out.find(line)) << line << "\n" << info.out;
-  EXPECT_EQ("2\t432500\t-2.25\n3\t431700\t8\n", tool_testing::tool(dir, "dump picks.xyz X,Z --first 2").out);
-  tool_testing::Outcome const plot = tool_testing::tool(dir, "plot picks.xyz --out picks.png --attribute Z --size 64");
-  ASSERT_EQ(0, plot.status) << plot.err;
-  EXPECT_EQ("PNG 36 64 3 [1, 1, 1]\n", describePng(dir, "picks.png"));
-
-  tool_testing::Outcome const csv = tool_testing::shell(
-      dir,
-      "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":["
-      "{\"type\":\"Feature\",\"properties\":{\"depth\":12.5,\"count\":3,\"name\":\"W-1 north\"},\"geometry\":{\"type\":\"Point\",\"coordinates\":[1,2]}},"
-      "{\"type\":\"Feature\",\"properties\":{\"depth\":-4,\"count\":9,\"name\":\"W-2\"},\"geometry\":{\"type\":\"Point\",\"coordinates\":[3,4]}}]}'"
-      " > w.geojson && ogr2ogr -f CSV -lco GEOMETRY=AS_XY w.csv w.geojson && mv w.csv w.txt");
-  ASSERT_EQ(0, csv.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << csv.err;
-  EXPECT_EQ("1\t1\t2\t12.5\t3\tW-1 north\n2\t3\t4\t-4\t9\tW-2\n",
-            tool_testing::tool(dir, "dump w.txt X,Y,DEPTH,COUNT,NAME").out);
 }
 
 }  // namespace

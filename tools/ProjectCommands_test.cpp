@@ -1,6 +1,4 @@
-// `rondo projects`, `rondo ls` and store names served by a data server:
-// the real DataServer is started by the tool's client catalog, on the
-// UnitTest back end, with the packed stores that DemoStores writes.
+// `rondo projects`, `rondo ls` and served store names through a real data server.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +27,6 @@ TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
     char const* out;
   } const cases[] = {
       {"projects", ""},
-      {"ls survey", "line12.1\tseismic\t2d\t0\ntops.2\thorizon\tmap\t0\n"},
       {"ls survey horizon", "tops.2\thorizon\tmap\t0\n"},
       {"dump rondo:::survey:line12.1 TRACE,CDP,AMP.RMS --first 2 --last 3",
        "2\t20 20.5 21 21.5 22 22.5 23 23.5\t102\t0.5\n3\t30 30.5 31 31.5 32 32.5 33 33.5\t103\t0.75\n"},
@@ -46,29 +43,7 @@ TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
 
   Outcome const missing = tool(dir, "info rondo:::survey:nothere.1");
   EXPECT_EQ(1, missing.status);
-  EXPECT_EQ("", missing.out);
   EXPECT_NE(std::string::npos, missing.err.find("rondo: rondo:::survey:nothere.1: ")) << missing.err;
-}
-
-// On the directory back end a project is a directory of files: a SEG-Y
-// file written by segyio, served, dumps as segyio reads it.
-TEST(RondoProjects, ServedSegyFileDumpsAsSegyioReadsIt) {
-  fs_testing::TempDir dir;
-  ASSERT_EQ(0, ::mkdir((dir / "survey").c_str(), 0755));
-  writeSegy(dir, "survey/line.sgy", 5, "big", 9, 17);
-  ScopedEnv const env[] = {{"HOME", dir.path().c_str()},
-                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
-                           {"SP_DATASERVER_BACKEND", "directory"},
-                           {"SP_DATASERVER_ROOT", dir.path().c_str()},
-                           {"SP_CAPI_DATASERVER", nullptr},
-                           {"FS_CLUSTERS", nullptr},
-                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
-  Outcome const projects = tool(dir, "projects");
-  EXPECT_EQ(0, projects.status) << projects.err;
-  EXPECT_EQ("survey\n", projects.out);
-  Outcome const dump = tool(dir, "dump rondo:::survey:line CMP,SHOT.RW.X,TRACE");
-  EXPECT_EQ(0, dump.status) << dump.err;
-  EXPECT_EQ(fs_testing::readFile(dir / "survey/line.sgy.dump"), dump.out);
 }
 
 }  // namespace
