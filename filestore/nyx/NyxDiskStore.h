@@ -26,13 +26,12 @@
 // it is opened.
 
 #include <list>
-#include <map>
 #include <memory>
 #include <ostream>
 #include <vector>
 
 #include "attribute/KeyList.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "filestore/nyx/NyxDatLayout.h"
 #include "foundation/vFilename.h"
 #include "project/StoreDescription.h"
@@ -40,7 +39,7 @@
 
 class TapeSetReader;
 
-class NyxDiskStore : public DiskStore {
+class NyxDiskStore : public SingleSetDiskStore {
  public:
   enum FileFormat { CST = 1, DAT = 2, TAPES = 3 };
 
@@ -93,18 +92,8 @@ class NyxDiskStore : public DiskStore {
   vLCString getName() const override;
   unsigned int getNInstances() const override;
   Attribute getAttribute(vUCString const& name) const override;
+  // Also the header words "WORDnn" beside the named attributes.
   bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
-  vHandle<AttributeSetList> getAttributeSetList() const override;
-  void getAttributeSetList(AttributeSetList& names) const override;
-  vLCString getAttributeSetName() const override { return getName(); }
-  void openAttributeSet(vLCString const& name) override;
-  KeyList getKeyList() const override { return KeyList(); }
-  unsigned int getNAttributes() const override { return static_cast<unsigned int>(m_attributes.size()); }
-  int getVersion() const override { return 1; }
   vLCString getClass() const override { return vLCString("seismic"); }
   vLCString getSubClass() const override { return m_subClass; }
   void addAttribute(Attribute const& attribute) override;
@@ -147,7 +136,6 @@ class NyxDiskStore : public DiskStore {
   bool m_isOpen;
   bool m_creating;
   bool m_swapped;
-  vFilename m_fileName;
   vString m_displayName;
   vLCString m_subClass;
   Record m_record;
@@ -165,8 +153,6 @@ class NyxDiskStore : public DiskStore {
   mutable unsigned int m_cacheLast;
   mutable std::vector<unsigned char> m_cache;
   mutable std::vector<unsigned char> m_tapeFirst;
-  std::list<Attribute> m_attributes;
-  std::map<vUCString, Attribute> m_attributeMap;
   // Creating: the attributes given, the trace's, and the records.
   std::list<Attribute> m_added;
   std::vector<unsigned char> m_records;

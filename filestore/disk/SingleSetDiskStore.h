@@ -1,0 +1,86 @@
+#ifndef FILESTORE_DISK_SINGLESETDISKSTORE_H
+#define FILESTORE_DISK_SINGLESETDISKSTORE_H
+
+// SingleSetDiskStore: the base of the file stores whose file is one
+// attribute set, named as the store (getName, the root of the file name
+// for most). It holds what those stores have in common: the attribute
+// definitions (a list in the store's order, with a map by name), the key
+// list, the answers about the one set, and the checks of an instance range
+// or list that their reads share, with the shared texts.
+//
+// What stays with each format: opening and closing, getName and
+// getNInstances with their own not-open texts, getAttribute with its own
+// failure text, the reads themselves, and the words for a set that is not
+// there (myRefuseAttributeSet). A store that can show more than one set
+// overrides the set questions.
+
+#include <list>
+#include <map>
+#include <vector>
+
+#include "attribute/KeyList.h"
+#include "filestore/disk/DiskStore.h"
+#include "foundation/vFilename.h"
+
+class SingleSetDiskStore : public DiskStore {
+ public:
+  ~SingleSetDiskStore() override;
+
+  // --- The attributes, as the format defined them.
+  bool hasAttribute(vUCString const& name) const override;
+  std::list<Attribute> getAttributeList() const override;
+  void getAttributeList(std::list<Attribute>& attributes) const override;
+  std::list<Attribute> getAttributeList(vUCString const& text,
+                                        AttributeMatch::AttributeMatchType match) const override;
+  unsigned int getNAttributes() const override;
+  KeyList getKeyList() const override;
+
+  // --- The one set, named as the store.
+  vHandle<AttributeSetList> getAttributeSetList() const override;
+  void getAttributeSetList(AttributeSetList& names) const override;
+  vLCString getAttributeSetName() const override;
+  // A blank name or the store's own: nothing to do. Any other name goes to
+  // myRefuseAttributeSet.
+  void openAttributeSet(vLCString const& name) override;
+  // Files have one version.
+  int getVersion() const override;
+
+ protected:
+  // storeName labels the messages said here ("<storeName>::openAttributeSet").
+  SingleSetDiskStore(vHandle<Project> const& project, char const* storeName);
+
+  // Another set's name: by default fatal, "File '<file>' does not have
+  // AttributeSet named '<name>'.".
+  virtual void myRefuseAttributeSet(vLCString const& name) const;
+
+  // The definitions, replaced, added to or dropped; the keys are the
+  // format's to fill in (m_keyList).
+  void mySetAttributes(std::list<Attribute> const& attributes);
+  void myAddDefinition(Attribute const& definition);
+  void myClearAttributes();
+  std::list<Attribute> const& myAttributes() const { return m_attributes; }
+  // The definition of a name, null when the store has none.
+  Attribute const* myFindDefinition(vUCString const& name) const;
+  // The definition of a name, fatal labelled by label when the store has
+  // none: "Attribute %s does not exist in file %s." with the store's name.
+  Attribute const& myDefinition(char const* label, vUCString const& name) const;
+
+  // The checks of an instance read, fatal labelled by label. A range must
+  // be 1 <= first <= last <= the instance count, last 0 meaning the last
+  // instance; the resolved last is returned. A list must hold no 0 and
+  // nothing past the count.
+  unsigned int myCheckRange(char const* label, unsigned int first, unsigned int last) const;
+  void myCheckList(char const* label, vUCString const& name, std::vector<unsigned int> const& instances) const;
+  // Whether the instances are one run of neighbours in rising order.
+  static bool isRun(std::vector<unsigned int> const& instances);
+
+  vFilename m_fileName;
+  KeyList m_keyList;
+
+ private:
+  char const* m_storeName;
+  std::list<Attribute> m_attributes;
+  std::map<vUCString, Attribute> m_attributeMap;
+};
+
+#endif
