@@ -44,7 +44,7 @@ std::string valueText(Attribute const& a, unsigned int instance, int position) {
 AsciiDiskStore::AsciiDiskStore() : AsciiDiskStore(vHandle<Project>()) {}
 
 AsciiDiskStore::AsciiDiskStore(vHandle<Project> const& project)
-    : SingleSetDiskStore(project, "AsciiDiskStore"), m_nInstances(0), m_isOpen(false), m_isWriting(false), m_set(1) {}
+    : SingleSetDiskStore(project, "AsciiDiskStore", kNotOpen), m_nInstances(0), m_isWriting(false), m_set(1) {}
 
 AsciiDiskStore::~AsciiDiskStore() {
   if (!m_isOpen) return;
@@ -248,15 +248,6 @@ void AsciiDiskStore::close() {
 }
 
 // --- what the store holds ---------------------------------------------------------------
-
-void AsciiDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
-}
-
-vLCString AsciiDiskStore::getName() const {
-  myCheckOpen("AsciiDiskStore::getName");
-  return vLCString(m_fileName.getRoot());
-}
 
 unsigned int AsciiDiskStore::getNInstances() const {
   myCheckOpen("AsciiDiskStore::getNInstances");

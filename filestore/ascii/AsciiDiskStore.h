@@ -47,9 +47,7 @@ class AsciiDiskStore : public SingleSetDiskStore {
   virtual void create(StoreDescription const& description);
   virtual void create(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
 
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   Attribute getAttribute(vUCString const& name) const override;
   // The record sets of the file, each named by its title, or by the
@@ -76,7 +74,6 @@ class AsciiDiskStore : public SingleSetDiskStore {
   void write(Attribute const& attribute, KeyList const& keys) override;
 
  private:
-  void myCheckOpen(char const* label) const;
   void myCheckWritable(char const* label) const;
   void myConstructPropertyList();
   void myReadHorizonHeader(std::string& horizonName);
@@ -91,7 +88,6 @@ class AsciiDiskStore : public SingleSetDiskStore {
   std::unique_ptr<AsciiCollator> m_collator;
   mutable std::unique_ptr<AsciiDataReader> m_reader;
   unsigned int m_nInstances;
-  bool m_isOpen;
   bool m_isWriting;
   int m_set;
   std::map<vUCString, Attribute> m_buffered;

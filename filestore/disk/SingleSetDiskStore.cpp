@@ -7,12 +7,30 @@
 #include "project/AttributeMatch.h"
 #include "project/Project.h"
 
-SingleSetDiskStore::SingleSetDiskStore(vHandle<Project> const& project, char const* storeName)
-    : DiskStore(project), m_storeName(storeName) {}
+SingleSetDiskStore::SingleSetDiskStore(vHandle<Project> const& project, char const* storeName, char const* notOpen)
+    : DiskStore(project), m_isOpen(false), m_storeName(storeName), m_notOpen(notOpen) {}
 
 SingleSetDiskStore::~SingleSetDiskStore() {}
 
+std::string SingleSetDiskStore::myLabel(char const* operation) const {
+  return std::string(m_storeName) + "::" + operation;
+}
+
+void SingleSetDiskStore::myNotOpen(char const* label) const { Message::fatal(label, 0, "%s", m_notOpen); }
+
+vLCString SingleSetDiskStore::getName() const {
+  if (!m_isOpen) myNotOpen(myLabel("getName").c_str());
+  return vLCString(m_fileName.getRoot());
+}
+
 // --- the attributes ------------------------------------------------------------------------
+
+Attribute SingleSetDiskStore::getAttribute(vUCString const& name) const {
+  if (!m_isOpen) myNotOpen(myLabel("getAttribute").c_str());
+  Attribute const* const definition = myFindDefinition(name);
+  if (definition == nullptr) myDefinition(myLabel("getAttribute").c_str(), name);
+  return *definition;
+}
 
 bool SingleSetDiskStore::hasAttribute(vUCString const& name) const { return m_attributeMap.count(name) > 0; }
 
@@ -31,6 +49,10 @@ std::list<Attribute> SingleSetDiskStore::getAttributeList(vUCString const& text,
 unsigned int SingleSetDiskStore::getNAttributes() const { return static_cast<unsigned int>(m_attributes.size()); }
 
 KeyList SingleSetDiskStore::getKeyList() const { return m_keyList; }
+
+void SingleSetDiskStore::addAttribute(Attribute const&) {
+  Message::fatal(myLabel("addAttribute").c_str(), 0, "Function not implemented in derived class -- needs code.");
+}
 
 void SingleSetDiskStore::mySetAttributes(std::list<Attribute> const& attributes) {
   myClearAttributes();
@@ -81,9 +103,8 @@ void SingleSetDiskStore::openAttributeSet(vLCString const& name) {
 }
 
 void SingleSetDiskStore::myRefuseAttributeSet(vLCString const& name) const {
-  std::string const label = std::string(m_storeName) + "::openAttributeSet";
-  Message::fatal(label.c_str(), 0, "File '%s' does not have AttributeSet named '%s'.", m_fileName.c_str(),
-                 name.c_str());
+  Message::fatal(myLabel("openAttributeSet").c_str(), 0, "File '%s' does not have AttributeSet named '%s'.",
+                 m_fileName.c_str(), name.c_str());
 }
 
 int SingleSetDiskStore::getVersion() const { return 1; }

@@ -2,20 +2,23 @@
 #define FILESTORE_DISK_SINGLESETDISKSTORE_H
 
 // SingleSetDiskStore: the base of the file stores whose file is one
-// attribute set, named as the store (getName, the root of the file name
-// for most). It holds what those stores have in common: the attribute
-// definitions (a list in the store's order, with a map by name), the key
-// list, the answers about the one set, and the checks of an instance range
-// or list that their reads share, with the shared texts.
+// attribute set, named as the store: the root of the file name. It holds
+// what those stores have in common: the file name and the open flag, the
+// attribute definitions (a list in the store's order, with a map by name),
+// the key list, the answers about the one set, and the checks of an
+// instance range or list that their reads share, with the shared texts.
+// Its messages are labelled with the store's class name and say the
+// store's own not-open text.
 //
-// What stays with each format: opening and closing, getName and
-// getNInstances with their own not-open texts, getAttribute with its own
-// failure text, the reads themselves, and the words for a set that is not
-// there (myRefuseAttributeSet). A store that can show more than one set
+// What stays with each format: opening and closing, getNInstances, the
+// reads themselves, and where a format has its own words, the override
+// that says them: getAttribute, addAttribute, and myRefuseAttributeSet for
+// a set that is not there. A store that can show more than one set
 // overrides the set questions.
 
 #include <list>
 #include <map>
+#include <string>
 #include <vector>
 
 #include "attribute/KeyList.h"
@@ -26,7 +29,13 @@ class SingleSetDiskStore : public DiskStore {
  public:
   ~SingleSetDiskStore() override;
 
+  bool isOpen() const override { return m_isOpen; }
+  // The root of the file name; fatal when the store is not open.
+  vLCString getName() const override;
+
   // --- The attributes, as the format defined them.
+  // Fatal when the store is not open or has no such attribute.
+  Attribute getAttribute(vUCString const& name) const override;
   bool hasAttribute(vUCString const& name) const override;
   std::list<Attribute> getAttributeList() const override;
   void getAttributeList(std::list<Attribute>& attributes) const override;
@@ -34,6 +43,8 @@ class SingleSetDiskStore : public DiskStore {
                                         AttributeMatch::AttributeMatchType match) const override;
   unsigned int getNAttributes() const override;
   KeyList getKeyList() const override;
+  // Refused, for a store that only reads.
+  void addAttribute(Attribute const& attribute) override;
 
   // --- The one set, named as the store.
   vHandle<AttributeSetList> getAttributeSetList() const override;
@@ -46,8 +57,14 @@ class SingleSetDiskStore : public DiskStore {
   int getVersion() const override;
 
  protected:
-  // storeName labels the messages said here ("<storeName>::openAttributeSet").
-  SingleSetDiskStore(vHandle<Project> const& project, char const* storeName);
+  // storeName labels the messages said here ("<storeName>::getName");
+  // notOpen is the store's text for a question asked while it is closed.
+  SingleSetDiskStore(vHandle<Project> const& project, char const* storeName, char const* notOpen);
+
+  // Fatal, labelled by label, when the store is not open.
+  void myCheckOpen(char const* label) const {
+    if (!m_isOpen) myNotOpen(label);
+  }
 
   // Another set's name: by default fatal, "File '<file>' does not have
   // AttributeSet named '<name>'.".
@@ -76,9 +93,15 @@ class SingleSetDiskStore : public DiskStore {
 
   vFilename m_fileName;
   KeyList m_keyList;
+  bool m_isOpen;
 
  private:
+  [[noreturn]] void myNotOpen(char const* label) const;
+  // "<storeName>::<operation>".
+  std::string myLabel(char const* operation) const;
+
   char const* m_storeName;
+  char const* m_notOpen;
   std::list<Attribute> m_attributes;
   std::map<vUCString, Attribute> m_attributeMap;
 };

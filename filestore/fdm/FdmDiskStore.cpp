@@ -31,7 +31,7 @@ char const* velocityName(vString const& typeText) {
 FdmDiskStore::FdmDiskStore() : FdmDiskStore(vHandle<Project>()) {}
 
 FdmDiskStore::FdmDiskStore(vHandle<Project> const& project)
-    : SingleSetDiskStore(project, "FdmDiskStore"), m_isOpen(false), m_interpolate(false), m_interpolation(0),
+    : SingleSetDiskStore(project, "FdmDiskStore", kNotOpen), m_interpolate(false), m_interpolation(0),
       m_subClass("gridded_default") {}
 
 FdmDiskStore::~FdmDiskStore() { close(); }
@@ -132,15 +132,6 @@ void FdmDiskStore::close() {
   m_isOpen = false;
 }
 
-void FdmDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
-}
-
-vLCString FdmDiskStore::getName() const {
-  myCheckOpen("FdmDiskStore::getName");
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int FdmDiskStore::getNInstances() const {
   myCheckOpen("FdmDiskStore::getNInstances");
   return static_cast<unsigned int>(m_grid.getNumBins());
@@ -158,10 +149,6 @@ Attribute FdmDiskStore::getAttribute(vUCString const& name) const {
 void FdmDiskStore::myRefuseAttributeSet(vLCString const& name) const {
   Message::fatal("FdmDiskStore::openAttributeSet", 0, "Invalid attribute set name '%s', only blank or '%s' acceptable!",
                  name.c_str(), getName().c_str());
-}
-
-void FdmDiskStore::addAttribute(Attribute const&) {
-  Message::fatal("FdmDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
 }
 
 // --- reading ------------------------------------------------------------------------------

@@ -42,13 +42,10 @@ class FdmDiskStore : public SingleSetDiskStore {
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   Attribute getAttribute(vUCString const& name) const override;
   vLCString getClass() const override { return vLCString("velocity"); }
   vLCString getSubClass() const override { return m_subClass; }
-  void addAttribute(Attribute const& attribute) override;
 
   using DiskStore::read;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
@@ -64,13 +61,11 @@ class FdmDiskStore : public SingleSetDiskStore {
   void myRefuseAttributeSet(vLCString const& name) const override;
 
  private:
-  void myCheckOpen(char const* label) const;
   void myBuildLimits();
   void myBuildAttributes();
   // The values of one instance into a row of the attribute.
   void myReadInstance(Attribute& attribute, unsigned int row, unsigned int instance) const;
 
-  bool m_isOpen;
   bool m_interpolate;
   int m_interpolation;
   vString m_typeText;

@@ -85,8 +85,9 @@ std::ostream& operator<<(std::ostream& out, NyxDiskStore::Record const& r) {
 NyxDiskStore::NyxDiskStore() : NyxDiskStore(vHandle<Project>()) {}
 
 NyxDiskStore::NyxDiskStore(vHandle<Project> const& project)
-    : SingleSetDiskStore(project, "NyxDiskStore"), m_isOpen(false), m_creating(false), m_swapped(false), m_subClass("nyxdisk"),
-      m_datFd(-1), m_tapeNext(1), m_tapeEnded(false), m_cacheFirst(0), m_cacheLast(0), m_nCreated(0) {}
+    : SingleSetDiskStore(project, "NyxDiskStore", kNotOpen), m_creating(false), m_swapped(false),
+      m_subClass("nyxdisk"), m_datFd(-1), m_tapeNext(1), m_tapeEnded(false), m_cacheFirst(0), m_cacheLast(0),
+      m_nCreated(0) {}
 
 NyxDiskStore::~NyxDiskStore() {
   try {
@@ -322,10 +323,6 @@ void NyxDiskStore::close() {
   m_nCreated = 0;
   getIndexingTable().clearCache();
   m_isOpen = false;
-}
-
-void NyxDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
 }
 
 // --- what the store holds ------------------------------------------------------------------

@@ -77,7 +77,6 @@ class NyxDiskStore : public SingleSetDiskStore {
   virtual void create(vFilename const& file);
   virtual void create(StoreDescription const& description);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
   bool isCreating() const { return m_creating; }
   bool hasIndexFile() const;
   static bool hasIndexFile(vFilename const& file);
@@ -108,7 +107,6 @@ class NyxDiskStore : public SingleSetDiskStore {
   static bool isTapeName(vString const& name, std::list<vString>* tapes = nullptr);
 
  private:
-  void myCheckOpen(char const* label) const;
   void myOpenTapes(std::list<vString> const& tapes);
   void myOpenDat();
   void myOpenCst();
@@ -133,7 +131,6 @@ class NyxDiskStore : public SingleSetDiskStore {
   // words, so that every header starts on a word.
   std::size_t myStride() const { return (static_cast<std::size_t>(m_record.extRecordLengthB) + 3) & ~std::size_t(3); }
 
-  bool m_isOpen;
   bool m_creating;
   bool m_swapped;
   vString m_displayName;

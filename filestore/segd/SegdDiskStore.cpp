@@ -37,14 +37,13 @@ Attribute defined(char const* name, DataType fallback, int length, double sample
 SegdDiskStore::SegdDiskStore() : SegdDiskStore(vHandle<Project>()) {}
 
 SegdDiskStore::SegdDiskStore(vHandle<Project> const& project)
-    : SingleSetDiskStore(project, "SegdDiskStore"),
+    : SingleSetDiskStore(project, "SegdDiskStore", kNotOpen),
       m_nInstances(0),
       m_nSamples(0),
       m_traceLength(0),
       m_dataStart(0),
       m_fileSize(0),
-      m_gapAfterHeaders(false),
-      m_isOpen(false) {}
+      m_gapAfterHeaders(false) {}
 
 SegdDiskStore::~SegdDiskStore() {
   if (m_file.isOpen()) m_file.close();
@@ -200,30 +199,16 @@ void SegdDiskStore::close() {
 
 // --- what the store holds ----------------------------------------------------------------
 
-vLCString SegdDiskStore::getName() const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getName", 0, kNotOpen);
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int SegdDiskStore::getNInstances() const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getNInstances", 0, kNotOpen);
+  myCheckOpen("SegdDiskStore::getNInstances");
   return m_nInstances;
 }
 
 long long SegdDiskStore::getLength() const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getLength", 0, kNotOpen);
+  myCheckOpen("SegdDiskStore::getLength");
   return m_fileSize;
-}
-
-Attribute SegdDiskStore::getAttribute(vUCString const& name) const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getAttribute", 0, kNotOpen);
-  return myDefinition("SegdDiskStore::getAttribute", name);
 }
 
 vLCString SegdDiskStore::getClass() const { return vLCString("seismic"); }
 
 vLCString SegdDiskStore::getSubClass() const { return vLCString("segddisk"); }
-
-void SegdDiskStore::addAttribute(Attribute const&) {
-  Message::fatal("SegdDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
-}

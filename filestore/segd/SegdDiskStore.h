@@ -75,16 +75,11 @@ class SegdDiskStore : public SingleSetDiskStore {
   // The tape names of a name of the tape forms; empty for any other name.
   static std::list<vString> tapeNames(vString const& name);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
-  // The root of the file name.
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   // The file's size in bytes.
   virtual long long getLength() const;
-  Attribute getAttribute(vUCString const& name) const override;
   vLCString getClass() const override;
   vLCString getSubClass() const override;
-  void addAttribute(Attribute const& attribute) override;
 
   using DiskStore::read;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
@@ -124,7 +119,6 @@ class SegdDiskStore : public SingleSetDiskStore {
   std::vector<unsigned char> m_tapeData;
   vHandle<SegdGeneralHeader> m_generalHeader;
   vHandle<RecordBuffer> m_recordBuffer;
-  bool m_isOpen;
 };
 
 #endif

@@ -29,12 +29,11 @@ bool hasExtension(vFilename const& file, char const* extension) {
 SegyDiskStore::SegyDiskStore() : SegyDiskStore(vHandle<Project>()) {}
 
 SegyDiskStore::SegyDiskStore(vHandle<Project> const& project)
-    : SingleSetDiskStore(project, "SegyDiskStore"),
+    : SingleSetDiskStore(project, "SegyDiskStore", kNotOpen),
       m_nInstances(0),
       m_nSamples(0),
       m_traceLength(0),
-      m_fileSize(0),
-      m_isOpen(false) {}
+      m_fileSize(0) {}
 
 SegyDiskStore::~SegyDiskStore() {
   if (m_file.isOpen()) m_file.close();
@@ -198,24 +197,14 @@ void SegyDiskStore::close() {
 
 // --- what the store holds ----------------------------------------------------------------
 
-vLCString SegyDiskStore::getName() const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getName", 0, kNotOpen);
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int SegyDiskStore::getNInstances() const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getNInstances", 0, kNotOpen);
+  myCheckOpen("SegyDiskStore::getNInstances");
   return m_nInstances;
 }
 
 long long SegyDiskStore::getLength() const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getLength", 0, kNotOpen);
+  myCheckOpen("SegyDiskStore::getLength");
   return m_fileSize;
-}
-
-Attribute SegyDiskStore::getAttribute(vUCString const& name) const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getAttribute", 0, kNotOpen);
-  return myDefinition("SegyDiskStore::getAttribute", name);
 }
 
 vLCString SegyDiskStore::getClass() const {
@@ -227,9 +216,4 @@ vLCString SegyDiskStore::getSubClass() const {
   if (!m_format.isEmpty() && !m_format->getStoreSubClass().isBlank())
     return vLCString(m_format->getStoreSubClass());
   return vLCString("segydisk");
-}
-
-void SegyDiskStore::addAttribute(Attribute const&) {
-  // Refused in the words of every other write of this read-only store.
-  Message::fatal("SegyDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
 }

@@ -45,16 +45,11 @@ class SegyDiskStore : public SingleSetDiskStore {
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
-  // The root of the file name.
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   // The file's size in bytes.
   virtual long long getLength() const;
-  Attribute getAttribute(vUCString const& name) const override;
   vLCString getClass() const override;
   vLCString getSubClass() const override;
-  void addAttribute(Attribute const& attribute) override;
 
   using DiskStore::read;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
@@ -94,7 +89,6 @@ class SegyDiskStore : public SingleSetDiskStore {
   long long m_fileSize;
   vHandle<SegyBinaryHeader> m_binaryHeader;
   vHandle<RecordBuffer> m_recordBuffer;
-  bool m_isOpen;
   vHandle<SegyFormatBase> m_format;
   vFilename m_formatFileName;
   vString m_textHeader;

@@ -58,7 +58,10 @@ bool isGeometry(vUCString const& name) {
 ShapefileDiskStore::ShapefileDiskStore() : ShapefileDiskStore(vHandle<Project>()) {}
 
 ShapefileDiskStore::ShapefileDiskStore(vHandle<Project> const& project)
-    : SingleSetDiskStore(project, "ShapefileDiskStore"), m_isOpen(false), m_created(false), m_shapeType(0), m_nInstances(0) {}
+    : SingleSetDiskStore(project, "ShapefileDiskStore", kNotOpen),
+      m_created(false),
+      m_shapeType(0),
+      m_nInstances(0) {}
 
 ShapefileDiskStore::~ShapefileDiskStore() {
   if (!m_isOpen) return;
@@ -231,15 +234,6 @@ void ShapefileDiskStore::myAddDBFAttributes(ShapefileReader const& reader) {
 
 // --- what the store holds ---------------------------------------------------------------
 
-void ShapefileDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
-}
-
-vLCString ShapefileDiskStore::getName() const {
-  myCheckOpen("ShapefileDiskStore::getName");
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int ShapefileDiskStore::getNInstances() const {
   myCheckOpen("ShapefileDiskStore::getNInstances");
   return m_nInstances;
@@ -250,11 +244,6 @@ Attribute const& ShapefileDiskStore::myColumn(char const* label, vUCString const
   if (found == m_columns.end())
     Message::fatal(label, 0, "Attribute %s does not exist in file %s.", name.c_str(), m_fileName.getRoot().c_str());
   return found->second;
-}
-
-Attribute ShapefileDiskStore::getAttribute(vUCString const& name) const {
-  myCheckOpen("ShapefileDiskStore::getAttribute");
-  return myDefinition("ShapefileDiskStore::getAttribute", name);
 }
 
 void ShapefileDiskStore::openAttributeSet(vLCString const& name) {

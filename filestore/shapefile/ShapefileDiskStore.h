@@ -48,11 +48,8 @@ class ShapefileDiskStore : public SingleSetDiskStore {
   virtual void create(StoreDescription const& description, vLCString const& subClass);
   virtual void create(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
 
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
-  Attribute getAttribute(vUCString const& name) const override;
   // Checks that the store is open first.
   void openAttributeSet(vLCString const& name) override;
   vLCString getClass() const override { return m_class; }
@@ -75,7 +72,6 @@ class ShapefileDiskStore : public SingleSetDiskStore {
   void myRefuseAttributeSet(vLCString const& name) const override;
 
  private:
-  void myCheckOpen(char const* label) const;
   void myCheckWritable(char const* label) const;
   void myAddAttribute(Attribute const& definition);
   void myAddGeometryAttributes();
@@ -90,7 +86,6 @@ class ShapefileDiskStore : public SingleSetDiskStore {
   // The buffered values of an attribute, or null.
   Attribute const* myBuffered(char const* name) const;
 
-  bool m_isOpen;
   bool m_created;
   vLCString m_class;
   vLCString m_subClass;
