@@ -10,7 +10,6 @@
 #include "filestore/ascii/AsciiText.h"
 #include "foundation/Message.h"
 #include "foundation/vString.h"
-#include "project/AttributeMatch.h"
 #include "project/Project.h"
 #include "syslayer/FS.h"
 
@@ -45,7 +44,7 @@ std::string valueText(Attribute const& a, unsigned int instance, int position) {
 AsciiDiskStore::AsciiDiskStore() : AsciiDiskStore(vHandle<Project>()) {}
 
 AsciiDiskStore::AsciiDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_nInstances(0), m_isOpen(false), m_isWriting(false), m_set(1) {}
+    : SingleSetDiskStore(project, "AsciiDiskStore", kNotOpen), m_nInstances(0), m_isWriting(false), m_set(1) {}
 
 AsciiDiskStore::~AsciiDiskStore() {
   if (!m_isOpen) return;
@@ -97,7 +96,7 @@ bool AsciiDiskStore::open(vFilename const& file) {
   }
   m_collator.reset(new AsciiCollator(m_text.c_str(), static_cast<long long>(m_text.size()), *m_format));
   m_reader.reset(new AsciiDataReader(*m_collator, *m_format));
-  m_attributes = m_format->getAttributeList();
+  mySetAttributes(m_format->getAttributeList());
   m_keyList = KeyList();
   for (vUCString const& name : m_format->getKeyNames()) m_keyList.addKey(AttributeDefinition::getDefinition(name));
   m_isWriting = false;
@@ -220,7 +219,7 @@ void AsciiDiskStore::create(StoreDescription const& description) {
   vString const spec = description.getFormatSpec();
   m_format.reset(spec.isBlank() ? new AsciiFormat : new AsciiFormat(vFilename(spec)));
   m_fileName = description.getFlatFileName();
-  m_attributes = m_format->getAttributeList();
+  mySetAttributes(m_format->getAttributeList());
   m_nInstances = 0;
   m_buffered.clear();
   clearProperties();
@@ -241,7 +240,7 @@ void AsciiDiskStore::close() {
   m_collator.reset();
   m_format.reset();
   m_text.clear();
-  m_attributes.clear();
+  myClearAttributes();
   m_buffered.clear();
   m_nInstances = 0;
   m_set = 1;
@@ -250,15 +249,6 @@ void AsciiDiskStore::close() {
 
 // --- what the store holds ---------------------------------------------------------------
 
-void AsciiDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
-}
-
-vLCString AsciiDiskStore::getName() const {
-  myCheckOpen("AsciiDiskStore::getName");
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int AsciiDiskStore::getNInstances() const {
   myCheckOpen("AsciiDiskStore::getNInstances");
   return m_nInstances;
@@ -266,28 +256,10 @@ unsigned int AsciiDiskStore::getNInstances() const {
 
 Attribute AsciiDiskStore::getAttribute(vUCString const& name) const {
   myCheckOpen("AsciiDiskStore::getAttribute");
-  for (Attribute const& a : m_attributes)
+  for (Attribute const& a : myAttributes())
     if (a.getName() == name) return a;
   Message::fatal("AsciiDiskStore::getAttribute", 0, "Attribute %s does not exist in file %s.", name.c_str(),
                  m_fileName.getRoot().c_str());
-}
-
-bool AsciiDiskStore::hasAttribute(vUCString const& name) const {
-  for (Attribute const& a : m_attributes)
-    if (a.getName() == name) return true;
-  return false;
-}
-
-std::list<Attribute> AsciiDiskStore::getAttributeList() const { return m_attributes; }
-
-void AsciiDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
-
-std::list<Attribute> AsciiDiskStore::getAttributeList(vUCString const& text,
-                                                      AttributeMatch::AttributeMatchType match) const {
-  std::list<Attribute> list;
-  for (Attribute const& a : m_attributes)
-    if (AttributeMatch::matches(a, text, match)) list.push_back(a);
-  return list;
 }
 
 vHandle<Store::AttributeSetList> AsciiDiskStore::getAttributeSetList() const {
@@ -387,7 +359,7 @@ void AsciiDiskStore::addAttribute(Attribute const& attribute) {
   if (!m_format->getFilename().getFilename().isBlank())
     Message::fatal("AsciiDiskStore::addAttribute", 0, "Attribute %s is not defined in the file format.",
                    attribute.getName().c_str());
-  m_attributes.push_back(Attribute(attribute));
+  myAddDefinition(attribute);
 }
 
 void AsciiDiskStore::addInstances(unsigned int count) {
@@ -428,7 +400,7 @@ std::string AsciiDiskStore::myRecordLine(unsigned int instance) const {
   std::vector<AsciiFormat::Range> const& columns = m_format->getColumnsList();
   std::string line;
   std::size_t k = 0;
-  for (Attribute const& definition : m_attributes) {
+  for (Attribute const& definition : myAttributes()) {
     auto const found = m_buffered.find(definition.getName());
     std::vector<std::string> values;
     if (found == m_buffered.end()) {
@@ -479,8 +451,8 @@ std::string AsciiDiskStore::myHorizonHeader() const {
   out += "DOMAIN " + text("DOMAIN", "time") + "\n";
   out += "NUMSURFACES 1         \n";
   out += "SURFACE " + text("HORIZONNAME", m_fileName.getRoot().c_str()) + "\n";
-  out += "NUMATTR " + std::to_string(m_attributes.size()) + "\n";
-  for (Attribute const& a : m_attributes) out += std::string("ATTRIBUTE ") + a.getName().c_str() + "\n";
+  out += "NUMATTR " + std::to_string(myAttributes().size()) + "\n";
+  for (Attribute const& a : myAttributes()) out += std::string("ATTRIBUTE ") + a.getName().c_str() + "\n";
   return out;
 }
 
@@ -495,7 +467,7 @@ void AsciiDiskStore::myDoBufferedWrites() {
   int const headerLines = std::max(m_format->getLastHeaderLine(), m_format->hasFixedColumns() ? 0 : 1);
   for (int line = 1; line <= headerLines; ++line) {
     if (line == 1)
-      for (Attribute const& a : m_attributes) text += std::string(text.empty() ? "" : " ") + a.getName().c_str();
+      for (Attribute const& a : myAttributes()) text += std::string(text.empty() ? "" : " ") + a.getName().c_str();
     text += "\n";
   }
   for (unsigned int i = 1; i <= m_nInstances; ++i) text += myRecordLine(i) + "\n";

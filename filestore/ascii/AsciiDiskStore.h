@@ -27,11 +27,11 @@
 #include "filestore/ascii/AsciiCollator.h"
 #include "filestore/ascii/AsciiDataReader.h"
 #include "filestore/ascii/AsciiFormat.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "foundation/vFilename.h"
 #include "project/StoreDescription.h"
 
-class AsciiDiskStore : public DiskStore {
+class AsciiDiskStore : public SingleSetDiskStore {
  public:
   AsciiDiskStore();
   explicit AsciiDiskStore(vHandle<Project> const& project);
@@ -47,27 +47,18 @@ class AsciiDiskStore : public DiskStore {
   virtual void create(StoreDescription const& description);
   virtual void create(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
 
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   Attribute getAttribute(vUCString const& name) const override;
-  bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
+  // The record sets of the file, each named by its title, or by the
+  // store's name when it has none; a new file has the one set.
   vHandle<AttributeSetList> getAttributeSetList() const override;
   void getAttributeSetList(AttributeSetList& names) const override;
   vLCString getAttributeSetName() const override;
   void openAttributeSet(vLCString const& name) override;
   void createAttributeSet(vLCString const& name, KeyList const& keys) override;
-  KeyList getKeyList() const override { return m_keyList; }
-  unsigned int getNAttributes() const override { return static_cast<unsigned int>(m_attributes.size()); }
   vLCString getClass() const override;
   vLCString getSubClass() const override;
-  // Files have one version.
-  int getVersion() const override { return 1; }
   AsciiFormat const& getFormat() const { return *m_format; }
 
   using DiskStore::read;
@@ -83,7 +74,6 @@ class AsciiDiskStore : public DiskStore {
   void write(Attribute const& attribute, KeyList const& keys) override;
 
  private:
-  void myCheckOpen(char const* label) const;
   void myCheckWritable(char const* label) const;
   void myConstructPropertyList();
   void myReadHorizonHeader(std::string& horizonName);
@@ -93,17 +83,13 @@ class AsciiDiskStore : public DiskStore {
   std::string myRecordLine(unsigned int instance) const;
   std::string myHorizonHeader() const;
 
-  vFilename m_fileName;
   std::string m_text;
   std::unique_ptr<AsciiFormat> m_format;
   std::unique_ptr<AsciiCollator> m_collator;
   mutable std::unique_ptr<AsciiDataReader> m_reader;
   unsigned int m_nInstances;
-  bool m_isOpen;
   bool m_isWriting;
   int m_set;
-  KeyList m_keyList;
-  std::list<Attribute> m_attributes;
   std::map<vUCString, Attribute> m_buffered;
 };
 

@@ -7,7 +7,6 @@
 #include "foundation/Message.h"
 #include "foundation/vUtl.h"
 #include "geometry/CMPGrid.h"
-#include "project/AttributeMatch.h"
 #include "project/Project.h"
 
 namespace {
@@ -32,7 +31,7 @@ char const* velocityName(vString const& typeText) {
 FdmDiskStore::FdmDiskStore() : FdmDiskStore(vHandle<Project>()) {}
 
 FdmDiskStore::FdmDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_isOpen(false), m_interpolate(false), m_interpolation(0),
+    : SingleSetDiskStore(project, "FdmDiskStore", kNotOpen), m_interpolate(false), m_interpolation(0),
       m_subClass("gridded_default") {}
 
 FdmDiskStore::~FdmDiskStore() { close(); }
@@ -114,37 +113,23 @@ void FdmDiskStore::myBuildLimits() {
 void FdmDiskStore::myBuildAttributes() {
   FdmBinaryHeader const& h = m_reader.getHeader();
   m_velocityName = vUCString(velocityName(m_typeText));
-  m_attributes.clear();
-  m_attributeMap.clear();
+  myClearAttributes();
   m_keyList = KeyList();
   Attribute const crossline("CROSSLINE", "CROSSLINE", vINT32);
   Attribute const inlineKey("INLINE", "INLINE", vINT32);
   Attribute const velocity(m_velocityName, "VELTRACE", vFLOAT32, h.getNZ(), h.getSpatialZIncrement(),
                            h.getSpatialZOrigin());
-  for (Attribute const& a : {crossline, inlineKey, velocity}) {
-    m_attributes.push_back(a);
-    m_attributeMap.emplace(a.getName(), a);
-  }
+  for (Attribute const& a : {crossline, inlineKey, velocity}) myAddDefinition(a);
   m_keyList.addKey(crossline);
   m_keyList.addKey(inlineKey);
 }
 
 void FdmDiskStore::close() {
   m_reader.close();
-  m_attributes.clear();
-  m_attributeMap.clear();
+  myClearAttributes();
   m_keyList = KeyList();
   getIndexingTable().clearCache();
   m_isOpen = false;
-}
-
-void FdmDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
-}
-
-vLCString FdmDiskStore::getName() const {
-  myCheckOpen("FdmDiskStore::getName");
-  return vLCString(m_fileName.getRoot());
 }
 
 unsigned int FdmDiskStore::getNInstances() const {
@@ -154,52 +139,16 @@ unsigned int FdmDiskStore::getNInstances() const {
 
 Attribute FdmDiskStore::getAttribute(vUCString const& name) const {
   myCheckOpen("FdmDiskStore::getAttribute");
-  auto const found = m_attributeMap.find(name);
-  if (found == m_attributeMap.end())
+  Attribute const* const definition = myFindDefinition(name);
+  if (definition == nullptr)
     Message::fatal("FdmDiskStore::getAttribute", 0, "Reading of attribute name <%s> is not supported by FdmDiskStore",
                    name.c_str());
-  return found->second;
+  return *definition;
 }
 
-bool FdmDiskStore::hasAttribute(vUCString const& name) const { return m_attributeMap.count(name) > 0; }
-
-std::list<Attribute> FdmDiskStore::getAttributeList() const { return m_attributes; }
-
-void FdmDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
-
-std::list<Attribute> FdmDiskStore::getAttributeList(vUCString const& text,
-                                                    AttributeMatch::AttributeMatchType match) const {
-  std::list<Attribute> list;
-  for (Attribute const& attribute : m_attributes)
-    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
-  return list;
-}
-
-vHandle<Store::AttributeSetList> FdmDiskStore::getAttributeSetList() const {
-  vHandle<AttributeSetList> names(new AttributeSetList);
-  getAttributeSetList(*names);
-  return names;
-}
-
-void FdmDiskStore::getAttributeSetList(AttributeSetList& names) const {
-  names.clear();
-  names.push_back(getName());
-}
-
-vLCString FdmDiskStore::getAttributeSetName() const { return getName(); }
-
-void FdmDiskStore::openAttributeSet(vLCString const& name) {
-  if (name.isBlank() || name == getName()) return;
+void FdmDiskStore::myRefuseAttributeSet(vLCString const& name) const {
   Message::fatal("FdmDiskStore::openAttributeSet", 0, "Invalid attribute set name '%s', only blank or '%s' acceptable!",
                  name.c_str(), getName().c_str());
-}
-
-KeyList FdmDiskStore::getKeyList() const { return m_keyList; }
-
-unsigned int FdmDiskStore::getNAttributes() const { return static_cast<unsigned int>(m_attributes.size()); }
-
-void FdmDiskStore::addAttribute(Attribute const&) {
-  Message::fatal("FdmDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
 }
 
 // --- reading ------------------------------------------------------------------------------
@@ -226,11 +175,11 @@ void FdmDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& i
     if (i < 1 || i > n)
       Message::fatal(label, 0, "Instance %lld is beyond end of Store, which has %lld instances.",
                      static_cast<long long>(i), n);
-  auto const found = m_attributeMap.find(attribute.getName());
-  if (found == m_attributeMap.end())
+  Attribute const* const found = myFindDefinition(attribute.getName());
+  if (found == nullptr)
     Message::fatal(label, 0, "Reading of attribute name <%s> is not supported by FdmDiskStore",
                    attribute.getName().c_str());
-  Attribute const& definition = found->second;
+  Attribute const& definition = *found;
   DataType const wanted = attribute.getDataType();
   Attribute values(definition);
   values.resize(static_cast<unsigned int>(instances.size()));

@@ -21,17 +21,16 @@
 // radians). Class "velocity".
 
 #include <list>
-#include <map>
 #include <vector>
 
 #include "attribute/KeyList.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "filestore/fdm/FdmDiskReader.h"
 #include "foundation/vFilename.h"
 #include "geometry/CMPBasicGrid.h"
 #include "project/StoreDescription.h"
 
-class FdmDiskStore : public DiskStore {
+class FdmDiskStore : public SingleSetDiskStore {
  public:
   FdmDiskStore();
   explicit FdmDiskStore(vHandle<Project> const& project);
@@ -43,25 +42,10 @@ class FdmDiskStore : public DiskStore {
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   Attribute getAttribute(vUCString const& name) const override;
-  bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
-  vHandle<AttributeSetList> getAttributeSetList() const override;
-  void getAttributeSetList(AttributeSetList& names) const override;
-  vLCString getAttributeSetName() const override;
-  void openAttributeSet(vLCString const& name) override;
-  KeyList getKeyList() const override;
-  unsigned int getNAttributes() const override;
-  int getVersion() const override { return 1; }
   vLCString getClass() const override { return vLCString("velocity"); }
   vLCString getSubClass() const override { return m_subClass; }
-  void addAttribute(Attribute const& attribute) override;
 
   using DiskStore::read;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
@@ -73,25 +57,22 @@ class FdmDiskStore : public DiskStore {
   CMPBasicGrid const& getGrid() const { return m_grid; }
   FdmDiskReader& getReader() const { return m_reader; }
 
+ protected:
+  void myRefuseAttributeSet(vLCString const& name) const override;
+
  private:
-  void myCheckOpen(char const* label) const;
   void myBuildLimits();
   void myBuildAttributes();
   // The values of one instance into a row of the attribute.
   void myReadInstance(Attribute& attribute, unsigned int row, unsigned int instance) const;
 
-  bool m_isOpen;
   bool m_interpolate;
   int m_interpolation;
   vString m_typeText;
   vLCString m_subClass;
-  vFilename m_fileName;
   mutable FdmDiskReader m_reader;
   CMPBasicGrid m_grid;
-  std::list<Attribute> m_attributes;
-  std::map<vUCString, Attribute> m_attributeMap;
   vUCString m_velocityName;
-  KeyList m_keyList;
 };
 
 #endif

@@ -11,7 +11,6 @@
 #include "filestore/nyx/NyxFS.h"
 #include "foundation/Message.h"
 #include "foundation/SystemPropertyManager.h"
-#include "project/AttributeMatch.h"
 #include "project/Project.h"
 #include "syslayer/TapeSetReader.h"
 
@@ -86,8 +85,9 @@ std::ostream& operator<<(std::ostream& out, NyxDiskStore::Record const& r) {
 NyxDiskStore::NyxDiskStore() : NyxDiskStore(vHandle<Project>()) {}
 
 NyxDiskStore::NyxDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_isOpen(false), m_creating(false), m_swapped(false), m_subClass("nyxdisk"),
-      m_datFd(-1), m_tapeNext(1), m_tapeEnded(false), m_cacheFirst(0), m_cacheLast(0), m_nCreated(0) {}
+    : SingleSetDiskStore(project, "NyxDiskStore", kNotOpen), m_creating(false), m_swapped(false),
+      m_subClass("nyxdisk"), m_datFd(-1), m_tapeNext(1), m_tapeEnded(false), m_cacheFirst(0), m_cacheLast(0),
+      m_nCreated(0) {}
 
 NyxDiskStore::~NyxDiskStore() {
   try {
@@ -317,17 +317,12 @@ void NyxDiskStore::close() {
   m_index.clear();
   m_cache.clear();
   m_cacheFirst = m_cacheLast = 0;
-  m_attributes.clear();
-  m_attributeMap.clear();
+  myClearAttributes();
   m_added.clear();
   m_records.clear();
   m_nCreated = 0;
   getIndexingTable().clearCache();
   m_isOpen = false;
-}
-
-void NyxDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
 }
 
 // --- what the store holds ------------------------------------------------------------------
@@ -347,17 +342,15 @@ Named const kNamed[] = {{"CMP", NyxTrace::CMP, vINT32},           {"SHOT.UNIQUE.
 }  // namespace
 
 void NyxDiskStore::myBuildAttributes() {
-  m_attributes.clear();
-  m_attributeMap.clear();
-  for (Named const& n : kNamed) m_attributes.push_back(Attribute(n.name, n.name, n.type));
-  m_attributes.push_back(Attribute("TRACE", "TRACE", vFLOAT32, m_record.nSamplesPerTrace, m_record.sampleRate));
-  for (Attribute const& a : m_attributes) m_attributeMap.emplace(a.getName(), a);
+  myClearAttributes();
+  for (Named const& n : kNamed) myAddDefinition(Attribute(n.name, n.name, n.type));
+  myAddDefinition(Attribute("TRACE", "TRACE", vFLOAT32, m_record.nSamplesPerTrace, m_record.sampleRate));
 }
 
 bool NyxDiskStore::myDefinition(vUCString const& name, Attribute& definition, int& word) const {
-  auto const found = m_attributeMap.find(name);
-  if (found != m_attributeMap.end()) {
-    definition = found->second;
+  Attribute const* const found = myFindDefinition(name);
+  if (found != nullptr) {
+    definition = *found;
     word = -1;
     for (Named const& n : kNamed)
       if (name == vUCString(n.name)) word = n.word;
@@ -396,37 +389,8 @@ Attribute NyxDiskStore::getAttribute(vUCString const& name) const {
 }
 
 bool NyxDiskStore::hasAttribute(vUCString const& name) const {
-  if (m_attributeMap.count(name)) return true;
+  if (SingleSetDiskStore::hasAttribute(name)) return true;
   std::string const text = name.c_str();
   return text.size() == 6 && text.compare(0, 4, "WORD") == 0 && std::isdigit(static_cast<unsigned char>(text[4])) &&
          std::isdigit(static_cast<unsigned char>(text[5])) && std::atoi(text.c_str() + 4) < NyxTrace::HEADER_WORDS;
-}
-
-std::list<Attribute> NyxDiskStore::getAttributeList() const { return m_attributes; }
-
-void NyxDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
-
-std::list<Attribute> NyxDiskStore::getAttributeList(vUCString const& text,
-                                                    AttributeMatch::AttributeMatchType match) const {
-  std::list<Attribute> list;
-  for (Attribute const& attribute : m_attributes)
-    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
-  return list;
-}
-
-vHandle<Store::AttributeSetList> NyxDiskStore::getAttributeSetList() const {
-  vHandle<AttributeSetList> names(new AttributeSetList);
-  getAttributeSetList(*names);
-  return names;
-}
-
-void NyxDiskStore::getAttributeSetList(AttributeSetList& names) const {
-  names.clear();
-  names.push_back(getName());
-}
-
-void NyxDiskStore::openAttributeSet(vLCString const& name) {
-  if (name.isBlank() || name == getName()) return;
-  Message::fatal("NyxDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
-                 m_fileName.c_str(), name.c_str());
 }

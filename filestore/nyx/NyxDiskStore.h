@@ -26,13 +26,12 @@
 // it is opened.
 
 #include <list>
-#include <map>
 #include <memory>
 #include <ostream>
 #include <vector>
 
 #include "attribute/KeyList.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "filestore/nyx/NyxDatLayout.h"
 #include "foundation/vFilename.h"
 #include "project/StoreDescription.h"
@@ -40,7 +39,7 @@
 
 class TapeSetReader;
 
-class NyxDiskStore : public DiskStore {
+class NyxDiskStore : public SingleSetDiskStore {
  public:
   enum FileFormat { CST = 1, DAT = 2, TAPES = 3 };
 
@@ -78,7 +77,6 @@ class NyxDiskStore : public DiskStore {
   virtual void create(vFilename const& file);
   virtual void create(StoreDescription const& description);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
   bool isCreating() const { return m_creating; }
   bool hasIndexFile() const;
   static bool hasIndexFile(vFilename const& file);
@@ -93,18 +91,8 @@ class NyxDiskStore : public DiskStore {
   vLCString getName() const override;
   unsigned int getNInstances() const override;
   Attribute getAttribute(vUCString const& name) const override;
+  // Also the header words "WORDnn" beside the named attributes.
   bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
-  vHandle<AttributeSetList> getAttributeSetList() const override;
-  void getAttributeSetList(AttributeSetList& names) const override;
-  vLCString getAttributeSetName() const override { return getName(); }
-  void openAttributeSet(vLCString const& name) override;
-  KeyList getKeyList() const override { return KeyList(); }
-  unsigned int getNAttributes() const override { return static_cast<unsigned int>(m_attributes.size()); }
-  int getVersion() const override { return 1; }
   vLCString getClass() const override { return vLCString("seismic"); }
   vLCString getSubClass() const override { return m_subClass; }
   void addAttribute(Attribute const& attribute) override;
@@ -119,7 +107,6 @@ class NyxDiskStore : public DiskStore {
   static bool isTapeName(vString const& name, std::list<vString>* tapes = nullptr);
 
  private:
-  void myCheckOpen(char const* label) const;
   void myOpenTapes(std::list<vString> const& tapes);
   void myOpenDat();
   void myOpenCst();
@@ -144,10 +131,8 @@ class NyxDiskStore : public DiskStore {
   // words, so that every header starts on a word.
   std::size_t myStride() const { return (static_cast<std::size_t>(m_record.extRecordLengthB) + 3) & ~std::size_t(3); }
 
-  bool m_isOpen;
   bool m_creating;
   bool m_swapped;
-  vFilename m_fileName;
   vString m_displayName;
   vLCString m_subClass;
   Record m_record;
@@ -165,8 +150,6 @@ class NyxDiskStore : public DiskStore {
   mutable unsigned int m_cacheLast;
   mutable std::vector<unsigned char> m_cache;
   mutable std::vector<unsigned char> m_tapeFirst;
-  std::list<Attribute> m_attributes;
-  std::map<vUCString, Attribute> m_attributeMap;
   // Creating: the attributes given, the trace's, and the records.
   std::list<Attribute> m_added;
   std::vector<unsigned char> m_records;

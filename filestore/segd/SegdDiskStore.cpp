@@ -8,7 +8,6 @@
 #include "attribute/AttributeDefinition.h"
 #include "filestore/segd/SegdKernels.h"
 #include "foundation/Message.h"
-#include "project/AttributeMatch.h"
 #include "project/Project.h"
 #include "syslayer/TapeSetReader.h"
 
@@ -38,14 +37,13 @@ Attribute defined(char const* name, DataType fallback, int length, double sample
 SegdDiskStore::SegdDiskStore() : SegdDiskStore(vHandle<Project>()) {}
 
 SegdDiskStore::SegdDiskStore(vHandle<Project> const& project)
-    : DiskStore(project),
+    : SingleSetDiskStore(project, "SegdDiskStore", kNotOpen),
       m_nInstances(0),
       m_nSamples(0),
       m_traceLength(0),
       m_dataStart(0),
       m_fileSize(0),
-      m_gapAfterHeaders(false),
-      m_isOpen(false) {}
+      m_gapAfterHeaders(false) {}
 
 SegdDiskStore::~SegdDiskStore() {
   if (m_file.isOpen()) m_file.close();
@@ -138,22 +136,20 @@ void SegdDiskStore::mySetUp(unsigned char const* block, long long got) {
   m_nInstances = myGetNInstances();
   m_recordBuffer = vHandle<RecordBuffer>(new RecordBuffer(m_traceLength));
   m_keyList = KeyList();
-  m_keyList.addKey(m_attributeMap.at(vUCString("FFID")));
-  m_keyList.addKey(m_attributeMap.at(vUCString("CHANNEL")));
+  m_keyList.addKey(*myFindDefinition(vUCString("FFID")));
+  m_keyList.addKey(*myFindDefinition(vUCString("CHANNEL")));
   getIndexingTable().clearCache();
   m_isOpen = true;
 }
 
 void SegdDiskStore::myBuildAttributes() {
-  m_attributes.clear();
-  m_attributes.push_back(defined("TRACE", vFLOAT32, m_nSamples, m_generalHeader->getSampleRate()));
-  m_attributes.push_back(defined("FFID", vINT32, 1));
-  m_attributes.push_back(Attribute("CHANNELSET", "CHANNELSET", vINT32));
-  m_attributes.push_back(Attribute("TRACENUMBER", "TRACENUMBER", vINT32));
-  m_attributes.push_back(defined("CHANNEL", vINT32, 1));
-  m_attributes.push_back(Attribute("SEQUENCE", "SEQUENCE", vINT32));
-  m_attributeMap.clear();
-  for (Attribute const& attribute : m_attributes) m_attributeMap[attribute.getName()] = attribute;
+  myClearAttributes();
+  myAddDefinition(defined("TRACE", vFLOAT32, m_nSamples, m_generalHeader->getSampleRate()));
+  myAddDefinition(defined("FFID", vINT32, 1));
+  myAddDefinition(Attribute("CHANNELSET", "CHANNELSET", vINT32));
+  myAddDefinition(Attribute("TRACENUMBER", "TRACENUMBER", vINT32));
+  myAddDefinition(defined("CHANNEL", vINT32, 1));
+  myAddDefinition(Attribute("SEQUENCE", "SEQUENCE", vINT32));
 }
 
 unsigned int SegdDiskStore::myGetNInstances() {
@@ -186,8 +182,7 @@ void SegdDiskStore::close() {
     m_file.close();
   }
   m_file = FS::iFile();
-  m_attributes.clear();
-  m_attributeMap.clear();
+  myClearAttributes();
   m_nInstances = 0;
   m_nSamples = 0;
   m_traceLength = 0;
@@ -204,76 +199,16 @@ void SegdDiskStore::close() {
 
 // --- what the store holds ----------------------------------------------------------------
 
-vLCString SegdDiskStore::getName() const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getName", 0, kNotOpen);
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int SegdDiskStore::getNInstances() const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getNInstances", 0, kNotOpen);
+  myCheckOpen("SegdDiskStore::getNInstances");
   return m_nInstances;
 }
 
 long long SegdDiskStore::getLength() const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getLength", 0, kNotOpen);
+  myCheckOpen("SegdDiskStore::getLength");
   return m_fileSize;
 }
-
-Attribute const& SegdDiskStore::myDefinition(char const* label, vUCString const& name) const {
-  auto const found = m_attributeMap.find(name);
-  if (found == m_attributeMap.end())
-    Message::fatal(label, 0, "Attribute %s does not exist in file %s.", name.c_str(), getName().c_str());
-  return found->second;
-}
-
-Attribute SegdDiskStore::getAttribute(vUCString const& name) const {
-  if (!m_isOpen) Message::fatal("SegdDiskStore::getAttribute", 0, kNotOpen);
-  return myDefinition("SegdDiskStore::getAttribute", name);
-}
-
-bool SegdDiskStore::hasAttribute(vUCString const& name) const { return m_attributeMap.count(name) > 0; }
-
-std::list<Attribute> SegdDiskStore::getAttributeList() const { return m_attributes; }
-
-void SegdDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
-
-std::list<Attribute> SegdDiskStore::getAttributeList(vUCString const& text,
-                                                     AttributeMatch::AttributeMatchType match) const {
-  std::list<Attribute> list;
-  for (Attribute const& attribute : m_attributes)
-    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
-  return list;
-}
-
-vHandle<Store::AttributeSetList> SegdDiskStore::getAttributeSetList() const {
-  vHandle<AttributeSetList> names(new AttributeSetList);
-  getAttributeSetList(*names);
-  return names;
-}
-
-void SegdDiskStore::getAttributeSetList(AttributeSetList& names) const {
-  names.clear();
-  names.push_back(getName());
-}
-
-vLCString SegdDiskStore::getAttributeSetName() const { return getName(); }
-
-void SegdDiskStore::openAttributeSet(vLCString const& name) {
-  if (name.isBlank() || name == getName()) return;
-  Message::fatal("SegdDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
-                 m_fileName.c_str(), name.c_str());
-}
-
-KeyList SegdDiskStore::getKeyList() const { return m_keyList; }
-
-unsigned int SegdDiskStore::getNAttributes() const { return static_cast<unsigned int>(m_attributes.size()); }
-
-int SegdDiskStore::getVersion() const { return 1; }
 
 vLCString SegdDiskStore::getClass() const { return vLCString("seismic"); }
 
 vLCString SegdDiskStore::getSubClass() const { return vLCString("segddisk"); }
-
-void SegdDiskStore::addAttribute(Attribute const&) {
-  Message::fatal("SegdDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
-}

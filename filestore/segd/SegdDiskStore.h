@@ -25,19 +25,18 @@
 // record then reads as a disk copy would, from memory.
 
 #include <list>
-#include <map>
 #include <vector>
 
 #include "attribute/KeyList.h"
 #include "attribute/RecordBuffer.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "filestore/segd/SegdGeneralHeader.h"
 #include "foundation/vFilename.h"
 #include "foundation/vHandle.h"
 #include "project/StoreDescription.h"
 #include "syslayer/FS.h"
 
-class SegdDiskStore : public DiskStore {
+class SegdDiskStore : public SingleSetDiskStore {
  public:
   // The 20-byte demultiplexed trace header of one trace. Byte offsets count
   // from 0; the numbers are binary-coded decimal unless said otherwise.
@@ -76,28 +75,11 @@ class SegdDiskStore : public DiskStore {
   // The tape names of a name of the tape forms; empty for any other name.
   static std::list<vString> tapeNames(vString const& name);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
-  // The root of the file name.
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   // The file's size in bytes.
   virtual long long getLength() const;
-  Attribute getAttribute(vUCString const& name) const override;
-  bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
-  vHandle<AttributeSetList> getAttributeSetList() const override;
-  void getAttributeSetList(AttributeSetList& names) const override;
-  vLCString getAttributeSetName() const override;
-  void openAttributeSet(vLCString const& name) override;
-  KeyList getKeyList() const override;
-  unsigned int getNAttributes() const override;
-  int getVersion() const override;
   vLCString getClass() const override;
   vLCString getSubClass() const override;
-  void addAttribute(Attribute const& attribute) override;
 
   using DiskStore::read;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
@@ -120,17 +102,13 @@ class SegdDiskStore : public DiskStore {
   void myAllocateBufferList(std::vector<unsigned int> const& instances) const;
   // One file read of the traces first to last into target.
   void myReadTraces(char const* label, void* target, unsigned int first, unsigned int last) const;
-  Attribute const& myDefinition(char const* label, vUCString const& name) const;
   // Cuts an attribute's values out of the buffer for the instances of a
   // range (list null) or list, and converts them.
   void myExtractData(Attribute& attribute, unsigned int first, unsigned int count,
                      std::vector<unsigned int> const* list) const;
 
  private:
-  vFilename m_fileName;
   mutable FS::iFile m_file;
-  std::list<Attribute> m_attributes;
-  std::map<vUCString, Attribute> m_attributeMap;
   unsigned int m_nInstances;
   int m_nSamples;
   int m_traceLength;
@@ -141,8 +119,6 @@ class SegdDiskStore : public DiskStore {
   std::vector<unsigned char> m_tapeData;
   vHandle<SegdGeneralHeader> m_generalHeader;
   vHandle<RecordBuffer> m_recordBuffer;
-  KeyList m_keyList;
-  bool m_isOpen;
 };
 
 #endif

@@ -12,8 +12,7 @@
 
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
+#include "filestore/disk/TraceFileFaultTesting.h"
 #include "foundation/TestReleaseTree.h"
 
 namespace segd_testing {
@@ -56,26 +55,8 @@ inline float writtenSample(unsigned int t, unsigned int s) {
   return s % 2 ? -magnitude : magnitude;
 }
 
-// Records the errors said while it lives; fatal messages still raise.
-class Recording {
- public:
-  Recording() { RaiseError::getInstance()->install(&m_handler); }
-  ~Recording() { RaiseError::getInstance()->uninstall(&m_handler); }
-  std::vector<std::string> const& errors() const { return m_handler.errors; }
-
- private:
-  class Handler : public ExceptionErrorHandler {
-   public:
-    std::vector<std::string> errors;
-
-   protected:
-    void doError(char const* label, int, char const* text) override {
-      errors.push_back(std::string(label) + ": " + text);
-    }
-    void doInfo(char const*, int, char const*) override {}
-  };
-  Handler m_handler;
-};
+// Records the errors said while it lives.
+using disk_testing::Recording;
 
 }  // namespace segd_testing
 

@@ -10,7 +10,6 @@
 #include "filestore/segy/SegyKernels.h"
 #include "filestore/segy/SegyShotFormat.h"
 #include "foundation/Message.h"
-#include "project/AttributeMatch.h"
 #include "project/Project.h"
 
 namespace {
@@ -30,12 +29,11 @@ bool hasExtension(vFilename const& file, char const* extension) {
 SegyDiskStore::SegyDiskStore() : SegyDiskStore(vHandle<Project>()) {}
 
 SegyDiskStore::SegyDiskStore(vHandle<Project> const& project)
-    : DiskStore(project),
+    : SingleSetDiskStore(project, "SegyDiskStore", kNotOpen),
       m_nInstances(0),
       m_nSamples(0),
       m_traceLength(0),
-      m_fileSize(0),
-      m_isOpen(false) {}
+      m_fileSize(0) {}
 
 SegyDiskStore::~SegyDiskStore() {
   if (m_file.isOpen()) m_file.close();
@@ -84,15 +82,14 @@ void SegyDiskStore::open(vFilename const& file) {
       m_formatFileName = format->getFormatFileName();
     }
     if (hasExtension(file, "dsegy")) m_mapper = vHandle<SegyHalcyonInstanceMapper>(new SegyHalcyonInstanceMapper);
-    m_attributes = m_format->getAttributeList();
-    for (Attribute const& attribute : m_attributes) m_attributeMap[attribute.getName()] = attribute;
+    mySetAttributes(m_format->getAttributeList());
     m_nInstances = myGetNInstances();
     myPrepareRecordBuffer();
     m_keyList = KeyList();
     if (!m_format->getKeyNames().empty()) {
       for (vUCString const& name : m_format->getKeyNames()) m_keyList.addKey(AttributeDefinition::getDefinition(name));
     } else {
-      m_keyList.addKey(m_attributeMap.at(vUCString("CMP")));
+      m_keyList.addKey(myDefinition("SegyDiskStore::open", vUCString("CMP")));
     }
     getIndexingTable().clearCache();
     m_isOpen = true;
@@ -170,7 +167,7 @@ void SegyDiskStore::myPrepareRecordBuffer() {
   }
   ByteSwappedRecordBuffer* buffer = new ByteSwappedRecordBuffer(m_traceLength);
   m_recordBuffer = vHandle<RecordBuffer>(buffer);
-  for (Attribute const& attribute : m_attributes)
+  for (Attribute const& attribute : myAttributes())
     buffer->setType(m_format->getAttributeOffset(attribute.getName()), m_format->getSegyType(attribute.getName()));
   // IBM floats go through the buffer as the file has them; their own
   // conversion knows the byte order.
@@ -183,8 +180,7 @@ void SegyDiskStore::close() {
     m_file.close();
   }
   m_file = FS::iFile();
-  m_attributes.clear();
-  m_attributeMap.clear();
+  myClearAttributes();
   m_nInstances = 0;
   m_nSamples = 0;
   m_traceLength = 0;
@@ -201,71 +197,15 @@ void SegyDiskStore::close() {
 
 // --- what the store holds ----------------------------------------------------------------
 
-vLCString SegyDiskStore::getName() const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getName", 0, kNotOpen);
-  return vLCString(m_fileName.getRoot());
-}
-
 unsigned int SegyDiskStore::getNInstances() const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getNInstances", 0, kNotOpen);
+  myCheckOpen("SegyDiskStore::getNInstances");
   return m_nInstances;
 }
 
 long long SegyDiskStore::getLength() const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getLength", 0, kNotOpen);
+  myCheckOpen("SegyDiskStore::getLength");
   return m_fileSize;
 }
-
-Attribute const& SegyDiskStore::myDefinition(char const* label, vUCString const& name) const {
-  auto const found = m_attributeMap.find(name);
-  if (found == m_attributeMap.end())
-    Message::fatal(label, 0, "Attribute %s does not exist in file %s.", name.c_str(), getName().c_str());
-  return found->second;
-}
-
-Attribute SegyDiskStore::getAttribute(vUCString const& name) const {
-  if (!m_isOpen) Message::fatal("SegyDiskStore::getAttribute", 0, kNotOpen);
-  return myDefinition("SegyDiskStore::getAttribute", name);
-}
-
-bool SegyDiskStore::hasAttribute(vUCString const& name) const { return m_attributeMap.count(name) > 0; }
-
-std::list<Attribute> SegyDiskStore::getAttributeList() const { return m_attributes; }
-
-void SegyDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
-
-std::list<Attribute> SegyDiskStore::getAttributeList(vUCString const& text,
-                                                     AttributeMatch::AttributeMatchType match) const {
-  std::list<Attribute> list;
-  for (Attribute const& attribute : m_attributes)
-    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
-  return list;
-}
-
-vHandle<Store::AttributeSetList> SegyDiskStore::getAttributeSetList() const {
-  vHandle<AttributeSetList> names(new AttributeSetList);
-  getAttributeSetList(*names);
-  return names;
-}
-
-void SegyDiskStore::getAttributeSetList(AttributeSetList& names) const {
-  names.clear();
-  names.push_back(getName());
-}
-
-vLCString SegyDiskStore::getAttributeSetName() const { return getName(); }
-
-void SegyDiskStore::openAttributeSet(vLCString const& name) {
-  if (name.isBlank() || name == getName()) return;
-  Message::fatal("SegyDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet named '%s'.",
-                 m_fileName.c_str(), name.c_str());
-}
-
-KeyList SegyDiskStore::getKeyList() const { return m_keyList; }
-
-unsigned int SegyDiskStore::getNAttributes() const { return static_cast<unsigned int>(m_attributes.size()); }
-
-int SegyDiskStore::getVersion() const { return 1; }
 
 vLCString SegyDiskStore::getClass() const {
   if (!m_format.isEmpty() && !m_format->getStoreClass().isBlank()) return vLCString(m_format->getStoreClass());
@@ -276,9 +216,4 @@ vLCString SegyDiskStore::getSubClass() const {
   if (!m_format.isEmpty() && !m_format->getStoreSubClass().isBlank())
     return vLCString(m_format->getStoreSubClass());
   return vLCString("segydisk");
-}
-
-void SegyDiskStore::addAttribute(Attribute const&) {
-  // Refused in the words of every other write of this read-only store.
-  Message::fatal("SegyDiskStore::addAttribute", 0, "Function not implemented in derived class -- needs code.");
 }

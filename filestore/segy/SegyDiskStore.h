@@ -20,12 +20,11 @@
 // and keeps its whole traces. Every writing operation is refused.
 
 #include <list>
-#include <map>
 #include <vector>
 
 #include "attribute/KeyList.h"
 #include "attribute/RecordBuffer.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "filestore/segy/SegyBinaryHeader.h"
 #include "filestore/segy/SegyFormatBase.h"
 #include "filestore/segy/SegyHalcyonInstanceMapper.h"
@@ -34,7 +33,7 @@
 #include "project/StoreDescription.h"
 #include "syslayer/FS.h"
 
-class SegyDiskStore : public DiskStore {
+class SegyDiskStore : public SingleSetDiskStore {
  public:
   SegyDiskStore();
   explicit SegyDiskStore(vHandle<Project> const& project);
@@ -46,28 +45,11 @@ class SegyDiskStore : public DiskStore {
   virtual void open(StoreDescription const& description);
   virtual void open(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
-  // The root of the file name.
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
   // The file's size in bytes.
   virtual long long getLength() const;
-  Attribute getAttribute(vUCString const& name) const override;
-  bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
-  vHandle<AttributeSetList> getAttributeSetList() const override;
-  void getAttributeSetList(AttributeSetList& names) const override;
-  vLCString getAttributeSetName() const override;
-  void openAttributeSet(vLCString const& name) override;
-  KeyList getKeyList() const override;
-  unsigned int getNAttributes() const override;
-  int getVersion() const override;
   vLCString getClass() const override;
   vLCString getSubClass() const override;
-  void addAttribute(Attribute const& attribute) override;
 
   using DiskStore::read;
   void read(Attribute& attribute, unsigned int first, unsigned int last) const override;
@@ -89,8 +71,6 @@ class SegyDiskStore : public DiskStore {
   void myAllocateBufferRange(unsigned int first, unsigned int last) const;
   void myAllocateBufferList(std::vector<unsigned int> const& instances) const;
   void myReadHalcyonData(unsigned int first, unsigned int last) const;
-  // The store's definition of an attribute, fatal when it has none.
-  Attribute const& myDefinition(char const* label, vUCString const& name) const;
   // One file read, fatal with the instance when it comes short, labelled
   // by the caller.
   void myReadTraces(char const* label, unsigned char* target, long long offset, long long count,
@@ -102,18 +82,13 @@ class SegyDiskStore : public DiskStore {
 
  private:
   vString m_formatSpec;
-  vFilename m_fileName;
   mutable FS::iFile m_file;
-  std::list<Attribute> m_attributes;
-  std::map<vUCString, Attribute> m_attributeMap;
   unsigned int m_nInstances;
   unsigned int m_nSamples;
   int m_traceLength;
   long long m_fileSize;
   vHandle<SegyBinaryHeader> m_binaryHeader;
   vHandle<RecordBuffer> m_recordBuffer;
-  KeyList m_keyList;
-  bool m_isOpen;
   vHandle<SegyFormatBase> m_format;
   vFilename m_formatFileName;
   vString m_textHeader;

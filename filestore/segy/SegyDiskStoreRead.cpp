@@ -36,25 +36,11 @@ void checkConversion(DataType fileType, DataType wanted, vUCString const& name) 
   }
 }
 
-bool isContiguous(std::vector<unsigned int> const& instances) {
-  for (std::size_t k = 1; k < instances.size(); ++k)
-    if (instances[k] != instances[k - 1] + 1) return false;
-  return true;
-}
-
 }  // namespace
 
 void SegyDiskStore::read(Attribute& attribute, unsigned int first, unsigned int last) const {
   char const* const label = "SegyDiskStore::read";
-  long long const n = getNInstances();
-  if (last == 0) last = static_cast<unsigned int>(n);
-  if (first < 1) Message::fatal(label, 0, "first instance must be >0, yours was %lld", static_cast<long long>(first));
-  if (first > last)
-    Message::fatal(label, 0, "first instance %lld must be <= last instance %lld.", static_cast<long long>(first),
-                   static_cast<long long>(last));
-  if (last > n)
-    Message::fatal(label, 0, "last instance %lld must be <= number of instances %lld.", static_cast<long long>(last),
-                   n);
+  last = myCheckRange(label, first, last);
   myDefinition(label, attribute.getName());
   myAllocateBufferRange(first, last);
   myExtract(attribute, first, last - first + 1, nullptr);
@@ -62,19 +48,9 @@ void SegyDiskStore::read(Attribute& attribute, unsigned int first, unsigned int 
 
 void SegyDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& instances) const {
   char const* const label = "SegyDiskStore::read";
-  long long const n = getNInstances();
-  unsigned int largest = 0;
-  for (unsigned int i : instances) {
-    if (i == 0)
-      Message::fatal(label, 0, "Attribute '%s': the vInstanceList has a zero in it, coont read from instance 0.",
-                     attribute.getName().c_str());
-    largest = std::max(largest, i);
-  }
-  if (largest > n)
-    Message::fatal(label, 0, "Instance numbers must be <%lld, list for '%s' contained %lld.", n + 1,
-                   attribute.getName().c_str(), static_cast<long long>(largest));
+  myCheckList(label, attribute.getName(), instances);
   myDefinition(label, attribute.getName());
-  if (!instances.empty() && isContiguous(instances)) {
+  if (!instances.empty() && isRun(instances)) {
     read(attribute, instances.front(), instances.back());
     return;
   }

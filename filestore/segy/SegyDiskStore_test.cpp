@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "attribute/AttributeDefinitionTable.h"
@@ -278,8 +280,17 @@ TEST_F(SegyStoreTest, OpensByDescriptionWithItsFormatFile) {
   store.open(StoreDescription(vFilename(path.c_str())));
   EXPECT_TRUE(store.hasAttribute("FFID"));
   store.close();
-  expectFailure([&] { store.getNInstances(); }, "SegyDiskStore::getNInstances",
-                "Segy Disk File has not been opened yet!");
+  // Every question of a closed store in the store's own words, labelled
+  // with its own name.
+  std::vector<std::pair<char const*, std::function<void()>>> const closed = {
+      {"SegyDiskStore::getNInstances", [&] { store.getNInstances(); }},
+      {"SegyDiskStore::getName", [&] { store.getName(); }},
+      {"SegyDiskStore::getAttribute", [&] { store.getAttribute("CMP"); }},
+      {"SegyDiskStore::getLength", [&] { store.getLength(); }},
+  };
+  for (auto const& row : closed) expectFailure(row.second, row.first, "Segy Disk File has not been opened yet!");
+  expectFailure([&] { store.addAttribute(Attribute("X", "", vINT32)); }, "SegyDiskStore::addAttribute",
+                "Function not implemented in derived class -- needs code.");
 }
 
 }  // namespace

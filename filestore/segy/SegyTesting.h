@@ -19,10 +19,9 @@
 
 #include <gtest/gtest.h>
 
+#include "filestore/disk/TraceFileFaultTesting.h"
 #include "filestore/segy/SegyKernels.h"
 #include "foundation/ErrorHandler.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
 #include "foundation/vUtl.h"
 
 namespace segy_testing {
@@ -138,27 +137,8 @@ class SegyWriter {
   }
 };
 
-// Records the errors and infos said while it lives; fatal messages still
-// raise their exception.
-class Recording {
- public:
-  Recording() { RaiseError::getInstance()->install(&m_handler); }
-  ~Recording() { RaiseError::getInstance()->uninstall(&m_handler); }
-  std::vector<std::string> const& errors() const { return m_handler.errors; }
-
- private:
-  class Handler : public ExceptionErrorHandler {
-   public:
-    std::vector<std::string> errors;
-
-   protected:
-    void doError(char const* label, int, char const* text) override {
-      errors.push_back(std::string(label) + ": " + text);
-    }
-    void doInfo(char const*, int, char const*) override {}
-  };
-  Handler m_handler;
-};
+// Records the errors said while it lives.
+using disk_testing::Recording;
 
 // The definitions that the format files of the tests name, and a Kelp
 // translation table that renames one of them.

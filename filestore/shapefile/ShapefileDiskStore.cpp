@@ -6,7 +6,6 @@
 
 #include "filestore/shapefile/ShapefileWriter.h"
 #include "foundation/Message.h"
-#include "project/AttributeMatch.h"
 #include "project/Project.h"
 
 namespace {
@@ -59,7 +58,10 @@ bool isGeometry(vUCString const& name) {
 ShapefileDiskStore::ShapefileDiskStore() : ShapefileDiskStore(vHandle<Project>()) {}
 
 ShapefileDiskStore::ShapefileDiskStore(vHandle<Project> const& project)
-    : DiskStore(project), m_isOpen(false), m_created(false), m_shapeType(0), m_nInstances(0) {}
+    : SingleSetDiskStore(project, "ShapefileDiskStore", kNotOpen),
+      m_created(false),
+      m_shapeType(0),
+      m_nInstances(0) {}
 
 ShapefileDiskStore::~ShapefileDiskStore() {
   if (!m_isOpen) return;
@@ -134,7 +136,7 @@ void ShapefileDiskStore::close() {
   }
   m_isOpen = false;
   m_created = false;
-  m_attributes.clear();
+  myClearAttributes();
   m_columns.clear();
   m_nInstances = 0;
   getIndexingTable().clearCache();
@@ -157,12 +159,12 @@ void ShapefileDiskStore::myBuildPropertyList(vString const& coordinateSystem) {
 }
 
 void ShapefileDiskStore::myAddAttribute(Attribute const& definition) {
-  m_attributes.push_back(definition);
+  myAddDefinition(definition);
   m_columns[definition.getName()] = Attribute(definition);
 }
 
 void ShapefileDiskStore::myAddGeometryAttributes() {
-  m_attributes.clear();
+  myClearAttributes();
   m_columns.clear();
   if (m_class == vLCString("mapdata")) {
     for (char const* name : {"XVAL", "YVAL", "ATVAL"}) myAddAttribute(Attribute(name, "", vFLOAT32));
@@ -182,7 +184,7 @@ void ShapefileDiskStore::myTakeGeometry(ShapefileReader const& reader) {
     lengths[s - 1] = reader.getLength(s);
     parts[s - 1] = static_cast<int>(reader.getShape(s).parts.size());
   }
-  for (Attribute const& definition : m_attributes) {
+  for (Attribute const& definition : myAttributes()) {
     vUCString const& name = definition.getName();
     Attribute column = makeColumn(definition, n, name == vUCString("PART_LENGTHS") ? parts : lengths);
     for (unsigned int s = 1; s <= n; ++s) {
@@ -223,7 +225,7 @@ void ShapefileDiskStore::myAddDBFAttributes(ShapefileReader const& reader) {
     }
     if (isGeometry(name) || m_columns.count(name) > 0) continue;
     Attribute definition(name, field.getClass(), field.getDataType());
-    m_attributes.push_back(definition);
+    myAddDefinition(definition);
     Attribute column;
     column.copyData(field);
     m_columns[name] = std::move(column);
@@ -231,15 +233,6 @@ void ShapefileDiskStore::myAddDBFAttributes(ShapefileReader const& reader) {
 }
 
 // --- what the store holds ---------------------------------------------------------------
-
-void ShapefileDiskStore::myCheckOpen(char const* label) const {
-  if (!m_isOpen) Message::fatal(label, 0, kNotOpen);
-}
-
-vLCString ShapefileDiskStore::getName() const {
-  myCheckOpen("ShapefileDiskStore::getName");
-  return vLCString(m_fileName.getRoot());
-}
 
 unsigned int ShapefileDiskStore::getNInstances() const {
   myCheckOpen("ShapefileDiskStore::getNInstances");
@@ -253,66 +246,22 @@ Attribute const& ShapefileDiskStore::myColumn(char const* label, vUCString const
   return found->second;
 }
 
-Attribute ShapefileDiskStore::getAttribute(vUCString const& name) const {
-  myCheckOpen("ShapefileDiskStore::getAttribute");
-  myColumn("ShapefileDiskStore::getAttribute", name);
-  for (Attribute const& definition : m_attributes)
-    if (definition.getName() == name) return definition;
-  return Attribute();
-}
-
-bool ShapefileDiskStore::hasAttribute(vUCString const& name) const { return m_columns.count(name) > 0; }
-
-std::list<Attribute> ShapefileDiskStore::getAttributeList() const { return m_attributes; }
-
-void ShapefileDiskStore::getAttributeList(std::list<Attribute>& attributes) const { attributes = m_attributes; }
-
-std::list<Attribute> ShapefileDiskStore::getAttributeList(vUCString const& text,
-                                                          AttributeMatch::AttributeMatchType match) const {
-  std::list<Attribute> list;
-  for (Attribute const& attribute : m_attributes)
-    if (AttributeMatch::matches(attribute, text, match)) list.push_back(attribute);
-  return list;
-}
-
-vHandle<Store::AttributeSetList> ShapefileDiskStore::getAttributeSetList() const {
-  vHandle<AttributeSetList> names(new AttributeSetList);
-  getAttributeSetList(*names);
-  return names;
-}
-
-void ShapefileDiskStore::getAttributeSetList(AttributeSetList& names) const {
-  names.clear();
-  names.push_back(getName());
-}
-
-vLCString ShapefileDiskStore::getAttributeSetName() const { return getName(); }
-
 void ShapefileDiskStore::openAttributeSet(vLCString const& name) {
   myCheckOpen("ShapefileDiskStore::openAttributeSet");
-  if (name.isBlank() || name == getName()) return;
+  SingleSetDiskStore::openAttributeSet(name);
+}
+
+void ShapefileDiskStore::myRefuseAttributeSet(vLCString const& name) const {
   Message::fatal("ShapefileDiskStore::openAttributeSet", 0, "File '%s' does not have AttributeSet names '%s'.",
                  m_fileName.c_str(), name.c_str());
 }
-
-KeyList ShapefileDiskStore::getKeyList() const { return KeyList(); }
-
-unsigned int ShapefileDiskStore::getNAttributes() const { return static_cast<unsigned int>(m_attributes.size()); }
 
 // --- reads ------------------------------------------------------------------------------
 
 void ShapefileDiskStore::read(Attribute& attribute, unsigned int first, unsigned int last) const {
   char const* const label = "ShapefileDiskStore::read";
   myCheckOpen(label);
-  long long const n = m_nInstances;
-  if (last == 0) last = static_cast<unsigned int>(n);
-  if (first < 1) Message::fatal(label, 0, "first instance must be >0, yours was %lld", static_cast<long long>(first));
-  if (first > last)
-    Message::fatal(label, 0, "first instance %lld must be <= last instance %lld.", static_cast<long long>(first),
-                   static_cast<long long>(last));
-  if (last > n)
-    Message::fatal(label, 0, "last instance %lld must be <= number of instances %lld.", static_cast<long long>(last),
-                   n);
+  last = myCheckRange(label, first, last);
   Attribute const& column = myColumn(label, attribute.getName());
   std::vector<unsigned int> instances(last - first + 1);
   for (unsigned int i = first; i <= last; ++i) instances[i - first] = i;
@@ -322,17 +271,7 @@ void ShapefileDiskStore::read(Attribute& attribute, unsigned int first, unsigned
 void ShapefileDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& instances) const {
   char const* const label = "ShapefileDiskStore::read";
   myCheckOpen(label);
-  long long const n = m_nInstances;
-  unsigned int largest = 0;
-  for (unsigned int i : instances) {
-    if (i == 0)
-      Message::fatal(label, 0, "Attribute '%s': the vInstanceList has a zero in it, coont read from instance 0.",
-                     attribute.getName().c_str());
-    largest = std::max(largest, i);
-  }
-  if (largest > n)
-    Message::fatal(label, 0, "Instance numbers must be <%lld, list for '%s' contained %lld.", n + 1,
-                   attribute.getName().c_str(), static_cast<long long>(largest));
+  myCheckList(label, attribute.getName(), instances);
   myCopyOut(myColumn(label, attribute.getName()), attribute, instances);
 }
 
@@ -431,7 +370,7 @@ void ShapefileDiskStore::myDoBufferedWrites() {
     myWritePoints(writer);
   else
     myWritePolygons(writer);
-  for (Attribute const& definition : m_attributes) {
+  for (Attribute const& definition : myAttributes()) {
     vUCString const& name = definition.getName();
     if (isGeometry(name) && !(name == vUCString("LOCATOR"))) continue;
     Attribute const* values = myBuffered(name.c_str());

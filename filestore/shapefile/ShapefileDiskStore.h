@@ -25,13 +25,13 @@
 #include <vector>
 
 #include "attribute/KeyList.h"
-#include "filestore/disk/DiskStore.h"
+#include "filestore/disk/SingleSetDiskStore.h"
 #include "filestore/shapefile/ShapefileReader.h"
 #include "foundation/vFilename.h"
 #include "foundation/vHandle.h"
 #include "project/StoreDescription.h"
 
-class ShapefileDiskStore : public DiskStore {
+class ShapefileDiskStore : public SingleSetDiskStore {
  public:
   ShapefileDiskStore();
   explicit ShapefileDiskStore(vHandle<Project> const& project);
@@ -48,23 +48,10 @@ class ShapefileDiskStore : public DiskStore {
   virtual void create(StoreDescription const& description, vLCString const& subClass);
   virtual void create(vFilename const& file);
   void close() override;
-  bool isOpen() const override { return m_isOpen; }
 
-  vLCString getName() const override;
   unsigned int getNInstances() const override;
-  Attribute getAttribute(vUCString const& name) const override;
-  bool hasAttribute(vUCString const& name) const override;
-  std::list<Attribute> getAttributeList() const override;
-  void getAttributeList(std::list<Attribute>& attributes) const override;
-  std::list<Attribute> getAttributeList(vUCString const& text,
-                                        AttributeMatch::AttributeMatchType match) const override;
-  vHandle<AttributeSetList> getAttributeSetList() const override;
-  void getAttributeSetList(AttributeSetList& names) const override;
-  vLCString getAttributeSetName() const override;
+  // Checks that the store is open first.
   void openAttributeSet(vLCString const& name) override;
-  KeyList getKeyList() const override;
-  unsigned int getNAttributes() const override;
-  int getVersion() const override { return 1; }
   vLCString getClass() const override { return m_class; }
   vLCString getSubClass() const override { return m_subClass; }
 
@@ -81,8 +68,10 @@ class ShapefileDiskStore : public DiskStore {
              unsigned int lastGroup) override;
   void write(Attribute const& attribute, KeyList const& keys) override;
 
+ protected:
+  void myRefuseAttributeSet(vLCString const& name) const override;
+
  private:
-  void myCheckOpen(char const* label) const;
   void myCheckWritable(char const* label) const;
   void myAddAttribute(Attribute const& definition);
   void myAddGeometryAttributes();
@@ -97,15 +86,12 @@ class ShapefileDiskStore : public DiskStore {
   // The buffered values of an attribute, or null.
   Attribute const* myBuffered(char const* name) const;
 
-  vFilename m_fileName;
-  bool m_isOpen;
   bool m_created;
   vLCString m_class;
   vLCString m_subClass;
   // Keeps measured map data (21) apart from map data with Z (11).
   int m_shapeType;
   unsigned int m_nInstances;
-  std::list<Attribute> m_attributes;
   // The values of every attribute, all instances; for a new file, what has
   // been written so far.
   std::map<vUCString, Attribute> m_columns;
