@@ -54,7 +54,7 @@ std::vector<unsigned char> dictionary() {
   d[kvs::KvsDtAttKind].push_back({"ORDERING", ++code, 0, 24, 0});
   std::uint32_t const cdp = 1, offset = 2, time = 20;  // by their places above
   code = 0;
-  for (char const* n : {"SEIS", "HZ", "MUTE", "VELO", "WDEP", "GRID", "TAB"})
+  for (char const* n : {"SEIS", "HZ", "MUTE", "VELO", "WDEP", "GRID", "TAB", "SGD"})
     d[kvs::KvsDtTypKind].push_back({n, ++code});
   d[kvs::KvsDtDomKind] = {{"3D", 1, cdp, offset}, {"2D", 2, cdp, offset}, {"WD", 3}, {"GRID", 4}};
   d[kvs::KvsDtTabKind] = {{"TAB1", 1, 1, cdp, offset},   {"HZ3D", 2, 1, cdp, offset}, {"HZ2D", 3, 2, cdp, offset},
