@@ -25,7 +25,64 @@ vString nextPart(vString& rest, bool last) {
 
 NameDetails::NameDetails() : m_project(nullptr) {}
 
-NameDetails::NameDetails(vString const& name, ZonProject* project) : m_project(project) { load(name); }
+NameDetails::NameDetails(vString const& name, NameDetailsCompleter* project, bool complete) : m_project(project) {
+  if (complete)
+    myComplete(name);
+  else
+    load(name);
+}
+
+bool NameDetails::myComplete(vString const& name) {
+  vString rest(name);
+  bool const geometry = nextPart(rest, false) == "SGD";
+  int const separators = name.count(kSeparator);
+  if (m_project == nullptr || name.isBlank() || separators >= 3 || (geometry && separators == 2)) {
+    load(name);
+    return false;
+  }
+  vString given(name), ident, type, version("0");
+  bool const found = m_project->locateNameComponents(given, ident, type, version);
+  // Not in the project, and no type to make it with: the name is short.
+  if (type.isBlank()) {
+    load(name);
+    return false;
+  }
+  ident.toUpperCase();
+  type.toUpperCase();
+  version.toUpperCase();
+  m_ident = ident;
+  m_type = type;
+  m_version = version;
+  m_domain = type == "SGD" ? vString() : vString("*");
+  return found;
+}
+
+bool NameDetails::update() {
+  if (m_project == nullptr || m_ident.isBlank() || m_type.isBlank()) return false;
+  vString key(m_ident);
+  key += vString(kSeparator);
+  key += m_type;
+  vString ident, type;
+  if (!m_project->findBestMatch(key, ident, type)) return false;
+  // A version that is not a number is found by its text, as a third part.
+  vString version(m_version.isBlank() ? vString("0") : m_version);
+  vString name(ident);
+  name += vString(kSeparator);
+  name += type;
+  if (!version.isInteger()) {
+    name += vString(kSeparator);
+    name += version;
+  }
+  if (!m_project->locateNameComponents(name, ident, type, version)) return false;
+  ident.toUpperCase();
+  type.toUpperCase();
+  version.toUpperCase();
+  m_ident = ident;
+  m_type = type;
+  m_version = version;
+  if (m_domain.isBlank() && type != "SGD") m_domain = "*";
+  return true;
+}
 
 void NameDetails::load(vString const& name) {
   if (name.isEmpty()) {

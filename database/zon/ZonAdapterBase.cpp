@@ -158,15 +158,21 @@ void ZonAdapterBase::writeAll(std::list<Attribute>& attributes, KeyList const& k
 
 vString ZonAdapterBase::myDescribe() const { return getStoreName(); }
 
+ZonAdapterBase::Spelling ZonAdapterBase::myDataset() const {
+  if (!mySpelling.ident.isEmpty()) return mySpelling;
+  // The name is held upper-case; the dataset keeps its writer's case.
+  vHandle<NameDetails> const name = myInfo->getNameDetails();
+  Spelling dataset{name->getIdent(), name->getType(), name->getVersion()};
+  myProject->findTrueSpelling(dataset.ident, dataset.type, dataset.version);
+  return dataset;
+}
+
 void ZonAdapterBase::myOpenForRead() {
   myProject->setSession();
-  vHandle<NameDetails> const name = myInfo->getNameDetails();
-  // The name is held upper-case; the dataset keeps its writer's case.
-  vString ident(name->getIdent()), type(name->getType()), version(name->getVersion());
-  myProject->findTrueSpelling(ident, type, version);
+  Spelling const dataset = myDataset();
   KvsObject const session = KvsCurrentSession();
-  myObject = session ? KvsOpen(session, KvsNident, ident.c_str(), KvsNtype, type.c_str(), KvsNversion,
-                               version.c_str(), KvsNmode, 1L, 0L)
+  myObject = session ? KvsOpen(session, KvsNident, dataset.ident.c_str(), KvsNtype, dataset.type.c_str(),
+                               KvsNversion, dataset.version.c_str(), KvsNmode, 1L, 0L)
                      : nullptr;
   if (!myObject)
     Message::fatal("ZonAdapterBase::myOpenForRead", 0, "Error opening store %s:%s", getStoreName().c_str(),
@@ -176,13 +182,10 @@ void ZonAdapterBase::myOpenForRead() {
 
 void ZonAdapterBase::myOpenForWrite() {
   myProject->setSession();
-  vHandle<NameDetails> const name = myInfo->getNameDetails();
-  // The name is held upper-case; the dataset keeps its writer's case.
-  vString ident(name->getIdent()), type(name->getType()), version(name->getVersion());
-  myProject->findTrueSpelling(ident, type, version);
+  Spelling const dataset = myDataset();
   KvsObject const session = KvsCurrentSession();
-  myObject = session ? KvsOpen(session, KvsNident, ident.c_str(), KvsNtype, type.c_str(), KvsNversion,
-                               version.c_str(), KvsNmode, 2L, 0L)
+  myObject = session ? KvsOpen(session, KvsNident, dataset.ident.c_str(), KvsNtype, dataset.type.c_str(),
+                               KvsNversion, dataset.version.c_str(), KvsNmode, 2L, 0L)
                      : nullptr;
   if (!myObject)
     Message::fatal("ZonAdapterBase::myOpenForWrite", 0, "Requested Store '%s' could not be created.%s",

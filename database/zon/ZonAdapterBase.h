@@ -80,6 +80,16 @@ class ZonAdapterBase {
   // The store's name and the dataset it names, before open or create.
   void setNameDetails(vString const& storeName, vHandle<NameDetails> const& details);
   vString getStoreName() const;
+  // The dataset a store name was found as: ident, type and version text as
+  // the database spells them, which the name details, upper-case, cannot
+  // tell apart when two idents differ only in case. Empty for a dataset
+  // still to be made, which is then opened by its details.
+  struct Spelling {
+    vString ident;
+    vString type;
+    vString version;
+  };
+  void setSpelling(Spelling const& spelling) { mySpelling = spelling; }
 
   // Whether stores convert attribute values to the formats of the columns.
   static void setDataConversion(bool convert);
@@ -90,6 +100,8 @@ class ZonAdapterBase {
   void mySelectSet(char const* label, vLCString const& name);
   void myOpenForRead();
   void myOpenForWrite();
+  // The ident, type and version text to open the dataset by.
+  Spelling myDataset() const;
   // Sends the dataset when a replace is due, and lets it go.
   void myClose();
   void myWrite(Object object, long n);
@@ -121,6 +133,7 @@ class ZonAdapterBase {
   vHandle<ZonStoreAttributeSetInfo> myInfo;
   bool myReplaceDue;
   vString myStoreName;
+  Spelling mySpelling;
   vString myTableType;
   vString myCreateClass;
   vString myCreateSubClass;

@@ -84,6 +84,11 @@ bool ZonProject::locateNameComponents(vString& name, vString& ident, vString& ty
   return myCache().locateNameComponents(name, ident, type, version);
 }
 
+bool ZonProject::findBestMatch(vString const& name, vString& ident, vString& type) {
+  myMustBeOpen("ZonProject::findBestMatch");
+  return myCache().findBestMatch(name, ident, type);
+}
+
 bool ZonProject::findTrueSpelling(vString& ident, vString& type, vString& version) {
   myMustBeOpen("ZonProject::findTrueSpelling");
   return myCache().findTrueSpelling(ident, type, version);

@@ -23,10 +23,11 @@
 #include "foundation/vHandle.h"
 #include "foundation/vLCString.h"
 #include "foundation/vString.h"
+#include "project/NameDetailsCompleter.h"
 #include "project/Project.h"
 #include "project/StoreDetails.h"
 
-class ZonProject : public Project {
+class ZonProject : public Project, public NameDetailsCompleter {
  public:
   static char const separator;
 
@@ -69,14 +70,18 @@ class ZonProject : public Project {
     // From a store name (and the wanted version as text, "0" or blank for the
     // newest) to the database's ident, type and version text. A name the
     // cache does not hold is split at the separator, for a store about to be
-    // made: the type upper-cased, the version kept. True when found.
+    // made: the type upper-cased, the version kept. True when found. Idents
+    // that differ only in case with one version text are numbered apart; a
+    // version named by its text goes to the one spelled as given, and is
+    // refused when neither is.
     bool locateNameComponents(vString& name, vString& ident, vString& type, vString& version);
     // The ident and type of the cached dataset whose name equals this one in
     // any case.
     bool findBestMatch(vString const& name, vString& ident, vString& type);
     // Ident, type and version text as the database spells them, for a
     // dataset named in another case; false, and nothing changed, when no
-    // dataset has them.
+    // dataset has them. The exact spelling wins; another case is taken only
+    // when one dataset alone has it, else refused naming both.
     bool findTrueSpelling(vString& ident, vString& type, vString& version);
     StoreDetails getStoreDetails(vLCString const& name, int version);
     bool hasStore(vLCString const& name, int version);
@@ -125,7 +130,9 @@ class ZonProject : public Project {
   // The session of this project, after setSession().
   kvs::KvsObject getSession();
   // See DatasetCache::locateNameComponents.
-  bool locateNameComponents(vString& name, vString& ident, vString& type, vString& version);
+  bool locateNameComponents(vString& name, vString& ident, vString& type, vString& version) override;
+  // See DatasetCache::findBestMatch.
+  bool findBestMatch(vString const& name, vString& ident, vString& type) override;
   // See DatasetCache::findTrueSpelling: store names are held upper-case, the
   // database keeps the case its writer gave.
   bool findTrueSpelling(vString& ident, vString& type, vString& version);

@@ -98,6 +98,35 @@ vHandle<ZonProject::DatasetCache::Entry> local_oneVersion(vHandle<ZonProject::Da
   return one->versionTexts.empty() ? vHandle<ZonProject::DatasetCache::Entry>() : one;
 }
 
+// The dataset of the entry spelled as given: among the versions listed
+// (all of one version text in any case), an exact ident and version text
+// wins, and one that is the same in any case only when it is the only one.
+// Two equally near are refused, with both spellings. -1 for none.
+int local_choose(ZonProject::DatasetCache::Entry& entry, std::vector<int> const& numbers, vString const& ident,
+                 vString const& version, char const* method, vString const& name) {
+  int best = -1, bestScore = -1, tie = -1;
+  for (int number : numbers) {
+    int const score = (entry.idents[number] == ident ? 2 : 0) + (entry.versionTexts[number] == version ? 1 : 0);
+    if (score > bestScore) {
+      best = number;
+      bestScore = score;
+      tie = -1;
+    } else if (score == bestScore) {
+      tie = number;
+    }
+  }
+  if (tie >= 0) {
+    vString one, other;
+    one.printf("%s%c%s%c%s", entry.idents[best].c_str(), ZonProject::separator, entry.type.c_str(),
+               ZonProject::separator, entry.versionTexts[best].c_str());
+    other.printf("%s%c%s%c%s", entry.idents[tie].c_str(), ZonProject::separator, entry.type.c_str(),
+                 ZonProject::separator, entry.versionTexts[tie].c_str());
+    Message::fatal(method, 0, "The store name '%s' is ambiguous: the datasets '%s' and '%s' differ only in case.",
+                   name.c_str(), one.c_str(), other.c_str());
+  }
+  return best;
+}
+
 bool local_isNumber(std::string const& text) {
   if (text.empty() || text.size() > 9) return false;
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -183,7 +212,11 @@ void ZonProject::DatasetCache::myPopulateCache() {
     for (kvs::KvsDatasetInfo const* d : named.second)
       if (local_isNumber(d->version)) highest = std::max(highest, std::atoi(d->version));
     for (kvs::KvsDatasetInfo const* d : named.second) {
+      // An ident that differs from another only in case, with the same
+      // version, is numbered after the others too, so that both are
+      // reachable by number.
       int number = local_isNumber(d->version) ? std::atoi(d->version) : ++highest;
+      if (entry->versionTexts.count(number)) number = ++highest;
       vDate created;
       created.setSeconds(d->created);
       vString type(d->type);
@@ -228,16 +261,25 @@ vHandle<ZonProject::DatasetCache::Entry> ZonProject::DatasetCache::find(vLCStrin
 bool ZonProject::DatasetCache::locateNameComponents(vString& name, vString& ident, vString& type, vString& version) {
   vHandle<Entry> entry = find(vLCString(name));
   int wanted = version.isInteger() ? version.readi() : 0;
+  std::vector<vString> parts = local_split(name);
   if (!entry.isEmpty()) {
     int number = entry->resolve(wanted);
+    if (number >= 0 && parts.size() == 3) {
+      // A version named by its text: the versions of that text are one
+      // dataset, or idents that differ only in case.
+      std::vector<int> numbers;
+      for (auto const& v : entry->versionTexts) numbers.push_back(v.first);
+      bool const typeFirst = local_isGeometry(parts[0]) && !local_isGeometry(parts[1]);
+      number = local_choose(*entry, numbers, typeFirst ? parts[2] : parts[0], typeFirst ? parts[1] : parts[2],
+                            "ZonProject::locateNameComponents", name);
+    }
     if (number >= 0) {
-      ident = entry->ident;
+      ident = entry->idents[number];
       type = entry->type;
       version = entry->versionTexts[number];
       return true;
     }
   }
-  std::vector<vString> parts = local_split(name);
   if (parts.size() == 3 && local_isGeometry(parts[0]) && kvs::KvsDtTyp(parts[1].c_str()) == 0) {
     // A geometry table about to be made, named type first.
     ident = parts[2];
@@ -271,11 +313,13 @@ bool ZonProject::DatasetCache::findTrueSpelling(vString& ident, vString& type, v
   if (!in) return false;
   // The version of that text, its own spelling first.
   Entry& entry = *it->second;
-  int number = -1;
-  for (auto const& v : entry.versionTexts) {
-    if (v.second == version) number = v.first;
-    else if (number < 0 && strcasecmp(v.second.c_str(), version.c_str()) == 0) number = v.first;
-  }
+  std::vector<int> numbers;
+  for (auto const& v : entry.versionTexts)
+    if (strcasecmp(v.second.c_str(), version.c_str()) == 0) numbers.push_back(v.first);
+  vString name;
+  name.printf("%s%c%s%c%s", ident.c_str(), ZonProject::separator, type.c_str(), ZonProject::separator,
+              version.c_str());
+  int const number = local_choose(entry, numbers, ident, version, "ZonProject::findTrueSpelling", name);
   if (number < 0) return false;
   ident = entry.idents[number];
   type = entry.type;

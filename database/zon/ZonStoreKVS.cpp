@@ -1,5 +1,7 @@
 #include "database/zon/ZonStoreKVS.h"
 
+#include <strings.h>
+
 #include <map>
 #include <sstream>
 
@@ -67,15 +69,18 @@ void ZonStoreKVS::myReset() {
   myAttributes.clear();
 }
 
-vHandle<NameDetails> ZonStoreKVS::myNameDetails(vLCString const& name, int version, vString const& domain) const {
+vHandle<NameDetails> ZonStoreKVS::myNameDetails(vLCString const& name, int version, vString const& domain,
+                                                ZonAdapterBase::Spelling& found) const {
   if (myProject.isEmpty()) Message::fatal("ZonStoreKVS::open", 0, "The store '%s' has no project.", name.c_str());
   myProject->setSession();
   vString given(name), ident, type, versionText;
   versionText << version;
-  myProject->locateNameComponents(given, ident, type, versionText);
+  found = ZonAdapterBase::Spelling();
+  if (myProject->locateNameComponents(given, ident, type, versionText)) found = {ident, type, versionText};
+  bool const geometry = strcasecmp(type.c_str(), "SGD") == 0;
   vString text;
-  NameDetails::buildName(type, versionText, ident, domain.isEmpty() ? vString("*") : domain, text);
-  return vHandle<NameDetails>(new NameDetails(text));
+  NameDetails::buildName(type, versionText, ident, domain.isEmpty() && !geometry ? vString("*") : domain, text);
+  return vHandle<NameDetails>(new NameDetails(text, myProject.get()));
 }
 
 void ZonStoreKVS::mySetAdapter(vHandle<NameDetails> details) {
@@ -100,9 +105,11 @@ void ZonStoreKVS::mySetAdapter(vHandle<NameDetails> details) {
 void ZonStoreKVS::myOpen(char const* label, vLCString const& name, int version, bool writeable) {
   if (myIsOpen) close();
   myReset();
-  vHandle<NameDetails> const details = myNameDetails(name, version, vString());
+  ZonAdapterBase::Spelling dataset;
+  vHandle<NameDetails> const details = myNameDetails(name, version, vString(), dataset);
   mySetAdapter(details);
   myAdapter->setNameDetails(name, details);
+  myAdapter->setSpelling(dataset);
   myAdapter->open(name);
   clearProperties();
   myAdapter->init(myKeys, myAttributes, *this);
@@ -196,14 +203,16 @@ void ZonStoreKVS::create(vLCString const& name, vLCString const& className, vLCS
   vString zonClass, table;
   ZonClassNamesTranslator::convertRondoVToZon(className, subClass, zonClass, table);
   char const* domain = kvs::KvsDtDomName(kvs::KvsDtTabDom(kvs::KvsDtTab(table.c_str())));
-  vHandle<NameDetails> details = myNameDetails(name, 0, vString(domain ? domain : ""));
+  ZonAdapterBase::Spelling dataset;
+  vHandle<NameDetails> details = myNameDetails(name, 0, vString(domain ? domain : ""), dataset);
   if (details->getType().isEmpty()) {
     vString text;
     NameDetails::buildName(zonClass, details->getVersion(), details->getIdent(), details->getDomain(), text);
-    details = vHandle<NameDetails>(new NameDetails(text));
+    details = vHandle<NameDetails>(new NameDetails(text, myProject.get()));
   }
   mySetAdapter(details);
   myAdapter->setNameDetails(name, details);
+  myAdapter->setSpelling(dataset);
   myAdapter->setCreateClass(className, subClass);
   myAdapter->create(name, keys);
   clearProperties();

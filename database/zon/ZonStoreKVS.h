@@ -93,6 +93,8 @@ class ZonStoreKVS : public Store {
   bool operator!=(Store const& other) const override;
   Store& operator=(PropertyI const& properties) override;
 
+  // The details of the dataset open, null before open or create.
+  vHandle<NameDetails> getNameDetails() const { return myDetails; }
   // Whether the data have been loaded (for tests of laziness).
   bool isLoaded() const { return myLoaded; }
 
@@ -103,7 +105,11 @@ class ZonStoreKVS : public Store {
   void myOpen(char const* label, vLCString const& name, int version, bool writeable);
   // The adapter of the dataset type; "HZ" is a horizon.
   void mySetAdapter(vHandle<NameDetails> details);
-  vHandle<NameDetails> myNameDetails(vLCString const& name, int version, vString const& domain) const;
+  // The details of a store name, and the dataset it was found as (empty
+  // when it is still to be made). A geometry table's details have no
+  // domain, as its name has none.
+  vHandle<NameDetails> myNameDetails(vLCString const& name, int version, vString const& domain,
+                                     ZonAdapterBase::Spelling& found) const;
   void myMustBeOpen(char const* label) const;
   void myMustBeWriteable(char const* label) const;
   void myLoadData() const;
