@@ -116,7 +116,9 @@ void ZonStoreKVS::myOpen(char const* label, vLCString const& name, int version, 
   CapiZon::timer(label, 1);
   myName = name;
   vString const versionText = details->getVersion();
-  myVersion = versionText.isInteger() ? versionText.readi() : version;
+  // A version asked for by number is the one opened, also where the text
+  // differs (idents apart only in case are numbered after the others).
+  myVersion = version > 0 || !versionText.isInteger() ? version : versionText.readi();
   myIsOpen = true;
   myWriteable = writeable;
 }
