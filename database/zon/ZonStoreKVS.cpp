@@ -33,7 +33,17 @@ ZonStoreKVS::ZonStoreKVS(vHandle<Project> const& project)
   if (!project.isEmpty()) vHandle_cast(myProject, project);
 }
 
-ZonStoreKVS::~ZonStoreKVS() {}
+// A store let go with changes still in memory writes them, as a close
+// would: the changes are the caller's data. A failure here can only be
+// reported, not raised.
+ZonStoreKVS::~ZonStoreKVS() {
+  if (!myIsOpen || !myWriteable || !myModified) return;
+  Message::info("ZonStoreKVS::~ZonStoreKVS", 0, "Store %s was still open, closed it.", myName.c_str());
+  try {
+    close();
+  } catch (...) {
+  }
+}
 
 Capi::eDataConversion ZonStoreKVS::getDataConversion() { return myDataConversion; }
 

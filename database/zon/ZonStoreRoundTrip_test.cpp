@@ -294,6 +294,16 @@ TEST(ZonStoreEdges, LoadsOnFirstNeedAndClosesWriteOnlyChanges) {
   Attribute back("ELEV", "", vFLOAT64);
   again->read(back, 1, 6);
   EXPECT_EQ(2001.5, back.getValue(1));
+
+  // A store let go without a close still writes its changes.
+  {
+    vHandle<ZonStore> forgotten = openStore(bed.openProject("edges"), "plain1,tab", true);
+    elev.setValue(2, -2.0);
+    forgotten->write(elev, 1, 6);
+  }
+  vHandle<ZonStore> after = openStore(bed.openProject("edges"), "plain1,tab");
+  after->read(back, 1, 6);
+  EXPECT_EQ(-2.0, back.getValue(2));
 }
 
 TEST(ZonStoreEdges, DuplicateKeysRaiseAtReadAndWrite) {
