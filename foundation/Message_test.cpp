@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,6 +17,7 @@
 #include "foundation/PrintErrorHandler.h"
 #include "foundation/RaiseError.h"
 #include "foundation/TestAddressSpaceCap.h"
+#include "foundation/TestFailure.h"
 #include "foundation/TracebackErrorHandler.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vUtl.h"
@@ -62,7 +62,7 @@ std::string tempPath(char const* stem) {
 
 // "14-NOV-2023 22:13:20"
 bool isRondoTime(std::string const& t) {
-  return std::regex_match(t, std::regex("[0-9]{2}-[A-Z]{3}-[0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}"));
+  return fitsShape(t, "99-AAA-9999 99:99:99");
 }
 
 }  // namespace

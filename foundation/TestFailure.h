@@ -36,4 +36,16 @@ std::string fatalText(F f) {
   return "(nothing raised)";
 }
 
+// Whether text has the shape given: '9' stands for a digit, 'A' for an
+// upper-case letter, any other character for itself. (std::regex warns
+// under the sanitizer build.)
+inline bool fitsShape(std::string const& text, std::string const& shape) {
+  if (text.size() != shape.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char const c = text[i], s = shape[i];
+    if (s == '9' ? (c < '0' || c > '9') : s == 'A' ? (c < 'A' || c > 'Z') : c != s) return false;
+  }
+  return true;
+}
+
 #endif
