@@ -189,10 +189,14 @@ int PlotCommand::run(ToolArguments& arguments) {
   std::vector<std::string> const views = arguments.values("view");
   arguments.finish(1, 1);
   if (out.empty()) throw ToolUsageError{"--out FILE.png is needed"};
-  if (!(r.percentile > 0.0 && r.percentile <= 100.0)) throw ToolUsageError{"--clip wants a percentile above 0"};
+  if (!(r.percentile > 0.0 && r.percentile <= 100.0))
+    throw ToolUsageError{"--clip wants a percentile above 0 and at most 100"};
+  if (arguments.has("x") != arguments.has("y")) throw ToolUsageError{"--x and --y go together"};
   if (r.size > 16384) throw ToolUsageError{"--size is at most 16384"};
   if (r.zoom > 64) throw ToolUsageError{"--zoom is at most 64"};
-  if (!r.colour.empty()) PlotImage::scale(r.colour);
+  if (!r.colour.empty() && r.colour != "grey" && r.colour != "gray" && r.colour != "rwb" &&
+      r.colour != "red-white-blue")
+    throw ToolUsageError{"--colour wants grey or rwb, not '" + r.colour + "'"};
 
   arguments.setSubject(arguments.positional()[0]);
   vHandle<Store> store = ToolViews::apply(StoreArgument::open(arguments.subject()), views);

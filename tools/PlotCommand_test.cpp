@@ -46,9 +46,20 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
   Outcome const bad = tool(dir, "plot line.sgy --out /no/such/dir/x.png");
   EXPECT_EQ(1, bad.status);
   EXPECT_EQ(0u, bad.err.find("rondo: line.sgy: Cannot write the picture '/no/such/dir/x.png': ")) << bad.err;
-  Outcome const usage = tool(dir, "plot line.sgy");
-  EXPECT_EQ(2, usage.status);
-  EXPECT_EQ(0u, usage.err.find("rondo: plot: --out FILE.png is needed\n")) << usage.err;
+  struct Usage {
+    char const* arguments;
+    char const* first;
+  } const usages[] = {
+      {"plot line.sgy", "rondo: plot: --out FILE.png is needed\n"},
+      {"plot line.sgy --out x.png --colour pink", "rondo: plot: --colour wants grey or rwb, not 'pink'\n"},
+      {"plot line.sgy --out x.png --clip 150", "rondo: plot: --clip wants a percentile above 0 and at most 100\n"},
+      {"plot line.sgy --out x.png --x CMP", "rondo: plot: --x and --y go together\n"},
+  };
+  for (Usage const& u : usages) {
+    Outcome const usage = tool(dir, u.arguments);
+    EXPECT_EQ(2, usage.status) << u.arguments;
+    EXPECT_EQ(0u, usage.err.find(u.first)) << usage.err;
+  }
 }
 
 // Shapefiles that GDAL's ogr2ogr writes, drawn as maps: points by X and Y,
