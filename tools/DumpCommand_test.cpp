@@ -115,6 +115,7 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
       {"dump line.sgy NOPE", 1, "rondo: line.sgy: Attribute NOPE does not exist in file line.\n"},
       {"dump line.sgy CMP --last 11", 1, "rondo: line.sgy: last instance 11 must be <= number of instances 10.\n"},
       {"dump line.sgy CMP --first 4 --last 3", 1, "rondo: line.sgy: first instance 4 must be <= last instance 3.\n"},
+      {"dump line.sgy CMP --first 12", 1, "rondo: line.sgy: first instance 12 must be <= number of instances 10.\n"},
       {"info noformat", 1, "rondo: noformat: We do not know the type of file 'noformat', therefore we cannot handle it!\n"},
       {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
       {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},

@@ -34,7 +34,8 @@ void StoreArgument::checkRange(vHandle<Store> const& store, Attribute probe, uns
   if (last > n)
     store->read(probe, last, last);
   else if (first > n)
-    store->read(probe, first, first);
+    // The store would name the instance as a last one, which the user did not give.
+    Message::fatal("StoreArgument::checkRange", 0, "first instance %u must be <= number of instances %u.", first, n);
   else
     store->read(probe, first, last);
   Message::fatal("StoreArgument::checkRange", 0, "Instances %u to %u are not in the store, which has %u.", first,
