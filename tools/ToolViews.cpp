@@ -92,17 +92,25 @@ vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
     Binner binner;
     binner.addBins(number(spec, spec.arguments[1]), number(spec, spec.arguments[2]), number(spec, spec.arguments[3]),
                    number(spec, spec.arguments[4]));
+    // Bins from MIN away from MAX leave none, and every value would become the no-value.
+    if (binner.numberOfBins() == 0) refuse(spec, "no bins from " + spec.arguments[1] + " to " + spec.arguments[2] +
+                                                     " by " + spec.arguments[3]);
     return StoreDecoratorFactory::addBin(store, binner, store->getAttribute(vUCString(spec.arguments[0].c_str())));
   }
   if (spec.name == "infill") {
     expectCount(spec, 0, 1);
-    if (spec.arguments.empty()) return StoreDecoratorFactory::addInfill(store);
     char const* const names[] = {"common", "group", "none", "common-start", "common-end", "group-step"};
-    for (int type = 0; type < 6; ++type)
-      if (spec.arguments[0] == names[type])
-        return vHandle<Store>(
-            new InfillStoreDecorator(store, static_cast<InfillAttributeSetIndexingTable::AttrPadType>(type)));
-    refuse(spec, "no pad type '" + spec.arguments[0] + "' (common, group, none, common-start, common-end, group-step)");
+    int type = 0;
+    while (!spec.arguments.empty() && type < 6 && spec.arguments[0] != names[type]) ++type;
+    if (type == 6)
+      refuse(spec,
+             "no pad type '" + spec.arguments[0] + "' (common, group, none, common-start, common-end, group-step)");
+    // Refused here rather than at the first read, where it would not name the view.
+    unsigned int const keys = store->getKeyList().getNKeys();
+    if (keys < 2) refuse(spec, "the grid is that of two keys, and the store has " + std::to_string(keys));
+    if (spec.arguments.empty()) return StoreDecoratorFactory::addInfill(store);
+    return vHandle<Store>(
+        new InfillStoreDecorator(store, static_cast<InfillAttributeSetIndexingTable::AttrPadType>(type)));
   }
   if (spec.name == "restore-mute") {
     expectCount(spec, 0, 0);

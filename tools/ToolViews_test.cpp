@@ -99,6 +99,8 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
       {"bin:CMP,1,2", "'bin' wants 5 arguments, not 3"},
       {"bin:CMP,1,x,1,1", "'x' is not a number"},
       {"infill:3", "no pad type '3' (common, group, none, common-start, common-end, group-step)"},
+      {"infill", "the grid is that of two keys, and the store has 1"},
+      {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
       {"sort:CMP,", "an empty argument"},
       {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
   };
