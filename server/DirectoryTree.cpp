@@ -4,8 +4,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
+
+#include "foundation/Message.h"
 
 namespace DirectoryTree {
 
@@ -39,7 +43,9 @@ bool isRegularFile(vString const& path) {
 std::vector<std::string> entries(vString const& directory) {
   std::vector<std::string> names;
   DIR* dir = ::opendir(directory.c_str());
-  if (dir == nullptr) return names;
+  if (dir == nullptr)
+    Message::fatal("DirectoryTree::entries", 0, "The data server cannot read the directory %s: %s.",
+                   directory.c_str(), std::strerror(errno));
   while (dirent* entry = ::readdir(dir)) {
     std::string const name = entry->d_name;
     if (name != "." && name != "..") names.push_back(name);

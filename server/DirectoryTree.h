@@ -19,7 +19,9 @@ vString resolve(vString const& path);
 bool isWithin(vString const& root, vString const& resolved);
 bool isDirectory(vString const& path);
 bool isRegularFile(vString const& path);
-// The names in a directory, sorted, without "." and "..".
+// The names in a directory, sorted, without "." and "..". A directory that
+// cannot be read is fatal with the system's reason: an empty list would
+// pass for a project, or a root, without stores.
 std::vector<std::string> entries(vString const& directory);
 
 }  // namespace DirectoryTree

@@ -1,5 +1,7 @@
 // `rondo projects`, `rondo ls` and served store names through a real data server.
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "tools/ToolTesting.h"
@@ -44,6 +46,31 @@ TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
   Outcome const missing = tool(dir, "info rondo:::survey:nothere.1");
   EXPECT_EQ(1, missing.status);
   EXPECT_NE(std::string::npos, missing.err.find("rondo: rondo:::survey:nothere.1: ")) << missing.err;
+}
+
+// Directories the data server may not read are its answer, not projects
+// without stores. Root reads every directory: run as root, the client and
+// the server it starts run as nobody.
+TEST(RondoProjects, UnreadableDirectoriesAreTheServersAnswer) {
+  fs_testing::TempDir dir;
+  ASSERT_EQ(0, shell(dir, "mkdir -p home root/locked shut/p && chmod 777 home && chmod 755 . root && "
+                          "chmod 000 root/locked shut").status);
+  ScopedEnv const env[] = {{"HOME", (dir / "home").c_str()},
+                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
+                           {"SP_DATASERVER_BACKEND", "directory"},
+                           {"SP_DATASERVER_ROOT", (dir / "root").c_str()},
+                           {"SP_CAPI_DATASERVER", nullptr},
+                           {"FS_CLUSTERS", nullptr},
+                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
+  std::string const as = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  Outcome const project = shell(dir, as + "'" + rondo() + "' ls locked");
+  EXPECT_EQ(1, project.status);
+  EXPECT_NE(std::string::npos, project.err.find("rondo: locked: Server said:-o The data server cannot read the directory "))
+      << project.err;
+  EXPECT_NE(std::string::npos, project.err.find("/locked: Permission denied.\n")) << project.err;
+  Outcome const root = shell(dir, "SP_DATASERVER_ROOT='" + (dir / "shut") + "' " + as + "'" + rondo() + "' projects");
+  EXPECT_EQ(1, root.status);
+  EXPECT_NE(std::string::npos, root.err.find("/shut: Permission denied.\n")) << root.err;
 }
 
 }  // namespace
