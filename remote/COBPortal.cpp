@@ -1,5 +1,13 @@
 #include "remote/COBPortal.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <vector>
@@ -41,6 +49,43 @@ struct ReadToTheEnd {
     }
   }
 };
+
+// Starts a command on this host by the shell, in the background as
+// vUtl::system does, and gives the read end of a pipe whose write end only
+// the started processes hold: it comes to its end once they have all
+// ended. -1 when no pipe could be made; the command is started all the same.
+int startHere(vString const& command) {
+  int ends[2];
+  if (::pipe(ends) != 0) {
+    vUtl::system(command.c_str(), nullptr, vUtl::SystemBackground);
+    return -1;
+  }
+  char const* const text = command.c_str();
+  std::fflush(nullptr);
+  pid_t const first = ::fork();
+  if (first == 0) {
+    ::close(ends[0]);
+    // The server is the child of a child that ends at once: no process is
+    // left for this one to reap.
+    if (::fork() == 0) ::execl("/bin/sh", "sh", "-c", text, static_cast<char*>(nullptr));
+    ::_exit(0);
+  }
+  ::close(ends[1]);
+  if (first < 0) {
+    int const error = errno;
+    ::close(ends[0]);
+    Message::fatal("COBPortal::connect", 0, "Error %d calling fork(): no data server is started.", error);
+  }
+  while (::waitpid(first, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+  return ends[0];
+}
+
+bool hasEnded(int ended) {
+  pollfd p{ended, POLLIN, 0};
+  return ::poll(&p, 1, 0) > 0;
+}
 
 }  // namespace
 
@@ -132,7 +177,27 @@ void COBPortal::connect() {
   vString command = *m_command;
   command.replace(vString(addressToken), getAddress().getAddress());
   std::cout << "Executing \"" << command.c_str() << "\" on " << m_host->c_str() << std::endl;
-  vUtl::system(command.c_str(), m_host, vUtl::SystemBackground);
+  if (!m_local) {
+    vUtl::system(command.c_str(), m_host, vUtl::SystemBackground);
+    return;
+  }
+  // A server here that ends before it connects back (a program that fails
+  // as it starts) is told at once, rather than waited for to the end of the
+  // time-out and then started again. The first seconds are watched; the
+  // rest of the wait is the accept's.
+  int const ended = startHere(command);
+  if (ended < 0) return;
+  float const slice = 0.1f;
+  float const watch = m_acceptTimeout > 0.0f ? std::min(m_acceptTimeout, 2.0f) : 2.0f;
+  for (float waited = 0.0f; waited < watch; waited += slice) {
+    if (m_channel->waitOn(slice, CommChan::READ)) break;
+    if (hasEnded(ended)) {
+      ::close(ended);
+      Message::fatal("COBPortal::connect", 0, "The data server ended before it connected back: \"%s\".",
+                     command.c_str());
+    }
+  }
+  ::close(ended);
 }
 
 CommChan::StatusType COBPortal::accept() {

@@ -266,9 +266,17 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
 
 // A server that never connects back is waited for no longer than the
 // portal's time, at the start as after a reconnection: the call ends in
-// the TIMEOUT status instead of hanging.
+// the TIMEOUT status instead of hanging. One that ends without connecting
+// is told at once.
 TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
-  vString const leaves = vString("/bin/true ") + COBPortal::addressToken;
+  vString const quits = vString("/bin/true ") + COBPortal::addressToken;
+  testing::internal::CaptureStdout();
+  std::string const quit = fatalText([&] { COBPortal portal(nullptr, &quits); });
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ("COBPortal::connect: The data server ended before it connected back: \"/bin/true Address:",
+            quit.substr(0, 87)) << quit;
+
+  vString const leaves = vString("sleep 5 # ") + COBPortal::addressToken;
   vHandle<COBPortal> portal = startPortal();
   TestCOB catalog("ProjectCatalog", nullptr);
   catalog.setPortal(portal);
@@ -276,7 +284,8 @@ TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
   portal->setDataserverCommandLine(leaves);
   testing::internal::CaptureStdout();
   EXPECT_EQ(CommChan::TIMEOUT, catalog.call(TestServer::CrashAlways));
-  EXPECT_EQ(2u, occurrences(testing::internal::GetCapturedStdout(), "Executing \"/bin/true Address:"));
+  std::string const said = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(2u, occurrences(said, "Executing \"sleep 5 # Address:")) << said;
 
   vHandle<COBPortal> never(new COBPortal(nullptr, &leaves));
   never->setAcceptTimeout(0.2f);
