@@ -209,6 +209,15 @@ int PlotCommand::run(ToolArguments& arguments) {
     r.y = named->getString(2).c_str();
     if (r.attribute.empty() && named->getNElements() >= 3) r.attribute = named->getString(3).c_str();
   }
+  // Without --x and --y a map's axes are a guess: one the store lacks is
+  // the user's to name, which the store's own message would not say.
+  if (!seismic && !map)
+    for (std::string const& axis : {r.x, r.y})
+      if (!store->hasAttribute(vUCString(axis.c_str())))
+        Message::fatal("PlotCommand::run", 0,
+                       "A %s store is drawn as a map, and this one has no attribute %s: name the axes with --x "
+                       "and --y.",
+                       store->getClass().c_str(), axis.c_str());
   unsigned int const n = store->getNInstances();
   if (!r.hasLast) r.last = n;
   Attribute const probe = store->getAttribute(vUCString(seismic ? r.attribute.c_str() : r.x.c_str()));

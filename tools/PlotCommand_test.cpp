@@ -60,6 +60,15 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
     EXPECT_EQ(2, usage.status) << u.arguments;
     EXPECT_EQ(0u, usage.err.find(u.first)) << usage.err;
   }
+
+  // A velocity volume of the FDM fixture is drawn as a map, and has no X and Y.
+  ASSERT_EQ(0, shell(dir, "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py v.fdm '>'")
+                   .status);
+  Outcome const axes = tool(dir, "plot v.fdm --out v.png");
+  EXPECT_EQ(1, axes.status);
+  EXPECT_EQ("rondo: v.fdm: A velocity store is drawn as a map, and this one has no attribute X: name the axes with "
+            "--x and --y.\n",
+            axes.err);
 }
 
 // Shapefiles that GDAL's ogr2ogr writes, drawn as maps: points by X and Y,
