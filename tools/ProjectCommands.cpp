@@ -29,7 +29,9 @@ ToolCommand const& ProjectCommands::ls() {
                                 "Lists the stores of a project on the data server of HOST (this host\n"
                                 "when not given), of one class or of all: one line per store with its\n"
                                 "name.version, class, subclass and number of instances, separated by\n"
-                                "tabs.\n"
+                                "tabs, as the project lists them. A directory of files lists each\n"
+                                "store without opening it: its subclass is blank and its count 0;\n"
+                                "`rondo info rondo:::PROJECT:STORE` opens it.\n"
                                 "\n"
                                 "example:\n"
                                 "  rondo ls survey seismic\n",
