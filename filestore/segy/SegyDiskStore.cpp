@@ -138,6 +138,16 @@ unsigned int SegyDiskStore::myGetNInstances() {
   m_fileSize = m_file.getNRecords();
   if (!m_file.isGood()) m_file.terminate("SegyDiskStore::myGetNInstances");
   if (m_mapper.isEmpty()) {
+    // Extended textual headers (a later revision of the format) stand
+    // between the binary header and the traces, and would be read as
+    // traces: a file whose size fits the count its header gives is refused.
+    long long const extended = SegyKernels::readInt16(m_binaryHeader->getBlock() + 304);
+    long long const traceBytes = m_fileSize - SegyKernels::FILE_HEADER_LENGTH - extended * 3200;
+    if (extended > 0 && traceBytes >= 0 && traceBytes % m_traceLength == 0)
+      Message::fatal("SegyDiskStore::myGetNInstances", 0,
+                     "The file '%s' has %d extended textual headers after its binary header, which this reader does "
+                     "not skip.",
+                     m_fileName.c_str(), static_cast<int>(extended));
     long long expected = 0;
     unsigned int const traces = SegyKernels::countPlainTraces(m_fileSize, m_traceLength, expected);
     if (expected != m_fileSize)

@@ -265,4 +265,28 @@ INSTANTIATE_TEST_SUITE_P(FormatsAndByteOrders, SegyPeerTest,
                                            PeerCase{"IeeeLittleEndian", 5, "little"}),
                          [](::testing::TestParamInfo<PeerCase> const& info) { return std::string(info.param.name); });
 
+// segyio puts extended textual headers between the binary header and the
+// traces when asked to; read as traces they would give wrong values.
+TEST(SegyPeerExtendedHeaders, AFileWithThemIsRefused) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "ext.sgy";
+  fs_testing::writeFile(dir / "ext.py",
+                        "import sys, segyio\n"
+                        "spec = segyio.spec()\n"
+                        "spec.format, spec.samples, spec.tracecount, spec.ext_headers = 5, list(range(7)), 3, 2\n"
+                        "with segyio.create(sys.argv[1], spec) as f:\n"
+                        "    for t in range(3): f.trace[t] = [float(t)] * 7\n");
+  std::string const command = std::string(kPython) + " " + (dir / "ext.py") + " " + path;
+  ASSERT_EQ(0, std::system(command.c_str())) << "python3-segyio is needed (scripts/install-deps): " << command;
+  SegyDiskStore store;
+  try {
+    store.open(vFilename(path.c_str()));
+    ADD_FAILURE() << "opened with " << store.getNInstances() << " instances";
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("The file '" + path +
+                  "' has 2 extended textual headers after its binary header, which this reader does not skip.",
+              e.getReason().c_str());
+  }
+}
+
 }  // namespace
