@@ -1,7 +1,13 @@
 #include "registry/RondoRegistry.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "database/zon/CapiZonFactory.h"
 #include "decorator/AttributeMappingDecorator.h"
@@ -108,12 +114,26 @@ vHandle<Store> openShapefile(StoreDescription const& description) {
   return handle;
 }
 
+// Why a file cannot be read, as the system says it; blank when it can.
+std::string whyUnreadable(char const* name) {
+  struct stat s;
+  if (::stat(name, &s) != 0) return std::strerror(errno);
+  if (S_ISDIR(s.st_mode)) return std::strerror(EISDIR);
+  int const fd = ::open(name, O_RDONLY);
+  if (fd < 0) return std::strerror(errno);
+  ::close(fd);
+  return std::string();
+}
+
 vHandle<Store> openTextTable(StoreDescription const& description) {
   AsciiDiskStore* store = new AsciiDiskStore;
   vHandle<Store> handle(store);
-  if (!store->open(description))
-    Message::fatal("StoreFactory::openStore", 0, "The text table '%s' could not be opened.",
-                   description.getFlatFileName().c_str());
+  if (!store->open(description)) {
+    // The store only says that it failed; the reason is the file's.
+    std::string const why = whyUnreadable(description.getFlatFileName().c_str());
+    Message::fatal("StoreFactory::openStore", 0, "The text table '%s' could not be opened%s.",
+                   description.getFlatFileName().c_str(), why.empty() ? "" : (": " + why).c_str());
+  }
   return handle;
 }
 

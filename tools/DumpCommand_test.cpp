@@ -107,6 +107,7 @@ TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
 TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 1, "big", 10, 20);
+  ASSERT_EQ(0, shell(dir, "mkdir d.txt").status);
   struct Case {
     char const* arguments;
     int status;
@@ -117,6 +118,9 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
       {"dump line.sgy CMP --first 4 --last 3", 1, "rondo: line.sgy: first instance 4 must be <= last instance 3.\n"},
       {"dump line.sgy CMP --first 12", 1, "rondo: line.sgy: first instance 12 must be <= number of instances 10.\n"},
       {"info noformat", 1, "rondo: noformat: We do not know the type of file 'noformat', therefore we cannot handle it!\n"},
+      {"info missing.txt", 1,
+       "rondo: missing.txt: The text table 'missing.txt' could not be opened: No such file or directory.\n"},
+      {"info d.txt", 1, "rondo: d.txt: The text table 'd.txt' could not be opened: Is a directory.\n"},
       {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
       {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},
       {"frobnicate", 2, "rondo: unknown command 'frobnicate'\n"},
