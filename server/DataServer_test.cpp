@@ -1,6 +1,8 @@
 // The data server as a process, driven through a portal by a bare remote
 // object: requests, arguments and settings it cannot take.
 
+#include <sys/wait.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -138,6 +140,22 @@ TEST_F(DataServerTest, ArgumentsItCannotTakeFailEveryRequest) {
     std::ifstream log(m_dir.file(c.log));
     EXPECT_TRUE(log.good()) << c.log;
   }
+}
+
+// Started by hand with an address no client listens on, the server says
+// so on its standard error as well as in its log.
+TEST_F(DataServerTest, AnAddressNobodyListensOnIsToldOnStandardError) {
+  std::string const err = m_dir.file("err");
+  std::string const command = dataServerPath() + " Rondo Address:" + m_dir.file("nobody") + " 2> " + err;
+  int const raw = std::system(command.c_str());
+  ASSERT_TRUE(WIFEXITED(raw));
+  EXPECT_EQ(3, WEXITSTATUS(raw));
+  std::ifstream in(err);
+  std::string line;
+  std::getline(in, line);
+  EXPECT_EQ(dataServerPath() + ": cannot connect to Address:" + m_dir.file("nobody") +
+                ": Error 2 from connect (logged in " + m_dir.file("") + "/DataServer.Rondo)",
+            line);
 }
 
 TEST_F(DataServerTest, BackEndSetting) {

@@ -30,16 +30,17 @@
 
 namespace {
 
-std::FILE* openLog(char const* typeName) {
+std::FILE* openLog(char const* typeName, std::string& path, int& console) {
   char const* home = std::getenv("HOME");
   std::string name = typeName;
   if (name.empty() || name.find('/') != std::string::npos) name = "unknown";
-  std::string const path = std::string(home != nullptr && *home != '\0' ? home : ".") + "/DataServer." + name;
+  path = std::string(home != nullptr && *home != '\0' ? home : ".") + "/DataServer." + name;
   std::FILE* log = std::fopen(path.c_str(), "a");
   if (log == nullptr) return nullptr;
   // Reports of the libraries go to the log too, not to the client's output.
   std::fflush(stdout);
   std::fflush(stderr);
+  console = ::dup(2);
   int const fd = ::fileno(log);
   ::dup2(fd, 1);
   ::dup2(fd, 2);
@@ -75,15 +76,23 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: %s <TypeName> <address> -build <N> [-v <VREL>]\n", argv[0]);
     return 2;
   }
-  std::FILE* log = openLog(argv[1]);
+  std::string logName;
+  int console = 2;
+  std::FILE* log = openLog(argv[1], logName, console);
   vHandle<CommChan> channel;
   try {
     channel = CommChanMaker::connect(CommChanAddress(vString(argv[2])));
   } catch (UtlExcept const& e) {
     if (log != nullptr) std::fprintf(log, "%d cannot connect to %s: %s\n", static_cast<int>(::getpid()), argv[2],
                                      e.getReason().c_str());
+    // Without a client there is no one else to tell: one started by hand
+    // would otherwise end without a word.
+    if (console >= 0)
+      ::dprintf(console, "%s: cannot connect to %s: %s (logged in %s)\n", argv[0], argv[2], e.getReason().c_str(),
+                log != nullptr ? logName.c_str() : "no log");
     return 3;
   }
+  if (console > 2) ::close(console);
   DataServerSession session(channel, log);
   session.note("serving %s at %s", argv[1], argv[2]);
   try {
