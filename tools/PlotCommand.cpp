@@ -219,6 +219,10 @@ int PlotCommand::run(ToolArguments& arguments) {
                        "and --y.",
                        store->getClass().c_str(), axis.c_str());
   unsigned int const n = store->getNInstances();
+  // Only a range the user gave is checked against the store; an empty store
+  // has nothing to draw, whatever the range.
+  if (n == 0 && !r.hasLast && !arguments.has("first"))
+    Message::fatal("PlotCommand::run", 0, "There is nothing to draw: the store has no instances.");
   if (!r.hasLast) r.last = n;
   Attribute const probe = store->getAttribute(vUCString(seismic ? r.attribute.c_str() : r.x.c_str()));
   StoreArgument::checkRange(store, probe, r.first, r.last, n);

@@ -64,6 +64,9 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
   // A velocity volume of the FDM fixture is drawn as a map, and has no X and Y.
   ASSERT_EQ(0, shell(dir, "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py v.fdm '>'")
                    .status);
+  Outcome const none = tool(dir, "plot line.sgy --out none.png --view select:CMP,-2,-1");
+  EXPECT_EQ(1, none.status);
+  EXPECT_EQ("rondo: line.sgy: There is nothing to draw: the store has no instances.\n", none.err);
   Outcome const axes = tool(dir, "plot v.fdm --out v.png");
   EXPECT_EQ(1, axes.status);
   EXPECT_EQ("rondo: v.fdm: A velocity store is drawn as a map, and this one has no attribute X: name the axes with "
