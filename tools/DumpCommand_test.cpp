@@ -107,7 +107,7 @@ TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
 TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 1, "big", 10, 20);
-  ASSERT_EQ(0, shell(dir, "mkdir d.txt").status);
+  ASSERT_EQ(0, shell(dir, "mkdir d.txt && mkfifo p.sgy").status);
   struct Case {
     char const* arguments;
     int status;
@@ -121,6 +121,7 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
       {"info missing.txt", 1,
        "rondo: missing.txt: The text table 'missing.txt' could not be opened: No such file or directory.\n"},
       {"info d.txt", 1, "rondo: d.txt: The text table 'd.txt' could not be opened: Is a directory.\n"},
+      {"info p.sgy", 1, "rondo: p.sgy: 'p.sgy' is a pipe or a socket, not a file that holds a store.\n"},
       {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
       {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},
       {"frobnicate", 2, "rondo: unknown command 'frobnicate'\n"},

@@ -1,5 +1,7 @@
 #include "tools/StoreArgument.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 
 #include "foundation/Message.h"
@@ -16,6 +18,12 @@ StoreDescription StoreArgument::describe(std::string const& text) {
 }
 
 vHandle<Store> StoreArgument::open(std::string const& text) {
+  // A pipe would be waited on for ever by the first read of its bytes.
+  struct stat s;
+  if (text.find(':') == std::string::npos && ::stat(text.c_str(), &s) == 0 &&
+      (S_ISFIFO(s.st_mode) || S_ISSOCK(s.st_mode)))
+    Message::fatal("StoreArgument::open", 0, "'%s' is a pipe or a socket, not a file that holds a store.",
+                   text.c_str());
   if (!text.empty() && text.find(':') == std::string::npos && InMemoryStoreFile::recognise(text)) {
     // Loaded, named by its in-memory name and closed, so that the factory
     // opens it as it opens any store; the factory's handle keeps it alive.
