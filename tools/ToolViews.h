@@ -9,7 +9,7 @@
 //   select:ATTR,MIN,MAX           instances with ATTR in MIN..MAX
 //   sort:KEY[,-KEY...]            sorted by keys ('-': descending)
 //   bin:ATTR,MIN,MAX,INC,WIDTH    ATTR snapped to bins of that width
-//   infill                        the two-key grid completed
+//   infill[:PAD]                  the two-key grid completed, padded as PAD says
 //   restore-mute                  vector attributes from time zero
 //   bind:STORE                    STORE bound after the store (whole rest)
 // An argument the tool cannot follow, or a view that refuses its
@@ -30,7 +30,9 @@
   "                  select:ATTR,MIN,MAX         instances with ATTR in MIN..MAX\n" \
   "                  sort:KEY[,-KEY...]          sorted ('-': descending)\n" \
   "                  bin:ATTR,MIN,MAX,INC,WIDTH  ATTR snapped to bins\n"     \
-  "                  infill                      the two-key grid completed\n" \
+  "                  infill[:PAD]                the two-key grid completed; PAD is\n" \
+  "                                              common (default), group, none,\n" \
+  "                                              common-start, common-end or group-step\n" \
   "                  restore-mute                traces shown from time zero\n" \
   "                  bind:STORE                  STORE bound after the store\n"
 
