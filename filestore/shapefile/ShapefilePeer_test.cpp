@@ -92,6 +92,14 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
   // The .prj that ogr2ogr wrote.
   EXPECT_EQ("geographic", std::string(store.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
   EXPECT_EQ(0u, std::string(store.findProperty(vUCString("COORDINATE_SYSTEM"))->getString().c_str()).find("GEOGCS"));
+
+  // The same parts with their extensions in upper case, as some writers name them.
+  for (std::string const e : {"shp", "shx", "dbf", "prj"})
+    run("cp " + base + "." + e + " " + base + "_up.$(echo " + e + " | tr a-z A-Z)");
+  ShapefileDiskStore upper;
+  upper.open(StoreDescription(vFilename((base + "_up.SHP").c_str())));
+  EXPECT_EQ(store.getNAttributes(), upper.getNAttributes());
+  EXPECT_NE(upper.endProperty(), upper.findProperty(vUCString("COORDINATE_SYSTEM")));
 }
 
 TEST(ShapefilePeer, PointZLinesAndPolygonsWithHolesFromOgr) {

@@ -2,6 +2,7 @@
 
 #include <shapefil.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -12,10 +13,17 @@
 
 namespace {
 
+// A part of the shapefile, by its extension in lower case or, where only
+// that is there, in upper case, as shapelib finds the parts it opens.
 vFilename beside(vFilename const& file, char const* extension) {
   vFilename other(file);
   other.setExtension(extension);
-  return other;
+  if (FS::exists(other)) return other;
+  std::string upper(extension);
+  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  vFilename shouted(file);
+  shouted.setExtension(upper.c_str());
+  return FS::exists(shouted) ? shouted : other;
 }
 
 // Field types as the .dbf declares them; see the header.
@@ -44,7 +52,7 @@ unsigned int bigEndian32(unsigned char const* p) {
 // the index.
 int firstDisagreement(vFilename const& shpFile, long long nShapes) {
   std::ifstream shx(beside(shpFile, "shx").c_str(), std::ios::binary);
-  std::ifstream shp(shpFile.c_str(), std::ios::binary);
+  std::ifstream shp(beside(shpFile, "shp").c_str(), std::ios::binary);
   if (!shx || !shp) return 1;
   shp.seekg(0, std::ios::end);
   long long const shpSize = shp.tellg();
