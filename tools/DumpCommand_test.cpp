@@ -1,6 +1,8 @@
 // `rondo dump` and `rondo info` as a process on files written by segyio,
 // compared value by value with what segyio reads back.
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "tools/ToolTesting.h"
@@ -148,6 +150,18 @@ TEST(RondoHelp, EveryCommandHasHelpWithAnExample) {
     EXPECT_EQ(0u, r.out.find("usage: rondo " + std::string(*command ? command : "COMMAND "))) << r.out;
     EXPECT_NE(std::string::npos, r.out.find("example:\n  rondo ")) << command;
   }
+}
+
+// A plain path is a file even where it holds the separators of store names.
+TEST(RondoDump, PathsWithColonsAndHashesAreFiles) {
+  fs_testing::TempDir dir;
+  writeSegy(dir, "plain.sgy", 1, "big", 3, 4);
+  ASSERT_EQ(0, shell(dir, "cp plain.sgy 'a:b#c.sgy'").status);
+  Outcome const plain = tool(dir, "dump plain.sgy CMP,TRACE");
+  Outcome const odd = tool(dir, "dump 'a:b#c.sgy' CMP,TRACE");
+  EXPECT_EQ(0, odd.status) << odd.err;
+  EXPECT_EQ(plain.out, odd.out);
+  EXPECT_EQ(3, std::count(odd.out.begin(), odd.out.end(), '\n')) << odd.out;
 }
 
 }  // namespace

@@ -8,9 +8,20 @@
 #include "project/StoreFactory.h"
 #include "tools/InMemoryStoreFile.h"
 
+namespace {
+
+// A plain path: without ':', or one that is there on disk (a file name may
+// hold ':' and '#', which a store name reads as its separators).
+bool isPath(std::string const& text) {
+  struct stat s;
+  return text.find(':') == std::string::npos || ::stat(text.c_str(), &s) == 0;
+}
+
+}  // namespace
+
 StoreDescription StoreArgument::describe(std::string const& text) {
   if (text.empty()) Message::fatal("StoreArgument::describe", 0, "No store named.");
-  if (text.find(':') == std::string::npos) return StoreDescription(vString(("file:" + text).c_str()));
+  if (isPath(text)) return StoreDescription(vFilename(text.c_str()));
   vString report;
   if (!StoreDescription::validateStoreName(vString(text.c_str()), report))
     Message::fatal("StoreArgument::describe", 0, "%s", report.c_str());
@@ -20,11 +31,10 @@ StoreDescription StoreArgument::describe(std::string const& text) {
 vHandle<Store> StoreArgument::open(std::string const& text) {
   // A pipe would be waited on for ever by the first read of its bytes.
   struct stat s;
-  if (text.find(':') == std::string::npos && ::stat(text.c_str(), &s) == 0 &&
-      (S_ISFIFO(s.st_mode) || S_ISSOCK(s.st_mode)))
+  if (isPath(text) && ::stat(text.c_str(), &s) == 0 && (S_ISFIFO(s.st_mode) || S_ISSOCK(s.st_mode)))
     Message::fatal("StoreArgument::open", 0, "'%s' is a pipe or a socket, not a file that holds a store.",
                    text.c_str());
-  if (!text.empty() && text.find(':') == std::string::npos && InMemoryStoreFile::recognise(text)) {
+  if (!text.empty() && isPath(text) && InMemoryStoreFile::recognise(text)) {
     // Loaded, named by its in-memory name and closed, so that the factory
     // opens it as it opens any store; the factory's handle keeps it alive.
     vHandle<Store> loaded = InMemoryStoreFile::load(text);
