@@ -61,7 +61,11 @@ double number(Spec const& spec, std::string const& text) {
 vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
   if (spec.name == "map") {
     expectCount(spec, 1, 1);
-    return StoreDecoratorFactory::addAttributeMapping(store, vFilename(spec.rest.c_str()));
+    vHandle<Store> out = StoreDecoratorFactory::addAttributeMapping(store, vFilename(spec.rest.c_str()));
+    // The keys a mapping file lists are found when first asked for: asked
+    // here, one it cannot define is the view's refusal, before any output.
+    out->getKeyList();
+    return out;
   }
   if (spec.name == "sort") {
     expectCount(spec, 1, ~std::size_t(0));

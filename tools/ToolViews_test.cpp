@@ -91,6 +91,7 @@ TEST(RondoViews, BindAndInfillOverAPackedStore) {
 TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 4, 4);
+  fs_testing::writeFile(dir / "nokey.cstf", "!KEYLIST NOPE\nHALF:int = CMP / 2\n");
   struct Case {
     char const* spec;
     char const* why;
@@ -103,6 +104,7 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
       {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
       {"sort:CMP,", "an empty argument"},
       {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
+      {"map:nokey.cstf", "The definition for the key attribute NOPE has not been declared!"},
   };
   for (Case const& c : cases) {
     Outcome const r = tool(dir, std::string("dump line.sgy CMP --view ") + c.spec);
