@@ -122,7 +122,9 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
       {"info noformat", 1, "rondo: noformat: We do not know the type of file 'noformat', therefore we cannot handle it!\n"},
       {"info missing.txt", 1,
        "rondo: missing.txt: The text table 'missing.txt' could not be opened: No such file or directory.\n"},
-      {"info d.txt", 1, "rondo: d.txt: The text table 'd.txt' could not be opened: Is a directory.\n"},
+      {"info d.txt", 1,
+       "rondo: d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
+       "project, see rondo ls).\n"},
       {"info p.sgy", 1, "rondo: p.sgy: 'p.sgy' is a pipe or a socket, not a file that holds a store.\n"},
       {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
       {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},

@@ -31,9 +31,16 @@ StoreDescription StoreArgument::describe(std::string const& text) {
 vHandle<Store> StoreArgument::open(std::string const& text) {
   // A pipe would be waited on for ever by the first read of its bytes.
   struct stat s;
-  if (isPath(text) && ::stat(text.c_str(), &s) == 0 && (S_ISFIFO(s.st_mode) || S_ISSOCK(s.st_mode)))
-    Message::fatal("StoreArgument::open", 0, "'%s' is a pipe or a socket, not a file that holds a store.",
-                   text.c_str());
+  if (isPath(text) && ::stat(text.c_str(), &s) == 0) {
+    if (S_ISFIFO(s.st_mode) || S_ISSOCK(s.st_mode))
+      Message::fatal("StoreArgument::open", 0, "'%s' is a pipe or a socket, not a file that holds a store.",
+                     text.c_str());
+    if (S_ISDIR(s.st_mode))
+      Message::fatal("StoreArgument::open", 0,
+                     "'%s' is a directory: name a file in it (a data server lists a directory of files as a "
+                     "project, see rondo ls).",
+                     text.c_str());
+  }
   if (!text.empty() && isPath(text) && InMemoryStoreFile::recognise(text)) {
     // Loaded, named by its in-memory name and closed, so that the factory
     // opens it as it opens any store; the factory's handle keeps it alive.
