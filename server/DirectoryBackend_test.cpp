@@ -94,11 +94,17 @@ TEST_F(DirectoryBackend, ShapefilesAreServed) {
   write(dir + "/wells.geojson", R"({"type":"FeatureCollection","features":[
 {"type":"Feature","properties":{"depth":1250.5,"name":"W1"},"geometry":{"type":"Point","coordinates":[431000,6520000]}},
 {"type":"Feature","properties":{"depth":980.25,"name":"W2"},"geometry":{"type":"Point","coordinates":[432500,6521500]}}]})");
+  // The same parts again with upper-case extensions, as some writers name them.
   std::string const cmd = "ogr2ogr -f 'ESRI Shapefile' -a_srs EPSG:32631 " + dir + "/wells.shp " + dir +
-                          "/wells.geojson && rm " + dir + "/wells.geojson";
+                          "/wells.geojson && rm " + dir + "/wells.geojson && cd " + dir +
+                          " && for e in shp shx dbf prj; do cp wells.$e UP.$(echo $e | tr a-z A-Z); done";
   ASSERT_EQ(0, std::system(cmd.c_str())) << "GDAL's ogr2ogr is needed: run scripts/install-deps";
   vHandle<Project> project = openProject(newCatalog(), "maps");
-  EXPECT_EQ((std::vector<std::string>{"wells.1"}), names(*project->getStoreList("", "")));
+  EXPECT_EQ((std::vector<std::string>{"up.1", "wells.1"}), names(*project->getStoreList("", "")));
+  EXPECT_EQ((std::vector<std::string>{"up.1", "wells.1"}), names(*project->getStoreList("shapes", "")));
+  ClientAttributeSet up(project);
+  up.open("up", 1, "", "", nullptr);
+  EXPECT_EQ(2u, up.getNInstances());
   ClientAttributeSet wells(project);
   wells.open("wells", 1, "", "", nullptr);
   Attribute depth = wells.getAttribute("DEPTH");

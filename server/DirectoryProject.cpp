@@ -69,13 +69,15 @@ std::vector<DirectoryProject::Entry> DirectoryProject::myScan() const {
       // them.
       vLCString const extension(vFilename(name.c_str()).getExtension());
       bool const fdm = extension == vLCString("fdm");
+      // A shapefile named in upper case (WELLS.SHP) too, by its data part.
+      bool const shapes = extension == vLCString("shp");
       bool const byExtension = extension == vLCString("offload") || extension == vLCString("segd") ||
-                               extension == vLCString("sgd") || extension == vLCString("dsegd") || fdm;
+                               extension == vLCString("sgd") || extension == vLCString("dsegd") || fdm || shapes;
       if (!byExtension ||
           StoreFactory::getMakers(StoreFactory::getFileStoreClass(extension)).openFile == nullptr)
         continue;
       description.setFileFormat(extension);
-      description.setStoreClass(fdm ? "velocity" : "seismic");
+      description.setStoreClass(fdm ? "velocity" : shapes ? "shapes" : "seismic");
     }
     // A shapefile is one store, served by its .shp; its .shx and .dbf are
     // parts of it.
