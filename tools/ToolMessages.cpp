@@ -24,6 +24,9 @@ std::string ToolMessages::line(std::string const& text) {
   for (char c : text) {
     if (c == '\n' || c == '\r' || c == '\t') {
       if (!flat.empty() && flat.back() != ' ') flat.push_back(' ');
+    } else if ((c >= 0 && c < ' ') || c == 0x7f) {
+      // Bytes of a binary file quoted in a message would drive the terminal.
+      flat.push_back('?');
     } else {
       flat.push_back(c);
     }

@@ -92,6 +92,7 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 4, 4);
   fs_testing::writeFile(dir / "nokey.cstf", "!KEYLIST NOPE\nHALF:int = CMP / 2\n");
+  fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
   struct Case {
     char const* spec;
     char const* why;
@@ -105,6 +106,9 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
       {"sort:CMP,", "an empty argument"},
       {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
       {"map:nokey.cstf", "The definition for the key attribute NOPE has not been declared!"},
+      // A control byte quoted from the file is not passed to the terminal.
+      {"map:esc.cstf", "The expression '?[2J CMP' for the attribute 'A' is in error at position 0: Invalid non printable "
+                       "characters found in expression/identifer!"},
   };
   for (Case const& c : cases) {
     Outcome const r = tool(dir, std::string("dump line.sgy CMP --view ") + c.spec);
