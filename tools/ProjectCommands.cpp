@@ -1,5 +1,6 @@
 #include "tools/ProjectCommands.h"
 
+#include "foundation/vUtl.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/ProjectList.h"
@@ -39,9 +40,18 @@ ToolCommand const& ProjectCommands::ls() {
   return c;
 }
 
+namespace {
+
+// "localhost" (and this host's name in any case) is this host: its server
+// is started here, not through the remote shell, which would wait for a
+// remote shell daemon that this machine need not run.
+std::string hostOf(std::string const& host) { return vUtl::isThisHost(vString(host.c_str())) ? "" : host; }
+
+}  // namespace
+
 int ProjectCommands::runProjects(ToolArguments& arguments) {
   arguments.finish(0, 1);
-  std::string const host = arguments.positional().empty() ? std::string() : arguments.positional()[0];
+  std::string const host = hostOf(arguments.positional().empty() ? std::string() : arguments.positional()[0]);
   arguments.setSubject(host);
   vHandle<ProjectCatalog> catalog =
       ProjectCatalogFactory::create(vString(host.c_str()), ProjectType::RONDO, vString(host.c_str()));
@@ -61,7 +71,7 @@ int ProjectCommands::runLs(ToolArguments& arguments) {
   std::string const storeClass = arguments.positional().size() > 1 ? arguments.positional()[1] : "";
   arguments.setSubject(text);
   std::size_t const colon = text.rfind(':');
-  std::string const host = colon == std::string::npos ? std::string() : text.substr(0, colon);
+  std::string const host = colon == std::string::npos ? std::string() : hostOf(text.substr(0, colon));
   std::string const name = colon == std::string::npos ? text : text.substr(colon + 1);
   vHandle<Project> project = ProjectFactory::openProject(ProjectType::RONDO, vString(host.c_str()),
                                                          vString(host.c_str()), vLCString(name.c_str()));

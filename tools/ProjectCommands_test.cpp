@@ -30,6 +30,7 @@ TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
   } const cases[] = {
       {"projects", ""},
       {"ls survey horizon", "tops.2\thorizon\tmap\t0\n"},
+      {"ls localhost:survey horizon", "tops.2\thorizon\tmap\t0\n"},
       {"dump rondo:::survey:line12.1 TRACE,CDP,AMP.RMS --first 2 --last 3",
        "2\t20 20.5 21 21.5 22 22.5 23 23.5\t102\t0.5\n3\t30 30.5 31 31.5 32 32.5 33 33.5\t103\t0.75\n"},
       {"plot rondo:::survey:tops.2 --out tops.png --size 32", ""},
