@@ -14,8 +14,8 @@ ToolCommand const& ProjectCommands::projects() {
                                 "\n"
                                 "Lists the projects of the data server on HOST, one name a line. The\n"
                                 "server is started as the Java host starts it when none runs yet: on\n"
-                                "this machine when HOST is left out or is this machine's name, else\n"
-                                "through the remote shell.\n"
+                                "this machine when HOST is left out, localhost or this machine's\n"
+                                "name, else through the remote shell.\n"
                                 "\n"
                                 "example:\n"
                                 "  rondo projects $(hostname)\n",
