@@ -37,8 +37,10 @@ ToolCommand const& DumpCommand::command() {
       "attribute's values separated by spaces; several attributes are separated\n"
       "by tabs. Floating values print with %.9g, integers in decimal, strings as\n"
       "they are. Instances count from 1 and the range is inclusive; the default\n"
-      "is every instance. A truncated file gives its whole instances and a\n"
-      "warning on standard error.\n"
+      "is every instance. A SEG-Y or SEG-D file cut short gives its whole\n"
+      "instances and a warning on standard error; a file of another format\n"
+      "cut short is an error where its layout shows the cut (at the open or\n"
+      "at the first read of what is missing).\n"
       "\n" TOOL_VIEW_HELP
       "\n"
       "example:\n"
