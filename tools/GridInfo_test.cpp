@@ -105,4 +105,17 @@ TEST(RondoGrid, OffloadFileOfThePythonFixture) {
       << json.out;
 }
 
+// Texts of a file are bytes: in JSON, UTF-8 passes and any other byte is
+// read as Latin-1, so that the report stays valid UTF-8.
+TEST(RondoInfo, JsonOfBytesThatAreNotUtf8) {
+  fs_testing::TempDir dir;
+  fs_testing::writeFile(dir / "h.txt",
+                        "PELAGOS HORIZON V1.0\nLINEX 100 101 1\nLINEY 10 10 1\nSTEPX 25\nSTEPY 25\nORIGIN 0 0\n"
+                        "DOMAIN time\nNUMSURFACES 1\nSURFACE Caf\xe9_\xc3\xa9\nNUMATTR 5\nATTRIBUTE INLINE\n"
+                        "ATTRIBUTE CROSSLINE\nATTRIBUTE X\nATTRIBUTE Y\nATTRIBUTE Z\n10 100 0 0 1500\n10 101 25 0 1501\n");
+  Outcome const r = tool(dir, "info h.txt --json");
+  ASSERT_EQ(0, r.status) << r.err;
+  EXPECT_NE(std::string::npos, r.out.find("\"HORIZONNAME\":\"Caf\\u00e9_\xc3\xa9\"")) << r.out;
+}
+
 }  // namespace

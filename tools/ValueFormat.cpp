@@ -76,11 +76,51 @@ void ValueFormat::appendInstance(std::string& out, Attribute const& attribute, u
   }
 }
 
+namespace {
+
+// The length of the well-formed UTF-8 sequence at p, 0 when there is none.
+int utf8Length(unsigned char const* p) {
+  unsigned char const c = p[0];
+  int n = 0;
+  unsigned char low = 0x80, high = 0xbf;
+  if (c >= 0xc2 && c <= 0xdf) {
+    n = 2;
+  } else if (c >= 0xe0 && c <= 0xef) {
+    n = 3;
+    if (c == 0xe0) low = 0xa0;
+    if (c == 0xed) high = 0x9f;
+  } else if (c >= 0xf0 && c <= 0xf4) {
+    n = 4;
+    if (c == 0xf0) low = 0x90;
+    if (c == 0xf4) high = 0x8f;
+  } else {
+    return 0;
+  }
+  if (p[1] < low || p[1] > high) return 0;
+  for (int i = 2; i < n; ++i)
+    if (p[i] < 0x80 || p[i] > 0xbf) return 0;
+  return n;
+}
+
+}  // namespace
+
 std::string ValueFormat::jsonString(char const* text) {
   std::string out = "\"";
   for (char const* p = text; *p; ++p) {
     unsigned char const c = static_cast<unsigned char>(*p);
-    if (c == '"' || c == '\\') {
+    if (c >= 0x80) {
+      // Names and texts from files are bytes: UTF-8 passes, any other byte
+      // is read as Latin-1, so that the output stays valid JSON.
+      int const n = utf8Length(reinterpret_cast<unsigned char const*>(p));
+      if (n > 0) {
+        out.append(p, static_cast<std::size_t>(n));
+        p += n - 1;
+      } else {
+        char escaped[8];
+        std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+        out.append(escaped);
+      }
+    } else if (c == '"' || c == '\\') {
       out.push_back('\\');
       out.push_back(static_cast<char>(c));
     } else if (c < 0x20) {
