@@ -201,6 +201,11 @@ int PlotCommand::run(ToolArguments& arguments) {
   arguments.setSubject(arguments.positional()[0]);
   vHandle<Store> store = ToolViews::apply(StoreArgument::open(arguments.subject()), views);
   bool const seismic = !map && store->getClass() == vLCString("seismic");
+  // An option of the other kind of picture would be taken and do nothing.
+  if (seismic && arguments.has("size"))
+    throw ToolUsageError{"--size is for a map, and a seismic store is drawn as a section (see --zoom)"};
+  if (!seismic && (arguments.has("zoom") || arguments.has("clip")))
+    throw ToolUsageError{"--zoom and --clip are for a section, and this store is drawn as a map (see --size)"};
   if (seismic && r.attribute.empty()) r.attribute = "TRACE";
   // A map data set may name its own x, y and value attributes.
   auto const named = store->findProperty(vUCString("XYZ_PLOT_ATTRIBUTES"));

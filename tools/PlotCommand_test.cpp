@@ -54,6 +54,10 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
       {"plot line.sgy --out x.png --colour pink", "rondo: plot: --colour wants grey or rwb, not 'pink'\n"},
       {"plot line.sgy --out x.png --clip 150", "rondo: plot: --clip wants a percentile above 0 and at most 100\n"},
       {"plot line.sgy --out x.png --x CMP", "rondo: plot: --x and --y go together\n"},
+      {"plot line.sgy --out x.png --size 64",
+       "rondo: plot: --size is for a map, and a seismic store is drawn as a section (see --zoom)\n"},
+      {"plot line.sgy --out x.png --x CMP --y CMP --zoom 2",
+       "rondo: plot: --zoom and --clip are for a section, and this store is drawn as a map (see --size)\n"},
   };
   for (Usage const& u : usages) {
     Outcome const usage = tool(dir, u.arguments);
