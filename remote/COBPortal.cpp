@@ -67,7 +67,12 @@ int startHere(vString const& command) {
     ::close(ends[0]);
     // The server is the child of a child that ends at once: no process is
     // left for this one to reap.
-    if (::fork() == 0) ::execl("/bin/sh", "sh", "-c", text, static_cast<char*>(nullptr));
+    if (::fork() == 0) {
+      // As a command put in the background by the shell: no input.
+      int const none = ::open("/dev/null", O_RDONLY);
+      if (none >= 0) ::dup2(none, 0);
+      ::execl("/bin/sh", "sh", "-c", text, static_cast<char*>(nullptr));
+    }
     ::_exit(0);
   }
   ::close(ends[1]);
