@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -27,5 +29,26 @@ TEST(KvsdServer, UnfinishedTablesAreDroppedAtStart) {
   KvsdServer server(dir.string());
   EXPECT_FALSE(fs::exists(dir / "acct/SEIS/L1/v1/.part1_0"));
   EXPECT_TRUE(fs::exists(dir / "acct/SEIS/L1/v1/SHOTS.tab"));
+  fs::remove_all(dir);
+}
+
+// A word the daemon does not take, alone or with a value, is its usage and
+// status 2, not a daemon started with the defaults (the time-out only ends
+// a daemon that was started by mistake).
+TEST(KvsdServer, AWrongCommandLineIsTheUsage) {
+  fs::path dir = fs::temp_directory_path() / ("kvsd_usage" + std::to_string(getpid()));
+  fs::create_directories(dir);
+  for (char const* arguments : {"--help", "-x 1", "-d"}) {
+    std::string const command = "cd " + dir.string() + " && timeout 20 " + RONDO_TEST_BINARY_DIR "/bin/kvsd " +
+                                arguments + " > out 2> err";
+    int const raw = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(raw)) << arguments;
+    EXPECT_EQ(2, WEXITSTATUS(raw)) << arguments;
+    std::ifstream err(dir / "err");
+    std::string line;
+    std::getline(err, line);
+    EXPECT_EQ("usage: kvsd [-d data-directory] [-p port]", line) << arguments;
+    EXPECT_FALSE(fs::exists(dir / "kvsd-data")) << arguments;
+  }
   fs::remove_all(dir);
 }

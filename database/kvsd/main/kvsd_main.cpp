@@ -13,9 +13,11 @@
 int main(int argc, char** argv) {
   std::string dir = "kvsd-data";
   int port = std::getenv("KVSPORT") ? std::atoi(std::getenv("KVSPORT")) : 4100;
-  for (int i = 1; i + 1 < argc; i += 2) {
-    if (!std::strcmp(argv[i], "-d")) dir = argv[i + 1];
-    else if (!std::strcmp(argv[i], "-p")) port = std::atoi(argv[i + 1]);
+  // Every option takes a value: a word left alone (--help) is a wrong
+  // command line, not a start with the defaults.
+  for (int i = 1; i < argc; i += 2) {
+    if (i + 1 < argc && !std::strcmp(argv[i], "-d")) dir = argv[i + 1];
+    else if (i + 1 < argc && !std::strcmp(argv[i], "-p")) port = std::atoi(argv[i + 1]);
     else {
       std::fprintf(stderr, "usage: kvsd [-d data-directory] [-p port]\n");
       return 2;
