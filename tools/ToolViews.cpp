@@ -85,7 +85,16 @@ vHandle<Store> applyParsed(vHandle<Store> store, Spec const& spec) {
     double const maximum = number(spec, spec.arguments[2]);
     // Looked up now, so that a wrong attribute name is reported against the
     // --view argument that gave it, not against the first read.
-    vUCString const name = store->getAttribute(vUCString(spec.arguments[0].c_str())).getName();
+    Attribute const attribute = store->getAttribute(vUCString(spec.arguments[0].c_str()));
+    vUCString const name = attribute.getName();
+    // A range holds one number an instance: a trace or a text is refused
+    // here rather than at the first read.
+    DataType const type = attribute.getDataType();
+    if (attribute.getLength() != 1 || !(type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 ||
+                                        type == vFLOAT64 || type == vUINT16 || type == vUINT32 || type == vINT8 ||
+                                        type == vUINT8))
+      refuse(spec, "'select' wants an attribute of one number an instance, and " + std::string(name.c_str()) +
+                       " is not");
     vHandle<SelectStoreDecorator> select;
     vHandle<Store> out = StoreDecoratorFactory::addSelect(store, select);
     select->addOperator(vHandle<SelectOperatorBase>(new ToolRangeSelect(name, minimum, maximum)));
