@@ -3,12 +3,15 @@
 // sample formats and byte orders), optionally with a format description
 // file beside it, must open and read or end in UtlExcept.
 //
-// Input: a flags byte, then, when flag 2 is set, a two-byte length (low
-// byte first) and that many bytes of format description ("syf") text; the
-// rest is the SEG-Y file.
+// Input: a flags byte; when flags 8 or 16 are set, a two-byte fault limit
+// (low byte first); when flag 2 is set, a two-byte length and that many
+// bytes of format description ("syf") text; the rest is the SEG-Y file.
 //   flag 1  the file is named "dsegy": the blocked layout;
 //   flag 2  a format description file lies beside the file;
-//   flag 4  the attributes are also read by a list of instances.
+//   flag 4  the attributes are also read by a list of instances;
+//   flags 8 and 16  the file service's test fault on the file, with the
+//           limit: 8 reads that deliver at most limit bytes each, 16 reads
+//           that fail from byte limit on, both the file cut at limit bytes.
 // What opens must read every attribute over its first traces and its last
 // one, with values for each instance asked for. Any other exception, a
 // crash, a sanitizer report or a mismatch is a finding.
@@ -31,6 +34,7 @@
 #include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
 #include "project/StoreDescription.h"
+#include "syslayer/FSService.h"
 
 namespace {
 
@@ -106,25 +110,38 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
   if (size < 1) return 0;
   uint8_t const flags = data[0];
   std::size_t at = 1;
+  auto word = [&]() -> std::size_t {
+    std::size_t const value = at + 2 <= size ? (data[at] | (static_cast<std::size_t>(data[at + 1]) << 8)) : 0;
+    at = at + 2 <= size ? at + 2 : size;
+    return value;
+  };
+  int const fault = (flags >> 3) & 3;
+  int64_t const limit = fault != 0 ? static_cast<int64_t>(word()) : 0;
   std::string format;
   if (flags & 2) {
-    if (size < 3) return 0;
-    std::size_t const length = data[1] | (static_cast<std::size_t>(data[2]) << 8);
-    at = 3 + (length < size - 3 ? length : size - 3);
-    format.assign(reinterpret_cast<char const*>(data + 3), at - 3);
+    std::size_t const length = word();
+    std::size_t const end = at + (length < size - at ? length : size - at);
+    format.assign(reinterpret_cast<char const*>(data + at), end - at);
+    at = end;
   }
   std::string const base = workDir() + "/input";
   std::string const file = base + ((flags & 1) ? ".dsegy" : ".sgy");
   writeFile(file, reinterpret_cast<char const*>(data + at), size - at);
   std::remove((base + ".syf").c_str());
   if (flags & 2) writeFile(base + ".syf", format.data(), format.size());
+  int const kinds[] = {FS_FAULT_NONE, FS_FAULT_SHORTREAD, FS_FAULT_FAILREAD, FS_FAULT_TRUNCATE};
+  if (fault != 0) fs_testfault_(file.c_str(), kinds[fault], fault == 1 && limit == 0 ? 1 : limit);
+  struct EndFault {
+    ~EndFault() { fs_testfault_("", FS_FAULT_NONE, 0); }
+  } const endFault;
   try {
     SegyDiskStore store;
     if (flags & 2)
       store.open(StoreDescription(vFilename(file.c_str())));
     else
       store.open(vFilename(file.c_str()));
-    if (store.getLength() != static_cast<long long>(size - at)) finding("the store's length is not the file's");
+    long long const length = fault == 3 && limit < static_cast<long long>(size - at) ? limit : size - at;
+    if (store.getLength() != length) finding("the store's length is not the file's");
     readAll(store, (flags & 4) != 0);
     store.close();
   } catch (UtlExcept const&) {
