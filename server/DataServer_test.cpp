@@ -118,6 +118,25 @@ TEST_F(DataServerTest, RequestsItCannotServeAreReportedAndTheSessionGoesOn) {
   EXPECT_EQ(ClientCode::GetProjectList, catalog.call(ClientCode::GetProjectList));
 }
 
+TEST_F(DataServerTest, AFrameThatDoesNotReadEndsTheSession) {
+  vHandle<COBPortal> portal = start(rondo());
+  BareCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  ASSERT_EQ(ClientCode::SessionStart, catalog.start("h"));
+  char const garbage[] = "this is no frame header";
+  ASSERT_EQ(CommChan::OK, portal->getChannel()->sendChar8(garbage, sizeof garbage));
+  // The server stops reading and goes: the connection closes.
+  char byte = 0;
+  EXPECT_NE(CommChan::OK, portal->getChannel()->receiveChar8(&byte, 1));
+  std::ifstream log(m_dir.file("DataServer.Rondo"));
+  std::string line;
+  int lines = 0;
+  while (std::getline(log, line))
+    lines += line.find(" bad message from the client: Bad message received. Magic was 1936287860 expected "
+                       "40506070.") != std::string::npos;
+  EXPECT_EQ(1, lines);
+}
+
 TEST_F(DataServerTest, ArgumentsItCannotTakeFailEveryRequest) {
   struct Case {
     std::string arguments;
