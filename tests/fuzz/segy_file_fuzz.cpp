@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <list>
 #include <string>
@@ -49,6 +50,16 @@ void writeFile(std::string const& path, char const* data, std::size_t size) {
   if (!out) finding("cannot write the input file");
 }
 
+std::string& workRoot() {
+  static std::string root;
+  return root;
+}
+
+void removeWorkDir() {
+  std::error_code ignored;
+  std::filesystem::remove_all(workRoot(), ignored);
+}
+
 // A release tree of this process with the attribute definitions and the
 // Kelp names that format files refer to, and a directory for the inputs.
 std::string const& workDir() {
@@ -56,6 +67,7 @@ std::string const& workDir() {
     char pattern[] = "/tmp/segy-fuzz-XXXXXX";
     if (::mkdtemp(pattern) == nullptr) finding("cannot make a directory");
     std::string const root = pattern;
+    workRoot() = root;
     std::string const system = root + "/SystemFiles";
     if (::mkdir(system.c_str(), 0755) != 0) finding("cannot make a directory");
     std::string const defs =
@@ -68,6 +80,7 @@ std::string const& workDir() {
     writeFile(system + "/AttributeDefTable4.txt", defs.data(), defs.size());
     writeFile(system + "/KelpAttributeTranslations3.txt", kelp.data(), kelp.size());
     ::setenv("VREL", root.c_str(), 1);
+    std::atexit(removeWorkDir);
     return root;
   }();
   return dir;
