@@ -1211,6 +1211,10 @@ void Attribute::myUnpack(Packer& packer) {
   }
   int32_t originalType = vNOTYPE;
   if (version >= 5) packer.unpack(originalType);
+  // Kept as a DataType, so only a base type may come.
+  if (originalType < vNOTYPE || originalType > vIBMFLOAT32)
+    Message::fatal("Attribute::unpack", 0, "Unsupported data type '%s' for Attribute %s.",
+                   typeName(originalType).c_str(), scratch.getName().c_str());
   if (version > Version)
     packer.skipFrame();
   else

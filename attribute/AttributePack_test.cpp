@@ -240,7 +240,7 @@ TEST(AttributePack, SkipsWhatANewerWriterAdded) {
 }
 
 TEST(AttributePack, RefusesBadStreams) {
-  Bytes magic, huge, type, short_, lengths, negLength, badLength;
+  Bytes magic, huge, type, short_, lengths, negLength, badLength, origin;
   magic.frame(1240, 5).text("X").end();
   head(huge, 5, "HUGE", "K", vINT32, 1, 0.0, 0.0).boolean(false).int64(1LL << 32).end();
   head(type, 5, "ODD", "K", vUINT16, 1, 0.0, 0.0).boolean(false).int64(0).end();
@@ -252,6 +252,8 @@ TEST(AttributePack, RefusesBadStreams) {
   head(negLength, 5, "NEGLEN", "K", vINT32, Attribute::VARIABLE_LENGTH, 0.0, 0.0).boolean(false).int64(2);
   negLength.array<int32_t>(vINT32, {-1, 2}).array<int32_t>(vINT32, {5, 6}).end();
   head(badLength, 5, "BADLEN", "K", vINT32, -7, 0.0, 0.0).boolean(false).int64(0).end();
+  head(origin, 5, "ORIGIN", "K", vINT32, 1, 0.0, 0.0).boolean(false).int64(0);
+  origin.float64(0).float64(0).int64(0).int32(1 << 21).end();
   struct Row {
     Bytes const* bytes;
     char const* method;
@@ -264,7 +266,8 @@ TEST(AttributePack, RefusesBadStreams) {
       {&lengths, "Attribute::unpack", "Attribute LENS expects 2 instance lengths, the stream has 1."},
       {&negLength, "Attribute::myBuildOffsets", "Length -1 of instance 1 is negative for Attribute NEGLEN."},
       {&badLength, "Attribute::myContructorInitialize",
-       "Attribute (BADLEN) length was -7, it must be >=0 or Attribute::VARIABLE_LENGTH."}};
+       "Attribute (BADLEN) length was -7, it must be >=0 or Attribute::VARIABLE_LENGTH."},
+      {&origin, "Attribute::unpack", "Unsupported data type 'DataType(2097152)' for Attribute ORIGIN."}};
   for (Row const& r : rows) {
     SCOPED_TRACE(r.reason);
     expectFailure([&] { Attribute a(*r.bytes->reader()); }, r.method, r.reason);

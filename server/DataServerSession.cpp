@@ -86,7 +86,16 @@ int DataServerSession::run() {
   if (!m_failure.isBlank()) note("cannot serve: %s", m_failure.c_str());
   Packer in(1000);
   for (;;) {
-    int const status = in.receive(*m_channel);
+    int status = CommChan::OK;
+    try {
+      status = in.receive(*m_channel);
+    } catch (UtlExcept const& e) {
+      // A frame that does not read (a foreign header, a forged length, a
+      // body that does not parse) leaves no telling where the next one
+      // starts: the session ends, as on a broken connection.
+      note("bad message from the client: %s", e.getReason().c_str());
+      return 1;
+    }
     if (status != CommChan::OK) {
       note("connection ended: %s", CommChan::status(status));
       return 1;

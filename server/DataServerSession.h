@@ -44,7 +44,8 @@ class DataServerSession {
 
   // Makes every request fail with the text.
   void setFailure(vString const& text) { m_failure = text; }
-  // Serves until the client ends the session (0) or the connection goes (1).
+  // Serves until the client ends the session (0), or the connection goes or
+  // brings a message that cannot be read (1).
   int run();
 
   void note(char const* format, ...) __attribute__((format(printf, 2, 3)));

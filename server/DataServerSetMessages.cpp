@@ -8,6 +8,8 @@
 #include "foundation/Message.h"
 #include "foundation/Packer.h"
 #include "foundation/vLCString.h"
+#include "foundation/vUtlSort.h"
+#include "project/AttributeMatch.h"
 #include "project/StoreCreationOptions.h"
 #include "project/StoreOpenOptions.h"
 #include "remote/ClientCodes.h"
@@ -22,8 +24,20 @@ using DataServerRequest::readInt;
 using DataServerRequest::readString;
 using DataServerRequest::readUInt;
 
+// The enumerations come as plain ints: a value outside them is refused
+// before it is taken for one.
 vUtlSort::SortOrder::SortOrderType readOrder(Packer& in) {
-  return static_cast<vUtlSort::SortOrder::SortOrderType>(readInt(in));
+  int32_t const order = readInt(in);
+  if (order != vUtlSort::SortOrder::ASCENDING && order != vUtlSort::SortOrder::DESCENDING)
+    Message::fatal("DataServer", 0, "Unknown sort order %d.", static_cast<int>(order));
+  return static_cast<vUtlSort::SortOrder::SortOrderType>(order);
+}
+
+AttributeMatch::AttributeMatchType readMatch(Packer& in) {
+  int32_t const match = readInt(in);
+  if (match != AttributeMatch::MATCH_CLASS && match != AttributeMatch::MATCH_OR_BLANK_CLASS)
+    Message::fatal("DataServer", 0, "Unknown attribute match type %d.", static_cast<int>(match));
+  return static_cast<AttributeMatch::AttributeMatchType>(match);
 }
 
 // The definition of the attribute named, to be filled by a read.
@@ -139,7 +153,7 @@ void DataServerSession::mySetMessage(Twin& twin, int id, int code, Packer& in, P
     }
     case ClientCode::GetAttributeListMatching: {
       vUCString const text = readString(in);
-      AttributeMatch::AttributeMatchType const match = static_cast<AttributeMatch::AttributeMatchType>(readInt(in));
+      AttributeMatch::AttributeMatchType const match = readMatch(in);
       std::list<Attribute> const list = set.getAttributeList(text, match);
       pack(out, list.begin(), list.end());
       return;

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "attribute/Attribute.h"
+#include "attribute/KeyList.h"
 #include "foundation/Packer.h"
 #include "remote/COB.h"
 #include "remote/COBPortal.h"
@@ -118,6 +120,60 @@ TEST_F(DataServerTest, RequestsItCannotServeAreReportedAndTheSessionGoesOn) {
             fatalText([&] { stray.sendAndReceive(open); }));
   EXPECT_EQ(ClientCode::ProjectAck, project.call(ClientCode::ProjectClose));
   EXPECT_EQ(ClientCode::GetProjectList, catalog.call(ClientCode::GetProjectList));
+}
+
+TEST_F(DataServerTest, EnumerationsComeOnlyWithTheirValues) {
+  vHandle<COBPortal> portal = start(rondo());
+  BareCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  ASSERT_EQ(ClientCode::SessionStart, catalog.start("h"));
+  BareCOB project("Project", &catalog);
+  ASSERT_EQ(ClientCode::ProjectAck, project.call(ClientCode::ProjectOpen, "survey"));
+  BareCOB set("AttributeSet", &project);
+  Packer create(200);
+  create.pack(static_cast<int32_t>(ClientCode::Create));
+  for (char const* text : {"made", "seismic", "shot"}) create.pack(vString(text));
+  create.pack(KeyList());
+  create.packBool(false);
+  ASSERT_EQ(CommChan::OK, set.sendAndReceive(create));
+  create.discard();
+  Packer add(200);
+  add.pack(static_cast<int32_t>(ClientCode::AddAttribute));
+  add.pack(Attribute("AMP", "Data", vINT32));
+  ASSERT_EQ(CommChan::OK, set.sendAndReceive(add));
+  add.discard();
+  // A text and an int that is no value of the enumeration the request takes.
+  auto ask = [&set](int code, char const* text, int32_t value) {
+    Packer p(100);
+    p.pack(static_cast<int32_t>(code));
+    p.pack(vString(text));
+    p.pack(value);
+    set.sendAndReceive(p);
+  };
+  EXPECT_EQ(said("Unknown sort order 0."), fatalText([&] { ask(ClientCode::GetUnique, "AMP", 0); }));
+  EXPECT_EQ(said("Unknown sort order 2."), fatalText([&] { ask(ClientCode::GetGroupsAndSizes, "AMP", 2); }));
+  EXPECT_EQ(said("Unknown attribute match type 7."),
+            fatalText([&] { ask(ClientCode::GetAttributeListMatching, "Data", 7); }));
+  EXPECT_EQ(ClientCode::GetNInstances, set.call(ClientCode::GetNInstances));
+}
+
+TEST_F(DataServerTest, AFrameThatDoesNotReadEndsTheSession) {
+  vHandle<COBPortal> portal = start(rondo());
+  BareCOB catalog("ProjectCatalog", nullptr);
+  catalog.setPortal(portal);
+  ASSERT_EQ(ClientCode::SessionStart, catalog.start("h"));
+  char const garbage[] = "this is no frame header";
+  ASSERT_EQ(CommChan::OK, portal->getChannel()->sendChar8(garbage, sizeof garbage));
+  // The server stops reading and goes: the connection closes.
+  char byte = 0;
+  EXPECT_NE(CommChan::OK, portal->getChannel()->receiveChar8(&byte, 1));
+  std::ifstream log(m_dir.file("DataServer.Rondo"));
+  std::string line;
+  int lines = 0;
+  while (std::getline(log, line))
+    lines += line.find(" bad message from the client: Bad message received. Magic was 1936287860 expected "
+                       "40506070.") != std::string::npos;
+  EXPECT_EQ(1, lines);
 }
 
 TEST_F(DataServerTest, ArgumentsItCannotTakeFailEveryRequest) {
