@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <iostream>
@@ -187,15 +186,18 @@ void COBPortal::connect() {
     return;
   }
   // A server here that ends before it connects back (a program that fails
-  // as it starts) is told at once, rather than waited for to the end of the
-  // time-out and then started again. The first seconds are watched; the
-  // rest of the wait is the accept's.
+  // as it starts, or later) is told at once, rather than waited for to the
+  // end of the time-out and then started again: the child is watched for
+  // the whole of the accept's wait.
   int const ended = startHere(command);
   if (ended < 0) return;
   float const slice = 0.1f;
-  float const watch = m_acceptTimeout > 0.0f ? std::min(m_acceptTimeout, 2.0f) : 2.0f;
-  for (float waited = 0.0f; waited < watch; waited += slice) {
-    if (m_channel->waitOn(slice, CommChan::READ)) break;
+  bool const bounded = m_acceptTimeout > 0.0f;
+  for (float waited = 0.0f; !bounded || waited < m_acceptTimeout; waited += slice) {
+    if (m_channel->waitOn(slice, CommChan::READ)) {
+      ::close(ended);
+      return;
+    }
     if (hasEnded(ended)) {
       ::close(ended);
       Message::fatal("COBPortal::connect", 0, "The data server ended before it connected back: \"%s\".",
@@ -203,6 +205,9 @@ void COBPortal::connect() {
     }
   }
   ::close(ended);
+  // The wait is spent: the accept that follows only takes a server that
+  // came at the last moment, and is otherwise the TIMEOUT at once.
+  m_channel->setMiscTimeout(slice);
 }
 
 CommChan::StatusType COBPortal::accept() {
