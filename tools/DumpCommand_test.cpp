@@ -126,6 +126,11 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
        "rondo: d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
        "project, see rondo ls).\n"},
       {"info p.sgy", 1, "rondo: p.sgy: 'p.sgy' is a pipe or a socket, not a file that holds a store.\n"},
+      {"info file:p.sgy#segy#", 1,
+       "rondo: file:p.sgy#segy#: 'p.sgy' is a pipe or a socket, not a file that holds a store.\n"},
+      {"info f:d.txt", 1,
+       "rondo: f:d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
+       "project, see rondo ls).\n"},
       {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
       {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},
       {"frobnicate", 2, "rondo: unknown command 'frobnicate'\n"},

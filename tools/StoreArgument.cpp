@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "foundation/Message.h"
+#include "foundation/vUtl.h"
 #include "project/StoreFactory.h"
 #include "tools/InMemoryStoreFile.h"
 
@@ -15,6 +16,20 @@ namespace {
 bool isPath(std::string const& text) {
   struct stat s;
   return text.find(':') == std::string::npos || ::stat(text.c_str(), &s) == 0;
+}
+
+// The file on this host that the text names, as a plain path or as a flat
+// file's store name; empty for a store of any other kind or on another host.
+std::string localFile(std::string const& text) {
+  if (isPath(text)) return text;
+  vString report;
+  if (!StoreDescription::validateStoreName(vString(text.c_str()), report)) return std::string();
+  StoreDescription const description{vString(text.c_str())};
+  if (!description.isFlatFile()) return std::string();
+  vFilename file = description.getFlatFileName();
+  if (!file.getHost().isBlank() && file.getHost() != vUtl::gethostname()) return std::string();
+  file.clearHost();
+  return file.getFilename().c_str();
 }
 
 }  // namespace
@@ -29,17 +44,19 @@ StoreDescription StoreArgument::describe(std::string const& text) {
 }
 
 vHandle<Store> StoreArgument::open(std::string const& text) {
-  // A pipe would be waited on for ever by the first read of its bytes.
+  // A pipe would be waited on for ever by the first read of its bytes,
+  // however the file is named.
+  std::string const file = localFile(text);
   struct stat s;
-  if (isPath(text) && ::stat(text.c_str(), &s) == 0) {
+  if (!file.empty() && ::stat(file.c_str(), &s) == 0) {
     if (S_ISFIFO(s.st_mode) || S_ISSOCK(s.st_mode))
       Message::fatal("StoreArgument::open", 0, "'%s' is a pipe or a socket, not a file that holds a store.",
-                     text.c_str());
+                     file.c_str());
     if (S_ISDIR(s.st_mode))
       Message::fatal("StoreArgument::open", 0,
                      "'%s' is a directory: name a file in it (a data server lists a directory of files as a "
                      "project, see rondo ls).",
-                     text.c_str());
+                     file.c_str());
   }
   if (!text.empty() && isPath(text) && InMemoryStoreFile::recognise(text)) {
     // Loaded, named by its in-memory name and closed, so that the factory

@@ -44,8 +44,10 @@ inline Outcome shell(fs_testing::TempDir const& dir, std::string const& line) {
   return r;
 }
 
+// A tool that hangs (as on a pipe) fails its test with status 124 instead
+// of holding up the run.
 inline Outcome tool(fs_testing::TempDir const& dir, std::string const& arguments) {
-  return shell(dir, "'" + rondo() + "' " + arguments);
+  return shell(dir, "timeout 120 '" + rondo() + "' " + arguments);
 }
 
 // A script of the peer: writes <file> with segyio (format code, byte order,
