@@ -141,6 +141,13 @@ void OffloadAttributeFile::myOpenFile() {
     if (m_header[31] + (m_header[5] - 1) / recordLength > records ||
         m_header[33] + mapRecords * (m_header[89] == 995 ? 2 : 1) - 1 > records)
       Message::fatal(label, 0, "The header of %s does not describe a valid offload file.", m_fileName.c_str());
+    // A rectangular file has a record for every bin, live or not, so its
+    // full size is known here: a file cut short is told at open, not at the
+    // first read past its end.
+    long long const full = m_header[34] - 1 + bins;
+    if (m_header[89] == 991 && full > records)
+      Message::fatal(label, 0, "The offload file %s is cut short: its header calls for %lld records of %d bytes, it "
+                     "holds %lld.", m_fileName.c_str(), full, 4 * recordLength, records);
     myBuildAttributes();
     mySetupGrid();
     m_shape = m_header[89] == 995   ? vString("polygonal")
