@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "attribute/AttributeDefinition.h"
@@ -20,6 +21,8 @@ char const* const kWholeOnly =
     "At this time, this file format only supports writing of the entire attribute, first to last.";
 // The record file service's options for a text table.
 int const kOpenOptions = 1024;
+// How much of a file is looked at to tell text from binary data.
+std::size_t const kTextProbe = 4096;
 
 std::string valueText(Attribute const& a, unsigned int instance, int position) {
   if (a.getDataType() == vSTRING) {
@@ -85,6 +88,14 @@ bool AsciiDiskStore::open(vFilename const& file) {
     m_format.reset();
     m_text.clear();
     return false;
+  }
+  // A binary file would read as a table with no instances and no error: a
+  // NUL byte in its first block says it is not text.
+  if (std::memchr(m_text.data(), '\0', std::min(m_text.size(), kTextProbe)) != nullptr) {
+    m_format.reset();
+    m_text.clear();
+    Message::fatal("AsciiDiskStore::open", 0, "'%s' is not a text table: its first %d bytes hold a NUL byte.",
+                   file.c_str(), static_cast<int>(kTextProbe));
   }
   m_fileName = file;
   if (!m_format) {

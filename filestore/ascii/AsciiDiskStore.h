@@ -38,7 +38,8 @@ class AsciiDiskStore : public SingleSetDiskStore {
   ~AsciiDiskStore() override;
 
   using DiskStore::open;
-  // False, the store closed, when the file does not open.
+  // False, the store closed, when the file does not open. A file with a
+  // NUL byte in its first 4096 bytes is not text: it raises.
   virtual bool open(StoreDescription const& description);
   virtual bool open(vFilename const& file);
   using DiskStore::create;

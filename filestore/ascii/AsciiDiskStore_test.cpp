@@ -281,6 +281,16 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
   shortFile.setFormatSpec(scratch("short.txf", "<SingleLineRecords Columns=\"1-4 5-11\">P Q</SingleLineRecords>").c_str());
   expectFailure([&] { shortLine.open(shortFile); }, "AsciiDataReader",
                 "Line 2 has 3 characters, but the format reads columns 5-11.");
+  // A program named as a table, and a table with a NUL byte in its first
+  // block, are not text: refused at open rather than read as empty.
+  std::string const program = scratch("program.txt", "");
+  ASSERT_EQ(0, std::system(("cp /bin/true " + program).c_str()));
+  for (std::string const& binary : {program, scratch("nul.txt", std::string("A B\n1 2\n\0\n", 10))}) {
+    AsciiDiskStore store;
+    expectFailure([&] { opened(store, binary); }, "AsciiDiskStore::open",
+                  "'" + binary + "' is not a text table: its first 4096 bytes hold a NUL byte.");
+    EXPECT_FALSE(store.isOpen());
+  }
   AsciiDiskStore missing;
   EXPECT_FALSE(missing.open(vFilename("/no/such/table.txt")));
   EXPECT_FALSE(missing.isOpen());
