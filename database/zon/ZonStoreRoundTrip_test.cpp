@@ -245,6 +245,8 @@ TEST(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
   EXPECT_EQ(0u, store->getNAttributes());
   EXPECT_EQ(3, store->findProperty(vUCString("STATUS"))->getInt32());
   EXPECT_STREQ("migrated", store->findProperty(vUCString("NOTE"))->getString().c_str());
+  expectFatal([&] { store->createAttributeSet("trace2d", KeyList()); }, "ZonSeismicAdapter::createAttributeSet",
+              "Store line1,seis is seismic; no attribute set trace2d can be made in it here.");
   store->removeProperty(vUCString("STATUS"));
   store->addProperty(Property("STATUS", 4));
   store->close();  // traces and their parameters are not written from here
