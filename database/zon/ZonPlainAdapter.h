@@ -29,7 +29,7 @@ class ZonPlainAdapter : public ZonAdapterBase {
   // The table of the open dataset: "The table doesn't exist for %s.\n".
   Object myTable(char const* label) const;
   void myRead(KeyList& keys, std::list<Attribute>& attributes, PropertyI& properties, bool withData);
-  // The table written: columns and the "PROP" parameters.
+  // The table written: columns and the parameters of its group.
   Object myWrite(std::list<Attribute> const& attributes, PropertyI const& properties);
 
   // The domain of the table written, which must be "2D" or "3D" for the
