@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <strings.h>
 
 #include "database/kvs/Kvs.h"
+#include "database/kvs/KvsDict.h"
 #include "database/kvs/KvsObject.h"
 #include "database/zon/CapiZon.h"
 #include "database/zon/ZonBuildAttribute.h"
@@ -41,6 +43,7 @@ void ZonAdapterBase::open(vLCString const& name) {
   myActiveSet = vLCString();
   Object const table = myFindTable();
   if (table) myTableType = KvsType(table);
+  myPrimaryTable = myTableType;
   mySetTables.clear();
   for (Object child : myObject->children)
     if (child != table && KvsIsA(child, kvsTableClass)) mySetTables.push_back(vLCString(KvsType(child)));
@@ -55,6 +58,7 @@ void ZonAdapterBase::create(vString const&, KeyList const& keys) {
   myKeys = keys;
   myAttributes.clear();
   myInfo->setNInstances(0);
+  myPrimaryTable = myTableClass();
 }
 
 vLCString ZonAdapterBase::getSubClass() const { return vLCString(); }
@@ -75,6 +79,41 @@ void ZonAdapterBase::openAttributeSet(vLCString const& name) { mySelectSet("ZonA
 
 void ZonAdapterBase::updateAttributeSet(vLCString const& name) {
   mySelectSet("ZonAdapterBase::updateAttributeSet", name);
+}
+
+void ZonAdapterBase::createAttributeSet(vLCString const& name, KeyList const& keys) {
+  char const* const label = "ZonAdapterBase::createAttributeSet";
+  vString const store = getStoreName();
+  if (name == getPrimaryAttributeSetName())
+    Message::fatal(label, 0, "Cannot create an AttributeSet that has that same name as the Store '%s'.",
+                   store.c_str());
+  vString table(name.c_str());
+  table.toUpperCase();
+  if (strcasecmp(table.c_str(), myPrimaryTable.c_str()) == 0 ||
+      std::find(mySetTables.begin(), mySetTables.end(), name) != mySetTables.end())
+    Message::fatal(label, 0, "Cannot create an AttributeSet called '%s' in Store '%s' because one already exists.",
+                   name.c_str(), store.c_str());
+  long const tab = KvsDtTab(table.c_str());
+  if (tab == 0)
+    Message::fatal(label, 0, "Cannot create an AttributeSet called '%s' in Store '%s': the database knows no table %s.",
+                   name.c_str(), store.c_str(), table.c_str());
+  // The database keys a table by its dictionary's columns; other keys
+  // would come back changed.
+  vString wanted, given;
+  for (long key : {KvsDtKey1(tab), KvsDtKey2(tab)}) {
+    char const* column = key ? KvsDtAttName(key) : nullptr;
+    if (column) wanted += vString(wanted.isEmpty() ? "" : ",") + vString(myAttributeName(vString(column)).c_str());
+  }
+  for (Attribute const& key : keys) given += vString(given.isEmpty() ? "" : ",") + vString(key.getName().c_str());
+  if (wanted != given)
+    Message::fatal(label, 0, "The keys of AttributeSet '%s' in Store '%s' are (%s), not (%s).", name.c_str(),
+                   store.c_str(), wanted.c_str(), given.c_str());
+  mySetTables.push_back(name);
+  myActiveSet = name;
+  myTableType = table;
+  myKeys = keys;
+  myAttributes.clear();
+  myInfo->setNInstances(0);
 }
 
 vHandle<Store::AttributeSetList> ZonAdapterBase::getAttributeSetList() const {
@@ -232,6 +271,7 @@ ZonAdapterBase::Object ZonAdapterBase::myFindTable() const {
       if (strcasecmp(KvsType(child), myActiveSet.c_str()) == 0) return child;
       continue;
     }
+    if (KvsFind(child, "ASET")) continue;
     if (!first) first = child;
     char const* its = KvsDomain(child);
     if (its && strcasecmp(its, domain.c_str()) == 0) return child;
@@ -294,6 +334,14 @@ ZonAdapterBase::Object ZonAdapterBase::myWriteColumns(vString const& tableClass,
       Message::fatal("ZonAdapterBase::myWriteColumns", 0, "Error creating column %s for %s:%s", column.c_str(),
                      getStoreName().c_str(), KvsErrorString());
     columns.push_back(array);
+  }
+  if (!myActiveSet.isEmpty()) {
+    KvsParam primary;
+    primary.name = "PRIMARY";
+    primary.cls = "ASET";
+    primary.fmt = "C";
+    primary.text = myPrimaryTable.c_str();
+    KvsParamPut(KvsCreate(table, KvsNclass, "ASET", 0L), primary);
   }
   std::size_t at = 0;
   for (Attribute const& attribute : attributes) {

@@ -8,10 +8,11 @@
 // first the database sends (the server sends them in order of their
 // names). That table is the store's primary attribute set; each other
 // table of the dataset is a secondary set, named by its table (in lower
-// case), which a store reads and writes in its turn. A derived class says
-// which columns and parameters mean what (doInit, doLoad, doWriteAll); the
-// base opens and closes the dataset around them, on the table of the active
-// set:
+// case), which a store reads and writes in its turn, or makes anew. A
+// table written as a secondary set is marked so, and is never taken for
+// the primary one. A derived class says which columns and parameters mean
+// what (doInit, doLoad, doWriteAll); the base opens and closes the dataset
+// around them, on the table of the active set:
 //
 //   init      open for reading, doInit, close
 //   load      open for reading, doLoad, close
@@ -55,6 +56,14 @@ class ZonAdapterBase {
   // is not in store %s.".
   virtual void openAttributeSet(vLCString const& name);
   virtual void updateAttributeSet(vLCString const& name);
+  // A new table of the dataset, named by its dictionary class, made the
+  // active set; it reaches the database with the next write. The name of
+  // the store, or of a table the dataset holds: "Cannot create an
+  // AttributeSet that has that same name as the Store '%s'." and "Cannot
+  // create an AttributeSet called '%s' in Store '%s' because one already
+  // exists."; a name the dictionary has no table for, or keys other than
+  // the table's, are refused too.
+  virtual void createAttributeSet(vLCString const& name, KeyList const& keys);
   virtual vHandle<Store::AttributeSetList> getAttributeSetList() const;
   virtual void getAttributeSetList(std::list<vLCString>& names);
   virtual vLCString getAttributeSetName() const;
@@ -143,6 +152,10 @@ class ZonAdapterBase {
   // the active set (empty: the primary one).
   std::list<vLCString> mySetTables;
   vLCString myActiveSet;
+  // The class of the primary set's table. A table written as a secondary
+  // set carries it in its parameters of group "ASET", so that the primary
+  // set stays the same table whatever the order the server sends them in.
+  vString myPrimaryTable;
 
   static bool myDataConversion;
 

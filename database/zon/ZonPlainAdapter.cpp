@@ -21,6 +21,12 @@ vLCString ZonPlainAdapter::getSubClass() const {
   return vLCString(domain ? domain : "");
 }
 
+// A seismic-geometry table keeps its header values in the group the
+// database has for them.
+char const* ZonPlainAdapter::myParameterGroup() const {
+  return strcasecmp(myInfo->getNameDetails()->getType().c_str(), "SGD") == 0 ? "SGD" : "PROP";
+}
+
 ZonAdapterBase::Object ZonPlainAdapter::myTable(char const* label) const {
   Object const table = myFindTable();
   if (!table) Message::fatal(label, 0, "The table doesn't exist for %s.\n", getStoreName().c_str());
@@ -39,7 +45,7 @@ void ZonPlainAdapter::myRead(KeyList& keys, std::list<Attribute>& attributes, Pr
     Message::fatal(withData ? "ZonPlainAdapter::doLoad" : "ZonPlainAdapter::doInit", 0, "Error reading table. %s",
                    e.getReason().c_str());
   }
-  myReadParameters(table, "PROP", properties);
+  myReadParameters(table, myParameterGroup(), properties);
 }
 
 void ZonPlainAdapter::doInit(KeyList& keys, std::list<Attribute>& attributes, PropertyI& properties) {
@@ -53,7 +59,7 @@ void ZonPlainAdapter::doLoad(KeyList& keys, std::list<Attribute>& attributes, Pr
 ZonAdapterBase::Object ZonPlainAdapter::myWrite(std::list<Attribute> const& attributes,
                                                 PropertyI const& properties) {
   Object const table = myWriteColumns(myTableClass(), attributes);
-  myWriteParameters(table, "PROP", properties);
+  myWriteParameters(table, myParameterGroup(), properties);
   return table;
 }
 

@@ -1,6 +1,7 @@
 #include "database/zon/ZonSeismicAdapter.h"
 
 #include "database/kvs/Kvs.h"
+#include "foundation/Message.h"
 
 using namespace kvs;
 
@@ -32,3 +33,9 @@ void ZonSeismicAdapter::doInit(KeyList& keys, std::list<Attribute>& attributes, 
 void ZonSeismicAdapter::doLoad(KeyList&, std::list<Attribute>&, PropertyI&) {}
 
 void ZonSeismicAdapter::doWriteAll(std::list<Attribute>&, KeyList const&, PropertyI const&) {}
+
+void ZonSeismicAdapter::createAttributeSet(vLCString const& name, KeyList const&) {
+  Message::fatal("ZonSeismicAdapter::createAttributeSet", 0,
+                 "Store %s is seismic; no attribute set %s can be made in it here.", getStoreName().c_str(),
+                 name.c_str());
+}

@@ -18,6 +18,9 @@ class ZonSeismicAdapter : public ZonPlainAdapter {
   void doInit(KeyList& keys, std::list<Attribute>& attributes, PropertyI& properties) override;
   void doLoad(KeyList& keys, std::list<Attribute>& attributes, PropertyI& properties) override;
   void doWriteAll(std::list<Attribute>& attributes, KeyList const& keys, PropertyI const& properties) override;
+  // A table that would never be written: "Store %s is seismic; no
+  // attribute set %s can be made in it here.".
+  void createAttributeSet(vLCString const& name, KeyList const& keys) override;
 
  protected:
   vString myColumnName(vUCString const& attribute) const override;

@@ -69,6 +69,21 @@ void ZonStoreKVS::myMustBeWriteable(char const* label) const {
   if (!myWriteable) Message::fatal(label, 0, "The store '%s' has not been opened for modification!", myName.c_str());
 }
 
+// A database column holds one value per instance; a vector is refused
+// before the memory copy takes it, so nothing is lost at close.
+void ZonStoreKVS::myMustBeScalar(char const* label, Attribute const& attribute, vLCString const& store) {
+  if (attribute.isVariableLength())
+    Message::fatal(label, 0,
+                   "Attribute %s has a length of its own for each instance; store %s keeps one value per "
+                   "instance in each database column.",
+                   attribute.getName().c_str(), store.c_str());
+  if (attribute.getLength() != 1)
+    Message::fatal(label, 0,
+                   "Attribute %s has %d values per instance; store %s keeps one value per instance in each "
+                   "database column.",
+                   attribute.getName().c_str(), attribute.getLength(), store.c_str());
+}
+
 void ZonStoreKVS::myReset() {
   myIsOpen = false;
   myWriteable = false;
@@ -212,6 +227,7 @@ void ZonStoreKVS::create(vLCString const& name, vLCString const& className, vLCS
                          KeyList const& keys, StoreCreationOptions const*) {
   if (myIsOpen) close();
   myReset();
+  for (Attribute const& key : keys) myMustBeScalar("ZonStoreKVS::create", key, name);
   vString zonClass, table;
   ZonClassNamesTranslator::convertRondoVToZon(className, subClass, zonClass, table);
   char const* domain = kvs::KvsDtDomName(kvs::KvsDtTabDom(kvs::KvsDtTab(table.c_str())));
@@ -386,6 +402,7 @@ void ZonStoreKVS::addInstances(unsigned int count) {
 
 void ZonStoreKVS::addAttribute(Attribute const& attribute) {
   myMustBeWriteable("ZonStoreKVS::addAttribute");
+  myMustBeScalar("ZonStoreKVS::addAttribute", attribute, myName);
   myLoadData();
   myData->addAttribute(attribute);
   myModified = true;
@@ -435,9 +452,22 @@ void ZonStoreKVS::setAttributeClass(vUCString const&, vUCString const&) {
 
 // --- Attribute sets ----------------------------------------------------------------------------
 
-void ZonStoreKVS::createAttributeSet(vLCString const& name, KeyList const&) {
-  Message::fatal("ZonStoreKVS::createAttributeSet", 0, "Store %s holds no attribute set %s of its own.",
-                 myName.c_str(), name.c_str());
+// A new table of the dataset. What changed of the set active before is
+// written first, as at a switch; a refused name leaves that set active. The
+// new set is written at the next flush, switch or close.
+void ZonStoreKVS::createAttributeSet(vLCString const& name, KeyList const& keys) {
+  char const* const label = "ZonStoreKVS::createAttributeSet";
+  myMustBeWriteable(label);
+  for (Attribute const& key : keys) myMustBeScalar(label, key, myName);
+  if (myModified) myWriteData();
+  myAdapter->createAttributeSet(name, keys);
+  vHandle<InMemoryAttributeSet> data(new InMemoryAttributeSet(vHandle<Project>()));
+  data->create(name, myMemoryClass(myAdapter->getClass()), myMemoryClass(myAdapter->getSubClass()), keys, nullptr);
+  myData = data;
+  myKeys = keys;
+  myAttributes.clear();
+  myLoaded = true;
+  myModified = true;
 }
 
 // The store's properties are those of its primary set: a set's own

@@ -9,7 +9,10 @@
 // close with nothing changed sends nothing. A store dropped without close
 // leaves the database as it was. The other tables of a dataset are the
 // store's secondary attribute sets; one set is in memory at a time, and
-// making another active first sends what changed of the one before.
+// making another active first sends what changed of the one before. A new
+// set is a new table of the dataset, of the dictionary class its name
+// gives. A column holds one value per instance: vectors are refused when
+// they are added.
 //
 // The memory copy is an InMemoryAttributeSet, kept open for writing: the
 // checks of open and writeable state, and the key look-ups, are this
@@ -112,6 +115,10 @@ class ZonStoreKVS : public Store {
                                      ZonAdapterBase::Spelling& found) const;
   void myMustBeOpen(char const* label) const;
   void myMustBeWriteable(char const* label) const;
+  // "Attribute %s has %d values per instance; store %s keeps one value per
+  // instance in each database column." (or, for a variable length, "has a
+  // length of its own for each instance").
+  static void myMustBeScalar(char const* label, Attribute const& attribute, vLCString const& store);
   void myLoadData() const;
   void myWriteData();
   void myReset();

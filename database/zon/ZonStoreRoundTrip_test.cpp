@@ -1,8 +1,9 @@
 // Every adapter: a store written and closed, the daemon restarted, and the
 // store opened again in a fresh project gives the same values; and the
 // edges of the memory copy: loading on first need, closes that write only
-// changes, duplicate keys, a daemon that goes away; and the secondary sets
-// of a dataset of several tables.
+// changes, duplicate keys, a daemon that goes away; the secondary sets
+// of a dataset of several tables, and a new one made through the store; a
+// seismic-geometry table made through a store; vectors refused.
 
 #include <gtest/gtest.h>
 
@@ -245,6 +246,8 @@ TEST(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
   EXPECT_EQ(0u, store->getNAttributes());
   EXPECT_EQ(3, store->findProperty(vUCString("STATUS"))->getInt32());
   EXPECT_STREQ("migrated", store->findProperty(vUCString("NOTE"))->getString().c_str());
+  expectFatal([&] { store->createAttributeSet("trace2d", KeyList()); }, "ZonSeismicAdapter::createAttributeSet",
+              "Store line1,seis is seismic; no attribute set trace2d can be made in it here.");
   store->removeProperty(vUCString("STATUS"));
   store->addProperty(Property("STATUS", 4));
   store->close();  // traces and their parameters are not written from here
@@ -374,4 +377,59 @@ TEST(ZonStoreSets, TheOtherTablesOfADatasetAreSecondarySets) {
   for (unsigned int i = 1; i <= 6; ++i) EXPECT_EQ(i == 2 ? -1.0 : 5000.5 + i, secondary.getValue(i)) << i;
   expectFatal([&] { store->openAttributeSet("nope"); }, "ZonAdapterBase::openAttributeSet",
               "Attribute set nope is not in store hz1,hz.");
+}
+
+// A set made through the store is a new table of the dataset, found again
+// after a restart; the store's own table, though its name sorts after the
+// new one's, stays the primary set.
+TEST(ZonStoreSets, ANewSetIsANewTableOfTheDataset) {
+  ZonTestBed bed;
+  writeDataset(bed.openProject("newset"), datasets()[0]);
+  std::vector<Column> const columns{{"CDP", vINT32}, {"OFFSET", vINT32}, {"HTIME", vFLOAT32}};
+  KeyList keys;
+  for (Column const& c : {columns[0], columns[1]}) keys.addKey(Attribute(c.name, "", c.type));
+  {
+    vHandle<ZonStore> store = openStore(bed.openProject("newset"), "plain1,tab", true);
+    expectFatal([&] { store->createAttributeSet("tab1", keys); }, "ZonAdapterBase::createAttributeSet",
+                "Cannot create an AttributeSet called 'tab1' in Store 'plain1,tab' because one already exists.");
+    store->createAttributeSet("hz2d", keys);
+    store->addAttribute(Attribute("HTIME", "", vFLOAT32));
+    store->addInstances(4);
+    int k = 0;
+    for (Column const& c : columns) store->write(values(c, 4, k++), 1, 4);
+    store->close();
+  }
+  bed.stop(SIGTERM);
+  bed.start();
+  vHandle<ZonStore> store = openStore(bed.openProject("newset"), "plain1,tab");
+  EXPECT_EQ(6u, store->getNInstances());
+  store->openAttributeSet("hz2d");
+  Attribute back = store->getAttribute("HTIME");
+  store->read(back, 1, 4);
+  EXPECT_EQ(values(columns[2], 4, 2).getValue(3), back.getValue(3));
+}
+
+// A seismic-geometry table made through a store keeps its properties in
+// the geometry group; a vector, which no column can hold, is refused as it
+// is added.
+TEST(ZonStoreRoundTrip, GeometryTableMadeThroughAStoreAndVectorsRefused) {
+  ZonTestBed bed;
+  vHandle<ZonProject> project = bed.openProject("sgd");
+  Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}}, {{"XVAL", vFLOAT64}}, 4, "NOTE"};
+  writeDataset(project, sgd);
+  EXPECT_STREQ("geometry", project->getStoreDetails(sgd.name, 0).getClass().c_str());
+  vHandle<ZonStore> store = openStore(project, sgd.name, true);
+  Attribute back = store->getAttribute("XVAL");
+  store->read(back, 1, 4);
+  EXPECT_EQ(values(sgd.others[0], 4, 1).getValue(3), back.getValue(3));
+  expectFatal([&] { store->addAttribute(Attribute("ELEV", "", vFLOAT64, 4)); }, "ZonStoreKVS::addAttribute",
+              "Attribute ELEV has 4 values per instance; store sgd,1,line5 keeps one value per instance in each "
+              "database column.");
+  store->close();
+  project->setSession();
+  KvsObject ds = KvsOpen(project->getSession(), KvsNmode, 1L, KvsNtype, "SGD", KvsNident, "LINE5", KvsNversion,
+                         "1", 0L);
+  KvsParam const* note = KvsParamFind(KvsFind(KvsFind(ds, "SGD1"), "SGD"), "NOTE");
+  EXPECT_EQ("FEET", note ? note->text : "none");
+  KvsClose(ds);
 }

@@ -59,7 +59,8 @@ std::vector<unsigned char> dictionary() {
   d[kvs::KvsDtDomKind] = {{"3D", 1, cdp, offset}, {"2D", 2, cdp, offset}, {"WD", 3}, {"GRID", 4}};
   d[kvs::KvsDtTabKind] = {{"TAB1", 1, 1, cdp, offset},   {"HZ3D", 2, 1, cdp, offset}, {"HZ2D", 3, 2, cdp, offset},
                           {"MUTE3D", 4, 1, cdp, offset}, {"VEL3D", 5, 1, cdp, time},  {"WDEPTH", 6, 3},
-                          {"ZONGRID", 7, 4},             {"TRACE3D", 8, 1, cdp, offset}};
+                          {"ZONGRID", 7, 4},             {"TRACE3D", 8, 1, cdp, offset},
+                          {"SGD1", 9, 0, cdp}};
   return kvs::KvsDtBuild(d);
 }
 
