@@ -95,7 +95,7 @@ TEST(SortStoreDecorator, RefusesKeysAndBinsThatCannotBeDoneAsTheViewIsBuilt) {
   binner.addBins(0, 10, 1, 1);
   vHandle<Store> const below = store();
   auto binFailure = [&](char const* name) {
-    return fatalText([&] { StoreDecoratorFactory::addBin(below, binner, below->getAttribute(name)); });
+    return fatalText([&] { StoreDecoratorFactory::addBin(below, binner, Attribute(name, "", vFLOAT64)); });
   };
   EXPECT_EQ("BinDecorator::open: Unable to bin Attribute NAME of type vSTRING.", binFailure("NAME"));
   EXPECT_EQ("BinDecorator::open: Unable to bin Attribute PAIR: bins take one value an instance.", binFailure("PAIR"));
