@@ -66,9 +66,7 @@ TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
   expectFailure([&] { bare->read(cdp, 1, 3); }, "SortStoreDecorator::mySetupRead", "Need code to sort on 0 keys.");
 }
 
-// Keys the sort cannot take, and the view over a text or a trace whose
-// values it cannot bin, are refused as the view is built, not at its first
-// read.
+// Texts and traces are refused as the view is built, not at its first read.
 TEST(SortStoreDecorator, RefusesKeysAndBinsThatCannotBeDoneAsTheViewIsBuilt) {
   auto store = [] {
     return simpleStore("texts", {"K"},
@@ -83,8 +81,6 @@ TEST(SortStoreDecorator, RefusesKeysAndBinsThatCannotBeDoneAsTheViewIsBuilt) {
     });
   };
   EXPECT_EQ("SortStoreDecorator::addSortKey: Unable to sort Attribute NAME of type vSTRING.", sortFailure({"NAME"}));
-  EXPECT_EQ("SortStoreDecorator::addSortKey: Unable to sort Attribute NAME of type vSTRING.",
-            sortFailure({"NAME", "K"}));
   EXPECT_EQ("SortStoreDecorator::addSortKey: Unable to sort secondary Attribute NAME of type vSTRING. Primary type "
             "is vINT32",
             sortFailure({"K", "NAME"}));

@@ -41,24 +41,20 @@ size_t occurrences(std::string const& text, std::string const& part) {
   return n;
 }
 
-// The pipes among a process's descriptors above the standard three.
-std::set<std::string> pipesOf(std::string const& process) {
-  std::set<std::string> pipes;
-  for (int fd = 3; fd < 1024; ++fd) {
-    char target[256];
-    ssize_t const n = ::readlink(("/proc/" + process + "/fd/" + std::to_string(fd)).c_str(), target, sizeof target);
-    if (n > 5 && std::string(target, 5) == "pipe:") pipes.insert(std::string(target, static_cast<size_t>(n)));
-  }
-  return pipes;
-}
-
-// Pipes a started server holds that this process does not: none, since the
-// portal's watch on it is no descriptor of its own.
+// Pipes a started server holds above the standard three that this process
+// does not: none, since the portal's watch on it is no descriptor of its own.
 std::set<std::string> pipesOnlyIn(int pid) {
-  std::set<std::string> const mine = pipesOf("self");
-  std::set<std::string> only;
-  for (std::string const& p : pipesOf(std::to_string(pid)))
-    if (mine.count(p) == 0) only.insert(p);
+  auto pipesOf = [](std::string const& process) {
+    std::set<std::string> pipes;
+    for (int fd = 3; fd < 1024; ++fd) {
+      char target[64];
+      ssize_t const n = ::readlink(("/proc/" + process + "/fd/" + std::to_string(fd)).c_str(), target, sizeof target);
+      if (n > 5 && std::string(target, 5) == "pipe:") pipes.insert(std::string(target, static_cast<size_t>(n)));
+    }
+    return pipes;
+  };
+  std::set<std::string> only = pipesOf(std::to_string(pid));
+  for (std::string const& p : pipesOf("self")) only.erase(p);
   return only;
 }
 

@@ -116,12 +116,9 @@ TEST(RondoShapefile, OutlinesOfPolygonsAndPolylinesFromOgr) {
   fs_testing::TempDir dir;
   tool_testing::Outcome const made = tool_testing::shell(
       dir,
-      "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":[{\"type\":\"Feature\",\"properties\":{},"
-      "\"geometry\":{\"type\":\"Polygon\",\"coordinates\":[[[0,0],[100,0],[100,100],[0,100],[0,0]],"
-      "[[40,40],[40,60],[60,60],[60,40],[40,40]]]}}]}' > square.geojson && "
-      "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":[{\"type\":\"Feature\",\"properties\":{},"
-      "\"geometry\":{\"type\":\"MultiLineString\",\"coordinates\":[[[0,100],[50,0],[100,100]],"
-      "[[0,50],[20,50]]]}}]}' > v.geojson && "
+      "printf '%s' '{\"type\":\"Polygon\",\"coordinates\":[[[0,0],[100,0],[100,100],[0,100],[0,0]],"
+      "[[40,40],[40,60],[60,60],[60,40],[40,40]]]}' > square.geojson && printf '%s' '{\"type\":"
+      "\"MultiLineString\",\"coordinates\":[[[0,100],[50,0],[100,100]],[[0,50],[20,50]]]}' > v.geojson && "
       "ogr2ogr -f 'ESRI Shapefile' square.shp square.geojson && ogr2ogr -f 'ESRI Shapefile' v.shp v.geojson");
   ASSERT_EQ(0, made.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << made.err;
   struct Case {

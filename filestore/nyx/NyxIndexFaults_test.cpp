@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
 #include "filestore/nyx/NyxDiskStore.h"
 #include "filestore/nyx/NyxTesting.h"
 #include "foundation/UtlExcept.h"
@@ -27,7 +25,7 @@ std::string word(uint32_t v) {
 
 }  // namespace
 
-TEST(NyxIndex, MadeTakenAndAWrongOneIgnoredWithAMessage) {
+TEST(NyxIndex, MadeTakenAWrongOneIgnoredAndACutFileRefused) {
   fs_testing::TempDir dir;
   std::string const path = dir / "line.dat", index = dir / "line.idx";
   writeFixture("dat", path, ">", 5);
@@ -69,6 +67,19 @@ TEST(NyxIndex, MadeTakenAndAWrongOneIgnoredWithAMessage) {
     EXPECT_EQ(cmp(12), cmpOf(store, 12));
     store.close();
   }
+
+  // Cut at a trace, the file is refused at open where its last block or its
+  // index gives the count it had; its second block starts at byte 1968.
+  fs_testing::writeFile(index, made);
+  std::string const whole = fs_testing::readFile(path);
+  std::string const cut = "The Nyx file " + path + " is cut short: its ";
+  fs_testing::writeFile(path, whole.substr(0, 1968 + 24 + 3 * 276));
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
+                            cut + "block at byte 1968 calls for 6 traces of 276 bytes, it holds 3.");
+  fs_testing::writeFile(path, whole.substr(0, 1968));
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
+                            cut + "index calls for 12 traces of 276 bytes, it holds 6.");
+  EXPECT_FALSE(store.isOpen());
 }
 
 TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
@@ -131,42 +142,4 @@ TEST(NyxIndex, SettingsOfTheSite) {
   EXPECT_FALSE(store.isOpen());
   ::unsetenv("SP_NYX_AUTOGENERATEINDEX");
   ::unsetenv("SP_NYX_BLOCKINGFACTOR");
-}
-
-// A block file cut at a trace: refused at open where its last block or its
-// index gives the count it had. Its second block (6 traces of 276 bytes)
-// starts at byte 1968.
-TEST(NyxFaults, AFileCutAtATraceIsRefusedWhereABlockOrTheIndexGivesItsCount) {
-  fs_testing::TempDir dir;
-  std::string const path = dir / "cut.dat";
-  writeFixture("dat", path, "<", 5);
-  std::string const whole = fs_testing::readFile(path);
-  ASSERT_EQ(1968u + 24 + 6 * 276, whole.size());
-  struct Case {
-    std::size_t size;
-    char const* label;
-    std::string reason;
-  } const cases[] = {
-      {1968 + 24 + 3 * 276, "NyxDiskStore::myGetDatFileDetails",
-       "The Nyx file " + path + " is cut short: its block at byte 1968 calls for 6 traces of 276 bytes, it holds 3."},
-      {1968, "NyxDiskStore::open",
-       "The Nyx file " + path + " is cut short: its index calls for 12 traces of 276 bytes, it holds 6."},
-  };
-  {
-    NyxDiskStore store;
-    store.open(vFilename(path.c_str()));
-    store.generateIndexFile();
-    store.close();
-  }
-  for (Case const& c : cases) {
-    fs_testing::writeFile(path, whole.substr(0, c.size));
-    NyxDiskStore store;
-    fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, c.label, c.reason);
-    EXPECT_FALSE(store.isOpen());
-  }
-  // With no index, nothing tells that a whole block is gone.
-  ASSERT_EQ(0, std::remove((dir / "cut.idx").c_str()));
-  NyxDiskStore store;
-  store.open(vFilename(path.c_str()));
-  EXPECT_EQ(6u, store.getNInstances());
 }
