@@ -1,10 +1,25 @@
 #include "decorator/BinDecorator.h"
 
+#include "foundation/Message.h"
+#include "foundation/vUtl.h"
+
 BinDecorator::BinDecorator(vHandle<Store> const& store) : StoreDecoratorImp(store), m_opened(false) {}
 
 BinDecorator::~BinDecorator() {}
 
 void BinDecorator::open(Binner const& binner, Attribute const& attribute) {
+  // The binner takes one number an instance: a trace's samples or a text
+  // would pass through the view unbinned, or binned as if each were an
+  // instance's value. The store's own definition says what a read gives.
+  vUCString const& name = attribute.getName();
+  Attribute const definition = m_decoratedStore->hasAttribute(name) ? m_decoratedStore->getAttribute(name) : attribute;
+  DataType const type = definition.getDataType();
+  if (!(type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64))
+    Message::fatal("BinDecorator::open", 0, "Unable to bin Attribute %s of type %s.", name.c_str(),
+                   vUtl::dataTypeName(type).c_str());
+  if (definition.getLength() != 1)
+    Message::fatal("BinDecorator::open", 0, "Unable to bin Attribute %s: bins take one value an instance.",
+                   name.c_str());
   m_binner = binner;
   m_attribute = attribute;
   m_opened = true;

@@ -89,9 +89,21 @@ SortStoreDecorator::~SortStoreDecorator() {}
 void SortStoreDecorator::addSortKey(vUCString const& name, vUtlSort::SortOrder::SortOrderType order) {
   if (m_sortKeyNames.size() >= 2)
     Message::fatal("SortStoreDecorator::addSortKey", 0, "Only two keys are allowed now.");
+  Attribute const key = m_decoratedStore->getAttribute(name);
+  // A key the sort cannot take is refused now, with the words of the first
+  // read, rather than after the view is built and handed on.
+  char const* const label = "SortStoreDecorator::addSortKey";
+  if (!isSortable(key.getDataType()) && m_sortKeyNames.empty())
+    Message::fatal(label, 0, "Unable to sort Attribute %s of type %s.", key.getName().c_str(), typeName(key).c_str());
+  if (!isSortable(key.getDataType()))
+    Message::fatal(label, 0, "Unable to sort secondary Attribute %s of type %s. Primary type is %s",
+                   key.getName().c_str(), typeName(key).c_str(), typeName(*m_sortKeys.begin()).c_str());
+  // A trace's samples would be sorted as if they were the instances' keys.
+  if (key.getLength() != 1)
+    Message::fatal(label, 0, "Unable to sort Attribute %s: a key takes one value an instance.", key.getName().c_str());
   m_sortKeyNames.push_back(name);
   m_sortOrders.push_back(order);
-  m_sortKeys.addKey(m_decoratedStore->getAttribute(name));
+  m_sortKeys.addKey(key);
 }
 
 KeyList SortStoreDecorator::getKeyList() const { return m_sortKeys; }

@@ -3,10 +3,11 @@
 
 #include <gtest/gtest.h>
 
-
+#include "decorator/Binner.h"
 #include "decorator/JoinTesting.h"
 #include "decorator/SortStoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
+#include "foundation/TestFailure.h"
 
 using namespace join_testing;
 
@@ -65,30 +66,35 @@ TEST(SortStoreDecorator, RefusesAThirdKeyAndAReadWithoutKeys) {
   expectFailure([&] { bare->read(cdp, 1, 3); }, "SortStoreDecorator::mySetupRead", "Need code to sort on 0 keys.");
 }
 
-TEST(SortStoreDecorator, RefusesKeysThatCannotBeSortedAtTheFirstRead) {
+// Texts and traces are refused as the view is built, not at its first read.
+TEST(SortStoreDecorator, RefusesKeysAndBinsThatCannotBeDoneAsTheViewIsBuilt) {
   auto store = [] {
-    return simpleStore("texts", {"K"}, {column("K", vINT32, {2, 1}), column("NAME", vSTRING, {1, 2})});
+    return simpleStore("texts", {"K"},
+                       {column("K", vINT32, {2, 1}), column("NAME", vSTRING, {1, 2}),
+                        column("PAIR", vFLOAT32, {1, 2, 3, 4}, 2)});
   };
-  vHandle<SortStoreDecorator> one;
-  StoreDecoratorFactory::addSort(store(), one);
-  one->addSortKey("NAME", S::ASCENDING);  // accepted here
-  Attribute k = one->getAttribute("K");
-  expectFailure([&] { one->read(k, 1, 2); }, "SortStoreDecorator::local_1keysort",
-                "Unable to sort Attribute NAME of type vSTRING.");
+  auto sortFailure = [&](std::vector<char const*> const& keys) {
+    vHandle<SortStoreDecorator> sort;
+    StoreDecoratorFactory::addSort(store(), sort);
+    return fatalText([&] {
+      for (char const* key : keys) sort->addSortKey(key, S::ASCENDING);
+    });
+  };
+  EXPECT_EQ("SortStoreDecorator::addSortKey: Unable to sort Attribute NAME of type vSTRING.", sortFailure({"NAME"}));
+  EXPECT_EQ("SortStoreDecorator::addSortKey: Unable to sort secondary Attribute NAME of type vSTRING. Primary type "
+            "is vINT32",
+            sortFailure({"K", "NAME"}));
+  EXPECT_EQ("SortStoreDecorator::addSortKey: Unable to sort Attribute PAIR: a key takes one value an instance.",
+            sortFailure({"PAIR"}));
 
-  vHandle<SortStoreDecorator> primary;
-  StoreDecoratorFactory::addSort(store(), primary);
-  primary->addSortKey("NAME", S::ASCENDING);
-  primary->addSortKey("K", S::ASCENDING);
-  expectFailure([&] { primary->read(k, 1, 2); }, "SortStoreDecorator::local_2keysort",
-                "Unable to sort Attribute NAME of type vSTRING. Primary type is vSTRING");
-
-  vHandle<SortStoreDecorator> secondary;
-  StoreDecoratorFactory::addSort(store(), secondary);
-  secondary->addSortKey("K", S::DESCENDING);
-  secondary->addSortKey("NAME", S::ASCENDING);
-  expectFailure([&] { secondary->read(k, 1, 2); }, "SortStoreDecorator::local_2keysort",
-                "Unable to sort secondary Attribute NAME of type vSTRING. Primary type is vINT32");
+  Binner binner;
+  binner.addBins(0, 10, 1, 1);
+  vHandle<Store> const below = store();
+  auto binFailure = [&](char const* name) {
+    return fatalText([&] { StoreDecoratorFactory::addBin(below, binner, Attribute(name, "", vFLOAT64)); });
+  };
+  EXPECT_EQ("BinDecorator::open: Unable to bin Attribute NAME of type vSTRING.", binFailure("NAME"));
+  EXPECT_EQ("BinDecorator::open: Unable to bin Attribute PAIR: bins take one value an instance.", binFailure("PAIR"));
 }
 
 TEST(SortStoreDecorator, AnEmptyStoreRefusesReads) {

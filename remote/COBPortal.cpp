@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -50,9 +51,15 @@ struct ReadToTheEnd {
 };
 
 // Starts a command on this host by the shell, in the background as
-// vUtl::system does, and gives the read end of a pipe whose write end only
-// the started processes hold: it comes to its end once they have all
-// ended. -1 when no pipe could be made; the command is started all the same.
+// vUtl::system does, and gives the read end of a pipe that comes to its end
+// once the started processes have all ended. -1 when no pipe could be
+// made; the command is started all the same.
+//
+// The write end is held by a watcher process between this one and the
+// command, never by the command itself: a server that held it would keep a
+// descriptor of ours for its whole life and hand it on to whatever it
+// starts. The watcher takes in the command's orphans (a child subreaper), so
+// a command that puts the server in the background is still watched.
 int startHere(vString const& command) {
   int ends[2];
   if (::pipe(ends) != 0) {
@@ -64,13 +71,20 @@ int startHere(vString const& command) {
   pid_t const first = ::fork();
   if (first == 0) {
     ::close(ends[0]);
-    // The server is the child of a child that ends at once: no process is
+    // The watcher is the child of a child that ends at once: no process is
     // left for this one to reap.
     if (::fork() == 0) {
-      // As a command put in the background by the shell: no input.
-      int const none = ::open("/dev/null", O_RDONLY);
-      if (none >= 0) ::dup2(none, 0);
-      ::execl("/bin/sh", "sh", "-c", text, static_cast<char*>(nullptr));
+      ::prctl(PR_SET_CHILD_SUBREAPER, 1L, 0L, 0L, 0L);
+      if (::fork() == 0) {
+        ::close(ends[1]);
+        // As a command put in the background by the shell: no input.
+        int const none = ::open("/dev/null", O_RDONLY);
+        if (none >= 0) ::dup2(none, 0);
+        ::execl("/bin/sh", "sh", "-c", text, static_cast<char*>(nullptr));
+        ::_exit(127);
+      }
+      while (::waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
+      }
     }
     ::_exit(0);
   }

@@ -41,6 +41,23 @@ size_t occurrences(std::string const& text, std::string const& part) {
   return n;
 }
 
+// Pipes a started server holds above the standard three that this process
+// does not: none, since the portal's watch on it is no descriptor of its own.
+std::set<std::string> pipesOnlyIn(int pid) {
+  auto pipesOf = [](std::string const& process) {
+    std::set<std::string> pipes;
+    for (int fd = 3; fd < 1024; ++fd) {
+      char target[64];
+      ssize_t const n = ::readlink(("/proc/" + process + "/fd/" + std::to_string(fd)).c_str(), target, sizeof target);
+      if (n > 5 && std::string(target, 5) == "pipe:") pipes.insert(std::string(target, static_cast<size_t>(n)));
+    }
+    return pipes;
+  };
+  std::set<std::string> only = pipesOf(std::to_string(pid));
+  for (std::string const& p : pipesOf("self")) only.erase(p);
+  return only;
+}
+
 bool contains(std::vector<std::string> const& lines, std::string const& line) {
   for (auto const& l : lines)
     if (l == line) return true;
@@ -194,10 +211,12 @@ TEST_F(COBPortalTest, LostServerIsStartedAgainAndTheObjectsRebuilt) {
   ASSERT_EQ(CommChan::OK, project.setState(7));
   ASSERT_EQ(CommChan::OK, set.setState(9));
   int const firstPid = catalog.describe().pid;
+  EXPECT_EQ(std::set<std::string>(), pipesOnlyIn(firstPid));
 
   EXPECT_EQ(CommChan::OK, set.call(TestServer::CrashOnce));
   TestCOB::Description const d = set.describe();
   EXPECT_NE(firstPid, d.pid);
+  EXPECT_EQ(std::set<std::string>(), pipesOnlyIn(d.pid));
   EXPECT_EQ(3, d.twins);
   EXPECT_EQ(9, d.state);
   EXPECT_EQ(7, project.describe().state);

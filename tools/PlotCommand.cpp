@@ -95,6 +95,53 @@ void plotSection(vHandle<Store> const& store, Request const& r, std::string cons
   image.write(out);
 }
 
+void range(std::vector<double> const& v, double& low, double& high) {
+  for (double a : v)
+    if (std::isfinite(a)) low = std::min(low, a), high = std::max(high, a);
+}
+
+// Where a map's coordinates fall on its picture: the longer side gets the
+// whole size, the other keeps the aspect, within a margin of 4 pixels.
+struct MapFrame {
+  MapFrame(double low, double high, double bottom, double top, int size)
+      : x0(low), y0(bottom), span(std::max(std::max(high - low, top - bottom), 1e-300)), inner(size - 2 * margin) {
+    width = std::max(1, static_cast<int>(std::lround((high - low) / span * inner))) + 2 * margin;
+    height = std::max(1, static_cast<int>(std::lround((top - bottom) / span * inner))) + 2 * margin;
+  }
+  int px(double x) const { return margin + static_cast<int>(std::lround((x - x0) / span * inner)); }
+  int py(double y) const { return height - 1 - margin - static_cast<int>(std::lround((y - y0) / span * inner)); }
+
+  static constexpr int margin = 4;
+  double x0, y0, span;
+  int inner, width, height;
+};
+
+// A map's mark: black, or the value's colour when the map has values.
+struct Pen {
+  void dot(PlotImage& image, int x, int y) const {
+    if (x < 0 || y < 0 || x >= image.width() || y >= image.height()) return;
+    if (coloured)
+      image.set(x, y, value, scale);
+    else
+      image.setRGB(x, y, 0, 0, 0);
+  }
+  // Every pixel of the straight line between two, both included.
+  void line(PlotImage& image, int x0, int y0, int x1, int y1) const {
+    int const dx = std::abs(x1 - x0), dy = -std::abs(y1 - y0);
+    int const sx = x0 < x1 ? 1 : -1, sy = y0 < y1 ? 1 : -1;
+    for (int error = dx + dy;;) {
+      dot(image, x0, y0);
+      if (x0 == x1 && y0 == y1) return;
+      int const twice = 2 * error;
+      if (twice >= dy) error += dy, x0 += sx;
+      if (twice <= dx) error += dx, y0 += sy;
+    }
+  }
+  bool coloured;
+  double value;
+  PlotImage::Scale scale;
+};
+
 void plotMap(vHandle<Store> const& store, Request const& r, std::string const& out) {
   std::vector<Attribute> attributes = {store->getAttribute(vUCString(r.x.c_str())),
                                        store->getAttribute(vUCString(r.y.c_str()))};
@@ -104,42 +151,108 @@ void plotMap(vHandle<Store> const& store, Request const& r, std::string const& o
   std::vector<double> const& xs = columns[0];
   std::vector<double> const& ys = columns[1];
 
-  auto range = [](std::vector<double> const& v, double& low, double& high) {
-    low = HUGE_VAL;
-    high = -HUGE_VAL;
-    for (double a : v)
-      if (std::isfinite(a)) low = std::min(low, a), high = std::max(high, a);
-  };
-  double x0, x1, y0, y1, v0 = 0, v1 = 0;
+  double x0 = HUGE_VAL, x1 = -HUGE_VAL, y0 = HUGE_VAL, y1 = -HUGE_VAL, v0 = HUGE_VAL, v1 = -HUGE_VAL;
   range(xs, x0, x1);
   range(ys, y0, y1);
   if (columns.size() > 2) range(columns[2], v0, v1);
   if (!(x0 <= x1 && y0 <= y1))
     Message::fatal("PlotCommand::plotMap", 0, "No point of the store has a finite %s and %s.", r.x.c_str(),
                    r.y.c_str());
-  // The longer side gets the whole size; the other keeps the aspect.
-  double const span = std::max(std::max(x1 - x0, y1 - y0), 1e-300);
-  int const margin = 4;
-  int const inner = r.size - 2 * margin;
-  int const width = std::max(1, static_cast<int>(std::lround((x1 - x0) / span * inner))) + 2 * margin;
-  int const height = std::max(1, static_cast<int>(std::lround((y1 - y0) / span * inner))) + 2 * margin;
-  PlotImage image(width, height);
-  PlotImage::Scale const scale = PlotImage::scale(r.colour.empty() ? "rwb" : r.colour);
+  MapFrame const frame(x0, x1, y0, y1, r.size);
+  PlotImage image(frame.width, frame.height);
+  Pen pen{columns.size() > 2 && v1 > v0, 0.0, PlotImage::scale(r.colour.empty() ? "rwb" : r.colour)};
   for (std::size_t i = 0; i < xs.size(); ++i) {
     if (!std::isfinite(xs[i]) || !std::isfinite(ys[i])) continue;
-    int const px = margin + static_cast<int>(std::lround((xs[i] - x0) / span * inner));
-    int const py = height - 1 - margin - static_cast<int>(std::lround((ys[i] - y0) / span * inner));
-    bool const coloured = columns.size() > 2 && v1 > v0;
-    double const v = coloured ? 2.0 * (columns[2][i] - v0) / (v1 - v0) - 1.0 : 0.0;
+    int const px = frame.px(xs[i]), py = frame.py(ys[i]);
+    if (pen.coloured) pen.value = 2.0 * (columns[2][i] - v0) / (v1 - v0) - 1.0;
     for (int dx = -1; dx <= 1; ++dx)
-      for (int dy = -1; dy <= 1; ++dy) {
-        int const qx = px + dx, qy = py + dy;
-        if (qx < 0 || qy < 0 || qx >= width || qy >= height) continue;
-        if (coloured)
-          image.set(qx, qy, v, scale);
-        else
-          image.setRGB(qx, qy, 0, 0, 0);
+      for (int dy = -1; dy <= 1; ++dy) pen.dot(image, px + dx, py + dy);
+  }
+  image.write(out);
+}
+
+// One polyline or polygon: its vertices, and how many of them each part has.
+struct Shape {
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<int> parts;
+  double value;
+};
+
+// Polylines and polygons, whose x and y hold every vertex of a shape: each
+// part drawn as a line through its vertices, closed into a ring for
+// polygons, coloured as the points of a map are.
+void plotOutlines(vHandle<Store> const& store, Request const& r, std::string const& out) {
+  std::vector<Attribute> attributes = {store->getAttribute(vUCString(r.x.c_str())),
+                                       store->getAttribute(vUCString(r.y.c_str()))};
+  // Without part lengths a shape is one part.
+  std::size_t const parts = store->hasAttribute(vUCString("PART_LENGTHS")) ? attributes.size() : 0;
+  if (parts) attributes.push_back(store->getAttribute(vUCString("PART_LENGTHS")));
+  std::size_t const coloured = r.attribute.empty() ? 0 : attributes.size();
+  if (coloured) {
+    attributes.push_back(store->getAttribute(vUCString(r.attribute.c_str())));
+    if (attributes.back().isVariableLength())
+      Message::fatal("PlotCommand::plotOutlines", 0, "Cannot plot Attribute %s: its length varies.",
+                     r.attribute.c_str());
+  }
+  std::vector<Shape> shapes;
+  double x0 = HUGE_VAL, x1 = -HUGE_VAL, y0 = HUGE_VAL, y1 = -HUGE_VAL, v0 = HUGE_VAL, v1 = -HUGE_VAL;
+  unsigned int const block = 256;
+  ToolProgress progress(r.last - r.first + 1ull);
+  std::vector<std::vector<double> > values(attributes.size());
+  for (unsigned long long from = r.first; from <= r.last; from += block) {
+    unsigned int const to = static_cast<unsigned int>(std::min<unsigned long long>(r.last, from + block - 1));
+    for (std::size_t k = 0; k < attributes.size(); ++k) {
+      store->read(attributes[k], static_cast<unsigned int>(from), to);
+      attributes[k].getValues(values[k]);
+    }
+    // Each attribute's values of the instances before this one.
+    std::vector<std::size_t> at(attributes.size(), 0);
+    auto next = [&](std::size_t k, unsigned int i) {
+      std::size_t const n = std::min(static_cast<std::size_t>(std::max(0, attributes[k].getLength(i))),
+                                     values[k].size() - at[k]);
+      std::vector<double> const taken(values[k].begin() + at[k], values[k].begin() + at[k] + n);
+      at[k] += n;
+      return taken;
+    };
+    for (unsigned int i = 1; i <= to - from + 1; ++i) {
+      Shape s;
+      s.x = next(0, i);
+      s.y = next(1, i);
+      for (double length : parts ? next(parts, i) : std::vector<double>{static_cast<double>(s.x.size())})
+        s.parts.push_back(static_cast<int>(length));
+      std::vector<double> const value = coloured ? next(coloured, i) : std::vector<double>();
+      s.value = value.empty() ? 0.0 : value[0];
+      range(s.x, x0, x1);
+      range(s.y, y0, y1);
+      if (coloured && std::isfinite(s.value)) v0 = std::min(v0, s.value), v1 = std::max(v1, s.value);
+      shapes.push_back(std::move(s));
+    }
+    progress.update(to - r.first + 1ull);
+  }
+  if (!(x0 <= x1 && y0 <= y1))
+    Message::fatal("PlotCommand::plotOutlines", 0, "No shape of the store has a finite %s and %s.", r.x.c_str(),
+                   r.y.c_str());
+  MapFrame const frame(x0, x1, y0, y1, r.size);
+  PlotImage image(frame.width, frame.height);
+  Pen pen{v1 > v0, 0.0, PlotImage::scale(r.colour.empty() ? "rwb" : r.colour)};
+  bool const rings = store->getSubClass() == vLCString("polygons");
+  for (Shape const& s : shapes) {
+    if (pen.coloured) pen.value = 2.0 * (s.value - v0) / (v1 - v0) - 1.0;
+    std::size_t start = 0;
+    for (int length : s.parts) {
+      std::size_t const end =
+          std::min(std::min(s.x.size(), s.y.size()), start + static_cast<std::size_t>(std::max(0, length)));
+      std::vector<std::pair<int, int> > ring;
+      for (std::size_t k = start; k < end; ++k)
+        if (std::isfinite(s.x[k]) && std::isfinite(s.y[k])) ring.emplace_back(frame.px(s.x[k]), frame.py(s.y[k]));
+      if (rings && ring.size() > 2) ring.push_back(ring.front());
+      for (std::size_t k = 0; k < ring.size(); ++k) {
+        std::pair<int, int> const& from = ring[k == 0 ? 0 : k - 1];
+        pen.line(image, from.first, from.second, ring[k].first, ring[k].second);
       }
+      start = end;
+    }
   }
   image.write(out);
 }
@@ -148,7 +261,7 @@ void plotMap(vHandle<Store> const& store, Request const& r, std::string const& o
 
 ToolCommand const& PlotCommand::command() {
   static ToolCommand const c = {
-      "plot", "a PNG picture of a seismic section or of the points of a map",
+      "plot", "a PNG picture of a seismic section or of the points or shapes of a map",
       "usage: rondo plot STORE --out FILE.png [--attribute NAME] [--first N] [--last M]\n"
       "                  [--clip PERCENT] [--colour grey|rwb] [--zoom N]\n"
       "                  [--x NAME --y NAME] [--size PIXELS] [--view SPEC]...\n"
@@ -161,7 +274,8 @@ ToolCommand const& PlotCommand::command() {
       "pixels. A store of another class, or any store\n"
       "given --x and --y, gives its points on a picture of --size pixels (512),\n"
       "coloured by the value of --attribute; without them the attributes come\n"
-      "from the store's property XYZ_PLOT_ATTRIBUTES, else X and Y.\n"
+      "from the store's property XYZ_PLOT_ATTRIBUTES, else X and Y. Polylines\n"
+      "and polygons (an x of many values an instance) are drawn as outlines.\n"
       "\n" TOOL_VIEW_HELP
       "\n"
       "example:\n"
@@ -233,6 +347,8 @@ int PlotCommand::run(ToolArguments& arguments) {
   StoreArgument::checkRange(store, probe, r.first, r.last, n);
   if (seismic)
     plotSection(store, r, out);
+  else if (probe.isVariableLength())
+    plotOutlines(store, r, out);
   else
     plotMap(store, r, out);
   return 0;

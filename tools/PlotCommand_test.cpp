@@ -109,4 +109,42 @@ TEST(RondoShapefile, MapsOfFilesFromOgr) {
   }
 }
 
+// Polygons and polylines that ogr2ogr writes, drawn as outlines on a frame
+// of 100 by 100 at 64 pixels: x goes to column 4 + x * 0.56, y to row
+// 59 - y * 0.56. A square with a square hole; a V and a short stroke, open.
+TEST(RondoShapefile, OutlinesOfPolygonsAndPolylinesFromOgr) {
+  fs_testing::TempDir dir;
+  tool_testing::Outcome const made = tool_testing::shell(
+      dir,
+      "printf '%s' '{\"type\":\"Polygon\",\"coordinates\":[[[0,0],[100,0],[100,100],[0,100],[0,0]],"
+      "[[40,40],[40,60],[60,60],[60,40],[40,40]]]}' > square.geojson && printf '%s' '{\"type\":"
+      "\"MultiLineString\",\"coordinates\":[[[0,100],[50,0],[100,100]],[[0,50],[20,50]]]}' > v.geojson && "
+      "ogr2ogr -f 'ESRI Shapefile' square.shp square.geojson && ogr2ogr -f 'ESRI Shapefile' v.shp v.geojson");
+  ASSERT_EQ(0, made.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << made.err;
+  struct Case {
+    char const* shp;
+    char const* pixels;  // (column, row) pairs
+    char const* dark;
+  } const cases[] = {
+      // Corners, the middle of each outer side, three sides of the hole,
+      // then between the rings and within the hole.
+      {"square", "(4,59),(60,3),(4,31),(32,59),(60,31),(32,3),(26,31),(38,31),(32,25),(15,31),(32,31)",
+       "11111111100"},
+      // The V's three vertices and the middle of its left leg, the stroke,
+      // then where a closing side and the gap beside the stroke would be.
+      {"v", "(4,3),(32,59),(60,3),(18,31),(10,31),(32,3),(25,31)", "1111100"},
+  };
+  for (Case const& c : cases) {
+    std::string const shp = std::string(c.shp) + ".shp", png = std::string(c.shp) + ".png";
+    tool_testing::Outcome const r = tool_testing::tool(dir, "plot " + shp + " --out " + png + " --size 64");
+    ASSERT_EQ(0, r.status) << shp << ": " << r.err;
+    tool_testing::Outcome const read = tool_testing::shell(
+        dir, std::string(kPython) + " -c \"from osgeo import gdal\nd = gdal.Open('" + png +
+                 "')\na = d.GetRasterBand(1).ReadAsArray()\nprint(d.RasterXSize, d.RasterYSize, ''.join("
+                 "'1' if a[y][x] < 128 else '0' for x, y in [" + c.pixels + "]))\"");
+    ASSERT_EQ(0, read.status) << read.err;
+    EXPECT_EQ(std::string("64 64 ") + c.dark + "\n", read.out) << shp;
+  }
+}
+
 }  // namespace

@@ -104,6 +104,7 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
       {"infill", "the grid is that of two keys, and the store has 1"},
       {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
       {"select:TRACE,0,1", "'select' wants an attribute of one number an instance, and TRACE is not"},
+      {"bin:TRACE,0,1,1,1", "Unable to bin Attribute TRACE: bins take one value an instance."},
       {"sort:CMP,", "an empty argument"},
       {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
       {"map:nokey.cstf", "The definition for the key attribute NOPE has not been declared!"},

@@ -1,10 +1,11 @@
 #include "filestore/nyx/NyxDatLayout.h"
 
+#include <algorithm>
 #include <string>
 
 #include "foundation/Message.h"
 
-void NyxDatLayout::parse(Reader const& read, long long fileSize, char const* label) {
+void NyxDatLayout::parse(Reader const& read, long long fileSize, char const* label, std::string const& name) {
   *this = NyxDatLayout();
   int32_t lead = 0;
   if (read(0, &lead, 4) != 4) Message::fatal(label, 0, "Failed to set the initial position in the file!");
@@ -40,10 +41,12 @@ void NyxDatLayout::parse(Reader const& read, long long fileSize, char const* lab
     if (swapped) NyxTrace::swapWords(header, BLOCK_HEADER_WORDS);
     long long const size = header[0];
     int const type = header[1], count = header[3], additional = header[5];
-    if (size < static_cast<long long>(sizeof header) || pos + size > fileSize)
+    bool const traces = type == 7 || type == 15;
+    bool const beyond = pos + size > fileSize;
+    if (size < static_cast<long long>(sizeof header) || (beyond && !traces))
       Message::fatal(label, 0, "Failed to move to the next block header at position %d in the file!",
                      static_cast<int>(pos));
-    if (type == 7 || type == 15) {
+    if (traces) {
       long long const first = pos + static_cast<long long>(sizeof header) + additional;
       if (blocks.empty()) {
         // The first trace tells the layout of all.
@@ -62,9 +65,19 @@ void NyxDatLayout::parse(Reader const& read, long long fileSize, char const* lab
       }
       long long const calculated = static_cast<long long>(sizeof header) + additional +
                                    static_cast<long long>(count) * traceBytes;
+      if (beyond && (additional < 0 || count < 0 || calculated != size))
+        Message::fatal(label, 0, "Failed to move to the next block header at position %d in the file!",
+                       static_cast<int>(pos));
       if (additional < 0 || count < 0 || calculated != size)
         Message::fatal(label, 0, "Calculation error, physical file size %s != calculated size %s!",
                        std::to_string(size).c_str(), std::to_string(calculated).c_str());
+      // A block whose header adds up but whose traces run past the end of
+      // the file: the file was cut, and says how many traces it lost.
+      if (beyond)
+        Message::fatal(label, 0,
+                       "The Nyx file %s is cut short: its block at byte %lld calls for %d traces of %d bytes, it "
+                       "holds %lld.",
+                       name.c_str(), pos, count, traceBytes, std::max(0LL, fileSize - first) / traceBytes);
       if (count > 0) blocks.push_back(Block{first, count});
       nInstances += count;
     }

@@ -20,6 +20,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "filestore/nyx/NyxTrace.h"
@@ -36,8 +37,9 @@ struct NyxDatLayout {
   // Reads count bytes at a 0-based offset; returns the bytes read.
   typedef std::function<long long(long long offset, void* buffer, long long count)> Reader;
 
-  // Fatal, labelled by label, when the file is not one.
-  void parse(Reader const& read, long long fileSize, char const* label);
+  // Fatal, labelled by label, when the file is not one; name is the file's
+  // in the message of one cut short.
+  void parse(Reader const& read, long long fileSize, char const* label, std::string const& name = std::string());
   // The byte offset of an instance (from 1).
   long long offsetOf(long long instance) const;
 

@@ -237,7 +237,7 @@ void NyxDiskStore::myOpenDat() {
     }
     return done;
   };
-  m_dat.parse(reader, static_cast<long long>(s.st_size), "NyxDiskStore::myGetDatFileDetails");
+  m_dat.parse(reader, static_cast<long long>(s.st_size), "NyxDiskStore::myGetDatFileDetails", m_fileName.c_str());
   m_swapped = m_dat.swapped;
   m_record.header.assign(m_dat.firstHeader, m_dat.firstHeader + NyxTrace::HEADER_WORDS);
   m_record.traceType = m_dat.firstHeader[NyxTrace::TRACE_TYPE];

@@ -72,6 +72,12 @@ void NyxDiskStore::myLoadIndex() {
   } else {
     int const count = static_cast<int>(littleWord(header + 8));
     std::vector<unsigned char> records(static_cast<std::size_t>(m_record.nInstances) * 8);
+    if (count > m_record.nInstances && myIndexShowsACut(fd, count)) {
+      NYXFSclose(fd);
+      Message::fatal("NyxDiskStore::open", 0,
+                     "The Nyx file %s is cut short: its index calls for %d traces of %d bytes, it holds %d.",
+                     m_fileName.c_str(), count, m_record.extRecordLengthB, m_record.nInstances);
+    }
     if (count != m_record.nInstances || !readAll(fd, records.data(), static_cast<long>(records.size()))) {
       Message::error(kIndexLabel, 0,
                      "Index file '%s' does not contain the right number of instances, expected %d found %d!",
@@ -84,6 +90,22 @@ void NyxDiskStore::myLoadIndex() {
   }
   NYXFSclose(fd);
   m_index.swap(index);
+}
+
+// An index of more traces than the file holds is this file's own, made
+// before the file was cut, when it places every trace the file holds where
+// the file does and the first of the others at or past the file's end.
+// The index is read from just after its header, and left anywhere.
+bool NyxDiskStore::myIndexShowsACut(int fd, int count) const {
+  std::vector<unsigned char> records(static_cast<std::size_t>(m_record.nInstances + 1) * 8);
+  if (!readAll(fd, records.data(), static_cast<long>(records.size()))) return false;
+  auto offset = [&](int k) {
+    return static_cast<long long>(littleWord(&records[8 * k]) |
+                                  static_cast<uint64_t>(littleWord(&records[8 * k + 4])) << 32);
+  };
+  for (int k = 0; k < m_record.nInstances; ++k)
+    if (offset(k) != m_dat.offsetOf(k + 1)) return false;
+  return count > m_record.nInstances && offset(m_record.nInstances) >= myFileSize();
 }
 
 void NyxDiskStore::generateIndexFile() {

@@ -104,15 +104,12 @@ void NyxDiskStore::myLoadRange(unsigned int first, unsigned int last) const {
 
 void NyxDiskStore::read(Attribute& attribute, unsigned int first, unsigned int last) const {
   myCheckOpen(kReadLabel);
-  long long const n = getNInstances();
-  if (last == 0 && m_record.fileFormat != TAPES) last = static_cast<unsigned int>(n);
-  if (first < 1) Message::fatal(kReadLabel, 0, "first instance must be >0, yours was %lld", static_cast<long long>(first));
-  if (first > last)
+  // A tape set's count is not known before its end, so a last of 0 there
+  // cannot mean the last instance.
+  if (m_record.fileFormat == TAPES && last == 0 && first >= 1)
     Message::fatal(kReadLabel, 0, "first instance %lld must be <= last instance %lld.", static_cast<long long>(first),
-                   static_cast<long long>(last));
-  if (last > n)
-    Message::fatal(kReadLabel, 0, "last instance %lld must be <= number of instances %lld.",
-                   static_cast<long long>(last), n);
+                   0LL);
+  last = myCheckRange(kReadLabel, first, last);
   Attribute definition;
   int word = 0;
   if (!myDefinition(attribute.getName(), definition, word))
@@ -127,15 +124,7 @@ void NyxDiskStore::read(Attribute& attribute, unsigned int first, unsigned int l
 void NyxDiskStore::read(Attribute& attribute, std::vector<unsigned int> const& instances) const {
   myCheckOpen(kReadLabel);
   if (m_record.fileFormat == TAPES) Message::fatal(kReadLabel, 0, "Tape reading via instance list is not supported!");
-  long long const n = getNInstances();
-  for (unsigned int i : instances) {
-    if (i == 0)
-      Message::fatal(kReadLabel, 0, "Attribute '%s': the vInstanceList has a zero in it, coont read from instance 0.",
-                     attribute.getName().c_str());
-    if (i > n)
-      Message::fatal(kReadLabel, 0, "Instance numbers must be <%lld, list for '%s' contained %lld.", n + 1,
-                     attribute.getName().c_str(), static_cast<long long>(i));
-  }
+  myCheckList(kReadLabel, attribute.getName(), instances);
   Attribute definition;
   int word = 0;
   if (!myDefinition(attribute.getName(), definition, word))

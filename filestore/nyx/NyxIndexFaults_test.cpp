@@ -25,7 +25,7 @@ std::string word(uint32_t v) {
 
 }  // namespace
 
-TEST(NyxIndex, MadeTakenAndAWrongOneIgnoredWithAMessage) {
+TEST(NyxIndex, MadeTakenAWrongOneIgnoredAndACutFileRefused) {
   fs_testing::TempDir dir;
   std::string const path = dir / "line.dat", index = dir / "line.idx";
   writeFixture("dat", path, ">", 5);
@@ -67,6 +67,19 @@ TEST(NyxIndex, MadeTakenAndAWrongOneIgnoredWithAMessage) {
     EXPECT_EQ(cmp(12), cmpOf(store, 12));
     store.close();
   }
+
+  // Cut at a trace, the file is refused at open where its last block or its
+  // index gives the count it had; its second block starts at byte 1968.
+  fs_testing::writeFile(index, made);
+  std::string const whole = fs_testing::readFile(path);
+  std::string const cut = "The Nyx file " + path + " is cut short: its ";
+  fs_testing::writeFile(path, whole.substr(0, 1968 + 24 + 3 * 276));
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
+                            cut + "block at byte 1968 calls for 6 traces of 276 bytes, it holds 3.");
+  fs_testing::writeFile(path, whole.substr(0, 1968));
+  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
+                            cut + "index calls for 12 traces of 276 bytes, it holds 6.");
+  EXPECT_FALSE(store.isOpen());
 }
 
 TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
