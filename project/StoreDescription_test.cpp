@@ -58,8 +58,6 @@ std::string withHost(std::string text) {
 
 }  // namespace
 
-// --- parsing and printing ---------------------------------------------------------------
-
 TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
   NameSetting setting;
   struct Case {
@@ -81,7 +79,6 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       {"file:/data/line1.sgy", "FlatFile:/data/line1.sgy:"},
       {"F:/data/line1.sgy#segy#", "FlatFile:/data/line1.sgy:#segy#"},
       {"flatfile:/data/line1.sgy#segy:/fmt/line1.syf#", "FlatFile:/data/line1.sgy:#segy:/fmt/line1.syf#"},
-      {"file:hostF:/data/a.txt", "FlatFile:hostF:/data/a.txt:"},
       // A single trailing '#' is dropped, and a trailing ':' too.
       {"file:/data/a.sgy#", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy:", "FlatFile:/data/a.sgy:"},
@@ -103,7 +100,7 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
   }
 }
 
-TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
+TEST(StoreDescription, FieldsConstructorsAndSetters) {
   NameSetting setting;
   StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
   EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
@@ -114,18 +111,12 @@ TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
   StoreDescription open(vString("r:srv:h:p:name#seismic"));
   EXPECT_EQ("name", str(open.getStoreName()));
   EXPECT_TRUE(open.getStoreClass().isEmpty());
-}
 
-TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
-  NameSetting setting;
-  StoreDescription d(vString("file:/data/survey/line1.sgy#segy:/fmt/line1.syf#"));
-  EXPECT_EQ("/data/survey", str(d.getProjectName()));
-  EXPECT_EQ("/data/survey/line1.sgy", str(d.getTitle()));
-
+  StoreDescription file(vString("file:/data/survey/line1.sgy#segy:/fmt/line1.syf#"));
+  EXPECT_EQ("/data/survey", str(file.getProjectName()));
+  EXPECT_EQ("/data/survey/line1.sgy", str(file.getTitle()));
   StoreDescription f{vFilename("/data/x/wells.txt")};
-  EXPECT_EQ("FlatFile:/data/x/wells.txt:", str(f.toString()));
   f.setFileFormat("ascii");
-  f.setFormatSpec("");
   EXPECT_EQ("FlatFile:/data/x/wells.txt:#ascii#", str(f.toString()));
 
   // setFlatFile forgets class and version.
@@ -133,6 +124,13 @@ TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
   r.setFlatFile(vFilename("/a/b.sgy"));
   EXPECT_EQ(0, r.getVersion());
   EXPECT_TRUE(r.getStoreClass().isEmpty());
+
+  FullStoreName const seven(ProjectType::RONDO, "srv", "hostA", "proj", "line", 7, "set");
+  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set##", str(StoreDescription(seven).toString()));
+  StoreDescription parts(ProjectType::RONDO, "srv", "hostA", "proj", "line", "seismic", 7, "set");
+  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
+  StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
+  EXPECT_TRUE(fromProject == parts);
 }
 
 TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
@@ -149,21 +147,6 @@ TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
   std::string longStore = "r:srv:h:p:" + std::string(200, 'a');
   EXPECT_TRUE(StoreDescription(vString(longStore.c_str())).isValid(message));
 }
-
-TEST(StoreDescription, OtherConstructorsAndSetters) {
-  NameSetting setting;
-  FullStoreName full(ProjectType::RONDO, "srv", "hostA", "proj", "line", 7, "set");
-  StoreDescription fromFull(full);
-  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set##", str(fromFull.toString()));
-  StoreDescription parts(ProjectType::RONDO, "srv", "hostA", "proj", "line", "seismic", 7, "set");
-  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
-  StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
-  EXPECT_TRUE(fromProject == parts);
-
-  EXPECT_TRUE(StoreDescription().isEmpty());
-}
-
-// --- equality and order -------------------------------------------------------------------
 
 TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
   NameSetting setting;
@@ -194,8 +177,6 @@ TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
   EXPECT_TRUE(StoreDescription(vString("r:srv:a:p:zzz")) < StoreDescription(vString("r:srv:b:p:aaa")));
 }
 
-// --- validation -----------------------------------------------------------------------------
-
 TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
   std::string const d40(40, 'd');
   std::string const r17(17, 'r');
@@ -220,7 +201,6 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"dorn:s:h:p$:store", false, "dorn:s:h:p$ <- ERROR invalid project name  ...store"},
       {"dorn:s:h:p::store", false, "dorn:s:h:p:: <- ERROR too many : ... store"},
       {"dorn:" + d40, true, ""},
-      {"dorn:s:h:p:" + d40 + ".12", true, ""},
       {"rondo:s:h:p:" + r17, true, ""},
       {"rondo:s:h:p:" + r17 + "r.1", false,
        "rondo:s:h:p:" + r17 + "r.1 <- ERROR a Rondo store name can't be longer than 17 characters ..."},
@@ -241,7 +221,6 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       {"flatfile:ho$t:/a b", false,
        "flatfile:ho$t <- ERROR unrecognised hostname ...ho$t:/a bflatfile:ho$t:/a b <- ERROR filename contains "
        "illegal characters ...ho$t:/a b"},
-      {"file:nyx=/d/a cst", false, "/d/a cst <- ERROR filename contains illegal characters ...nyx=/d/a cst"},
       {"foo:bar:baz", false, "foo: <- ERROR unrecognised type  ...bar:baz"},
       {"pr$j:store", false, "pr$j <- ERROR project contains invalid character ...:store"},
       {"notype:any$thing goes", true, ""},
@@ -253,8 +232,6 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
     EXPECT_EQ(c.message, str(message));
   }
 }
-
-// --- in-memory stores ------------------------------------------------------------------------
 
 TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
   vString message;
