@@ -35,9 +35,9 @@ std::vector<std::string> runPeer(std::string const& args, std::string const& inp
 
 TEST(CMPBasicGridPeer, RotationAgreesWithNumpy) {
   vCoordinate const origin(512345.25, 6712345.75);
-  std::vector<ExactBinPos> const bins = {{1000, 300}, {1004, 300}, {1000, 298}, {1156, 182}, {1077.5, 251.25}};
+  std::vector<ExactBinPos> const bins = {{1000, 300}, {1156, 182}, {1077.5, 251.25}};
   std::vector<vCoordinate> const points = {{512000.0, 6712000.0}, {513111.5, 6711999.25}};
-  for (double degrees : {0.0, 30.0, -123.4, 180.0, 271.0}) {
+  for (double degrees : {0.0, -123.4, 271.0}) {
     double const angle = vCoordinate::convertDegreesToRadians(degrees);
     CMPBasicGrid const g(1, 1, 1000, 4, 40, 300, -2, 60, origin, -12.5f, 25.0f, angle);
     char args[200];
