@@ -76,8 +76,6 @@ std::string notAvailable(char const* className) {
          " is not available: no maker is registered for it (see registerRondoClasses).";
 }
 
-// --- the class by project type and host ---------------------------------------------------
-
 // A deferred project is opened and taken out first; the in-process type is
 // served here on this host only.
 TEST(AttributeSetFactoryCreate, ClassByProjectTypeAndHost) {
@@ -122,8 +120,6 @@ TEST(AttributeSetFactoryCreate, BypassingTheDataServerServesTheInProcessTypeHere
       ::testing::ExitedWithCode(11), "");
 }
 
-// --- the queue ---------------------------------------------------------------------------
-
 TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   SetStandIns standIns;
   PropertyTree properties(PropertyTree::record("capi", "AttributeSetDecorators", "value= PROFILING") +
@@ -143,18 +139,8 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   EXPECT_TRUE(recording.errors().empty());
 }
 
-// --- wrapping by configuration --------------------------------------------------------------
-
 TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOver) {
   SetStandIns standIns;
-  {
-    // Without the property the set stays bare.
-    PropertyTree noProperties(PropertyTree::record("capi", "Other", "value= PROFILING"));
-    Recording recording;
-    vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
-    EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
-    EXPECT_TRUE(recording.errors().empty());
-  }
   PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
                           PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
   Recording recording;
