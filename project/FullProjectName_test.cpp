@@ -23,8 +23,6 @@ void expectProject(FullProjectName const& n, ProjectType::PROJECT_TYPE type, cha
 }
 
 TEST(FullProjectName, FieldsAreReadFromTheRight) {
-  expectProject(FullProjectName(vString("Survey")), ProjectType::NOTYPE, "", "", "survey");
-  expectProject(FullProjectName(vString("srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
   expectProject(FullProjectName(vString("rondo:srv:hostA:survey")), ProjectType::RONDO, "srv", "hostA", "survey");
   // An empty type name is no type.
   expectProject(FullProjectName(vString(":srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
