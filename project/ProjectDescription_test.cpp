@@ -214,7 +214,6 @@ TEST(ProjectCatalogDescription, EqualityAndOrder) {
   EXPECT_EQ(FullProjectName(vString("rondo:s:h:alpha")), p1.getFullProjectName());
 }
 
-
 TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
   DefaultProject none(false);
   TestReleaseTree tree;

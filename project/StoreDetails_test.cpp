@@ -1,10 +1,11 @@
-// The catalogue records of stores and attribute sets: their packed forms
-// byte for byte, and the frames of every older writer, whose fields were
-// fewer or narrower.
+// The catalogue records of stores, attribute sets and project lists: their
+// packed forms byte for byte, and the frames of every older writer, whose
+// fields were fewer or narrower.
 
 #include <gtest/gtest.h>
 
 #include "project/AttributeSetDetails.h"
+#include "project/ProjectList.h"
 #include "project/StoreDetails.h"
 #include "project/StoreTesting.h"
 
@@ -20,6 +21,13 @@ std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 StoreDetails sample() {
   return StoreDetails("line12", 3, "seismic", "2d", 4000000000u, "first", "second", vDate(1000000000L), "me",
                       (1LL << 33) + 5, 2, ProjectType::ZONMESH);
+}
+
+ProjectList projects() {
+  ProjectList list;
+  list.add(ProjectListEntry("north_sea"));
+  list.add(ProjectListEntry("gulf"));
+  return list;
 }
 
 // The fields that every version holds, as version 1 wrote them.
@@ -180,4 +188,35 @@ TEST(AttributeSetDetails, PacksNameAndA32BitCountReadsTheWideOneOfLaterVersions)
   bad.frame(8766, 1).end();
   expectFailure([&] { d.unpack(*bad.reader()); }, "AttributeSetDetails::unpack",
                 "Wrong magic number 8766, expected 8765.");
+}
+
+TEST(ProjectListPack, FrameByteExactAndRoundTrip) {
+  Packer p(0);
+  projects().pack(p);
+  Bytes b;
+  b.frame(1020, 1).int32(2).text("north_sea").text("gulf").end();
+  EXPECT_EQ(b.body(), bodyOf(p));
+
+  // Read back, the list replaces the entries.
+  std::unique_ptr<Packer> in = receive(p);
+  ProjectList back;
+  back.add(ProjectListEntry("stale"));
+  back.unpack(*in);
+  EXPECT_EQ(projects(), back);
+  EXPECT_EQ(back.end(), back.find("stale"));
+}
+
+TEST(ProjectListPack, ForeignFramesAreRefused) {
+  Bytes wrongMagic;
+  wrongMagic.frame(1021, 1).int32(0).end();
+  expectFailure([&] { ProjectList l; l.unpack(*wrongMagic.reader()); }, "ProjectList::unpack",
+                "Magic number mismatch: expected 1020, got 1021.");
+  Bytes wrongVersion;
+  wrongVersion.frame(1020, 2).int32(0).end();
+  expectFailure([&] { ProjectList l; l.unpack(*wrongVersion.reader()); }, "ProjectList::unpack",
+                "Version number mismatch: expected 1, got 2.");
+  Bytes forged;
+  forged.frame(1020, 1).int32(100000000).text("a").end();
+  expectFailure([&] { ProjectList l; l.unpack(*forged.reader()); }, "ProjectList::unpack",
+                "Bad number of projects 100000000 with 8 bytes left.");
 }
