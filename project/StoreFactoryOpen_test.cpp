@@ -211,48 +211,6 @@ TEST(StoreFactoryIdentify, SeismicByTheLowerCasedExtension) {
   EXPECT_EQ("", str(StoreFactory::getFileStoreClass("segy2")));
 }
 
-// The format spec found for a Nyx file: a mapping file named after the kind of
-// data that the file name tells, where one exists in the working directory.
-vFilename nyxSpecBeside(StoreDescription const& description) {
-  vString name = description.getFlatFileName().getRoot();
-  std::string kind = std::string(name.c_str()).find("2d") != std::string::npos ? "2dStack" : "3dInlineStacks";
-  std::string candidate = std::string(description.getFlatFileName().getDirectory().c_str()) + "/" + kind + ".cstf";
-  return std::filesystem::exists(candidate) ? vFilename(candidate.c_str()) : vFilename();
-}
-
-class NyxFinder {
- public:
-  explicit NyxFinder(StoreFactory::NyxSpecificationFinder finder)
-      : m_saved(StoreFactory::registerNyxSpecificationFinder(finder)) {}
-  ~NyxFinder() { StoreFactory::registerNyxSpecificationFinder(m_saved); }
-
- private:
-  StoreFactory::NyxSpecificationFinder m_saved;
-};
-
-TEST(StoreFactoryIdentify, CstFilesGetTheSpecFoundForThemOnlyWhenAsked) {
-  TestReleaseTree tree;
-  NyxFinder finder(&nyxSpecBeside);
-  std::string const spec = tree.writeWorkFile("2dStack.cstf", "mapping");
-  StoreOpenOptions automatic;
-  automatic.setAutoSpecifyCSTFiles(true);
-
-  StoreDescription found = fileIn(tree, "line2d.cst");
-  ASSERT_TRUE(StoreFactory::identifyFileFormat(found, &automatic));
-  EXPECT_EQ(spec, str(found.getFormatSpec()));
-
-  // A spec given is kept.
-  StoreDescription given = fileIn(tree, "line2d.cst");
-  given.setFormatSpec("my.cstf");
-  ASSERT_TRUE(StoreFactory::identifyFileFormat(given, &automatic));
-  EXPECT_EQ("my.cstf", str(given.getFormatSpec()));
-
-  // Not asked for.
-  StoreDescription d = fileIn(tree, "line2d.cst");
-  ASSERT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
-  EXPECT_EQ("", str(d.getFormatSpec()));
-}
-
 // A text table is described by a ".txf" file of the same root beside it,
 // whose first word is the store class.
 vFilename txfBeside(vFilename const& file, vLCString& storeClass) {

@@ -45,8 +45,6 @@ class OpenStore : public TestMemoryStore {
  public:
   using TestMemoryStore::TestMemoryStore;
   using StoreImp::doCreateAttributeSetClone;
-  using Store::myWriteSetList;
-  using Store::myWriteSetRange;
 };
 
 }  // namespace
@@ -228,29 +226,6 @@ TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
   TestMemoryAttributeSet set(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
   expectFailure([&] { open.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
                 "Need code, what does this mean?");
-}
-
-TEST(Store, WritesEveryAttributeOfAnotherSet) {
-  auto shelf = std::make_shared<TestMemoryShelf>();
-  TestMemoryAttributeSet source(vHandle<Project>(), shelf);
-  source.create("source", "seismic", "3d", KeyList(), nullptr);
-  source.addAttribute(Attribute("CDP", "", vINT32));
-  source.addAttribute(Attribute("AMP", "", vINT32));
-  source.addInstances(2);
-  source.write(ints("CDP", {20, 30}), 1, 2);
-  source.write(ints("AMP", {-1, -2}), 1, 2);
-
-  OpenStore store(vHandle<Project>(), shelfWithStoreA());
-  store.update("a", 0, "", "", nullptr);
-  store.addAttribute(Attribute("AMP", "", vINT32));
-  store.myWriteSetRange(source, 2, 3);
-  EXPECT_EQ((std::vector<int>{1, 20, 30}), readInts(store, "CDP"));
-  EXPECT_EQ((std::vector<int>{0, -1, -2}), readInts(store, "AMP"));
-  store.myWriteSetList(source, std::vector<unsigned int>{3, 1});
-  EXPECT_EQ((std::vector<int>{30, 20, 20}), readInts(store, "CDP"));
-  EXPECT_EQ((std::vector<int>{-2, -1, -1}), readInts(store, "AMP"));
-  // No in-memory store class is linked into this program.
-  EXPECT_EQ(nullptr, Store::setInMemoryStoreView(nullptr));
 }
 
 TEST(AttributeSet, ReadsARangeIntoABufferAttributeByAttribute) {
