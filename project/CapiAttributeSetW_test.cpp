@@ -1,6 +1,6 @@
-// The wrapper that opens one attribute set of the in-process back end:
-// the real set made through the registered maker, its class asked of the
-// project when left blank, and the refusal of everything before opening.
+// The wrapper that opens one attribute set of the in-process back end: the
+// real set made through the registered maker, a class given asked of no
+// one, and what a close leaves. The conformance suite runs it as a store.
 
 #include <gtest/gtest.h>
 
