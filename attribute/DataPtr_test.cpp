@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <utility>
 
 #include "attribute/AttributeTesting.h"
@@ -14,23 +13,16 @@ using attribute_testing::expectFailure;
 
 TEST(DataPtr, TransferCopyAllocateAndBorrow) {
   int32_t* data = new int32_t[5]{1, 2, 3, 4, 5};
-  unsigned int* given = new unsigned int[2]{2, 3};
-  DataPtr d(vINT32, 2, data, given, DataPtr::TRANSFER);
+  DataPtr d(vINT32, 2, data, new unsigned int[2]{2, 3}, DataPtr::TRANSFER);
   EXPECT_EQ(data, d.getData());
   EXPECT_EQ(20, d.getTotalNBytes());
   // Freed by d: AddressSanitizer would report a leak otherwise.
-
-  // Copy and allocate own fresh memory.
-  double const values[3] = {1.5, 2.5, 3.5};
-  DataPtr c(vFLOAT64, 3, values);
-  ASSERT_NE(static_cast<void const*>(values), c.getData());
 
   unsigned int lengths[2] = {1, 2};
   double mine[3] = {9, 9, 9};
   DataPtr m(vFLOAT64, 2, mine, lengths, DataPtr::COPY);
   EXPECT_NE(static_cast<void*>(mine), m.getData());
   EXPECT_NE(lengths, m.getLengths());
-
   DataPtr a(vINT16, 2, mine, lengths, DataPtr::ALLOCATE);
   EXPECT_EQ(6, a.getTotalNBytes());
   EXPECT_EQ(0, static_cast<int16_t*>(a.getData())[2]);  // zeroed
@@ -42,22 +34,13 @@ TEST(DataPtr, TransferCopyAllocateAndBorrow) {
     EXPECT_FALSE(b.ownsData());
   }
   EXPECT_EQ(2.0f, block[1]);  // a stack block freed would have crashed
-}
 
-TEST(DataPtr, EveryBlockTypeAllocates) {
-  for (DataType t : {vINT8, vUINT16, vINT64, vFLOAT32, vBOOL8}) {
-    DataPtr d(t, 3);
-    EXPECT_NE(nullptr, d.getData());
-  }
-  expectFailure([] { DataPtr d(vSTRING, 3); }, "DataPtr::DataPtr()", "Unsupported data type vSTRING.");
+  EXPECT_NE(nullptr, DataPtr(vBOOL8, 3).getData());
+  EXPECT_EQ(nullptr, DataPtr(vINT32, 0).getData());
+  expectFailure([] { DataPtr s(vSTRING, 3); }, "DataPtr::DataPtr()", "Unsupported data type vSTRING.");
   int x = 0;
-  expectFailure([&] { DataPtr d(vCOMPLEX32, 1, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr()",
-                "Unsupported data type vCOMPLEX32.");
-  // Zero elements with pointers are refused.
-  expectFailure([&] { DataPtr d(vINT32, 0, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr(...)",
+  expectFailure([&] { DataPtr z(vINT32, 0, &x, nullptr, DataPtr::TRANSFER); }, "DataPtr::DataPtr(...)",
                 "Given nElements=0, but mData or myLength!=0");
-  DataPtr fine(vINT32, 0);
-  EXPECT_EQ(nullptr, fine.getData());
 }
 
 TEST(DataPtr, ReleaseHandsOutOnce) {
@@ -67,55 +50,38 @@ TEST(DataPtr, ReleaseHandsOutOnce) {
   EXPECT_EQ(block, got);
   expectFailure([&] { d.getData(); }, "DataPtr::getData()", "Illegal after releaseData!.");
   expectFailure([&] { d.releaseData(); }, "DataPtr::releaseData()", "Illegal to make second call!.");
+  DataPtr e;
+  expectFailure([&] { e = d; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
   delete[] static_cast<int32_t*>(got);
 
   DataPtr v(vINT16, 2, nullptr, new unsigned int[2]{1, 1}, DataPtr::TRANSFER);
   unsigned int* lengths = v.releaseLengths();
   ASSERT_NE(nullptr, lengths);
   expectFailure([&] { v.getLengths(); }, "DataPtr::getLengths()", "Illegal after releaseLengths!.");
-  expectFailure([&] { v.releaseLengths(); }, "DataPtr::releaseLengths()", "Illegal to make second call!.");
   delete[] lengths;
   EXPECT_NE(nullptr, v.getData());  // the data are still its own
 }
 
-TEST(DataPtr, AssignmentMoves) {
+TEST(DataPtr, AssignmentMovesCopyConstructionIsDeep) {
   DataPtr a(vFLOAT32, 2, nullptr, new unsigned int[2]{1, 2}, DataPtr::TRANSFER);
   a.setOriginalDataType(vINT32);
   void* block = a.getData();
-  unsigned int* lengths = a.getLengths();
   DataPtr b(vINT64, 7);
   b = a;
   EXPECT_EQ(block, b.getData());
-  EXPECT_EQ(lengths, b.getLengths());
   EXPECT_EQ(vINT32, b.getOriginalDataType());
   EXPECT_EQ(0u, a.getNElements());
   EXPECT_EQ(nullptr, a.getLengths());
+  DataPtr g(std::move(b));
+  EXPECT_EQ(block, g.getData());
+  EXPECT_EQ(nullptr, b.getData());
 
-  DataPtr c(vINT32, 1);
-  delete[] static_cast<int32_t*>(c.releaseData());
-  DataPtr d;
-  expectFailure([&] { d = c; }, "DataPtr::operator=()", "rhs is in the middle of releasing its data");
-
-  // Move construction takes the block.
-  DataPtr f(vINT32, 4);
-  void* const fourInts = f.getData();
-  DataPtr g(std::move(f));
-  EXPECT_EQ(fourInts, g.getData());
-  EXPECT_EQ(nullptr, f.getData());
-}
-
-TEST(DataPtr, CopyConstructionIsDeep) {
-  int32_t values[3] = {4, 5, 6};
-  unsigned int lengths[1] = {3};
-  DataPtr a(vINT32, 1, values, lengths);
-  DataPtr b(a);
-  EXPECT_NE(a.getLengths(), b.getLengths());
-  EXPECT_EQ(6, static_cast<int32_t*>(b.getData())[2]);
-  DataPtr c;
-  c.deepCopy(b);
-  EXPECT_EQ(3, c.getTotalLength());
-  delete[] static_cast<int32_t*>(b.releaseData());
-  expectFailure([&] { DataPtr d(b); }, "DataPtr::deepCopy()", "rhs is in the middle of releasing its data");
+  DataPtr c(g);
+  EXPECT_NE(g.getLengths(), c.getLengths());
+  EXPECT_NE(g.getData(), c.getData());
+  DataPtr e;
+  e.deepCopy(c);
+  EXPECT_EQ(3, e.getTotalLength());
 }
 
 TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgreeAndOwned) {
@@ -128,9 +94,8 @@ TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgreeAndOwned) {
   EXPECT_EQ(static_cast<void*>(block), out.getData());
   EXPECT_FALSE(in.ownsData());
   EXPECT_EQ(vINT16, out.getOriginalDataType());
-  // Only out frees the block.
 
-  // Otherwise it allocates.
+  // Otherwise it allocates: borrowed, of another size, or const.
   unsigned int lengths[2] = {2, 1};
   int16_t values[3] = {1, 2, 3};
   DataPtr borrowed(vINT16, 2, values, lengths, DataPtr::BORROW);
@@ -138,18 +103,12 @@ TEST(DataPtr, PrepareWorksInPlaceWhenSizesAgreeAndOwned) {
   out64.prepare(borrowed);
   EXPECT_FALSE(out64.isInPlace());
   EXPECT_EQ(24, out64.getTotalNBytes());
-
   DataPtr owned(vINT16, 3);
   DataPtr wider(vINT64, 0);
   wider.prepare(owned);
-  EXPECT_NE(owned.getData(), wider.getData());
   EXPECT_TRUE(owned.ownsData());
-
   DataPtr const constant(vINT32, 2);
   DataPtr copy(vFLOAT32, 0);
   copy.prepare(constant);
   EXPECT_NE(constant.getData(), copy.getData());
-
-  DataPtr untyped;
-  expectFailure([&] { untyped.prepare(owned); }, "DataPtr::prepare()", "Unsupported data type vNOTYPE.");
 }
