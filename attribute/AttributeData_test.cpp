@@ -219,8 +219,8 @@ TEST(AttributeInstanceLength, GrowAndShrinkNumbersAndStrings) {
   v.resize(3, nullptr, new int[3]{2, 3, 2});
   double* p = v.getFloat64Pointer(1);
   for (int i = 0; i < 7; ++i) p[i] = i + 1;  // 1 2 | 3 4 5 | 6 7
-  v.setInstanceLength(2, 5);                  // grow in the middle: new values are zero
-  v.setInstanceLength(1, 1);                  // shrink the first
+  v.setInstanceLength(2, 5);                 // grow in the middle: new values are zero
+  v.setInstanceLength(1, 1);                 // shrink the first
   std::vector<double> values;
   v.getValues(values);
   EXPECT_EQ((std::vector<double>{1, 3, 4, 5, 0, 0, 6, 7}), values);

@@ -34,7 +34,8 @@ TEST(CapiSearch, ListsOfAttributesAndOfNames) {
   std::vector<vUCString> names = {"CDP", "OFFSET"};
   EXPECT_FALSE(Capi::has(names, Attribute("TRACE", "ANY", vINT16)));
   EXPECT_EQ(1, Capi::find(names, vUCString("OFFSET")) - names.begin());
-  EXPECT_EQ(names.cbegin(), Capi::find(static_cast<std::vector<vUCString> const&>(names), Attribute("cdp", "", vINT32)));
+  EXPECT_EQ(names.cbegin(),
+            Capi::find(static_cast<std::vector<vUCString> const&>(names), Attribute("cdp", "", vINT32)));
 }
 
 TEST(CapiSwitches, ConversionsFlagsAndBackEnds) {

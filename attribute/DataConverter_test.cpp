@@ -73,7 +73,8 @@ TEST(DataConverters, WidenAndNarrowToTheirTypes) {
   EXPECT_EQ((std::vector<long long>{3, 0x7FFFFFFFFFFFFFFFLL}), valuesOf<long long>(out));
   EXPECT_TRUE(out.isInPlace());
   DataPtr ints = block<int>(vINT32, {16777217, -3});
-  EXPECT_EQ((std::vector<float>{16777216.0f, -3.0f}), valuesOf<float>(Float32DataConverter("", none()).convertData(ints)));
+  EXPECT_EQ((std::vector<float>{16777216.0f, -3.0f}),
+            valuesOf<float>(Float32DataConverter("", none()).convertData(ints)));
   DataPtr shorts = block<short>(vINT16, {-32768});
   EXPECT_EQ((std::vector<double>{-32768.0}), valuesOf<double>(Float64DataConverter("", none()).convertData(shorts)));
 
