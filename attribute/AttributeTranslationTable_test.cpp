@@ -24,9 +24,6 @@ class TranslationTableTest : public VocabularyTest {
     table.reload();
     return table;
   }
-  std::string missing(char const* file) const {
-    return std::string("File ") + file + " was not found in ./ or " + tree.systemFilesDir() + ".";
-  }
 };
 
 }  // namespace
@@ -45,11 +42,10 @@ TEST_F(TranslationTableTest, OneTablePerNameLoadedOnFirstMention) {
   // Sorted by Dorn name.
   EXPECT_STREQ("CDP_NO", pairs[0].first.c_str());
   EXPECT_STREQ("CDP", pairs[0].second.c_str());
-}
 
-TEST_F(TranslationTableTest, AMissingFileIsFatalAtFirstUseAndTriedAgain) {
+  // A missing file is fatal at first use, and tried again at the next.
   expectFatal([] { AttributeTranslationTable::instance(vString("Nowhere")); }, "SystemFileLoader::myOpen()",
-              missing("NowhereAttributeTranslations3.txt"));
+              "File NowhereAttributeTranslations3.txt was not found in ./ or " + tree.systemFilesDir() + ".");
   tree.writeSystemFile("NowhereAttributeTranslations3.txt", "CDP capi() dorn:() C vInt32 1\n");
   EXPECT_EQ(1u, AttributeTranslationTable::instance(vString("Nowhere")).getNTranslators());
 }
@@ -143,7 +139,7 @@ TEST_F(TranslationTableTest, TellsWhatAConversionWouldChange) {
   EXPECT_FALSE(t.isDornNameDifferent(Attribute("XCHANGESX", "", vFLOAT32, 1)));
 }
 
-TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableName) {
+TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableNameInEveryForm) {
   AttributeTranslationTable& t = load("Rondo", translations());
   Attribute offset = filled("NAME", "", vFLOAT32, {1.5, 2.5});
   AttributeDefinitionTable::instance().addDefinition(Attribute("NAME", "NAME", vFLOAT32, 1));
@@ -167,21 +163,18 @@ TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableName) {
   EXPECT_STREQ("SAMPLES2", stripped.getName().c_str());
   EXPECT_EQ(9.f, stripped.getFloat32Pointer(1)[2]);
   EXPECT_EQ(1u, prefixed.getNInstances());
-}
 
-TEST_F(TranslationTableTest, HandleFormsGiveWhatTheValueFormsGive) {
-  AttributeTranslationTable& t = load("Handles", translations());
+  // The handle forms give what the value forms give.
   Attribute stored = filled("SOURCE_X", "SOURCE_X", vFLOAT64, {2.0, 4.0});
-  vHandle<Attribute> dorn;
-  t.convertToDorn(stored, dorn);
-  ASSERT_FALSE(dorn.isEmpty());
-  EXPECT_EQ(4.0f, dorn->getFloat32(2));
-
+  vHandle<Attribute> shot;
+  t.convertToDorn(stored, shot);
+  ASSERT_FALSE(shot.isEmpty());
+  EXPECT_EQ(4.0f, shot->getFloat32(2));
   vHandle<Attribute> capi;
-  t.convertToCapi(static_cast<Attribute const&>(*dorn), capi);
+  t.convertToCapi(static_cast<Attribute const&>(*shot), capi);
   EXPECT_EQ(2.0, capi->getFloat64(1));
   vHandle<Attribute> taken;
-  t.convertToCapi(*dorn, taken);
+  t.convertToCapi(*shot, taken);
   EXPECT_EQ(4.0, taken->getFloat64(2));
 }
 

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -66,10 +65,7 @@ namespace {
 // Two named results, so the compiler cannot build the returned one in place:
 // the return moves.
 Attribute oneOfTwo(bool first) {
-  Attribute a("amp", "c", vFLOAT64, 2, 4.0);
-  a.resize(2);
-  double const values[] = {1.5, 2.5, 3.5, 4.5};
-  std::memcpy(a.getFloat64Pointer(1), values, sizeof values);
+  Attribute a = attribute_testing::filled("amp", "c", vFLOAT64, {1.5, 2.5, 3.5, 4.5});
   Attribute b("name", "c", vSTRING, 1);
   b.resize(1);
   if (first) return a;
