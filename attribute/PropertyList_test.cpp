@@ -129,20 +129,3 @@ TEST(PropertyI, TheListIsMadeWhenFirstNeededAndSharedByCopies) {
   EXPECT_EQ(0u, a.getNProperties());
   EXPECT_EQ(3u, f.getNProperties());
 }
-
-TEST(PropertyI, PacksThroughTheList) {
-  PropertyI unset;
-  Packer p(0);
-  unset.packProperties(p);  // an empty list
-  PropertyI set;
-  set.addProperty(Property(vUCString("p"), 1.5));
-  set.packProperties(p);
-  std::unique_ptr<Packer> r = receive(p);
-  PropertyI first;
-  first.unpackProperties(*r);
-  EXPECT_TRUE(first.isSet());
-  EXPECT_EQ(0u, first.getNProperties());
-  PropertyI second;
-  second.unpackProperties(*r);
-  EXPECT_EQ(1.5, second.findProperty(vUCString("p"))->getFloat64());
-}
