@@ -107,22 +107,6 @@ TEST(DataTranslator, ALentBlockGoesOverWithItsKeeper) {
   EXPECT_EQ(1, owner.getMasterCount());
 }
 
-TEST(DataTranslator, VariableLengthsTravelWithTheValues) {
-  DataTranslator t(Attribute("PICK_T", "PICKS", vFLOAT64, Attribute::VARIABLE_LENGTH), chain("float32()"),
-                   chain("float64()"), Attribute("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH));
-  Attribute picks("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH);
-  picks.resize(3, nullptr, new int[3]{2, 0, 3});
-  float const values[] = {1.f, 2.f, 3.5f, 4.5f, 5.5f};
-  std::copy(values, values + 5, picks.getFloat32Pointer(1));
-  Attribute dorn = t.convertToDorn(picks);
-  EXPECT_EQ((std::vector<int>{2, 0, 3}), attribute_testing::lengthsOf(dorn));
-  EXPECT_EQ(4.5, dorn.getFloat64Pointer(3)[1]);
-
-  Attribute const& fixed = dorn;
-  Attribute back = t.convertToCapi(fixed);
-  EXPECT_EQ(5.5f, back.getFloat32Pointer(3)[2]);
-}
-
 TEST(DataTranslator, LengthSampleRateAndFirstTimeComeFromTheArgument) {
   DataTranslator t(Attribute("TRACE", "SAMPLES", vFLOAT32, 0), chain("null()"), chain("null()"),
                    Attribute("SAMPLES", "SAMPLES", vFLOAT32, 0));
