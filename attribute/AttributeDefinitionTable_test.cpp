@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "attribute/AttributeDefinition.h"
 #include "attribute/VocabularyTesting.h"
 
 using attribute_testing::bodyOf;
@@ -77,19 +76,6 @@ TEST_F(DefinitionTableTest, ReloadRereadsAndHandedOutCopiesStay) {
   EXPECT_FALSE(table().isLoaded());
   tree.writeSystemFile("AttributeDefTable4.txt", "CDP vInt32 1\n");
   EXPECT_TRUE(table().hasDefinition("CDP"));
-}
-
-TEST_F(DefinitionTableTest, AttributeDefinitionSetsLengthOnlyWhenAskedAndAlwaysTheTimes) {
-  EXPECT_EQ(1, AttributeDefinition::getDefinition("SOURCE_X", 0, 0.0, 0.0).getLength());
-
-  EXPECT_EQ(7, AttributeDefinition::getDefinition("SAMPLES", 7, 0.5, 1.0).getLength());
-  Attribute const variable = AttributeDefinition::getDefinition("PICKS", 0, 2.0, -4.0);
-  EXPECT_EQ(-4.0, variable.getFirstTime());
-  // A scalar keeps its length of 1: another is refused by the attribute.
-  expectFailure([] { AttributeDefinition::getDefinition("SOURCE_X", 7, 0.5, 1.0); }, "Attribute::setLength",
-                "Cannot setLength of non vector Attributes, SOURCE_X is not a vector type.");
-  // The table keeps its own definition.
-  EXPECT_EQ(0.0, table().getDefinition("SAMPLES").getSampleRate());
 }
 
 TEST_F(DefinitionTableTest, PacksAndUnpacksTheSameDefinitions) {
