@@ -104,20 +104,6 @@ TEST_F(OffloadFaultTest, ACutHeaderOrMapFails) {
   }
 }
 
-// The size is checked at open; a file cut after that fails at the read.
-TEST_F(OffloadFaultTest, AFileCutAfterOpenFailsAtTheRead) {
-  OffloadDiskStore store;
-  store.open(vFilename(path.c_str()));
-  fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, 1800 + 40 * 11 + 20);
-  try {
-    cdpOf(store, 11);
-    ADD_FAILURE() << "no failure";
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ(0u, std::string(e.getReason().c_str()).find("Failed to do a partial read against the datafile"))
-        << e.getReason().c_str();
-  }
-}
-
 TEST_F(OffloadFaultTest, AFailedRelayoutLeavesTheFileAsItWas) {
   std::string const before = fs_testing::readFile(path);
   OffloadDiskStore store;
