@@ -49,28 +49,6 @@ TEST(SegyFormatBase, KnowsTheReelCountTheCmpAndTheSamples) {
                 "Attribute FFID is not in this file.");
 }
 
-TEST(SegyShotFormat, LaysOutTheShotFieldsWithTheirOddPlaces) {
-  SegyShotFormat format;
-  format.setBinaryHeader(headerWith(5, 4000));
-  std::list<Attribute> const list = format.getAttributeList();
-  EXPECT_EQ((std::vector<std::string>{"TRACE", "SEGY.REEL.COUNT", "FFID", "CHANNEL", "SHOT.UNIQUE.ID", "CMP",
-                                      "CMP_NUMBER", "SHOT.RW.X", "SHOT.RW.Y", "RCVR.RW.X", "RCVR.RW.Y", "RCVR.LINE",
-                                      "RCVR.BIN", "RCVR.UNIQUE.ID"}),
-            names(list));
-  int const offsets[] = {4, 8, 12, 16, 20, 24, 72, 76, 80, 84, 197, 201, 201};
-  int k = 0;
-  for (Attribute const& a : list) {
-    if (a.getName() == vUCString("TRACE")) {
-      EXPECT_EQ(240, format.getAttributeOffset("TRACE"));
-      continue;
-    }
-    EXPECT_EQ(vINT32, format.getSegyType(a.getName()));
-    EXPECT_EQ(offsets[k++], format.getAttributeOffset(a.getName())) << a.getName().c_str();
-  }
-  expectFailure([&] { format.getSegyType("CDP"); }, "SegyShotFormat::getSegyType",
-                "Attribute CDP is not in this file.");
-}
-
 // --- format description files ---------------------------------------------------------
 
 class SegyFormatFileTest : public ::testing::Test {
