@@ -148,8 +148,6 @@ TEST(FdmDiskStore, Failures) {
   fdm_testing::writeFixture(path, "<");
   FdmDiskStore store;
   Attribute trace("VELTRACE.DEFAULT", "", vFLOAT32);
-  fs_testing::expectFailure([&] { store.read(trace, 1, 1); }, "FdmDiskStore::read",
-                            "Fdm Disk File has not been opened yet!");
   StoreDescription notFlat;
   fs_testing::expectFailure([&] { store.open(notFlat); }, "FdmDiskStore::open(StoreDescription)",
                             "StoreDescription must contain a flat file.");
