@@ -13,16 +13,19 @@
 namespace {
 
 // A rectangular little-endian file of 40-byte records from the Python
-// writer: the trace of bin b is record 46 + b, 1800 + 40 b bytes in.
+// writer, written once for the suite (no test leaves it changed): the trace
+// of bin b is record 46 + b, 1800 + 40 b bytes in.
 class OffloadFaultTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    path = dir / "faulty.offload";
+  static void SetUpTestSuite() {
+    dir = new fs_testing::TempDir;
+    path = *dir / "faulty.offload";
     std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
                             "/filestore/offload/testdata/offload_fixture.py " +
-                            path + " " + (dir / "faulty.txt") + " '<' 1 991 0";
+                            path + " " + (*dir / "faulty.txt") + " '<' 1 991 0";
     ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
   }
+  static void TearDownTestSuite() { delete dir; }
 
   static int cdpOf(OffloadDiskStore const& store, unsigned int bin) {
     Attribute cdp("CDP", "", vINT32);
@@ -30,8 +33,8 @@ class OffloadFaultTest : public ::testing::Test {
     return cdp.getInt32(1);
   }
 
-  fs_testing::TempDir dir;
-  std::string path;
+  static inline fs_testing::TempDir* dir;
+  static inline std::string path;
 };
 
 }  // namespace
