@@ -135,4 +135,3 @@ TEST_F(InMemoryAttributeSetTest, ASourceWithoutABufferLoadsNothing) {
   EXPECT_EQ("shots", std::string(m_set.getName().c_str()));
   EXPECT_EQ(4u, m_set.getNInstances());
 }
-
