@@ -153,29 +153,3 @@ TEST(AttributeSetIndexingTable, NaNsFormOneGroupAfterTheNumbers) {
   table.locateByKeys(oneKey<double>("V", vFLOAT64, {nan}), result);
   EXPECT_EQ((std::vector<unsigned int>{1}), result);
 }
-
-TEST(AttributeSetIndexingTable, ClearingTheCacheSeesNewData) {
-  IndexedFile f({Attribute("G", "", vINT32)}, 4);
-  f.fill("G", {1, 1, 2, 2});
-  AttributeSetIndexingTable table(&f.file());
-  Attribute g("G", "", vINT32);
-  table.getUnique(g, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ((std::vector<double>{1, 2}), valuesOf(g));
-  f.fill("G", {1, 3, 5, 7});
-  table.getUnique(g, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ((std::vector<double>{1, 2}), valuesOf(g)) << "kept until cleared";
-  table.clearCache();
-  table.getUnique(g, vUtlSort::SortOrder::DESCENDING);
-  EXPECT_EQ((std::vector<double>{7, 5, 3, 1}), valuesOf(g));
-}
-
-TEST(AttributeSetIndexingTable, AnEmptySetHasNoGroups) {
-  IndexedFile f({Attribute("G", "", vINT32)}, 0);
-  AttributeSetIndexingTable table(&f.file());
-  Attribute g("G", "", vINT32);
-  table.getUnique(g, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ(0u, g.getNInstances());
-  std::vector<unsigned int> result;
-  table.locateByKeys(oneKey<int>("G", vINT32, {1}), result);
-  EXPECT_EQ((std::vector<unsigned int>{0}), result);
-}

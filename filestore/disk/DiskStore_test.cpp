@@ -52,13 +52,6 @@ class DiskStoreTest : public ::testing::Test {
     std::remove(m_path.c_str());
   }
 
-  KeyList keys(std::vector<int> const& cdps, std::vector<int> const& offsets) const {
-    KeyList k = StoreConformance::referenceKeys();
-    k.begin()->copyData(static_cast<unsigned int>(cdps.size()), cdps.data());
-    (k.begin() + 1)->copyData(static_cast<unsigned int>(offsets.size()), offsets.data());
-    return k;
-  }
-
   std::string m_path;
   std::vector<Attribute> m_definitions;
   std::unique_ptr<RecordFileStore> m_store;
@@ -71,22 +64,6 @@ std::vector<double> valuesOf(Attribute const& a, int position = 1) {
 }
 
 }  // namespace
-
-TEST_F(DiskStoreTest, InstanceReadsAloneAnswerReadsByGroups) {
-  Attribute cdp = m_store->getAttribute("CDP");
-  Attribute offset = m_store->getAttribute("OFFSET");
-  m_store->read(cdp, offset, 2, 3);
-  // OFFSET groups 200 and 300: instances 2, 5, 8, 11 and then 3, 6, 9, 12.
-  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 1, 2, 3, 4}), valuesOf(cdp));
-  // Groups of a floating-point attribute: each ELEV is its own group.
-  m_store->read(offset, m_store->getAttribute("ELEV"), 11, 12);
-  EXPECT_EQ((std::vector<double>{200, 300}), valuesOf(offset));
-  // A group question gives back the set's definition, class included (the
-  // answers themselves are the store suite's).
-  Attribute bare("CDP", "", vINT32);
-  m_store->getUnique(bare, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ("CDP", std::string(bare.getClass().c_str()));
-}
 
 TEST_F(DiskStoreTest, RefusesKeysAndGroupsThatAreNotScalarsOfTheFourTypes) {
   KeyList pairKeys;
@@ -117,19 +94,4 @@ TEST_F(DiskStoreTest, DefaultsRefuseWithTheirOwnLabels) {
   Attribute cdp = m_store->getAttribute("CDP");
   m_store->read(cdp, 1, 3);
   EXPECT_EQ((std::vector<double>{1, 1, 1}), valuesOf(cdp));
-}
-
-TEST_F(DiskStoreTest, GroupTablesAreBuiltOnceInBatches) {
-  // Six attributes: batches of 1,000,000 / 24 instances, so one read each.
-  Attribute cdp = m_store->getAttribute("CDP");
-  int before = m_store->getNRangeReads();
-  m_store->getUnique(cdp, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ(before + 1, m_store->getNRangeReads());
-  std::vector<unsigned int> sizes;
-  m_store->getGroupsAndSizes(cdp, sizes, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ(before + 1, m_store->getNRangeReads()) << "the table of CDP is kept";
-  // Locating reads the groups attribute again, to list the instances.
-  Attribute elev = m_store->getAttribute("ELEV");
-  m_store->read(elev, cdp, 1, 1);
-  EXPECT_EQ(before + 2, m_store->getNRangeReads());
 }

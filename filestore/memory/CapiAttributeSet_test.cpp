@@ -17,27 +17,17 @@ using store_testing::expectFailure;
 
 namespace {
 
-// An in-memory set that notes its range reads and can fail its creation.
+// An in-memory set that can fail its creation.
 class ProbeSet : public InMemoryAttributeSet {
  public:
   enum Failure { NONE, UTL, OTHER };
   ProbeSet() : InMemoryAttributeSet(vHandle<Project>()) {}
 
-  mutable std::vector<std::pair<unsigned int, unsigned int> > rangeReads;
-  mutable int listReads = 0;
   Failure failCreate = NONE;
 
   void checkGroups(Attribute const& a, unsigned int first, unsigned int last) const { myCheckGroups(a, first, last); }
 
  protected:
-  void doReadRange(Attribute& attribute, unsigned int first, unsigned int last) const override {
-    rangeReads.emplace_back(first, last);
-    InMemoryAttributeSet::doReadRange(attribute, first, last);
-  }
-  void doReadList(Attribute& attribute, std::vector<unsigned int> const& instances) const override {
-    ++listReads;
-    InMemoryAttributeSet::doReadList(attribute, instances);
-  }
   void doPostCreate(vLCString const& name, vLCString const& className, vLCString const& subClass, KeyList const& keys,
                     StoreCreationOptions const* options) override {
     InMemoryAttributeSet::doPostCreate(name, className, subClass, keys, options);
@@ -104,42 +94,6 @@ TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
   expectFailure([&] { other.create("line", "seismic", "2d", KeyList(), nullptr); }, "CapiAttributeSet::create",
                 "Unknown exception thrown during creation of AttributeSet 'line'.");
   EXPECT_FALSE(other.isOpen());
-}
-
-// Reads before opening and writes to a set open for reading are the store
-// suite's; here a second close and an open that names another set.
-TEST(CapiAttributeSet, ASecondCloseIsReportedAndAnOpenKeepsTheName) {
-  ProbeSet set;
-  fill(set);
-  set.close();
-  int errors = Message::getNErrors();
-  {
-    MessageHandling quiet;
-    set.close();
-  }
-  EXPECT_EQ(errors + 1, Message::getNErrors());
-  set.open("ignored", 0, "", "", nullptr);
-  EXPECT_EQ("line", std::string(set.getName().c_str()));
-}
-
-TEST(CapiAttributeSet, RangeChecksTheLastOfZeroAndListsThatAreRanges) {
-  ProbeSet set;
-  fill(set);
-  Attribute amp = set.getAttribute("AMP");
-  set.read(amp, 4, 0);
-  ASSERT_EQ(1u, set.rangeReads.size());
-  EXPECT_EQ(4u, set.rangeReads[0].first);
-  EXPECT_EQ(0u, set.rangeReads[0].second) << "a last of 0 reaches the read as 0";
-  EXPECT_EQ((std::vector<double>{2.0, 2.5, 3.0}), valuesOf(amp));
-  // Lists go by range when they are one.
-  set.rangeReads.clear();
-  set.read(amp, std::vector<unsigned int>{3, 4, 5});
-  ASSERT_EQ(1u, set.rangeReads.size());
-  EXPECT_EQ(std::make_pair(3u, 5u), set.rangeReads[0]);
-  EXPECT_EQ(0, set.listReads);
-  set.read(amp, std::vector<unsigned int>{5, 4, 3});
-  EXPECT_EQ(1, set.listReads);
-  EXPECT_EQ((std::vector<double>{2.5, 2.0, 1.5}), valuesOf(amp));
 }
 
 TEST(CapiAttributeSet, KeyChecksInTheirOrder) {

@@ -3,14 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <typeinfo>
 
 #include "attribute/Property.h"
 #include "project/Project.h"
 #include "project/StoreTesting.h"
 #include "registry/RondoRegistry.h"
 #include "testing/StoreConformance.h"
-#include "testing/TestMemoryStore.h"
 
 using store_testing::expectFailure;
 
@@ -46,30 +44,7 @@ class InMemoryStoreTest : public ::testing::Test {
   InMemoryStore m_store;
 };
 
-class ExposedStore : public InMemoryStore {
- public:
-  ExposedStore() : InMemoryStore(vHandle<Project>()) {}
-  using InMemoryStore::doCreateAttributeSetClone;
-};
-
 }  // namespace
-
-TEST_F(InMemoryStoreTest, SecondarySetsLiveInTheListAndKeepTheirData) {
-  // The active set by the name it has in the project.
-  EXPECT_EQ("survey_picks", str(m_store.getAttributeSetName()));
-  Store::AttributeSetList names;
-  m_store.getAttributeSetList(names);
-  EXPECT_EQ((Store::AttributeSetList{"survey", "picks"}), names);
-
-  m_store.openAttributeSet("survey");
-  EXPECT_EQ(12u, m_store.getNInstances());
-  EXPECT_FALSE(m_store.getAttributeSets().back()->isOpen()) << "the secondary set was closed";
-  m_store.close();
-  m_store.open("survey", 0, "", "", nullptr);
-  m_store.openAttributeSet("picks");
-  EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5}), read(m_store, "TIME"));
-  EXPECT_EQ(2u, m_store.getAttributeSets().size()) << "finding a set makes none";
-}
 
 TEST_F(InMemoryStoreTest, ASetNamedButNotHeldIsNotFound) {
   m_store.openAttributeSet("survey");
@@ -101,26 +76,6 @@ TEST_F(InMemoryStoreTest, DirectOperationsWorkOnTheActiveSet) {
   m_store.openAttributeSet("survey");
   EXPECT_EQ("seismic", str(m_store.getClass()));
   EXPECT_EQ(12u, m_store.getAttributeSetBuffer()->getNInstances());
-}
-
-TEST_F(InMemoryStoreTest, ACopyClonesEverySet) {
-  InMemoryStore copy(m_store);
-  ASSERT_EQ(2u, copy.getAttributeSets().size());
-  copy.updateAttributeAndData("TIME").setFloat32(1, -1.0f);
-  EXPECT_EQ(1.5f, m_store.readAttributeAndData("TIME").getFloat32(1));
-  copy.openAttributeSet("survey");
-  EXPECT_EQ(StoreConformance::referenceValue("ELEV", 5), read(copy, "ELEV")[4]);
-  copy.openAttributeSet("picks");
-  EXPECT_EQ(-1.0, read(copy, "TIME")[0]);
-  for (auto const& set : copy.getAttributeSets())
-    for (auto const& original : m_store.getAttributeSets()) EXPECT_NE(set, original);
-}
-
-TEST(InMemoryStore, OnlyInMemorySetsAreCloned) {
-  ExposedStore store;
-  TestMemoryAttributeSet foreign(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
-  EXPECT_THROW(store.doCreateAttributeSetClone(foreign), std::bad_cast);
-  EXPECT_TRUE(store.getAttributeSets().empty());
 }
 
 TEST_F(InMemoryStoreTest, LoadsARangeOfAnotherStore) {

@@ -39,16 +39,6 @@ class OffloadFaultTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(OffloadFaultTest, ReadsInSmallPiecesGiveTheSameValues) {
-  fs_testing::Fault shortReads(path, FS_FAULT_SHORTREAD, 7);
-  OffloadDiskStore store;
-  store.open(vFilename(path.c_str()));
-  Attribute trace("TRACE", "", vFLOAT32);
-  store.read(trace, 1, 12);
-  EXPECT_FLOAT_EQ(20.0f, trace.getFloat32Pointer(2)[0]);
-  EXPECT_EQ(77, cdpOf(store, 11));
-}
-
 TEST_F(OffloadFaultTest, AFailedReadNamesItsRecordsAndLeavesTheStoreUsable) {
   OffloadDiskStore store;
   store.open(vFilename(path.c_str()));
@@ -68,21 +58,6 @@ TEST_F(OffloadFaultTest, AFailedReadNamesItsRecordsAndLeavesTheStoreUsable) {
   }
   EXPECT_EQ(14, cdpOf(store, 2));
   EXPECT_EQ(28, cdpOf(store, 4));
-}
-
-TEST_F(OffloadFaultTest, DeadBinsAreNeverRead) {
-  OffloadDiskStore store;
-  store.open(vFilename(path.c_str()));
-  // Bins 1 and 12 are dead: a read of all bins touches bins 2 to 11 only,
-  // and a read of bin 12 alone touches nothing.
-  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 12);
-  Attribute cdp("CDP", "", vINT32);
-  store.read(cdp, 1, 12);
-  EXPECT_EQ(0, cdp.getInt32(1));
-  EXPECT_EQ(77, cdp.getInt32(11));
-  EXPECT_EQ(0, cdp.getInt32(12));
-  fs_testing::Fault everything(path, FS_FAULT_FAILREAD, 0);
-  EXPECT_EQ(0, cdpOf(store, 12));
 }
 
 TEST_F(OffloadFaultTest, ACachedRangeIsExtractedWithoutTheFile) {

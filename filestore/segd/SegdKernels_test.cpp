@@ -82,26 +82,4 @@ TEST(SegdKernels, EveryPathGivesTheSameBitsForEveryFractionAndExponent) {
   }
 }
 
-TEST(SegdKernels, ConvertsBigEndianIeeeInPlaceToo) {
-  unsigned char bytes[] = {0x3F, 0x80, 0x00, 0x00, 0xC0, 0x49, 0x0F, 0xDB, 0x00, 0x00, 0x00, 0x01};
-  float out[3];
-  SegdKernels::fc_8058toieee(bytes, out, 3);
-  EXPECT_EQ(1.0f, out[0]);
-  EXPECT_EQ(-3.14159274f, out[1]);
-  EXPECT_EQ(1.40129846e-45f, out[2]);  // the smallest subnormal stays
-  float* same = reinterpret_cast<float*>(bytes);
-  SegdKernels::fc_8058toieee(bytes, same, 3);
-  EXPECT_EQ(-3.14159274f, same[1]);
-}
-
-TEST(SegdKernels, ReadsBcdAndSizesTraces) {
-  // Nibbles above 9 count as what they hold; general headers give the rest.
-  unsigned char const digits[] = {0x12, 0x34, 0xFF};
-  EXPECT_EQ(123565, SegdKernels::bcd(digits, 3));
-  // A format the store cannot read has no trace length; partial groups of
-  // four take a whole one.
-  EXPECT_EQ(10 * 12 + 20, SegdKernels::traceLength(8015, 51));
-  EXPECT_EQ(0, SegdKernels::traceLength(8036, 51));
-}
-
 }  // namespace

@@ -62,18 +62,4 @@ TEST(SegyBinaryHeader, WorksInTheCallersBlockOrCopiesIt) {
   EXPECT_EQ(0, own.getLineNumber());
 }
 
-TEST(SegyBinaryHeader, AcceptsOnlyTheFormatCodesItKnows) {
-  for (int code : {8, 2}) {
-    segy_testing::SegyWriter w;
-    w.formatCode = code;
-    std::string const block = binaryHeaderOf(w);
-    SegyBinaryHeader header(block.data());
-    if (code == 8)
-      EXPECT_EQ(code, header.getFormatCode());
-    else
-      expectFailure([&] { header.getFormatCode(); }, "SegyBinaryHeader::getFormatCode",
-                    "Unexpected format code " + std::to_string(code));
-  }
-}
-
 }  // namespace

@@ -157,28 +157,6 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
   AttributeDefinitionTable::instance().dropTable();
 }
 
-TEST_F(SegyStoreTest, KeepsTheLastRangeReadForTheNextAttributes) {
-  SegyWriter w;
-  std::string const path = write(w, 6);
-  vHandle<SegyDiskStore> store = openFile(path);
-  Attribute trace = store->getAttribute("TRACE");
-  store->read(trace, 2, 5);
-  {
-    // From here on no byte of the file can be read.
-    fs_testing::Fault broken(path, FS_FAULT_FAILREAD, 0);
-    Attribute cmp = store->getAttribute("CMP");
-    store->read(cmp, 2, 5);
-    EXPECT_EQ(goldenHeader(5, 20), cmp.getInt32(4));
-    store->read(cmp, std::vector<unsigned int>{5, 2, 5});
-    EXPECT_EQ(goldenHeader(2, 20), cmp.getInt32(2));
-    expectFailure([&] { store->read(cmp, 1, 2); }, "SegyDiskStore::myAllocateBufferRange", "Failed to read instance 1");
-  }
-  // The failure cleared; the file reads again.
-  Attribute cmp = store->getAttribute("CMP");
-  store->read(cmp, 1, 2);
-  EXPECT_EQ(goldenHeader(1, 20), cmp.getInt32(1));
-}
-
 TEST_F(SegyStoreTest, AFileOfHeadersAloneHoldsNoTraces) {
   SegyWriter w;
   std::string const exact = dir / "empty.sgy";

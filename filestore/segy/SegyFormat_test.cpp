@@ -125,30 +125,6 @@ TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
                 "Attribute 'FFID' is not defined in format file 'layout.syf'.");
 }
 
-TEST_F(SegyFormatFileTest, MapsTheKelpNamesOfDefinedAttributes) {
-  char const* const pairs[][2] = {{"REEL_TRACE", "SEGY.REEL.COUNT"}, {"CDP_X", "CMP.X"}, {"STN_Y", "RCVR.RW.Y"}};
-  std::string text;
-  int position = 1;
-  for (auto const& pair : pairs) text += std::string(pair[0]) + " x trace " + std::to_string(position += 4) + " int4\n";
-  text += "LINE_TRACE lt trace 200 int4\nCMP cmp trace 181 int4\nTRACE tr trace 241 ieee4\n";
-  vHandle<SegyFormatFile> format = load(text);
-  position = 1;
-  for (auto const& pair : pairs) {
-    SCOPED_TRACE(pair[0]);
-    position += 4;
-    EXPECT_EQ(position - 1, format->getAttributeOffset(pair[1]));
-    EXPECT_EQ(vINT32, format->getSegyType(pair[1]));
-  }
-  std::list<Attribute> const list = format->getAttributeList();
-  EXPECT_EQ(6u, list.size()) << "CMP and TRACE of the file, none added";
-  Attribute const cmpX = *std::next(list.begin());
-  EXPECT_EQ(std::string("CMP.X"), cmpX.getName().c_str());
-  EXPECT_EQ(vFLOAT64, cmpX.getDataType()) << "the definition's type";
-  EXPECT_EQ(180, format->getAttributeOffset("CMP"));
-  // The file's own TRACE is one value of its type.
-  EXPECT_EQ(1, list.back().getLength());
-}
-
 TEST_F(SegyFormatFileTest, RefusesEachBadLineWithItsNumber) {
   expectLoadFailure("FORMAT CSV\n", "The FORMAT line (1) must be followed by KELP or DORN, not CSV.");
   expectLoadFailure("\n\nLONELY\n", "Error on line 3: column 1 cannot be blank.");

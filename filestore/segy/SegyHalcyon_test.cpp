@@ -65,27 +65,6 @@ TEST_F(SegyBlockedTest, ReadsEveryTraceAcrossBlocks) {
                 "Halcyon format not supported!");
 }
 
-TEST_F(SegyBlockedTest, BlocksOfOneTraceMoreAreReadAsSuch) {
-  // Written with four traces a block although the header says four a
-  // record: the instance count stays as the header's layout gives it, the
-  // mapper reads blocks of four.
-  segy_testing::SegyWriter four = writer;
-  four.dataTracesPerRecord = 5;
-  std::string bytes = four.blockedFile(3);
-  bytes.replace(3200 + 12, 2, std::string("\0\4", 2));
-  std::string const path = dir / "grown.dsegy";
-  fs_testing::writeFile(path, bytes);
-  segy_testing::Recording recording;
-  SegyDiskStore store;
-  store.open(vFilename(path.c_str()));
-  EXPECT_TRUE(recording.errors().empty());
-  long long const size = 3600 + 3 * (2048 + 4 * 264);
-  EXPECT_EQ(static_cast<unsigned int>((size - 3600) / (2048 + 3 * 264) * 3), store.getNInstances());
-  Attribute cmp = store.getAttribute("CMP");
-  store.read(cmp, 1, 8);
-  for (unsigned int i = 1; i <= 8; ++i) EXPECT_EQ(goldenHeader(i, 20), cmp.getInt32(i));
-}
-
 TEST_F(SegyBlockedTest, AnOddSizeIsReportedAndAFailedSpanNamed) {
   std::string const path = dir / "odd.dsegy";
   fs_testing::writeFile(path, writer.blockedFile(2) + std::string(10, 'z'));

@@ -37,12 +37,4 @@ TEST(SegyKernels, ConvertsSamplesInPlaceAndRefusesOtherFormats) {
   EXPECT_EQ(7.0f, out[0]) << "nothing written for a format it cannot read";
 }
 
-// Blocked files of each shape are read through the store; here records of
-// one trace or none, which make no blocks.
-TEST(SegyKernels, CountsNoBlocksOfRecordsOfOneTraceOrNone) {
-  int const L = 260;
-  EXPECT_EQ(0u, countBlockedTraces(3600 + 5000, L, 1).instances);
-  EXPECT_EQ(0u, countBlockedTraces(3600 + 5000, L, 0).instances);
-}
-
 }  // namespace
