@@ -227,6 +227,32 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
   std::string const map = ogrFeatures(base + "_map.shp");
   EXPECT_NE(std::string::npos, map.find("POINT Z (1.5 -1 0.25)")) << map;
   EXPECT_NE(std::string::npos, map.find("POINT Z (2.5 4.0 99)")) << map;
+
+  // Lines of one and two parts, and plain points.
+  {
+    ShapefileDiskStore lines;
+    lines.create(StoreDescription(vFilename((base + "_lines.shp").c_str())), "polylines");
+    lines.addInstances(2);
+    lines.write(variableAttribute("X", vFLOAT64, {{0, 1.5, 3}, {9, 8, 7, 6}}), 1, 2);
+    lines.write(variableAttribute("Y", vFLOAT64, {{0, 2, -5}, {9, 8, 7, 6}}), 1, 2);
+    lines.write(variableAttribute("PART_LENGTHS", vINT32, {{3}, {2, 2}}), 1, 2);
+    ShapefileDiskStore points;
+    points.create(vFilename((base + "_points.shp").c_str()));
+    points.addInstances(2);
+    Attribute x("X", "", vFLOAT64), y("Y", "", vFLOAT64);
+    double const xs[] = {431000.25, -1}, ys[] = {6520000.5, 2};
+    x.copyData(2, xs);
+    y.copyData(2, ys);
+    points.write(x, 1, 2);
+    points.write(y, 1, 2);
+  }
+  std::string const lines = ogrFeatures(base + "_lines.shp");
+  EXPECT_NE(std::string::npos, lines.find("Geometry: Line String")) << lines;
+  EXPECT_NE(std::string::npos, lines.find("LINESTRING (0 0,1.5 2.0,3 -5)")) << lines;
+  EXPECT_NE(std::string::npos, lines.find("MULTILINESTRING ((9 9,8 8),(7 7,6 6))")) << lines;
+  std::string const points = ogrFeatures(base + "_points.shp");
+  EXPECT_NE(std::string::npos, points.find("POINT (431000.25 6520000.5)")) << points;
+  EXPECT_NE(std::string::npos, points.find("POINT (-1 2)")) << points;
 }
 
 TEST(ShapefilePeer, MeasuredPointsBothWays) {
@@ -260,35 +286,6 @@ TEST(ShapefilePeer, MeasuredPointsBothWays) {
   std::string const out = ogrFeatures(base + "_out.shp");
   EXPECT_NE(std::string::npos, out.find("Geometry: Measured Point")) << out;
   EXPECT_NE(std::string::npos, out.find("POINT M (-2.5 8.0 0.125)")) << out;
-}
-
-TEST(ShapefilePeer, LinesAndPointsTheStoreWritesReadByOgrinfo) {
-  requireGdal();
-  std::string const base = scratch("written");
-  {
-    ShapefileDiskStore lines;
-    lines.create(StoreDescription(vFilename((base + "_lines.shp").c_str())), "polylines");
-    lines.addInstances(2);
-    lines.write(variableAttribute("X", vFLOAT64, {{0, 1.5, 3}, {9, 8, 7, 6}}), 1, 2);
-    lines.write(variableAttribute("Y", vFLOAT64, {{0, 2, -5}, {9, 8, 7, 6}}), 1, 2);
-    lines.write(variableAttribute("PART_LENGTHS", vINT32, {{3}, {2, 2}}), 1, 2);
-    ShapefileDiskStore points;
-    points.create(vFilename((base + "_points.shp").c_str()));
-    points.addInstances(2);
-    Attribute x("X", "", vFLOAT64), y("Y", "", vFLOAT64);
-    double const xs[] = {431000.25, -1}, ys[] = {6520000.5, 2};
-    x.copyData(2, xs);
-    y.copyData(2, ys);
-    points.write(x, 1, 2);
-    points.write(y, 1, 2);
-  }
-  std::string const lines = ogrFeatures(base + "_lines.shp");
-  EXPECT_NE(std::string::npos, lines.find("Geometry: Line String")) << lines;
-  EXPECT_NE(std::string::npos, lines.find("LINESTRING (0 0,1.5 2.0,3 -5)")) << lines;
-  EXPECT_NE(std::string::npos, lines.find("MULTILINESTRING ((9 9,8 8),(7 7,6 6))")) << lines;
-  std::string const points = ogrFeatures(base + "_points.shp");
-  EXPECT_NE(std::string::npos, points.find("POINT (431000.25 6520000.5)")) << points;
-  EXPECT_NE(std::string::npos, points.find("POINT (-1 2)")) << points;
 }
 
 }  // namespace
