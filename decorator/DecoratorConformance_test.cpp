@@ -7,12 +7,9 @@
 #include "decorator/AttributeSetDecorator.h"
 #include "decorator/DecoratorTesting.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
-#include "decorator/ScratchStoreDecorator.h"
 #include "decorator/SelectStoreDecorator.h"
 #include "decorator/StoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
-#include "project/UTProject.h"
-#include "project/UTProjectCatalog.h"
 #include "testing/StoreConformance.h"
 
 using namespace decorator_testing;
@@ -38,33 +35,6 @@ StoreConformanceCase forwarding() {
     vHandle<Store> below(new TestMemoryStore(vHandle<Project>(), layoutShelf(referenceLayout())));
     return asSet(vHandle<Store>(new StoreDecorator(below)));
   };
-  return c;
-}
-
-// A scratch store deletes itself from a project at the end of each test.
-vHandle<Project> scratchProject() {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("host", ProjectType::UNITTEST));
-  return vHandle<Project>(new UTProject(catalog));
-}
-
-StoreConformanceCase scratch() {
-  StoreConformanceCase c("ScratchStoreDecorator");
-  c.openForReading = [] {
-    return asSet(StoreDecoratorFactory::addScratch(openStore(layoutShelf(referenceLayout()), false, scratchProject())));
-  };
-  c.openForUpdate = [] {
-    return asSet(StoreDecoratorFactory::addScratch(openStore(layoutShelf(referenceLayout()), true, scratchProject())));
-  };
-  return c;
-}
-
-StoreConformanceCase attributeSelectAll() {
-  StoreConformanceCase c("AttributeSelectAll");
-  c.openForReading = [] {
-    vHandle<AttributeSelectDecorator> view;
-    return asSet(StoreDecoratorFactory::addAttributeSelect(referenceStore(), view));
-  };
-  c.texts.unknownDefinition = "Attribute %s does not exist in parent store.";
   return c;
 }
 
@@ -169,10 +139,9 @@ StoreConformanceCase profiling() {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Views, StoreConformance,
-                         ::testing::Values(forwarding(), scratch(), attributeSelectAll(), attributeSelectKeys(),
+                         ::testing::Values(forwarding(), attributeSelectKeys(),
                                            // No operator: every instance, without reading data.
                                            selectCase("SelectEmptyCollection", referenceLayout(), nullptr, 0, 0),
-                                           selectCase("SelectEveryInstance", referenceLayout(), "ELEV", 0, 2000, 5),
                                            selectCase("SelectSubset", decoyLayout(), "CDP", 1, 4, 7),
                                            // The decoys marked and the marks negated.
                                            selectCase("SelectNegated", decoyLayout(), "CDP", 99, 99, 0, true),
