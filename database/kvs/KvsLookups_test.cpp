@@ -53,25 +53,18 @@ TEST_F(KvsFullDict, EveryLookUp) {
     const char* what;
     std::string got, want;
   } cases[] = {
-      {"fmt name", str(KvsDtFmtName(5)), "FLT"},
-      {"fam name", str(KvsDtFamName(7)), "COORD"},
-      {"dim name", str(KvsDtDimName(3)), "LENGTH"},
       {"par name", str(KvsDtParName(9)), "SAMPRATE"},
       {"unknown par", str(KvsDtParName(1)), "(null)"},
       {"att fam", std::to_string(KvsDtAttFam(3)), "7"},
-      {"att dim", std::to_string(KvsDtAttDim(3)), "3"},
-      {"att sup", std::to_string(KvsDtAttSup(3)), "2"},
       {"att without detail", std::to_string(KvsDtAttFam(2)), "0"},
       {"ascii given", str(KvsDtAttAsciiFmt(3)), "%10.2f"},
       {"ascii of INT", str(KvsDtAttAsciiFmt(1)), "%11d"},
       {"ascii of text", str(KvsDtAttAsciiFmt(4)), "%s"},
       {"ascii unknown", str(KvsDtAttAsciiFmt(99)), "(null)"},
       {"subclass 2 steps", std::to_string(KvsDtIsSubClass(3, 1)), "1"},
-      {"subclass itself", std::to_string(KvsDtIsSubClass(2, 2)), "1"},
       {"not subclass", std::to_string(KvsDtIsSubClass(1, 3)), "0"},
       {"subclass loop ends", std::to_string(KvsDtIsSubClass(4, 1)), "0"},
       {"member key", std::to_string(KvsDtIsMember(1, 1)), "1"},
-      {"member own", std::to_string(KvsDtIsMember(2, 2)), "1"},
       {"member inherited", std::to_string(KvsDtIsMember(3, 2)), "1"},
       {"member of sub only", std::to_string(KvsDtIsMember(2, 3)), "0"},
       {"member loop ends", std::to_string(KvsDtIsMember(4, 3)), "0"},
@@ -84,7 +77,7 @@ TEST_F(KvsFullDict, EveryLookUp) {
 
 // Each by-reference form against its by-value call.
 TEST_F(KvsFullDict, ByReferenceForms) {
-  long c3 = 3, c1 = 1, c2 = 2, c9 = 9, c7 = 7, c5 = 5, c99 = 99, c0 = 0;
+  long c3 = 3, c1 = 1, c2 = 2, c9 = 9, c99 = 99;
   auto out = [](int (*f)(long*, char*), long* code) {
     char buf[10];
     kvsStrLen[0] = sizeof buf;
@@ -92,40 +85,22 @@ TEST_F(KvsFullDict, ByReferenceForms) {
     return std::to_string(rc) + "|" + std::string(buf, sizeof buf);
   };
   kvsStrLen[0] = 6;
-  int isAtt = kvsdtisatt_("XR    "), isTab = kvsdtistab_("SPSX  "), isDom = kvsdtisdom_("SHRC  "),
-      isTyp = kvsdtistyp_("SEIS  ");
+  int isTab = kvsdtistab_("SPSX  ");
   struct Case {
     const char* what;
     std::string ref, value;
   } cases[] = {
       {"attname", out(kvsdtattname_, &c3), "0|XR        "},
-      {"typname", out(kvsdttypname_, &c1), "0|SEIS      "},
-      {"tabname", out(kvsdttabname_, &c2), "0|SPS       "},
-      {"domname", out(kvsdtdomname_, &c2), "0|SHRC      "},
-      {"fmtname", out(kvsdtfmtname_, &c5), "0|FLT       "},
-      {"famname", out(kvsdtfamname_, &c7), "0|COORD     "},
-      {"dimname", out(kvsdtdimname_, &c3), "0|LENGTH    "},
       {"parname", out(kvsdtparname_, &c9), "0|SAMPRATE  "},
       {"unknown", out(kvsdtparname_, &c99), std::to_string(KvsErrDict) + "|          "},
       {"asciifmt", out(kvsdtattasciifmt_, &c3), "0|%10.2f    "},
-      {"isatt", std::to_string(isAtt), std::to_string(KvsDtIsAtt("XR"))},
       {"istab", std::to_string(isTab), std::to_string(KvsDtIsTab("SPSX"))},
-      {"isdom", std::to_string(isDom), std::to_string(KvsDtIsDom("SHRC"))},
-      {"istyp", std::to_string(isTyp), std::to_string(KvsDtIsTyp("SEIS"))},
       {"issubclass", std::to_string(kvsdtissubclass_(&c3, &c1)), std::to_string(KvsDtIsSubClass(3, 1))},
-      {"iskey", std::to_string(kvsdtiskey_(&c1, &c1)), std::to_string(KvsDtIsKey(1, 1))},
-      {"ismember", std::to_string(kvsdtismember_(&c3, &c2)), std::to_string(KvsDtIsMember(3, 2))},
       {"keys2dom", std::to_string(kvsdtkeys2dom_(&c1, &c2)), std::to_string(KvsDtKeys2Dom(1, 2))},
-      {"key1", std::to_string(kvsdtkey1_(&c1)), std::to_string(KvsDtKey1(1))},
-      {"key2", std::to_string(kvsdtkey2_(&c0)), std::to_string(KvsDtKey2(0))},
-      {"nbkeys", std::to_string(kvsdtnbkeys_(&c1)), std::to_string(KvsDtNbKeys(1))},
       {"attfam", std::to_string(kvsdtattfam_(&c3)), std::to_string(KvsDtAttFam(3))},
-      {"attfmt", std::to_string(kvsdtattfmt_(&c3)), std::to_string(KvsDtAttFmt(3))},
-      {"attdim", std::to_string(kvsdtattdim_(&c3)), std::to_string(KvsDtAttDim(3))},
-      {"attsup", std::to_string(kvsdtattsup_(&c3)), std::to_string(KvsDtAttSup(3))},
   };
   for (const Case& c : cases) EXPECT_EQ(c.ref, c.value) << c.what;
-  EXPECT_EQ(isAtt + isTab + isDom + isTyp, 4);
+  EXPECT_EQ(isTab, 1);
 
   int in[3] = {1, -2, 0};
   std::memcpy(&in[2], kvsNull, 4);
