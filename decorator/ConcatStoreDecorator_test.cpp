@@ -145,14 +145,6 @@ TEST_F(ConcatStoreDecoratorTest, RefusesVariableLengthAttributes) {
                 "The attribute 'PICKS' is variable length ... not supported!");
 }
 
-// Reads by groups and keys are refused, which the suite does not ask of
-// these views.
-TEST_F(ConcatStoreDecoratorTest, RefusesReadsByGroupsOrKeys) {
-  vHandle<Store> gather = StoreDecoratorFactory::addGather(shots());
-  Attribute id("ID", "ID", vINT32);
-  expectFailure([&] { gather->read(id, id, 1, 1); }, "GatherStoreDecorator::read(groups)", "Has not been written yet!");
-}
-
 // --- gather --------------------------------------------------------------------------------
 
 // Three sets of equal size: set s holds IDs 10 s + i.

@@ -40,14 +40,6 @@ TEST(InfillStoreDecorator, InventsTheMissingGridAsZeros) {
   EXPECT_EQ((std::vector<double>{1, 1, 1, 1, 2, 2, 2, 2}), column(*view, "GROUP"));
   EXPECT_EQ((std::vector<double>{10, 20, 30, 40, 10, 20, 30, 40}), column(*view, "X"));
   EXPECT_EQ((std::vector<double>{500, 300, 0, 200, 0, 400, 100, 0}), column(*view, "VALUE"));
-  Attribute value = view->getAttribute("VALUE");
-  Attribute groups = view->getAttribute("GROUP");
-  std::vector<unsigned int> sizes;
-  view->getGroupsAndSizes(groups, sizes, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ((std::vector<unsigned int>{4, 4}), sizes);
-  // Reads by group through the view's own numbering.
-  view->read(value, groups, 2, 2);
-  EXPECT_EQ(400, value.getValue(2));
 }
 
 TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
