@@ -87,13 +87,6 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   EXPECT_EQ(30u, sets.front().getNInstances());
   EXPECT_EQ(40u, project->getAttributeSetDetails("line12,seis", 0).front().getNInstances());
 
-  vString name("line12,seis"), ident, type, version("1");
-  EXPECT_TRUE(project->locateNameComponents(name, ident, type, version));
-  EXPECT_EQ("Line12/SEIS/1", str(ident) + "/" + str(type) + "/" + str(version));
-  vString fresh("newline,seis"), v2;
-  EXPECT_FALSE(project->locateNameComponents(fresh, ident, type, v2));
-  EXPECT_EQ("newline/SEIS/1", str(ident) + "/" + str(type) + "/" + str(v2));
-
   // Deleting goes to the database, and the cache forgets the store.
   EXPECT_TRUE(project->deleteStore("line12,seis", 1, "", ""));
   EXPECT_FALSE(project->hasStore("line12,seis", 1));
@@ -150,26 +143,6 @@ TEST_F(ZonProjects, GeometryTablesAreNamedApart) {
   EXPECT_TRUE(project->hasStore("line12", 0));
 }
 
-// The light list answers from what the project holds, without the database;
-// the full one asks it, and so sees what another program wrote since.
-TEST_F(ZonProjects, LightListAnswersFromWhatIsHeld) {
-  ASSERT_TRUE(db.writeShots("cheap", "SEIS", "A", "1", 2));
-  vHandle<ZonProject> project = openProject("cheap");
-  EXPECT_EQ(1u, project->getLightStoreDetailsList("", "")->size());
-  ASSERT_TRUE(db.writeShots("cheap", "SEIS", "B", "1", 2));
-  EXPECT_EQ(1u, project->getLightStoreDetailsList("", "")->size());
-  EXPECT_EQ(2u, project->getStoreDetailsList("", "")->size());
-  db.stop(SIGKILL);
-  EXPECT_EQ(2u, project->getLightStoreDetailsList("", "")->size());
-  try {
-    MessageHandling quiet;
-    project->getStoreDetailsList("", "");
-    ADD_FAILURE() << "full list with the daemon gone";
-  } catch (UtlExcept const& e) {
-    EXPECT_STREQ("ZonProject::DatasetCache::myPopulateCache", e.getMethod().c_str());
-  }
-}
-
 // The catalog's project list and the project's general record are the
 // library's blocks, and are given back whole.
 TEST_F(ZonProjects, ListsGiveBackWhatTheLibraryLent) {
@@ -220,11 +193,17 @@ TEST_F(ZonProjects, LibraryMessagesGoThroughTheHandlers) {
   EXPECT_EQ("I:CapiZon: hello|E:CapiZon: careful|E:CapiZon: broken|E:CapiZon:%S severe|", all);
 }
 
-// The daemon unreachable at open, or gone between two reads: the system's
-// own errors, naming the server, the project and the library's reason.
-TEST_F(ZonProjects, DaemonUnreachableOrKilled) {
+// The light list answers from what the project holds, without the database;
+// the full one asks it, and so sees what another program wrote since. The
+// daemon gone between two reads, or unreachable at open: the system's own
+// errors, naming the server, the project and the library's reason.
+TEST_F(ZonProjects, LightListsAndADaemonKilledOrUnreachable) {
   ASSERT_TRUE(db.writeShots("alpha", "SEIS", "A", "1", 3));
   vHandle<ZonProject> project = openProject("alpha");
+  EXPECT_EQ(1u, project->getLightStoreDetailsList("", "")->size());
+  ASSERT_TRUE(db.writeShots("alpha", "SEIS", "B", "1", 2));
+  EXPECT_EQ(1u, project->getLightStoreDetailsList("", "")->size());
+  EXPECT_EQ(2u, project->getStoreDetailsList("", "")->size());
   EXPECT_EQ(3u, project->getAttributeSetDetails("a,seis", 0).front().getNInstances());
   db.stop(SIGKILL);
   try {
@@ -234,6 +213,14 @@ TEST_F(ZonProjects, DaemonUnreachableOrKilled) {
   } catch (UtlExcept const& e) {
     EXPECT_EQ("ZonProject::getAttributeSetDetails", std::string(e.getMethod().c_str()));
     EXPECT_EQ(0u, std::string(e.getReason().c_str()).find("Error reading store a,seis: ")) << e.getReason().c_str();
+  }
+  EXPECT_EQ(2u, project->getLightStoreDetailsList("", "")->size());
+  try {
+    MessageHandling quiet;
+    project->getStoreDetailsList("", "");
+    ADD_FAILURE() << "full list with the daemon gone";
+  } catch (UtlExcept const& e) {
+    EXPECT_STREQ("ZonProject::DatasetCache::myPopulateCache", e.getMethod().c_str());
   }
 
   vKvsActivate::deactivate();
