@@ -140,7 +140,7 @@ TEST_F(Selection, AMultiValuedAttributeIsRefusedBeforeAnyRead) {
   EXPECT_TRUE(trace->calls.empty());
 }
 
-TEST_F(Selection, ASmallFilterAndAnEmptyOperatorAreRefused) {
+TEST_F(Selection, ASmallFilterAnEmptyOperatorAndNoBatchAreRefused) {
   collection.setInstanceFilter(List(11, 1));
   expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doSelection",
                 "Supplied instance filter is too small -- 11 instances in filter -- 12 instances in store");
@@ -149,10 +149,6 @@ TEST_F(Selection, ASmallFilterAndAnEmptyOperatorAreRefused) {
   empty.addOperator(vHandle<SelectOperatorBase>());
   expectFailure([&] { empty.doSelection(store); }, "SelectStoreDecorator::doEvaluate",
                 "Null Selection Operator Iterator");
-}
-
-TEST(SelectionSettings, TheBatchSizeMustBePositive) {
-  SelectOperatorCollection collection;
   expectFailure([&] { collection.setBatchSize(0); }, "SelectOperatorCollection::setBatchSize",
                 "The batch size must be positive, not 0.");
 }
@@ -229,18 +225,16 @@ class ToleranceOperator : public SelectOperatorBase {
   double seenBefore = -1;
 };
 
-TEST(SelectOperator, ANewToleranceIsToldBeforeItIsKept) {
+// A new tolerance is told before it is kept; attribute numbers are checked.
+TEST(SelectOperator, ToleranceAndAttributeNumbers) {
   ToleranceOperator op;
   op.setTolerance(0.5);
   op.setTolerance(2.0);
   EXPECT_EQ((std::vector<double>{0.0, 0.5, 0.5, 2.0}), op.told);
   EXPECT_EQ(0.5, op.seenBefore);
-}
-
-TEST(SelectOperator, RefusesAnAttributeNumberItDoesNotRead) {
-  RangeOperator op("r", "CDP", 1, 2);
-  op.addAttribute("OFFSET");
-  expectFailure([&] { op.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
+  RangeOperator reads("r", "CDP", 1, 2);
+  reads.addAttribute("OFFSET");
+  expectFailure([&] { reads.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
                 "Operator r has no attribute 2 (it reads 2).");
 }
 
