@@ -174,15 +174,6 @@ class EveryNthOperator : public SelectOperatorBase {
   unsigned int m_step;
 };
 
-// Reads an attribute and marks nothing.
-class NothingOperator : public SelectOperatorBase {
- public:
-  explicit NothingOperator(char const* attribute) : SelectOperatorBase("nothing", 1, EvaluatingOperator) {
-    addAttribute(attribute);
-  }
-  void doEvaluate(std::list<Attribute> const&, unsigned int, unsigned char*, unsigned int, unsigned int) override {}
-};
-
 // A logic operator: no mask.
 class LogicOperator : public SelectOperatorBase {
  public:
