@@ -33,17 +33,6 @@ TEST(AttributeSetDecoratorProperties, LocalUntilOpenedThenThoseOfTheSetBelow) {
   EXPECT_TRUE(decorator.hasProperty(vUCString("ADDED")));
 }
 
-TEST(AttributeSetDecoratorProperties, AddPropertyForwardsEvenBeforeOpening) {
-  auto shelf = layoutShelf(referenceLayout());
-  vHandle<AttributeSet> below = closedSet(shelf);
-  below->open(kStore, 0, "", "", nullptr);
-  AttributeSetDecorator decorator(below);
-  decorator.addProperty(Property("ADDED", "y"));
-  EXPECT_TRUE(below->hasProperty(vUCString("ADDED")));
-  // The rest of the property interface is the decorator's own.
-  EXPECT_FALSE(decorator.hasProperty(vUCString("ADDED")));
-}
-
 TEST(AttributeSetDecoratorNames, FullNamesGoThroughTheNameForms) {
   auto shelf = layoutShelf(referenceLayout());
   ProfilingAttributeSetDecorator decorator(closedSet(shelf));

@@ -45,13 +45,18 @@ class ConcatStoreDecoratorTest : public ::testing::Test {
 };
 
 TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
+  vHandle<ConcatStoreDecorator> concat;
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots(), concat);
   // The sequence attribute tells the sets apart and leads the keys.
   EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
   // The one set name is the primary set's.
   EXPECT_EQ((Store::AttributeSetList{"shots"}), *view->getAttributeSetList());
   expectFailure([&] { view->openAttributeSet("b"); }, "ConcatStoreDecorator::openAttributeSet",
                 "Invalid attribute set name!");
+  // Reads by groups and keys, which the suite does not ask of these views.
+  Attribute id("ID", "ID", vINT32);
+  expectFailure([&] { view->read(id, id, 1, 1); }, "ConcatStoreDecorator::read(groups)", "Has not been written yet!");
+  expectFailure([&] { view->read(id, KeyList()); }, "ConcatStoreDecorator::read(keys)", "Has not been written yet!");
 }
 
 TEST_F(ConcatStoreDecoratorTest, OffsetBinTellsTheInstancesApart) {
@@ -90,6 +95,8 @@ TEST_F(ConcatStoreDecoratorTest, RefusesBadRangesWithTheirTexts) {
   vHandle<Store> empty = StoreDecoratorFactory::addConcat(
       openJoin(joinShelf("none", {"ID"}, {idSet("", {}), idSet("b", {})}), "none"));
   expectFailure([&] { empty->read(id, 1, 1); }, "ConcatStoreDecorator::read(range)",
+                "There are no instances within this store!");
+  expectFailure([&] { empty->read(id, std::vector<unsigned int>{1}); }, "ConcatStoreDecorator::read(list)",
                 "There are no instances within this store!");
 }
 
@@ -178,6 +185,7 @@ TEST_F(ConcatStoreDecoratorTest, GatherRefillsASetAtATime) {
 
 TEST_F(ConcatStoreDecoratorTest, GatherCacheAndItsLimits) {
   vHandle<GatherStoreDecorator> gather(new GatherStoreDecorator(threeSets()));
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 1, 2, 3, 1, 2, 3}), all(*gather, kSequence));
   Attribute id = gather->getAttribute("ID");
   // The list read is not checked against the view: the cache refuses what
   // no set holds.

@@ -237,20 +237,6 @@ inline vHandle<Store> observedStore(Layout const& layout, ObservedStore*& observ
   return store;
 }
 
-// Records the names of the batch attributes it is given.
-class NamesOperator : public SelectOperatorBase {
- public:
-  explicit NamesOperator(char const* attribute) : SelectOperatorBase("names", 1, EvaluatingOperator) {
-    addAttribute(attribute);
-  }
-  void doEvaluate(std::list<Attribute> const& attributes, unsigned int, unsigned char*, unsigned int,
-                  unsigned int) override {
-    seen.clear();
-    for (Attribute const& a : attributes) seen.push_back(a.getName().c_str());
-  }
-  std::vector<std::string> seen;
-};
-
 }  // namespace decorator_testing
 
 #endif

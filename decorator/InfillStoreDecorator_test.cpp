@@ -34,14 +34,6 @@ vHandle<Store> gridStore(std::vector<int> const& groups, std::vector<double> con
 
 std::vector<double> column(Store const& store, char const* name) { return values(store, name); }
 
-TEST(InfillStoreDecorator, InventsTheMissingGridAsZeros) {
-  // Stored out of order: group 2 first, group 1 descending.
-  vHandle<Store> view = StoreDecoratorFactory::addInfill(gridStore({2, 1, 1, 2, 1}, {30, 40, 20, 20, 10}));
-  EXPECT_EQ((std::vector<double>{1, 1, 1, 1, 2, 2, 2, 2}), column(*view, "GROUP"));
-  EXPECT_EQ((std::vector<double>{10, 20, 30, 40, 10, 20, 30, 40}), column(*view, "X"));
-  EXPECT_EQ((std::vector<double>{500, 300, 0, 200, 0, 400, 100, 0}), column(*view, "VALUE"));
-}
-
 TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
   EXPECT_FALSE(InfillAttributeSetIndexingTable::boundsCheckOk(10.02, 0, 10));
   EXPECT_TRUE(InfillAttributeSetIndexingTable::boundsCheckOk(0.30000000000000004, 0.1, 0.1));

@@ -25,17 +25,6 @@ std::string title(vHandle<Store> const& store) {
   return t.c_str();
 }
 
-// Forward, the reference suite below reads the join; reversed, the groups
-// go the other way and keep their order within.
-TEST(MergeStoreDecorator, ReverseKeepsTheOrderWithinAGroup) {
-  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1, 1, 3}, {11, 12, 13}), 0, false);
-  merge(view).addStore(keyed("b", {2, 2, 3}, {21, 22, 23}));
-  EXPECT_EQ((std::vector<double>{3, 3, 2, 2, 1, 1}), all(*view, "KEY"));
-  std::vector<double> ids = all(*view, "ID");
-  EXPECT_EQ((std::vector<double>{21, 22, 11, 12}), std::vector<double>(ids.begin() + 2, ids.end()));
-  EXPECT_EQ(4u, merge(view).getMethod().getGroups().size());
-}
-
 // The scan assumes nothing about sorted input: a value that comes back
 // makes a new group, and groups of every store are ordered together.
 TEST(MergeStoreDecorator, RunsThatComeBackAreGroupsOfTheirOwn) {
@@ -209,10 +198,15 @@ TEST(MergeStoreDecorator, TheKeyScanThroughItsCache) {
   EXPECT_EQ(0.0, key.getValue(1));
 }
 
-TEST(MergeStoreDecorator, HasOneSetOnly) {
+TEST(MergeStoreDecorator, HasOneSetAndNoGroupOrKeyReads) {
   vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
   expectFailure([&] { view->openAttributeSet("other"); }, "MergeMethodNoSecondarySort::openAttributeSet",
                 "Invalid attribute set name 'other' ... we expect blank or 'a'!");
+  EXPECT_EQ(1u, view->getAttributeSetList()->size());
+  // Reads by groups and keys, which the suite does not ask of a merge.
+  Attribute id("ID", "ID", vINT32);
+  expectFailure([&] { view->read(id, id, 1, 1); }, "MergeStoreDecorator::read(groups)", "Has not been written yet!");
+  expectFailure([&] { view->read(id, KeyList()); }, "MergeStoreDecorator::read(keys)", "Has not been written yet!");
 }
 
 // --- the conformance suite -----------------------------------------------------------------

@@ -42,15 +42,6 @@ struct Selection : ::testing::Test {
 
 // --- the path without data ------------------------------------------------------------
 
-// Logic operators alone select everything, negated or not.
-TEST_F(Selection, LogicOperatorsAloneSelectEverythingWithoutReading) {
-  auto op = vHandle<LogicOperator>(new LogicOperator("or", SelectOperatorBase::LogicOr));
-  collection.setNegateSelection(true);
-  EXPECT_EQ(range(1, 12), select({asBase(op)}));
-  EXPECT_TRUE(op->calls.empty());
-  EXPECT_EQ(0, observed->rangeReads);
-}
-
 TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
   List filter = {1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1};
   collection.setInstanceFilter(filter);
@@ -67,14 +58,6 @@ TEST_F(Selection, OnTheBatchPathTheFilterCountsFromEachBatch) {
   ASSERT_EQ(3u, all->calls.size());
   EXPECT_EQ(2u, all->calls[2].count) << "the last batch is cut short";
   EXPECT_TRUE(all->calls[2].hadMask);
-}
-
-TEST_F(Selection, AnOperatorThatReadsNoAttributeStillGetsTheLoop) {
-  collection.setBatchSize(5);
-  auto every3 = vHandle<EveryNthOperator>(new EveryNthOperator("every3", 3));
-  EXPECT_EQ((List{3, 6, 9, 12}), select({asBase(every3)}));
-  EXPECT_EQ(3u, every3->calls.size());
-  EXPECT_EQ(0, observed->rangeReads);
 }
 
 // --- joining masks -------------------------------------------------------------------------
@@ -181,34 +164,6 @@ TEST(SelectionSettings, AMaskThatCannotBeAllocatedIsReported) {
               "SelectStoreDecorator::doEvaluate\\|Cannot allocate 536870922 bytes for aggregate selection");
 }
 #endif
-
-// --- attributes of a batch ---------------------------------------------------------------------
-
-TEST_F(Selection, BatchAttributesAreSetUpOncePerStoreName) {
-  auto names = vHandle<NamesOperator>(new NamesOperator("OFFSET"));
-  collection.addOperator(asBase(names));
-  collection.doSelection(store);
-  EXPECT_EQ((std::vector<std::string>{"OFFSET"}), names->seen);
-  // An operator added later is not given its attribute for the same store...
-  collection.addOperator(vHandle<SelectOperatorBase>(new NamesOperator("CDP")));
-  collection.doSelection(store);
-  EXPECT_EQ((std::vector<std::string>{"OFFSET"}), names->seen);
-  // ...but is for another.
-  vHandle<Store> other = openStore(layoutShelf(referenceLayout(), "other"), false, vHandle<Project>(), "other");
-  collection.doSelection(other);
-  EXPECT_EQ((std::vector<std::string>{"CDP", "OFFSET"}), names->seen);
-}
-
-TEST(SelectionNames, AllAttributeNamesAreSortedAndUnique) {
-  SelectOperatorCollection collection;
-  collection.addOperator(asBase(offset23()));
-  collection.addOperator(vHandle<SelectOperatorBase>(new RangeOperator("b", "ELEV", 0, 1)));
-  collection.addOperator(asBase(cdp23()));
-  collection.addOperator(asBase(offset23()));
-  std::string joined;
-  for (vUCString const& n : collection.getAllAttributeNames()) joined += std::string(n.c_str()) + " ";
-  EXPECT_EQ("CDP ELEV OFFSET ", joined);
-}
 
 // --- the operator base ----------------------------------------------------------------------------
 
