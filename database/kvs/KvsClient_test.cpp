@@ -105,6 +105,9 @@ struct KvsClient : ::testing::Test {
 }  // namespace
 
 TEST_F(KvsClient, TablesRoundTripAndSurviveRestart) {
+  const char* project = nullptr;
+  KvsGet(session, KvsNproject, &project, 0L);
+  EXPECT_STREQ(project, "proj");
   KvsObject ds = writeShots("L1", 20000);  // columns of several pages and chunks
   ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
   EXPECT_TRUE(logged("%I SEIS L1 v1 for SHOTS successfully replaced"));

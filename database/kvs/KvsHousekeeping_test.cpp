@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -10,7 +11,9 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsHelper.h"
+#include "database/kvs/KvsPage.h"
 #include "database/kvs/KvsRef.h"
+#include "database/kvs/KvsSocket.h"
 #include "database/kvs/KvsTestPeer.h"
 
 using namespace kvs;
@@ -54,6 +57,40 @@ struct KvsHousekeeping : ::testing::Test {
 };
 
 }  // namespace
+
+TEST(KvsPages, ListEdits) {
+  KvsPage* head = _KvsPageAlloc();
+  EXPECT_EQ(KvsPageNbr(head), 0);
+  head->used = 1024;
+  KvsPage* b = KvsPageAppend(head);
+  b->used = 500;
+  EXPECT_EQ(b->index, 1);
+  EXPECT_EQ(b->first, 1024);
+  KvsPage* c = KvsPageAppend(b);
+  EXPECT_EQ(KvsPageNbr(head), 2);  // the last page is empty
+  EXPECT_EQ(KvsPos2Page(head, 1523), b);
+  EXPECT_EQ(KvsPos2Page(head, 1524), c);
+  EXPECT_EQ(KvsPos2Page(head, 1524 + 1024), nullptr);
+  // A page put between keeps its own block at the end of the file.
+  KvsPage* mid = KvsPageInsert(head);
+  mid->used = 10;
+  EXPECT_EQ(mid->index, 3);
+  EXPECT_EQ(KvsPageRestore(head), 1534);
+  EXPECT_EQ(b->first, 1034);
+  EXPECT_EQ(KvsPos2Page(c, 1030), mid);
+  EXPECT_EQ(KvsPos2Page(c, 1034), b);
+  head = KvsPageRemove(head);
+  EXPECT_EQ(head, mid);
+  EXPECT_EQ(b->first, 10);
+  EXPECT_EQ(KvsPageBottom(head), c);
+  EXPECT_EQ(c->head, mid);
+  EXPECT_EQ(KvsPageAppend(head)->index, 4);
+  head = KvsPageRaz(c);
+  EXPECT_EQ(head, mid);
+  EXPECT_EQ(head->next, nullptr);
+  EXPECT_EQ(KvsPageAppend(head)->index, 1);
+  KvsPageFree(head);
+}
 
 // The counts are the by-reference forms' to show; a block too big fails with
 // the library's text.
@@ -139,6 +176,21 @@ TEST_F(KvsHousekeeping, TablesCleanedPackedGroupedAndRestored) {
   ASSERT_EQ(KvsRestore(ds), 0);
   EXPECT_EQ(KvsFirst(ds), KvsLast(ds));
   EXPECT_EQ(ints(KvsFind(KvsFirst(ds), "SHOT")), kept);
+  // Sent again as read: the column bounds in the array records are those
+  // of the rows, found when they are needed.
+  ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
+  std::string stored;
+  for (auto& e : fs::recursive_directory_iterator(scratch.root + "/kvsd"))
+    if (e.path().filename() == "SHOTS.tab") stored = e.path();
+  std::ifstream in(stored, std::ios::binary);
+  std::vector<char> head(512 + 4);
+  in.read(head.data(), 516);
+  std::uint32_t plen = KvsGetBE32(reinterpret_cast<unsigned char*>(&head[512]));
+  std::vector<char> rec(plen + 512);
+  in.read(rec.data(), static_cast<std::streamsize>(rec.size()));  // parameters, then the SHOT column
+  EXPECT_STREQ(&rec[plen + 224], "SHOT");
+  EXPECT_STREQ(&rec[plen + 352], "0");
+  EXPECT_STREQ(&rec[plen + 368], "9002");
   EXPECT_EQ(KvsCompactTable(ds), KvsErrClass);
 }
 
@@ -333,6 +385,13 @@ TEST_F(KvsHousekeeping, SendCleansByKeys) {
   ASSERT_EQ(info->count, 1);
   EXPECT_EQ(std::string(info->datasets[0].type) + info->datasets[0].ident, "SEISC");
   KvsHelper::free(info);
+  int n = 0;
+  char** list = nullptr;
+  kvsStrLen[0] = 0, kvsStrLen[1] = 4;
+  ASSERT_EQ(kvslistprojectsite_(nullptr, "pr* ", &n, &list), 0);
+  ASSERT_EQ(n, 1);
+  EXPECT_STREQ(list[0], "proj");
+  KvsHelper::free(list);
 }
 
 // Rows written one at a time wait in the column's buffer until a page of

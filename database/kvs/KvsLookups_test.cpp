@@ -77,7 +77,7 @@ TEST_F(KvsFullDict, EveryLookUp) {
 
 // Each by-reference form against its by-value call.
 TEST_F(KvsFullDict, ByReferenceForms) {
-  long c3 = 3, c1 = 1, c2 = 2, c9 = 9, c99 = 99;
+  long c3 = 3, c1 = 1, c2 = 2, c9 = 9, c7 = 7, c5 = 5, c99 = 99, c0 = 0;
   auto out = [](int (*f)(long*, char*), long* code) {
     char buf[10];
     kvsStrLen[0] = sizeof buf;
@@ -85,22 +85,40 @@ TEST_F(KvsFullDict, ByReferenceForms) {
     return std::to_string(rc) + "|" + std::string(buf, sizeof buf);
   };
   kvsStrLen[0] = 6;
-  int isTab = kvsdtistab_("SPSX  ");
+  int isAtt = kvsdtisatt_("XR    "), isTab = kvsdtistab_("SPSX  "), isDom = kvsdtisdom_("SHRC  "),
+      isTyp = kvsdtistyp_("SEIS  ");
   struct Case {
     const char* what;
     std::string ref, value;
   } cases[] = {
       {"attname", out(kvsdtattname_, &c3), "0|XR        "},
+      {"typname", out(kvsdttypname_, &c1), "0|SEIS      "},
+      {"tabname", out(kvsdttabname_, &c2), "0|SPS       "},
+      {"domname", out(kvsdtdomname_, &c2), "0|SHRC      "},
+      {"fmtname", out(kvsdtfmtname_, &c5), "0|FLT       "},
+      {"famname", out(kvsdtfamname_, &c7), "0|COORD     "},
+      {"dimname", out(kvsdtdimname_, &c3), "0|LENGTH    "},
       {"parname", out(kvsdtparname_, &c9), "0|SAMPRATE  "},
       {"unknown", out(kvsdtparname_, &c99), std::to_string(KvsErrDict) + "|          "},
       {"asciifmt", out(kvsdtattasciifmt_, &c3), "0|%10.2f    "},
+      {"isatt", std::to_string(isAtt), std::to_string(KvsDtIsAtt("XR"))},
       {"istab", std::to_string(isTab), std::to_string(KvsDtIsTab("SPSX"))},
+      {"isdom", std::to_string(isDom), std::to_string(KvsDtIsDom("SHRC"))},
+      {"istyp", std::to_string(isTyp), std::to_string(KvsDtIsTyp("SEIS"))},
       {"issubclass", std::to_string(kvsdtissubclass_(&c3, &c1)), std::to_string(KvsDtIsSubClass(3, 1))},
+      {"iskey", std::to_string(kvsdtiskey_(&c1, &c1)), std::to_string(KvsDtIsKey(1, 1))},
+      {"ismember", std::to_string(kvsdtismember_(&c3, &c2)), std::to_string(KvsDtIsMember(3, 2))},
       {"keys2dom", std::to_string(kvsdtkeys2dom_(&c1, &c2)), std::to_string(KvsDtKeys2Dom(1, 2))},
+      {"key1", std::to_string(kvsdtkey1_(&c1)), std::to_string(KvsDtKey1(1))},
+      {"key2", std::to_string(kvsdtkey2_(&c0)), std::to_string(KvsDtKey2(0))},
+      {"nbkeys", std::to_string(kvsdtnbkeys_(&c1)), std::to_string(KvsDtNbKeys(1))},
       {"attfam", std::to_string(kvsdtattfam_(&c3)), std::to_string(KvsDtAttFam(3))},
+      {"attfmt", std::to_string(kvsdtattfmt_(&c3)), std::to_string(KvsDtAttFmt(3))},
+      {"attdim", std::to_string(kvsdtattdim_(&c3)), std::to_string(KvsDtAttDim(3))},
+      {"attsup", std::to_string(kvsdtattsup_(&c3)), std::to_string(KvsDtAttSup(3))},
   };
   for (const Case& c : cases) EXPECT_EQ(c.ref, c.value) << c.what;
-  EXPECT_EQ(isTab, 1);
+  EXPECT_EQ(isAtt + isTab + isDom + isTyp, 4);
 
   int in[3] = {1, -2, 0};
   std::memcpy(&in[2], kvsNull, 4);

@@ -57,7 +57,10 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   for (ProjectListEntry const& e : *projects) names += str(e.getName()) + ";";
   EXPECT_EQ("survey7;other;", names);
 
+  EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
+  EXPECT_EQ("datahost", str(catalog->getHost()));
   vHandle<ZonProject> project = openProject("SURVEY7");
+  EXPECT_EQ("zonsite", str(project->getServerHost()));
   EXPECT_EQ("survey7", str(project->getName()));
 
   std::string stores;
