@@ -1,6 +1,5 @@
 // Store names through a real project: partial names completed into name
-// details, a seismic-geometry table opened and written back by its three-part
-// name, two idents that differ only in case kept apart, and a dataset another
+// details, two idents that differ only in case kept apart, and a dataset another
 // program wrote with an ident and version not in upper case.
 
 #include <gtest/gtest.h>
@@ -11,7 +10,6 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/zon/ZonStore.h"
-#include "database/zon/ZonStoreKVS.h"
 #include "database/zon/ZonTestBed.h"
 #include "project/NameDetails.h"
 
@@ -84,20 +82,6 @@ TEST_F(ZonStoreNames, PartialNamesAreCompletedThroughTheProject) {
   EXPECT_TRUE(held.update());
   EXPECT_EQ("TAB,2,LINE7,NORTH", std::string(held.getName().c_str()));
   EXPECT_FALSE(NameDetails(vString("tab,0,line8,north"), project.get()).update());
-}
-
-TEST_F(ZonStoreNames, GeometryTableOpensByItsListedNameAndIsWrittenBack) {
-  vHandle<ZonProject> project = bed.openProject("geometry");
-  writeTable(project, "SGD", "Line7", "1", 30);
-  writeTable(project, "TAB", "Line7", "1", 10);
-  EXPECT_EQ("line7,tab.1;sgd,1,line7.1;", listed(project));
-  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(project)));
-  store->update("sgd,1,line7", 0, "", "", nullptr);
-  EXPECT_EQ("SGD,1,LINE7", std::string(store->getImplementation().getNameDetails()->getName().c_str()));
-  EXPECT_EQ(30.0, bumpFirstElev(*store, 5));
-  vHandle<AttributeSet> again = bed.reopenAfterRestart(vHandle_cast<AttributeSet>(store), project, "geometry");
-  EXPECT_EQ(35.0, bumpFirstElev(*again, 0));
-  EXPECT_EQ("line7,tab.1;sgd,1,line7.1;", listed(project));
 }
 
 TEST_F(ZonStoreNames, IdentsDifferingOnlyInCaseAreBothReachable) {
