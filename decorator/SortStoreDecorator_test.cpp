@@ -143,20 +143,7 @@ StoreConformanceCase sortOneKey() {
   return c;
 }
 
-StoreConformanceCase sortOverSelect() {
-  StoreConformanceCase c("SortOverSelect");
-  c.openForReading = [] {
-    Layout layout = {-99, 7, 3, 12, -99, 1, 9, 5, 11, -99, 2, 8, 4, 10, 6, -99};
-    vHandle<SelectStoreDecorator> select;
-    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
-    select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("real", "CDP", 1, 4)));
-    return vHandle_cast<AttributeSet>(sorted(store, {{"CDP", S::ASCENDING}, {"OFFSET", S::ASCENDING}}));
-  };
-  sortTexts(c);
-  return c;
-}
-
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(SortViews, StoreConformance, ::testing::Values(sortTwoKeys(), sortOneKey(), sortOverSelect()),
+INSTANTIATE_TEST_SUITE_P(SortViews, StoreConformance, ::testing::Values(sortTwoKeys(), sortOneKey()),
                          StoreConformance::caseName);
