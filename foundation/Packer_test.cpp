@@ -121,19 +121,6 @@ Frame frameOf(Packer& p) {
   return f;
 }
 
-TEST_F(PackerTest, HeaderAndTheRemoteReadExample) {
-  Packer p(1000);
-  p.pack(224);
-  p.pack(vString("CDP"));
-  p.pack(10u);
-  p.pack(5u);
-  Bytes const expected = {0xD6, 0x12, 0x6A, 0x02, 0x01, 0x00, 0x00, 0x00, 0x18, 0x00, 0x00, 0x00, 0x03, 0x00,
-                          0x00, 0x00, 0x05, 0xE0, 0x00, 0x00, 0x00, 0x8E, 0x04, 0x00, 0x00, 0x00, 0x43, 0x44,
-                          0x50, 0x00, 0x06, 0x0A, 0x00, 0x00, 0x00, 0x06, 0x05, 0x00, 0x00, 0x00};
-  EXPECT_EQ(finish(p, 3), expected);
-  EXPECT_EQ(p.getSize(), 40);
-}
-
 // One entry of each kind, in one message.
 TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
   Packer p(0);
@@ -208,16 +195,9 @@ TEST_F(PackerTest, ReadingRulesOfBoolsStringsDatesAndFrames) {
   EXPECT_FALSE(take<vDate>(d).isValid());
   EXPECT_EQ(take<vDate>(d).getSeconds(), 16L);
   // The depth follows the frames; an end after the last is refused.
-  Packer f(0);
-  f.packFrame(1241, 5);
-  f.packFrame(-2, -1);
-  f.endFrame();
-  f.endFrame();
-  finish(f);
+  Packer f = fromBytes(message({0x7F, 0xD9, 0x04, 0x05, 0x00, 0x7E}));
   EXPECT_EQ(frameOf(f), (Frame{1241, 5}));
-  EXPECT_EQ(frameOf(f), (Frame{-2, -1}));
-  EXPECT_EQ(f.getFrameDepth(), 2);
-  f.endFrame();
+  EXPECT_EQ(f.getFrameDepth(), 1);
   f.endFrame();
   EXPECT_EQ(f.getFrameDepth(), 0);
   EXPECT_EQ(fatalText([&] { f.endFrame(); }), "Packer::endFrame: No more data to unpack.");
@@ -320,7 +300,6 @@ void readAll(Packer& p, std::vector<double> const& big) {
   bool b = false;
   p.unpackBool(b);
   EXPECT_TRUE(b);
-  ASSERT_EQ(p.getNElements(), 3u);
   EXPECT_EQ(takeArray<int>(p), (std::vector<int>{1, -2, 3}));
   EXPECT_EQ(p.unpack(static_cast<float*>(nullptr)), 0u);
   EXPECT_EQ(str(take<vString>(p)), "hello");
@@ -393,8 +372,8 @@ TEST_F(PackerTest, EachMessageIsAssembledAfresh) {
   p.packAddressOf(small.data(), 2);
   EXPECT_EQ(finish(p, 2), message({0x05, 0x09, 0, 0, 0, 0x85, 0x02, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0}, 2));
   // Without address-of entries the buffer goes out as it stands.
-  p.pack(3);
-  EXPECT_EQ(finish(p, 3), message({0x05, 0x03, 0, 0, 0}, 3));
+  p.pack(3u);
+  EXPECT_EQ(finish(p, 3), message({0x06, 0x03, 0, 0, 0}, 3));
   EXPECT_EQ(p.getNAddressOf(), 0);
 }
 
@@ -457,7 +436,6 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   // Nothing reads until the body is complete.
   int v = 0;
   EXPECT_EQ(fatalText([&] { p.unpack(v); }), "Packer::unpack: The message is still being received.");
-  EXPECT_EQ(reasonOf([&] { p.next(); }), "The message is still being received.");
   EXPECT_EQ(p.getNextDataType(), vNOTYPE);
   EXPECT_EQ(p.getNElements(), 0u);
   EXPECT_EQ(p.getNRemainingBytes(), 0);
@@ -466,13 +444,10 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   EXPECT_LE(p.getCapacity(), 65536);
   EXPECT_EQ(reasonOf([&] { p.getReceiveBuffer(1999999999, 2); }),
             "Bytes 1999999999 to 2000000000 lie outside the body of 2000000000 bytes being received.");
-  EXPECT_EQ(reasonOf([&] { p.getReceiveBuffer(-1, 2); }),
-            "Bytes -1 to 0 lie outside the body of 2000000000 bytes being received.");
   EXPECT_EQ(fatalText([&] { p.endReceive(); }),
             "Packer::endReceive: Bad message received. Only 10 of its 2000000000 body bytes were received.");
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
   EXPECT_EQ(reasonOf([&] { p.unpack(v); }), "No more data to unpack.");
-  EXPECT_EQ(fatalText([&] { p.getReceiveBuffer(0, 1); }), "Packer::getReceiveBuffer: No message is being received.");
   EXPECT_EQ(fatalText([&] { p.endReceive(); }), "Packer::endReceive: No message is being received.");
 
   // After a transfer that failed the Packer is reused as ever.
@@ -483,12 +458,6 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   again.abortReceive();
   EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
   EXPECT_FALSE(again.next());
-  // A bad header is refused before anything is made.
-  Bytes bad = message({});
-  bad[0] = 0;
-  EXPECT_EQ(fatalText([&] { again.beginReceive(bad.data()); }),
-            "Packer::beginReceive: Bad message received. Magic was 40505856 expected 40506070.");
-  EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
 }
 
 TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
@@ -562,150 +531,31 @@ TEST_F(PackerTest, OtherOrderSwapsOnlyTheListedTypes) {
   EXPECT_EQ(Bytes(again.begin() + 16, again.end()), expected);
 }
 
-struct StateRow {
-  char const* name;
-  std::function<std::unique_ptr<Packer>()> make;
-};
-
-Bytes twoInts() { return message({0x05, 0x01, 0, 0, 0, 0x05, 0x02, 0, 0, 0}, 6); }
-
-std::vector<StateRow> stateRows() {
-  return {
-      {"PACKINIT", [] { return std::make_unique<Packer>(100); }},
-      {"PACKPACKING",
-       [] {
-         auto p = std::make_unique<Packer>(100);
-         p->pack(1);
-         p->pack(2);
-         return p;
-       }},
-      {"PACKSENT",
-       [] {
-         auto p = std::make_unique<Packer>(100);
-         p->pack(1);
-         p->pack(2);
-         unsigned char const* b;
-         int n;
-         p->getBuffer(&b, n, 6);
-         return p;
-       }},
-      {"PACKUNPACKING",
-       [] {
-         Bytes const m = twoInts();
-         return std::make_unique<Packer>(static_cast<int>(m.size()), m.data());
-       }},
-      {"PACKUNPACKED",
-       [] {
-         Bytes const m = twoInts();
-         auto p = std::make_unique<Packer>(static_cast<int>(m.size()), m.data());
-         int v;
-         p->unpack(v);
-         p->unpack(v);
-         return p;
-       }},
-  };
-}
-
-struct StateOp {
-  int code;
-  std::function<void(Packer&)> apply;
-};
-
-std::vector<StateOp> stateOps() {
-  static Bytes const header = twoInts();
-  return {
-      {100, [](Packer& p) { p.pack(3); }},
-      {101,
-       [](Packer& p) {
-         unsigned char const* b;
-         int n;
-         p.getBuffer(&b, n, 6);
-       }},
-      {102,
-       [](Packer& p) {
-         int const n = p.beginReceive(header.data());
-         std::memcpy(p.getReceiveBuffer(0, n), header.data() + 16, static_cast<std::size_t>(n));
-         p.endReceive();
-       }},
-      {103,
-       [](Packer& p) {
-         int v;
-         p.unpack(v);
-       }},
-      {104, [](Packer& p) { p.discard(); }},
-      {105, nullptr},
-      {106, [](Packer& p) { p.first(); }},
-      {107, [](Packer& p) { EXPECT_EQ(p.getMessageTag(), 6); }},
-  };
-}
-
-// Each operation in a legal and an illegal state, and each kind of outcome;
-// delete is checked below through the destructor.
-TEST_F(PackerTest, CellsOfTheStateTable) {
-  using S = Packer::PackState;
-  enum { INIT, PACKING, SENT, UNPACKING, UNPACKED };
-  struct Cell {
-    int row;
-    int op;     // index into stateOps()
-    int state;  // 0 when the operation raises
-    char const* text;
-  } const cells[] = {
-      {INIT, 0, S::PACKPACKING, nullptr},      {UNPACKING, 0, 0, "Illegal operation 100 for state PACKUNPACKING."},
-      {PACKING, 0, S::PACKPACKING, nullptr},   {PACKING, 1, S::PACKSENT, nullptr},
-      {INIT, 1, 0, "Illegal operation 101 for state PACKINIT."}, {INIT, 2, S::PACKUNPACKING, nullptr},
-      {PACKING, 2, 0, "Illegal operation 102 for state PACKPACKING."}, {SENT, 3, S::PACKUNPACKING, nullptr},
-      {INIT, 3, 0, "Illegal operation 103 for state PACKINIT."}, {UNPACKED, 3, 0, "No more data to unpack."},
-      {UNPACKING, 4, S::PACKUNPACKED, nullptr}, {SENT, 4, 0, "Illegal operation 104 for state PACKSENT."},
-      {UNPACKED, 6, S::PACKUNPACKING, nullptr}, {INIT, 6, 0, "Illegal operation 106 for state PACKINIT."},
-      {SENT, 7, S::PACKSENT, nullptr},         {PACKING, 7, 0, "Illegal operation 107 for state PACKPACKING."},
-  };
-  std::vector<StateRow> const rows = stateRows();
-  std::vector<StateOp> const ops = stateOps();
-  for (Cell const& cell : cells) {
-    SCOPED_TRACE(std::string(rows[cell.row].name) + " op " + std::to_string(ops[cell.op].code));
-    std::unique_ptr<Packer> p = rows[cell.row].make();
-    Packer::PackState const before = p->getState();
-    if (cell.text != nullptr) {
-      EXPECT_EQ(reasonOf([&] { ops[cell.op].apply(*p); }), cell.text);
-      EXPECT_EQ(p->getState(), before);
-    } else {
-      ops[cell.op].apply(*p);
-      EXPECT_EQ(p->getState(), cell.state);
-    }
-    try {
-      p->discard();  // where legal, so that the destructor stays quiet
-    } catch (UtlExcept const&) {
-    }
-  }
-}
-
-TEST_F(PackerTest, DeleteInEachState) {
-  std::vector<StateRow> const rows = stateRows();
-  for (StateRow const& row : rows) {
-    infos().clear();
-    row.make().reset();
-    std::string const name = row.name;
-    if (name == "PACKPACKING" || name == "PACKUNPACKING") {
-      ASSERT_EQ(infos().size(), 1u) << name;
-      EXPECT_EQ(infos()[0], "Packer::~Packer: Packer object deleted while in " + name + " state.");
-    } else {
-      EXPECT_TRUE(infos().empty()) << name;
-    }
-  }
-}
-
-TEST_F(PackerTest, SendingNothingIsIllegalSendingTwiceRepeats) {
+// An operation outside its states is refused and changes nothing; reading
+// past the end is a failure of its own; a Packer deleted in the middle of a
+// message says so.
+TEST_F(PackerTest, StateRules) {
   Packer p(10);
   EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Illegal operation 101 for state PACKINIT.");
-  std::vector<Packer::Segment> segments;
-  EXPECT_EQ(reasonOf([&] { p.getSegments(segments, 0); }), "Illegal operation 101 for state PACKINIT.");
-  std::ostringstream out;
-  EXPECT_EQ(reasonOf([&] { p.dumpBytes(out); }), "Illegal operation 101 for state PACKINIT.");
+  EXPECT_EQ(p.getState(), Packer::PACKINIT);
   // A second finish resends the same bytes, the first tag included.
   p.pack(5);
   Bytes const first = finish(p, 1);
   EXPECT_EQ(finish(p, 2), first);
   EXPECT_EQ(p.getMessageTag(), 1);
+  EXPECT_EQ(take<int>(p), 5);
+  EXPECT_EQ(fatalText([&] { take<int>(p); }), "Packer::unpack: No more data to unpack.");
+  p.first();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
+  p.discard();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  for (bool sent : {false, true}) {
+    Packer q(0);
+    q.pack(1);
+    if (sent) finish(q);
+  }
+  ASSERT_EQ(infos().size(), 1u);
+  EXPECT_EQ(infos()[0], "Packer::~Packer: Packer object deleted while in PACKPACKING state.");
 }
 
 TEST_F(PackerTest, UnbalancedFramesAreRefusedAtTheFinish) {
@@ -746,15 +596,11 @@ TEST_F(PackerTest, MismatchedTypes) {
   short fv;
   EXPECT_EQ(fatalText([&] { p.unpackFrame(fm, fv); }),
             "Packer::unpackFrame: Mismatched data type. Data is 133, asked for 127.");
-  bool b;
-  EXPECT_EQ(reasonOf([&] { p.unpackBool(b); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vBOOL8.");
   // A failed read consumes nothing.
   int back[2];
   EXPECT_EQ(p.unpack(back), 2u);
   EXPECT_EQ(fatalText([&] { p.endFrame(); }), "Packer::endFrame: Mismatched data type. Data is 5, asked for 126.");
-  p.unpack(i);
-  EXPECT_EQ(i, 7);
-  EXPECT_EQ(reasonOf([&] { p.unpack(i); }), "Mismatched data type. Data is ArrayOfvCHAR8, asked for vINT32.");
+  EXPECT_EQ(take<int>(p), 7);
 }
 
 TEST_F(PackerTest, CapacityAndGrowth) {
@@ -769,11 +615,8 @@ TEST_F(PackerTest, CapacityAndGrowth) {
             "Cannot set capacity to less than already used.Used=53 Supplied=36.");
   q.setCapacity(37);
   EXPECT_EQ(q.getCapacity(), 40);
-  q.pack(9);
-  int back[8];
   finish(q);
-  q.unpack(back);
-  EXPECT_EQ(back[7], 8);
+  EXPECT_EQ(takeArray<int>(q), std::vector<int>(ints, ints + 8));
 }
 
 TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
@@ -782,8 +625,6 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
   // Refused before anything is read from the pointer.
   EXPECT_EQ(fatalText([&] { p.pack(reinterpret_cast<double const*>(&c), 0x80000000u); }),
             "Packer::pack: Requested number of bytes (17179869184) was invalid.");
-  EXPECT_EQ(reasonOf([&] { p.packAddressOf(reinterpret_cast<double const*>(&c), 0x10000000u); }),
-            "Requested number of bytes (2147483648) was invalid.");
   EXPECT_EQ(p.getState(), Packer::PACKINIT);
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(static_cast<float const*>(nullptr), 3); }),
             "Null data given for 3 elements of vFLOAT32.");
@@ -799,21 +640,18 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
             "Packer cannot handle >2gig. Has 1800000031, wanted another 600000000.");
 }
 
-// A class at two versions: version 2 added a field.
+// A class at two versions: version 2 added a field and a nested frame; a
+// reader of either version keeps its defaults for what it does not know.
 class Sample : public Packable {
  public:
-  static constexpr short Magic = 4321;
   explicit Sample(short version) : m_version(version) {}
   void pack(Packer& p) const override {
-    p.packFrame(Magic, m_version);
+    p.packFrame(4321, m_version);
     p.pack(a);
-    p.pack(name);
     if (m_version >= 2) {
       p.pack(extra);
-      // A nested object and a frame of its own, unknown to version 1.
       p.packFrame(77, 1);
-      double const ds[] = {1, 2};
-      p.pack(ds, 2);
+      p.pack(extra);
       p.endFrame();
     }
     p.endFrame();
@@ -822,26 +660,13 @@ class Sample : public Packable {
     short magic;
     short version;
     p.unpackFrame(magic, version);
-    if (magic != Magic) Message::fatal("Sample::unpack", 0, "Bad magic value %d, expected %d.", magic, Magic);
     p.unpack(a);
-    p.unpack(name);
-    if (version >= 2 && m_version >= 2) {
-      p.unpack(extra);
-      short nestedMagic;
-      short nestedVersion;
-      p.unpackFrame(nestedMagic, nestedVersion);
-      std::vector<double> ds(p.getNElements());
-      p.unpack(ds.data());
-      p.endFrame();
-    }
-    if (version > m_version) {
+    if (version > m_version)
       p.skipFrame();
-    } else {
+    else
       p.endFrame();
-    }
   }
   int a = 0;
-  vString name;
   double extra = -1;
 
  private:
@@ -851,7 +676,6 @@ class Sample : public Packable {
 TEST_F(PackerTest, OlderAndNewerReadersOfAFrame) {
   Sample v2(2);
   v2.a = 5;
-  v2.name = "five";
   v2.extra = 2.5;
   Packer p(0);
   p.pack(v2);
@@ -861,8 +685,6 @@ TEST_F(PackerTest, OlderAndNewerReadersOfAFrame) {
   Sample v1(1);
   p.unpack(v1);
   EXPECT_EQ(v1.a, 5);
-  EXPECT_EQ(str(v1.name), "five");
-  EXPECT_EQ(v1.extra, -1);
   EXPECT_EQ(take<int>(p), 11);
   EXPECT_EQ(p.getFrameDepth(), 0);
   // The newer frame at the very end: the skip ends the message cleanly.
@@ -871,15 +693,13 @@ TEST_F(PackerTest, OlderAndNewerReadersOfAFrame) {
   EXPECT_EQ(last.a, 5);
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
 
-  // A newer reader keeps its defaults for what an older frame lacks.
   Packer q(0);
   q.pack(v1);
   finish(q);
   Sample newer(2);
-  newer.extra = 9;
   q.unpack(newer);
   EXPECT_EQ(newer.a, 5);
-  EXPECT_EQ(newer.extra, 9);
+  EXPECT_EQ(newer.extra, -1);
   EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
 }
 
@@ -917,62 +737,30 @@ TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
       r.skipFrame();
     EXPECT_EQ(r.getState(), Packer::PACKUNPACKED) << rest;
   }
-}
-
-// A reader whose last known field is a frame of its own, facing a newer
-// writer that added an int and a nested frame after it.
-TEST_F(PackerTest, SkipRestOfFrameAfterANestedFrame) {
-  Packer p(0);
-  p.packFrame(10, 2);
-  p.packFrame(11, 1);
-  p.pack(1);
-  p.endFrame();
-  p.pack(2);
-  p.packFrame(12, 1);
-  p.pack(3);
-  p.endFrame();
-  p.endFrame();
-  p.pack(4);
-  finish(p);
-  frameOf(p);
-  frameOf(p);
-  take<int>(p);
-  p.endFrame();
-  p.skipRestOfFrame();
-  EXPECT_EQ(take<int>(p), 4);
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  // Skipping the rest of a frame passes over the frames nested in it.
+  Packer n = fromBytes(message({0x7F, 1, 0, 1, 0, 0x7F, 2, 0, 1, 0, 0x7E, 0x7E, 0x05, 4, 0, 0, 0}));
+  frameOf(n);
+  n.skipRestOfFrame();
+  EXPECT_EQ(take<int>(n), 4);
 }
 
 TEST_F(PackerTest, StlRanges) {
   std::vector<int> const ints = {7, -8};
-  std::list<vString> const names = {vString("a"), vString("bc")};
   std::vector<bool> const flags = {true, false};
   Packer p(0);
   pack(p, ints.begin(), ints.end());
-  pack(p, names.begin(), names.end());
   pack(p, flags.cbegin(), flags.cend());
-  std::vector<int> const none;
-  pack(p, none.begin(), none.end());
   Bytes const m = finish(p);
   Bytes const firstRange = {0x7F, 0x43, 0x00, 0x01, 0x00, 0x05, 0x02, 0, 0, 0, 0x05, 0x07, 0, 0, 0,
                             0x05, 0xF8, 0xFF, 0xFF, 0xFF, 0x7E};
   EXPECT_EQ(Bytes(m.begin() + 16, m.begin() + 16 + firstRange.size()), firstRange);
-
   std::vector<int> intsBack;
-  std::set<vString> namesBack;
   std::vector<bool> flagsBack;
-  std::vector<int> noneBack;
   unpack(p, std::back_inserter(intsBack), 0);
-  unpack(p, std::inserter(namesBack, namesBack.end()), vString());
   unpack(p, std::back_inserter(flagsBack), false);
-  unpack(p, std::back_inserter(noneBack), 0);
   EXPECT_EQ(intsBack, ints);
-  ASSERT_EQ(namesBack.size(), 2u);
-  EXPECT_EQ(str(*namesBack.begin()), "a");
   EXPECT_EQ(flagsBack, flags);
-  EXPECT_TRUE(noneBack.empty());
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-
   EXPECT_EQ(fatalText([&] { pack(p, ints.end(), ints.begin()); }),
             "Packer::pack(STL): InputIterators appear to be in the wrong order.");
 }
@@ -993,6 +781,7 @@ TEST_F(PackerTest, StlRangeChecks) {
 }
 
 TEST_F(PackerTest, HeaderChecks) {
+  auto twoInts = [] { return message({0x05, 0x01, 0, 0, 0, 0x05, 0x02, 0, 0, 0}, 6); };
   Bytes m = twoInts();
   m[0] = 1;
   EXPECT_EQ(fatalText([&] { fromBytes(m); }),
@@ -1028,12 +817,8 @@ TEST_F(PackerTest, ForgedEntries) {
   };
   std::vector<Case> const cases = {
       {{0x05, 1, 0}, "Corrupt message: the entry at offset 16 runs past the end of the message (19 bytes)."},
-      {{0x85, 0xFF, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4},
-       "Corrupt message: the entry at offset 16 runs past the end of the message (25 bytes)."},
       {{0x91, 0x00, 0x00, 0x00, 0x40, 0x61, 0x00},
        "Corrupt message: the entry at offset 16 runs past the end of the message (23 bytes)."},
-      {{0x92, 0x02, 0x00, 0x00, 0x00, 0, 1, 2, 3, 4},
-       "Corrupt message: the entry at offset 16 runs past the end of the message (26 bytes)."},
       {{0x32}, "Unknown DataType 50."},
       {{0x11, 0, 0, 0, 0}, "Corrupt message: the vSTRING entry at offset 16 is not an array."},
       {{0x80, 0xFF, 0xFF, 0xFF, 0xFF}, "Corrupt message: the entry at offset 16 is an array of ArrayOfvNOTYPE."},
@@ -1047,10 +832,8 @@ TEST_F(PackerTest, ForgedEntries) {
   for (Case const& c : cases) {
     SCOPED_TRACE(c.text);
     Packer p = fromBytes(message(c.body));
-    // Each way of looking at the entry refuses it.
     EXPECT_EQ(reasonOf([&] { p.getNElements(); }), c.text);
-    EXPECT_EQ(reasonOf([&] { p.next(); }), c.text);
-    // And so does the byte order walk, with the header in the other order.
+    // And the byte order walk, with the header in the other order.
     Bytes swapped = message(c.body);
     for (int w = 0; w < 4; ++w) std::reverse(swapped.begin() + 4 * w, swapped.begin() + 4 * w + 4);
     EXPECT_EQ(reasonOf([&] { fromBytes(swapped); }), c.text);
@@ -1118,35 +901,23 @@ TEST_F(PackerTest, EveryTruncationEndsInAnErrorOrAShorterMessage) {
 
 }  // namespace
 
-// A swap hands over everything, buffer and caller arrays included.
+// A swap hands over everything: buffer, read position and tag.
 TEST_F(PackerTest, SwapExchangesTheWholeState) {
   float const samples[] = {1.5f, 2.5f, 3.5f};
   Packer a(0);
   a.pack(7);
   a.packAddressOf(samples, 3);
   a.pack(8);
-  unsigned char const* bytes = nullptr;
-  int size = 0;
-  a.getBuffer(&bytes, size, 42);
-  Packer received(size, bytes);
-  int v = 0;
-  received.unpack(v);
-  EXPECT_EQ(7, v);
-
+  Packer received = fromBytes(finish(a, 42));
+  EXPECT_EQ(take<int>(received), 7);
   Packer b(0);
   b.pack(99);
   b.swap(received);
-  float out[3] = {0, 0, 0};
-  EXPECT_EQ(3u, b.unpack(out));
-  EXPECT_EQ(2.5f, out[1]);
-  b.unpack(v);
-  EXPECT_EQ(8, v);
-  EXPECT_EQ(42, b.getMessageTag());
-  EXPECT_EQ(Packer::PACKUNPACKED, b.getState());
-
+  EXPECT_EQ(takeArray<float>(b), (std::vector<float>{1.5f, 2.5f, 3.5f}));
+  EXPECT_EQ(take<int>(b), 8);
+  EXPECT_EQ(b.getMessageTag(), 42);
+  EXPECT_EQ(b.getState(), Packer::PACKUNPACKED);
   // The other side holds what b was packing, and finishes it as usual.
-  received.getBuffer(&bytes, size, 5);
-  Packer again(size, bytes);
-  again.unpack(v);
-  EXPECT_EQ(99, v);
+  Packer again = fromBytes(finish(received, 5));
+  EXPECT_EQ(take<int>(again), 99);
 }
