@@ -92,18 +92,6 @@ TEST_F(DornDebugTest, DumpShowsOffsetsHexAndAscii) {
       readFile(path));
 }
 
-TEST_F(DornDebugTest, LevelZeroOrUnsetWritesNothing) {
-  configure("0", nullptr);
-  EXPECT_FALSE(DornDebug::isEnabled());
-  DornDebug::printf("invisible");
-  DornDebug::terminate();
-  configure(nullptr, nullptr);
-  EXPECT_FALSE(DornDebug::isEnabled());
-  DornDebug::printf("invisible");
-  DornDebug::terminate();
-  EXPECT_EQ("", readFile(path));
-}
-
 TEST_F(DornDebugTest, FlagsAddTimeAndSetLevelSwitches) {
   configure("1", "3");
   DornDebug::printf("stamped");
@@ -124,29 +112,4 @@ TEST_F(DornDebugTest, FlagsAddTimeAndSetLevelSwitches) {
   ASSERT_NE(std::string::npos, cut) << text;
   EXPECT_TRUE(stampedLine(text.substr(0, cut), "stamped")) << text;
   EXPECT_TRUE(stampedLine(text.substr(cut + 1), "    deeper\n")) << text;
-}
-
-TEST_F(DornDebugTest, AppendFlagKeepsEarlierTrace) {
-  configure("1", "4");
-  DornDebug::printf("first");
-  DornDebug::terminate();
-  DornDebug::initialize();
-  DornDebug::printf("second");
-  DornDebug::terminate();
-  EXPECT_EQ("first\nsecond\n", readFile(path));
-  configure("1", "0");
-  DornDebug::printf("third");
-  DornDebug::terminate();
-  EXPECT_EQ("third\n", readFile(path));
-}
-
-TEST_F(DornDebugTest, DirectInitialisationToStandardError) {
-  DornDebug::initializeDirect(true, nullptr, 1, 0);
-  ::testing::internal::CaptureStderr();
-  DornDebug::printf("to stderr %d", 5);
-  std::fflush(stderr);
-  std::string const err = ::testing::internal::GetCapturedStderr();
-  DornDebug::terminate();
-  EXPECT_EQ("to stderr 5\n", err);
-  EXPECT_STREQ("", DornDebug::getFilename());
 }

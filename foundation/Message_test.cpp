@@ -67,22 +67,6 @@ bool isRondoTime(std::string const& t) {
 
 }  // namespace
 
-TEST(MessageDefaultChain, FatalPrintsAReportAndThrowsWithTheLabelAsMethod) {
-  ::testing::internal::CaptureStderr();
-  try {
-    Message::fatal("CMPBasicGrid::myCheckup", 0, "bin %lld of %d is outside", 5000000000LL, 7);
-    FAIL() << "fatal returned";
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ(e.getReason(), "bin 5000000000 of 7 is outside");
-    EXPECT_EQ(e.getMethod(), "CMPBasicGrid::myCheckup");
-  }
-  std::string const err = ::testing::internal::GetCapturedStderr();
-  std::string const stars(60, '*');
-  EXPECT_EQ(0u, err.find(stars + "\n(Next FATAL from ")) << err;
-  EXPECT_NE(std::string::npos, err.find("bin 5000000000 of 7 is outside\n" + stars + "\n")) << err;
-  EXPECT_EQ(std::string::npos, err.find("(code")) << err;
-}
-
 TEST(MessageHandlers, PrintReportLayout) {
   PrintErrorHandler print;
   ::testing::internal::CaptureStderr();
@@ -155,45 +139,6 @@ TEST(MessageDeathTest, ExceptionWhileFormattingThrowsMinusOne) {
       ::testing::ExitedWithCode(0), "");
 }
 #endif
-
-// Two fatal messages in a row: the second is not taken for a recursive one.
-TEST(MessageCounters, CountByKindAndClear) {
-  Message::clearNErrors();
-  Message::clearNFatals();
-  RecordingHandler quiet(new ExceptionErrorHandler);
-  RaiseError::getInstance()->install(&quiet);
-  for (int i = 0; i < 2; ++i) EXPECT_THROW(Message::fatal("L", 0, "f%d", i), UtlExcept);
-  for (int i = 0; i < 3; ++i) Message::error("L", 0, "e%d", i);
-  Message::info("L", 0, "i");
-  RaiseError::getInstance()->uninstall(&quiet);
-  EXPECT_EQ(2, Message::getNFatals());
-  EXPECT_EQ(3, Message::getNErrors());
-  Message::clearNFatals();
-  EXPECT_EQ(0, Message::getNFatals());
-  EXPECT_EQ(3, Message::getNErrors());
-  ASSERT_EQ(6u, quiet.seen.size());
-  EXPECT_EQ("E|L|0|e2", quiet.seen[4]);
-  EXPECT_EQ("I|L|0|i", quiet.seen[5]);
-}
-
-TEST(MessageHandlers, InstalledHandlerComesFirstUntilUninstalled) {
-  RaiseError* r = RaiseError::getInstance();
-  RecordingHandler first(new ExceptionErrorHandler);
-  RecordingHandler second;
-  r->install(&first);
-  r->install(&second);
-  Message::info("X::y", 1, "to second");
-  r->uninstall(&second);
-  EXPECT_THROW(Message::fatal("X::z", 2, "to first"), UtlExcept);
-  r->uninstall(&first);
-  EXPECT_NE(&first, r->getCurrentHandler());
-  ASSERT_EQ(1u, second.seen.size());
-  EXPECT_EQ("I|X::y|1|to second", second.seen[0]);
-  ASSERT_EQ(1u, first.seen.size());
-  EXPECT_EQ("F|X::z|2|to first", first.seen[0]);
-  // The handler outlives its uninstall: uninstall never deletes it.
-  EXPECT_EQ(nullptr, second.getNext());
-}
 
 TEST(MessageHandlers, LogHandlerWritesOneLinePerMessage) {
   std::string const path = tempPath("rondo_log");

@@ -7,9 +7,6 @@
 #include <cstring>
 #include <functional>
 #include <iterator>
-#include <list>
-#include <memory>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -460,22 +457,32 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   EXPECT_FALSE(again.next());
 }
 
-TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
+// A message from a big-endian host, written by hand: the header and every
+// count turn around, and the data of 16-, 32- and 64-bit numbers, dates and
+// frames; bytes, 128-bit values, complex pairs, half and IBM floats and lobs
+// stay as they came, as the message sent on again shows.
+TEST_F(PackerTest, BigEndianMessageReads) {
   Bytes const m = {
-      0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,  // magic, version
-      0x00, 0x00, 0x00, 0x52, 0x00, 0x00, 0x01, 0x02,  // body length 82, tag 258
-      0x7F, 0x04, 0xD9, 0x00, 0x05,                    // frame 1241, 5
-      0x05, 0xFF, 0xFF, 0xFF, 0xFE,                    // int32 -2
+      0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,        // magic, version
+      0x00, 0x00, 0x00, 0x8E, 0x00, 0x00, 0x01, 0x02,        // body length 142, tag 258
+      0x7F, 0x04, 0xD9, 0x00, 0x05,                          // frame 1241, 5
+      0x05, 0xFF, 0xFF, 0xFF, 0xFE,                          // int32 -2
       0x83, 0x00, 0x00, 0x00, 0x02, 0x00, 0x01, 0xFF, 0xFE,  // int16[2] {1, -2}
-      0x0B, 0x3F, 0x80, 0x00, 0x00,                    // float 1
+      0x0B, 0x3F, 0x80, 0x00, 0x00,                          // float 1
       0x0C, 0x40, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,  // double 2
       0x08, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08,  // uint64
-      0x8E, 0x00, 0x00, 0x00, 0x03, 0x61, 0x62, 0x00,  // "ab"
+      0x8E, 0x00, 0x00, 0x00, 0x03, 0x61, 0x62, 0x00,        // "ab"
       0x91, 0x00, 0x00, 0x00, 0x02, 0x78, 0x00, 0x79, 0x7A, 0x00,  // {"x", "yz"}
-      0x12, 0x00, 0x01, 0x02, 0x03, 0x04,              // date
+      0x12, 0x00, 0x01, 0x02, 0x03, 0x04,                    // date
       0x92, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x00, 0x10, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,  // dates
+      0x8F, 0x00, 0x00, 0x00, 0x02, 0xA1, 0xA2,                     // uchar8[2]
+      0x95, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // complex32[1]
+      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,  // int128
+      0x97, 0x00, 0x00, 0x00, 0x02, 0xB1, 0xB2, 0xB3, 0xB4,         // float16[2]
+      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                 // ibmfloat32
+      0x93, 0x00, 0x00, 0x00, 0x04, 0xD1, 0xD2, 0xD3, 0xD4,         // lob[4]
       0x7E};
-  ASSERT_EQ(m.size(), 16u + 82u);
+  ASSERT_EQ(m.size(), 16u + 142u);
   Packer p = fromBytes(m);
   EXPECT_TRUE(p.isSwapped());
   EXPECT_EQ(p.getMessageTag(), 258);
@@ -492,43 +499,18 @@ TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
   ASSERT_EQ(dates.size(), 2u);
   EXPECT_EQ(dates[0].getSeconds(), 16L);
   EXPECT_FALSE(dates[1].isValid());
-  p.endFrame();
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-}
-
-TEST_F(PackerTest, OtherOrderSwapsOnlyTheListedTypes) {
-  // Counts of every array are turned around; the data only of 16-, 32- and
-  // 64-bit integers, floats, doubles, dates and frames. 128-bit values,
-  // complex pairs, half floats and IBM floats stay as they came.
-  Bytes const body = {
-      0x8F, 0x00, 0x00, 0x00, 0x02, 0xA1, 0xA2,                     // uchar8[2]
-      0x95, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // complex32[1]
-      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,  // int128
-      0x97, 0x00, 0x00, 0x00, 0x02, 0xB1, 0xB2, 0xB3, 0xB4,         // float16[2]
-      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                 // ibmfloat32
-      0x93, 0x00, 0x00, 0x00, 0x04, 0xD1, 0xD2, 0xD3, 0xD4,         // lob[4]
-      0x88, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // uint64[1]
-      0x7F, 0x12, 0x34, 0x56, 0x78, 0x7E};                          // frame 0x1234, 0x5678
-  Bytes m = {0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01, 0, 0, 0, static_cast<unsigned char>(body.size()),
-             0, 0, 0, 0};
-  m.insert(m.end(), body.begin(), body.end());
-  Packer p = fromBytes(m);
-  EXPECT_TRUE(p.isSwapped());
   int steps = 1;
   while (p.next()) ++steps;
-  EXPECT_EQ(steps, 9);
-  // Sent again, the message is in this host's order: compare the entries.
+  EXPECT_EQ(steps, 7);
   Bytes const again = finish(p, 0);
-  Bytes const expected = {
-      0x8F, 0x02, 0x00, 0x00, 0x00, 0xA1, 0xA2,                          //
-      0x95, 0x01, 0x00, 0x00, 0x00, 1, 2, 3, 4, 5, 6, 7, 8,              //
-      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,       //
-      0x97, 0x02, 0x00, 0x00, 0x00, 0xB1, 0xB2, 0xB3, 0xB4,              //
-      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                      //
-      0x93, 0x04, 0x00, 0x00, 0x00, 0xD1, 0xD2, 0xD3, 0xD4,              //
-      0x88, 0x01, 0x00, 0x00, 0x00, 8, 7, 6, 5, 4, 3, 2, 1,              //
-      0x7F, 0x34, 0x12, 0x78, 0x56, 0x7E};
-  EXPECT_EQ(Bytes(again.begin() + 16, again.end()), expected);
+  Bytes const unswapped = {
+      0x8F, 0x02, 0x00, 0x00, 0x00, 0xA1, 0xA2,                     //
+      0x95, 0x01, 0x00, 0x00, 0x00, 1, 2, 3, 4, 5, 6, 7, 8,         //
+      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,  //
+      0x97, 0x02, 0x00, 0x00, 0x00, 0xB1, 0xB2, 0xB3, 0xB4,         //
+      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                 //
+      0x93, 0x04, 0x00, 0x00, 0x00, 0xD1, 0xD2, 0xD3, 0xD4, 0x7E};
+  EXPECT_EQ(Bytes(again.end() - static_cast<std::ptrdiff_t>(unswapped.size()), again.end()), unswapped);
 }
 
 // An operation outside its states is refused and changes nothing; reading
@@ -549,10 +531,14 @@ TEST_F(PackerTest, StateRules) {
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
   p.discard();
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  // Frames must be balanced before the message goes.
   for (bool sent : {false, true}) {
     Packer q(0);
-    q.pack(1);
-    if (sent) finish(q);
+    q.packFrame(1, 1);
+    if (!sent) continue;
+    EXPECT_EQ(fatalText([&] { finish(q); }), "Packer::getBuffer: Number of packframes does not match endframes");
+    q.endFrame();
+    finish(q);
   }
   ASSERT_EQ(infos().size(), 1u);
   EXPECT_EQ(infos()[0], "Packer::~Packer: Packer object deleted while in PACKPACKING state.");
@@ -842,61 +828,6 @@ TEST_F(PackerTest, ForgedEntries) {
   Packer forged = fromBytes(message(cases.back().body));
   double d[1];
   EXPECT_EQ(reasonOf([&] { forged.unpack(d); }), cases.back().text);
-}
-
-// Reads whatever the message holds, by its type bytes, the way a generic
-// reader would; returns the number of entries read.
-int readAnything(Packer& p) {
-  int n = 0;
-  while (p.getState() == Packer::PACKUNPACKING) {
-    int const t = p.getNextDataType();
-    p.getNElements();  // looks the entry over before it is read
-    switch (t) {
-      case vARRAYOF | vCHAR8: take<vString>(p); break;
-      case vARRAYOF | vSTRING: takeArray<vString>(p); break;
-      case vARRAYOF | vDATE: takeArray<vDate>(p); break;
-      case vDATE: take<vDate>(p); break;
-      case vARRAYOF | vFLOAT64: takeArray<double>(p); break;
-      case vINT32: take<int>(p); break;
-      case vPACKFRAME: frameOf(p); break;
-      case vENDFRAME: p.endFrame(); break;
-      default: p.next(); break;
-    }
-    ++n;
-  }
-  return n;
-}
-
-TEST_F(PackerTest, EveryTruncationEndsInAnErrorOrAShorterMessage) {
-  std::vector<double> const big(20, 1.0);
-  Packer p(0);
-  packAll(p, big);
-  Bytes const m = finish(p);
-  int clean = 0;
-  for (std::size_t length = 16; length < m.size(); ++length) {
-    Bytes cut(m.begin(), m.begin() + static_cast<std::ptrdiff_t>(length));
-    uint32_t const body = static_cast<uint32_t>(length - 16);
-    std::memcpy(cut.data() + 8, &body, 4);
-    for (bool swapped : {false, true}) {
-      Bytes in = cut;
-      if (swapped) {
-        // Header words only: the body stays as it was, which is garbage in
-        // the other order.
-        for (int w = 0; w < 4; ++w) std::reverse(in.begin() + 4 * w, in.begin() + 4 * w + 4);
-      }
-      try {
-        // A copy the exact size, so that the sanitizers see any overrun.
-        std::unique_ptr<unsigned char[]> exact(new unsigned char[in.size()]);
-        std::memcpy(exact.get(), in.data(), in.size());
-        Packer q(static_cast<int>(in.size()), static_cast<unsigned char const*>(exact.get()));
-        readAnything(q);
-        ++clean;
-      } catch (UtlExcept const&) {
-      }
-    }
-  }
-  // Cuts at entry boundaries outside frames read cleanly: there are few.
-  EXPECT_GE(clean, 1);
 }
 
 }  // namespace

@@ -91,13 +91,6 @@ TEST(SystemProperty, CopyCompareAndSetComponents) {
   EXPECT_TRUE(a < c);
 }
 
-TEST(SystemPropertyRecord, ReadsTokensInAnyCaseWithQuotesAndRepeatedValues) {
-  SystemProperty p = readOne(
-      "  <systemproperty NAME= Verbose\n package= CommChan description= \"trace the \\\"channel\\\"\"\n"
-      "  value= \"verbose=yes\" Value= filename=/tmp/x systemproperty>");
-  EXPECT_EQ(p, SystemProperty("commchan", "verbose", "trace the \"channel\"", {"verbose=yes", "filename=/tmp/x"}));
-}
-
 TEST(SystemPropertyRecord, UnquotedValuesRunToTheNextKeyword) {
   // One keyword to a line, as a site writes a table by hand.
   SystemProperty p = readOne(
@@ -260,26 +253,6 @@ TEST(SystemPropertyTable, BadRecordIsFatalQuietlyAndNamesTheFile) {
   EXPECT_EQ("", testing::internal::GetCapturedStderr());
 }
 
-// The first use loads the tables, and tries again after a failure.
-TEST(SystemPropertyTable, FailedFirstLoadIsTriedAgain) {
-  EXPECT_EXIT(
-      {
-        TestReleaseTree tree;
-        tree.writeSystemFile("SystemPropertyTable2.txt", "<SystemProperty name= a");
-        bool failed = false;
-        try {
-          MessageHandling quiet;
-          SystemPropertyTable::instance();
-        } catch (UtlExcept const&) {
-          failed = true;
-        }
-        tree.writeSystemFile("SystemPropertyTable2.txt", record("site", "a", "fixed"));
-        bool ok = failed && SystemPropertyTable::instance().getSystemProperty("site", "a").getValue(0) == "fixed";
-        std::exit(ok ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
-}
-
 TEST(SystemPropertyEnvironment, NameAndValues) {
   TestReleaseTree tree;
   tree.setEnv("SP_COMMCHAN_VERBOSE", "  verbose=yes\tfilename=\"/tmp/a b\"  ");
@@ -314,41 +287,4 @@ TEST(SystemPropertyManager, EnvironmentOverridesTheTables) {
   expectFatal([] { SystemPropertyManager::getSystemProperty("capi", "missing"); },
               "SystemPropertyTable::getSystemProperty",
               "The system property CAPI/MISSING was not found in the system property tables.");
-}
-
-TEST(SystemPropertyManager, PortRangeFromTheEnvironmentWithoutAnyTable) {
-  EXPECT_EXIT(
-      {
-        TestReleaseTree tree;  // no table file anywhere
-        tree.setEnv("SP_COMMCHAN_USE_PORT_RANGE", "6000 6100");
-        bool ok = SystemPropertyManager::hasSystemProperty("CommChan", "Use_Port_Range");
-        SystemProperty p = SystemPropertyManager::getSystemProperty("COMMCHAN", "USE_PORT_RANGE");
-        ok = ok && p.getNValues() == 2 && p.getInt32Value(0) == 6000 && p.getInt32Value(1) == 6100;
-        ok = ok && SystemPropertyTable::instance().size() == 0 &&
-             !SystemPropertyManager::hasSystemProperty("CommChan", "Other");
-        std::exit(ok ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
-}
-
-TEST(MessageHandling, QuietScopeStillThrowsButPrintsNothing) {
-  testing::internal::CaptureStderr();
-  try {
-    MessageHandling quiet;
-    Message::info("Test::quiet", 0, "not shown");
-    Message::error("Test::quiet", 0, "not shown either");
-    {
-      MessageHandling nested;
-    }
-    Message::fatal("Test::quiet", 7, "quiet failure %d", 42);
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ("quiet failure 42", str(e.getReason()));
-    EXPECT_EQ("Test::quiet", str(e.getMethod()));
-  }
-  EXPECT_EQ("", testing::internal::GetCapturedStderr());
-
-  // Outside the scope the default report is back.
-  testing::internal::CaptureStderr();
-  EXPECT_THROW(Message::fatal("Test::loud", 0, "loud failure"), UtlExcept);
-  EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find("(Next FATAL from ")) << "no report";
 }

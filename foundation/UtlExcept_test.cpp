@@ -4,23 +4,6 @@
 
 #include <sstream>
 
-namespace {
-
-std::list<vString> tokensOf(char const* format) {
-  UtlExcept e("r", "m");
-  std::list<vString> tokens;
-  e.tokenize(vString(format), tokens);
-  return tokens;
-}
-
-std::string joined(std::list<vString> const& tokens) {
-  std::string out;
-  for (vString const& t : tokens) out += "[" + std::string(t.c_str()) + "]";
-  return out;
-}
-
-}  // namespace
-
 TEST(UtlExceptTraceBack, EachPartOnlyWhenPresent) {
   UtlExcept e("just the reason", "");
   EXPECT_EQ(e.toString("%T|%L|%F|%K"), "just the reason\n|-1||");
@@ -45,15 +28,6 @@ TEST(UtlExceptFormat, Specifiers) {
   // stays, so the next token is read as a specifier: "Rest" starts with R.
   EXPECT_EQ(e.toString("a%xb%Q"), "axbQ");
   EXPECT_EQ(e.toString("100%%Rest"), "100why");
-}
-
-TEST(UtlExceptFormat, BlankBetweenSpecifiersIsCarriedIntoTheNextLiteral) {
-  EXPECT_EQ(joined(tokensOf("%R  %M")), "[%][R][%][M]");
-  EXPECT_EQ(joined(tokensOf("%R  %M  x")), "[%][R][%][M][    x]");
-  EXPECT_EQ(joined(tokensOf("%R   ")), "[%][R]");
-  EXPECT_EQ(joined(tokensOf("end%")), "[end][%]");
-  UtlExcept e("why", "m");
-  EXPECT_EQ(e.toString("%R  %M  x"), "whym    x");
 }
 
 TEST(UtlExceptOperators, CopyAssignAndAppend) {

@@ -70,39 +70,12 @@ TEST(vDatabases, EntriesAliasesKeysAndUnknownDomains) {
               "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
 }
 
-TEST(vDatabases, LoadFindsTheConfigurationFileOrFails) {
-  TestReleaseTree tree;
-  std::string inRelease = tree.writeSystemFile("DatabaseConfig.ini", "[houston]\nProductionDatabase = a\n");
-  vDatabases dbs;
-  dbs.load();
-  EXPECT_EQ(inRelease, str(dbs.getFileName()));
-  EXPECT_EQ("a", str(dbs.get("houston").getProductionDatabase()));
-
-  std::string chosen = tree.writeWorkFile("chosen.ini", "[paris]\nProductionDatabase = b\n");
-  tree.setEnv("VDATABASES_DATABASECONFIG", chosen);
-  EXPECT_EQ(chosen, str(vDatabases::getConfigFileName()));
-  dbs.load();  // replaces what was there
-  EXPECT_EQ(1u, dbs.get().size());
-  EXPECT_FALSE(dbs.exists("houston"));
-  EXPECT_EQ("b", str(dbs.get("paris").getProductionDatabase()));
-
-  // A missing configuration is fatal.
-  std::remove(inRelease.c_str());
-  tree.unsetEnv("VDATABASES_DATABASECONFIG");
-  expectFatal([&] { dbs.load(); }, "vDatabases::load",
-              "The database config file '" + tree.systemFilesDir() + "DatabaseConfig.ini' cannot be found!");
-  tree.setEnv("VDATABASES_DATABASECONFIG", tree.workDir() + "gone.ini");
-  expectFatal([&] { dbs.load(); }, "vDatabases::load",
-              "The database config file '" + tree.workDir() + "gone.ini' cannot be found!");
-  expectFatal([&] { dbs.loadFromFile(tree.workDir().c_str()); }, "vDatabases::load",
-              "The database config file '" + tree.workDir() + "' cannot be found!");
-}
-
 TEST(vDatabases, DefaultEntryOfThisDomain) {
   TestReleaseTree tree;
   tree.writeSystemFile("DatabaseConfig.ini", kConfig);
   vDatabases::clearCache();
   EXPECT_EQ("houston", str(vDatabases::getDefaultDatabaseEntry().getName()));
+  EXPECT_EQ(tree.systemFilesDir() + "DatabaseConfig.ini", str(vDatabases::getDefault().getFileName()));
   EXPECT_TRUE(vDatabases::haveDefaultProductionDB());
   EXPECT_TRUE(vDatabases::haveDefaultDevelopmentDB());
   EXPECT_TRUE(vDatabases::isOracleAvailable());

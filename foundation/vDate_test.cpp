@@ -74,19 +74,6 @@ TEST(vDateFields, UtcGetters) {
   EXPECT_FALSE(d.isDST());
 }
 
-TEST(vDateFields, LocalTimeFollowsTheZone) {
-  ZoneScope zone("EST5");
-  vDate d(kSample);
-  EXPECT_TRUE(d.isLocalTime());
-  EXPECT_EQ(17, d.getHour());
-  d.setLocalTime(false);
-  EXPECT_EQ(22, d.getHour());
-  EXPECT_EQ(kSample, d.getSeconds());
-  vDate local(kSample);
-  local.set(0, 0, 12, 1, 1, 2000);
-  EXPECT_EQ(946746000L, local.getSeconds());  // 2000-01-01 17:00 UTC
-}
-
 TEST(vDateFormat, LongRondoAndOtherTexts) {
   vDate d(kSample, false);
   EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20231114221320");

@@ -52,37 +52,6 @@ TEST(vUCStringTable, ExistsAndUnknownNames) {
   EXPECT_FALSE(t.exists(vUCString("X_COORD")));
 }
 
-TEST(vUCStringTable, IdOrderIsNameOrder) {
-  vUCStringTable t;
-  std::vector<std::string> names;
-  std::vector<vUCStringTableData const*> entries;
-  for (int i = 0; i < 200; ++i) {
-    std::string n = "attr" + std::to_string((i * 7919) % 1000);
-    names.push_back(n);
-    entries.push_back(t.add(n.c_str()));
-  }
-  for (size_t i = 0; i < entries.size(); ++i)
-    for (size_t j = 0; j < entries.size(); j += 17) {
-      bool const byId = entries[i]->getID() < entries[j]->getID();
-      bool const byName = entries[i]->getString() < entries[j]->getString();
-      ASSERT_EQ(byName, byId) << names[i] << " " << names[j];
-    }
-  for (int id = 0; id < t.size(); ++id) EXPECT_EQ(id, t.at(id)->getID());
-}
-
-TEST(vUCStringTable, ConcurrentAddsInternEachNameOnce) {
-  vUCStringTable t;
-  std::vector<std::thread> threads;
-  std::vector<std::vector<vUCStringTableData const*> > seen(4);
-  for (int k = 0; k < 4; ++k)
-    threads.emplace_back([&t, &seen, k] {
-      for (int i = 0; i < 300; ++i) seen[k].push_back(t.add(("name" + std::to_string(i)).c_str()));
-    });
-  for (std::thread& th : threads) th.join();
-  EXPECT_EQ(300, t.size());
-  for (int k = 1; k < 4; ++k) EXPECT_EQ(seen[0], seen[k]);
-}
-
 TEST(vUCStringTable, IdsReadWhileAnotherThreadRenumbersAreOneState) {
   // Two names with a long run of others between them: an insertion in front
   // renumbers the run one by one, so reads that took one id from before it

@@ -27,12 +27,6 @@ uint32_t bitsOf(float f) {
   return b;
 }
 
-float floatOf(uint32_t b) {
-  float f;
-  std::memcpy(&f, &b, 4);
-  return f;
-}
-
 template <class T>
 std::vector<unsigned char> bytesOf(std::vector<T> const& v) {
   std::vector<unsigned char> b(v.size() * sizeof(T));
@@ -55,28 +49,16 @@ std::vector<D> convert(std::vector<S> const& in, int sType, int dType, int flags
   return out;
 }
 
-// nint as the C library states it: round (halves away from zero), then the
-// saturation and NaN rule.
-long long referenceRound(double x, long long lo, long long hi) {
-  if (std::isnan(x)) return 0;
-  double const r = std::round(x);
-  if (r <= static_cast<double>(lo)) return lo;
-  if (r >= static_cast<double>(hi)) return hi;
-  return static_cast<long long>(r);
-}
-
 uint64_t lcg(uint64_t& state) {
   state = state * 6364136223846793005ULL + 1442695040888963407ULL;
   return state;
 }
 
-TEST(vUtlNint, RoundsHalvesAwayFromZero) {
+// Halves away from zero, saturation at the limits, NaN to zero.
+TEST(vUtlNint, RoundsSaturatesAndMapsNaNToZero) {
   EXPECT_EQ(0, vUtl::nint(0.49999999999999994));  // naive x + 0.5 gives 1
   EXPECT_EQ(4503599627370496LL, vUtl::nint64(4503599627370495.5));  // 2^52 - 0.5
   EXPECT_EQ(-3LL, vUtl::nint64(-2.5));
-}
-
-TEST(vUtlNint, SaturatesAndMapsNaNToZero) {
   double const inf = std::numeric_limits<double>::infinity();
   double const nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(INT32_MAX, vUtl::nint(1e10));
@@ -87,17 +69,6 @@ TEST(vUtlNint, SaturatesAndMapsNaNToZero) {
   EXPECT_EQ(INT64_MAX, vUtl::nint64(9.3e18));
   EXPECT_EQ(INT64_MIN, vUtl::nint64(-9223372036854775808.0));
   EXPECT_EQ(0LL, vUtl::nint64(nan));
-}
-
-TEST(vUtlNint, AgreesWithTheLibraryRoundingOverManyValues) {
-  uint64_t state = 99;
-  for (int i = 0; i < 200000; ++i) {
-    uint64_t const r = lcg(state);
-    // Magnitudes up to about 2^40, with halves and near-halves well mixed.
-    double const x = static_cast<double>(static_cast<int64_t>(r) >> 22) / static_cast<double>(1 << (r & 7));
-    ASSERT_EQ(referenceRound(x, INT32_MIN, INT32_MAX), vUtl::nint(x)) << x;
-    ASSERT_EQ(referenceRound(x, INT64_MIN, INT64_MAX), vUtl::nint64(x)) << x;
-  }
 }
 
 TEST(vUtlCopyConvert, IntegersNarrowByLowBitsOrSaturateWhenClipped) {
@@ -318,31 +289,6 @@ TEST(vUtlIbmFloat, RangeAndPrecisionLimits) {
   // Infinities become the largest IBM magnitude; NaN becomes zero.
   EXPECT_EQ(0x7FFFFFFFu, toIbm(0x7F800000u));
   EXPECT_EQ(0x00000000u, toIbm(0x7FC00000u));
-}
-
-TEST(vUtlIbmFloat, RoundTripsEveryFloatExactly) {
-  // Every float survives IEEE -> IBM -> IEEE when its last bits fit the IBM
-  // fraction, and otherwise comes back within the lost bits; the IBM side
-  // always has at least 21 bits, so the relative error is at most 2^-21.
-  uint64_t state = 3;
-  std::vector<uint32_t> floats;
-  for (int i = 0; i < 100000; ++i) {
-    uint32_t b = static_cast<uint32_t>(lcg(state) >> 32);
-    if ((b & 0x7F800000u) == 0x7F800000u) continue;
-    floats.push_back(b);
-  }
-  std::vector<uint32_t> ibm(floats.size());
-  std::vector<uint32_t> back(floats.size());
-  vUtl::ieeeToIbm(floats.data(), ibm.data(), floats.size(), false);
-  vUtl::ibmToIeee(ibm.data(), back.data(), floats.size(), false);
-  for (std::size_t k = 0; k < floats.size(); ++k) {
-    double const want = floatOf(floats[k]);
-    double const got = floatOf(back[k]);
-    if ((floats[k] & 7u) == 0 && (floats[k] & 0x7F800000u) != 0) {
-      ASSERT_EQ(floats[k], back[k]) << k;  // 21 bits always fit
-    }
-    ASSERT_LE(std::fabs(got - want), std::fabs(want) * std::ldexp(1.0, -21) + 1e-45) << k;
-  }
 }
 
 TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {

@@ -38,14 +38,6 @@ TEST(vUtlFormat, Int64ConversionsReadALongLong) {
   EXPECT_EQ(s, "6000000000");
 }
 
-TEST(vUtlFormat, ListIsARange) {
-  EXPECT_FALSE(vUtl::isListARange({}));
-  EXPECT_TRUE(vUtl::isListARange({3, 4, 5, 6}));
-  EXPECT_FALSE(vUtl::isListARange({3, 4, 4, 5}));
-  EXPECT_FALSE(vUtl::isListARange({6, 5}));
-  EXPECT_FALSE(vUtl::isListARange({0xFFFFFFFFu, 0u}));
-}
-
 TEST(vUtlEnv, GetPutAndHome) {
   vString value("stale");
   ::unsetenv("RONDO_VUTL_TEST");
@@ -66,19 +58,4 @@ TEST(vUtlEnv, GetPutAndHome) {
   ::unsetenv("HOME");
   EXPECT_FALSE(vUtl::homeDirectory().isBlank());
   if (old) ::setenv("HOME", saved.c_str(), 1);
-}
-
-TEST(vUtlEnv, HostNameIsCutAtTheFirstDot) {
-  char raw[256];
-  ASSERT_EQ(0, ::gethostname(raw, sizeof raw));
-  std::string expected(raw);
-  expected = expected.substr(0, expected.find('.'));
-  EXPECT_EQ(vUtl::gethostname(), expected.c_str());
-  char buffer[256];
-  ASSERT_TRUE(vUtl::gethostname(buffer, sizeof buffer));
-  EXPECT_EQ(expected, buffer);
-  char tiny[3];
-  ASSERT_TRUE(vUtl::gethostname(tiny, sizeof tiny));
-  EXPECT_EQ(expected.substr(0, 2), tiny);
-  EXPECT_FALSE(vUtl::gethostname(tiny, 0));
 }
