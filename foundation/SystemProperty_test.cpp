@@ -5,11 +5,8 @@
 #include <sstream>
 #include <string>
 
-#include "foundation/Message.h"
-#include "foundation/MessageHandling.h"
 #include "foundation/SystemFileLoader.h"
 #include "foundation/SystemPropertyEnvironment.h"
-#include "foundation/SystemPropertyLoader.h"
 #include "foundation/SystemPropertyManager.h"
 #include "foundation/SystemPropertyTable.h"
 #include "foundation/TestReleaseTree.h"
@@ -37,14 +34,12 @@ std::string record(char const* section, char const* name, char const* value) {
 class RecordingLoader : public SystemFileLoader {
  public:
   std::string contents;
-  std::string text;
 
  protected:
-  void doLoad(std::istream& in, vString const& t) override {
+  void doLoad(std::istream& in, vString const&) override {
     std::ostringstream all;
     all << in.rdbuf();
     contents = all.str();
-    text = str(t);
   }
 };
 
@@ -86,29 +81,12 @@ TEST(SystemProperty, CopyCompareAndSetComponents) {
   EXPECT_TRUE(a < c);
 }
 
+// Unquoted values run to the next keyword; a keyword may carry its value in
+// the same token.
 TEST(SystemPropertyRecord, UnquotedValuesRunToTheNextKeyword) {
-  // One keyword to a line, as a site writes a table by hand.
-  SystemProperty p = readOne(
-      "<SystemProperty\n"
-      "name= PING\n"
-      "package= UTL\n"
-      "description= the ping  command, with\ttabs \n"
-      "value= vping -c 1 %s\n"
-      "value= second one\n"
-      "SystemProperty>\n");
-  EXPECT_EQ(p, SystemProperty("utl", "ping", "the ping  command, with\ttabs", {"vping -c 1 %s", "second one"}));
-
-  // On one line the next keyword ends the value; the keyword may carry its
-  // value in the same token.
-  p = readOne("<SystemProperty name=Verbose package=commchan description= trace it value=yes please "
-              "value= \"x y\" value= 3 SystemProperty>");
+  SystemProperty p = readOne("<SystemProperty name=Verbose package=commchan description= trace it value=yes please "
+                             "value= \"x y\" value= 3 SystemProperty>");
   EXPECT_EQ(p, SystemProperty("commchan", "verbose", "trace it", {"yes please", "x y", "3"}));
-
-  // A value on the line after its keyword is still its value.
-  p = readOne("<SystemProperty name=\n  a package= b value=\n  c d\nSystemProperty>");
-  ASSERT_EQ(1, p.getNValues());
-  EXPECT_EQ("c d", str(p.getValue(0)));
-
   // Expansion works on the whole value.
   TestReleaseTree tree;
   tree.setEnv("SPTEST_PORT", "9000");
