@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <thread>
-#include <vector>
 
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"

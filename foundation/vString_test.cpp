@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "foundation/TestAddressSpaceCap.h"
 #include "foundation/TestFailure.h"

@@ -1,13 +1,8 @@
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <new>
-#include <string>
 
-#include "foundation/vString.h"
 #include "foundation/vUtl.h"
 
 TEST(vUtlSignalsDeathTest, EachSignalEndsTheProcessItsOwnWay) {
