@@ -231,10 +231,6 @@ TEST(SystemPropertyEnvironment, NameAndValues) {
   EXPECT_EQ("verbose=yes", str(p.getValue(0)));
   EXPECT_EQ("filename=/tmp/a b", str(p.getValue(1)));
 
-  tree.setEnv("SP_COMMCHAN_EMPTY", "");
-  EXPECT_TRUE(SystemPropertyEnvironment::hasSystemProperty("commchan", "empty"));
-  EXPECT_EQ(0, SystemPropertyEnvironment::getSystemProperty("commchan", "empty").getNValues());
-
   tree.unsetEnv("SP_COMMCHAN_NONE");
   EXPECT_FALSE(SystemPropertyEnvironment::hasSystemProperty("commchan", "none"));
   expectFatal([] { SystemPropertyEnvironment::getSystemProperty("commchan", "none"); },

@@ -62,7 +62,6 @@ TEST(vIni, LineRules) {
   EXPECT_EQ(" resumed", str(ini.getString("Main", "LATE")));
   EXPECT_FALSE(ini.doesKeyExist("main", "; indented comment"));
   EXPECT_EQ(7, ini.getNKeys("main"));
-  EXPECT_EQ(1, ini.getNKeys("other"));
   EXPECT_TRUE(ini.doesSectionExist("OTHER"));
   EXPECT_EQ("fallback", str(ini.getString("absent", "x", "fallback")));
 }

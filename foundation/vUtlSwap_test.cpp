@@ -88,10 +88,8 @@ TEST(vUtlSwap, GroupedStridedCopy) {
   // Equal strides with gaps, in place: the gaps stay.
   Bytes gaps = pattern(12 * 4, 9);
   Bytes gapsExpected = gaps;
-  for (int r = 0; r < 4; ++r) {
-    Bytes const one4(gaps.begin() + r * 12, gaps.begin() + r * 12 + 4);
-    for (int k = 0; k < 4; ++k) gapsExpected[r * 12 + k] = one4[3 - k];
-  }
+  for (int r = 0; r < 4; ++r)
+    for (int k = 0; k < 4; ++k) gapsExpected[r * 12 + k] = gaps[r * 12 + 3 - k];
   vUtl::swapBytes(gaps.data(), 4, 12, 4, 1, gaps.data(), 12);
   EXPECT_EQ(gaps, gapsExpected);
 }
