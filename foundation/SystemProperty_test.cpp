@@ -146,11 +146,6 @@ TEST(SystemFileLoader, WorkingDirectoryFirstThenSystemFiles) {
   loader.load("Release.txt", "");
   EXPECT_EQ("release only", loader.contents);
   EXPECT_EQ(tree.systemFilesDir() + "Release.txt", str(loader.getPath()));
-
-  std::string absolute = tree.root() + "/elsewhere.txt";
-  TestReleaseTree::write(absolute, "absolute");
-  loader.load(absolute.c_str(), "");
-  EXPECT_EQ("absolute", loader.contents);
 }
 
 TEST(SystemFileLoader, MissingFileIsFatal) {

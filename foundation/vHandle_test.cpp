@@ -107,10 +107,6 @@ TEST_F(vHandleTest, DeletionPolicies) {
     vHandle<char> c(raw, vHandleEnum::FreeC);
     EXPECT_STREQ("malloced", c.get());
   }
-  {
-    // An unknown policy behaves as a plain delete.
-    vHandle<Counted> odd(new Counted, static_cast<vHandleEnum::DeletionPolicy>(9));
-  }
   EXPECT_EQ(0, Counted::alive);
 }
 
