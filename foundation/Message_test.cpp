@@ -10,7 +10,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "foundation/ExceptionErrorHandler.h"
 #include "foundation/LogErrorHandler.h"
@@ -24,21 +23,16 @@
 
 namespace {
 
-// Remembers what reaches it, then passes on (or not, when it is last).
+// Counts what reaches it, then passes on (or not, when it is last).
 class RecordingHandler : public ErrorHandler {
  public:
   explicit RecordingHandler(ErrorHandler* next = nullptr) : ErrorHandler(next) {}
-  std::vector<std::string> seen;
+  int seen = 0;
 
  protected:
-  void doFatal(char const* label, int code, char const* text) override { record("F", label, code, text); }
-  void doError(char const* label, int code, char const* text) override { record("E", label, code, text); }
-  void doInfo(char const* label, int code, char const* text) override { record("I", label, code, text); }
-
- private:
-  void record(char const* kind, char const* label, int code, char const* text) {
-    seen.push_back(std::string(kind) + "|" + label + "|" + std::to_string(code) + "|" + text);
-  }
+  void doFatal(char const*, int, char const*) override { ++seen; }
+  void doError(char const*, int, char const*) override { ++seen; }
+  void doInfo(char const*, int, char const*) override { ++seen; }
 };
 
 // Raises a second fatal message from within the first.
@@ -160,7 +154,7 @@ TEST(MessageHandlers, TracebackHandlerPrintsTheStackBeforePassingOn) {
   trace.setNext(nullptr);
   EXPECT_NE(std::string::npos, err.find("----- stack -----")) << err;
   EXPECT_EQ(err.find("----- stack -----"), err.rfind("----- stack -----")) << err;
-  ASSERT_EQ(2u, tail.seen.size());
+  EXPECT_EQ(2, tail.seen);
 }
 
 TEST(MessageHandlers, TracebackVariableWrapsInstalledHandlersOnce) {
@@ -182,10 +176,10 @@ TEST(MessageHandlers, TracebackVariableWrapsInstalledHandlersOnce) {
           Message::fatal("W::w", 0, "wrapped");
         } catch (UtlExcept const&) {
         }
-        if (h->seen.size() != 1) std::exit(6);
+        if (h->seen != 1) std::exit(6);
         r->uninstall(h);
         if (r->getCurrentHandler() != nullptr) std::exit(7);
-        if (h->seen.size() != 1 || h->getNext() == nullptr) std::exit(8);
+        if (h->seen != 1 || h->getNext() == nullptr) std::exit(8);
         std::fprintf(stderr, "checked\n");
         std::exit(0);
       },
