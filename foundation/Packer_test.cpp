@@ -336,7 +336,6 @@ TEST_F(PackerTest, ReceivedBodyGrowsWithWhatArrives) {
   EXPECT_TRUE(in.isSwapped());
   EXPECT_EQ(in.getMessageTag(), 21);
   readAll(in, big);
-  // A message without a body.
   Packer none(0);
   receiveInPieces(none, message({}, 4), 10);
   EXPECT_EQ(none.getState(), Packer::PACKUNPACKING);

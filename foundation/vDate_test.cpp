@@ -84,7 +84,6 @@ TEST(vDateFormat, SetFormattedRoundTripsErrorsAndMonthNames) {
   d.setFormatted(vDate::formatRONDO, vString("01-dec-2001 00:00:00"));
   EXPECT_EQ(12, d.getMonth());
 
-  // Errors, and the month names.
   d = vDate(kSample, false);
   struct Case {
     int format;
@@ -146,7 +145,6 @@ TEST(vDateRanges, SettersLeaveOtherFieldsAloneAndInvalidDates) {
   invalid.setLocalTime(false);
   invalid.set(0, 0, 0, 2, 1, 1970);
   EXPECT_EQ(86400L, invalid.getSeconds());
-  // Invalid dates.
   EXPECT_EQ(vDate(vDate::Invalid).getFormatted(vDate::formatLONG), "");
   EXPECT_FALSE(vDate(-5L).isValid());
   vDate c(kSample, false);

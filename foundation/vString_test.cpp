@@ -107,7 +107,6 @@ TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
     EXPECT_TRUE(*c.right != '\0' || right.isSharedEmpty()) << c.text;
     EXPECT_TRUE(*c.left != '\0' || left.isSharedEmpty()) << c.text;
   }
-  // The one-character forms.
   vString left, right;
   EXPECT_TRUE(vString("a:b").splitAtToken(left, right, ':'));
   EXPECT_EQ(right, "b");

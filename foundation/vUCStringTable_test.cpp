@@ -39,7 +39,6 @@ TEST(vUCStringTable, ExistsAndUnknownNames) {
   EXPECT_EQ(nullptr, found);
   expectFailure([&] { t.getID(vUCString("y_coord")); }, "vUCStringTableIDTable::getID",
                 "The string 'Y_COORD' is not within the table!");
-  // The dump lists id and name.
   t.add("b");
   ::testing::internal::CaptureStdout();
   t.dumpTable();

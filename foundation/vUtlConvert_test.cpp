@@ -141,7 +141,6 @@ TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
       std::vector<float> floats(n);
       for (float& f : floats) f = static_cast<float>(static_cast<int32_t>(lcg(state) >> 40)) / 4.0f;
       std::vector<unsigned char> in(offset + n * 4);
-      // float32 -> int32 rounding, swapped, and in place
       for (bool swap : {false, true}) {
         std::vector<unsigned char> const src = swap ? swappedBytesOf(floats) : bytesOf(floats);
         std::copy(src.begin(), src.end(), in.begin() + offset);

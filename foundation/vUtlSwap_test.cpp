@@ -80,7 +80,6 @@ TEST(vUtlSwap, GroupedStridedCopy) {
   for (unsigned r = 0; r < nRecords; ++r)
     EXPECT_EQ(0, std::memcmp(back.data() + r * recordLength + 6, records.data() + r * recordLength + 6, 12));
 
-  // The contiguous case in place.
   Bytes run = pattern(2 * 100, 5);
   Bytes const expected = reference(run, 0, 2, 100);
   vUtl::swapBytes(run.data(), 2, 20, 10, 10, run.data(), 20);

@@ -65,7 +65,6 @@ TEST(vUtlSystem, DomainMachineAndIPAddress) {
     EXPECT_EQ("vUtl::getDomainName", str(e.getMethod()));
     EXPECT_EQ(0u, std::string(e.getReason().c_str()).find("Unable to get domain name, errno="));
   }
-  // The address of a host.
   EXPECT_EQ("127.0.0.1", str(vUtl::getIPAddress("localhost")));
   expectFailure([] { vUtl::getIPAddress(""); }, "vUtl::getIPAddress",
                 "Unable to get host 's IP Address. Check host spelling, watch out for l instead of 1 in host name.");
