@@ -31,8 +31,6 @@ TEST(vUtlSystem, ReleaseTreeFromTheEnvironment) {
   EXPECT_EQ("/opt/cor/rondolite/", str(vUtl::releaseDirectory()));
   tree.setEnv("RELEASE", "r42");
   EXPECT_EQ("/opt/cor/r42/rondolite/", str(vUtl::releaseDirectory()));
-  tree.setEnv("RLITE", "/opt/lite/");
-  EXPECT_EQ("/opt/lite/r42/rondolite/", str(vUtl::releaseDirectory()));
   tree.setEnv("VREL", "/opt/rel");
   EXPECT_EQ("/opt/rel/", str(vUtl::releaseDirectory()));
   tree.setEnv("VREL", "/opt/rel/");
