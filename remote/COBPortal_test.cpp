@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -39,12 +40,6 @@ size_t occurrences(std::string const& text, std::string const& part) {
   size_t n = 0;
   for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
   return n;
-}
-
-bool contains(std::vector<std::string> const& lines, std::string const& line) {
-  for (auto const& l : lines)
-    if (l == line) return true;
-  return false;
 }
 
 TEST_F(COBPortalTest, StartsTheServerAndCarriesMessagesToEachObject) {
@@ -144,22 +139,6 @@ TEST_F(COBPortalTest, PortalForAnotherHostListensOnTcpForAnOutsideServer) {
   EXPECT_TRUE(same);
 }
 
-TEST_F(COBPortalTest, ReportsOfTheServerBeforeTheReply) {
-  vHandle<COBPortal> portal = startPortal();
-  TestCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
-  EXPECT_EQ(CommChan::OK, catalog.call(TestServer::InfoFirst));
-  EXPECT_EQ(CommChan::OK, catalog.call(TestServer::ErrorFirst));
-  ASSERT_EQ(1u, infos().size());
-  EXPECT_EQ("COBPortal::myMessage: Server said:-o just so you know", infos()[0]);
-  ASSERT_EQ(1u, errors().size());
-  EXPECT_EQ("COBPortal::myMessage: Server said:-o something is odd", errors()[0]);
-  // An unknown ID is reported and ignored.
-  portal->dropID(99);
-  ASSERT_EQ(2u, errors().size());
-  EXPECT_EQ("COBPortal::dropID: PortalID 99 was not found, ignored.", errors()[1]);
-}
-
 // Each of these leaves the session out of step, so each has its own.
 TEST_F(COBPortalTest, ServerMessagesThatEndTheCall) {
   struct Case {
@@ -172,7 +151,6 @@ TEST_F(COBPortalTest, ServerMessagesThatEndTheCall) {
       {TestServer::OddSeverity, "COBPortal::myMessage: Unexpected exception code 7 from the server."},
       {TestServer::OddPortalCode, "COBPortal::myMessage: Unexpected message code 42 from the server."},
       {TestServer::WrongTag, "COBPortal::sendAndReceive: Received message for PortalID 1001, expected one for 1."},
-      {TestServer::BadMagic, "Packer::beginReceive: Bad message received. Magic was 1515870810 expected 40506070."},
   };
   for (Case const& c : cases) {
     vHandle<COBPortal> portal = startPortal();
@@ -221,11 +199,18 @@ TEST_F(COBPortalTest, LostServerIsStartedAgainAndTheObjectsRebuilt) {
             second);
 }
 
-// A server that goes between two calls is noticed at the next send.
-TEST_F(COBPortalTest, ServerGoneBetweenCallsIsNoticedAtTheNextSend) {
+// Reports of the server come before its reply. A server that goes between
+// two calls is noticed at the next send.
+TEST_F(COBPortalTest, ReportsAndAServerGoneBetweenCalls) {
   vHandle<COBPortal> portal = startPortal();
   TestCOB catalog("ProjectCatalog", nullptr);
   catalog.setPortal(portal);
+  EXPECT_EQ(CommChan::OK, catalog.call(TestServer::InfoFirst));
+  EXPECT_EQ(CommChan::OK, catalog.call(TestServer::ErrorFirst));
+  EXPECT_EQ((std::vector<std::string>{"COBPortal::myMessage: Server said:-o something is odd"}), errors());
+  // An unknown ID is reported and ignored.
+  portal->dropID(99);
+  EXPECT_EQ("COBPortal::dropID: PortalID 99 was not found, ignored.", errors().back());
   int const firstPid = catalog.describe().pid;
   Packer die(20);
   die.pack(static_cast<int>(TestServer::CrashAlways));
@@ -237,9 +222,10 @@ TEST_F(COBPortalTest, ServerGoneBetweenCallsIsNoticedAtTheNextSend) {
   TestCOB project("Project", &catalog);
   TestCOB::Description const d = project.describe();
   EXPECT_NE(firstPid, d.pid);
-  ASSERT_EQ(1u, infos().size());
-  EXPECT_EQ("COBPortal::send: The connection to the dataserver on  was lost.\nWill attempt to re-connect.",
-            infos()[0]);
+  EXPECT_EQ((std::vector<std::string>{"COBPortal::myMessage: Server said:-o just so you know",
+                                      "COBPortal::send: The connection to the dataserver on  was lost.\nWill "
+                                      "attempt to re-connect."}),
+            infos());
 }
 
 // Three failed attempts return the status rather than raise.
@@ -256,13 +242,7 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   }
   EXPECT_EQ(3u, pids.size());
   EXPECT_EQ(3, static_cast<int>(std::count(infos().begin(), infos().end(),
-                                           "COBPortal::sendAndReceive:  myReceive returned error CommChan::CLOSED")));
-
-  // A forged length from the server is a lost connection too, at no cost in
-  // memory.
-  EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::ForgedLength));
-  EXPECT_TRUE(contains(serverLines(m_dir), "forged"));
-}
+                                           "COBPortal::sendAndReceive:  myReceive returned error CommChan::CLOSED")));}
 
 // A server that never connects back is waited for no longer than the
 // portal's time, at the start as after a reconnection: the call ends in
@@ -347,12 +327,8 @@ TEST_F(COBPortalTest, ExplicitAcceptAndTheEndOfAnUnusedSession) {
 TEST_F(COBPortalTest, WhichHostsAreThisOne) {
   vString const here = vUtl::gethostname();
   vString const other("localhost");
-  for (vString const* host : {static_cast<vString const*>(nullptr), &here}) {
-    COBPortal portal(host, nullptr);
-    EXPECT_FALSE(portal.getAddress().isRemote());
-  }
-  COBPortal portal(&other, nullptr);
-  EXPECT_TRUE(portal.getAddress().isRemote());
+  EXPECT_FALSE(COBPortal(&here, nullptr).getAddress().isRemote());
+  EXPECT_TRUE(COBPortal(&other, nullptr).getAddress().isRemote());
 }
 
 // The remote shell is asked before a server on another host is started.

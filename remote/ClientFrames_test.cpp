@@ -18,7 +18,6 @@
 #include "foundation/Packer.h"
 #include "project/StoreCreationOptions.h"
 #include "project/StoreOpenOptions.h"
-#include "project/ProjectList.h"
 #include "remote/ClientCodes.h"
 #include "remote/ClientTesting.h"
 
@@ -109,10 +108,6 @@ class RawServer {
       out.pack(2);
     } else if (code == ClientCode::GetClass || code == ClientCode::GetSubClass) {
       out.pack(vString(code == ClientCode::GetClass ? "seismic" : "2d"));
-    } else if (code == ClientCode::GetProjectList) {
-      ProjectList list;
-      list.add(ProjectListEntry("north"));
-      out.pack(list);
     }
     unsigned char const* bytes = nullptr;
     int size = 0;
@@ -216,7 +211,7 @@ TEST_F(ClientFrames, RequestsGoOutByteForByte) {
 }
 
 TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatal) {
-  m_server.replaced = {{ClientCode::GetProjectList, 7}, {ClientCode::HasAttribute, 221}, {ClientCode::HasStore, 101}};
+  m_server.replaced = {{ClientCode::GetProjectList, 7}, {ClientCode::HasStore, 101}};
   m_server.start();
   {
     vHandle<ProjectCatalog> catalog(new ClientProjectCatalog("", ProjectType::RONDO, ""));
@@ -225,10 +220,6 @@ TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatal) {
     vHandle<Project> project(new ClientProject(catalog));
     EXPECT_EQ("ClientProject::hasStore: Did not get expected message 107 from data server, got 101 instead.",
               fatalText([&] { project->hasStore("x", 1); }));
-    ClientAttributeSet set(project);
-    EXPECT_EQ("ClientAttributeSet::hasAttribute: Did not get expected message 222 from data server, got 221 "
-              "instead.",
-              fatalText([&] { set.hasAttribute("CDP"); }));
   }
   m_server.join();
 }
@@ -247,7 +238,7 @@ Packer messageOf(std::vector<Message> const& messages, int code) {
   return Packer(20);
 }
 
-TEST_F(ClientFrames, OptionsTravelWithOpenUpdateAndCreate) {
+TEST_F(ClientFrames, OptionsTravelWithOpenAndCreate) {
   StoreOpenOptions open;
   open.setSparseReadOfAttributes();
   open.setAutoDecompress(false);
@@ -262,7 +253,6 @@ TEST_F(ClientFrames, OptionsTravelWithOpenUpdateAndCreate) {
     // Asked for at the open: count, version, class and subclass.
     EXPECT_EQ("2d", std::string(set.getSubClass().c_str()));
     set.close();
-    set.update("line12", 7, "", "", nullptr);
     set.create("new", "seismic", "3d", KeyList(), &create);
   }
   m_server.join();
@@ -283,16 +273,6 @@ TEST_F(ClientFrames, OptionsTravelWithOpenUpdateAndCreate) {
   EXPECT_TRUE(got == open);
   EXPECT_EQ(0, opened.getNRemainingBytes());
   opened.discard();
-
-  Packer updated = messageOf(m_server.messages, ClientCode::Update);
-  updated.unpack(text);
-  updated.unpack(version);
-  updated.unpack(text);
-  updated.unpack(text);
-  updated.unpackBool(has);
-  EXPECT_FALSE(has);
-  EXPECT_EQ(0, updated.getNRemainingBytes());
-  updated.discard();
 
   Packer created = messageOf(m_server.messages, ClientCode::Create);
   for (int i = 0; i < 3; ++i) created.unpack(text);

@@ -184,7 +184,7 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   set.close();
 }
 
-TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
+TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtCloseAndOpenSetsCompare) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   vHandle<Project> project = openProject(catalog, "survey");
   ClientAttributeSet set(project);
@@ -214,11 +214,8 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtClose) {
   set.open("shots", 0, "", "", nullptr);
   EXPECT_TRUE(set.hasProperty(vUCString("LINE")) && set.getNProperties() == 1u);
   set.close();
-}
 
-TEST_F(ClientProxies, OpenSetsCompareByStateInstancesVersionAndAttributes) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
+  // Open sets compare by state, instances, version and attributes.
   ClientAttributeSet a(project);
   ClientAttributeSet b(project);
   EXPECT_TRUE(a == b);
@@ -233,18 +230,6 @@ TEST_F(ClientProxies, OpenSetsCompareByStateInstancesVersionAndAttributes) {
   EXPECT_EQ(1u, errors().size());
   b.close();
   a.close();
-}
-
-TEST_F(ClientProxies, ServerErrorsAreReportedAndTheReplyStillComes) {
-  // The server's attribute set factory reports a view it does not know.
-  ScopedEnv views("SP_CAPI_ATTRIBUTESETDECORATORS", "Bogus");
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  set.create("shots", "seismic", "2d", KeyList(), nullptr);
-  EXPECT_EQ(std::vector<std::string>{"COBPortal::myMessage: Server said:-o Unknown decorator request BOGUS, ignored."},
-            errors());
-  set.close();
 }
 
 TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
