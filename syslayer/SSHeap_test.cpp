@@ -34,17 +34,14 @@ std::string text(int32_t id, int32_t ordinal, int32_t length) {
 
 TEST(SSHeapDeathTest, MachineTypeComesFromTheEnvironmentAtTheFirstInit) {
   ::testing::FLAGS_gtest_death_test_style = "threadsafe";
-  for (auto const& [machine, value] : std::vector<std::pair<char const*, int>>{{"convex", 2}, {"x86", 0}}) {
-    EXPECT_EXIT(
-        {
-          setenv("MACHINE", machine, 1);
-          int32_t r;
-          ss_init_(r);
-          std::exit(ss_[r + 3] == value ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "")
-        << machine;
-  }
+  EXPECT_EXIT(
+      {
+        setenv("MACHINE", "convex", 1);
+        int32_t r;
+        ss_init_(r);
+        std::exit(ss_[r + 3] == 2 ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
 }
 
 TEST(SSHeap, StructuresSlotsAndTypes) {
