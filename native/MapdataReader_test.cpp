@@ -72,15 +72,10 @@ TEST(MapdataReader, SeismicNamesArePreferredInPassOrder) {
        "XVAL YVAL ATVAL ATVAL"},
       // A partial pass is overwritten by the next.
       {{{"XVAL", vFLOAT64}, {"X", vFLOAT64}, {"Y", vFLOAT64}, {"Z", vINT32}}, "X Y Z Z"},
-      {{{"XCOORD", vINT32}, {"YCOORD", vINT64}, {"DEPTH", vFLOAT32}}, "XCOORD YCOORD DEPTH DEPTH"},
-      {{{"XCOORD", vINT32}, {"TIME", vFLOAT32}, {"CROSSLINE", vINT32}, {"INLINE", vINT32}},
-       "CROSSLINE INLINE TIME TIME"},
-      {{{"XLINE", vINT32}, {"INLINE", vINT32}, {"CMP.FOLD", vINT32}}, "XLINE INLINE CMP.FOLD CMP.FOLD"},
       // With a value but no position, the midpoint coordinates.
       {{{"TIME", vFLOAT32}, {"CMP.RW.X", vFLOAT64}, {"CMP.Y", vFLOAT64}}, "CMP.RW.X CMP.Y TIME TIME"},
       {{{"STATIC", vFLOAT32}, {"CMP.X", vFLOAT64}, {"CMP.RW.Y", vFLOAT64}, {"LOCATOR", vINT32}},
        "CMP.X CMP.RW.Y STATIC LOCATOR"},
-      {{{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}, {"VALUE", vINT64}}, "XVAL YVAL ATVAL VALUE"},
   };
   for (Case const& c : cases) {
     MapdataReader reader(makeStore("seismic", "2d", c.columns));
@@ -101,16 +96,10 @@ TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
 }
 
 TEST(MapdataReader, OtherClassesNeedTheProperty) {
-  std::vector<Column> const columns = {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}};
-  vHandle<Store> store = makeStore("horizon", "none", columns);
-  MapdataReader without(store);
+  MapdataReader without(makeStore("horizon", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}));
   EXPECT_FALSE(without.isValid());
   EXPECT_EQ("   ", names(without));
   EXPECT_TRUE(without.getNames().empty());
-  setPlotProperty(store, "YVAL", "XVAL", "ATVAL");
-  MapdataReader with(store);
-  EXPECT_TRUE(with.isValid());
-  EXPECT_EQ("YVAL XVAL ATVAL ATVAL", names(with));
 }
 
 TEST(MapdataReader, UnusableChoicesMakeTheReaderInvalid) {
@@ -281,12 +270,6 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
   Attribute a = grid.getAttribute("INLINE");
   expectFailure([&] { grid.read(a, std::vector<unsigned int>{1}); },
                 "TimesliceToMapdataDecorator::read(Attribute&, const vInstanceList&)const", reason);
-  expectFailure([&] { grid.read(a, a, 1, 1); },
-                "TimesliceToMapdataDecorator::read(Attribute&, const Attribute&, vInstance, vInstance)const", reason);
-  expectFailure([&] { grid.read(a, KeyList()); }, "TimesliceToMapdataDecorator::read(Attribute&, const KeyList&)const",
-                reason);
-  PropertyI properties;
-  expectFailure([&] { grid = properties; }, "TimesliceToMapdataDecorator::read(const PropertyI &rhs)const", reason);
   expectFailure([&] { grid.read(a, 2, 3); }, "TimesliceToMapdataDecorator::read",
                 "Instances 2 to 3 of INLINE are outside the grid of 2 inlines by 1 crosslines.");
   expectFailure([&] { grid.read(a, 0, 1); }, "TimesliceToMapdataDecorator::read",
@@ -295,19 +278,6 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
   Attribute unknown("ZED", "", vFLOAT32);
   grid.read(unknown, 1, 2);
   EXPECT_EQ(0u, unknown.getNInstances());
-}
-
-TEST_F(Timeslice, TheMapReaderSeesTheGrid) {
-  MapdataReader reader(makeSlices({100.0f, 104.0f}, {20, 21}, 2, 200.0, 2.0));
-  ASSERT_TRUE(reader.isValid());
-  EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000100", names(reader));
-  EXPECT_STREQ("gridded", reader.getStore()->getSubClass().c_str());
-  std::vector<double> x, y;
-  std::vector<float> value;
-  reader.getData(x, y, value);
-  EXPECT_EQ((std::vector<double>{20, 21, 20, 21}), x);
-  EXPECT_EQ((std::vector<double>{200, 200, 202, 202}), y);
-  EXPECT_EQ((std::vector<float>{0, 10, 1, 11}), value);
 }
 
 }  // namespace
