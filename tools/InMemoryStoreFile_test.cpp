@@ -1,6 +1,5 @@
 // `rondo info` and `rondo dump` of packed in-memory store files from DemoStores.
 
-#include <algorithm>
 #include <cstdio>
 
 #include <gtest/gtest.h>
@@ -44,13 +43,6 @@ TEST(RondoInMemoryFile, InfoAndDumpGiveTheValuesAsWritten) {
     EXPECT_NE(std::string::npos, tops.out.find(part)) << part << tops.out;
   EXPECT_EQ("1\t1050\t1975\t1207.5\n4\t1200\t1900\t1230\n",
             tool(dir, "dump tops.store XVAL,YVAL,DEPTH | sed -n '1p;4p'").out);
-
-  // Cut inside the store's frame: the Packer's own words, one line.
-  ASSERT_EQ(0, shell(dir, "head -c 60 line12.store > cut.store").status);
-  Outcome const cut = tool(dir, "info cut.store");
-  EXPECT_NE(0, cut.status);
-  EXPECT_EQ(0u, cut.err.find("rondo: cut.store: Bad message received.")) << cut.err;
-  EXPECT_EQ(1, std::count(cut.err.begin(), cut.err.end(), '\n')) << cut.err;
 }
 
 }  // namespace
