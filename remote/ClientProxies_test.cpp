@@ -176,8 +176,7 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   // A name missing from a cached list is asked for, and the list goes.
   set.getAttributeList();
   expected.push_back(ClientCode::GetAttributeList);
-  std::string const missing = fatalText([&] { set.getAttribute("NOPE"); });
-  EXPECT_EQ(0u, missing.find("COBPortal::myMessage: Server said:-o ")) << missing;
+  fatalText([&] { set.getAttribute("NOPE"); });
   EXPECT_EQ(0u, set.getCacheBits() & ClientAttributeSet::AttributeListBit);
   expected.push_back(ClientCode::GetAttribute);
   EXPECT_EQ(expected, requestsTo(3));
