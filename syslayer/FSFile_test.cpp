@@ -176,24 +176,4 @@ TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
     unsetenv("FS_SCRATCHDIR");
 }
 
-TEST(FSFile, TapeImagesReadAsAStreamOfBlocksUpToAMark) {
-  fs_testing::TempDir dir;
-  std::string const name = dir / "t.tap";
-  int id;
-  ASSERT_EQ(FS_opent(name.c_str(), FS_TAPE | FS_CREATE, &id), FS_GOOD);
-  for (std::string const b : {"abc", "defg", "", "hi"}) ASSERT_EQ(FS_writet(id, b.data(), int(b.size())), FS_GOOD);
-  ASSERT_EQ(FS_closet(id), FS_GOOD);
-  FS::iFile f = FS::open(name.c_str(), FS::TapeFile);
-  char buf[16];
-  EXPECT_EQ(f.read(0, buf, 16), 7);
-  EXPECT_EQ(std::string(buf, 7), "abcdefg");
-  EXPECT_EQ(f.getStatus(), FS_EOF);
-  f.clear();
-  EXPECT_EQ(f.read(0, buf, 2), 2);
-  EXPECT_EQ(f.read(0, buf, 2), 0);
-  EXPECT_EQ(f.getStatus(), FS_EOV);
-  f.clear();
-  f.close();
-}
-
 }  // namespace

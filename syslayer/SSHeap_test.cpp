@@ -1,5 +1,3 @@
-#include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -32,18 +30,6 @@ std::string text(int32_t id, int32_t ordinal, int32_t length) {
   return out;
 }
 
-TEST(SSHeapDeathTest, MachineTypeComesFromTheEnvironmentAtTheFirstInit) {
-  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(
-      {
-        setenv("MACHINE", "convex", 1);
-        int32_t r;
-        ss_init_(r);
-        std::exit(ss_[r + 3] == 2 ? 0 : 1);
-      },
-      ::testing::ExitedWithCode(0), "");
-}
-
 TEST(SSHeap, StructuresSlotsAndTypes) {
   int32_t const r = root();
   int32_t const types[] = {SS_INT, SS_FLOAT, SS_DOUBLE, SS_DOUBLE, SS_TEXT, SS_AINT, SS_ATEXT, SS_CODE, SS_STRUCT};
@@ -69,33 +55,6 @@ TEST(SSHeap, StructuresSlotsAndTypes) {
   ss_getdouble_(s, 3, d);
   EXPECT_EQ(d, 2.5e300);
   expectFailure([&] { ss_getnth_(s, 10, v); }, "SS_getnth", "Illegal ordinal");
-  ss_delete_(s);
-}
-
-TEST(SSHeap, TextSlotsAndTheirBlocks) {
-  int32_t const r = root();
-  int32_t const types[] = {SS_TEXT, SS_TEXT};
-  int32_t s;
-  ss_define_(s, r, 2, types);
-  // Never set: blanks.
-  EXPECT_EQ(text(s, 1, 6), "      ");
-  ss_puttext_(s, 2, "hello", 5);
-  int32_t p;
-  ss_getnth_(s, 2, p);
-  int32_t const b = p - 3;
-  EXPECT_EQ(ss_[b], -4);
-  EXPECT_EQ(ss_[b + 1], (5 + 3) / 4 + 4);
-  EXPECT_EQ(ss_[b + 2], s);
-  EXPECT_EQ(ss_[b + 3], 5);
-  EXPECT_EQ(std::memcmp(ss_ + b + 4, "hello", 5), 0);
-  EXPECT_EQ(text(s, 2, 8), "hello   ");
-  // A new text frees the old block first, so a text of that size takes it.
-  ss_puttext_(s, 2, "a longer text", 13);
-  ss_puttext_(s, 1, "again", 5);
-  int32_t p1;
-  ss_getnth_(s, 1, p1);
-  EXPECT_EQ(p1, b + 3);
-  EXPECT_EQ(text(s, 2, 13), "a longer text");
   ss_delete_(s);
 }
 

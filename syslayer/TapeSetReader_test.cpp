@@ -1,6 +1,5 @@
 #include <cctype>
 #include <cstdint>
-#include <cstring>
 #include <list>
 #include <string>
 #include <vector>
