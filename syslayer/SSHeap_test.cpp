@@ -125,13 +125,9 @@ TEST(SSHeap, BadIdsOnlyWithChecking) {
 TEST(SSHeap, TreesDeleteWholeAndLocateByKey) {
   int32_t const r = root();
   int32_t const top[] = {SS_STRUCT, SS_ASTRUCT, SS_INT};
+  int32_t const leaf[] = {SS_INT, SS_TEXT};
   int32_t t;
   ss_define_(t, r, 3, top);
-  int32_t a;
-  int32_t const leaf[] = {SS_INT, SS_TEXT};
-  ss_defnth_(a, t, 1, 2, leaf);
-  ss_putnth_(a, 1, 100);
-  ss_puttext_(a, 2, "a", 1);
   ss_alloc_(t, 2, 3);
   std::vector<int32_t> kids;
   for (int32_t e = 1; e <= 3; ++e) {
@@ -153,7 +149,7 @@ TEST(SSHeap, TreesDeleteWholeAndLocateByKey) {
   EXPECT_EQ(found, 0);
   ss_delete_(t);
   int32_t ok;
-  for (int32_t id : {t, a, kids[0], kids[2]}) {
+  for (int32_t id : {t, kids[0], kids[2]}) {
     ss_verify_(id, ok);
     EXPECT_EQ(ok, 0) << id;
   }
