@@ -180,21 +180,6 @@ class RondoData : public ::testing::Test {
 
 std::string RondoData::s_dir;
 
-// The layout of the whole text is the Java host's; here the statistics of
-// an attribute that has them, the kind of each type, and the grid's
-// position attributes left out.
-TEST_F(RondoData, InfoGivesStatisticsAndKindsByType) {
-  open("info");
-  bool result = false;
-  std::string const printed = info("info", "line", &result);
-  EXPECT_TRUE(result);
-  for (char const* part : {"++++Attribute is: STATIC\n+++++Stats on Attribute is :-3.9,7.25\n"
-                           "addStatisticOnAttribute(STATIC, -3.9, 7.25)\naddAttributeName(STATIC, 2)\n",
-                           "addAttributeName(BIG, 1)\n", "addAttributeName(DBL, 2)\n", "addAttributeName(SHORT, 1)\n"})
-    EXPECT_NE(std::string::npos, printed.find(part)) << part << "\n" << printed;
-  EXPECT_EQ(std::string::npos, printed.find("INLINE")) << printed;
-}
-
 TEST_F(RondoData, LoadIConvertsByTypeFromTheStartOfTheData) {
   open("loadi");
   // 32-bit types as the Java host loads them; the low bits of 64-bit ones.
@@ -252,24 +237,6 @@ TEST_F(RondoData, ArraysTooSmallAreRefused) {
   EXPECT_EQ("RondoLoadAttributeF---------- First trace -3 is before the first!!!!!!!!!!!\n", m_printed);
   // Nothing was written where it fitted either.
   EXPECT_EQ((std::vector<float>{-1, -1, -1, -1}), floats(four));
-}
-
-TEST_F(RondoData, DescriptorsAndSinksWithoutTheirMethodsAnswerFalse) {
-  open("methods");
-  jobject notADescriptor = newObject("java/lang/Object");
-  jobject sink = infoSink();
-  JNIEnv* env = jvm();
-  size_t const stores = map_store.size();
-  EXPECT_FALSE(RONDO_JNI(RondoGetDataInfo)(env, nullptr, notADescriptor, sink));
-  EXPECT_FALSE(RONDO_JNI(RondoLoadAttributeI)(env, nullptr, nullptr, jstr("CDP"), newInts({0})));
-  EXPECT_FALSE(env->ExceptionCheck());
-  EXPECT_EQ(stores, map_store.size());
-  // The store opens before the sink is looked at.
-  EXPECT_FALSE(RONDO_JNI(RondoGetDataInfo)(env, nullptr, descriptor(kServer, "methods", "line"),
-                                           newObject("java/lang/Object")));
-  EXPECT_FALSE(env->ExceptionCheck());
-  EXPECT_EQ(stores + 1, map_store.size());
-  EXPECT_TRUE(map_store["|RONDO|methods|line"]->isOpen());
 }
 
 TEST_F(RondoData, TheFirstOpenerChoosesTheVersion) {
