@@ -322,15 +322,6 @@ TEST_F(COBPortalTest, ExplicitAcceptAndTheEndOfAnUnusedSession) {
             lines);
 }
 
-// This host by its name is this host: a local channel. Any other name,
-// "localhost" among them, is taken for another machine.
-TEST_F(COBPortalTest, WhichHostsAreThisOne) {
-  vString const here = vUtl::gethostname();
-  vString const other("localhost");
-  EXPECT_FALSE(COBPortal(&here, nullptr).getAddress().isRemote());
-  EXPECT_TRUE(COBPortal(&other, nullptr).getAddress().isRemote());
-}
-
 // The remote shell is asked before a server on another host is started.
 TEST_F(COBPortalTest, AnotherHostWhoseRemoteShellDoesNotAnswer) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");

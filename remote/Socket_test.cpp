@@ -288,15 +288,6 @@ TEST_F(SocketTest, ProcessOfAnotherUserIsRefusedFromEitherEnd) {
                                      "Socket::accept: Refused a connection to " + ours + " from user 65534."));
 }
 
-// A channel closed here says so, and does not try to accept.
-TEST_F(SocketTest, ChannelClosedHereIsAStatusNotAFailure) {
-  vHandle<CommChan> server = CommChanMaker::local(nullptr);
-  server->close();
-  char got = 0;
-  EXPECT_EQ(CommChan::CLOSED, server->sendChar8(&got, 1));
-  EXPECT_EQ(CommChan::CLOSED, server->receiveChar8(&got, 1));
-}
-
 // The port range is read once per process: each case runs in a child.
 TEST_F(SocketTest, PortRangeProperty) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
