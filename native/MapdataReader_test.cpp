@@ -227,6 +227,12 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
   Attribute a = grid.getAttribute("INLINE");
   expectFailure([&] { grid.read(a, std::vector<unsigned int>{1}); },
                 "TimesliceToMapdataDecorator::read(Attribute&, const vInstanceList&)const", reason);
+  expectFailure([&] { grid.read(a, a, 1, 1); },
+                "TimesliceToMapdataDecorator::read(Attribute&, const Attribute&, vInstance, vInstance)const", reason);
+  expectFailure([&] { grid.read(a, KeyList()); }, "TimesliceToMapdataDecorator::read(Attribute&, const KeyList&)const",
+                reason);
+  PropertyI properties;
+  expectFailure([&] { grid = properties; }, "TimesliceToMapdataDecorator::read(const PropertyI &rhs)const", reason);
   expectFailure([&] { grid.read(a, 2, 3); }, "TimesliceToMapdataDecorator::read",
                 "Instances 2 to 3 of INLINE are outside the grid of 2 inlines by 1 crosslines.");
   expectFailure([&] { grid.read(a, 0, 1); }, "TimesliceToMapdataDecorator::read",
@@ -235,6 +241,19 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
   Attribute unknown("ZED", "", vFLOAT32);
   grid.read(unknown, 1, 2);
   EXPECT_EQ(0u, unknown.getNInstances());
+}
+
+TEST_F(Timeslice, TheMapReaderSeesTheGrid) {
+  MapdataReader reader(makeSlices({100.0f, 104.0f}, {20, 21}, 2, 200.0, 2.0));
+  ASSERT_TRUE(reader.isValid());
+  EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000100", names(reader));
+  EXPECT_STREQ("gridded", reader.getStore()->getSubClass().c_str());
+  std::vector<double> x, y;
+  std::vector<float> value;
+  reader.getData(x, y, value);
+  EXPECT_EQ((std::vector<double>{20, 21, 20, 21}), x);
+  EXPECT_EQ((std::vector<double>{200, 200, 202, 202}), y);
+  EXPECT_EQ((std::vector<float>{0, 10, 1, 11}), value);
 }
 
 }  // namespace

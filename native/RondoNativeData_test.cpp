@@ -213,7 +213,10 @@ TEST_F(RondoData, LoadFTakesWholeAttributesRangesOrListsOfTraces) {
   EXPECT_EQ((std::vector<float>{5, 5, 5, 5}), floats(kept));
   EXPECT_EQ("", m_printed);
 
-  // Lists are for traces only, by that name exactly.
+  // Ranges and lists are for traces only, by that name exactly.
+  EXPECT_FALSE(loadF("loadf", "line", "trace", values, 0, 2));
+  EXPECT_EQ("RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! \n",
+            m_printed);
   EXPECT_FALSE(loadTab("loadf", "line", "STATIC", newInts({0}), 1, values));
   EXPECT_EQ("RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! \n",
             m_printed);
@@ -235,6 +238,9 @@ TEST_F(RondoData, ArraysTooSmallAreRefused) {
   EXPECT_EQ("RondoLoadAttributeF---------- The array holds 4 values, 5 are needed!!!!!!!!!!!\n", m_printed);
   EXPECT_FALSE(loadF("sizes", "line", "TRACE", newFloats(8), -3, 1));
   EXPECT_EQ("RondoLoadAttributeF---------- First trace -3 is before the first!!!!!!!!!!!\n", m_printed);
+  EXPECT_FALSE(loadTab("sizes", "line", "TRACE", newInts({0}), 2, newFloats(8)));
+  EXPECT_EQ("RondoLoadAttributeFromTabindexF---------- The array holds 1 values, 2 are needed!!!!!!!!!!!\n",
+            m_printed);
   // Nothing was written where it fitted either.
   EXPECT_EQ((std::vector<float>{-1, -1, -1, -1}), floats(four));
 }
@@ -302,8 +308,14 @@ using RondoDataDeathTest = RondoData;
       },                                                                      \
       ::testing::ExitedWithCode(255), literally(text))
 
-// A store of a project never opened, and a failure of an open store.
+// A store that does not open (a load of version 1 where the project has
+// version 3 only; a project never opened), and failures of an open store.
 TEST_F(RondoDataDeathTest, FailuresOfTheStoreEndTheHostWithTheirReport) {
+  EXPECT_HOST_ENDS("gone",
+                   RONDO_JNI(RondoLoadAttributeF)(jvm(), nullptr, descriptor(kServer, "gone", "late"), jstr("TRACE"),
+                                                  newFloats(4), 0, 1),
+                   "Can't open project\nReason: 'Server said:-o Store late version 1 is not in project gone. in method "
+                   "'COBPortal::myMessage'\n");
   EXPECT_HOST_ENDS("",
                    RONDO_JNI(RondoLoadAttributeI)(jvm(), nullptr, descriptor(kServer, "never", "line"), jstr("CDP"),
                                                   newInts({0})),
@@ -313,6 +325,11 @@ TEST_F(RondoDataDeathTest, FailuresOfTheStoreEndTheHostWithTheirReport) {
                                                   newInts({0, 0, 0, 0, 0})),
                    "\n====================== EXCEPTION TRACEBACK =======================\n"
                    "Server said:-o Attribute NOSUCH is not in the AttributeSet line.\n"
+                   "   (Method=COBPortal::myMessage)\n");
+  EXPECT_HOST_ENDS("bad",
+                   RONDO_JNI(RondoLoadAttributeFromTabindexF)(jvm(), nullptr, descriptor(kServer, "bad", "line"),
+                                                              jstr("TRACE"), newInts({5}), 1, newFloats(4)),
+                   "Server said:-o last instance 6 must be <= number of instances 5.\n"
                    "   (Method=COBPortal::myMessage)\n");
 }
 

@@ -204,7 +204,7 @@ TEST_F(ClientFrames, RequestsGoOutByteForByte) {
 }
 
 TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatal) {
-  m_server.replaced = {{ClientCode::GetProjectList, 7}, {ClientCode::HasStore, 101}};
+  m_server.replaced = {{ClientCode::GetProjectList, 7}, {ClientCode::HasAttribute, 221}, {ClientCode::HasStore, 101}};
   m_server.start();
   {
     vHandle<ProjectCatalog> catalog(new ClientProjectCatalog("", ProjectType::RONDO, ""));
@@ -213,6 +213,10 @@ TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatal) {
     vHandle<Project> project(new ClientProject(catalog));
     EXPECT_EQ("ClientProject::hasStore: Did not get expected message 107 from data server, got 101 instead.",
               fatalText([&] { project->hasStore("x", 1); }));
+    ClientAttributeSet set(project);
+    EXPECT_EQ("ClientAttributeSet::hasAttribute: Did not get expected message 222 from data server, got 221 "
+              "instead.",
+              fatalText([&] { set.hasAttribute("CDP"); }));
   }
   m_server.join();
 }

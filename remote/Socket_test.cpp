@@ -288,6 +288,27 @@ TEST_F(SocketTest, ProcessOfAnotherUserIsRefusedFromEitherEnd) {
                                      "Socket::accept: Refused a connection to " + ours + " from user 65534."));
 }
 
+// An accept waits no longer than the misc time-out. One listening channel
+// serves one peer: a further accept drops the first.
+TEST_F(SocketTest, SecondAcceptDropsTheEarlierPeer) {
+  int port = 0;
+  vHandle<CommChan> server = CommChanMaker::remote(port);
+  EXPECT_GE(server->getSize(), Socket::getDefaultBufferSize());
+  EXPECT_STREQ("CommChan::Unknown status", CommChan::status(8));
+  server->setMiscTimeout(0.2f);
+  EXPECT_EQ(CommChan::TIMEOUT, server->accept());
+  vHandle<CommChan> first = CommChanMaker::connect("localhost", port);
+  ASSERT_EQ(CommChan::OK, server->accept());
+  vHandle<CommChan> second = CommChanMaker::connect("localhost", port);
+  ASSERT_EQ(CommChan::OK, server->accept());
+  char byte = 0;
+  EXPECT_EQ(CommChan::CLOSED, first->receiveChar8(&byte, 1));
+  char const z = 'z';
+  ASSERT_EQ(CommChan::OK, server->sendChar8(&z, 1));
+  ASSERT_EQ(CommChan::OK, second->receiveChar8(&byte, 1));
+  EXPECT_EQ('z', byte);
+}
+
 // The port range is read once per process: each case runs in a child.
 TEST_F(SocketTest, PortRangeProperty) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");

@@ -69,6 +69,12 @@ TEST_F(VerboseCommChanTest, EachOperationIsOneLineAndArraysShowTheirFirstElement
     EXPECT_EQ(CommChan::OK, traced->receiveFloat64(&back, 1));
     EXPECT_EQ(2.5, back);
     EXPECT_TRUE(traced->waitOn(1.0f, CommChan::WRITE));
+    int v = 3;
+    traced->swapBytes(v);
+    short s[1] = {5};
+    traced->swapBytes(s, 1);
+    EXPECT_FALSE(traced->getSwap());
+    traced->setMiscTimeout(1.5f);
     server->close();
     char c = 0;
     EXPECT_EQ(CommChan::CLOSED, traced->receiveChar8(&c, 1));
@@ -81,6 +87,9 @@ TEST_F(VerboseCommChanTest, EachOperationIsOneLineAndArraysShowTheirFirstElement
                                "CommChan::receiveFloat64\\(0x[0-9a-f]+, 1\\)  \\(Ex\\.<t> sec\\.\\)CommChan::OK \\(In\\.<t> sec\\.\\)",
                                " {39}array\\[0\\]:2\\.5",
                                "CommChan::waitOn\\(1, CommChan::WRITE\\)  \\(Ex\\.<t> sec\\.\\)true \\(In\\.<t> sec\\.\\)",
+                               "CommChan::swapBytesInt32\\(3\\)  \\(Ex\\.<t> sec\\.\\)  after swap:3 \\(In\\.<t> sec\\.\\)",
+                               "CommChan::swapBytesInt16s\\(0x[0-9a-f]+, 1\\)  \\(Ex\\.<t> sec\\.\\)  after swap:5 \\(In\\.<t> sec\\.\\)",
+                               "CommChan::setMiscTimeout\\(1\\.5\\)  \\(Ex\\.<t> sec\\.\\) \\(In\\.<t> sec\\.\\)",
                                "CommChan::receiveChar8\\(0x[0-9a-f]+, 1\\)  \\(Ex\\.<t> sec\\.\\)CommChan::CLOSED \\(In\\.<t> sec\\.\\)",
                            });
 }

@@ -90,10 +90,16 @@ TEST_F(DataServerTest, RequestsAndValuesItCannotServeAreReportedAndTheSessionGoe
   catalog.setPortal(portal);
   EXPECT_EQ(said("The session has not been started."), fatalText([&] { catalog.call(ClientCode::GetProjectList); }));
   EXPECT_EQ(ClientCode::SessionStart, catalog.start("somehost"));
+  EXPECT_EQ(said("Unknown message code 77 for a ProjectCatalog."), fatalText([&] { catalog.call(77); }));
   EXPECT_EQ(ClientCode::GetProjectList, catalog.call(ClientCode::GetProjectList));
 
   BareCOB project("Project", &catalog);
+  EXPECT_EQ(said("The Project with PortalID 2 is not open."),
+            fatalText([&] { project.call(ClientCode::GetStoreList, "seismic"); }));
   EXPECT_EQ(ClientCode::ProjectAck, project.call(ClientCode::ProjectOpen, "survey"));
+  // A request short of its arguments fails in the reading of them.
+  std::string const shortOne = fatalText([&] { project.call(ClientCode::GetStoreList, "seismic"); });
+  EXPECT_EQ(0u, shortOne.find("COBPortal::myMessage: Server said:-o ")) << shortOne;
   EXPECT_EQ(said("Unknown message code 150 for a Project."), fatalText([&] { project.call(150); }));
 
   BareCOB set("AttributeSet", &project);

@@ -118,6 +118,8 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
     char const* err;
   } const cases[] = {
       {"dump line.sgy NOPE", 1, "rondo: line.sgy: Attribute NOPE does not exist in file line.\n"},
+      {"dump line.sgy CMP --last 11", 1, "rondo: line.sgy: last instance 11 must be <= number of instances 10.\n"},
+      {"dump line.sgy CMP --first 4 --last 3", 1, "rondo: line.sgy: first instance 4 must be <= last instance 3.\n"},
       {"dump line.sgy CMP --first 12", 1, "rondo: line.sgy: first instance 12 must be <= number of instances 10.\n"},
       {"info d.txt", 1,
        "rondo: d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
