@@ -215,6 +215,10 @@ TEST(TapeSetReader, BrokenTapesAreFatalTruncatedOnesEndTheVolume) {
 
   std::string const bad = dir / "bad.tap";
   fs_testing::writeFile(bad, Image().block("0123456789").block("abcdefghij").bytes());
+  FS_testfault(bad.c_str(), FS_FAULT_FAILREAD, 20);
+  TapeSetReader f({bad.c_str()});
+  ASSERT_EQ(f.read(buf, 10), 10u);
+  expectFailure([&] { f.read(buf, 10); }, "FS_terminate", bad + ": Input/output error");
   // A truncated image ends the volume where it stops.
   FS_testfault(bad.c_str(), FS_FAULT_TRUNCATE, 18);
   TapeSetReader t({bad.c_str()});

@@ -121,6 +121,8 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
       {"dump line.sgy CMP --last 11", 1, "rondo: line.sgy: last instance 11 must be <= number of instances 10.\n"},
       {"dump line.sgy CMP --first 4 --last 3", 1, "rondo: line.sgy: first instance 4 must be <= last instance 3.\n"},
       {"dump line.sgy CMP --first 12", 1, "rondo: line.sgy: first instance 12 must be <= number of instances 10.\n"},
+      {"info missing.txt", 1,
+       "rondo: missing.txt: The text table 'missing.txt' could not be opened: No such file or directory.\n"},
       {"info d.txt", 1,
        "rondo: d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
        "project, see rondo ls).\n"},
