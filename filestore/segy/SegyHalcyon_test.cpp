@@ -24,7 +24,11 @@ TEST(SegyHalcyonInstanceMapper, NeedsItsLayoutFirst) {
   std::vector<SegyHalcyonInstanceMapper::Span> spans;
   expectFailure([&] { mapper.doConvert(ranges, spans); }, "SegyHalcyonInstanceMapper::doConvert",
                 "Record byte length is not set, object not properly initialised!");
-  // Spans of a set layout are read through the store below.
+  // Spans of a set layout are read through the store below; offsets here:
+  // blocks of three traces of 100 bytes, instance 0 has none.
+  mapper.setLayout(SegyKernels::BlockLayout{3, 100, 2048 + 300});
+  EXPECT_EQ((std::vector<long long>{3600 + 2048 + 200, 3600 + 2348 + 2048}), mapper.convert(3, 4));
+  EXPECT_EQ((std::vector<long long>{-1, 3600 + 2048}), mapper.convert(std::vector<unsigned int>{0, 1}));
 }
 
 class SegyBlockedTest : public ::testing::Test {

@@ -23,6 +23,10 @@ TEST(SegyKernels, TellsTheByteOrderByTheFormatCode) {
   int16_t const above = 126;
   std::memcpy(&header[FORMAT_CODE_OFFSET], &above, 2);
   EXPECT_TRUE(isOtherByteOrder(header.data()));
+  // Fields of the other order, at an odd address.
+  unsigned char const big[] = {0, 0x81, 0x02, 0x03, 0x04};
+  EXPECT_EQ(int16_t(0x8102), readSwappedInt16(big + 1));
+  EXPECT_EQ(int32_t(0x81020304), readSwappedInt32(big + 1));
 }
 
 // Files of every sample format are read through the store; here conversion
