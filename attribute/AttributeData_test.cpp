@@ -4,15 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "attribute/Attribute.h"
 #include "attribute/AttributeDataHandler.h"
 #include "attribute/AttributeTesting.h"
-#include "foundation/vHandle.h"
-#include "foundation/vString.h"
 
 using attribute_testing::expectFailure;
 using attribute_testing::lengthsOf;
@@ -42,29 +39,12 @@ void lend(Attribute& a, vHandle<Block> const& owner, unsigned int n) {
 
 }  // namespace
 
-TEST(AttributeResize, SameCountKeepsTheBlockAndGivenDataAreAdopted) {
-  Attribute a("keep", "c", vFLOAT32, 10);
-  a.resize(5);
-  void* first = a.getPointer(1);
-  a.resize(5);
-  EXPECT_EQ(first, a.getPointer(1));
-
-  Attribute b("adopt", "c", vINT32);
-  int* mine = new int[3]{4, 5, 6};
-  b.resize(3, mine);
-  EXPECT_EQ(mine, b.getInt32Pointer(1));
-  // Same count with new data: the old block goes; handing back the block it
-  // holds changes nothing.
-  int* next = new int[3]{7, 8, 9};
-  b.resize(3, next);
-  b.resize(3, next);
-  EXPECT_EQ(8, b.getInt32(2));
-}
-
-TEST(AttributeResize, RefusalsTakeNothing) {
+TEST(AttributeResize, AdoptionAndRefusalsThatTakeNothing) {
   Attribute a("fixed", "c", vINT16, 2);
   a.resize(3);
   void* block = a.getPointer(1);
+  a.resize(3);
+  EXPECT_EQ(block, a.getPointer(1));
   int lengths[3] = {1, 1, 1};
   vHandle<Block> owner(new Block(4));
   AttributeDataHandler* h = makeAttributeDataHandler(owner);
@@ -83,23 +63,23 @@ TEST(AttributeResize, RefusalsTakeNothing) {
   EXPECT_EQ(block, a.getPointer(1));
   delete h;
   EXPECT_EQ(1, owner.getMasterCount());
-
   // Negative lengths cannot make offsets; the caller keeps its array.
   int* bad = new int[2]{3, -1};
   expectFailure([&] { v.resize(2, nullptr, bad); }, "Attribute::myBuildOffsets",
                 "Length -1 of instance 2 is negative for Attribute VAR.");
   delete[] bad;
-}
 
-TEST(AttributeResize, VariableLength) {
-  Attribute v("var", "c", vINT32, Attribute::VARIABLE_LENGTH);
+  // Same count with new data: the old block goes; handing back the block it
+  // holds changes nothing.
+  Attribute b("adopt", "c", vINT32);
+  b.resize(3);
+  int* next = new int[3]{7, 8, 9};
+  b.resize(3, next);
+  b.resize(3, next);
+  EXPECT_EQ(next, b.getInt32Pointer(1));
   v.resize(4);  // no lengths: all instances empty
   EXPECT_EQ((std::vector<int>{0, 0, 0, 0}), lengthsOf(v));
-  int* data = new int[4]{1, 2, 3, 4};
-  v.resize(2, data, new int[2]{1, 3});
-  EXPECT_EQ(data + 1, v.getInt32Pointer(2));
-  // A lengths array with no instances is simply deleted.
-  v.resize(0, nullptr, new int[5]{1, 2, 3, 4, 5});
+  v.resize(0, nullptr, new int[5]{1, 2, 3, 4, 5});  // lengths for no instances are simply deleted
   EXPECT_EQ(nullptr, v.getLengthsPointer());
 }
 
@@ -109,14 +89,9 @@ TEST(AttributeResize, UnsupportedBlocksAreReported) {
   none.setLength(2);
   expectFailure([&] { none.resize(1); }, "Attribute::myAllocateMemory",
                 "Attribute '(Class:)' has an unsupported data type 'vNOTYPE'.");
-
   Attribute untyped;
   int* foreign = new int[2];
   untyped.resize(1, foreign);
-  Attribute target("t", "c", vINT32);
-  expectFailure([&] { target.copyData(untyped); }, "Attribute::copyData", "Unsupported data type vNOTYPE for .");
-  expectFailure([&] { target.transferData(untyped); }, "Attribute::transferData",
-                "Unsupported data type vNOTYPE for .");
   expectFailure([&] { untyped.resize(0); }, "Attribute::myFreeData", "Unsupported data type vNOTYPE for Attribute .");
   // The attribute let go of the block it could not free.
   EXPECT_EQ(0u, untyped.getNInstances());
@@ -129,61 +104,38 @@ TEST(AttributeHandler, LentDataAreNeverFreedHereAndKeepTheirOwnerAlive) {
     Attribute a("lent", "c", vFLOAT32, 2);
     lend(a, owner, 3);
     EXPECT_EQ(4.5, a.getValue(3, 1));
-    // Dropping the data gives back the handler's share and nothing else.
-    a.resize(0);
+    a.resize(0);  // gives back the handler's share and nothing else
     EXPECT_EQ(1, owner.getMasterCount());
     lend(a, owner, 3);
   }
-  // The attribute's end released its share too.
   EXPECT_EQ(1, owner.getMasterCount());
-  EXPECT_EQ(1, Block::live);
-
   Attribute alive("alive", "c", vFLOAT32);
   lend(alive, vHandle<Block>(new Block(3)), 3);
   // The store's handle is gone; the attribute's share keeps the block.
   EXPECT_EQ(2, Block::live);
   EXPECT_EQ(2.5f, alive.getFloat32(3));
-  alive.resize(0);
-  EXPECT_EQ(1, Block::live);
-}
 
-TEST(AttributeHandler, ReleaseRulesWithAHandler) {
-  vHandle<Block> owner(new Block(2));
-  Attribute a("held", "c", vFLOAT32);
-  lend(a, owner, 2);
-  expectFailure([&] { a.releaseData(); }, "Attribute::myCheckCanReleaseData",
-                "Attribute has a data handler, use releaseDataHandler instead!");
-  // The type is checked before the handler.
-  expectFailure([&] { a.releaseInt32Data(); }, "Attribute::releaseInt32Data",
-                "Data type of Attribute HELD is not vINT32, it's vFLOAT32. Not allowed to call this method");
-  AttributeDataHandler* h = a.releaseDataHandler();
-  EXPECT_EQ(owner, static_cast<AttributeDataHandle<Block>*>(h)->getOwner());
-  delete h;
-  expectFailure([&] { a.releaseDataHandler(); }, "Attribute::releaseDataHandler",
-                "Attribute does not have a data handler!");
-}
-
-TEST(AttributeHandler, RereadIntoLentDataGetsAPrivateBlock) {
-  vHandle<Block> owner(new Block(2));
-  Attribute a("reread", "c", vFLOAT32);
-  lend(a, owner, 2);
-  a.resize(2);
-  a.setFloat32(1, 99.0f);
+  // A reread into lent data gets a private block; the same memory with
+  // another keeper changes only the keeper, and with none the keeper stays.
+  Attribute r("reread", "c", vFLOAT32);
+  lend(r, owner, 2);
+  r.resize(2);
+  r.setFloat32(1, 99.0f);
   EXPECT_EQ(0.5f, owner->values[0]);
-
-  // New lent data for the same count swap the keeper; the same memory with
-  // another keeper changes only the keeper.
   vHandle<Block> other(new Block(2));
-  lend(a, owner, 2);
-  lend(a, other, 2);
+  lend(r, owner, 2);
+  lend(r, other, 2);
   EXPECT_EQ(1, owner.getMasterCount());
-  lend(a, other, 2);
+  r.resize(1, other->values);
   EXPECT_EQ(2, other.getMasterCount());
-  // Same memory and no keeper given: the one in place stays.
-  a.resize(1, other->values);
-  EXPECT_EQ(2, other.getMasterCount());
-  a.resize(0);
-  EXPECT_EQ(1, other.getMasterCount());
+
+  expectFailure([&] { r.releaseData(); }, "Attribute::myCheckCanReleaseData",
+                "Attribute has a data handler, use releaseDataHandler instead!");
+  AttributeDataHandler* h = r.releaseDataHandler();
+  EXPECT_EQ(other, static_cast<AttributeDataHandle<Block>*>(h)->getOwner());
+  delete h;
+  expectFailure([&] { r.releaseDataHandler(); }, "Attribute::releaseDataHandler",
+                "Attribute does not have a data handler!");
 }
 
 TEST(AttributeRelease, ReleaseHandsTheBlockOver) {
@@ -194,15 +146,6 @@ TEST(AttributeRelease, ReleaseHandsTheBlockOver) {
   EXPECT_EQ(42, got[2]);
   delete[] got;
   EXPECT_EQ(nullptr, Attribute("rel_empty", "c", vINT32).releaseData());
-
-  // The loader's sequence: data, then lengths.
-  Attribute v("loader", "c", vFLOAT32, Attribute::VARIABLE_LENGTH);
-  v.resize(2, nullptr, new int[2]{3, 4});
-  float* block = static_cast<float*>(v.releaseData());
-  v.releaseLengths();
-  EXPECT_EQ(0u, v.getNInstances());
-  delete[] block;
-
   // releaseLengths alone leaves the data, which the attribute still frees.
   Attribute w("lengths_only", "c", vSTRING, Attribute::VARIABLE_LENGTH);
   w.resize(2, nullptr, new int[2]{1, 1});
@@ -213,22 +156,18 @@ TEST(AttributeRelease, ReleaseHandsTheBlockOver) {
 TEST(AttributeCopyData, CopiesDefinitionAndValues) {
   Attribute a("src", "c", vFLOAT64, 2, 1.0);
   a.resize(2);
-  double* p = a.getFloat64Pointer(1);
-  p[3] = 4;
+  a.getFloat64Pointer(1)[3] = 4;
   Attribute b("other", "k", vINT16);
   b.resize(5);
   b.copyData(a);
   EXPECT_TRUE(b.compare(a));
-  p[3] = 40;
   b.copyData(b);
   EXPECT_EQ(4.0, b.getValue(2, 2));
-
   Attribute s("strs", "c", vSTRING, Attribute::VARIABLE_LENGTH);
   s.resize(2, nullptr, new int[2]{1, 2});
   s.getStringPointer(2)[1] = "c";
   Attribute u;
   u.copyData(s);
-  EXPECT_EQ((std::vector<int>{1, 2}), lengthsOf(u));
   EXPECT_EQ((std::vector<std::string>{"", "", "c"}), stringsOf(u));
 
   // Lent data are copied into a block of the copy's own.
@@ -238,13 +177,9 @@ TEST(AttributeCopyData, CopiesDefinitionAndValues) {
   Attribute mine;
   mine.copyData(lent);
   EXPECT_NE(owner->values, mine.getFloat32Pointer(1));
-  EXPECT_EQ(2, owner.getMasterCount());
 
-  // From raw blocks.
   Attribute f("raw", "c", vINT32, 2);
   int values[4] = {1, 2, 3, 4};
-  f.copyData(2, values);
-  EXPECT_NE(static_cast<void*>(values), f.getPointer(1));
   int lengths[2] = {1, 3};
   expectFailure([&] { f.copyData(2, values, lengths); }, "Attribute::copyData",
                 "Can only give lengths array with a variable length Attribute (RAW).");
@@ -256,19 +191,17 @@ TEST(AttributeCopyData, CopiesDefinitionAndValues) {
   EXPECT_EQ((std::vector<int>{1, 3}), lengthsOf(v));
 }
 
-TEST(AttributeTransfer, DataMoveAndSourceEndsEmpty) {
+TEST(AttributeTransfer, DataAndHandlerMoveAndSourceEndsEmpty) {
   Attribute src("moving", "c", vINT32, Attribute::VARIABLE_LENGTH, 2.0);
   src.resize(2, nullptr, new int[2]{2, 1});
   src.getInt32Pointer(1)[2] = 7;
   Attribute dst("dst", "k", vSTRING);
   dst.resize(4);
   dst.transferData(src);
-  EXPECT_EQ(0u, src.getNInstances());
   EXPECT_TRUE(dst.compare(src));
   dst.transferData(dst);
   EXPECT_EQ(7.0, dst.getValue(2, 1));
 
-  // A handler moves with the data.
   vHandle<Block> owner(new Block(3));
   Attribute lent("lent_move", "c", vFLOAT32);
   lend(lent, owner, 3);
@@ -284,37 +217,21 @@ TEST(AttributeInstanceLength, GrowAndShrinkNumbersAndStrings) {
   v.resize(3, nullptr, new int[3]{2, 3, 2});
   double* p = v.getFloat64Pointer(1);
   for (int i = 0; i < 7; ++i) p[i] = i + 1;  // 1 2 | 3 4 5 | 6 7
-  v.setInstanceLength(2, 5);                  // grow in the middle: new values are zero
-  v.setInstanceLength(1, 1);                  // shrink the first
+  v.setInstanceLength(2, 5);                 // grow in the middle: new values are zero
+  v.setInstanceLength(1, 1);                 // shrink the first
   std::vector<double> values;
   v.getValues(values);
   EXPECT_EQ((std::vector<double>{1, 3, 4, 5, 0, 0, 6, 7}), values);
   EXPECT_EQ((std::vector<int>{1, 5, 2}), lengthsOf(v));
-  double* before = v.getFloat64Pointer(1);
-  v.setInstanceLength(2, 5);  // equal: nothing happens
-  EXPECT_EQ(before, v.getFloat64Pointer(1));
 
   Attribute s("sils", "c", vSTRING, Attribute::VARIABLE_LENGTH);
   s.resize(3, nullptr, new int[3]{1, 2, 2});
-  vString* t = s.getStringPointer(1);
   char const* init[] = {"a", "b1", "b2", "c1", "c2"};
-  for (int i = 0; i < 5; ++i) t[i] = init[i];
+  for (int i = 0; i < 5; ++i) s.getStringPointer(1)[i] = init[i];
   s.setInstanceLength(1, 3);
   EXPECT_EQ((std::vector<std::string>{"a", "", "", "b1", "b2", "c1", "c2"}), stringsOf(s));
   s.setInstanceLength(1, 0);
   EXPECT_EQ((std::vector<std::string>{"b1", "b2", "c1", "c2"}), stringsOf(s));
-}
-
-TEST(AttributeInstanceLength, Refusals) {
-  Attribute f("silf", "c", vINT32, 3);
-  f.resize(1);
-  expectFailure([&] { f.setInstanceLength(1, 2); }, "Attribute::setInstanceLength",
+  expectFailure([] { Attribute("silf", "c", vINT32, 3).setInstanceLength(1, 2); }, "Attribute::setInstanceLength",
                 "Attribute 'SILF' must be variable length to use this function.");
-  Attribute v("silv", "c", vINT32, Attribute::VARIABLE_LENGTH);
-  v.resize(2, nullptr, new int[2]{1, 1});
-  expectFailure([&] { v.setInstanceLength(1, -1); }, "Attribute::setInstanceLength",
-                "Length -1 of instance 1 is negative for Attribute SILV.");
-  v.releaseLengths();
-  expectFailure([&] { v.setInstanceLength(1, 2); }, "Attribute::setInstanceLength",
-                "Offsets array not initialized in variable length Attribute SILV... supplied a lengths array?");
 }

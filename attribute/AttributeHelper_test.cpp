@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <list>
 #include <sstream>
 #include <string>
@@ -58,7 +58,7 @@ std::vector<std::vector<int>> instancesOf(Attribute const& a) {
   return out;
 }
 
-TEST(AttributeHelperCopy, BlockOfInstancesAndItsRefusals) {
+TEST(AttributeHelperCopy, BlocksAndListsOfInstancesAndTheirRefusals) {
   Attribute src = ints("SRC", 1, {1, 2, 3, 4, 5});
   Attribute dst = ints("DST", 1, {0, 0, 0, 0, 0, 0, 0});
   AttributeHelper::copy(src, 2, dst, 4, 3);
@@ -72,6 +72,16 @@ TEST(AttributeHelperCopy, BlockOfInstancesAndItsRefusals) {
   Attribute s = texts("S", {"a", "b", "c", "d"});
   AttributeHelper::copy(s, 1, s, 2, 3);
   EXPECT_EQ((std::vector<std::string>{"a", "a", "b", "c"}), stringsOf(s));
+
+  // By lists: gathered from the source, scattered to the destination.
+  dst = ints("DST", 1, {0, 0, 0, 0});
+  AttributeHelper::copy(src, std::vector<int>{5, 1, 3}, dst, 2);
+  EXPECT_EQ((std::vector<int>{0, 4, 1, 2}), intsOf(dst));
+  AttributeHelper::copy(src, 2u, dst, std::vector<unsigned int>{4, 1});
+  EXPECT_EQ((std::vector<int>{2, 4, 1, 1}), intsOf(dst));
+  Attribute t = texts("T", {"", ""});
+  AttributeHelper::copy(texts("S", {"x", "y", "z"}), std::vector<int>{3, 2}, t, 1);
+  EXPECT_EQ((std::vector<std::string>{"z", "y"}), stringsOf(t));
 
   src = ints("SRC", 1, {1, 2, 3});
   dst = ints("DST", 1, {9, 9});
@@ -88,43 +98,10 @@ TEST(AttributeHelperCopy, BlockOfInstancesAndItsRefusals) {
       {[&] { AttributeHelper::copy(src, 1, dst, 2, 2); }, label, "Destination Attribute too small for copy."},
       {[&] { AttributeHelper::copy(src, 3, dst, 1, 2); }, label, "Source Attribute too small for copy."},
       {[&] { AttributeHelper::copy(var, 1, var, 1, 1); }, label, "Source Attribute can't be variable length for now."},
+      {[&] { AttributeHelper::copy(src, 1, dst, std::vector<int>{3, 0}); }, "AttributeHelper::copy(list)",
+       "Instance number 0(smallest) and/or 3(largest) are outside \t\t\t\t\t\t\t\t\t\tthe allowed range of 1 to 2"},
   });
   EXPECT_EQ((std::vector<int>{9, 9}), intsOf(dst));
-}
-
-TEST(AttributeHelperCopy, ScatterAndGatherByListAndTheirRefusals) {
-  Attribute src = ints("SRC", 1, {10, 20, 30, 40, 50});
-  Attribute dst = ints("DST", 1, {0, 0, 0, 0});
-  AttributeHelper::copy(src, std::vector<int>{5, 1, 3}, dst, 2);
-  EXPECT_EQ((std::vector<int>{0, 50, 10, 30}), intsOf(dst));
-  AttributeHelper::copy(src, 2u, dst, std::vector<unsigned int>{4, 1});
-  EXPECT_EQ((std::vector<int>{30, 50, 10, 20}), intsOf(dst));
-  // Instances of other sizes go value by value.
-  Attribute d("D", "CLASS", vFLOAT64, 2);
-  d.resize(3);
-  d.getFloat64Pointer(3)[1] = 5.5;
-  Attribute e(d);
-  e.resize(2);
-  AttributeHelper::copy(d, std::vector<int>{3, 1}, e, 1);
-  EXPECT_EQ(5.5, e.getFloat64Pointer(1)[1]);
-  Attribute t = texts("T", {"", ""});
-  AttributeHelper::copy(texts("S", {"x", "y", "z"}), std::vector<int>{3, 2}, t, 1);
-  EXPECT_EQ((std::vector<std::string>{"z", "y"}), stringsOf(t));
-
-  src = ints("SRC", 1, {1, 2, 3});
-  dst = ints("DST", 1, {0, 0});
-  Attribute var = variable("VAR", {{1}, {2, 3}});
-  char const* const label = "AttributeHelper::copy(list)";
-  attribute_testing::expectFailures({
-      {[&] { AttributeHelper::copy(src, 1, dst, std::vector<int>{3, 0}); }, label,
-       "Instance number 0(smallest) and/or 3(largest) are outside \t\t\t\t\t\t\t\t\t\tthe allowed range of 1 to 2"},
-      {[&] { AttributeHelper::copy(src, std::vector<int>{1, 2}, dst, 2); }, label,
-       "Destination Attribute too small for copy."},
-      {[&] { AttributeHelper::copy(src, 3, dst, std::vector<int>{1, 2}); }, label, "Source Attribute too small for copy."},
-      {[&] { AttributeHelper::copy(var, std::vector<int>{1}, dst, 1); }, label,
-       "Source Attribute can't be variable length for now."},
-  });
-  EXPECT_EQ((std::vector<int>{0, 0}), intsOf(dst));
 }
 
 TEST(AttributeHelperCopyRange, FixedAndVariableLengthAndRefusals) {
@@ -143,9 +120,6 @@ TEST(AttributeHelperCopyRange, FixedAndVariableLengthAndRefusals) {
        "Instances 2 to 1 are outside the range 1 to 3 of attribute SRC."},
   });
   EXPECT_EQ((std::vector<int>{3, 4, 5, 6}), intsOf(dst));
-  Attribute other = texts("OTHER", {"", "", ""});
-  AttributeHelper::copyRange(texts("NAMES", {"one", "two"}), 1, 2, other, 2);
-  EXPECT_EQ((std::vector<std::string>{"", "one", "two"}), stringsOf(other));
 
   // A variable destination takes the source's lengths, within one attribute too.
   Attribute var = variable("VDST", {{7}, {8}, {9}, {10}, {11}});
@@ -165,11 +139,10 @@ TEST(AttributeHelperSizes, ReallocateKeepsWhatFits) {
   EXPECT_EQ((std::vector<std::vector<int>>{{1, 2}, {3}}), instancesOf(v));
 
   std::list<Attribute> list;
-  list.push_back(ints("L1", 1, {1, 2, 3}));
-  list.push_back(texts("L2", {"a", "b", "c"}));
-  list.push_back(ints("L3", 1, {4, 5, 6}));
+  list.push_back(texts("L1", {"a", "b", "c"}));
+  list.push_back(ints("L2", 1, {4, 5, 6}));
   AttributeHelper::reallocate(list.begin(), std::prev(list.end()), 2);
-  EXPECT_EQ((std::vector<std::string>{"a", "b"}), stringsOf(*std::next(list.begin())));
+  EXPECT_EQ((std::vector<std::string>{"a", "b"}), stringsOf(list.front()));
   EXPECT_EQ(3u, list.back().getNInstances());
 }
 
@@ -178,8 +151,6 @@ TEST(AttributeHelperValues, SetZeroAndNoise) {
   AttributeHelper::set(a, 2, 4, 7.9);
   AttributeHelper::set(a, std::vector<unsigned int>{5, 1}, -1.0);
   EXPECT_EQ((std::vector<int>{-1, 7, 7, 7, -1}), intsOf(a));
-  AttributeHelper::zero(a);
-  EXPECT_EQ((std::vector<int>{0, 0, 0, 0, 0}), intsOf(a));
   Attribute s = texts("S", {"a", "b"});
   AttributeHelper::zero(s);
   EXPECT_EQ((std::vector<std::string>{"", ""}), stringsOf(s));
@@ -187,22 +158,16 @@ TEST(AttributeHelperValues, SetZeroAndNoise) {
   Attribute f("F", "CLASS", vFLOAT32, 50);
   f.resize(4);
   AttributeHelper::createNoise(f, 1.0f);
-  float const* p = f.getFloat32Pointer(1);
-  int nonZero = 0;
-  for (int k = 0; k < 200; ++k) {
-    EXPECT_LE(std::fabs(p[k]), 0.5f);
-    if (p[k] != 0.0f) ++nonZero;
-  }
-  EXPECT_GT(nonZero, 190);
+  std::vector<double> noise;
+  f.getValues(noise);
+  EXPECT_TRUE(std::all_of(noise.begin(), noise.end(), [](double v) { return std::fabs(v) <= 0.5; }));
+  EXPECT_GT(std::count_if(noise.begin(), noise.end(), [](double v) { return v != 0.0; }), 190);
   // Int32 adds the noise truncated: within the amplitude's half.
   Attribute big = ints("BIG", 1, std::vector<int>(100, 1000));
   AttributeHelper::addNoise(big, 100.0f);
-  int changed = 0;
-  for (int v : intsOf(big)) {
-    EXPECT_LE(std::abs(v - 1000), 50);
-    if (v != 1000) ++changed;
-  }
-  EXPECT_GT(changed, 80);
+  std::vector<int> const added = intsOf(big);
+  EXPECT_TRUE(std::all_of(added.begin(), added.end(), [](int v) { return std::abs(v - 1000) <= 50; }));
+  EXPECT_GT(std::count_if(added.begin(), added.end(), [](int v) { return v != 1000; }), 80);
   Attribute shorts("SHORTS", "CLASS", vINT16);
   shorts.resize(2);
   expectFailure([&] { AttributeHelper::addNoise(shorts, 1.0f); }, "AttributeHelper::addNoise()",
@@ -240,11 +205,6 @@ TEST(AttributeHelperTime, NearestTimeAndTimegate) {
   AttributeHelper::timegate(wide, narrow);
   ASSERT_EQ(2u, narrow.getNInstances());
   for (int k = 0; k < 51; ++k) ASSERT_EQ(static_cast<float>(1200 + 4 * k), narrow.getFloat32Pointer(2)[k]) << k;
-  Attribute back("TRACE", "SEISMIC", vFLOAT32, 251, 4.0, 0.0);
-  AttributeHelper::timegate(narrow, back);
-  float const* p = back.getFloat32Pointer(2);
-  for (int k = 0; k < 251; ++k)
-    ASSERT_EQ((k >= 50 && k <= 100) ? static_cast<float>(k * 4 + 1000) : 0.0f, p[k]) << k;
   // Windows that do not meet give zeros.
   Attribute late("TRACE", "SEISMIC", vFLOAT32, 10, 4.0, 5000.0);
   late.resize(1);
@@ -260,12 +220,8 @@ TEST(AttributeHelperTime, NearestTimeAndTimegate) {
 TEST(AttributeHelperSearch, FindAndKeepInstances) {
   Attribute v = ints("V", 2, {1, 9, 3, 4, 5, 6, 7, 20, 2, 3});
   EXPECT_EQ((std::vector<unsigned int>{2, 5}), AttributeHelper::findInstances(v, 2.0, 4.0));
-  Attribute f("F", "C", vFLOAT64);
-  f.resize(3);
-  f.setFloat64(1, 0.5);
-  f.setFloat64(2, -0.5);
-  f.setFloat64(3, 0.25);
-  EXPECT_EQ((std::vector<unsigned int>{1, 3}), AttributeHelper::findInstances(f, 0.0, 1.0));
+  EXPECT_EQ((std::vector<unsigned int>{1, 3}),
+            AttributeHelper::findInstances(attribute_testing::filled("F", "C", vFLOAT64, {0.5, -0.5, 0.25}), 0, 1));
   Attribute names = texts("N", {"a", "b", "c"});
   expectFailure([&] { AttributeHelper::findInstances(names, 0, 1); }, "AttributeHelper::findInstances()",
                 "Unsupported data type vSTRING for attribute N.");
@@ -277,8 +233,6 @@ TEST(AttributeHelperSearch, FindAndKeepInstances) {
   EXPECT_EQ((std::vector<std::vector<int>>{{}, {2, 3}}), instancesOf(var));
   AttributeHelper::keepInstances(names, {2});
   EXPECT_EQ((std::vector<std::string>{"b"}), stringsOf(names));
-  expectFailure([&] { AttributeHelper::keepInstances(names, {1, 2}); }, "AttributeHelper::keepInstances()",
-                "Instance number 1(smallest) and/or 2(largest) are outside \t\t\t\t\t\t\t\t\t\tthe allowed range of 1 to 1");
 }
 
 TEST(AttributeHelperPresentation, SelectFromAScript) {

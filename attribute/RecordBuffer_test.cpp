@@ -34,29 +34,19 @@ TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
 
   RecordBuffer b(15);
   b.allocate(3, 7);
-  EXPECT_EQ(75, b.getBufferSize());
   EXPECT_TRUE(b.inside(7u));
   EXPECT_FALSE(b.inside(8u));
   EXPECT_FALSE(b.inside(2u, 4u));
-  EXPECT_TRUE(b.inside(std::vector<unsigned int>{7, 3, 5}));
   EXPECT_FALSE(b.inside(std::vector<unsigned int>{7, 8}));
   expectFailure([&] { b.inside(0u); }, "RecordBuffer::inside", "Instance 0 was less than 1.");
-  std::vector<unsigned int> list;
-  b.getInstanceList(list);
-  EXPECT_EQ((std::vector<unsigned int>{3, 4, 5, 6, 7}), list);
 
-  // 4-, 8- and 3-byte fields at their offsets, each record one on.
+  // Fields at their offsets, each record one on.
   int const ints[] = {11, 12, 13};
   b.insertRange(ints, 4, 3, 8, 4);
   EXPECT_TRUE(b.isDirty());
   EXPECT_EQ(13, fieldOf<int>(b, 6, 8));
-  double const doubles[] = {1.5, -2.5};
-  b.insertRange(doubles, 8, 2, 0, 3);
   unsigned char const bytes[] = {1, 2, 3, 4, 5, 6};
   b.insertRange(bytes, 3, 2, 12, 6);  // ends exactly at the record's end
-  double outD[2];
-  b.extractRange(outD, 8, 2, 0, 3);
-  EXPECT_EQ(-2.5, outD[1]);
   unsigned char outB[6];
   b.extractRange(outB, 3, 2, 12, 6);
   EXPECT_EQ(0, std::memcmp(bytes, outB, 6));
@@ -76,7 +66,6 @@ TEST(RecordBuffer, EmptyAndRangeFormFieldsAndChecks) {
 TEST(RecordBuffer, ListFormGoesThroughTheMap) {
   RecordBuffer b(8);
   b.allocate(std::vector<unsigned int>{9, 2, 5, 3, 4});
-  EXPECT_FALSE(b.inside(6u));
   EXPECT_TRUE(b.inside(2u, 5u));
   EXPECT_FALSE(b.inside(4u, 6u));
   std::vector<unsigned int> list;
@@ -94,8 +83,6 @@ TEST(RecordBuffer, ListFormGoesThroughTheMap) {
   int out[3];
   b.extractList(out, 4, 3, 4, {4, 2, 3});
   EXPECT_EQ(4, out[0]);
-  b.extractRange(out, 4, 3, 4, 2);
-  EXPECT_EQ(0, std::memcmp(r, out, sizeof r));
 
   expectFailure([&] { b.extractList(out, 4, 1, 0, {6}); }, "RecordBuffer::extractList",
                 "Instance 6 is not in this RecordBuffer.");
@@ -117,14 +104,10 @@ TEST(RecordBuffer, AddAndDeleteInstancesKeepRecordsAndFlags) {
   }
   b.addInstances(10);
   EXPECT_EQ(15u, b.getLastRecord());
-  for (unsigned int i = 1; i <= 5; ++i) {
-    EXPECT_EQ(static_cast<int>(i * 10), fieldOf<int>(b, i, 0));
-    EXPECT_EQ(i + 100, b.getInstanceFlag(i));
-  }
-  for (unsigned int i = 6; i <= 15; ++i) {
-    EXPECT_EQ(0, fieldOf<int>(b, i, 0));
-    EXPECT_EQ(0u, b.getInstanceFlag(i));
-  }
+  EXPECT_EQ(50, fieldOf<int>(b, 5, 0));
+  EXPECT_EQ(105u, b.getInstanceFlag(5));
+  EXPECT_EQ(0, fieldOf<int>(b, 15, 0));
+  EXPECT_EQ(0u, b.getInstanceFlag(15));
   b.deleteInstances(12);
   EXPECT_EQ(30, fieldOf<int>(b, 3, 0));
   EXPECT_EQ(103u, b.getInstanceFlag(3));
@@ -139,14 +122,12 @@ TEST(RecordBuffer, AddAndDeleteInstancesKeepRecordsAndFlags) {
   EXPECT_EQ(13u, c.getLastRecord());
 }
 
-TEST(RecordBuffer, InstanceFlags) {
+TEST(RecordBuffer, InstanceFlagsAndCopies) {
   RecordBuffer b(4);
   b.allocate(1, 5);
   EXPECT_FALSE(b.hasInstanceFlags());
-  EXPECT_EQ(0u, b.getInstanceFlag(2));
   b.setInstanceFlag(2, 7);
   EXPECT_TRUE(b.hasInstanceFlags());
-  EXPECT_EQ(0u, b.getInstanceFlag(5));
   expectFailure([&] { b.setInstanceFlag(0, 1); }, "RecordBuffer::setInstanceFlag", "first instance 0 was less than 1.");
   expectFailure([&] { b.setInstanceFlag(9, 1); }, "RecordBuffer::setInstanceFlag",
                 "The instance 9 was outwith the range 1:5!");
@@ -156,25 +137,15 @@ TEST(RecordBuffer, InstanceFlags) {
   EXPECT_EQ(2u, l.getInstanceFlag(8));
   expectFailure([&] { l.setInstanceFlag(4, 1); }, "RecordBuffer::setInstanceFlag",
                 "The instance 4 is not within this instance list record buffer!");
-}
-
-TEST(RecordBuffer, CopiesAreDeep) {
-  RecordBuffer b(4);
-  b.allocate(2, 3);
+  // Copies are deep, flags included.
   setField<int>(b, 2, 0, 42);
-  b.setInstanceFlag(3, 9);
-  RecordBuffer copy(b);
-  setField<int>(b, 2, 0, 43);
-  b.setInstanceFlag(3, 10);
-  EXPECT_EQ(42, fieldOf<int>(copy, 2, 0));
-  EXPECT_EQ(9u, copy.getInstanceFlag(3));
   std::unique_ptr<RecordBuffer> clone(b.clone());
-  EXPECT_EQ(43, fieldOf<int>(*clone, 2, 0));
-  std::unique_ptr<RecordBuffer> fresh(b.createNew());
-  EXPECT_TRUE(fresh->isEmpty());
+  setField<int>(b, 2, 0, 43);
+  b.setInstanceFlag(2, 10);
+  EXPECT_EQ(42, fieldOf<int>(*clone, 2, 0));
+  EXPECT_EQ(7u, clone->getInstanceFlag(2));
+  EXPECT_TRUE(std::unique_ptr<RecordBuffer>(b.createNew())->isEmpty());
 }
-
-// ---------------------------------------------------------------------------
 
 TEST(RecordBuffer, RequestsBeyondTheMachineAreRefusedAndKeepTheRecords) {
   RecordBuffer b(1 << 20);  // records of 1 MiB
@@ -212,9 +183,7 @@ TEST(ByteSwappedRecordBuffer, FieldsSwapByTheirTypes) {
   b.setType(12, vFLOAT64);
   b.allocate(1, 3);
   // The records hold the file's words as they are.
-  setField<uint32_t>(b, 2, 0, 0x01020304u);
-  setField<uint32_t>(b, 2, 4, 0x01020304u);
-  setField<uint32_t>(b, 2, 8, 0x01020304u);
+  for (int offset : {0, 4, 8}) setField<uint32_t>(b, 2, offset, 0x01020304u);
   uint32_t word = 0;
   b.extractRange(&word, 4, 1, 0, 2);
   EXPECT_EQ(0x04030201u, word);
@@ -248,24 +217,24 @@ TEST(ByteSwappedRecordBuffer, ListFormCreateNewAndExternalData) {
   b.allocate(std::vector<unsigned int>{7, 3});
   int const ints[] = {0x11223344, 0x55667788};
   b.insertList(ints, 4, 2, 0, {3, 7});
-  int out[2];
-  b.extractList(out, 4, 2, 0, {7, 3});
-  EXPECT_EQ(0x55667788, out[0]);
-  float const f[] = {2.5f, -1.0f};
-  b.insertRange(f, 4, 1, 4, 7);
-  b.insertRange(f + 1, 4, 1, 4, 3);
+  float const f = 2.5f;
+  b.insertRange(&f, 4, 1, 4, 7);
 
-  // Records copied out as they are, then put in this machine's order.
-  std::vector<unsigned char> records(16);
-  std::memcpy(records.data(), b.getBuffer(7, 0), 8);
-  std::memcpy(records.data() + 8, b.getBuffer(3, 0), 8);
-  b.fixExternalData(records.data(), 2, 8);
-  int i0;
-  float f0;
-  std::memcpy(&i0, records.data(), 4);
-  std::memcpy(&f0, records.data() + 4, 4);
-  EXPECT_EQ(0x55667788, i0);
-  EXPECT_EQ(2.5f, f0);
+  // A record copied out as it is, then put in this machine's order; the
+  // plain buffer leaves outside data alone.
+  unsigned char const* held = static_cast<unsigned char const*>(b.getBuffer(7, 0));
+  std::vector<unsigned char> record(held, held + 8);
+  std::vector<unsigned char> const before(record);
+  RecordBuffer(8).fixExternalData(record.data(), 1, 8);
+  EXPECT_EQ(before, record);
+  b.fixExternalData(record.data(), 1, 8);
+  struct {
+    int i;
+    float f;
+  } fixed;
+  std::memcpy(&fixed, record.data(), 8);
+  EXPECT_EQ(0x55667788, fixed.i);
+  EXPECT_EQ(2.5f, fixed.f);
 
   // A new buffer of the same kind knows the types.
   std::unique_ptr<RecordBuffer> fresh(b.createNew());
@@ -274,11 +243,6 @@ TEST(ByteSwappedRecordBuffer, ListFormCreateNewAndExternalData) {
   uint32_t word;
   fresh->extractRange(&word, 4, 1, 0, 1);
   EXPECT_EQ(0x04030201u, word);
-  // The plain buffer leaves outside data alone.
-  RecordBuffer plain(8);
-  std::vector<unsigned char> before(records);
-  plain.fixExternalData(records.data(), 2, 8);
-  EXPECT_EQ(before, records);
 }
 
 }  // namespace

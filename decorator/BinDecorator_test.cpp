@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "decorator/DecoratorTesting.h"
-#include "decorator/StoreDecoratorFactory.h"
 
 using namespace decorator_testing;
 
@@ -20,7 +19,6 @@ TEST(Binner, SnapsToBinsAndTreatsValuesOutside) {
     double out;
   } const cases[] = {
       {Binner::SetNoValue, 11, 10},
-      {Binner::SetNoValue, 15, 15},
       {Binner::SetNoValue, 22, 20},
       {Binner::UseNearestBin, 5, 10},
       {Binner::LeaveAlone, 22.5, 22.5},
@@ -48,25 +46,6 @@ TEST(Binner, SnapsToBinsAndTreatsValuesOutside) {
   double values[] = {1, 3, 21, 30, 100.5, 99.4};
   touching.binValues(values, vFLOAT64, 6);
   EXPECT_EQ((std::vector<double>{0, 2, 20, 30, 7, 99.4}), std::vector<double>(values, values + 6));
-}
-
-// Select over sort over bin: OFFSET binned to 150 and 300, sorted by it
-// descending (ELEV ascending among equals), the 300s kept.
-TEST(BinDecorator, StacksUnderSortAndSelect) {
-  Binner binner;
-  binner.addBins(150, 300, 150, 120);
-  vHandle<Store> store = StoreDecoratorFactory::addBin(referenceStore(), binner, Attribute("OFFSET", "", vINT32));
-  std::vector<double> binned = values(*store, "OFFSET");
-  binned.resize(6);
-  EXPECT_EQ((std::vector<double>{150, 150, 300, 150, 150, 300}), binned);
-  vHandle<SortStoreDecorator> sort;
-  store = StoreDecoratorFactory::addSort(store, sort);
-  sort->addSortKey("OFFSET", vUtlSort::SortOrder::DESCENDING);
-  sort->addSortKey("ELEV", vUtlSort::SortOrder::ASCENDING);
-  vHandle<SelectStoreDecorator> select;
-  store = StoreDecoratorFactory::addSelect(store, select);
-  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("far", "OFFSET", 200, 400)));
-  EXPECT_EQ((std::vector<double>{1001.5, 1003, 1004.5, 1006}), values(*store, "ELEV"));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "attribute/AttributeDefinition.h"
 #include "attribute/AttributeDefinitionTable.h"
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
@@ -14,7 +15,8 @@ using namespace decorator_testing;
 
 namespace {
 
-// The shipped vocabulary, which defines "STORE.ID".
+// The shipped vocabulary, which defines "STORE.ID" and the sequence of the
+// join views.
 class BindStoreDecoratorTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -65,6 +67,12 @@ TEST_F(BindStoreDecoratorTest, StoresEndToEndWithTheirOrdinals) {
               "Attribute 'NOPE' is not in store.");
   expectFatal([&] { view->openAttributeSet("other"); }, "BindStoreDecorator::openAttributeSet",
               "Attribute set 'other' does not exist!");
+}
+
+TEST_F(BindStoreDecoratorTest, TheShippedVocabularyDefinesTheSequence) {
+  Attribute sequence = AttributeDefinition::getDefinition("attributeset.sequence");
+  EXPECT_STREQ("ATTRIBUTESET.SEQUENCE", sequence.getName().c_str());
+  EXPECT_EQ(vINT32, sequence.getDataType());
 }
 
 TEST_F(BindStoreDecoratorTest, OnlyStoresOfOneShapeBind) {

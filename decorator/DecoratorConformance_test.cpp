@@ -7,12 +7,9 @@
 #include "decorator/AttributeSetDecorator.h"
 #include "decorator/DecoratorTesting.h"
 #include "decorator/ProfilingAttributeSetDecorator.h"
-#include "decorator/ScratchStoreDecorator.h"
 #include "decorator/SelectStoreDecorator.h"
 #include "decorator/StoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
-#include "project/UTProject.h"
-#include "project/UTProjectCatalog.h"
 #include "testing/StoreConformance.h"
 
 using namespace decorator_testing;
@@ -38,33 +35,6 @@ StoreConformanceCase forwarding() {
     vHandle<Store> below(new TestMemoryStore(vHandle<Project>(), layoutShelf(referenceLayout())));
     return asSet(vHandle<Store>(new StoreDecorator(below)));
   };
-  return c;
-}
-
-// A scratch store deletes itself from a project at the end of each test.
-vHandle<Project> scratchProject() {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("host", ProjectType::UNITTEST));
-  return vHandle<Project>(new UTProject(catalog));
-}
-
-StoreConformanceCase scratch() {
-  StoreConformanceCase c("ScratchStoreDecorator");
-  c.openForReading = [] {
-    return asSet(StoreDecoratorFactory::addScratch(openStore(layoutShelf(referenceLayout()), false, scratchProject())));
-  };
-  c.openForUpdate = [] {
-    return asSet(StoreDecoratorFactory::addScratch(openStore(layoutShelf(referenceLayout()), true, scratchProject())));
-  };
-  return c;
-}
-
-StoreConformanceCase attributeSelectAll() {
-  StoreConformanceCase c("AttributeSelectAll");
-  c.openForReading = [] {
-    vHandle<AttributeSelectDecorator> view;
-    return asSet(StoreDecoratorFactory::addAttributeSelect(referenceStore(), view));
-  };
-  c.texts.unknownDefinition = "Attribute %s does not exist in parent store.";
   return c;
 }
 
@@ -100,28 +70,6 @@ StoreConformanceCase selectCase(char const* name, Layout const& layout, char con
 
 // Reference instances scattered among decoys of CDP 99.
 Layout decoyLayout() { return {-99, 1, 2, -99, -99, 3, 4, 5, 6, -99, 7, 8, -99, 9, 10, 11, -99, -99, 12, -99}; }
-
-// Two select views stacked, each hiding its own decoys, with an attribute
-// select view in between: numbers are mapped down through every layer.
-StoreConformanceCase selectStacked() {
-  StoreConformanceCase c("SelectStacked");
-  c.openForReading = [] {
-    Layout layout = {-77, 1, -99, 2, 3, -77, 4, 5, 6, -99, 7, 8, -77, -77, 9, 10, 11, 12, -99};
-    vHandle<SelectStoreDecorator> inner;
-    vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), inner);
-    inner->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("not99", "CDP", 0, 98)));
-    vHandle<AttributeSelectDecorator> middle;
-    store = StoreDecoratorFactory::addAttributeSelect(store, middle);
-    vHandle<SelectStoreDecorator> outer;
-    store = StoreDecoratorFactory::addSelect(store, outer);
-    outer->getSelection()->setBatchSize(4);
-    outer->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("not77", "CDP", 0, 76)));
-    return asSet(store);
-  };
-  selectTexts(c);
-  c.texts.unknownDefinition = "Attribute %s does not exist in parent store.";
-  return c;
-}
 
 vHandle<AttributeSet> referenceSet(bool open, bool update) {
   vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), layoutShelf(referenceLayout())));
@@ -169,12 +117,11 @@ StoreConformanceCase profiling() {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Views, StoreConformance,
-                         ::testing::Values(forwarding(), scratch(), attributeSelectAll(), attributeSelectKeys(),
+                         ::testing::Values(forwarding(), attributeSelectKeys(),
                                            // No operator: every instance, without reading data.
                                            selectCase("SelectEmptyCollection", referenceLayout(), nullptr, 0, 0),
-                                           selectCase("SelectEveryInstance", referenceLayout(), "ELEV", 0, 2000, 5),
                                            selectCase("SelectSubset", decoyLayout(), "CDP", 1, 4, 7),
                                            // The decoys marked and the marks negated.
                                            selectCase("SelectNegated", decoyLayout(), "CDP", 99, 99, 0, true),
-                                           selectStacked(), attributeSetDecorator(), profiling()),
+                                           attributeSetDecorator(), profiling()),
                          StoreConformance::caseName);

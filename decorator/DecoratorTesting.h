@@ -174,15 +174,6 @@ class EveryNthOperator : public SelectOperatorBase {
   unsigned int m_step;
 };
 
-// Reads an attribute and marks nothing.
-class NothingOperator : public SelectOperatorBase {
- public:
-  explicit NothingOperator(char const* attribute) : SelectOperatorBase("nothing", 1, EvaluatingOperator) {
-    addAttribute(attribute);
-  }
-  void doEvaluate(std::list<Attribute> const&, unsigned int, unsigned char*, unsigned int, unsigned int) override {}
-};
-
 // A logic operator: no mask.
 class LogicOperator : public SelectOperatorBase {
  public:
@@ -245,20 +236,6 @@ inline vHandle<Store> observedStore(Layout const& layout, ObservedStore*& observ
   store->open(kStore, 0, "seismic", "3d", nullptr);
   return store;
 }
-
-// Records the names of the batch attributes it is given.
-class NamesOperator : public SelectOperatorBase {
- public:
-  explicit NamesOperator(char const* attribute) : SelectOperatorBase("names", 1, EvaluatingOperator) {
-    addAttribute(attribute);
-  }
-  void doEvaluate(std::list<Attribute> const& attributes, unsigned int, unsigned char*, unsigned int,
-                  unsigned int) override {
-    seen.clear();
-    for (Attribute const& a : attributes) seen.push_back(a.getName().c_str());
-  }
-  std::vector<std::string> seen;
-};
 
 }  // namespace decorator_testing
 

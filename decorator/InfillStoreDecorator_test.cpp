@@ -34,22 +34,6 @@ vHandle<Store> gridStore(std::vector<int> const& groups, std::vector<double> con
 
 std::vector<double> column(Store const& store, char const* name) { return values(store, name); }
 
-TEST(InfillStoreDecorator, InventsTheMissingGridAsZeros) {
-  // Stored out of order: group 2 first, group 1 descending.
-  vHandle<Store> view = StoreDecoratorFactory::addInfill(gridStore({2, 1, 1, 2, 1}, {30, 40, 20, 20, 10}));
-  EXPECT_EQ((std::vector<double>{1, 1, 1, 1, 2, 2, 2, 2}), column(*view, "GROUP"));
-  EXPECT_EQ((std::vector<double>{10, 20, 30, 40, 10, 20, 30, 40}), column(*view, "X"));
-  EXPECT_EQ((std::vector<double>{500, 300, 0, 200, 0, 400, 100, 0}), column(*view, "VALUE"));
-  Attribute value = view->getAttribute("VALUE");
-  Attribute groups = view->getAttribute("GROUP");
-  std::vector<unsigned int> sizes;
-  view->getGroupsAndSizes(groups, sizes, vUtlSort::SortOrder::ASCENDING);
-  EXPECT_EQ((std::vector<unsigned int>{4, 4}), sizes);
-  // Reads by group through the view's own numbering.
-  view->read(value, groups, 2, 2);
-  EXPECT_EQ(400, value.getValue(2));
-}
-
 TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
   EXPECT_FALSE(InfillAttributeSetIndexingTable::boundsCheckOk(10.02, 0, 10));
   EXPECT_TRUE(InfillAttributeSetIndexingTable::boundsCheckOk(0.30000000000000004, 0.1, 0.1));
@@ -130,9 +114,6 @@ TEST(InfillStoreDecorator, EveryPadType) {
   vHandle<Store> view(own);
   own->applyPaddingLimits(-20, 40, 0);
   EXPECT_EQ((std::vector<double>{-20, -10, 0, 10, 20, 30, 40, -20, 0, 20, 40}), column(*view, "X"));
-  own->applyPaddingLimits(-20, 30, 0);
-  expectFatal([&] { view->getNInstances(); }, "InfillAttributeSetIndexingTable::myBuildInfillGroup",
-              "User set limit 30.000000 is not on a 20.000000 boundary. Determined end value <20.000000>");
   InfillStoreDecorator* none = new InfillStoreDecorator(gridStore({1, 1}, {0, 20}), Table::PadNone);
   vHandle<Store> asIs(none);
   none->applyPaddingLimits(-20, 30, 0);

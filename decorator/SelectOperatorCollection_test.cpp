@@ -42,21 +42,6 @@ struct Selection : ::testing::Test {
 
 // --- the path without data ------------------------------------------------------------
 
-TEST_F(Selection, NoOperatorSelectsEverythingWithoutReading) {
-  EXPECT_EQ(range(1, 12), collection.doSelection(store));
-  collection.setNegateSelection(true);
-  EXPECT_EQ(range(1, 12), collection.doSelection(store));
-  EXPECT_EQ(0, observed->rangeReads);
-  EXPECT_TRUE(observed->lists.empty());
-}
-
-TEST_F(Selection, LogicOperatorsAloneReadNothingEither) {
-  auto op = vHandle<LogicOperator>(new LogicOperator("or", SelectOperatorBase::LogicOr));
-  EXPECT_EQ(range(1, 12), select({asBase(op)}));
-  EXPECT_TRUE(op->calls.empty());
-  EXPECT_EQ(0, observed->rangeReads);
-}
-
 TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
   List filter = {1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1};
   collection.setInstanceFilter(filter);
@@ -75,52 +60,22 @@ TEST_F(Selection, OnTheBatchPathTheFilterCountsFromEachBatch) {
   EXPECT_TRUE(all->calls[2].hadMask);
 }
 
-TEST_F(Selection, AnOperatorThatReadsNoAttributeStillGetsTheLoop) {
-  collection.setBatchSize(5);
-  auto every3 = vHandle<EveryNthOperator>(new EveryNthOperator("every3", 3));
-  EXPECT_EQ((List{3, 6, 9, 12}), select({asBase(every3)}));
-  EXPECT_EQ(3u, every3->calls.size());
-  EXPECT_EQ(0, observed->rangeReads);
-}
-
-TEST_F(Selection, AnOperatorThatMarksNothingSelectsNothingOrAllNegated) {
-  auto nothing = vHandle<SelectOperatorBase>(new NothingOperator("CDP"));
-  EXPECT_TRUE(select({nothing}).empty());
-  collection.setNegateSelection(true);
-  EXPECT_EQ(range(1, 12), collection.doSelection(store));
-}
-
 // --- joining masks -------------------------------------------------------------------------
 
 TEST_F(Selection, AndOrAndOrNotJoinLeftToRight) {
-  SelectOperatorCollection a;
-  a.addOperator(asBase(cdp23()));
-  a.addOperator(logic("and", SelectOperatorBase::LogicAnd));
-  a.addOperator(asBase(offset23()));
-  EXPECT_EQ((List{5, 6, 8, 9}), a.doSelection(store));
-
+  auto chain = [&](std::vector<vHandle<SelectOperatorBase>> const& ops) {
+    SelectOperatorCollection c;
+    for (auto const& op : ops) c.addOperator(op);
+    return c.doSelection(store);
+  };
+  EXPECT_EQ((List{5, 6, 8, 9}), chain({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd), asBase(offset23())}));
   // Or, also where no logic operator stands between masks; logic at the
   // end has no effect.
-  SelectOperatorCollection o;
-  o.addOperator(asBase(cdp23()));
-  o.addOperator(asBase(offset23()));
-  o.addOperator(logic("and", SelectOperatorBase::LogicAnd));
-  EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}), o.doSelection(store));
-
+  EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}),
+            chain({asBase(cdp23()), asBase(offset23()), logic("and", SelectOperatorBase::LogicAnd)}));
   // A bare not between two masks is or-not.
-  SelectOperatorCollection n;
-  n.addOperator(asBase(cdp23()));
-  n.addOperator(logic("not", SelectOperatorBase::LogicNot));
-  n.addOperator(asBase(offset23()));
-  EXPECT_EQ((List{1, 4, 5, 6, 7, 8, 9, 10}), n.doSelection(store));
-
-  // No precedence: (cdp23 or offset23) and cdp 1 to 2.
-  SelectOperatorCollection p;
-  p.addOperator(asBase(cdp23()));
-  p.addOperator(asBase(offset23()));
-  p.addOperator(logic("and", SelectOperatorBase::LogicAnd));
-  p.addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp12", "CDP", 1, 2)));
-  EXPECT_EQ((List{2, 3, 4, 5, 6}), p.doSelection(store));
+  EXPECT_EQ((List{1, 4, 5, 6, 7, 8, 9, 10}),
+            chain({asBase(cdp23()), logic("not", SelectOperatorBase::LogicNot), asBase(offset23())}));
 }
 
 TEST_F(Selection, ANotBeforeTheFirstMaskComplementsIt) {
@@ -131,19 +86,18 @@ TEST_F(Selection, ANotBeforeTheFirstMaskComplementsIt) {
   EXPECT_FALSE(notOp->calls[0].hadMask);
 }
 
-TEST_F(Selection, AnotherLogicOperatorFirstDropsTheFirstMaskWithAnInfo) {
+// Another logic operator first drops the first mask; an unknown logic type
+// leaves the aggregate; each with an info.
+TEST_F(Selection, MisplacedOrUnknownLogicIsToldAsAnInfo) {
   RecordingHandler recorder;
   EXPECT_TRUE(select({logic("and", SelectOperatorBase::LogicAnd), asBase(cdp23())}).empty());
-  ASSERT_EQ(1u, recorder.infos.size());
-  EXPECT_EQ("SelectStoreDecorator::doEvaluate|Logic operator: and as first item in selection list has no effect",
-            recorder.infos[0]);
-}
-
-TEST_F(Selection, AnUnknownLogicTypeLeavesTheAggregateWithAnInfo) {
-  RecordingHandler recorder;
-  EXPECT_EQ(range(4, 9), select({asBase(cdp23()), logic("xor", 3), asBase(offset23())}));
-  ASSERT_EQ(1u, recorder.infos.size());
-  EXPECT_EQ("SelectStoreDecorator::doEvaluate|Unknown logic operator enum", recorder.infos[0]);
+  SelectOperatorCollection unknown;
+  for (auto const& op : {asBase(cdp23()), logic("xor", 3), asBase(offset23())}) unknown.addOperator(op);
+  EXPECT_EQ(range(4, 9), unknown.doSelection(store));
+  EXPECT_EQ((std::vector<std::string>{
+                "SelectStoreDecorator::doEvaluate|Logic operator: and as first item in selection list has no effect",
+                "SelectStoreDecorator::doEvaluate|Unknown logic operator enum"}),
+            recorder.infos);
 }
 
 // --- refusals ---------------------------------------------------------------------------------
@@ -169,21 +123,15 @@ TEST_F(Selection, AMultiValuedAttributeIsRefusedBeforeAnyRead) {
   EXPECT_TRUE(trace->calls.empty());
 }
 
-TEST_F(Selection, AFilterSmallerThanTheStoreIsRefused) {
+TEST_F(Selection, ASmallFilterAnEmptyOperatorAndNoBatchAreRefused) {
   collection.setInstanceFilter(List(11, 1));
   expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doSelection",
                 "Supplied instance filter is too small -- 11 instances in filter -- 12 instances in store");
-}
-
-TEST_F(Selection, AnEmptyOperatorHandleIsRefusedWhenMasksAreMade) {
-  collection.addOperator(asBase(cdp23()));
-  collection.addOperator(vHandle<SelectOperatorBase>());
-  expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doEvaluate",
+  SelectOperatorCollection empty;
+  empty.addOperator(asBase(cdp23()));
+  empty.addOperator(vHandle<SelectOperatorBase>());
+  expectFailure([&] { empty.doSelection(store); }, "SelectStoreDecorator::doEvaluate",
                 "Null Selection Operator Iterator");
-}
-
-TEST(SelectionSettings, TheBatchSizeMustBePositive) {
-  SelectOperatorCollection collection;
   expectFailure([&] { collection.setBatchSize(0); }, "SelectOperatorCollection::setBatchSize",
                 "The batch size must be positive, not 0.");
 }
@@ -209,43 +157,13 @@ void selectCapped(vHandle<SelectOperatorBase> const& op) {
   std::exit(2);
 }
 
-TEST(SelectionSettings, MasksThatCannotBeAllocatedAreReported) {
-  EXPECT_EXIT(selectCapped(asBase(cdp23())), ::testing::ExitedWithCode(0),
-              "SelectStoreDecorator::doEvaluate\\|Cannot allocate 536870922 bytes for instances");
+TEST(SelectionSettings, AMaskThatCannotBeAllocatedIsReported) {
   // A logic operator that asks for the batch loop gets no mask of its own:
   // only the aggregate is wanted.
   EXPECT_EXIT(selectCapped(logic("loop", SelectOperatorBase::NoAttributeOperator)), ::testing::ExitedWithCode(0),
               "SelectStoreDecorator::doEvaluate\\|Cannot allocate 536870922 bytes for aggregate selection");
 }
 #endif
-
-// --- attributes of a batch ---------------------------------------------------------------------
-
-TEST_F(Selection, BatchAttributesAreSetUpOncePerStoreName) {
-  auto names = vHandle<NamesOperator>(new NamesOperator("OFFSET"));
-  collection.addOperator(asBase(names));
-  collection.doSelection(store);
-  EXPECT_EQ((std::vector<std::string>{"OFFSET"}), names->seen);
-  // An operator added later is not given its attribute for the same store...
-  collection.addOperator(vHandle<SelectOperatorBase>(new NamesOperator("CDP")));
-  collection.doSelection(store);
-  EXPECT_EQ((std::vector<std::string>{"OFFSET"}), names->seen);
-  // ...but is for another.
-  vHandle<Store> other = openStore(layoutShelf(referenceLayout(), "other"), false, vHandle<Project>(), "other");
-  collection.doSelection(other);
-  EXPECT_EQ((std::vector<std::string>{"CDP", "OFFSET"}), names->seen);
-}
-
-TEST(SelectionNames, AllAttributeNamesAreSortedAndUnique) {
-  SelectOperatorCollection collection;
-  collection.addOperator(asBase(offset23()));
-  collection.addOperator(vHandle<SelectOperatorBase>(new RangeOperator("b", "ELEV", 0, 1)));
-  collection.addOperator(asBase(cdp23()));
-  collection.addOperator(asBase(offset23()));
-  std::string joined;
-  for (vUCString const& n : collection.getAllAttributeNames()) joined += std::string(n.c_str()) + " ";
-  EXPECT_EQ("CDP ELEV OFFSET ", joined);
-}
 
 // --- the operator base ----------------------------------------------------------------------------
 
@@ -262,18 +180,16 @@ class ToleranceOperator : public SelectOperatorBase {
   double seenBefore = -1;
 };
 
-TEST(SelectOperator, ANewToleranceIsToldBeforeItIsKept) {
+// A new tolerance is told before it is kept; attribute numbers are checked.
+TEST(SelectOperator, ToleranceAndAttributeNumbers) {
   ToleranceOperator op;
   op.setTolerance(0.5);
   op.setTolerance(2.0);
   EXPECT_EQ((std::vector<double>{0.0, 0.5, 0.5, 2.0}), op.told);
   EXPECT_EQ(0.5, op.seenBefore);
-}
-
-TEST(SelectOperator, RefusesAnAttributeNumberItDoesNotRead) {
-  RangeOperator op("r", "CDP", 1, 2);
-  op.addAttribute("OFFSET");
-  expectFailure([&] { op.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
+  RangeOperator reads("r", "CDP", 1, 2);
+  reads.addAttribute("OFFSET");
+  expectFailure([&] { reads.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
                 "Operator r has no attribute 2 (it reads 2).");
 }
 

@@ -28,21 +28,6 @@ struct SelectView : ::testing::Test {
   vHandle<RangeOperator> op;
 };
 
-TEST_F(SelectView, SelectsAtFirstNeedAndOnlyOnce) {
-  EXPECT_TRUE(op->calls.empty());
-  EXPECT_EQ(6u, top->getNInstances());
-  Attribute elev = top->getAttribute("ELEV");
-  top->read(elev, 1, 6);
-  EXPECT_EQ(1u, op->calls.size());
-}
-
-TEST_F(SelectView, AFirstReadSelectsToo) {
-  Attribute elev = top->getAttribute("ELEV");
-  top->read(elev, std::vector<unsigned int>{6, 1});
-  EXPECT_EQ(1u, op->calls.size());
-  EXPECT_EQ((List{9, 4}), observed->lists.back());
-}
-
 TEST_F(SelectView, ConfigurationAfterSelectingSelectsAgain) {
   EXPECT_EQ(6u, top->getNInstances());
   view->addOperator(vHandle<SelectOperatorBase>(new LogicOperator("and", SelectOperatorBase::LogicAnd)));
@@ -83,23 +68,6 @@ TEST_F(SelectView, DebugModeReachesTheCollection) {
   EXPECT_EQ(6u, top->getNInstances());
   ASSERT_EQ(1u, recorder.infos.size());
   EXPECT_EQ("SelectStoreDecorator::doEvaluate|Instances 1 to 12: 6 selected", recorder.infos[0]);
-}
-
-// --- reads map down as lists --------------------------------------------------------------
-
-TEST_F(SelectView, AWholeRangeHandsTheSelectionDownAsItIs) {
-  Attribute trace = top->getAttribute("TRACE");
-  EXPECT_EQ(6u, top->getNInstances());
-  observed->rangeReads = 0;
-  top->read(trace, 1, 6);
-  EXPECT_EQ(0, observed->rangeReads);
-  EXPECT_EQ(view->getCurrentSelection(), observed->lists.back());
-  // A last of 0 reads to the end.
-  top->read(trace, 5, 0);
-  EXPECT_EQ((List{8, 9}), observed->lists.back());
-  EXPECT_EQ(0, observed->rangeReads);
-  expectFailure([&] { top->read(trace, 7, 0); }, "SelectStoreDecorator::read",
-                "first instance 7 must be <= last instance 6.");
 }
 
 }  // namespace

@@ -53,9 +53,6 @@ TEST_F(Translating, TheClientSeesItsOwnVocabulary) {
   // the client's.
   EXPECT_EQ((std::vector<std::string>{"CDP", "ELEV", "SOURCE_X"}), names(view->getAttributeList()));
   EXPECT_EQ(vFLOAT32, view->getAttribute("SOURCE_X").getDataType());
-  EXPECT_FALSE(view->hasAttribute("SHOT_X"));
-  expectFatal([&] { view->getAttribute("SHOT_X"); }, "TranslatingAttributeSetDecorator::getAttribute",
-              "Attrbute 'SHOT_X' does not exist.");
   EXPECT_EQ(vFLOAT32, view->getAttributeList("SOURCE_X", AttributeMatch::AttributeMatchType(0)).front().getDataType());
 
   Attribute shot("SHOT_X", "SOURCE_X", vFLOAT32);

@@ -1,10 +1,9 @@
 // The shared store suite through the translating, mapping, bin, restore-mute,
-// bind and infill views, over memory, SEG-Y and select views.
+// bind and infill views. Over a file store they read the same lines as over
+// memory: the file stores run the suite themselves.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <string>
 
 #include "attribute/AttributeDefinitionTable.h"
@@ -14,10 +13,7 @@
 #include "decorator/DecoratorTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
-#include "filestore/segy/SegyDiskStore.h"
-#include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
-#include "syslayer/FSTesting.h"
 #include "testing/StoreConformance.h"
 
 using namespace decorator_testing;
@@ -52,93 +48,27 @@ vHandle<Store> memoryReference() {
   return referenceStore();
 }
 
-// CDP and OFFSET in the trace headers, TRACE as the samples.
-vHandle<Store> segyReference() {
-  installVocabulary();
-  static int serial = 0;
-  std::string const base =
-      ::testing::TempDir() + "view_conformance_" + std::to_string(::getpid()) + "_" + std::to_string(++serial);
-  segy_testing::SegyWriter w;
-  w.nSamples = 5;
-  w.sampleInterval = 4000;
-  w.sample = [](unsigned int t, unsigned int s) { return static_cast<float>(10 * t + s); };
-  w.header = [](unsigned int t, segy_testing::SegyWriter const& writer, unsigned char* p) {
-    writer.put32(p + 180, StoreConformance::referenceAttribute("CDP").getInt32(t));
-    writer.put32(p + 36, StoreConformance::referenceAttribute("OFFSET").getInt32(t));
+StoreConformanceCase translating() {
+  StoreConformanceCase c("TranslatingOverMemory");
+  c.openForReading = [] { return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(memoryReference()))); };
+  c.openForUpdate = [] {
+    installVocabulary();
+    return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(referenceStore(true))));
   };
-  fs_testing::writeFile(base + ".sgy", w.file(StoreConformance::kNInstances));
-  fs_testing::writeFile(base + ".syf",
-                        "STORECLASS seismic\n"
-                        "KEYNAMES CDP OFFSET\n"
-                        "CDP     cdp     trace  181  int4  ensemble number\n"
-                        "OFFSET  offset  trace  37   int4  source to receiver distance\n");
-  SegyDiskStore* store = new SegyDiskStore;
-  vHandle<Store> handle(store);
-  store->open(StoreDescription(vFilename((base + ".sgy").c_str())));
-  std::remove((base + ".sgy").c_str());
-  std::remove((base + ".syf").c_str());
-  return handle;
-}
-
-// The reference among decoys (CDP 99) that a select view hides: the
-// views stacked on it must show exactly the reference.
-vHandle<Store> selectedReference() {
-  installVocabulary();
-  Layout const layout = {-99, 1, 2, 3, -99, 4, 5, 6, 7, -99, 8, 9, 10, 11, 12, -99};
-  vHandle<SelectStoreDecorator> select;
-  vHandle<Store> store = StoreDecoratorFactory::addSelect(openStore(layoutShelf(layout)), select);
-  select->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("reference", "CDP", 1, 4)));
-  return store;
-}
-
-// What a select view below says, where the view on it passes it on.
-void selectBelowTexts(StoreConformanceCase& c) {
-  c.texts.notWritable = "Has not been written yet.";
-  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
-  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
-}
-
-void segyTexts(StoreConformanceCase& c) {
-  c.attributes = {"CDP", "OFFSET", "TRACE"};
-  c.texts.unknownAttribute = "Attribute %s does not exist in file %s.";
-  c.texts.keysMissing = "Attribute 'CDP': the vInstanceList has a zero in it, coont read from instance 0.";
-  c.texts.notWritable = "Function not implemented in derived class -- needs code.";
-}
-
-// Views with an indexing table of their own find key tuples themselves.
-void segyViewTexts(StoreConformanceCase& c) {
-  segyTexts(c);
-  c.texts.keysMissing = StoreConformanceTexts().keysMissing;
-}
-
-StoreConformanceCase translating(char const* name, vHandle<Store> (*below)()) {
-  StoreConformanceCase c(name);
-  c.openForReading = [below] { return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(below()))); };
   c.texts.unknownDefinition = "Attrbute '%s' does not exist.";
-  if (below == &segyReference)
-    segyTexts(c);
-  else if (below == &selectedReference)
-    selectBelowTexts(c);
-  else
-    c.openForUpdate = [] {
-      installVocabulary();
-      return vHandle<AttributeSet>(new TranslatingAttributeSetDecorator(asSet(referenceStore(true))));
-    };
   return c;
 }
 
 // Keys computed by expressions, the rest taken over as it is.
-StoreConformanceCase mapping(char const* name, vHandle<Store> (*below)()) {
-  StoreConformanceCase c(name);
-  bool const segy = below == &segyReference;
-  c.openForReading = [below, segy] {
-    vHandle<AttributeMappingDecorator> view(new AttributeMappingDecorator(below()));
+StoreConformanceCase mapping() {
+  StoreConformanceCase c("MappingOverMemory");
+  c.openForReading = [] {
+    vHandle<AttributeMappingDecorator> view(new AttributeMappingDecorator(memoryReference()));
     view->processExpression("CDP:i = CDP");
     view->processExpression("OFFSET:int32 = offset * 1");
-    view->processExpression(segy ? "!ADD TRACE" : "!PRESERVE ELEV, TRACE");
+    view->processExpression("!PRESERVE ELEV, TRACE");
     return asSet(vHandle_cast<Store>(view));
   };
-  if (segy) segyTexts(c);
   c.notApplicable = {"ReadsByKeyValues"};
   c.texts.keysMissing = "Not supported by this decorator!";
   c.texts.notWritable = "Not supported by this decorator!";
@@ -157,22 +87,17 @@ vHandle<Store> binned(vHandle<Store> const& below) {
   return StoreDecoratorFactory::addBin(below, binner, Attribute("OFFSET", "", vINT32));
 }
 
-StoreConformanceCase bin(char const* name, vHandle<Store> (*below)()) {
-  StoreConformanceCase c(name);
-  c.openForReading = [below] { return asSet(binned(below())); };
-  if (below == &segyReference)
-    segyViewTexts(c);
-  else
-    c.openForUpdate = [] { return asSet(binned(referenceStore(true))); };
+StoreConformanceCase bin() {
+  StoreConformanceCase c("BinOverMemory");
+  c.openForReading = [] { return asSet(binned(memoryReference())); };
+  c.openForUpdate = [] { return asSet(binned(referenceStore(true))); };
   return c;
 }
 
 // TRACE starts at time zero already: it goes the restoring way unchanged.
-StoreConformanceCase restoreMute(char const* name, vHandle<Store> (*below)()) {
-  StoreConformanceCase c(name);
-  c.openForReading = [below] { return asSet(StoreDecoratorFactory::addRestoreMute(below())); };
-  if (below == &segyReference) segyViewTexts(c);
-  if (below == &selectedReference) selectBelowTexts(c);
+StoreConformanceCase restoreMute() {
+  StoreConformanceCase c("RestoreMuteOverMemory");
+  c.openForReading = [] { return asSet(StoreDecoratorFactory::addRestoreMute(memoryReference())); };
   c.texts.notWritable = "Not Supported.";
   return c;
 }
@@ -197,10 +122,9 @@ StoreConformanceCase bind() {
 
 // The reference keys already form a complete grid: nothing is invented,
 // and every read goes the way of the grid.
-StoreConformanceCase infill(char const* name, vHandle<Store> (*below)()) {
-  StoreConformanceCase c(name);
-  c.openForReading = [below] { return asSet(StoreDecoratorFactory::addInfill(below())); };
-  if (below == &segyReference) segyViewTexts(c);
+StoreConformanceCase infill() {
+  StoreConformanceCase c("InfillOverMemory");
+  c.openForReading = [] { return asSet(StoreDecoratorFactory::addInfill(memoryReference())); };
   c.texts.notWritable = "Not implemented";
   c.texts.firstAfterLast = "First instance value <%lld>is greater than last instance value <%lld>";
   // Group numbers are checked by the indexing table in the words of the
@@ -211,28 +135,6 @@ StoreConformanceCase infill(char const* name, vHandle<Store> (*below)()) {
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(InfillViews, StoreConformance,
-                         ::testing::Values(infill("InfillOverMemory", &memoryReference),
-                                           infill("InfillOverSegy", &segyReference),
-                                           infill("InfillOverSelect", &selectedReference)),
-                         StoreConformance::caseName);
-
-INSTANTIATE_TEST_SUITE_P(BindViews, StoreConformance, ::testing::Values(bind()), StoreConformance::caseName);
-
-INSTANTIATE_TEST_SUITE_P(BinViews, StoreConformance,
-                         ::testing::Values(bin("BinOverMemory", &memoryReference), bin("BinOverSegy", &segyReference),
-                                           restoreMute("RestoreMuteOverMemory", &memoryReference),
-                                           restoreMute("RestoreMuteOverSegy", &segyReference),
-                                           restoreMute("RestoreMuteOverSelect", &selectedReference)),
-                         StoreConformance::caseName);
-
-INSTANTIATE_TEST_SUITE_P(MappingViews, StoreConformance,
-                         ::testing::Values(mapping("MappingOverMemory", &memoryReference),
-                                           mapping("MappingOverSegy", &segyReference)),
-                         StoreConformance::caseName);
-
-INSTANTIATE_TEST_SUITE_P(TranslatingViews, StoreConformance,
-                         ::testing::Values(translating("TranslatingOverMemory", &memoryReference),
-                                           translating("TranslatingOverSegy", &segyReference),
-                                           translating("TranslatingOverSelect", &selectedReference)),
+INSTANTIATE_TEST_SUITE_P(ViewsOverMemory, StoreConformance,
+                         ::testing::Values(infill(), bind(), bin(), restoreMute(), mapping(), translating()),
                          StoreConformance::caseName);

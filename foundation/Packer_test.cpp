@@ -7,9 +7,6 @@
 #include <cstring>
 #include <functional>
 #include <iterator>
-#include <list>
-#include <memory>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -69,11 +66,6 @@ Bytes finish(Packer& p, int tag = 0) {
   return Bytes(b, b + n);
 }
 
-Bytes bodyOf(Packer& p) {
-  Bytes m = finish(p);
-  return Bytes(m.begin() + 16, m.end());
-}
-
 void put32(Bytes& b, uint32_t v) {
   for (int i = 0; i < 4; ++i) b.push_back(static_cast<unsigned char>(v >> (8 * i)));
 }
@@ -87,6 +79,11 @@ Bytes message(Bytes const& body, int tag = 0) {
   put32(m, static_cast<uint32_t>(tag));
   m.insert(m.end(), body.begin(), body.end());
   return m;
+}
+
+Bytes operator+(Bytes a, Bytes const& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
 }
 
 Packer fromBytes(Bytes const& m) { return Packer(static_cast<int>(m.size()), m.data()); }
@@ -121,19 +118,6 @@ Frame frameOf(Packer& p) {
   return f;
 }
 
-TEST_F(PackerTest, HeaderAndTheRemoteReadExample) {
-  Packer p(1000);
-  p.pack(224);
-  p.pack(vString("CDP"));
-  p.pack(10u);
-  p.pack(5u);
-  Bytes const expected = {0xD6, 0x12, 0x6A, 0x02, 0x01, 0x00, 0x00, 0x00, 0x18, 0x00, 0x00, 0x00, 0x03, 0x00,
-                          0x00, 0x00, 0x05, 0xE0, 0x00, 0x00, 0x00, 0x8E, 0x04, 0x00, 0x00, 0x00, 0x43, 0x44,
-                          0x50, 0x00, 0x06, 0x0A, 0x00, 0x00, 0x00, 0x06, 0x05, 0x00, 0x00, 0x00};
-  EXPECT_EQ(finish(p, 3), expected);
-  EXPECT_EQ(p.getSize(), 40);
-}
-
 // One entry of each kind, in one message.
 TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
   Packer p(0);
@@ -149,7 +133,6 @@ TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
   double const d[] = {2.0};
   p.pack(d, 1);  // a count of 1 is still an array
   p.pack(static_cast<int const*>(nullptr), 0);
-  p.pack("xyz", 0);  // no bytes: an empty array, not a scalar
   unsigned char raw[3] = {0, 1, 0x40};  // any non-zero byte in a bool goes out as 1
   bool flags[3];
   std::memcpy(flags, raw, 3);
@@ -158,13 +141,10 @@ TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
   p.pack("ab");
   vString const texts[] = {vString("ab"), vString(""), vString("c")};
   p.pack(texts, 3);
-  p.pack(texts, 0);
   vDate const dates[] = {vDate(0x01020304L), vDate(vDate::Invalid)};
   p.pack(dates[0]);
   p.pack(dates, 2);
-  p.packFrame(1241, 5);
-  p.packFrame(-2, -1);
-  p.endFrame();
+  p.packFrame(-2, 5);
   p.endFrame();
   Bytes const body = {
       0x01, 0xFE,                                                  // int8
@@ -176,14 +156,13 @@ TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
       0x83, 0x02, 0x00, 0x00, 0x00, 0x01, 0x00, 0xFE, 0xFF,        // int16[2]
       0x8C, 0x01, 0x00, 0x00, 0x00, 0, 0, 0, 0, 0, 0, 0x00, 0x40,  // double[1]
       0x85, 0x00, 0x00, 0x00, 0x00,                                // int32[0]
-      0x8E, 0x00, 0x00, 0x00, 0x00,                                // char8[0]
       0x90, 0x03, 0x00, 0x00, 0x00, 0x00, 0x01, 0x01,              // bool8[3]
       0x8E, 0x00, 0x00, 0x00, 0x00,                                // ""
       0x8E, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00,              // "ab"
-      0x91, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00, 0x00, 0x63, 0x00, 0x91, 0x00, 0x00, 0x00, 0x00,
+      0x91, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00, 0x00, 0x63, 0x00,
       0x12, 0x00, 0x04, 0x03, 0x02, 0x01,  // date; not valid below: flag 1, seconds -1
       0x92, 0x02, 0x00, 0x00, 0x00, 0x00, 0x04, 0x03, 0x02, 0x01, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,
-      0x7F, 0xD9, 0x04, 0x05, 0x00, 0x7F, 0xFE, 0xFF, 0xFF, 0xFF, 0x7E, 0x7E};
+      0x7F, 0xFE, 0xFF, 0x05, 0x00, 0x7E};
   EXPECT_EQ(finish(p, 9), message(body, 9));
 }
 
@@ -208,16 +187,9 @@ TEST_F(PackerTest, ReadingRulesOfBoolsStringsDatesAndFrames) {
   EXPECT_FALSE(take<vDate>(d).isValid());
   EXPECT_EQ(take<vDate>(d).getSeconds(), 16L);
   // The depth follows the frames; an end after the last is refused.
-  Packer f(0);
-  f.packFrame(1241, 5);
-  f.packFrame(-2, -1);
-  f.endFrame();
-  f.endFrame();
-  finish(f);
+  Packer f = fromBytes(message({0x7F, 0xD9, 0x04, 0x05, 0x00, 0x7E}));
   EXPECT_EQ(frameOf(f), (Frame{1241, 5}));
-  EXPECT_EQ(frameOf(f), (Frame{-2, -1}));
-  EXPECT_EQ(f.getFrameDepth(), 2);
-  f.endFrame();
+  EXPECT_EQ(f.getFrameDepth(), 1);
   f.endFrame();
   EXPECT_EQ(f.getFrameDepth(), 0);
   EXPECT_EQ(fatalText([&] { f.endFrame(); }), "Packer::endFrame: No more data to unpack.");
@@ -232,18 +204,13 @@ TEST_F(PackerTest, AddressOfGoesOutAsAnOrdinaryArray) {
   p.packAddressOf(empty.data(), 0);
   p.pack(8);
   EXPECT_EQ(p.getNAddressOf(), 2);
-  // Not copied: a change before the message is finished goes out, also
-  // through a copy of the Packer, which refers to the same memory.
-  Packer copy(p);
+  // Not copied: a change before the message is finished goes out.
   data[1] = 2.5f;
   Bytes const body = {0x05, 0x07, 0, 0, 0,                                   //
                       0x8B, 0x02, 0, 0, 0, 0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x20, 0x40,  //
                       0x83, 0x00, 0, 0, 0,                                   //
                       0x05, 0x08, 0, 0, 0};
   EXPECT_EQ(finish(p, 4), message(body, 4));
-  EXPECT_EQ(finish(copy, 4), message(body, 4));
-  EXPECT_EQ(p.getSize(), 16 + static_cast<int>(body.size()));
-
   // The gather list gives the same bytes, with the caller's memory as one
   // of its pieces.
   std::vector<Packer::Segment> segments;
@@ -256,18 +223,12 @@ TEST_F(PackerTest, AddressOfGoesOutAsAnOrdinaryArray) {
   }
   EXPECT_EQ(joined, message(body, 4));
   EXPECT_TRUE(sawCallerMemory);
-
   // Reading in the same process goes through the address.
   EXPECT_EQ(take<int>(p), 7);
   EXPECT_EQ(p.getNextDataType(), vADDRESSOF | vARRAYOF | vFLOAT32);
   EXPECT_EQ(takeArray<float>(p), (std::vector<float>{1.0f, 2.5f}));
   EXPECT_EQ(p.unpack(static_cast<short*>(nullptr)), 0u);
   EXPECT_EQ(take<int>(p), 8);
-
-  // A message read from the bytes holds an ordinary array.
-  Packer q = fromBytes(message(body, 4));
-  take<int>(q);
-  EXPECT_EQ(q.getNextDataType(), vARRAYOF | vFLOAT32);
 }
 
 TEST_F(PackerTest, DumpBytes) {
@@ -279,31 +240,17 @@ TEST_F(PackerTest, DumpBytes) {
             "\n 0xd6, 0x12, 0x6a, 0x2, 0x1, 0x0, 0x0, 0x0, 0x5, 0x0,"
             "\n 0x0, 0x0, 0x0, 0x0, 0x0, 0x0, 0x5, 0x1, 0x0, 0x0,"
             "\n 0x0,");
-  // The stream's own format is left as it was.
-  out.str("");
-  out << 10;
-  EXPECT_EQ(out.str(), "10");
 }
 
-// Writes one of every entry form; readAll checks them back.
+// A message with texts, dates and a large array in nested frames; readAll
+// checks it back.
 void packAll(Packer& p, std::vector<double> const& big) {
   p.packFrame(500, 3);
-  p.pack(static_cast<short>(-12345));
   p.pack(-123456789);
-  p.pack(12345678901234567890ULL);
-  p.pack(3.5f);
-  p.pack(-2.25);
-  p.packBool(true);
-  int const ints[] = {1, -2, 3};
-  p.pack(ints, 3);
-  p.pack(static_cast<float const*>(nullptr), 0);
-  p.pack(vString("hello"));
-  p.pack(vString(""));
   vString const texts[] = {vString("one"), vString(""), vString("three")};
   p.pack(texts, 3);
-  p.pack(vDate(86400L * 365));
-  vDate const dates[] = {vDate(1000L), vDate(vDate::Invalid), vDate(2000L)};
-  p.pack(dates, 3);
+  vDate const dates[] = {vDate(1000L), vDate(vDate::Invalid)};
+  p.pack(dates, 2);
   p.packFrame(501, 1);
   p.pack(big.data(), static_cast<unsigned>(big.size()));
   p.endFrame();
@@ -312,30 +259,15 @@ void packAll(Packer& p, std::vector<double> const& big) {
 
 void readAll(Packer& p, std::vector<double> const& big) {
   EXPECT_EQ(frameOf(p), (Frame{500, 3}));
-  EXPECT_EQ(take<short>(p), -12345);
   EXPECT_EQ(take<int>(p), -123456789);
-  EXPECT_EQ(take<unsigned long long>(p), 12345678901234567890ULL);
-  EXPECT_EQ(take<float>(p), 3.5f);
-  EXPECT_EQ(take<double>(p), -2.25);
-  bool b = false;
-  p.unpackBool(b);
-  EXPECT_TRUE(b);
-  ASSERT_EQ(p.getNElements(), 3u);
-  EXPECT_EQ(takeArray<int>(p), (std::vector<int>{1, -2, 3}));
-  EXPECT_EQ(p.unpack(static_cast<float*>(nullptr)), 0u);
-  EXPECT_EQ(str(take<vString>(p)), "hello");
-  EXPECT_TRUE(take<vString>(p).isEmpty());
   EXPECT_EQ(strs(takeArray<vString>(p)), (std::vector<std::string>{"one", "", "three"}));
-  EXPECT_EQ(take<vDate>(p).getSeconds(), 86400L * 365);
   std::vector<vDate> const dates = takeArray<vDate>(p);
-  ASSERT_EQ(dates.size(), 3u);
+  ASSERT_EQ(dates.size(), 2u);
   EXPECT_EQ(dates[0].getSeconds(), 1000L);
   EXPECT_FALSE(dates[1].isValid());
-  EXPECT_EQ(dates[2].getSeconds(), 2000L);
   EXPECT_EQ(frameOf(p).first, 501);
   EXPECT_EQ(takeArray<double>(p), big);
   p.endFrame();
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
   p.endFrame();
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
 }
@@ -351,51 +283,18 @@ TEST_F(PackerTest, RoundTripThroughEveryWayIn) {
   Packer p(10);
   packAll(p, big);
   Bytes const m = finish(p, 77);
-
-  {
-    SCOPED_TRACE("copied from a buffer");
-    Packer q = fromBytes(m);
-    EXPECT_EQ(q.getState(), Packer::PACKUNPACKING);
-    EXPECT_EQ(q.getMessageTag(), 77);
-    EXPECT_FALSE(q.isSwapped());
-    readAll(q, big);
-  }
-  {
-    SCOPED_TRACE("adopted buffer");
-    unsigned char* raw = new unsigned char[m.size()];
-    std::memcpy(raw, m.data(), m.size());
-    Packer q(static_cast<int>(m.size()), raw);
-    readAll(q, big);
-  }
-  {
-    SCOPED_TRACE("copy and assignment");
-    Packer q = fromBytes(m);
-    Packer copy(q);
-    Packer assigned(5);
-    assigned.pack(1);
-    assigned = q;
-    assigned = assigned;
-    readAll(copy, big);
-    readAll(assigned, big);
-    readAll(q, big);
-  }
-}
-
-TEST_F(PackerTest, EachMessageIsAssembledAfresh) {
-  // A large message with an address-of entry, then a smaller one: the
-  // second must not carry anything of the first.
-  std::vector<int> big(1000, 7);
-  std::vector<int> small = {1, 2};
-  Packer p(0);
-  p.packAddressOf(big.data(), static_cast<unsigned>(big.size()));
-  EXPECT_EQ(finish(p, 1).size(), 16u + 5u + 4000u);
-  p.pack(9);
-  p.packAddressOf(small.data(), 2);
-  EXPECT_EQ(finish(p, 2), message({0x05, 0x09, 0, 0, 0, 0x85, 0x02, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0}, 2));
-  // Without address-of entries the buffer goes out as it stands.
-  p.pack(3);
-  EXPECT_EQ(finish(p, 3), message({0x05, 0x03, 0, 0, 0}, 3));
-  EXPECT_EQ(p.getNAddressOf(), 0);
+  unsigned char* raw = new unsigned char[m.size()];
+  std::memcpy(raw, m.data(), m.size());
+  Packer adopted(static_cast<int>(m.size()), raw);
+  EXPECT_EQ(adopted.getMessageTag(), 77);
+  EXPECT_FALSE(adopted.isSwapped());
+  Packer copy(adopted);
+  Packer assigned(5);
+  assigned.pack(1);
+  assigned = adopted;
+  readAll(adopted, big);
+  readAll(copy, big);
+  readAll(assigned, big);
 }
 
 // Receives a whole message the way a channel does: the header, then the body
@@ -437,7 +336,6 @@ TEST_F(PackerTest, ReceivedBodyGrowsWithWhatArrives) {
   EXPECT_TRUE(in.isSwapped());
   EXPECT_EQ(in.getMessageTag(), 21);
   readAll(in, big);
-  // A message without a body.
   Packer none(0);
   receiveInPieces(none, message({}, 4), 10);
   EXPECT_EQ(none.getState(), Packer::PACKUNPACKING);
@@ -457,271 +355,100 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   // Nothing reads until the body is complete.
   int v = 0;
   EXPECT_EQ(fatalText([&] { p.unpack(v); }), "Packer::unpack: The message is still being received.");
-  EXPECT_EQ(reasonOf([&] { p.next(); }), "The message is still being received.");
-  EXPECT_EQ(p.getNextDataType(), vNOTYPE);
-  EXPECT_EQ(p.getNElements(), 0u);
-  EXPECT_EQ(p.getNRemainingBytes(), 0);
   // Ten bytes come, then the peer goes.
   std::memcpy(p.getReceiveBuffer(0, 10), "0123456789", 10);
-  EXPECT_LE(p.getCapacity(), 65536);
   EXPECT_EQ(reasonOf([&] { p.getReceiveBuffer(1999999999, 2); }),
             "Bytes 1999999999 to 2000000000 lie outside the body of 2000000000 bytes being received.");
-  EXPECT_EQ(reasonOf([&] { p.getReceiveBuffer(-1, 2); }),
-            "Bytes -1 to 0 lie outside the body of 2000000000 bytes being received.");
   EXPECT_EQ(fatalText([&] { p.endReceive(); }),
             "Packer::endReceive: Bad message received. Only 10 of its 2000000000 body bytes were received.");
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-  EXPECT_EQ(reasonOf([&] { p.unpack(v); }), "No more data to unpack.");
-  EXPECT_EQ(fatalText([&] { p.getReceiveBuffer(0, 1); }), "Packer::getReceiveBuffer: No message is being received.");
   EXPECT_EQ(fatalText([&] { p.endReceive(); }), "Packer::endReceive: No message is being received.");
 
   // After a transfer that failed the Packer is reused as ever.
   p.pack(5);
   EXPECT_EQ(finish(p, 1), message({0x05, 0x05, 0, 0, 0}, 1));
-  Packer again(0);
-  again.beginReceive(header.data());
-  again.abortReceive();
-  EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
-  EXPECT_FALSE(again.next());
-  // A bad header is refused before anything is made.
-  Bytes bad = message({});
-  bad[0] = 0;
-  EXPECT_EQ(fatalText([&] { again.beginReceive(bad.data()); }),
-            "Packer::beginReceive: Bad message received. Magic was 40505856 expected 40506070.");
-  EXPECT_EQ(again.getState(), Packer::PACKUNPACKED);
 }
 
-TEST_F(PackerTest, HandWrittenBigEndianMessageReads) {
+// A message from a big-endian host, written by hand: the header and every
+// count turn around, and the data of 16-, 32- and 64-bit numbers, dates and
+// frames; bytes, 128-bit values, complex pairs, half and IBM floats and lobs
+// stay as they came, as the message sent on again shows.
+TEST_F(PackerTest, BigEndianMessageReads) {
   Bytes const m = {
-      0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,  // magic, version
-      0x00, 0x00, 0x00, 0x52, 0x00, 0x00, 0x01, 0x02,  // body length 82, tag 258
-      0x7F, 0x04, 0xD9, 0x00, 0x05,                    // frame 1241, 5
-      0x05, 0xFF, 0xFF, 0xFF, 0xFE,                    // int32 -2
+      0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,        // magic, version
+      0x00, 0x00, 0x00, 0x7B, 0x00, 0x00, 0x01, 0x02,        // body length 123, tag 258
+      0x7F, 0x04, 0xD9, 0x00, 0x05,                          // frame 1241, 5
+      0x05, 0xFF, 0xFF, 0xFF, 0xFE,                          // int32 -2
       0x83, 0x00, 0x00, 0x00, 0x02, 0x00, 0x01, 0xFF, 0xFE,  // int16[2] {1, -2}
-      0x0B, 0x3F, 0x80, 0x00, 0x00,                    // float 1
       0x0C, 0x40, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,  // double 2
       0x08, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08,  // uint64
-      0x8E, 0x00, 0x00, 0x00, 0x03, 0x61, 0x62, 0x00,  // "ab"
       0x91, 0x00, 0x00, 0x00, 0x02, 0x78, 0x00, 0x79, 0x7A, 0x00,  // {"x", "yz"}
-      0x12, 0x00, 0x01, 0x02, 0x03, 0x04,              // date
       0x92, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x00, 0x10, 0x01, 0xFF, 0xFF, 0xFF, 0xFF,  // dates
-      0x7E};
-  ASSERT_EQ(m.size(), 16u + 82u);
-  Packer p = fromBytes(m);
-  EXPECT_TRUE(p.isSwapped());
-  EXPECT_EQ(p.getMessageTag(), 258);
-  EXPECT_EQ(frameOf(p), (Frame{1241, 5}));
-  EXPECT_EQ(take<int>(p), -2);
-  EXPECT_EQ(takeArray<short>(p), (std::vector<short>{1, -2}));
-  EXPECT_EQ(take<float>(p), 1.0f);
-  EXPECT_EQ(take<double>(p), 2.0);
-  EXPECT_EQ(take<unsigned long long>(p), 0x0102030405060708ULL);
-  EXPECT_EQ(str(take<vString>(p)), "ab");
-  EXPECT_EQ(strs(takeArray<vString>(p)), (std::vector<std::string>{"x", "yz"}));
-  EXPECT_EQ(take<vDate>(p).getSeconds(), 0x01020304L);
-  std::vector<vDate> const dates = takeArray<vDate>(p);
-  ASSERT_EQ(dates.size(), 2u);
-  EXPECT_EQ(dates[0].getSeconds(), 16L);
-  EXPECT_FALSE(dates[1].isValid());
-  p.endFrame();
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-}
-
-TEST_F(PackerTest, OtherOrderSwapsOnlyTheListedTypes) {
-  // Counts of every array are turned around; the data only of 16-, 32- and
-  // 64-bit integers, floats, doubles, dates and frames. 128-bit values,
-  // complex pairs, half floats and IBM floats stay as they came.
-  Bytes const body = {
       0x8F, 0x00, 0x00, 0x00, 0x02, 0xA1, 0xA2,                     // uchar8[2]
       0x95, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // complex32[1]
       0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,  // int128
       0x97, 0x00, 0x00, 0x00, 0x02, 0xB1, 0xB2, 0xB3, 0xB4,         // float16[2]
       0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                 // ibmfloat32
       0x93, 0x00, 0x00, 0x00, 0x04, 0xD1, 0xD2, 0xD3, 0xD4,         // lob[4]
-      0x88, 0x00, 0x00, 0x00, 0x01, 1, 2, 3, 4, 5, 6, 7, 8,         // uint64[1]
-      0x7F, 0x12, 0x34, 0x56, 0x78, 0x7E};                          // frame 0x1234, 0x5678
-  Bytes m = {0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01, 0, 0, 0, static_cast<unsigned char>(body.size()),
-             0, 0, 0, 0};
-  m.insert(m.end(), body.begin(), body.end());
+      0x7E};
+  ASSERT_EQ(m.size(), 16u + 123u);
   Packer p = fromBytes(m);
   EXPECT_TRUE(p.isSwapped());
+  EXPECT_EQ(p.getMessageTag(), 258);
+  EXPECT_EQ(frameOf(p), (Frame{1241, 5}));
+  EXPECT_EQ(take<int>(p), -2);
+  EXPECT_EQ(takeArray<short>(p), (std::vector<short>{1, -2}));
+  EXPECT_EQ(take<double>(p), 2.0);
+  EXPECT_EQ(take<unsigned long long>(p), 0x0102030405060708ULL);
+  EXPECT_EQ(strs(takeArray<vString>(p)), (std::vector<std::string>{"x", "yz"}));
+  std::vector<vDate> const dates = takeArray<vDate>(p);
+  ASSERT_EQ(dates.size(), 2u);
+  EXPECT_EQ(dates[0].getSeconds(), 16L);
+  EXPECT_FALSE(dates[1].isValid());
   int steps = 1;
   while (p.next()) ++steps;
-  EXPECT_EQ(steps, 9);
-  // Sent again, the message is in this host's order: compare the entries.
+  EXPECT_EQ(steps, 7);
   Bytes const again = finish(p, 0);
-  Bytes const expected = {
-      0x8F, 0x02, 0x00, 0x00, 0x00, 0xA1, 0xA2,                          //
-      0x95, 0x01, 0x00, 0x00, 0x00, 1, 2, 3, 4, 5, 6, 7, 8,              //
-      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,       //
-      0x97, 0x02, 0x00, 0x00, 0x00, 0xB1, 0xB2, 0xB3, 0xB4,              //
-      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                      //
-      0x93, 0x04, 0x00, 0x00, 0x00, 0xD1, 0xD2, 0xD3, 0xD4,              //
-      0x88, 0x01, 0x00, 0x00, 0x00, 8, 7, 6, 5, 4, 3, 2, 1,              //
-      0x7F, 0x34, 0x12, 0x78, 0x56, 0x7E};
-  EXPECT_EQ(Bytes(again.begin() + 16, again.end()), expected);
+  Bytes const unswapped = {
+      0x8F, 0x02, 0x00, 0x00, 0x00, 0xA1, 0xA2,                     //
+      0x95, 0x01, 0x00, 0x00, 0x00, 1, 2, 3, 4, 5, 6, 7, 8,         //
+      0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16,  //
+      0x97, 0x02, 0x00, 0x00, 0x00, 0xB1, 0xB2, 0xB3, 0xB4,         //
+      0x18, 0xC1, 0xC2, 0xC3, 0xC4,                                 //
+      0x93, 0x04, 0x00, 0x00, 0x00, 0xD1, 0xD2, 0xD3, 0xD4, 0x7E};
+  EXPECT_EQ(Bytes(again.end() - static_cast<std::ptrdiff_t>(unswapped.size()), again.end()), unswapped);
 }
 
-struct StateRow {
-  char const* name;
-  std::function<std::unique_ptr<Packer>()> make;
-};
-
-Bytes twoInts() { return message({0x05, 0x01, 0, 0, 0, 0x05, 0x02, 0, 0, 0}, 6); }
-
-std::vector<StateRow> stateRows() {
-  return {
-      {"PACKINIT", [] { return std::make_unique<Packer>(100); }},
-      {"PACKPACKING",
-       [] {
-         auto p = std::make_unique<Packer>(100);
-         p->pack(1);
-         p->pack(2);
-         return p;
-       }},
-      {"PACKSENT",
-       [] {
-         auto p = std::make_unique<Packer>(100);
-         p->pack(1);
-         p->pack(2);
-         unsigned char const* b;
-         int n;
-         p->getBuffer(&b, n, 6);
-         return p;
-       }},
-      {"PACKUNPACKING",
-       [] {
-         Bytes const m = twoInts();
-         return std::make_unique<Packer>(static_cast<int>(m.size()), m.data());
-       }},
-      {"PACKUNPACKED",
-       [] {
-         Bytes const m = twoInts();
-         auto p = std::make_unique<Packer>(static_cast<int>(m.size()), m.data());
-         int v;
-         p->unpack(v);
-         p->unpack(v);
-         return p;
-       }},
-  };
-}
-
-struct StateOp {
-  int code;
-  std::function<void(Packer&)> apply;
-};
-
-std::vector<StateOp> stateOps() {
-  static Bytes const header = twoInts();
-  return {
-      {100, [](Packer& p) { p.pack(3); }},
-      {101,
-       [](Packer& p) {
-         unsigned char const* b;
-         int n;
-         p.getBuffer(&b, n, 6);
-       }},
-      {102,
-       [](Packer& p) {
-         int const n = p.beginReceive(header.data());
-         std::memcpy(p.getReceiveBuffer(0, n), header.data() + 16, static_cast<std::size_t>(n));
-         p.endReceive();
-       }},
-      {103,
-       [](Packer& p) {
-         int v;
-         p.unpack(v);
-       }},
-      {104, [](Packer& p) { p.discard(); }},
-      {105, nullptr},
-      {106, [](Packer& p) { p.first(); }},
-      {107, [](Packer& p) { EXPECT_EQ(p.getMessageTag(), 6); }},
-  };
-}
-
-// Each operation in a legal and an illegal state, and each kind of outcome;
-// delete is checked below through the destructor.
-TEST_F(PackerTest, CellsOfTheStateTable) {
-  using S = Packer::PackState;
-  enum { INIT, PACKING, SENT, UNPACKING, UNPACKED };
-  struct Cell {
-    int row;
-    int op;     // index into stateOps()
-    int state;  // 0 when the operation raises
-    char const* text;
-  } const cells[] = {
-      {INIT, 0, S::PACKPACKING, nullptr},      {UNPACKING, 0, 0, "Illegal operation 100 for state PACKUNPACKING."},
-      {PACKING, 0, S::PACKPACKING, nullptr},   {PACKING, 1, S::PACKSENT, nullptr},
-      {INIT, 1, 0, "Illegal operation 101 for state PACKINIT."}, {INIT, 2, S::PACKUNPACKING, nullptr},
-      {PACKING, 2, 0, "Illegal operation 102 for state PACKPACKING."}, {SENT, 3, S::PACKUNPACKING, nullptr},
-      {INIT, 3, 0, "Illegal operation 103 for state PACKINIT."}, {UNPACKED, 3, 0, "No more data to unpack."},
-      {UNPACKING, 4, S::PACKUNPACKED, nullptr}, {SENT, 4, 0, "Illegal operation 104 for state PACKSENT."},
-      {UNPACKED, 6, S::PACKUNPACKING, nullptr}, {INIT, 6, 0, "Illegal operation 106 for state PACKINIT."},
-      {SENT, 7, S::PACKSENT, nullptr},         {PACKING, 7, 0, "Illegal operation 107 for state PACKPACKING."},
-  };
-  std::vector<StateRow> const rows = stateRows();
-  std::vector<StateOp> const ops = stateOps();
-  for (Cell const& cell : cells) {
-    SCOPED_TRACE(std::string(rows[cell.row].name) + " op " + std::to_string(ops[cell.op].code));
-    std::unique_ptr<Packer> p = rows[cell.row].make();
-    Packer::PackState const before = p->getState();
-    if (cell.text != nullptr) {
-      EXPECT_EQ(reasonOf([&] { ops[cell.op].apply(*p); }), cell.text);
-      EXPECT_EQ(p->getState(), before);
-    } else {
-      ops[cell.op].apply(*p);
-      EXPECT_EQ(p->getState(), cell.state);
-    }
-    try {
-      p->discard();  // where legal, so that the destructor stays quiet
-    } catch (UtlExcept const&) {
-    }
-  }
-}
-
-TEST_F(PackerTest, DeleteInEachState) {
-  std::vector<StateRow> const rows = stateRows();
-  for (StateRow const& row : rows) {
-    infos().clear();
-    row.make().reset();
-    std::string const name = row.name;
-    if (name == "PACKPACKING" || name == "PACKUNPACKING") {
-      ASSERT_EQ(infos().size(), 1u) << name;
-      EXPECT_EQ(infos()[0], "Packer::~Packer: Packer object deleted while in " + name + " state.");
-    } else {
-      EXPECT_TRUE(infos().empty()) << name;
-    }
-  }
-}
-
-TEST_F(PackerTest, SendingNothingIsIllegalSendingTwiceRepeats) {
+// An operation outside its states is refused and changes nothing; reading
+// past the end is a failure of its own; a Packer deleted in the middle of a
+// message says so.
+TEST_F(PackerTest, StateRules) {
   Packer p(10);
   EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Illegal operation 101 for state PACKINIT.");
-  std::vector<Packer::Segment> segments;
-  EXPECT_EQ(reasonOf([&] { p.getSegments(segments, 0); }), "Illegal operation 101 for state PACKINIT.");
-  std::ostringstream out;
-  EXPECT_EQ(reasonOf([&] { p.dumpBytes(out); }), "Illegal operation 101 for state PACKINIT.");
+  EXPECT_EQ(p.getState(), Packer::PACKINIT);
   // A second finish resends the same bytes, the first tag included.
-  p.pack(5);
+  p.pack(5u);
   Bytes const first = finish(p, 1);
+  EXPECT_EQ(first, message({0x06, 0x05, 0, 0, 0}, 1));
   EXPECT_EQ(finish(p, 2), first);
   EXPECT_EQ(p.getMessageTag(), 1);
-}
-
-TEST_F(PackerTest, UnbalancedFramesAreRefusedAtTheFinish) {
-  Packer p(0);
-  p.packFrame(1, 1);
-  p.packFrame(2, 1);
-  p.endFrame();
-  EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Number of packframes does not match endframes");
-  EXPECT_EQ(p.getState(), Packer::PACKPACKING);
-  p.endFrame();
-  EXPECT_EQ(bodyOf(p), (Bytes{0x7F, 1, 0, 1, 0, 0x7F, 2, 0, 1, 0, 0x7E, 0x7E}));
-
-  // A message whose frame does not end raises when its last entry is read.
-  Packer q = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
-  frameOf(q);
-  EXPECT_EQ(reasonOf([&] { take<int>(q); }), "Number of packframes does not match endframes");
+  EXPECT_EQ(take<unsigned>(p), 5u);
+  EXPECT_EQ(fatalText([&] { take<unsigned>(p); }), "Packer::unpack: No more data to unpack.");
+  p.first();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKING);
+  p.discard();
+  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  // Frames must be balanced before the message goes.
+  for (bool sent : {false, true}) {
+    Packer q(0);
+    q.packFrame(1, 1);
+    if (!sent) continue;
+    EXPECT_EQ(fatalText([&] { finish(q); }), "Packer::getBuffer: Number of packframes does not match endframes");
+    q.endFrame();
+    finish(q);
+  }
+  ASSERT_EQ(infos().size(), 1u);
+  EXPECT_EQ(infos()[0], "Packer::~Packer: Packer object deleted while in PACKPACKING state.");
 }
 
 TEST_F(PackerTest, MismatchedTypes) {
@@ -746,34 +473,24 @@ TEST_F(PackerTest, MismatchedTypes) {
   short fv;
   EXPECT_EQ(fatalText([&] { p.unpackFrame(fm, fv); }),
             "Packer::unpackFrame: Mismatched data type. Data is 133, asked for 127.");
-  bool b;
-  EXPECT_EQ(reasonOf([&] { p.unpackBool(b); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vBOOL8.");
   // A failed read consumes nothing.
   int back[2];
   EXPECT_EQ(p.unpack(back), 2u);
   EXPECT_EQ(fatalText([&] { p.endFrame(); }), "Packer::endFrame: Mismatched data type. Data is 5, asked for 126.");
-  p.unpack(i);
-  EXPECT_EQ(i, 7);
-  EXPECT_EQ(reasonOf([&] { p.unpack(i); }), "Mismatched data type. Data is ArrayOfvCHAR8, asked for vINT32.");
+  EXPECT_EQ(take<int>(p), 7);
 }
 
 TEST_F(PackerTest, CapacityAndGrowth) {
   Packer q(5);
-  EXPECT_EQ(q.getCapacity(), 8);
-  q.setCapacity(0);
-  EXPECT_EQ(q.getCapacity(), 0);
   EXPECT_EQ(fatalText([&] { q.setCapacity(-1); }), "Packer::setCapacity: Capacity cannot be negative, -1 was supplied.");
   int const ints[] = {1, 2, 3, 4, 5, 6, 7, 8};
   q.pack(ints, 8);  // 16 + 5 + 32 = 53 bytes in use
   EXPECT_EQ(reasonOf([&] { q.setCapacity(36); }),
             "Cannot set capacity to less than already used.Used=53 Supplied=36.");
-  q.setCapacity(37);
+  q.setCapacity(37);  // rounded up to whole words, the data kept
   EXPECT_EQ(q.getCapacity(), 40);
-  q.pack(9);
-  int back[8];
   finish(q);
-  q.unpack(back);
-  EXPECT_EQ(back[7], 8);
+  EXPECT_EQ(takeArray<int>(q), std::vector<int>(ints, ints + 8));
 }
 
 TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
@@ -782,8 +499,6 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
   // Refused before anything is read from the pointer.
   EXPECT_EQ(fatalText([&] { p.pack(reinterpret_cast<double const*>(&c), 0x80000000u); }),
             "Packer::pack: Requested number of bytes (17179869184) was invalid.");
-  EXPECT_EQ(reasonOf([&] { p.packAddressOf(reinterpret_cast<double const*>(&c), 0x10000000u); }),
-            "Requested number of bytes (2147483648) was invalid.");
   EXPECT_EQ(p.getState(), Packer::PACKINIT);
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(static_cast<float const*>(nullptr), 3); }),
             "Null data given for 3 elements of vFLOAT32.");
@@ -799,21 +514,18 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
             "Packer cannot handle >2gig. Has 1800000031, wanted another 600000000.");
 }
 
-// A class at two versions: version 2 added a field.
+// A class at two versions: version 2 added a field and a nested frame, which
+// a version 1 reader skips.
 class Sample : public Packable {
  public:
-  static constexpr short Magic = 4321;
   explicit Sample(short version) : m_version(version) {}
   void pack(Packer& p) const override {
-    p.packFrame(Magic, m_version);
+    p.packFrame(4321, m_version);
     p.pack(a);
-    p.pack(name);
     if (m_version >= 2) {
       p.pack(extra);
-      // A nested object and a frame of its own, unknown to version 1.
       p.packFrame(77, 1);
-      double const ds[] = {1, 2};
-      p.pack(ds, 2);
+      p.pack(extra);
       p.endFrame();
     }
     p.endFrame();
@@ -822,91 +534,45 @@ class Sample : public Packable {
     short magic;
     short version;
     p.unpackFrame(magic, version);
-    if (magic != Magic) Message::fatal("Sample::unpack", 0, "Bad magic value %d, expected %d.", magic, Magic);
     p.unpack(a);
-    p.unpack(name);
-    if (version >= 2 && m_version >= 2) {
-      p.unpack(extra);
-      short nestedMagic;
-      short nestedVersion;
-      p.unpackFrame(nestedMagic, nestedVersion);
-      std::vector<double> ds(p.getNElements());
-      p.unpack(ds.data());
-      p.endFrame();
-    }
-    if (version > m_version) {
+    if (version > m_version)
       p.skipFrame();
-    } else {
+    else
       p.endFrame();
-    }
   }
   int a = 0;
-  vString name;
   double extra = -1;
 
  private:
   short m_version;
 };
 
-TEST_F(PackerTest, OlderAndNewerReadersOfAFrame) {
+TEST_F(PackerTest, OlderReaderSkipsANewerFrame) {
   Sample v2(2);
   v2.a = 5;
-  v2.name = "five";
   v2.extra = 2.5;
   Packer p(0);
   p.pack(v2);
   p.pack(11);
-  p.pack(v2);
   finish(p);
   Sample v1(1);
   p.unpack(v1);
   EXPECT_EQ(v1.a, 5);
-  EXPECT_EQ(str(v1.name), "five");
-  EXPECT_EQ(v1.extra, -1);
   EXPECT_EQ(take<int>(p), 11);
   EXPECT_EQ(p.getFrameDepth(), 0);
-  // The newer frame at the very end: the skip ends the message cleanly.
-  Sample last(1);
-  p.unpack(last);
-  EXPECT_EQ(last.a, 5);
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-
-  // A newer reader keeps its defaults for what an older frame lacks.
-  Packer q(0);
-  q.pack(v1);
-  finish(q);
-  Sample newer(2);
-  newer.extra = 9;
-  q.unpack(newer);
-  EXPECT_EQ(newer.a, 5);
-  EXPECT_EQ(newer.extra, 9);
-  EXPECT_EQ(q.getState(), Packer::PACKUNPACKED);
 }
 
 TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
-  Packer p(0);
-  p.packFrame(1, 1);
-  p.pack(1);
-  p.packFrame(2, 1);
-  p.pack(2);
-  p.endFrame();
-  p.endFrame();
-  p.pack(3);
-  p.pack(4);
-  finish(p);
+  Bytes const frame = {0x7F, 1, 0, 1, 0}, int1 = {0x05, 1, 0, 0, 0}, int2 = {0x05, 2, 0, 0, 0};
+  Packer p = fromBytes(message(frame + int1 + frame + int1 + Bytes{0x7E, 0x7E} + int2 + int1));
   p.skipFrame();
-  EXPECT_EQ(take<int>(p), 3);
+  EXPECT_EQ(take<int>(p), 2);
   // After a frame end the skip takes the next single entry.
-  Packer q(0);
-  q.packFrame(1, 1);
-  q.endFrame();
-  q.pack(5);
-  q.pack(6);
-  finish(q);
+  Packer q = fromBytes(message(frame + Bytes{0x7E} + int1 + int2));
   frameOf(q);
   q.endFrame();
   q.skipFrame();
-  EXPECT_EQ(take<int>(q), 6);
+  EXPECT_EQ(take<int>(q), 2);
   // Skipping, or skipping the rest, off the end of a truncated frame is quiet.
   for (bool rest : {false, true}) {
     Packer r = fromBytes(message({0x7F, 1, 0, 1, 0, 0x05, 1, 0, 0, 0}));
@@ -917,62 +583,30 @@ TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
       r.skipFrame();
     EXPECT_EQ(r.getState(), Packer::PACKUNPACKED) << rest;
   }
-}
-
-// A reader whose last known field is a frame of its own, facing a newer
-// writer that added an int and a nested frame after it.
-TEST_F(PackerTest, SkipRestOfFrameAfterANestedFrame) {
-  Packer p(0);
-  p.packFrame(10, 2);
-  p.packFrame(11, 1);
-  p.pack(1);
-  p.endFrame();
-  p.pack(2);
-  p.packFrame(12, 1);
-  p.pack(3);
-  p.endFrame();
-  p.endFrame();
-  p.pack(4);
-  finish(p);
-  frameOf(p);
-  frameOf(p);
-  take<int>(p);
-  p.endFrame();
-  p.skipRestOfFrame();
-  EXPECT_EQ(take<int>(p), 4);
-  EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
+  // Skipping the rest of a frame passes over the frames nested in it.
+  Packer n = fromBytes(message({0x7F, 1, 0, 1, 0, 0x7F, 2, 0, 1, 0, 0x7E, 0x7E, 0x05, 4, 0, 0, 0}));
+  frameOf(n);
+  n.skipRestOfFrame();
+  EXPECT_EQ(take<int>(n), 4);
 }
 
 TEST_F(PackerTest, StlRanges) {
   std::vector<int> const ints = {7, -8};
-  std::list<vString> const names = {vString("a"), vString("bc")};
   std::vector<bool> const flags = {true, false};
   Packer p(0);
   pack(p, ints.begin(), ints.end());
-  pack(p, names.begin(), names.end());
   pack(p, flags.cbegin(), flags.cend());
-  std::vector<int> const none;
-  pack(p, none.begin(), none.end());
   Bytes const m = finish(p);
   Bytes const firstRange = {0x7F, 0x43, 0x00, 0x01, 0x00, 0x05, 0x02, 0, 0, 0, 0x05, 0x07, 0, 0, 0,
                             0x05, 0xF8, 0xFF, 0xFF, 0xFF, 0x7E};
   EXPECT_EQ(Bytes(m.begin() + 16, m.begin() + 16 + firstRange.size()), firstRange);
-
   std::vector<int> intsBack;
-  std::set<vString> namesBack;
   std::vector<bool> flagsBack;
-  std::vector<int> noneBack;
   unpack(p, std::back_inserter(intsBack), 0);
-  unpack(p, std::inserter(namesBack, namesBack.end()), vString());
   unpack(p, std::back_inserter(flagsBack), false);
-  unpack(p, std::back_inserter(noneBack), 0);
   EXPECT_EQ(intsBack, ints);
-  ASSERT_EQ(namesBack.size(), 2u);
-  EXPECT_EQ(str(*namesBack.begin()), "a");
   EXPECT_EQ(flagsBack, flags);
-  EXPECT_TRUE(noneBack.empty());
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
-
   EXPECT_EQ(fatalText([&] { pack(p, ints.end(), ints.begin()); }),
             "Packer::pack(STL): InputIterators appear to be in the wrong order.");
 }
@@ -993,6 +627,7 @@ TEST_F(PackerTest, StlRangeChecks) {
 }
 
 TEST_F(PackerTest, HeaderChecks) {
+  auto twoInts = [] { return message({0x05, 0x01, 0, 0, 0, 0x05, 0x02, 0, 0, 0}, 6); };
   Bytes m = twoInts();
   m[0] = 1;
   EXPECT_EQ(fatalText([&] { fromBytes(m); }),
@@ -1013,12 +648,6 @@ TEST_F(PackerTest, HeaderChecks) {
   // The adopted buffer is freed when the constructor raises.
   EXPECT_EQ(fatalText([&] { Packer(static_cast<int>(m.size()), raw); }),
             "Packer::Packer(size,buf): Bad message received. Magic was 40505856 expected 40506070.");
-  // A version word in the other order is accepted.
-  m = message({0x05, 0x2A, 0, 0, 0});
-  m[4] = 0;
-  m[7] = 1;  // 0x01000000
-  Packer p = fromBytes(m);
-  EXPECT_EQ(take<int>(p), 42);
 }
 
 TEST_F(PackerTest, ForgedEntries) {
@@ -1028,12 +657,8 @@ TEST_F(PackerTest, ForgedEntries) {
   };
   std::vector<Case> const cases = {
       {{0x05, 1, 0}, "Corrupt message: the entry at offset 16 runs past the end of the message (19 bytes)."},
-      {{0x85, 0xFF, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4},
-       "Corrupt message: the entry at offset 16 runs past the end of the message (25 bytes)."},
       {{0x91, 0x00, 0x00, 0x00, 0x40, 0x61, 0x00},
        "Corrupt message: the entry at offset 16 runs past the end of the message (23 bytes)."},
-      {{0x92, 0x02, 0x00, 0x00, 0x00, 0, 1, 2, 3, 4},
-       "Corrupt message: the entry at offset 16 runs past the end of the message (26 bytes)."},
       {{0x32}, "Unknown DataType 50."},
       {{0x11, 0, 0, 0, 0}, "Corrupt message: the vSTRING entry at offset 16 is not an array."},
       {{0x80, 0xFF, 0xFF, 0xFF, 0xFF}, "Corrupt message: the entry at offset 16 is an array of ArrayOfvNOTYPE."},
@@ -1047,10 +672,8 @@ TEST_F(PackerTest, ForgedEntries) {
   for (Case const& c : cases) {
     SCOPED_TRACE(c.text);
     Packer p = fromBytes(message(c.body));
-    // Each way of looking at the entry refuses it.
     EXPECT_EQ(reasonOf([&] { p.getNElements(); }), c.text);
-    EXPECT_EQ(reasonOf([&] { p.next(); }), c.text);
-    // And so does the byte order walk, with the header in the other order.
+    // And the byte order walk, with the header in the other order.
     Bytes swapped = message(c.body);
     for (int w = 0; w < 4; ++w) std::reverse(swapped.begin() + 4 * w, swapped.begin() + 4 * w + 4);
     EXPECT_EQ(reasonOf([&] { fromBytes(swapped); }), c.text);
@@ -1061,92 +684,25 @@ TEST_F(PackerTest, ForgedEntries) {
   EXPECT_EQ(reasonOf([&] { forged.unpack(d); }), cases.back().text);
 }
 
-// Reads whatever the message holds, by its type bytes, the way a generic
-// reader would; returns the number of entries read.
-int readAnything(Packer& p) {
-  int n = 0;
-  while (p.getState() == Packer::PACKUNPACKING) {
-    int const t = p.getNextDataType();
-    p.getNElements();  // looks the entry over before it is read
-    switch (t) {
-      case vARRAYOF | vCHAR8: take<vString>(p); break;
-      case vARRAYOF | vSTRING: takeArray<vString>(p); break;
-      case vARRAYOF | vDATE: takeArray<vDate>(p); break;
-      case vDATE: take<vDate>(p); break;
-      case vARRAYOF | vFLOAT64: takeArray<double>(p); break;
-      case vINT32: take<int>(p); break;
-      case vPACKFRAME: frameOf(p); break;
-      case vENDFRAME: p.endFrame(); break;
-      default: p.next(); break;
-    }
-    ++n;
-  }
-  return n;
-}
-
-TEST_F(PackerTest, EveryTruncationEndsInAnErrorOrAShorterMessage) {
-  std::vector<double> const big(20, 1.0);
-  Packer p(0);
-  packAll(p, big);
-  Bytes const m = finish(p);
-  int clean = 0;
-  for (std::size_t length = 16; length < m.size(); ++length) {
-    Bytes cut(m.begin(), m.begin() + static_cast<std::ptrdiff_t>(length));
-    uint32_t const body = static_cast<uint32_t>(length - 16);
-    std::memcpy(cut.data() + 8, &body, 4);
-    for (bool swapped : {false, true}) {
-      Bytes in = cut;
-      if (swapped) {
-        // Header words only: the body stays as it was, which is garbage in
-        // the other order.
-        for (int w = 0; w < 4; ++w) std::reverse(in.begin() + 4 * w, in.begin() + 4 * w + 4);
-      }
-      try {
-        // A copy the exact size, so that the sanitizers see any overrun.
-        std::unique_ptr<unsigned char[]> exact(new unsigned char[in.size()]);
-        std::memcpy(exact.get(), in.data(), in.size());
-        Packer q(static_cast<int>(in.size()), static_cast<unsigned char const*>(exact.get()));
-        readAnything(q);
-        ++clean;
-      } catch (UtlExcept const&) {
-      }
-    }
-  }
-  // Cuts at entry boundaries outside frames read cleanly: there are few.
-  EXPECT_GE(clean, 1);
-}
-
 }  // namespace
 
-// A swap hands over everything, buffer and caller arrays included.
+// A swap hands over everything: buffer, read position and tag.
 TEST_F(PackerTest, SwapExchangesTheWholeState) {
   float const samples[] = {1.5f, 2.5f, 3.5f};
   Packer a(0);
   a.pack(7);
   a.packAddressOf(samples, 3);
   a.pack(8);
-  unsigned char const* bytes = nullptr;
-  int size = 0;
-  a.getBuffer(&bytes, size, 42);
-  Packer received(size, bytes);
-  int v = 0;
-  received.unpack(v);
-  EXPECT_EQ(7, v);
-
+  Packer received = fromBytes(finish(a, 42));
+  EXPECT_EQ(take<int>(received), 7);
   Packer b(0);
   b.pack(99);
   b.swap(received);
-  float out[3] = {0, 0, 0};
-  EXPECT_EQ(3u, b.unpack(out));
-  EXPECT_EQ(2.5f, out[1]);
-  b.unpack(v);
-  EXPECT_EQ(8, v);
-  EXPECT_EQ(42, b.getMessageTag());
-  EXPECT_EQ(Packer::PACKUNPACKED, b.getState());
-
+  EXPECT_EQ(takeArray<float>(b), (std::vector<float>{1.5f, 2.5f, 3.5f}));
+  EXPECT_EQ(take<int>(b), 8);
+  EXPECT_EQ(b.getMessageTag(), 42);
+  EXPECT_EQ(b.getState(), Packer::PACKUNPACKED);
   // The other side holds what b was packing, and finishes it as usual.
-  received.getBuffer(&bytes, size, 5);
-  Packer again(size, bytes);
-  again.unpack(v);
-  EXPECT_EQ(99, v);
+  Packer again = fromBytes(finish(received, 5));
+  EXPECT_EQ(take<int>(again), 99);
 }

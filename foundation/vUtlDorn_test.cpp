@@ -1,25 +1,9 @@
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <new>
-#include <string>
 
-#include "foundation/vString.h"
 #include "foundation/vUtl.h"
-
-TEST(vUtlSignals, ListedSignalsHaveTheirTextTheOthersNone) {
-  struct {
-    int number;
-    char const* text;
-  } const table[] = {
-      {29, "SIGPOLL Pollable event (Sys V). Synonym of SIGIO."},
-  };
-  for (auto const& entry : table) EXPECT_STREQ(entry.text, vUtl::signalText(entry.number)) << entry.number;
-  for (int unlisted : {0, 16, 30}) EXPECT_EQ(nullptr, vUtl::signalText(unlisted)) << unlisted;
-}
 
 TEST(vUtlSignalsDeathTest, EachSignalEndsTheProcessItsOwnWay) {
   // Termination prints its text and no stack.
@@ -48,43 +32,4 @@ TEST(vUtlMemory, NoMoreMemoryReportsAndThrows) {
   EXPECT_EQ("\nMEMORY: process could not allocate any more memory.\n", ::testing::internal::GetCapturedStderr());
   EXPECT_EQ(nullptr, std::get_new_handler());
   std::set_new_handler(old);
-}
-
-TEST(vUtlStartDeathTest, StartSetsUpTheProcess) {
-  EXPECT_EXIT(
-      {
-        ::unsetenv("PELLIN_FONT_PATH");
-        ::umask(022);
-        vUtl::startDorn(false);
-        if (std::get_new_handler() != vUtl::noMoreMemory) std::exit(2);
-        mode_t const mask = ::umask(0);
-        if (mask != 0) std::exit(3);
-        char const* fonts = std::getenv("PELLIN_FONT_PATH");
-        vString expected = vUtl::releaseDirectory();
-        expected += "/Pellin/fonts";
-        if (!fonts || expected != fonts) std::exit(4);
-        // Only the first call sets the font path; every call restores the
-        // allocation handler and the mask.
-        ::setenv("PELLIN_FONT_PATH", "/elsewhere", 1);
-        std::set_new_handler(nullptr);
-        ::umask(077);
-        vUtl::startDorn(false);
-        if (std::strcmp(std::getenv("PELLIN_FONT_PATH"), "/elsewhere") != 0) std::exit(5);
-        if (std::get_new_handler() != vUtl::noMoreMemory) std::exit(6);
-        if (::umask(0) != 0) std::exit(7);
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(0), "");
-}
-
-TEST(vUtlStack, PrintStackWritesFramesToStandardError) {
-  ::testing::internal::CaptureStderr();
-  vUtl::printStack();
-  std::string const err = ::testing::internal::GetCapturedStderr();
-  size_t const head = err.find("----- stack -----\n");
-  ASSERT_NE(std::string::npos, head) << err;
-  size_t const tail = err.find("-----------------\n", head + 18);
-  ASSERT_NE(std::string::npos, tail) << err;
-  // At least the caller's frame lies between the two rules.
-  EXPECT_GT(tail, head + 18) << err;
 }

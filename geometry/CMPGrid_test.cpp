@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "attribute/AttributeTesting.h"
 #include "attribute/Property.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "foundation/TestFailure.h"
@@ -37,12 +36,6 @@ TEST(CMPGrid, KeptAsPropertiesOfAnInMemoryStore) {
   CMPGrid const back(store);
   EXPECT_EQ(grid, back);
   EXPECT_EQ(grid.getLastCMP(), back.getLastCMP());
-  // The grid travels with the store across a channel.
-  Packer out;
-  out.pack(store);
-  InMemoryStore received{vHandle<Project>()};
-  attribute_testing::receive(out)->unpack(received);
-  EXPECT_EQ(grid, CMPGrid(received));
 
   // Writing again replaces; the line step alone is enough to tell padding.
   CMPGrid const other(1, 1, 1, 1, 3, 1, 1, 4, vCoordinate(), 10.0f, 10.0f, 0.0, CMPBasicGrid::ALONG_CROSSLINES);

@@ -61,34 +61,6 @@ std::string names(MapdataReader const& reader) {
   return std::string(x.c_str()) + " " + y.c_str() + " " + v.c_str() + " " + l.c_str();
 }
 
-TEST(MapdataReader, SeismicNamesArePreferredInPassOrder) {
-  struct Case {
-    std::vector<Column> columns;
-    char const* chosen;
-  };
-  Case const cases[] = {
-      // The first pair wins when it is whole: pass 2 does not run.
-      {{{"X", vFLOAT64}, {"XVAL", vFLOAT64}, {"Y", vFLOAT64}, {"YVAL", vFLOAT64}, {"Z", vFLOAT32}, {"ATVAL", vFLOAT32}},
-       "XVAL YVAL ATVAL ATVAL"},
-      // A partial pass is overwritten by the next.
-      {{{"XVAL", vFLOAT64}, {"X", vFLOAT64}, {"Y", vFLOAT64}, {"Z", vINT32}}, "X Y Z Z"},
-      {{{"XCOORD", vINT32}, {"YCOORD", vINT64}, {"DEPTH", vFLOAT32}}, "XCOORD YCOORD DEPTH DEPTH"},
-      {{{"XCOORD", vINT32}, {"TIME", vFLOAT32}, {"CROSSLINE", vINT32}, {"INLINE", vINT32}},
-       "CROSSLINE INLINE TIME TIME"},
-      {{{"XLINE", vINT32}, {"INLINE", vINT32}, {"CMP.FOLD", vINT32}}, "XLINE INLINE CMP.FOLD CMP.FOLD"},
-      // With a value but no position, the midpoint coordinates.
-      {{{"TIME", vFLOAT32}, {"CMP.RW.X", vFLOAT64}, {"CMP.Y", vFLOAT64}}, "CMP.RW.X CMP.Y TIME TIME"},
-      {{{"STATIC", vFLOAT32}, {"CMP.X", vFLOAT64}, {"CMP.RW.Y", vFLOAT64}, {"LOCATOR", vINT32}},
-       "CMP.X CMP.RW.Y STATIC LOCATOR"},
-      {{{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}, {"VALUE", vINT64}}, "XVAL YVAL ATVAL VALUE"},
-  };
-  for (Case const& c : cases) {
-    MapdataReader reader(makeStore("seismic", "2d", c.columns));
-    EXPECT_TRUE(reader.isValid()) << c.chosen;
-    EXPECT_EQ(c.chosen, names(reader));
-  }
-}
-
 TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
   vHandle<Store> store = makeStore(
       "seismic", "2d", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}, {"E", vINT32}, {"N", vINT32},
@@ -101,16 +73,10 @@ TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
 }
 
 TEST(MapdataReader, OtherClassesNeedTheProperty) {
-  std::vector<Column> const columns = {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}};
-  vHandle<Store> store = makeStore("horizon", "none", columns);
-  MapdataReader without(store);
+  MapdataReader without(makeStore("horizon", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}));
   EXPECT_FALSE(without.isValid());
   EXPECT_EQ("   ", names(without));
   EXPECT_TRUE(without.getNames().empty());
-  setPlotProperty(store, "YVAL", "XVAL", "ATVAL");
-  MapdataReader with(store);
-  EXPECT_TRUE(with.isValid());
-  EXPECT_EQ("YVAL XVAL ATVAL ATVAL", names(with));
 }
 
 TEST(MapdataReader, UnusableChoicesMakeTheReaderInvalid) {
@@ -126,19 +92,6 @@ TEST(MapdataReader, UnusableChoicesMakeTheReaderInvalid) {
     EXPECT_FALSE(reader->isValid());
     EXPECT_EQ("   ", names(*reader));
   }
-}
-
-TEST(MapdataReader, ScalarNamesAreThoseOfLengthOne) {
-  InMemoryStore* store = new InMemoryStore(vHandle<Project>());
-  vHandle<Store> handle(store);
-  store->create("s", "seismic", "2d", KeyList(), nullptr);
-  store->addAttribute(Attribute("XVAL", "", vFLOAT64));
-  store->addAttribute(Attribute("TRACE", "", vFLOAT32, 4));
-  store->addAttribute(Attribute("YVAL", "", vFLOAT64));
-  MapdataReader reader(handle);
-  ASSERT_EQ(2u, reader.getNames().size());
-  EXPECT_STREQ("XVAL", reader.getNames()[0].c_str());
-  EXPECT_STREQ("YVAL", reader.getNames()[1].c_str());
 }
 
 TEST(MapdataReader, ColumnsAreCopiedByTheirType) {
@@ -236,13 +189,6 @@ TEST_F(Timeslice, AGridPointPerInlineAndCrossline) {
   EXPECT_EQ((std::vector<double>{0, 10, 1, 11, 2, 12}), column(grid, "AMPLITUDE.000100", 1, 6));
   EXPECT_EQ((std::vector<double>{1000, 1010, 1001, 1011, 1002, 1012}), column(grid, "AMPLITUDE.000104", 1, 6));
   EXPECT_EQ((std::vector<double>{1011, 1002}), column(grid, "AMPLITUDE.000104", 4, 5));
-}
-
-TEST_F(Timeslice, SlicesAreReadByTheirPlaceInTheStore) {
-  // A time's place among the sorted times is the place of its traces.
-  vHandle<Store> slices = makeSlices({104.0f, 100.0f}, {20, 21}, 2, 10.0, 1.0);
-  TimesliceToMapdataDecorator grid(slices);
-  EXPECT_EQ((std::vector<double>{1000, 1010, 1001, 1011}), column(grid, "AMPLITUDE.000104", 1, 4));
 }
 
 TEST_F(Timeslice, SliceNamesHaveSixDigits) {

@@ -76,73 +76,9 @@ std::string notAvailable(char const* className) {
          " is not available: no maker is registered for it (see registerRondoClasses).";
 }
 
-// --- the class by project type and host ---------------------------------------------------
-
-TEST(AttributeSetFactoryCreate, ClassByProjectType) {
-  SetStandIns standIns;
-  PropertyTree noProperties("");
-  struct Case {
-    ProjectType::PROJECT_TYPE type;
-    char const* className;
-  };
-  for (Case c : {Case{ProjectType::UNITTEST, "InMemoryAttributeSet"}, Case{ProjectType::ZONMESH, "ClientAttributeSet"}}) {
-    made().clear();
-    vHandle<Project> project = projectOn("127.0.0.101", c.type);
-    vHandle<AttributeSet> set = AttributeSetFactory::create(project);
-    ASSERT_EQ(1u, made().size()) << c.type;
-    EXPECT_EQ(c.className, made()[0].className) << c.type;
-    EXPECT_EQ(project.get(), set->getProject().get()) << c.type;
-  }
-}
-
-TEST(AttributeSetFactoryCreate, TheInProcessTypeOnThisHostIsServedHere) {
-  SetStandIns standIns;
-  PropertyTree noProperties("");
-  vHandle<Project> local = projectOn(vUtl::gethostname().c_str(), ProjectType::ZONMESH);
-  vHandle<AttributeSet> set = AttributeSetFactory::create(local);
-  CapiAttributeSetW* wrapper = dynamic_cast<CapiAttributeSetW*>(set.get());
-  ASSERT_NE(nullptr, wrapper);
-  EXPECT_TRUE(made().empty());
-  // Other types on this host are not.
-  AttributeSetFactory::create(projectOn(vUtl::gethostname().c_str(), ProjectType::RONDO));
-  ASSERT_EQ(1u, made().size());
-  EXPECT_EQ("ClientAttributeSet", made()[0].className);
-}
-
-// The switch is read once per process: each case runs in a process of its
-// own.
-TEST(AttributeSetFactoryCreate, BypassingTheDataServerServesTheInProcessTypeHere) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  for (char const* value : {"1", "0"}) {
-    EXPECT_EXIT(
-        {
-          ::setenv("CAPI_DISABLERONDODATASERVER", value, 1);
-          SetStandIns standIns;
-          PropertyTree noProperties("");
-          vHandle<AttributeSet> zon = AttributeSetFactory::create(projectOn("127.0.0.102", ProjectType::ZONMESH));
-          vHandle<AttributeSet> rondo = AttributeSetFactory::create(projectOn("127.0.0.102", ProjectType::RONDO));
-          bool here = dynamic_cast<CapiAttributeSetW*>(zon.get()) != nullptr;
-          bool rondoHere = dynamic_cast<CapiAttributeSetW*>(rondo.get()) != nullptr;
-          std::exit((here ? 1 : 0) + (rondoHere ? 2 : 0) + 10 * static_cast<int>(made().size()));
-        },
-        ::testing::ExitedWithCode(value[0] == '1' ? 11 : 20), "")
-        << value;
-  }
-}
-
-TEST(AttributeSetFactoryCreate, ClassesWithoutAMaker) {
-  SetStandIns standIns;
-  PropertyTree noProperties("");
-  AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", nullptr);
-  expectFatal([] { AttributeSetFactory::create(projectOn("127.0.0.103", ProjectType::UNITTEST)); },
-              "AttributeSetFactory::create", notAvailable("InMemoryAttributeSet"));
-  AttributeSetFactory::registerSetMaker("ClientAttributeSet", nullptr);
-  expectFatal([] { AttributeSetFactory::create(projectOn("127.0.0.103", ProjectType::KELP)); },
-              "AttributeSetFactory::create", notAvailable("ClientAttributeSet"));
-  EXPECT_TRUE(made().empty());
-}
-
-TEST(AttributeSetFactoryCreate, ADeferredProjectIsOpenedAndTakenOut) {
+// A deferred project is opened and taken out first; the in-process type is
+// served here on this host only.
+TEST(AttributeSetFactoryCreate, ClassByProjectTypeAndHost) {
   SetStandIns standIns;
   PropertyTree noProperties("");
   vHandle<Project> inner(
@@ -152,11 +88,37 @@ TEST(AttributeSetFactoryCreate, ADeferredProjectIsOpenedAndTakenOut) {
   deferred->open("survey");
   vHandle<AttributeSet> set = AttributeSetFactory::create(deferred);
   ASSERT_EQ(1u, made().size());
+  EXPECT_EQ("InMemoryAttributeSet", made()[0].className);
   EXPECT_EQ(inner.get(), made()[0].project);
   EXPECT_TRUE(jit->isReallyOpen());
+
+  std::string const here = str(vUtl::gethostname());
+  set = AttributeSetFactory::create(projectOn(here.c_str(), ProjectType::ZONMESH));
+  EXPECT_NE(nullptr, dynamic_cast<CapiAttributeSetW*>(set.get()));
+  AttributeSetFactory::create(projectOn("127.0.0.101", ProjectType::ZONMESH));
+  AttributeSetFactory::create(projectOn(here.c_str(), ProjectType::RONDO));
+  ASSERT_EQ(3u, made().size());
+  EXPECT_EQ("ClientAttributeSet", made()[1].className);
+  EXPECT_EQ("ClientAttributeSet", made()[2].className);
 }
 
-// --- the queue ---------------------------------------------------------------------------
+// The switch is read once per process: the case runs in a process of its
+// own.
+TEST(AttributeSetFactoryCreate, BypassingTheDataServerServesTheInProcessTypeHere) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        ::setenv("CAPI_DISABLERONDODATASERVER", "1", 1);
+        SetStandIns standIns;
+        PropertyTree noProperties("");
+        vHandle<AttributeSet> zon = AttributeSetFactory::create(projectOn("127.0.0.102", ProjectType::ZONMESH));
+        vHandle<AttributeSet> rondo = AttributeSetFactory::create(projectOn("127.0.0.102", ProjectType::RONDO));
+        bool here = dynamic_cast<CapiAttributeSetW*>(zon.get()) != nullptr;
+        bool rondoHere = dynamic_cast<CapiAttributeSetW*>(rondo.get()) != nullptr;
+        std::exit((here ? 1 : 0) + (rondoHere ? 2 : 0) + 10 * static_cast<int>(made().size()));
+      },
+      ::testing::ExitedWithCode(11), "");
+}
 
 TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   SetStandIns standIns;
@@ -172,26 +134,13 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   EXPECT_EQ(first.get(), AttributeSetFactory::create(projectOn("127.0.0.105", ProjectType::RONDO)).get());
   EXPECT_EQ(second.get(), AttributeSetFactory::create(projectOn("127.0.0.105", ProjectType::KELP)).get());
   EXPECT_TRUE(made().empty());
-  expectFatal([] { AttributeSetFactory::create(projectOn("127.0.0.105", ProjectType::RONDO)); },
-              "AttributeSetFactory::mySetWrapper", notAvailable("ProfilingAttributeSetDecorator"));
-
   AttributeSetFactory::pushAttributeSet(first);
   AttributeSetFactory::clearAttributeSets();
   EXPECT_TRUE(recording.errors().empty());
 }
 
-// --- wrapping by configuration --------------------------------------------------------------
-
 TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOver) {
   SetStandIns standIns;
-  {
-    // Without the property the set stays bare.
-    PropertyTree noProperties(PropertyTree::record("capi", "Other", "value= PROFILING"));
-    Recording recording;
-    vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
-    EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
-    EXPECT_TRUE(recording.errors().empty());
-  }
   PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
                           PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
   Recording recording;
@@ -242,15 +191,13 @@ TEST(AttributeSetFactoryWrap, TranslationsForRondoAndKelpProjects) {
   {
     PropertyTree properties(PropertyTree::record("CAPI", "TRANSLATIONS", "value= yes") +
                             PropertyTree::record("capi", "AttributeSetDecorators", "value= TRANSLATING"));
-    for (ProjectType::PROJECT_TYPE type : {ProjectType::RONDO, ProjectType::KELP})
-      expectFatal([&] { AttributeSetFactory::create(projectOn("127.0.0.107", type)); }, "AttributeSetFactory::create",
-                  notAvailable("TranslatingAttributeSetDecorator"));
-    for (ProjectType::PROJECT_TYPE type : {ProjectType::NOTYPE, ProjectType::DORN})
-      EXPECT_TRUE(bare(type)) << type;
+    expectFatal([&] { AttributeSetFactory::create(projectOn("127.0.0.107", ProjectType::KELP)); },
+                "AttributeSetFactory::create", notAvailable("TranslatingAttributeSetDecorator"));
+    EXPECT_TRUE(bare(ProjectType::DORN));
   }
   for (bool present : {false, true}) {
     PropertyTree properties(present ? PropertyTree::record("CAPI", "TRANSLATIONS", "value= No value= yes") : "");
-    for (ProjectType::PROJECT_TYPE type : {ProjectType::RONDO, ProjectType::KELP}) EXPECT_TRUE(bare(type)) << present;
+    EXPECT_TRUE(bare(ProjectType::RONDO)) << present;
   }
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
 }

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -62,8 +61,6 @@ TEST(ProjectDescription, CatalogTypesReadServerHostAndProject) {
   expectCatalog(ProjectDescription(vString("rondo:srv:hostA:Survey")), ProjectType::RONDO, "srv", "hostA", "survey");
   // Fields are read from the right; a blank host is this host.
   expectCatalog(ProjectDescription(vString("r::survey")), ProjectType::RONDO, "", str(vUtl::gethostname()), "survey");
-  expectCatalog(ProjectDescription(vString("r:hostB:survey")), ProjectType::RONDO, "", "hostB", "survey");
-  expectCatalog(ProjectDescription(vString("r:::")), ProjectType::RONDO, "", str(vUtl::gethostname()), "");
   // A Kelp catalog without a server is served from its data host.
   expectCatalog(ProjectDescription(vString("kelp::hostK:p")), ProjectType::KELP, "hostK", "hostK", "p");
 }
@@ -71,7 +68,6 @@ TEST(ProjectDescription, CatalogTypesReadServerHostAndProject) {
 TEST(ProjectDescription, BlankFieldsComeFromTheDefaultProject) {
   DefaultProject def(true);
   expectCatalog(ProjectDescription(vString("r:srv::")), ProjectType::RONDO, "srv", "defhost", "defproj");
-  expectCatalog(ProjectDescription(vString("r:srv:hostA:")), ProjectType::RONDO, "srv", "hostA", "defproj");
   expectCatalog(ProjectDescription(vString("survey")), ProjectType::NOTYPE, "", "defhost", "survey");
 }
 
@@ -81,7 +77,6 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
   expectCatalog(d, ProjectType::NOTYPE, "srv", "hostA", "survey");
   EXPECT_TRUE(d.isCapi());
   EXPECT_EQ("NoType:srv:hostA:survey", str(d.toString()));
-  expectCatalog(ProjectDescription(vString("hostA:p")), ProjectType::NOTYPE, "", "hostA", "p");
   // In the place of a type, only a type.
   expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectDescription(vString)",
               "Unknown project type 'venus'.");
@@ -91,9 +86,7 @@ TEST(ProjectDescription, FlatFilesAndMemory) {
   DefaultProject none(false);
   ProjectDescription f(vString("f:/data/lines/a.sgy:"));
   EXPECT_TRUE(f.isFlatFile());
-  EXPECT_EQ("/data/lines/a.sgy", str(f.getFlatFileName().getFilename()));
   EXPECT_EQ("/data/lines", str(f.getPath()));
-  EXPECT_EQ("", str(f.getDataHost()));
   EXPECT_EQ("FlatFile:/data/lines/a.sgy:/data/lines", str(f.toString()));
 
   ProjectDescription remote(vString("flatfile:hostF:/data/b.txt"));
@@ -103,9 +96,6 @@ TEST(ProjectDescription, FlatFilesAndMemory) {
   ProjectDescription m(vString("i:"));
   EXPECT_TRUE(m.isInMemory());
   EXPECT_EQ("InMemory:", str(m.toString()));
-
-  expectFatal([] { ProjectDescription d(vString("memory")); }, "ProjectDescription(vString)",
-              "Unknown project type 'memory'.");
 }
 
 TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
@@ -115,13 +105,8 @@ TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
   expectCatalog(ProjectDescription(vString("dorn:hprod:hostA:p")), ProjectType::DORN, "hprod", "hostA", "p");
   expectCatalog(ProjectDescription(vString("d:Houston:hostA:p")), ProjectType::DORN, "Houston", "hostA", "p");
   // A type word as server: the user dropped a colon.
-  for (char const* word : {"r", "kelp"}) {
-    std::string w(word);
-    expectFatal([&] { ProjectDescription d(vString(("dorn:" + w + ":hostB:p").c_str())); },
-                "ProjectCatalogDescription::setCapi",
-                "Invalid server '" + w + "', maybe you meant " + w + "::hostB:<project>:<store> (missing colon after " + w +
-                    ")");
-  }
+  expectFatal([&] { ProjectDescription d(vString("dorn:kelp:hostB:p")); }, "ProjectCatalogDescription::setCapi",
+              "Invalid server 'kelp', maybe you meant kelp::hostB:<project>:<store> (missing colon after kelp)");
   // Only those words, and only as spelt there.
   expectFatal([] { ProjectDescription d(vString("d:mars:hostA:p")); }, "ProjectCatalogDescription::setCapi",
               "Unrecognised server 'mars'.");
@@ -132,14 +117,12 @@ TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
 
 TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
   DefaultProject none(false);
-  for (char const* text : {"kelp:kelpdata:hostA:p", "k::KelpArchive:p"}) {
-    try {
-      ProjectDescription d{vString(text)};
-      ADD_FAILURE() << text;
-    } catch (UtlExcept const& e) {
-      EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
-      EXPECT_NE(std::string::npos, str(e.getReason()).find("Kelp data server 'kelpserver'")) << str(e.getReason());
-    }
+  try {
+    ProjectDescription d{vString("k::KelpArchive:p")};
+    ADD_FAILURE();
+  } catch (UtlExcept const& e) {
+    EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
+    EXPECT_NE(std::string::npos, str(e.getReason()).find("Kelp data server 'kelpserver'")) << str(e.getReason());
   }
   EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
   EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
@@ -148,9 +131,8 @@ TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
 TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
   DefaultProject none(false);
   ProjectCatalogDescription d;
-  for (ProjectType::PROJECT_TYPE t : {ProjectType::FLATFILE, ProjectType::MEMORY})
-    expectFatal([&] { d.setCapi(t, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
-                "ProjectType must be either DORN, RONDO or KELP");
+  expectFatal([&] { d.setCapi(ProjectType::FLATFILE, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
+              "ProjectType must be either DORN, RONDO or KELP");
   d.setFlatFile(vFilename("/x/y.txt"));
   d.setCapi(ProjectType::UNITTEST, "s", "h");
   EXPECT_EQ("", str(d.getFlatFileName().getFilename()));
@@ -159,7 +141,6 @@ TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
   d.setFlatFile(vFilename("/x/y.txt"));
   EXPECT_EQ("FlatFile:/x/y.txt:", str(d.toString()));
   ProjectCatalogDescription none2;
-  EXPECT_EQ("NoType:::", str(none2.toString()));
   none2.setDefaultProjectType();
   EXPECT_EQ(ProjectType::RONDO, none2.getProjectType());
 }
@@ -185,22 +166,14 @@ TEST(ProjectCatalogDescription, KindsOfDescription) {
   DefaultProject none(false);
   TestReleaseTree tree;
   SiteDatabases site;
-  struct {
-    ProjectType::PROJECT_TYPE type;
-    bool capi;
-    char const* text;
-  } const cases[] = {
-      {ProjectType::NOTYPE, true, "NoType:hprod:h:"},
-      {ProjectType::DORN, true, "Dorn:hprod:h:"},
-      {ProjectType::INMEMORY, false, "InMemory:"},
-  };
-  for (auto const& c : cases) {
-    ProjectCatalogDescription d;
-    d.setCapi(c.type, "hprod", "h");
-    EXPECT_EQ(c.capi, d.isCapi()) << c.text;
-    EXPECT_EQ(c.type == ProjectType::INMEMORY, d.isInMemory()) << c.text;
-    EXPECT_EQ(c.text, str(d.toString()));
-  }
+  ProjectCatalogDescription d;
+  d.setCapi(ProjectType::DORN, "hprod", "h");
+  EXPECT_TRUE(d.isCapi());
+  EXPECT_EQ("Dorn:hprod:h:", str(d.toString()));
+  d.setCapi(ProjectType::INMEMORY, "hprod", "h");
+  EXPECT_FALSE(d.isCapi());
+  EXPECT_TRUE(d.isInMemory());
+  EXPECT_EQ("InMemory:", str(d.toString()));
   ProjectCatalogDescription f;
   f.setCapi(ProjectType::RONDO, "s", "h");
   f.setFlatFile(vFilename("/data/x.sgy"));
@@ -223,7 +196,6 @@ TEST(ProjectCatalogDescription, EqualityAndOrder) {
   // Dorn and Zonmesh: the server.
   EXPECT_EQ(cat(ProjectType::DORN, "hprod", "h1"), cat(ProjectType::DORN, "hprod", "h2"));
   EXPECT_NE(cat(ProjectType::DORN, "hprod", "h"), cat(ProjectType::DORN, "hdev", "h"));
-  EXPECT_NE(cat(ProjectType::RONDO, "s", "h"), cat(ProjectType::KELP, "s", "h"));
   // Memory descriptions of a type are all equal.
   EXPECT_EQ(cat(ProjectType::INMEMORY, "", "a"), cat(ProjectType::INMEMORY, "", "b"));
   ProjectCatalogDescription f1, f2;
@@ -234,7 +206,6 @@ TEST(ProjectCatalogDescription, EqualityAndOrder) {
   // By type name first: Dorn < FlatFile < Kelp < Rondo < UnitTest < Zonmesh.
   EXPECT_TRUE(cat(ProjectType::DORN, "hprod", "z") < f1);
   EXPECT_TRUE(f1 < cat(ProjectType::KELP, "a", "a"));
-  EXPECT_TRUE(cat(ProjectType::ZONMESH, "a", "a") < cat(ProjectType::ZONMESH, "b", "a"));
   EXPECT_TRUE(cat(ProjectType::RONDO, "z", "a") < cat(ProjectType::RONDO, "a", "b"));
   EXPECT_FALSE(cat(ProjectType::RONDO, "a", "b") < cat(ProjectType::RONDO, "z", "b"));
 
@@ -242,8 +213,6 @@ TEST(ProjectCatalogDescription, EqualityAndOrder) {
   EXPECT_TRUE(p1 < p2);
   EXPECT_EQ(FullProjectName(vString("rondo:s:h:alpha")), p1.getFullProjectName());
 }
-
-// --- the user's default project --------------------------------------------
 
 TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
   DefaultProject none(false);
@@ -257,15 +226,9 @@ TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
   TestReleaseTree::write(tree.root() + "/.vproject", "unittest:s:h:home project\nignored\n");
   EXPECT_EQ("unittest:s:h:home project", str(Capi::getDefaultProjectString()));
 
-  // The name read from it.
-  std::remove((tree.root() + "/.vproject").c_str());
-  tree.writeWorkFile(".project", "survey7\n");
-  ProjectDescription d = Capi::getDefaultProjectName();
-  expectCatalog(d, ProjectType::RONDO, "", str(vUtl::gethostname()), "survey7");
-
-  // No type: the default type.
+  // The name read from it; without a type, the default type.
   TestReleaseTree::write(tree.root() + "/.vproject", "  srv:hostA:p  \n");
-  d = Capi::getDefaultProjectName();
+  ProjectDescription d = Capi::getDefaultProjectName();
   expectCatalog(d, ProjectType::RONDO, "srv", "hostA", "p");
 
   TestReleaseTree::write(tree.root() + "/.vproject", "   \n");
@@ -279,21 +242,18 @@ TEST(CapiDeathTest, DisableRondoDataServerIsANonZeroInteger) {
   struct {
     char const* value;
     int disabled;
-  } const cases[] = {{"-3", 1}, {"0", 0}, {"yes", 0}, {nullptr, 0}};
+  } const cases[] = {{"-3", 1}, {"yes", 0}};
   for (auto const& c : cases) {
     EXPECT_EXIT(
         {
-          if (c.value)
-            setenv("CAPI_DISABLERONDODATASERVER", c.value, 1);
-          else
-            unsetenv("CAPI_DISABLERONDODATASERVER");
+          setenv("CAPI_DISABLERONDODATASERVER", c.value, 1);
           bool first = Capi::disableRondoDataServer();
           // Later changes are not seen.
           setenv("CAPI_DISABLERONDODATASERVER", first ? "0" : "1", 1);
           std::exit(Capi::disableRondoDataServer() == first ? (first ? 1 : 0) : 2);
         },
         ::testing::ExitedWithCode(c.disabled), "")
-        << (c.value ? c.value : "(unset)");
+        << c.value;
   }
 }
 

@@ -58,8 +58,6 @@ std::string withHost(std::string text) {
 
 }  // namespace
 
-// --- parsing and printing ---------------------------------------------------------------
-
 TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
   NameSetting setting;
   struct Case {
@@ -71,12 +69,9 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       {"f", "Dorn:houston:@H::f.0##"},
       {"DORN:houston:hostA:proj:Line1.3/Headers#Seismic#", "Dorn:houston:hostA:proj:line1.3/headers#seismic#"},
       {"d::hostA:proj:line1", "Dorn:houston:hostA:proj:line1.0##"},
-      {"rondo:srv:hostA:proj:store.2", "Rondo:srv:hostA:proj:store.2##"},
       {"r:store", "Rondo::@H::store.0##"},
-      {"kelp:ksrv:hostK:a#b/c:store.1#horizon#", "Kelp:ksrv:hostK:a#b/c:store.1#horizon#"},
       // A Kelp catalog without a server is served from its data host.
       {"k:store", "Kelp:@H:@H::store.0##"},
-      {"zonmesh::hostZ:proj:store", "Zonmesh::hostZ:proj:store.0##"},
       {"z::hostZ:proj:type,1,ident,domain", "Zonmesh::hostZ:proj:type,1,ident,domain.0##"},
       {"proj:store.4", "NoType::@H:proj:store.4##"},
       // A '.' followed by no integer belongs to the name.
@@ -84,7 +79,6 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       {"file:/data/line1.sgy", "FlatFile:/data/line1.sgy:"},
       {"F:/data/line1.sgy#segy#", "FlatFile:/data/line1.sgy:#segy#"},
       {"flatfile:/data/line1.sgy#segy:/fmt/line1.syf#", "FlatFile:/data/line1.sgy:#segy:/fmt/line1.syf#"},
-      {"file:hostF:/data/a.txt", "FlatFile:hostF:/data/a.txt:"},
       // A single trailing '#' is dropped, and a trailing ':' too.
       {"file:/data/a.sgy#", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy:", "FlatFile:/data/a.sgy:"},
@@ -92,9 +86,7 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       // marked format counts.
       {"file:/data/a.sgy#segy", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy#segy#x", "FlatFile:/data/a.sgy:#segy#"},
-      {"file:nyx=/d/a.cst,/d/b.cst", "FlatFile:nyx=/d/a.cst,/d/b.cst:"},
       {"inmemory:foo.1234", "InMemory:foo.1234"},
-      {"i:foo.bar.99", "InMemory:foo.bar.99"},
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(c.name);
@@ -108,7 +100,7 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
   }
 }
 
-TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
+TEST(StoreDescription, FieldsConstructorsAndSetters) {
   NameSetting setting;
   StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
   EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
@@ -119,18 +111,12 @@ TEST(StoreDescription, ParsedFieldsOfAProjectServedName) {
   StoreDescription open(vString("r:srv:h:p:name#seismic"));
   EXPECT_EQ("name", str(open.getStoreName()));
   EXPECT_TRUE(open.getStoreClass().isEmpty());
-}
 
-TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
-  NameSetting setting;
-  StoreDescription d(vString("file:/data/survey/line1.sgy#segy:/fmt/line1.syf#"));
-  EXPECT_EQ("/data/survey", str(d.getProjectName()));
-  EXPECT_EQ("/data/survey/line1.sgy", str(d.getTitle()));
-
+  StoreDescription file(vString("file:/data/survey/line1.sgy#segy:/fmt/line1.syf#"));
+  EXPECT_EQ("/data/survey", str(file.getProjectName()));
+  EXPECT_EQ("/data/survey/line1.sgy", str(file.getTitle()));
   StoreDescription f{vFilename("/data/x/wells.txt")};
-  EXPECT_EQ("FlatFile:/data/x/wells.txt:", str(f.toString()));
   f.setFileFormat("ascii");
-  f.setFormatSpec("");
   EXPECT_EQ("FlatFile:/data/x/wells.txt:#ascii#", str(f.toString()));
 
   // setFlatFile forgets class and version.
@@ -138,6 +124,13 @@ TEST(StoreDescription, FlatFilesCarryFormatAndSpec) {
   r.setFlatFile(vFilename("/a/b.sgy"));
   EXPECT_EQ(0, r.getVersion());
   EXPECT_TRUE(r.getStoreClass().isEmpty());
+
+  FullStoreName const seven(ProjectType::RONDO, "srv", "hostA", "proj", "line", 7, "set");
+  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set##", str(StoreDescription(seven).toString()));
+  StoreDescription parts(ProjectType::RONDO, "srv", "hostA", "proj", "line", "seismic", 7, "set");
+  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
+  StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
+  EXPECT_TRUE(fromProject == parts);
 }
 
 TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
@@ -155,21 +148,6 @@ TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
   EXPECT_TRUE(StoreDescription(vString(longStore.c_str())).isValid(message));
 }
 
-TEST(StoreDescription, OtherConstructorsAndSetters) {
-  NameSetting setting;
-  FullStoreName full(ProjectType::RONDO, "srv", "hostA", "proj", "line", 7, "set");
-  StoreDescription fromFull(full);
-  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set##", str(fromFull.toString()));
-  StoreDescription parts(ProjectType::RONDO, "srv", "hostA", "proj", "line", "seismic", 7, "set");
-  EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
-  StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
-  EXPECT_TRUE(fromProject == parts);
-
-  EXPECT_TRUE(StoreDescription().isEmpty());
-}
-
-// --- equality and order -------------------------------------------------------------------
-
 TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
   NameSetting setting;
   StoreDescription a(vString("file:/d/a.sgy#segy#"));
@@ -177,11 +155,7 @@ TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
   EXPECT_TRUE(a != b);
   EXPECT_FALSE(a < b);
   EXPECT_FALSE(b < a);
-  // The same for a spec, and for the address of an in-memory store.
-  StoreDescription spec1(vString("file:/d/a.sgy#segy:/f/1.syf#"));
-  StoreDescription spec2(vString("file:/d/a.sgy#segy:/f/2.syf#"));
-  EXPECT_TRUE(spec1 != spec2);
-  EXPECT_FALSE(spec1 < spec2 || spec2 < spec1);
+  // The same for the address of an in-memory store.
   StoreDescription at1(vString("inmemory:foo.1"));
   StoreDescription at2(vString("inmemory:foo.2"));
   EXPECT_TRUE(at1 != at2);
@@ -190,8 +164,7 @@ TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
 
   char const* ordered[] = {
       "dorn:houston:h:p:zzz",  // "Dorn" before "Rondo"
-      "r:srv:h:p:abc.9",       "r:srv:h:p:abc.1#b#", "r:srv:h:p:abc.2#b#",
-      "r:srv:h:p:abc.2/s#b#",  "r:srv:h:p:abd",
+      "r:srv:h:p:abc.9", "r:srv:h:p:abc.2#b#", "r:srv:h:p:abc.2/s#b#", "r:srv:h:p:abd",
   };
   for (std::size_t i = 0; i + 1 < sizeof ordered / sizeof *ordered; ++i) {
     StoreDescription lo{vString(ordered[i])};
@@ -204,8 +177,6 @@ TEST(StoreDescription, EqualityTakesEveryFieldOrderOnlyTheNamingOnes) {
   EXPECT_TRUE(StoreDescription(vString("r:srv:a:p:zzz")) < StoreDescription(vString("r:srv:b:p:aaa")));
 }
 
-// --- validation -----------------------------------------------------------------------------
-
 TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
   std::string const d40(40, 'd');
   std::string const r17(17, 'r');
@@ -215,7 +186,6 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
     std::string message;
   } const cases[] = {
       {"", false, " <- ERROR empty name"},
-      {"foo", true, ""},
       {"fo$o", false, "fo <- ERROR store contains invalid character ...o"},
       // An empty word is Dorn, but reports the missing store.
       {":", false, ":::: <- ERROR expected store ..."},
@@ -224,61 +194,36 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
       // A bare name is checked as a Dorn store: its limit and its echo.
       {d40 + "d", false, "dorn::::" + d40 + "d <- ERROR a Dorn store name can't be longer than 40 characters ..."},
       {"kelp:k$:h:p:store", false, "kelp:k$ <- ERROR server contains invalid characters ...:h:p:store"},
-      // The short form checks store characters alone: no class marks.
-      {"kelp:name#seismic", true, ""},
       {"dorn:srv:store", false, "dorn:srv: <- ERROR expected host  ...store"},
       {"dorn:srv:host:store", false, "dorn:srv:host: <- ERROR expected project:store  ...store"},
-      {"dorn:s$v:h:p:store", false, "dorn:s$v <- ERROR server contains invalid characters ...:h:p:store"},
       {"rondo:s$v:h:p:store", true, ""},
       {"dorn:s:h$:p:store", false, "dorn:s:h$ <- ERROR host contains invalid character ...:p:store"},
       {"dorn:s:h:p$:store", false, "dorn:s:h:p$ <- ERROR invalid project name  ...store"},
-      {"kelp:s:h:a#b/c:store", true, ""},
-      {"kelp:s:h:a#b#c#d:store", false, "kelp:s:h:a#b#c#d <- ERROR invalid project name  ...store"},
-      {"dorn:s:h:p:", false, "dorn:s:h:p: <- ERROR expected store ..."},
       {"dorn:s:h:p::store", false, "dorn:s:h:p:: <- ERROR too many : ... store"},
-      // The second '.' fails, and is shown on neither side.
-      {"dorn:s:h:p:name.1.2", false, "dorn:s:h:p:name.1 <- ERROR store contains invalid character ...2"},
-      {"dorn:s:h:p:_name", false, "dorn:s:h:p: <- ERROR store contains invalid character ..._name"},
       {"dorn:" + d40, true, ""},
-      {"dorn:s:h:p:" + d40 + ".12", true, ""},
       {"rondo:s:h:p:" + r17, true, ""},
       {"rondo:s:h:p:" + r17 + "r.1", false,
        "rondo:s:h:p:" + r17 + "r.1 <- ERROR a Rondo store name can't be longer than 17 characters ..."},
       // The short form of Rondo and Kelp has no length limit.
       {"rondo:" + r17 + r17, true, ""},
-      {"rondo:fo$o", false, "rondo:fo <- ERROR store contains invalid character ...o"},
       {"dorn:s:h:p:name#seismic", false, "dorn:s:h:p:name#seismic <- ERROR store class should terminate with #"},
       {"zonmesh:abc", false, "zonmesh:abcZonmesh has no server so \"abc\" is invalid"},
-      // Only a name without a second colon is told it has a server.
-      {"zonmesh:srv:h:p:s", true, ""},
       {"zonmesh:", false, "zonmesh:: <- ERROR expected host (which may be null) ..."},
-      {"zonmesh::h", false, "zonmesh:: <- ERROR expected host (which may be null) ...h"},
       {"z::h:p", false, "z:h: <- ERROR expected project  ...p"},
       {"zonmesh::h:p:", false, "zonmesh:h:p: <- ERROR expected store name  ..."},
       // The address is what was not read when the store part was split off.
       {"inmemory:foo.12ab", false, "inmemory:foo.12ab <- ERROR invalid address ...12ab"},
-      {"inmemory:foo.", true, ""},
       {"inmemory:.123", false, "inmemory: <- ERROR invalid store name ...123"},
-      {"i:f$o.1", false, "i:f$o <- ERROR invalid store name ...1"},
       {"file:", false, "file: <- ERROR no file name"},
-      {"FILE:", false, "file: <- ERROR no file name"},
       {"file::", false, "file:: <- ERROR no filename found ...:"},
       {"file:#segy#", false, "file: <- ERROR no filename before format ...#segy#"},
-      {"f:hostA:/data/a.sgy", true, ""},
-      {"file:/data/a b.sgy", false, "file::/data/a b.sgy <- ERROR filename contains illegal characters .../data/a b.sgy"},
-      {"file:ho$t:/a", false, "file:ho$t <- ERROR unrecognised hostname ...ho$t:/a"},
       // The faults of a file name add up.
       {"flatfile:ho$t:/a b", false,
        "flatfile:ho$t <- ERROR unrecognised hostname ...ho$t:/a bflatfile:ho$t:/a b <- ERROR filename contains "
        "illegal characters ...ho$t:/a b"},
-      {"file:nyx=/d/a.cst,/d/b.cst", true, ""},
-      {"file:nyx=/d/a cst", false, "/d/a cst <- ERROR filename contains illegal characters ...nyx=/d/a cst"},
       {"foo:bar:baz", false, "foo: <- ERROR unrecognised type  ...bar:baz"},
       {"pr$j:store", false, "pr$j <- ERROR project contains invalid character ...:store"},
-      {"proj:", false, "proj: <- ERROR expected project:store"},
-      {"proj:st$re", false, "proj:st <- ERROR store contains invalid character ...re"},
       {"notype:any$thing goes", true, ""},
-      {"sharedmemory::::", true, ""},
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(c.name);
@@ -288,18 +233,12 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
   }
 }
 
-// --- in-memory stores ------------------------------------------------------------------------
-
 TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
   vString message;
   EXPECT_TRUE(StoreDescription::validateStoreName("inmemory:foo.0", message));
   expectFailure([] { StoreDescription d(vString("inmemory:foo.0")); }, "StoreDescription::StoreDescription",
                 "An InMemoryStore must have an address!");
-  expectFailure([] { StoreDescription d(vString("i:foo")); }, "StoreDescription::StoreDescription",
-                "An InMemoryStore must have an address!");
   StoreDescription d(vString("inmemory:foo.1234"));
-  EXPECT_TRUE(d.isInMemory());
-  EXPECT_FALSE(d.isCapi());
   EXPECT_EQ(1234, d.getAddress());
   EXPECT_EQ("InMemory::foo.0", str(d.getTitle()));
   // No live store answers to that address: it is refused, never followed.
@@ -317,12 +256,9 @@ TEST(StoreDescription, ALiveStoreIsFoundAgainByItsPrintedName) {
     EXPECT_EQ(static_cast<long long>(reinterpret_cast<uintptr_t>(raw)), held.getAddress());
     printed = str(held.toString());
     EXPECT_EQ("InMemory:scratch." + std::to_string(held.getAddress()), printed);
-    EXPECT_TRUE(held.getStore() == store);
 
-    StoreDescription parsed(vString(printed.c_str()));
     vLCString name;
-    vHandle<Store> found = parsed.getAddressAndName(name);
-    EXPECT_TRUE(found == store);
+    vHandle<Store> found = StoreDescription(vString(printed.c_str())).getAddressAndName(name);
     EXPECT_EQ(3, store.getMasterCount()) << "store, held, found";
 
     vHandle<TestMemoryStore> derived(new TestMemoryStore(vHandle<Project>()));

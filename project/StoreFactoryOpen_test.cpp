@@ -1,10 +1,11 @@
-// Opening and creating flat files through the store factory: dispatch by
+// Flat files through the store factory: what a name tells, dispatch by
 // format tag, the formats this build cannot handle, and the attribute
 // mapping of the Nyx formats.
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -27,93 +28,52 @@ std::string unknownType(std::string const& file) {
 
 std::string path(StoreDescription const& d) { return str(d.getFlatFileName().getFilename()); }
 
-TEST(StoreFactoryOpenFile, UpperCaseShpReachesTheShapefileStoreByItsExtension) {
+// Identification works on a copy; a name it does not identify goes by its
+// extension, and a format given wins in any case.
+TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormat) {
   TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "a.SHP");
-  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "shp"));
-
   StandIn shapefiles("ShapefileDiskStore", fileMakers());
-  shelve(fileShelf(), "a.shp");
-  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
-  ASSERT_EQ(1u, seen().size());
-  // Not identified: the copy handed on has no format and no class.
-  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
-  EXPECT_EQ(path(d), path(seen()[0].description));
-  // Built on no project.
-  EXPECT_TRUE(store->getProject().isEmpty());
-}
-
-TEST(StoreFactoryOpenFile, UpperCaseSgyIsIdentifiedOnACopyAndAFormatGivenWinsInAnyCase) {
-  TestReleaseTree tree;
-  std::string const file = tree.writeWorkFile("traces.bin", "data");
-  StoreDescription given(vString(("file:" + file + "#SGY#").c_str()));
-  expectFatal([&] { StoreFactory::openStore(given, "", nullptr); }, kOpen.c_str(), cannotHandle(file, "SGY"));
-
   StandIn segy("SegyDiskStore", fileMakers());
-  shelve(fileShelf(), "line.sgy");
-  StoreDescription d = fileIn(tree, "line.SGY");
-  vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+  for (char const* name : {"a.shp", "line.sgy", "line.segy", "traces.bin"}) shelve(fileShelf(), name);
+  StoreDescription shp = fileIn(tree, "a.SHP");
+  vHandle<Store> store = StoreFactory::openStore(shp, "", nullptr);
   ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("segy", str(seen()[0].description.getFileFormat()));
+  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
+  EXPECT_EQ(path(shp), path(seen()[0].description));
+  EXPECT_TRUE(store->getProject().isEmpty());
+
+  StoreDescription d = fileIn(tree, "line.SGY");
+  StoreFactory::openStore(d, "", nullptr);
+  ASSERT_EQ(2u, seen().size());
+  EXPECT_EQ("segy", str(seen()[1].description.getFileFormat()));
   EXPECT_EQ("", str(d.getFileFormat()));
 
-  shelve(fileShelf(), "traces.bin");
-  StoreFactory::openStore(given, "", nullptr);
-  ASSERT_EQ(2u, seen().size());
-  EXPECT_EQ("SGY", str(seen()[1].description.getFileFormat()));
-  // Told, not identified: no class is made up.
-  EXPECT_EQ("", str(seen()[1].description.getStoreClass()));
-}
+  StoreFactory::openStore(fileIn(tree, "line.segy"), "", nullptr);
+  ASSERT_EQ(3u, seen().size());
+  EXPECT_EQ("", str(seen()[2].description.getFileFormat()));
 
-// A format spec settles identification, but names no format: the file's
-// kind is then not known.
-TEST(StoreFactoryOpenFile, ASpecWithoutAFormatLeavesTheKindUnknown) {
-  TestReleaseTree tree;
-  StandIn segy("SegyDiskStore", fileMakers());
-  StoreDescription d = fileIn(tree, "line.segy");
-  d.setFormatSpec("line.syf");
-  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), unknownType(path(d)));
-  EXPECT_TRUE(seen().empty());
-  // Without a format spec the extension is the tag.
-  d.setFormatSpec("");
-  shelve(fileShelf(), "line.segy");
-  StoreFactory::openStore(d, "", nullptr);
-  ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("", str(seen()[0].description.getFileFormat()));
+  std::string const file = tree.writeWorkFile("traces.bin", "data");
+  StoreFactory::openStore(StoreDescription(vString(("file:" + file + "#SGY#").c_str())), "", nullptr);
+  ASSERT_EQ(4u, seen().size());
+  EXPECT_EQ("SGY", str(seen()[3].description.getFileFormat()));
+  // Told, not identified: no class is made up.
+  EXPECT_EQ("", str(seen()[3].description.getStoreClass()));
 }
 
 TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
   TestReleaseTree tree;
-  struct Case {
-    char const* name;
-    char const* tag;
-  };
-  for (Case c : {Case{"a.DSEGY", "dsegy"}, Case{"a.sgy", "segy"}, Case{"a.shp", "shapefile"}, Case{"grid.XYZ", "xyz"}}) {
-    StoreDescription d = fileIn(tree, c.name);
-    expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), c.tag));
-  }
-  // Without an extension the kind is not known.
-  for (char const* name : {"grid", "grid."}) {
-    StoreDescription none = fileIn(tree, name);
-    expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
-  }
-}
-
-TEST(StoreFactoryOpenFile, UpdateAndHasStoreRefuseFiles) {
-  TestReleaseTree tree;
-  StandIn segy("SegyDiskStore", fileMakers());
-  StoreDescription d = fileIn(tree, "line.sgy");
-  expectFatal([&] { StoreFactory::updateStore(d, "", nullptr); }, "StoreFactory::updateStore",
-              "Cannot handle file names yet." + path(d));
+  StoreDescription d = fileIn(tree, "a.sgy");
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "segy"));
   expectFatal([&] { StoreFactory::hasStore(d); }, "StoreFactory::hasStore", "Cannot handle file names yet." + path(d));
-  EXPECT_TRUE(seen().empty());
+  // Without an extension the kind is not known.
+  StoreDescription none = fileIn(tree, "grid.");
+  expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
 }
 
 // --- the Nyx formats and their attribute mapping ------------------------------------------
 
 struct Mapped {
   std::string file;
-  std::string spec;
   std::string mapFile;
   Store* below = nullptr;
   vHandle<Store> view;
@@ -127,7 +87,6 @@ Mapped& mapped() {
 // A mapping file is the format spec, with ".cstf", in the data file's directory.
 bool resolveBeside(vFilename const& file, vString const& spec, vFilename& mapFile) {
   mapped().file = str(file.getFilename());
-  mapped().spec = str(spec);
   std::string candidate = std::string(file.getDirectory().c_str()) + "/" + spec.c_str() + ".cstf";
   if (spec.isBlank() || !std::filesystem::exists(candidate)) return false;
   mapFile = vFilename(candidate.c_str());
@@ -159,44 +118,27 @@ class Mapping {
   StoreFactory::AttributeMapping m_saved;
 };
 
-// Only Nyx stores with a spec are mapped.
-TEST(StoreFactoryNyx, WithoutSpecOrOfAnotherFormatThePlainStore) {
-  TestReleaseTree tree;
-  StandIn nyx("NyxDiskStore", fileMakers());
-  Mapping mapping({&resolveBeside, &applyMapping});
-  shelve(fileShelf(), "line.cst");
-  vHandle<Store> store = StoreFactory::openStore(fileIn(tree, "line.cst"), "", nullptr);
-  ASSERT_EQ(1u, seen().size());
-  EXPECT_TRUE(mapped().view.isEmpty());
-
-  StandIn segy("SegyDiskStore", fileMakers());
-  tree.writeWorkFile("2dStack.cstf", "mapping");
-  shelve(fileShelf(), "line.sgy");
-  StoreDescription d = fileIn(tree, "line.sgy");
-  d.setFormatSpec("2dStack");
-  StoreFactory::openStore(d, "", nullptr);
-  EXPECT_TRUE(mapped().view.isEmpty());
-}
-
+// Only Nyx stores with a spec are mapped, and only with their mapping file.
 TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   TestReleaseTree tree;
   StandIn nyx("NyxDiskStore", fileMakers());
+  StandIn segy("SegyDiskStore", fileMakers());
+  Mapping mapping({&resolveBeside, &applyMapping});
   shelve(fileShelf(), "line.dat");
   StoreDescription d = fileIn(tree, "line.dat");
   d.setFormatSpec("2dStack");
-  {
-    Mapping none({nullptr, nullptr});
-    expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(),
-                "Could not find the attribute mapping file '2dStack'!");
-  }
-  Mapping mapping({&resolveBeside, &applyMapping});
   expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(),
               "Could not find the attribute mapping file '2dStack'!");
   EXPECT_EQ(path(d), mapped().file);
   // The store was opened first.
-  EXPECT_EQ(2u, seen().size());
+  EXPECT_EQ(1u, seen().size());
 
   std::string const map = tree.writeWorkFile("2dStack.cstf", "mapping");
+  shelve(fileShelf(), "line.sgy");
+  StoreDescription other = fileIn(tree, "line.sgy");
+  other.setFormatSpec("2dStack");
+  StoreFactory::openStore(other, "", nullptr);
+  EXPECT_TRUE(mapped().view.isEmpty());
   vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ(map, mapped().mapFile);
   EXPECT_EQ(mapped().view.get(), store.get());
@@ -212,19 +154,16 @@ TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
   StandIn shapes("ShapefileDiskStore", fileMakers());
   StandIn nyx("NyxDiskStore", fileMakers());
   KeyList keys;
-
   StoreDescription sgy = fileIn(tree, "line.sgy");
   expectFatal([&] { StoreFactory::createStore(sgy, "", keys, nullptr); }, kCreate.c_str(),
               cannotHandle(path(sgy), "sgy"));
-  StoreDescription none = fileIn(tree, "line");
-  expectFatal([&] { StoreFactory::createStore(none, "", keys, nullptr); }, kCreate.c_str(), unknownType(path(none)));
   EXPECT_TRUE(seen().empty());
 
   struct Case {
     char const* name;
     char const* format;
   };
-  for (Case c : {Case{"wells.TXT", ""}, Case{"wells.out", "ascii"}, Case{"roads.x", "Shapefile"}, Case{"line.cst", ""}}) {
+  for (Case c : {Case{"wells.TXT", ""}, Case{"roads.x", "Shapefile"}, Case{"line.cst", ""}}) {
     seen().clear();
     StoreDescription d = fileIn(tree, c.name);
     d.setFileFormat(c.format);
@@ -239,16 +178,78 @@ TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
 TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStoreOrItsMaker) {
   TestReleaseTree tree;
   StoreDescription d = fileIn(tree, "wells.txt");
+  StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
   expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
               cannotHandle(path(d), "txt"));
-  {
-    StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
-    expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
-                cannotHandle(path(d), "txt"));
-  }
-  StandIn ascii("AsciiDiskStore", {nullptr, nullptr, &createOnShelf, nullptr});
-  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "txt"));
   EXPECT_TRUE(seen().empty());
+}
+
+// --- identification by name ---------------------------------------------------------
+
+TEST(StoreFactoryIdentify, ShapefilesOnlyByTheirExactExtensions) {
+  TestReleaseTree tree;
+  StoreDescription d = fileIn(tree, "a.dbf");
+  EXPECT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
+  EXPECT_EQ("shapefile", str(d.getFileFormat()));
+  EXPECT_EQ("shapes", str(d.getStoreClass()));
+  // Upper case is not a shapefile here, and nothing else claims it.
+  StoreDescription upper = fileIn(tree, "a.SHP");
+  EXPECT_FALSE(StoreFactory::identifyFileFormat(upper, nullptr));
+}
+
+TEST(StoreFactoryIdentify, SeismicByTheLowerCasedExtension) {
+  TestReleaseTree tree;
+  StoreDescription d = fileIn(tree, "c.Dat");
+  EXPECT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
+  EXPECT_EQ("nyxdat", str(d.getFileFormat()));
+  EXPECT_EQ("seismic", str(d.getStoreClass()));
+  // Left to the extension itself when the store is opened.
+  StoreDescription segy = fileIn(tree, "d.segy");
+  EXPECT_FALSE(StoreFactory::identifyFileFormat(segy, nullptr));
+  // The tag table: a tag is found in any case, and only whole.
+  EXPECT_EQ("SegyDiskStore", str(StoreFactory::getFileStoreClass("SGY")));
+  EXPECT_EQ("", str(StoreFactory::getFileStoreClass("segy2")));
+}
+
+// A text table is described by a ".txf" file of the same root beside it,
+// whose first word is the store class.
+vFilename txfBeside(vFilename const& file, vLCString& storeClass) {
+  std::string path = std::string(file.getDirectory().c_str()) + "/" + file.getRoot().c_str() + ".txf";
+  std::ifstream in(path);
+  std::string word;
+  if (!(in >> word)) return vFilename();
+  storeClass = word.c_str();
+  return vFilename(path.c_str());
+}
+
+class AsciiFinder {
+ public:
+  explicit AsciiFinder(StoreFactory::AsciiSpecificationFinder finder)
+      : m_saved(StoreFactory::registerAsciiSpecificationFinder(finder)) {}
+  ~AsciiFinder() { StoreFactory::registerAsciiSpecificationFinder(m_saved); }
+
+ private:
+  StoreFactory::AsciiSpecificationFinder m_saved;
+};
+
+TEST(StoreFactoryIdentify, TextTablesByTheirFormatDescription) {
+  TestReleaseTree tree;
+  AsciiFinder finder(&txfBeside);
+  std::string const txf = tree.writeWorkFile("wells.txf", "Well\ncolumns 1 2\n");
+  StoreDescription d = fileIn(tree, "wells.xyz");
+  ASSERT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
+  EXPECT_EQ("ascii", str(d.getFileFormat()));
+  EXPECT_EQ(txf, str(d.getFormatSpec()));
+  EXPECT_EQ("well", str(d.getStoreClass()));
+
+  StoreDescription undescribed = fileIn(tree, "picks.xyz");
+  EXPECT_FALSE(StoreFactory::identifyFileFormat(undescribed, nullptr));
+
+  // A spec given settles it before any description is looked for.
+  StoreDescription given = fileIn(tree, "wells.xyz");
+  given.setFormatSpec("other.txf");
+  ASSERT_TRUE(StoreFactory::identifyFileFormat(given, nullptr));
+  EXPECT_EQ("", str(given.getFileFormat()));
 }
 
 }  // namespace

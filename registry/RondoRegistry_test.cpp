@@ -1,3 +1,7 @@
+// The factories of the lower layers with the classes registered here:
+// unit test projects, views, each file format's store (Nyx files through
+// the mapping file that fits them), and Zonmesh projects on a real kvsd.
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -15,11 +19,15 @@
 #include "filestore/memory/InMemoryStore.h"
 #include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/fdm/FdmDiskStore.h"
+#include "filestore/nyx/NyxDiskStore.h"
+#include "filestore/nyx/NyxFormat.h"
+#include "filestore/nyx/NyxTesting.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segd/SegdTesting.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/segy/SegyTesting.h"
+#include "foundation/TestReleaseTree.h"
 #include "project/AttributeSetFactory.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
@@ -32,35 +40,15 @@ namespace {
 
 using namespace factory_testing;
 
-std::string storeNames(vHandle<Project> const& project, char const* storeClass) {
-  vHandle<Project::StoreList> list = project->getStoreList(storeClass, "");
-  std::string all;
-  for (vLCString const& n : *list) all += str(n) + " ";
-  return all;
-}
-
-// The client proxies of a data server are given to the factories here; they
-// are used end to end, with a real server, by the native entry points'
-// tests and the Java host scenarios.
-
-class FactoriesTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    registerRondoClasses();
-    StoreFactory::clearStores();
-    AttributeSetFactory::clearAttributeSets();
-  }
-};
-
-StoreDescription unitTestStore(char const* host, char const* store) {
-  return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, "seismic", 0, "");
-}
-
-// UnitTest projects have in-memory stores and sets; the live store opened
-// again by its address is the project layer's.
-TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
-  PropertyTree noProperties("");
-  StoreDescription d = unitTestStore("127.0.0.122", "line1");
+// UnitTest projects have in-memory stores and sets (the live store opened
+// again by its address is the project layer's). The views that a site may
+// ask for have their makers (how the site asks is the project layer's); the
+// mapping view is seen where a Nyx file is opened through its mapping file.
+TEST(RondoRegistryFactories, UnitTestProjectsAndViews) {
+  registerRondoClasses();
+  StoreFactory::clearStores();
+  AttributeSetFactory::clearAttributeSets();
+  StoreDescription d(ProjectType::UNITTEST, "", "127.0.0.122", "survey", "line1", "seismic", 0, "");
   KeyList keys;
   keys.addKey(Attribute("CDP", "CDP", vINT32));
   vHandle<Store> made = StoreFactory::createStore(d, "2d", keys, nullptr);
@@ -70,15 +58,9 @@ TEST_F(FactoriesTest, CreateAndOpenThroughAUnitTestProject) {
   EXPECT_NE(nullptr, dynamic_cast<InMemoryAttributeSet*>(AttributeSetFactory::create(project).get()));
   vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
   ASSERT_NE(nullptr, dynamic_cast<InMemoryStore*>(opened.get()));
-  EXPECT_NE(made.get(), opened.get());
   EXPECT_EQ(project.get(), opened->getProject().get());
   opened->close();
-}
 
-// The views that a site may ask for have their makers (how the site asks is
-// the project layer's); the mapping view is seen where a Nyx file is opened
-// through its mapping file.
-TEST_F(FactoriesTest, ViewsHaveTheirMakers) {
   vHandle<AttributeSet> bare(new InMemoryAttributeSet(vHandle<Project>()));
   auto make = [&](char const* name) {
     AttributeSetFactory::DecoratorMaker maker = AttributeSetFactory::getDecoratorMaker(name);
@@ -86,13 +68,6 @@ TEST_F(FactoriesTest, ViewsHaveTheirMakers) {
   };
   EXPECT_NE(nullptr, dynamic_cast<ProfilingAttributeSetDecorator*>(make("ProfilingAttributeSetDecorator").get()));
   EXPECT_NE(nullptr, dynamic_cast<TranslatingAttributeSetDecorator*>(make("TranslatingAttributeSetDecorator").get()));
-}
-
-// Every file format's store is linked in: the tag's class has an opener
-// (the failure without one is the project layer's).
-TEST_F(FactoriesTest, EveryFileFormatHasAnOpener) {
-  for (char const* tag : {"segy", "segd", "ascii", "shapefile", "fdm", "offload", "nyx"})
-    EXPECT_NE(nullptr, StoreFactory::getMakers(StoreFactory::getFileStoreClass(tag)).openFile) << tag;
 }
 
 vHandle<Store> openFile(std::string const& path) {
@@ -105,9 +80,9 @@ int readInt(Store const& store, char const* name, unsigned int at) {
   return a.getInt32(1);
 }
 
-// Each file format reaches its own store; a blocked SEG-Y file has two blocks
-// of two traces, and a "dsegd" file has its traces 2048 bytes later. Which
-// extension is which tag is the project layer's.
+// Each file format reaches its own store, and "cst" files are made by the
+// factory. Which extension is which tag is the project layer's; blocked
+// SEG-Y and "dsegd" files are their stores' own.
 TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   registerRondoClasses();
   segd_testing::installVocabulary();
@@ -115,28 +90,22 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   segy_testing::SegyWriter w;
   w.dataTracesPerRecord = 3;
   fs_testing::writeFile(dir / "a.sgy", w.file(4));
-  fs_testing::writeFile(dir / "e.dsegy", w.blockedFile(2));
-  for (char const* name : {"a.sgy", "e.dsegy"}) {
-    vHandle<Store> store = openFile(dir / name);
-    ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get())) << name;
-    EXPECT_EQ(4u, store->getNInstances()) << name;
-    EXPECT_EQ(segy_testing::goldenHeader(3, 20), readInt(*store, "CMP", 3)) << name;
-  }
-  for (char const* name : {"a.segd", "c.dsegd"}) {
-    ASSERT_TRUE(segd_testing::writeSegd(dir / name, "--traces 3"));
-    vHandle<Store> store = openFile(dir / name);
-    ASSERT_NE(nullptr, dynamic_cast<SegdDiskStore*>(store.get())) << name;
-    Attribute trace = store->getAttribute("TRACE");
-    store->read(trace, 3, 3);
-    EXPECT_EQ(segd_testing::writtenSample(3, 2), trace.getFloat32Pointer(1)[1]) << name;
-  }
+  vHandle<Store> store = openFile(dir / "a.sgy");
+  ASSERT_NE(nullptr, dynamic_cast<SegyDiskStore*>(store.get()));
+  EXPECT_EQ(segy_testing::goldenHeader(3, 20), readInt(*store, "CMP", 3));
+  ASSERT_TRUE(segd_testing::writeSegd(dir / "a.segd", "--traces 3"));
+  store = openFile(dir / "a.segd");
+  ASSERT_NE(nullptr, dynamic_cast<SegdDiskStore*>(store.get()));
+  Attribute trace = store->getAttribute("TRACE");
+  store->read(trace, 3, 3);
+  EXPECT_EQ(segd_testing::writtenSample(3, 2), trace.getFloat32Pointer(1)[1]);
 
   // Offload files, which also open as attribute files of their kind.
   std::string const offload = dir / "survey.offload";
   ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
                             offload + " " + (dir / "expect.txt") + " '>' 1 995 1")
                                .c_str()));
-  vHandle<Store> store = openFile(offload);
+  store = openFile(offload);
   ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
   EXPECT_EQ(21, readInt(*store, "CDP", 3));
   Attribute cdp = store->getAttribute("CDP");
@@ -157,6 +126,58 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   ASSERT_NE(nullptr, fdm);
   EXPECT_TRUE(fdm->isInterpolating());
   EXPECT_TRUE(store->hasAttribute("VELTRACE.RMS"));
+
+  std::string const cst = dir / "made.cst";
+  store = StoreFactory::createStore(StoreDescription(vFilename(cst.c_str())), "", KeyList(), nullptr);
+  ASSERT_NE(nullptr, dynamic_cast<NyxDiskStore*>(store.get()));
+  trace = Attribute("TRACE", "", vFLOAT32, 2, 4.0);
+  store->addAttribute(trace);
+  trace.resize(3);
+  trace.getFloat32Pointer(3)[1] = 1.5f;
+  store->write(trace, 1, 3);
+  store->close();
+  Attribute back("TRACE", "", vFLOAT32);
+  openFile(cst)->read(back, 3, 3);
+  EXPECT_EQ(1.5f, back.getFloat32Pointer(1)[1]);
+}
+
+// The finder picks the Nyx mapping file that gives groups, by the file's
+// name and its traces; without one the file opens as a plain Nyx store.
+// Each way through the candidates is one row.
+TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
+  registerRondoClasses();
+  TestReleaseTree tree;  // the mapping files lie in the release of the checkout
+  tree.setEnv("VREL", RONDO_TEST_SOURCE_DIR "/release/");
+  fs_testing::TempDir dir;
+  struct Case {
+    char const* name;
+    char const* spec;
+    char const* traces;
+  } const cases[] = {{"line2d.cst", "2dCMPGathers", "12"},
+                     {"line2dstk.cst", "2dStack", "12 5 stack"},
+                     {"area3dSTK.cst", "3dInlineStacks", "12"},
+                     {"area3d.nyx", "3dCMPGathers", "12"},
+                     {"plain.cst", "", "12"},
+                     {"single2d.cst", "", "1"}};
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::string const path = dir / c.name;
+    nyx_testing::writeFixture("cst", path, ">", 5, c.traces);
+    EXPECT_EQ(std::string(c.spec), NyxFormat::getSpecification(StoreDescription{vFilename(path.c_str())}).c_str());
+  }
+  // The factory asks this finder when told to: the stack is seen through its mapping, keyed by CDP.
+  StoreOpenOptions options;
+  options.setAutoSpecifyCSTFiles(true);
+  vHandle<Store> store =
+      StoreFactory::openStore(StoreDescription{vFilename((dir / "line2dstk.cst").c_str())}, "", &options);
+  ASSERT_EQ(nullptr, dynamic_cast<NyxDiskStore*>(store.get()));
+  KeyList const keys = store->getKeyList();
+  ASSERT_LT(0u, keys.getNKeys());
+  EXPECT_EQ(vUCString("CDP"), keys.begin()->getName());
+  StoreDescription shots{vFilename((dir / "line2d.cst").c_str())};
+  EXPECT_TRUE(NyxFormat::mySpecProducesGroups(shots, "2dShotGathers"));
+  EXPECT_EQ(vString(), shots.getFormatSpec());
+  EXPECT_FALSE(NyxFormat::mySpecProducesGroups(shots, "noSuchSpec"));
 }
 
 }  // namespace
@@ -193,7 +214,9 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   made->write(factory_testing::ints("SHOT", {10, 20, 30}), 1, 3);
   made->close();
   vHandle_cast<ZonProject>(project)->emptyDatasetCache();
-  EXPECT_EQ("made,tab.1 ", storeNames(project, "table"));
+  vHandle<Project::StoreList> tables = project->getStoreList("table", "");
+  ASSERT_EQ(1u, tables->size());
+  EXPECT_EQ("made,tab.1", str(tables->front()));
   EXPECT_EQ(3u, project->getAttributeSetDetails("made,tab", 0).front().getNInstances());
   ProjectFactory::emptyCache();
 }

@@ -65,13 +65,6 @@ TEST_F(PackerTransportTest, AddressOfArraysGoAsOrdinaryArrays) {
   EXPECT_EQ(twice, seen);
 }
 
-TEST_F(PackerTransportTest, WithoutAChannelSendOnlyFinishes) {
-  Packer p(10);
-  p.pack(1);
-  EXPECT_EQ(CommChan::OK, p.send(nullptr, 5));
-  EXPECT_EQ(21, p.getSize());
-}
-
 // A message from a peer of the other byte order: every value arrives in
 // this host's order, except 64-bit unsigned ones, which a channel has
 // always left as they were sent.

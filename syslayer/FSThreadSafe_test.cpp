@@ -1,7 +1,6 @@
 #include <sched.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -49,31 +48,6 @@ TEST(FSThreadSafe, NestedLocksKeepOtherThreadsOut) {
   // An inner unlock that let another thread in would lose increments.
   EXPECT_EQ(counter, 2000);
   EXPECT_EQ(fs_tdepth_(), 0);
-}
-
-TEST(FSThreadSafe, FilesFromManyThreads) {
-  ServiceScope scope;
-  fs_testing::TempDir dir;
-  FS::threadSafe(true);
-  std::string const data(10000, 'q');
-  fs_testing::writeFile(dir / "shared", data);
-  std::atomic<int> good{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&, t] {
-      for (int i = 0; i < 50; ++i) {
-        FS::ioFile w = FS::create((dir / ("own" + std::to_string(t))).c_str(), FS::ByteFile);
-        w.write(1, data.data(), 100);
-        w.close();
-        FS::iFile r = FS::open((dir / "shared").c_str(), FS::ByteFile);
-        char buf[100];
-        if (r.read(1 + i, buf, 100) == 100 && r.isGood() && std::string(buf, 100) == data.substr(0, 100)) ++good;
-        r.close();
-      }
-    });
-  }
-  for (std::thread& t : threads) t.join();
-  EXPECT_EQ(good.load(), 200);
 }
 
 TEST(FSThreadSafe, MutexFailuresAndTheirMessages) {

@@ -116,29 +116,3 @@ StoreConformanceCase wrapperCase() {
 
 INSTANTIATE_TEST_SUITE_P(TestDouble, StoreConformance, ::testing::Values(storeCase(), setCase(), wrapperCase()),
                          StoreConformance::caseName);
-
-// A view that holds only some of the reference attributes and no classes
-// is checked on those alone.
-StoreConformanceCase partialCase() {
-  StoreConformanceCase c("PartialContent");
-  c.attributes = {"CDP", "TRACE"};
-  c.hasClasses = false;
-  c.openForReading = [] {
-    auto shelf = std::make_shared<TestMemoryShelf>();
-    {
-      TestMemoryStore writer(vHandle<Project>(), shelf);
-      KeyList keys;
-      keys.addKey(StoreConformance::referenceDefinition("CDP"));
-      writer.create("partial", "seismic", "2d", keys, nullptr);
-      StoreConformance::populate(writer, {"CDP", "TRACE"});
-      writer.close();
-    }
-    vHandle<AttributeSet> store(new TestMemoryStore(vHandle<Project>(), shelf));
-    store->open("partial", 0, "", "", nullptr);
-    return store;
-  };
-  c.hasKeyList = false;
-  return c;
-}
-
-INSTANTIATE_TEST_SUITE_P(Partial, StoreConformance, ::testing::Values(partialCase()), StoreConformance::caseName);

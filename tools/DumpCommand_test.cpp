@@ -105,7 +105,9 @@ TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
   EXPECT_EQ("0\n", fs_testing::readFile(dir / "status"));
 }
 
-// Every failure is one line naming the store, and a non-zero status.
+// Every failure is one line naming the store, and a non-zero status. The
+// texts of the stores themselves are checked where they are raised; one
+// here shows that they come through.
 TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 1, "big", 10, 20);
@@ -119,18 +121,12 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
       {"dump line.sgy CMP --last 11", 1, "rondo: line.sgy: last instance 11 must be <= number of instances 10.\n"},
       {"dump line.sgy CMP --first 4 --last 3", 1, "rondo: line.sgy: first instance 4 must be <= last instance 3.\n"},
       {"dump line.sgy CMP --first 12", 1, "rondo: line.sgy: first instance 12 must be <= number of instances 10.\n"},
-      {"info noformat", 1, "rondo: noformat: We do not know the type of file 'noformat', therefore we cannot handle it!\n"},
       {"info missing.txt", 1,
        "rondo: missing.txt: The text table 'missing.txt' could not be opened: No such file or directory.\n"},
       {"info d.txt", 1,
        "rondo: d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
        "project, see rondo ls).\n"},
       {"info p.sgy", 1, "rondo: p.sgy: 'p.sgy' is a pipe or a socket, not a file that holds a store.\n"},
-      {"info file:p.sgy#segy#", 1,
-       "rondo: file:p.sgy#segy#: 'p.sgy' is a pipe or a socket, not a file that holds a store.\n"},
-      {"info f:d.txt", 1,
-       "rondo: f:d.txt: 'd.txt' is a directory: name a file in it (a data server lists a directory of files as a "
-       "project, see rondo ls).\n"},
       {"dump line.sgy CMP --first 0", 2, "rondo: dump: --first wants a whole number of at least 1, not '0'\n"},
       {"dump line.sgy CMP --json", 2, "rondo: dump: unknown option --json\n"},
       {"frobnicate", 2, "rondo: unknown command 'frobnicate'\n"},
@@ -141,11 +137,6 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
     EXPECT_EQ("", r.out) << c.arguments;
     EXPECT_EQ(c.err, r.err.substr(0, r.err.find('\n') + 1)) << c.arguments;
   }
-  // A missing file: the file layer's reason, on one line.
-  Outcome const missing = tool(dir, "dump missing.sgy CMP");
-  EXPECT_EQ(0u, missing.err.find("rondo: missing.sgy: ")) << missing.err;
-  EXPECT_NE(std::string::npos, missing.err.find("No such file or directory")) << missing.err;
-  EXPECT_EQ(missing.err.size() - 1, missing.err.find('\n')) << missing.err;
 }
 
 // The tool and each command explain themselves, with an example.

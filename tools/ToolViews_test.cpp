@@ -91,7 +91,6 @@ TEST(RondoViews, BindAndInfillOverAPackedStore) {
 TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 4, 4);
-  fs_testing::writeFile(dir / "nokey.cstf", "!KEYLIST NOPE\nHALF:int = CMP / 2\n");
   fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
   struct Case {
     char const* spec;
@@ -107,7 +106,6 @@ TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
       {"bin:TRACE,0,1,1,1", "Unable to bin Attribute TRACE: bins take one value an instance."},
       {"sort:CMP,", "an empty argument"},
       {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
-      {"map:nokey.cstf", "The definition for the key attribute NOPE has not been declared!"},
       // A control byte quoted from the file is not passed to the terminal.
       {"map:esc.cstf", "The expression '?[2J CMP' for the attribute 'A' is in error at position 0: Invalid non printable "
                        "characters found in expression/identifer!"},

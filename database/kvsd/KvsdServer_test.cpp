@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 TEST(KvsdServer, NamesStayInsideTheDataDirectory) {
   struct Row {
     std::string name, path;
-  } rows[] = {{"L1", "L1"}, {"../etc", "%2E%2E%2Fetc"}, {"", "%"}, {"a b", "a%20b"}};
+  } rows[] = {{"L1", "L1"}, {"../etc", "%2E%2E%2Fetc"}, {"", "%"}};
   for (const Row& r : rows) {
     EXPECT_EQ(KvsdEncodeName(r.name), r.path);
     EXPECT_EQ(KvsdDecodeName(r.path), r.name);

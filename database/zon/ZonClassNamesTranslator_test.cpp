@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "foundation/ErrorHandler.h"
 #include "foundation/ExceptionErrorHandler.h"
 #include "foundation/RaiseError.h"
@@ -52,22 +49,5 @@ TEST(ZonClassNamesTranslator, BothWaysAndBadLinesSkipped) {
   ZonClassNamesTranslator::dropTable();
   ZonClassNamesTranslator::convertRondoVToZon("horizon", "2d", zonClass, table);
   EXPECT_STREQ("HZ2D", table.c_str());
-  ZonClassNamesTranslator::dropTable();
-}
-
-TEST(ZonClassNamesTranslator, ShippedFileLoadsWhole) {
-  TestReleaseTree tree;
-  std::ifstream shipped(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/ZonClassTranslations.txt");
-  std::stringstream text;
-  text << shipped.rdbuf();
-  tree.writeSystemFile("ZonClassTranslations.txt", text.str());
-  ZonClassNamesTranslator::dropTable();
-  Infos infos;
-  vString zonClass, table;
-  ZonClassNamesTranslator::convertRondoVToZon("velocity", "time_rms", zonClass, table);
-  EXPECT_STREQ("VELO", zonClass.c_str());
-  ZonClassNamesTranslator::convertRondoVToZon("zongrid", "", zonClass, table);
-  EXPECT_STREQ("ZONGRID", table.c_str());
-  EXPECT_TRUE(infos.seen.empty());
   ZonClassNamesTranslator::dropTable();
 }

@@ -1,14 +1,16 @@
-// Every adapter: a store written and closed, the daemon restarted, and the
-// store opened again in a fresh project gives the same values; and the
-// edges of the memory copy: loading on first need, closes that write only
-// changes, duplicate keys, a daemon that goes away; the secondary sets
-// of a dataset of several tables, and a new one made through the store; a
+// The adapters with columns the shared suite cannot hold: written and closed,
+// the daemon restarted, and opened again in a fresh project; the typed
+// adapters' refusals and end rows; seismic parameters; the edges of the
+// memory copy: loading on first need, closes that write only changes,
+// duplicate keys, a daemon that goes away; the secondary sets of a dataset
+// of several tables, and a new one made through the store; a
 // seismic-geometry table made through a store; vectors refused.
 
 #include <gtest/gtest.h>
 
 #include <signal.h>
 
+#include <memory>
 #include <vector>
 
 #include "database/kvs/Kvs.h"
@@ -75,15 +77,7 @@ std::vector<Dataset> datasets() {
         {"RECUMBENCY", vINT32}},
        6,
        "HORIZONNAME"},
-      {"mute1,mute",
-       "mute",
-       "offset",
-       {{"CDP", vINT32}, {"OFFSET", vINT32}},
-       {{"MUTEOFFSETS", vFLOAT32}, {"MUTETIMES", vFLOAT32}},
-       6,
-       nullptr},
       {"vel1,velo", "velocity", "time_rms", {{"CDP", vINT32}, {"TIME", vFLOAT32}}, {{"VRMS", vFLOAT32}}, 6, nullptr},
-      {"wd1,wdep", "wdepth", "", {}, {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}, 5, nullptr},
       {"grid1,grid",
        "zongrid",
        "",
@@ -123,30 +117,34 @@ vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, char const* name
   return store;
 }
 
+// One daemon for the suite; each test has a project of its own.
+struct ZonStoreRoundTrip : ::testing::Test {
+  static void SetUpTestSuite() { shared.reset(new ZonTestBed); }
+  static void TearDownTestSuite() { shared.reset(); }
+  static std::unique_ptr<ZonTestBed> shared;
+  ZonTestBed& bed = *shared;
+};
+std::unique_ptr<ZonTestBed> ZonStoreRoundTrip::shared;
+
 }  // namespace
 
-TEST(ZonStoreRoundTrip, EveryAdapterSurvivesARestart) {
-  ZonTestBed bed;
+// The shared suite takes every adapter across a restart with three columns;
+// the horizon's and the grid's full sets of columns, texts among them, and
+// their properties survive one too.
+TEST_F(ZonStoreRoundTrip, HorizonAndGridSurviveARestart) {
+  std::vector<Dataset> const kept = {datasets()[1], datasets()[3]};
   {
     vHandle<ZonProject> project = bed.openProject("trips");
-    for (Dataset const& d : datasets()) writeDataset(project, d);
+    for (Dataset const& d : kept) writeDataset(project, d);
   }
   bed.stop(SIGTERM);
   bed.start();
   vHandle<ZonProject> project = bed.openProject("trips");
-  char const* const classes[][2] = {{"tab1", "3d"},     {"horizon", "3d"}, {"mute", "offset"},
-                                    {"velocity", "time_rms"}, {"wdepth", ""},  {"zongrid", ""}};
-  int at = 0;
-  for (Dataset const& d : datasets()) {
+  for (Dataset const& d : kept) {
     SCOPED_TRACE(d.name);
     vHandle<ZonStore> store = openStore(project, d.name);
-    EXPECT_STREQ(classes[at][0], store->getClass().c_str());
-    EXPECT_STREQ(classes[at][1], store->getSubClass().c_str());
-    ++at;
+    EXPECT_STREQ(d.className, store->getClass().c_str());
     ASSERT_EQ(d.n, store->getNInstances());
-    KeyList const keys = store->getKeyList();
-    ASSERT_EQ(d.keys.size(), keys.getNKeys());
-    for (unsigned int i = 0; i < keys.getNKeys(); ++i) EXPECT_STREQ(d.keys[i].name, keys.findName(i + 1).c_str());
     EXPECT_EQ(d.keys.size() + d.others.size(), store->getNAttributes());
     int k = 0;
     std::vector<Column> all = d.keys;
@@ -163,20 +161,17 @@ TEST(ZonStoreRoundTrip, EveryAdapterSurvivesARestart) {
         }
       }
     }
-    if (d.property) {
-      EXPECT_STREQ("FEET", store->findProperty(vUCString(d.property))->getString().c_str());
-    }
+    EXPECT_STREQ("FEET", store->findProperty(vUCString(d.property))->getString().c_str());
   }
 }
 
-TEST(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
   vHandle<ZonProject> project = bed.openProject("refusals");
   Dataset horizon = datasets()[1];
   horizon.property = nullptr;
   expectFatal([&] { writeDataset(project, horizon); }, "ZonHorizonAdapter::doWriteAll",
               "The property HORIZONNAME is required for horizon hz1,hz.");
-  Dataset velocity = datasets()[3];
+  Dataset velocity = datasets()[2];
   velocity.others.push_back({"ELEV", vFLOAT64});
   expectFatal([&] { writeDataset(project, velocity); }, "ZonVelocityAdapter::doWriteAll",
               "Wrong number of Attributes <4> in AttributeList for vel1,velo");
@@ -200,11 +195,10 @@ TEST(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
     expectFatal([&] { openStore(project, name); }, "ZonAdapterBase::open", std::string("Store not found ") + name);
 }
 
-TEST(ZonStoreRoundTrip, VelocityFunctionsGetTheirEndRow) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, VelocityFunctionsGetTheirEndRow) {
   bed.tree().setEnv("SP_CAPIZON_KVSENDVELOCITY", "5000");
   vHandle<ZonProject> project = bed.openProject("velocity");
-  writeDataset(project, datasets()[3]);
+  writeDataset(project, datasets()[2]);
   vHandle<ZonStore> store = openStore(project, "vel1,velo");
   ASSERT_EQ(9u, store->getNInstances());
   Attribute cdp("CDP", "", vINT32), time("TIME", "", vFLOAT32), rms("VRMS", "", vFLOAT32);
@@ -218,10 +212,10 @@ TEST(ZonStoreRoundTrip, VelocityFunctionsGetTheirEndRow) {
   EXPECT_EQ(5000, time.getValue(6));
   EXPECT_EQ(2004.5, rms.getValue(6));
   EXPECT_EQ(5000, time.getValue(9));
+  bed.tree().unsetEnv("SP_CAPIZON_KVSENDVELOCITY");
 }
 
-TEST(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
   vHandle<ZonProject> project = bed.openProject("seismic");
   // Written by the library itself, as a loader of traces would.
   project->setSession();
@@ -254,8 +248,7 @@ TEST(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
   EXPECT_EQ(3, openStore(project, "line1,seis")->findProperty(vUCString("STATUS"))->getInt32());
 }
 
-TEST(ZonStoreEdges, LoadsOnFirstNeedAndClosesWriteOnlyChanges) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, LoadsOnFirstNeedAndClosesWriteOnlyChanges) {
   writeDataset(bed.openProject("edges"), datasets()[0]);
   vHandle<ZonStore> reader = openStore(bed.openProject("edges"), "plain1,tab");
   EXPECT_FALSE(reader->getImplementation().isLoaded());
@@ -309,8 +302,7 @@ TEST(ZonStoreEdges, LoadsOnFirstNeedAndClosesWriteOnlyChanges) {
   EXPECT_EQ(-2.0, back.getValue(2));
 }
 
-TEST(ZonStoreEdges, DuplicateKeysRaiseAtReadAndWrite) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, DuplicateKeysRaiseAtReadAndWrite) {
   writeDataset(bed.openProject("dups"), datasets()[0]);
   vHandle<ZonStore> store = openStore(bed.openProject("dups"), "plain1,tab", true);
   Attribute cdp("CDP", "", vINT32);
@@ -337,8 +329,7 @@ TEST(ZonStoreEdges, DuplicateKeysRaiseAtReadAndWrite) {
 // first the database sends (HZ2D) serves the store; the other is a
 // secondary set, read and written in its turn, and what a switch of sets
 // sends outlives a daemon restart.
-TEST(ZonStoreSets, TheOtherTablesOfADatasetAreSecondarySets) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, TheOtherTablesOfADatasetAreSecondarySets) {
   Dataset d = datasets()[1];
   writeDataset(bed.openProject("sets"), d);
   d.subClass = "2d";
@@ -382,8 +373,7 @@ TEST(ZonStoreSets, TheOtherTablesOfADatasetAreSecondarySets) {
 // A set made through the store is a new table of the dataset, found again
 // after a restart; the store's own table, though its name sorts after the
 // new one's, stays the primary set.
-TEST(ZonStoreSets, ANewSetIsANewTableOfTheDataset) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, ANewSetIsANewTableOfTheDataset) {
   writeDataset(bed.openProject("newset"), datasets()[0]);
   std::vector<Column> const columns{{"CDP", vINT32}, {"OFFSET", vINT32}, {"HTIME", vFLOAT32}};
   KeyList keys;
@@ -412,8 +402,7 @@ TEST(ZonStoreSets, ANewSetIsANewTableOfTheDataset) {
 // A seismic-geometry table made through a store keeps its properties in
 // the geometry group; a vector, which no column can hold, is refused as it
 // is added.
-TEST(ZonStoreRoundTrip, GeometryTableMadeThroughAStoreAndVectorsRefused) {
-  ZonTestBed bed;
+TEST_F(ZonStoreRoundTrip, GeometryTableMadeThroughAStoreAndVectorsRefused) {
   vHandle<ZonProject> project = bed.openProject("sgd");
   Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}}, {{"XVAL", vFLOAT64}}, 4, "NOTE"};
   writeDataset(project, sgd);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "filestore/disk/AttributeFileTesting.h"
-#include "filestore/disk/AttributeSetIndexingTable.h"
 #include "project/Project.h"
 #include "project/StoreTesting.h"
 #include "testing/StoreConformance.h"
@@ -39,9 +38,7 @@ class BasicDataAdaptorTest : public ::testing::Test {
   }
 
   void expectReference(BasicDataAdaptor const& adaptor) {
-    EXPECT_EQ(12u, adaptor.getNInstances());
     EXPECT_EQ(4u, adaptor.getNAttributes());
-    EXPECT_FALSE(adaptor.hasAttribute("NOPE"));
     Attribute trace = adaptor.getAttribute("TRACE");
     adaptor.read(trace, 4, 6);
     ASSERT_EQ(3u, trace.getNInstances());
@@ -83,24 +80,4 @@ TEST_F(BasicDataAdaptorTest, OverAnAttributeSetOrAFile) {
                 "BasicDataAdaptor::BasicDataAdaptor", "The AttributeSet given was null.");
   expectFailure([] { BasicDataAdaptor(static_cast<AttributeFile*>(nullptr)); }, "BasicDataAdaptor::BasicDataAdaptor",
                 "The AttributeFile given was null.");
-}
-
-TEST_F(BasicDataAdaptorTest, IndexingTablesAgreeOverSetAndFile) {
-  AttributeSetIndexingTable overSet(m_store);
-  AttributeSetIndexingTable overFile(m_file.get());
-  Attribute offset("OFFSET", "", vINT32);
-  std::vector<unsigned int> fromSet, fromFile;
-  overSet.locateByGroups(offset, 2, 0, fromSet);
-  overFile.locateByGroups(offset, 2, 0, fromFile);
-  EXPECT_EQ((std::vector<unsigned int>{2, 5, 8, 11, 3, 6, 9, 12}), fromSet);
-  EXPECT_EQ(fromSet, fromFile);
-  KeyList keys = StoreConformance::referenceKeys();
-  int const cdps[] = {3, 1};
-  int const offsets[] = {200, 100};
-  keys.begin()->copyData(2, cdps);
-  (keys.begin() + 1)->copyData(2, offsets);
-  overSet.locateByKeys(keys, fromSet);
-  overFile.locateByKeys(keys, fromFile);
-  EXPECT_EQ((std::vector<unsigned int>{8, 1}), fromSet);
-  EXPECT_EQ(fromSet, fromFile);
 }

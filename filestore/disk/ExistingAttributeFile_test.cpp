@@ -55,8 +55,6 @@ TEST(ExistingAttributeFile, RefusesUnknownExtensionsNullExamplesAndSecondRegistr
   ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
   expectFailure([&] { files.open("/x/y.nosuchkind", Attribute(), AttributeFile::OpenOptions()); },
                 "ExistingAttributeFile::open", "Unknown file extension for file '/x/y.nosuchkind'.");
-  expectFailure([&] { files.deleteFile("/x/y.nosuchkind"); }, "ExistingAttributeFile::deleteFile",
-                "Unknown file extension for file '/x/y.nosuchkind'.");
   expectFailure([&] { files.registerExample("memnull", nullptr); }, "ExistingAttributeFile::registerExample",
                 "Example for extension memnull was null.");
   auto other = std::make_shared<MemoryVolume>();

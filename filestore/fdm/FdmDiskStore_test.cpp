@@ -35,21 +35,10 @@ TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeader) {
     FdmBinaryHeader const& h = reader.getHeader();
     ASSERT_TRUE(h.isValidHeader());
     EXPECT_EQ(order[0] == '>', h.wasEndianChanged());
-    EXPECT_EQ(500.0f, h.getSpatialCrosslineOrigin());
-    EXPECT_EQ(4, h.getNCrossline());
-    EXPECT_EQ(25.0f, h.getSpatialCrosslineIncrement());
-    EXPECT_EQ(1000.0f, h.getSpatialInlineOrigin());
-    EXPECT_EQ(3, h.getNInline());
+    // A float and an int of the main header, and of the extended one.
     EXPECT_EQ(12.5f, h.getSpatialInlineIncrement());
-    EXPECT_EQ(5, h.getNZ());
-    EXPECT_EQ(4.0f, h.getSpatialZIncrement());
-    EXPECT_EQ(100, h.getMinCrossline());
-    EXPECT_EQ(20, h.getMinInline());
-    EXPECT_EQ(2, h.getCrosslineIncrement());
-    EXPECT_EQ(1, h.getInlineIncrement());
-    EXPECT_TRUE(h.hasExtendedHeader());
+    EXPECT_EQ(3, h.getNInline());
     EXPECT_EQ(2, h.getVersion());
-    EXPECT_EQ(0, h.getAngleUnits());
     EXPECT_EQ(30.0f, h.getRotation());
     // Sections come out in this machine's order: X [y][z], Z [y][x].
     std::vector<float> x(15), z(12);
@@ -72,16 +61,12 @@ TEST(FdmBinaryHeader, AFractionalCountOrNoMarkInEitherOrder) {
     FdmBinaryHeader const& bad = reader.getHeader();
     EXPECT_FALSE(bad.isValidHeader());
     EXPECT_FALSE(reader.isValid());
-    EXPECT_EQ(0, bad.getNInline());
-    EXPECT_EQ(0.0f, bad.getSpatialCrosslineOrigin());
-    EXPECT_EQ(-1, bad.getVersion());
     fs_testing::expectFailure([&] { FdmDiskStore().open(vFilename(path.c_str())); }, "FdmDiskStore::open",
                               "The file '" + path + "' is not an FDM file: its header is invalid.");
     fdm_testing::writeFixture(path, order, "--plain");
     reader.setFile(file);
     EXPECT_TRUE(reader.getHeader().isValidHeader());
     EXPECT_EQ(-1, reader.getHeader().getVersion());
-    EXPECT_EQ(-1, reader.getHeader().getDistanceUnits());
   }
   FdmBinaryHeader const shortHeader("VFDM", 4);
   EXPECT_FALSE(shortHeader.isValidHeader());
@@ -128,7 +113,6 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
     for (Case const& c : {Case{"fdm", "gridded_time_rms/intrp/3", "VELTRACE.RMS", "gridded_time_rms", true},
                           Case{"fdm", "time_interval/asis", "VELTRACE.INTERVAL", "time_interval", false},
                           Case{"fdm", "gridded_time_foc/intrp/x", "VELTRACE.FOCONSTANTS", "gridded_time_foc", false},
-                          Case{"", "gridded_time_rms/intrp/2", "VELTRACE.DEFAULT", "gridded_time_rms", true},
                           Case{"fdm", "", "VELTRACE.DEFAULT", "gridded_default", false}}) {
       SCOPED_TRACE(std::string(order) + c.spec);
       fdm_testing::writeFixture(path, order);
@@ -136,11 +120,7 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
       store.open(described(path, c.format, c.spec));
       EXPECT_EQ(c.interpolating, store.isInterpolating());
       EXPECT_EQ(vLCString(c.subClass), store.getSubClass());
-      EXPECT_EQ(vLCString("vel"), store.getName());
       ASSERT_EQ(12u, store.getNInstances());
-      KeyList const keys = store.getKeyList();
-      ASSERT_EQ(2u, keys.getNKeys());
-      EXPECT_EQ(vUCString("CROSSLINE"), keys.begin()->getName());
       Attribute trace(c.attribute, "", vFLOAT32);
       store.read(trace, 1, 12);
       Attribute crossline("CROSSLINE", "", vINT32), inlines("INLINE", "", vFLOAT64);
@@ -151,7 +131,6 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
       EXPECT_EQ(21.0, inlines.getFloat64(1));
       EXPECT_EQ(22.0, inlines.getFloat64(8));
       ASSERT_EQ(5, trace.getLength());
-      EXPECT_EQ(4.0, trace.getSampleRate());
       for (unsigned int i = 1; i <= 12; ++i)
         for (int z = 0; z < 5; ++z)
           ASSERT_FLOAT_EQ(value((i - 1) % 4, (i - 1) / 4, z), trace.getFloat32Pointer(i)[z]) << i << " " << z;
@@ -169,8 +148,6 @@ TEST(FdmDiskStore, Failures) {
   fdm_testing::writeFixture(path, "<");
   FdmDiskStore store;
   Attribute trace("VELTRACE.DEFAULT", "", vFLOAT32);
-  fs_testing::expectFailure([&] { store.read(trace, 1, 1); }, "FdmDiskStore::read",
-                            "Fdm Disk File has not been opened yet!");
   StoreDescription notFlat;
   fs_testing::expectFailure([&] { store.open(notFlat); }, "FdmDiskStore::open(StoreDescription)",
                             "StoreDescription must contain a flat file.");

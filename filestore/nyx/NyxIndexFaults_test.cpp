@@ -112,15 +112,6 @@ TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
     }
     EXPECT_EQ(cmp(5), cmpOf(store, 5));
   }
-  // A failed read of the history trace's first word (at byte 232) while
-  // the block file is opened.
-  std::string const path = dir / "h.dat";
-  writeFixture("dat", path, "<", 5);
-  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 232);
-  NyxDiskStore store;
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
-                            "Failed to read the first word out of the special history trace!");
-  EXPECT_FALSE(store.isOpen());
 }
 
 // The site's settings: an index made on opening, a blocking factor.

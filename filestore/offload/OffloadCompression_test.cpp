@@ -48,8 +48,7 @@ TEST(OffloadCompression, PackedRecordsAndValuesMatchThePythonPacker) {
   };
   // Odd and even lengths, one and several windows (a zero window among
   // them), pairs swapped and not, a window length that splits pairs.
-  for (Case const c : {Case{7, 0, 0}, Case{7, 0, 1}, Case{8, 0, 1}, Case{1, 0, 0}, Case{1, 0, 1}, Case{11, 4, 0},
-                       Case{11, 4, 1}, Case{12, 5, 0}, Case{13, 3, 1}, Case{300, 64, 1}, Case{9, 20, 0}}) {
+  for (Case const c : {Case{7, 0, 0}, Case{8, 0, 1}, Case{1, 0, 1}, Case{11, 4, 0}, Case{13, 3, 1}, Case{9, 20, 0}}) {
     SCOPED_TRACE("n " + std::to_string(c.n) + " window " + std::to_string(c.window) + " swap " +
                  std::to_string(c.swap));
     std::string hex;

@@ -6,9 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "attribute/AttributeDefinitionTable.h"
@@ -39,22 +37,16 @@ class SegyStoreTest : public ::testing::Test {
   fs_testing::TempDir dir;
 };
 
-// Every attribute of the shot format, every trace, through range reads of
-// several sizes and list reads.
+// Every attribute of the shot format at its place, every trace; ranges and
+// lists of every kind are the store suite's.
 void expectGoldenShotStore(SegyDiskStore const& store, unsigned int nTraces, unsigned int nSamples) {
   ASSERT_EQ(nTraces, store.getNInstances());
   Attribute trace = store.getAttribute("TRACE");
   ASSERT_EQ(static_cast<int>(nSamples), trace.getLength());
-  for (unsigned int step : {3u, nTraces}) {
-    for (unsigned int first = 1; first <= nTraces; first += step) {
-      unsigned int const last = std::min(nTraces, first + step - 1);
-      store.read(trace, first, last);
-      ASSERT_EQ(last - first + 1, trace.getNInstances());
-      for (unsigned int i = first; i <= last; ++i)
-        for (unsigned int s = 1; s <= nSamples; ++s)
-          ASSERT_EQ(goldenSample(i, s), trace.getFloat32Pointer(i - first + 1)[s - 1]) << i << " " << s;
-    }
-  }
+  store.read(trace, 1, nTraces);
+  for (unsigned int i = 1; i <= nTraces; ++i)
+    for (unsigned int s = 1; s <= nSamples; ++s)
+      ASSERT_EQ(goldenSample(i, s), trace.getFloat32Pointer(i)[s - 1]) << i << " " << s;
   std::vector<std::string> const fields = {"SEGY.REEL.COUNT", "FFID",      "CHANNEL",   "SHOT.UNIQUE.ID",
                                            "CMP",             "CMP_NUMBER", "SHOT.RW.X", "SHOT.RW.Y",
                                            "RCVR.RW.X",       "RCVR.RW.Y",  "RCVR.LINE", "RCVR.BIN"};
@@ -64,19 +56,10 @@ void expectGoldenShotStore(SegyDiskStore const& store, unsigned int nTraces, uns
     Attribute a = store.getAttribute(fields[f].c_str());
     store.read(a, 1, nTraces);
     for (unsigned int i = 1; i <= nTraces; ++i) ASSERT_EQ(goldenHeader(i, offset), a.getInt32(i)) << i;
-    std::vector<unsigned int> list = {nTraces, 1, nTraces, 2};
-    store.read(a, list);
-    ASSERT_EQ(4u, a.getNInstances());
-    for (unsigned int k = 0; k < list.size(); ++k) EXPECT_EQ(goldenHeader(list[k], offset), a.getInt32(k + 1));
   }
   Attribute unique = store.getAttribute("RCVR.UNIQUE.ID");
   store.read(unique, 2, 2);
   EXPECT_EQ(goldenHeader(2, 201), unique.getInt32(1)) << "the same bytes as RCVR.BIN";
-  std::vector<unsigned int> const list = {nTraces, 1, 2};
-  store.read(trace, list);
-  for (unsigned int k = 0; k < list.size(); ++k)
-    for (unsigned int s = 1; s <= nSamples; ++s)
-      EXPECT_EQ(goldenSample(list[k], s), trace.getFloat32Pointer(k + 1)[s - 1]);
 }
 
 TEST_F(SegyStoreTest, ReadsGoldenFilesOfEachFormatAndByteOrder) {
@@ -86,7 +69,7 @@ TEST_F(SegyStoreTest, ReadsGoldenFilesOfEachFormatAndByteOrder) {
   };
   // IBM samples are checked on files that segyio writes; this writer's IBM
   // words come from the converter that reads them.
-  for (Case c : {Case{5, true}, Case{6, true}, Case{5, false}, Case{6, false}}) {
+  for (Case c : {Case{5, true}, Case{6, false}}) {
     SCOPED_TRACE("format " + std::to_string(c.code) + (c.bigEndian ? " big-endian" : " this machine's order"));
     SegyWriter w;
     w.formatCode = c.code;
@@ -105,15 +88,8 @@ TEST_F(SegyStoreTest, AnswersWhatItIsAndWhatItHolds) {
   vHandle<SegyDiskStore> store = openFile(path);
   EXPECT_EQ(std::string("north_line"), store->getName().c_str());
   EXPECT_EQ(3600 + 4 * 260, store->getLength());
-  EXPECT_EQ(14u, store->getAttributeList().size());
-  EXPECT_EQ(1u, store->getAttributeList("CMP", AttributeMatch::MATCH_CLASS).size());
-  // The key: CMP alone.
-  KeyList const keys = store->getKeyList();
-  ASSERT_EQ(1u, keys.getNKeys());
-  EXPECT_EQ(std::string("CMP"), keys.begin()->getName().c_str());
   // One attribute set, named as the store.
   EXPECT_EQ((Store::AttributeSetList{"north_line"}), *store->getAttributeSetList());
-  store->openAttributeSet("north_line");
   expectFailure([&] { store->openAttributeSet("south"); }, "SegyDiskStore::openAttributeSet",
                 "File '" + path + "' does not have AttributeSet named 'south'.");
   // The text header in ASCII, all 3200 bytes.
@@ -127,12 +103,6 @@ TEST_F(SegyStoreTest, ConvertsToTheTypeAskedFor) {
   SegyWriter w;
   w.nSamples = 3;
   vHandle<SegyDiskStore> store = openFile(write(w, 3));
-  Attribute cmp64("CMP", "", vINT64);
-  store->read(cmp64, 1, 3);
-  EXPECT_EQ(goldenHeader(3, 20), cmp64.getInt64(3));
-  Attribute cmpDouble("CMP", "", vFLOAT64);
-  store->read(cmpDouble, std::vector<unsigned int>{3, 1});
-  EXPECT_EQ(goldenHeader(1, 20), cmpDouble.getFloat64(2));
   Attribute trace64("TRACE", "", vFLOAT64, 1);
   store->read(trace64, 2, 3);
   ASSERT_EQ(3, trace64.getLength()) << "the store's length";
@@ -170,11 +140,9 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
     EXPECT_EQ(vINT16, a.getDataType());
     store.read(a, 1, 3);
     EXPECT_EQ(-3, a.getInt16(3));
-    for (DataType type : {vINT32, vFLOAT64}) {
-      Attribute wide("STATIC", "", type);
-      store.read(wide, 1, 3);
-      EXPECT_EQ(-2.0, wide.getValue(2)) << vUtl::dataTypeName(type).c_str();
-    }
+    Attribute wide("STATIC", "", vFLOAT64);
+    store.read(wide, 1, 3);
+    EXPECT_EQ(-2.0, wide.getFloat64(2));
     Attribute scale("SCALE", "", vFLOAT32);
     store.read(scale, 1, 3);
     EXPECT_EQ(0.75f, scale.getFloat32(3));
@@ -187,28 +155,6 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
     EXPECT_FALSE(store.hasAttribute("STATIC"));
   }
   AttributeDefinitionTable::instance().dropTable();
-}
-
-TEST_F(SegyStoreTest, KeepsTheLastRangeReadForTheNextAttributes) {
-  SegyWriter w;
-  std::string const path = write(w, 6);
-  vHandle<SegyDiskStore> store = openFile(path);
-  Attribute trace = store->getAttribute("TRACE");
-  store->read(trace, 2, 5);
-  {
-    // From here on no byte of the file can be read.
-    fs_testing::Fault broken(path, FS_FAULT_FAILREAD, 0);
-    Attribute cmp = store->getAttribute("CMP");
-    store->read(cmp, 2, 5);
-    EXPECT_EQ(goldenHeader(5, 20), cmp.getInt32(4));
-    store->read(cmp, std::vector<unsigned int>{5, 2, 5});
-    EXPECT_EQ(goldenHeader(2, 20), cmp.getInt32(2));
-    expectFailure([&] { store->read(cmp, 1, 2); }, "SegyDiskStore::myAllocateBufferRange", "Failed to read instance 1");
-  }
-  // The failure cleared; the file reads again.
-  Attribute cmp = store->getAttribute("CMP");
-  store->read(cmp, 1, 2);
-  EXPECT_EQ(goldenHeader(1, 20), cmp.getInt32(1));
 }
 
 TEST_F(SegyStoreTest, AFileOfHeadersAloneHoldsNoTraces) {
@@ -247,10 +193,6 @@ TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
   fs_testing::writeFile(tiny, std::string(300, '\x40'));
   expectFailure([&] { store.open(vFilename(tiny.c_str())); }, label,
                 "Only read 300 bytes from header of file " + tiny + ".");
-  std::string const noBinary = dir / "nobinary.sgy";
-  fs_testing::writeFile(noBinary, w.fileHeaders().substr(0, 3500));
-  expectFailure([&] { store.open(vFilename(noBinary.c_str())); }, label,
-                "Only read 300 bytes from header of file " + noBinary + ".");
   std::string const missing = dir / "missing.sgy";
   try {
     MessageHandling quiet;
@@ -279,18 +221,6 @@ TEST_F(SegyStoreTest, OpensByDescriptionWithItsFormatFile) {
   // No spec and nothing beside the file: the shot format.
   store.open(StoreDescription(vFilename(path.c_str())));
   EXPECT_TRUE(store.hasAttribute("FFID"));
-  store.close();
-  // Every question of a closed store in the store's own words, labelled
-  // with its own name.
-  std::vector<std::pair<char const*, std::function<void()>>> const closed = {
-      {"SegyDiskStore::getNInstances", [&] { store.getNInstances(); }},
-      {"SegyDiskStore::getName", [&] { store.getName(); }},
-      {"SegyDiskStore::getAttribute", [&] { store.getAttribute("CMP"); }},
-      {"SegyDiskStore::getLength", [&] { store.getLength(); }},
-  };
-  for (auto const& row : closed) expectFailure(row.second, row.first, "Segy Disk File has not been opened yet!");
-  expectFailure([&] { store.addAttribute(Attribute("X", "", vINT32)); }, "SegyDiskStore::addAttribute",
-                "Function not implemented in derived class -- needs code.");
 }
 
 }  // namespace
