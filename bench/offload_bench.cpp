@@ -166,6 +166,7 @@ void readAll(benchmark::State& state, std::string const& name, float tolerance) 
     }
   }
   state.SetBytesProcessed(state.iterations() * sampleBytes());
+  store.close();
 }
 
 void OffloadTraces(benchmark::State& state) { readAll<OffloadDiskStore>(state, files().plain, 0.0f); }
