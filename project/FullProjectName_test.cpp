@@ -85,13 +85,6 @@ void expectProject(FullProjectName const& n, ProjectType::PROJECT_TYPE type, cha
   EXPECT_EQ(project, str(n.getProject()));
 }
 
-TEST(FullProjectName, FieldsAreReadFromTheRight) {
-  expectProject(FullProjectName(vString("rondo:srv:hostA:survey")), ProjectType::RONDO, "srv", "hostA", "survey");
-  // An empty type name is no type.
-  expectProject(FullProjectName(vString(":srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
-  expectProject(FullProjectName(vString("")), ProjectType::NOTYPE, "", "", "");
-}
-
 TEST(FullProjectName, BadTypeAndServerNames) {
   // A fifth field makes the type name hold a colon.
   expectFatal([] { FullProjectName n(vString("r:x:srv:h:p")); }, "ProjectType::getProjectType",
@@ -106,6 +99,9 @@ TEST(FullProjectName, FullNameLeavesOutBlankPartsAndReadsBack) {
   EXPECT_EQ("Rondo:::survey", str(FullProjectName(ProjectType::RONDO, "", "", "survey").getFullName()));
   EXPECT_EQ("Kelp:s:h:survey", str(FullProjectName(vString("k"), "s", "h", "survey").getFullName()));
   EXPECT_EQ("h:", str(FullProjectName(ProjectType::NOTYPE, "", "h", "").getFullName()));
+  // An empty type name is no type.
+  expectProject(FullProjectName(vString(":srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
+  expectProject(FullProjectName(vString("")), ProjectType::NOTYPE, "", "", "");
   // Every full name reads back as the name it came from.
   FullProjectName const names[] = {FullProjectName(ProjectType::NOTYPE, "s", "", "p"),
                                    FullProjectName(ProjectType::UNITTEST, "s", "", "")};

@@ -56,15 +56,6 @@ void expectCatalog(ProjectDescription const& d, ProjectType::PROJECT_TYPE type, 
   EXPECT_EQ(project, str(d.getProjectName()));
 }
 
-TEST(ProjectDescription, CatalogTypesReadServerHostAndProject) {
-  DefaultProject none(false);
-  expectCatalog(ProjectDescription(vString("rondo:srv:hostA:Survey")), ProjectType::RONDO, "srv", "hostA", "survey");
-  // Fields are read from the right; a blank host is this host.
-  expectCatalog(ProjectDescription(vString("r::survey")), ProjectType::RONDO, "", str(vUtl::gethostname()), "survey");
-  // A Kelp catalog without a server is served from its data host.
-  expectCatalog(ProjectDescription(vString("kelp::hostK:p")), ProjectType::KELP, "hostK", "hostK", "p");
-}
-
 TEST(ProjectDescription, BlankFieldsComeFromTheDefaultProject) {
   DefaultProject def(true);
   expectCatalog(ProjectDescription(vString("r:srv::")), ProjectType::RONDO, "srv", "defhost", "defproj");
@@ -77,6 +68,8 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
   expectCatalog(d, ProjectType::NOTYPE, "srv", "hostA", "survey");
   EXPECT_TRUE(d.isCapi());
   EXPECT_EQ("NoType:srv:hostA:survey", str(d.toString()));
+  // A type word in front of three fields is the type; a blank host is this host.
+  expectCatalog(ProjectDescription(vString("r::survey")), ProjectType::RONDO, "", str(vUtl::gethostname()), "survey");
   // In the place of a type, only a type.
   expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectDescription(vString)",
               "Unknown project type 'venus'.");
@@ -133,6 +126,11 @@ TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
   ProjectCatalogDescription d;
   expectFatal([&] { d.setCapi(ProjectType::FLATFILE, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
               "ProjectType must be either DORN, RONDO or KELP");
+  // An in-memory catalog is taken, as no Capi one.
+  d.setCapi(ProjectType::INMEMORY, "hprod", "h");
+  EXPECT_FALSE(d.isCapi());
+  EXPECT_TRUE(d.isInMemory());
+  EXPECT_EQ("InMemory:", str(d.toString()));
   d.setFlatFile(vFilename("/x/y.txt"));
   d.setCapi(ProjectType::UNITTEST, "s", "h");
   EXPECT_EQ("", str(d.getFlatFileName().getFilename()));
@@ -160,25 +158,6 @@ TEST(ProjectCatalogDescription, SetCapiCompletesABlankHost) {
     d.setCapi(ProjectType::ZONMESH, "centre", "");
     EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
   }
-}
-
-TEST(ProjectCatalogDescription, KindsOfDescription) {
-  DefaultProject none(false);
-  TestReleaseTree tree;
-  SiteDatabases site;
-  ProjectCatalogDescription d;
-  d.setCapi(ProjectType::DORN, "hprod", "h");
-  EXPECT_TRUE(d.isCapi());
-  EXPECT_EQ("Dorn:hprod:h:", str(d.toString()));
-  d.setCapi(ProjectType::INMEMORY, "hprod", "h");
-  EXPECT_FALSE(d.isCapi());
-  EXPECT_TRUE(d.isInMemory());
-  EXPECT_EQ("InMemory:", str(d.toString()));
-  ProjectCatalogDescription f;
-  f.setCapi(ProjectType::RONDO, "s", "h");
-  f.setFlatFile(vFilename("/data/x.sgy"));
-  EXPECT_FALSE(f.isCapi());
-  EXPECT_EQ("/data", str(f.getPath()));
 }
 
 TEST(ProjectCatalogDescription, EqualityAndOrder) {

@@ -104,18 +104,6 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   EXPECT_EQ(0u, StoreFactory::getNPushedStores());
 }
 
-TEST(StoreFactoryQueue, APushedStoreIsTheOneThatAProjectServedNameOpens) {
-  CleanQueue queue;
-  auto shelf = std::make_shared<TestMemoryShelf>();
-  shelve(shelf, "line3");
-  vHandle<Store> pushed(new TestMemoryStore(vHandle<Project>(), shelf));
-  StoreFactory::pushStore(pushed);
-  vHandle<Store> store = StoreFactory::openStore(unitTestStore("127.0.0.94", "line3"), "", nullptr);
-  EXPECT_EQ(pushed.get(), store.get());
-  EXPECT_TRUE(store->isOpen());
-  EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
-}
-
 // --- project-served names --------------------------------------------------------------------
 
 // Made and opened through the project is the registry's test; here the
