@@ -11,9 +11,8 @@
 
 #include "filestore/nyx/NyxDatLayout.h"
 #include "filestore/nyx/NyxDiskStore.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -25,12 +24,7 @@ namespace {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
-  static ExceptionErrorHandler* const handler = [] {
-    auto* h = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(h);
-    return h;
-  }();
-  (void)handler;
+  fuzz_testing::raiseWithoutReports();
   long long const fileSize = static_cast<long long>(size);
   NyxDatLayout::Reader const reader = [&](long long offset, void* buffer, long long count) -> long long {
     if (offset < 0 || count < 0 || offset > fileSize) return -1;

@@ -11,9 +11,8 @@
 #include <string>
 
 #include "filestore/offload/OffloadHeaderFile.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -25,13 +24,7 @@ namespace {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
-  // Fatal messages raise without the printed reports.
-  static ExceptionErrorHandler* const handler = [] {
-    auto* h = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(h);
-    return h;
-  }();
-  (void)handler;
+  fuzz_testing::raiseWithoutReports();
   std::string const text(reinterpret_cast<char const*>(data), size);
   OffloadHeaderFile first, second;
   try {

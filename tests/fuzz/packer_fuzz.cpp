@@ -25,12 +25,11 @@
 #include <string>
 #include <vector>
 
-#include "foundation/ExceptionErrorHandler.h"
 #include "foundation/Packer.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
 #include "foundation/vDate.h"
 #include "foundation/vString.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -45,15 +44,6 @@ void check(bool ok, char const* what) {
   if (!ok) finding(what);
 }
 
-// Fatal messages raise without the printed reports.
-void quietHandlers() {
-  static ExceptionErrorHandler* handler = [] {
-    auto* h = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(h);
-    return h;
-  }();
-  (void)handler;
-}
 
 class Input {
  public:
@@ -647,7 +637,7 @@ void buildMessage(Input& in) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
-  quietHandlers();
+  fuzz_testing::raiseWithoutReports();
   if (size == 0) return 0;
   Input in(data + 1, size - 1);
   try {

@@ -16,9 +16,8 @@
 #include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segd/SegdGeneralHeader.h"
 #include "filestore/segd/SegdKernels.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -30,13 +29,7 @@ namespace {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
-  // Fatal messages raise without the printed reports.
-  static ExceptionErrorHandler* const handler = [] {
-    auto* h = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(h);
-    return h;
-  }();
-  (void)handler;
+  fuzz_testing::raiseWithoutReports();
   unsigned char block[SegdGeneralHeader::LENGTH] = {};
   std::memcpy(block, data, size < sizeof block ? size : sizeof block);
   SegdGeneralHeader header(static_cast<unsigned char const*>(block));

@@ -31,11 +31,10 @@
 
 #include "attribute/Attribute.h"
 #include "filestore/segy/SegyDiskStore.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
 #include "project/StoreDescription.h"
 #include "syslayer/FSService.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -113,13 +112,7 @@ void readAll(SegyDiskStore const& store, bool lists) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
-  // Fatal messages raise without the printed reports.
-  static ExceptionErrorHandler* const handler = [] {
-    auto* h = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(h);
-    return h;
-  }();
-  (void)handler;
+  fuzz_testing::raiseWithoutReports();
   if (size < 1) return 0;
   uint8_t const flags = data[0];
   std::size_t at = 1;

@@ -22,15 +22,14 @@
 
 #include "attribute/Attribute.h"
 #include "attribute/KeyList.h"
-#include "foundation/ExceptionErrorHandler.h"
 #include "foundation/Packer.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
 #include "project/StoreCreationOptions.h"
 #include "registry/RondoRegistry.h"
 #include "remote/ClientCodes.h"
 #include "remote/CommChan.h"
 #include "server/DataServerSession.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -200,8 +199,7 @@ std::FILE* sessionLog() {
     // The UnitTest back end, with two stores its projects list.
     ::setenv("SP_DATASERVER_BACKEND", "UnitTest", 1);
     ::setenv("RONDO_UNITTEST_STORES", "seis.1:seismic:shot wells.2", 1);
-    auto* handler = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(handler);
+    fuzz_testing::raiseWithoutReports();
     registerDataServerClasses();
     // The log's lines are formatted, and go nowhere.
     return std::fopen("/dev/null", "w");

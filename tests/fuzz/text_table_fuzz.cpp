@@ -14,9 +14,8 @@
 #include "filestore/ascii/AsciiCollator.h"
 #include "filestore/ascii/AsciiDataReader.h"
 #include "filestore/ascii/AsciiFormat.h"
-#include "foundation/ExceptionErrorHandler.h"
-#include "foundation/RaiseError.h"
 #include "foundation/UtlExcept.h"
+#include "tests/fuzz/FuzzTesting.h"
 
 namespace {
 
@@ -28,13 +27,8 @@ namespace {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size) {
-  // Fatal messages raise without the printed reports; errors are dropped.
-  static ExceptionErrorHandler* const handler = [] {
-    auto* h = new ExceptionErrorHandler();
-    RaiseError::getInstance()->install(h);
-    return h;
-  }();
-  (void)handler;
+  // Errors are dropped with the reports.
+  fuzz_testing::raiseWithoutReports();
   std::string const input(reinterpret_cast<char const*>(data), size);
   std::size_t const split = input.find('\0');
   std::string const table = split == std::string::npos ? input : input.substr(split + 1);
