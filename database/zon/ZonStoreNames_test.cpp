@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -45,14 +44,7 @@ double bumpFirstElev(AttributeSet& store, double add) {
   return was;
 }
 
-// One daemon for the suite; each test has a project of its own.
-struct ZonStoreNames : ::testing::Test {
-  static void SetUpTestSuite() { shared.reset(new ZonTestBed); }
-  static void TearDownTestSuite() { shared.reset(); }
-  static std::unique_ptr<ZonTestBed> shared;
-  ZonTestBed& bed = *shared;
-};
-std::unique_ptr<ZonTestBed> ZonStoreNames::shared;
+struct ZonStoreNames : SharedZonTestBed<ZonStoreNames> {};
 
 std::string listed(vHandle<ZonProject> const& project) {
   std::string text;

@@ -10,7 +10,6 @@
 
 #include <signal.h>
 
-#include <memory>
 #include <vector>
 
 #include "database/kvs/Kvs.h"
@@ -117,14 +116,7 @@ vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, char const* name
   return store;
 }
 
-// One daemon for the suite; each test has a project of its own.
-struct ZonStoreRoundTrip : ::testing::Test {
-  static void SetUpTestSuite() { shared.reset(new ZonTestBed); }
-  static void TearDownTestSuite() { shared.reset(); }
-  static std::unique_ptr<ZonTestBed> shared;
-  ZonTestBed& bed = *shared;
-};
-std::unique_ptr<ZonTestBed> ZonStoreRoundTrip::shared;
+struct ZonStoreRoundTrip : SharedZonTestBed<ZonStoreRoundTrip> {};
 
 }  // namespace
 

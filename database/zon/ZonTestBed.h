@@ -7,8 +7,10 @@
 // class translations, and a real kvsd on a free loopback port. KVSROOT, KVSPROJ, KVSDICT and KVSPORT are
 // set for the test and restored after it.
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
+#include <memory>
 #include <string>
 
 #include "database/zon/ZonProject.h"
@@ -38,6 +40,20 @@ class ZonTestBed {
   TestReleaseTree m_tree;
   std::string m_data;
   pid_t m_pid;
+};
+
+// A fixture whose tests share one daemon, started once for the suite; each
+// test opens a project of its own. Suite is the fixture itself, so that
+// every suite has a daemon of its own.
+template <class Suite>
+class SharedZonTestBed : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() { shared.reset(new ZonTestBed); }
+  static void TearDownTestSuite() { shared.reset(); }
+  ZonTestBed& bed = *shared;
+
+ private:
+  static inline std::unique_ptr<ZonTestBed> shared;
 };
 
 #endif
