@@ -839,15 +839,11 @@ double valueAt(void const* p, DataType type) {
   }
 }
 
-bool isNumeric(DataType type) {
-  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
-}
-
 }  // namespace
 
 double Attribute::getValue(unsigned int instance) const {
   myGetChecks(instance, "Attribute::getValue");
-  if (!isNumeric(m_dataType))
+  if (!vUtl::dataTypeIsAttributeNumber(m_dataType))
     Message::fatal("Attribute::getValue", 0, "Unsupported data type %s for %s.", typeName(m_dataType).c_str(),
                    getName().c_str());
   return valueAt(static_cast<char const*>(m_data) + static_cast<std::size_t>(m_elementSize) * (instance - 1),
@@ -856,7 +852,7 @@ double Attribute::getValue(unsigned int instance) const {
 
 double Attribute::getValue(unsigned int instance, int position) const {
   myGetChecks2(instance, position, "Attribute::getValue");
-  if (!isNumeric(m_dataType))
+  if (!vUtl::dataTypeIsAttributeNumber(m_dataType))
     Message::fatal("Attribute::getValue", 0, "Unsupported data type %s for %s.", typeName(m_dataType).c_str(),
                    getName().c_str());
   char const* p = static_cast<char const*>(getPointer(instance));
@@ -898,7 +894,7 @@ void Attribute::setValue(unsigned int instance, vString const& value) {
 }
 
 void Attribute::getValues(std::vector<double>& values) const {
-  if (!isNumeric(m_dataType))
+  if (!vUtl::dataTypeIsAttributeNumber(m_dataType))
     Message::fatal("Attribute::getValues", 0, "Unexpected DataType %s for Attribute %s.",
                    typeName(m_dataType).c_str(), getName().c_str());
   long long const n = m_data == nullptr ? 0 : getTotalLength();

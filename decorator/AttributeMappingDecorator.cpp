@@ -32,10 +32,6 @@ std::vector<vUCString> words(std::string const& text) {
   return out;
 }
 
-bool isSupportedDataType(DataType type) {
-  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
-}
-
 DataType typeFromWord(char const* label, std::string word, std::string const& line) {
   for (char& c : word) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   if (word == "f" || word == "float" || word == "float32") return vFLOAT32;
@@ -154,7 +150,7 @@ void AttributeMappingDecorator::myAddExpression(char const* label, vString const
   } else {
     target = Attribute(vUCString(name.c_str()), vUCString(name.c_str()), vFLOAT32);
   }
-  if (!isSupportedDataType(target.getDataType()))
+  if (!vUtl::dataTypeIsAttributeNumber(target.getDataType()))
     Message::fatal(label, 0, "An unsupported datatype for the attribute %s was detected!", target.getName().c_str());
   if (target.isVariableLength())
     Message::fatal(label, 0, "The attribute %s is variable length and we don't support these!!",

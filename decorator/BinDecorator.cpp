@@ -14,7 +14,7 @@ void BinDecorator::open(Binner const& binner, Attribute const& attribute) {
   vUCString const& name = attribute.getName();
   Attribute const definition = m_decoratedStore->hasAttribute(name) ? m_decoratedStore->getAttribute(name) : attribute;
   DataType const type = definition.getDataType();
-  if (!(type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64))
+  if (!vUtl::dataTypeIsAttributeNumber(type))
     Message::fatal("BinDecorator::open", 0, "Unable to bin Attribute %s of type %s.", name.c_str(),
                    vUtl::dataTypeName(type).c_str());
   if (definition.getLength() != 1)

@@ -21,10 +21,6 @@ unsigned int const kScanBlock = 10240;
 // 10 megabytes of bins.
 unsigned int const kInitialBins = 655360;
 
-bool isKeyType(DataType type) {
-  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
-}
-
 // A strict order even with NaN among floating keys (a NaN goes last), so
 // that the sort of the bins stays well defined.
 template <class T>
@@ -179,7 +175,7 @@ void MergeMethodNoSecondarySort::myDoAddStore(vHandle<Store> const& store) {
     if (keys.getNKeys() == 0)
       Message::fatal(label, 0, "The store '%s' has no key to merge on!", data->title.c_str());
     Attribute const& key = *keys.begin();
-    if (!isKeyType(key.getDataType()))
+    if (!vUtl::dataTypeIsAttributeNumber(key.getDataType()))
       Message::fatal(label, 0, "The store '%s' contains a key of datatype %s but we do not support this!",
                      data->title.c_str(), vUtl::dataTypeName(key.getDataType()).c_str());
     if (key.getLength() != 1)

@@ -11,10 +11,6 @@ namespace {
 
 char const* const kNotWritten = "Has not been written yet.";
 
-bool isSortable(DataType type) {
-  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
-}
-
 vString typeName(Attribute const& a) { return vUtl::dataTypeName(a.getDataType()); }
 
 template <class T>
@@ -93,11 +89,12 @@ void SortStoreDecorator::addSortKey(vUCString const& name, vUtlSort::SortOrder::
   // A key the sort cannot take is refused now, with the words of the first
   // read, rather than after the view is built and handed on.
   char const* const label = "SortStoreDecorator::addSortKey";
-  if (!isSortable(key.getDataType()) && m_sortKeyNames.empty())
-    Message::fatal(label, 0, "Unable to sort Attribute %s of type %s.", key.getName().c_str(), typeName(key).c_str());
-  if (!isSortable(key.getDataType()))
+  if (!vUtl::dataTypeIsAttributeNumber(key.getDataType())) {
+    if (m_sortKeyNames.empty())
+      Message::fatal(label, 0, "Unable to sort Attribute %s of type %s.", key.getName().c_str(), typeName(key).c_str());
     Message::fatal(label, 0, "Unable to sort secondary Attribute %s of type %s. Primary type is %s",
                    key.getName().c_str(), typeName(key).c_str(), typeName(*m_sortKeys.begin()).c_str());
+  }
   // A trace's samples would be sorted as if they were the instances' keys.
   if (key.getLength() != 1)
     Message::fatal(label, 0, "Unable to sort Attribute %s: a key takes one value an instance.", key.getName().c_str());
@@ -188,7 +185,7 @@ void SortStoreDecorator::mySetupRead() const {
 
 void SortStoreDecorator::mySort1Key() const {
   Attribute& key = m_keyAttributes.front();
-  if (!isSortable(key.getDataType()))
+  if (!vUtl::dataTypeIsAttributeNumber(key.getDataType()))
     Message::fatal("SortStoreDecorator::local_1keysort", 0, "Unable to sort Attribute %s of type %s.",
                    key.getName().c_str(), typeName(key).c_str());
   // An empty store has nothing to sort, and the sort must not see n = 0.
@@ -216,10 +213,10 @@ void SortStoreDecorator::mySort2Key() const {
   char const* label = "SortStoreDecorator::local_2keysort";
   Attribute& key1 = m_keyAttributes.front();
   Attribute& key2 = m_keyAttributes.back();
-  if (!isSortable(key1.getDataType()))
+  if (!vUtl::dataTypeIsAttributeNumber(key1.getDataType()))
     Message::fatal(label, 0, "Unable to sort Attribute %s of type %s. Primary type is %s", key1.getName().c_str(),
                    typeName(key1).c_str(), typeName(key1).c_str());
-  if (!isSortable(key2.getDataType()))
+  if (!vUtl::dataTypeIsAttributeNumber(key2.getDataType()))
     Message::fatal(label, 0, "Unable to sort secondary Attribute %s of type %s. Primary type is %s",
                    key2.getName().c_str(), typeName(key2).c_str(), typeName(key1).c_str());
   if (m_index.empty()) return;

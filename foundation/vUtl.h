@@ -131,6 +131,11 @@ DataType dataTypeFromName(vString const& name);
 // True for a byte with 0x40 set and 0x20 clear: an entry that refers to
 // caller memory instead of holding the data.
 inline bool dataTypeIsAddressOf(int type) { return (type & 96) == 64; }
+// The five number types that attribute values are computed, sorted, binned
+// and mapped in: vINT16, vINT32, vINT64, vFLOAT32 and vFLOAT64.
+inline bool dataTypeIsAttributeNumber(int type) {
+  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
+}
 
 // --- Byte order (vUtlSwap.cpp) ----------------------------------------------
 // Pure loops over caller buffers: no allocation, no state. Unaligned data is
