@@ -65,10 +65,11 @@ void NyxDatLayout::parse(Reader const& read, long long fileSize, char const* lab
       }
       long long const calculated = static_cast<long long>(sizeof header) + additional +
                                    static_cast<long long>(count) * traceBytes;
-      if (beyond && (additional < 0 || count < 0 || calculated != size))
+      bool const addsUp = additional >= 0 && count >= 0 && calculated == size;
+      if (beyond && !addsUp)
         Message::fatal(label, 0, "Failed to move to the next block header at position %d in the file!",
                        static_cast<int>(pos));
-      if (additional < 0 || count < 0 || calculated != size)
+      if (!addsUp)
         Message::fatal(label, 0, "Calculation error, physical file size %s != calculated size %s!",
                        std::to_string(size).c_str(), std::to_string(calculated).c_str());
       // A block whose header adds up but whose traces run past the end of

@@ -112,7 +112,7 @@ class NyxDiskStore : public SingleSetDiskStore {
   void myOpenCst();
   void myBuildAttributes();
   void myLoadIndex();
-  bool myIndexShowsACut(int fd, int count) const;
+  bool myIndexShowsACut(int fd) const;
   // The definition of a name, with the word it reads (-1 for TRACE);
   // false for a name the store doesn't offer.
   bool myDefinition(vUCString const& name, Attribute& definition, int& word) const;

@@ -72,7 +72,7 @@ void NyxDiskStore::myLoadIndex() {
   } else {
     int const count = static_cast<int>(littleWord(header + 8));
     std::vector<unsigned char> records(static_cast<std::size_t>(m_record.nInstances) * 8);
-    if (count > m_record.nInstances && myIndexShowsACut(fd, count)) {
+    if (count > m_record.nInstances && myIndexShowsACut(fd)) {
       NYXFSclose(fd);
       Message::fatal("NyxDiskStore::open", 0,
                      "The Nyx file %s is cut short: its index calls for %d traces of %d bytes, it holds %d.",
@@ -92,11 +92,12 @@ void NyxDiskStore::myLoadIndex() {
   m_index.swap(index);
 }
 
-// An index of more traces than the file holds is this file's own, made
-// before the file was cut, when it places every trace the file holds where
-// the file does and the first of the others at or past the file's end.
-// The index is read from just after its header, and left anywhere.
-bool NyxDiskStore::myIndexShowsACut(int fd, int count) const {
+// An index of more traces than the file holds (the caller has seen that it
+// is) is this file's own, made before the file was cut, when it places
+// every trace the file holds where the file does and the first of the
+// others at or past the file's end. The index is read from just after its
+// header, and left anywhere.
+bool NyxDiskStore::myIndexShowsACut(int fd) const {
   std::vector<unsigned char> records(static_cast<std::size_t>(m_record.nInstances + 1) * 8);
   if (!readAll(fd, records.data(), static_cast<long>(records.size()))) return false;
   auto offset = [&](int k) {
@@ -105,7 +106,7 @@ bool NyxDiskStore::myIndexShowsACut(int fd, int count) const {
   };
   for (int k = 0; k < m_record.nInstances; ++k)
     if (offset(k) != m_dat.offsetOf(k + 1)) return false;
-  return count > m_record.nInstances && offset(m_record.nInstances) >= myFileSize();
+  return offset(m_record.nInstances) >= myFileSize();
 }
 
 void NyxDiskStore::generateIndexFile() {
