@@ -459,20 +459,19 @@ TEST_F(PackerTest, MismatchedTypes) {
   p.pack(vString("s"));
   finish(p);
   int i = 0;
-  EXPECT_EQ(fatalText([&] { p.unpack(i); }),
-            "Packer::unpack: Mismatched data type. Data is ArrayOfvINT32, asked for vINT32.");
   float f[2];
-  EXPECT_EQ(reasonOf([&] { p.unpack(f); }), "Mismatched data type. Data is ArrayOfvINT32, asked for ArrayOfvFLOAT32.");
-  vString s;
-  EXPECT_EQ(reasonOf([&] { p.unpack(s); }), "Mismatched data type. Data is 133, should be vARRAYOF|vCHAR8.");
-  vString texts[2];
-  EXPECT_EQ(reasonOf([&] { p.unpack(texts); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vSTRING|ARRAYOF.");
+  vString s, texts[2];
   vDate dates[2];
-  EXPECT_EQ(reasonOf([&] { p.unpack(dates); }), "Mismatched data type. Data is ArrayOfvINT32, asked for vDATE|ARRAYOF.");
-  short fm;
-  short fv;
-  EXPECT_EQ(fatalText([&] { p.unpackFrame(fm, fv); }),
-            "Packer::unpackFrame: Mismatched data type. Data is 133, asked for 127.");
+  short fm, fv;
+  std::pair<std::function<void()>, std::string> const reads[] = {
+      {[&] { p.unpack(i); }, "unpack: Mismatched data type. Data is ArrayOfvINT32, asked for vINT32."},
+      {[&] { p.unpack(f); }, "unpack: Mismatched data type. Data is ArrayOfvINT32, asked for ArrayOfvFLOAT32."},
+      {[&] { p.unpack(s); }, "unpack: Mismatched data type. Data is 133, should be vARRAYOF|vCHAR8."},
+      {[&] { p.unpack(texts); }, "unpack: Mismatched data type. Data is ArrayOfvINT32, asked for vSTRING|ARRAYOF."},
+      {[&] { p.unpack(dates); }, "unpack: Mismatched data type. Data is ArrayOfvINT32, asked for vDATE|ARRAYOF."},
+      {[&] { p.unpackFrame(fm, fv); }, "unpackFrame: Mismatched data type. Data is 133, asked for 127."},
+  };
+  for (auto const& r : reads) EXPECT_EQ(fatalText(r.first), "Packer::" + r.second);
   // A failed read consumes nothing.
   int back[2];
   EXPECT_EQ(p.unpack(back), 2u);
@@ -499,7 +498,6 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
   // Refused before anything is read from the pointer.
   EXPECT_EQ(fatalText([&] { p.pack(reinterpret_cast<double const*>(&c), 0x80000000u); }),
             "Packer::pack: Requested number of bytes (17179869184) was invalid.");
-  EXPECT_EQ(p.getState(), Packer::PACKINIT);
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(static_cast<float const*>(nullptr), 3); }),
             "Null data given for 3 elements of vFLOAT32.");
   // Growth that would pass the limit is refused before any memory is taken
@@ -514,50 +512,36 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
             "Packer cannot handle >2gig. Has 1800000031, wanted another 600000000.");
 }
 
-// A class at two versions: version 2 added a field and a nested frame, which
-// a version 1 reader skips.
-class Sample : public Packable {
- public:
-  explicit Sample(short version) : m_version(version) {}
+// Written at version 2, which added a field and a nested frame; read the way
+// version 1 does, which skips what follows the field it knows.
+struct Sample : Packable {
   void pack(Packer& p) const override {
-    p.packFrame(4321, m_version);
+    p.packFrame(4321, 2);
     p.pack(a);
-    if (m_version >= 2) {
-      p.pack(extra);
-      p.packFrame(77, 1);
-      p.pack(extra);
-      p.endFrame();
-    }
+    p.pack(2.5);
+    p.packFrame(77, 1);
+    p.pack(2.5);
+    p.endFrame();
     p.endFrame();
   }
   void unpack(Packer& p) override {
-    short magic;
-    short version;
-    p.unpackFrame(magic, version);
+    EXPECT_EQ(frameOf(p), (Frame{4321, 2}));
     p.unpack(a);
-    if (version > m_version)
-      p.skipFrame();
-    else
-      p.endFrame();
+    p.skipFrame();
   }
   int a = 0;
-  double extra = -1;
-
- private:
-  short m_version;
 };
 
 TEST_F(PackerTest, OlderReaderSkipsANewerFrame) {
-  Sample v2(2);
-  v2.a = 5;
-  v2.extra = 2.5;
+  Sample written;
+  written.a = 5;
   Packer p(0);
-  p.pack(v2);
+  p.pack(written);
   p.pack(11);
   finish(p);
-  Sample v1(1);
-  p.unpack(v1);
-  EXPECT_EQ(v1.a, 5);
+  Sample read;
+  p.unpack(read);
+  EXPECT_EQ(read.a, 5);
   EXPECT_EQ(take<int>(p), 11);
   EXPECT_EQ(p.getFrameDepth(), 0);
 }
@@ -590,7 +574,7 @@ TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
   EXPECT_EQ(take<int>(n), 4);
 }
 
-TEST_F(PackerTest, StlRanges) {
+TEST_F(PackerTest, StlRangesAndTheirChecks) {
   std::vector<int> const ints = {7, -8};
   std::vector<bool> const flags = {true, false};
   Packer p(0);
@@ -609,9 +593,6 @@ TEST_F(PackerTest, StlRanges) {
   EXPECT_EQ(p.getState(), Packer::PACKUNPACKED);
   EXPECT_EQ(fatalText([&] { pack(p, ints.end(), ints.begin()); }),
             "Packer::pack(STL): InputIterators appear to be in the wrong order.");
-}
-
-TEST_F(PackerTest, StlRangeChecks) {
   std::vector<int> out;
   Packer badMagic = fromBytes(message({0x7F, 0x44, 0, 1, 0, 0x05, 0, 0, 0, 0, 0x7E}));
   EXPECT_EQ(fatalText([&] { unpack(badMagic, std::back_inserter(out), 0); }),

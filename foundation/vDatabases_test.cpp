@@ -71,14 +71,12 @@ TEST(vDatabases, DefaultEntryOfThisDomain) {
   vDatabases::clearCache();
   EXPECT_EQ("houston", str(vDatabases::getDefaultDatabaseEntry().getName()));
   EXPECT_EQ(tree.systemFilesDir() + "DatabaseConfig.ini", str(vDatabases::getDefault().getFileName()));
-  EXPECT_TRUE(vDatabases::haveDefaultProductionDB());
-  EXPECT_TRUE(vDatabases::haveDefaultDevelopmentDB());
+  EXPECT_TRUE(vDatabases::haveDefaultProductionDB() && vDatabases::haveDefaultDevelopmentDB());
   EXPECT_TRUE(vDatabases::isOracleAvailable());
 
   tree.setEnv("DORN_DOMAIN", "branch.example");
   EXPECT_EQ("london", str(vDatabases::getDefaultDatabaseEntry().getName()));
-  EXPECT_TRUE(vDatabases::haveDefaultProductionDB());
-  EXPECT_FALSE(vDatabases::haveDefaultDevelopmentDB());
+  EXPECT_TRUE(vDatabases::haveDefaultProductionDB() && !vDatabases::haveDefaultDevelopmentDB());
 
   tree.setEnv("DORN_DOMAIN", "lab");
   EXPECT_FALSE(vDatabases::isOracleAvailable());
@@ -92,8 +90,7 @@ TEST(vDatabases, DefaultEntryOfThisDomain) {
   vDatabases other;
   other.loadFromMemory("[mars.example]\nDevelopmentDatabase = d\n");
   vDatabases::setCache(other);
-  EXPECT_TRUE(vDatabases::haveDefaultDevelopmentDB());
-  EXPECT_FALSE(vDatabases::haveDefaultProductionDB());
+  EXPECT_TRUE(vDatabases::haveDefaultDevelopmentDB() && !vDatabases::haveDefaultProductionDB());
   vDatabases::clearCache();
   EXPECT_EQ("m", str(vDatabases::getDefaultDatabaseEntry().getProductionDatabase()));
   vDatabases::clearCache();

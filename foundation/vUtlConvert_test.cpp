@@ -231,44 +231,36 @@ TEST(vUtlIbmFloat, ValuesRangeAndPrecisionLimits) {
   EXPECT_EQ(0x3F800000u, toIeee(0x42010000u));  // 0.01(hex) * 16^2 = 1
 
   // Float to IBM loses up to three bits where the hexadecimal exponent
-  // falls: 1 + 2^-23 keeps 21 bits after the leading 1 and rounds down to 1.
-  EXPECT_EQ(0x41100000u, toIbm(0x3F800001u));
-  // The IBM step there is 2^-20, eight float steps: 1 + 5 * 2^-23 lies
-  // above the half and rounds up to 1 + 2^-20.
-  EXPECT_EQ(0x41100001u, toIbm(0x3F800005u));
-  // Exactly half: ties to even, so 1 + 4 * 2^-23 (0x100000 + 0.5) goes down,
-  // 1 + 12 * 2^-23 (0x100001 + 0.5) goes up.
-  EXPECT_EQ(0x41100000u, toIbm(0x3F800004u));
-  EXPECT_EQ(0x41100002u, toIbm(0x3F80000Cu));
-  // Just below 2 all float bits are set and rounding carries up to 2.
-  EXPECT_EQ(0x41200000u, toIbm(bitsOf(std::nextafter(2.0f, 0.0f))));
-  // Just below 16 the IBM fraction has all 24 bits and nothing is lost.
-  EXPECT_EQ(0x41FFFFFFu, toIbm(bitsOf(std::nextafter(16.0f, 0.0f))));
-  // Infinities become the largest IBM magnitude; NaN becomes zero.
-  EXPECT_EQ(0x7FFFFFFFu, toIbm(0x7F800000u));
-  EXPECT_EQ(0x00000000u, toIbm(0x7FC00000u));
+  // falls: the IBM step above 1 is 2^-20, eight float steps.
+  struct {
+    uint32_t ieee, ibm;
+  } const lossy[] = {
+      {0x3F800001u, 0x41100000u},  // 1 + 2^-23 rounds down to 1
+      {0x3F800005u, 0x41100001u},  // 1 + 5 * 2^-23 lies above the half: up to 1 + 2^-20
+      {0x3F800004u, 0x41100000u},  // exactly half, 0x100000 + 0.5: ties to even, down
+      {0x3F80000Cu, 0x41100002u},  // exactly half, 0x100001 + 0.5: ties to even, up
+      {bitsOf(std::nextafter(2.0f, 0.0f)), 0x41200000u},   // all float bits set: carries up to 2
+      {bitsOf(std::nextafter(16.0f, 0.0f)), 0x41FFFFFFu},  // all 24 IBM bits used: nothing lost
+      {0x7F800000u, 0x7FFFFFFFu},  // infinity: the largest IBM magnitude
+      {0x7FC00000u, 0x00000000u},  // NaN: zero
+  };
+  for (auto const& c : lossy) EXPECT_EQ(c.ibm, toIbm(c.ieee)) << c.ieee;
 }
 
 TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {
   // The big-endian bytes of a SEG-Y trace: 100.0 and -118.625.
-  unsigned char file[8] = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
-  bool const little = [] {
-    uint16_t one = 1;
-    unsigned char c;
-    std::memcpy(&c, &one, 1);
-    return c == 1;
-  }();
+  std::vector<unsigned char> const bytes = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
+  std::vector<unsigned char> file = bytes;
+  bool const little = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
   float out[2];
-  vUtl::ibmToIeee(file, out, 2, little);
+  vUtl::ibmToIeee(file.data(), out, 2, little);
   EXPECT_EQ(100.0f, out[0]);
   EXPECT_EQ(-118.625f, out[1]);
   // In place, then back to the file's bytes in place.
-  vUtl::ibmToIeee(file, file, 2, little);
-  EXPECT_EQ(100.0f, load<float>(file));
-  EXPECT_EQ(-118.625f, load<float>(file + 4));
-  vUtl::ieeeToIbm(file, file, 2, little);
-  unsigned char const expected[8] = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
-  EXPECT_EQ(0, std::memcmp(expected, file, 8));
+  vUtl::ibmToIeee(file.data(), file.data(), 2, little);
+  EXPECT_EQ(0, std::memcmp(out, file.data(), 8));
+  vUtl::ieeeToIbm(file.data(), file.data(), 2, little);
+  EXPECT_EQ(bytes, file);
 }
 
 TEST(vUtlCRC, KnownValueAndChaining) {
@@ -287,14 +279,11 @@ TEST(vUtlCRC, KnownValueAndChaining) {
 }
 
 TEST(vUtlLimits, SmallestAndLargest) {
-  unsigned int lo = 42;
-  unsigned int hi = 43;
+  unsigned int lo = 42, hi = 43;
   EXPECT_FALSE(vUtl::getLimits(std::vector<unsigned int>(), lo, hi));
-  EXPECT_EQ(42u, lo);
-  EXPECT_EQ(43u, hi);
+  EXPECT_EQ(std::make_pair(42u, 43u), std::make_pair(lo, hi));
   EXPECT_TRUE(vUtl::getLimits(std::vector<unsigned int>{7, 3, 9, 3}, lo, hi));
-  EXPECT_EQ(3u, lo);
-  EXPECT_EQ(9u, hi);
+  EXPECT_EQ(std::make_pair(3u, 9u), std::make_pair(lo, hi));
 }
 
 }  // namespace

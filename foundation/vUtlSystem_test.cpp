@@ -8,8 +8,10 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "foundation/TestReleaseTree.h"
 #include "foundation/vString.h"
@@ -72,8 +74,7 @@ TEST(vUtlSystem, CommandTextForThisAndOtherHosts) {
   TestReleaseTree tree;
   tree.unsetEnv("VUSER");
   vString self = vUtl::gethostname();
-  vString selfLong = self;
-  selfLong += ".some.domain";
+  vString selfLong = self + vString(".some.domain");
   vString blank("  ");
   vString other("elsewhere-host");
 
@@ -129,9 +130,7 @@ TEST(vUtlSystem, PingThroughTheSystemProperty) {
   tree.setEnv("SP_UTL_PING", "echo %s >" + seen);
   EXPECT_TRUE(vUtl::ping("target-host"));
   std::ifstream in(seen);
-  std::string line;
-  std::getline(in, line);
-  EXPECT_EQ("target-host", line);
+  EXPECT_EQ("target-host\n", std::string(std::istreambuf_iterator<char>(in), {}));
 
   tree.setEnv("SP_UTL_PING", "  ");
   expectFatal([] { vUtl::ping("anyhost"); }, "vUtl::ping", "The system property ping command (UTL/PING) is empty!");
@@ -161,13 +160,10 @@ TEST(vUtlSystem, EntercReadsALineOrGivesTheDefault) {
   std::istringstream answers("  typed \n\n");
   std::cin.rdbuf(answers.rdbuf());
   testing::internal::CaptureStdout();
-  vString first = vUtl::enterc("Server?", "dflt");
-  vString second = vUtl::enterc("Server?", "dflt");
-  vString third = vUtl::enterc("Server?", "dflt");  // end of input
+  std::vector<std::string> got;
+  for (int i = 0; i < 3; ++i) got.push_back(str(vUtl::enterc("Server?", "dflt")));
   std::string shown = testing::internal::GetCapturedStdout();
   std::cin.rdbuf(oldIn);
-  EXPECT_EQ("typed", str(first));
-  EXPECT_EQ("dflt", str(second));
-  EXPECT_EQ("dflt", str(third));
+  EXPECT_EQ(got, (std::vector<std::string>{"typed", "dflt", "dflt"}));  // the last at the end of input
   EXPECT_EQ("Server? [dflt]: Server? [dflt]: Server? [dflt]: ", shown);
 }
