@@ -51,7 +51,7 @@ class DornDebugTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(DornDebugTest, TraceGoesToTheFileNamedByTheEnvironment) {
+TEST_F(DornDebugTest, TraceAndDumpGoToTheFileNamedByTheEnvironment) {
   configure("1", "0");
   ASSERT_TRUE(DornDebug::isEnabled());
   EXPECT_EQ(path, DornDebug::getFilename());
@@ -62,6 +62,10 @@ TEST_F(DornDebugTest, TraceGoesToTheFileNamedByTheEnvironment) {
   DornDebug::exit();
   DornDebug::where("checkpoint", "Store.cpp", 120L);
   DornDebug::exception("Load", UtlExcept("no such file", "Store::open"));
+  unsigned char bytes[20];
+  for (int i = 0; i < 20; ++i) bytes[i] = static_cast<unsigned char>('A' + i);
+  bytes[3] = 0;
+  DornDebug::dump(bytes, sizeof bytes, "header block");
   DornDebug::terminate();
   EXPECT_FALSE(DornDebug::isEnabled());
   EXPECT_EQ(
@@ -71,18 +75,7 @@ TEST_F(DornDebugTest, TraceGoesToTheFileNamedByTheEnvironment) {
       "    inner done\n"
       "  (exit)\n"
       "checkpoint  [Store.cpp:120]\n"
-      "*Load EXCEPTION* Store::open - no such file\n",
-      readFile(path));
-}
-
-TEST_F(DornDebugTest, DumpShowsOffsetsHexAndAscii) {
-  configure("2", "0");
-  unsigned char bytes[20];
-  for (int i = 0; i < 20; ++i) bytes[i] = static_cast<unsigned char>('A' + i);
-  bytes[3] = 0;
-  DornDebug::dump(bytes, sizeof bytes, "header block");
-  DornDebug::terminate();
-  EXPECT_EQ(
+      "*Load EXCEPTION* Store::open - no such file\n"
       "header block\n"
       "Offset   -----------------  Hex Codes  -----------------  --ASCII Values--\n"
       "000000   41 42 43 00 45 46 47 48 49 4a 4b 4c 4d 4e 4f 50  ABC.EFGHIJKLMNOP\n"

@@ -35,7 +35,6 @@ class RecordingHandler : public ErrorHandler {
   void doInfo(char const*, int, char const*) override { ++seen; }
 };
 
-// Raises a second fatal message from within the first.
 class ReentrantHandler : public ErrorHandler {
  protected:
   void doFatal(char const*, int, char const*) override { Message::fatal("Inner::op", 4, "second %s", "failure"); }
@@ -66,30 +65,23 @@ TEST(MessageHandlers, PrintReportLayout) {
   ::testing::internal::CaptureStderr();
   print.error("Store::open", 12, "cannot read x.sgy");
   print.info("Store::open", 0, "two\nlines\n");
-  std::string const err = ::testing::internal::GetCapturedStderr();
+  std::string err = ::testing::internal::GetCapturedStderr();
   // Program up to the last '/', host, and the present time, day first.
   std::string const from = std::string(" from ") + program_invocation_short_name + " running on " +
                            vUtl::gethostname().c_str() + " at ";
-  std::string const plus(60, '+');
-  std::string const dots(60, '.');
-  std::string::size_type const a = err.find(from);
-  ASSERT_NE(std::string::npos, a) << err;
-  std::string::size_type const b = err.find(from, a + 1);
-  ASSERT_NE(std::string::npos, b) << err;
-  EXPECT_EQ(plus + "\n(Next ERROR", err.substr(0, a)) << err;
-  EXPECT_TRUE(isRondoTime(err.substr(a + from.size(), 20))) << err;
-  EXPECT_EQ(")\nStore::open (code 12):\ncannot read x.sgy\n" + plus + "\n" + dots + "\n(Next INFO",
-            err.substr(a + from.size() + 20, b - a - from.size() - 20))
-      << err;
+  for (std::size_t at = err.find(from); at != std::string::npos; at = err.find(from, at + 1)) {
+    EXPECT_TRUE(isRondoTime(err.substr(at + from.size(), 20))) << err;
+    err.replace(at + from.size(), 20, "(time)");
+  }
+  std::string const plus(60, '+'), dots(60, '.');
   // A zero code is left out, and a text that ends its own line gets no second end.
-  EXPECT_TRUE(isRondoTime(err.substr(b + from.size(), 20))) << err;
-  EXPECT_EQ(")\nStore::open:\ntwo\nlines\n" + dots + "\n", err.substr(b + from.size() + 20)) << err;
+  EXPECT_EQ(plus + "\n(Next ERROR" + from + "(time))\nStore::open (code 12):\ncannot read x.sgy\n" + plus + "\n" + dots +
+                "\n(Next INFO" + from + "(time))\nStore::open:\ntwo\nlines\n" + dots + "\n",
+            err);
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
-// The one failure inside the formatting step is running out of memory while
-// the format is copied. The report goes to standard error directly and the
-// integer -1 is thrown, since the handlers themselves may be what fails.
+// Out of memory while copying the format: reported to stderr directly and -1 thrown, as the handlers may fail.
 TEST(MessageDeathTest, ExceptionWhileFormattingThrowsMinusOne) {
   EXPECT_EXIT(
       {

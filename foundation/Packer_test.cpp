@@ -20,8 +20,7 @@
 #include "foundation/vString.h"
 #include "foundation/vUCString.h"
 
-// The expected bytes below are written for the little-endian hosts this
-// system runs on (x86 and x86-64).
+// The expected bytes are for the little-endian hosts this system runs on (x86 and x86-64).
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "expected bytes are little-endian");
 
 namespace {
@@ -30,8 +29,7 @@ using Bytes = std::vector<unsigned char>;
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-// Raises like the default handlers, without the printed reports, and keeps
-// the info messages so that the tests can see them.
+// Raises like the default handlers, without printed reports, and keeps the info messages for the tests.
 class RecordingHandler : public ExceptionErrorHandler {
  public:
   std::vector<std::string> infos;
@@ -88,7 +86,6 @@ Bytes operator+(Bytes a, Bytes const& b) {
 
 Packer fromBytes(Bytes const& m) { return Packer(static_cast<int>(m.size()), m.data()); }
 
-// The next entry, read as a T.
 template <class T>
 T take(Packer& p) {
   T v{};
@@ -118,7 +115,6 @@ Frame frameOf(Packer& p) {
   return f;
 }
 
-// One entry of each kind, in one message.
 TEST_F(PackerTest, LayoutOfEachKindOfEntry) {
   Packer p(0);
   p.pack(static_cast<signed char>(-2));
@@ -211,8 +207,7 @@ TEST_F(PackerTest, AddressOfGoesOutAsAnOrdinaryArray) {
                       0x83, 0x00, 0, 0, 0,                                   //
                       0x05, 0x08, 0, 0, 0};
   EXPECT_EQ(finish(p, 4), message(body, 4));
-  // The gather list gives the same bytes, with the caller's memory as one
-  // of its pieces.
+  // The gather list gives the same bytes, the caller's memory one of its pieces.
   std::vector<Packer::Segment> segments;
   p.getSegments(segments, 99);
   Bytes joined;
@@ -242,8 +237,7 @@ TEST_F(PackerTest, DumpBytes) {
             "\n 0x0,");
 }
 
-// A message with texts, dates and a large array in nested frames; readAll
-// checks it back.
+// A message with texts, dates and a large array in nested frames; readAll checks it back.
 void packAll(Packer& p, std::vector<double> const& big) {
   p.packFrame(500, 3);
   p.pack(-123456789);
@@ -297,8 +291,7 @@ TEST_F(PackerTest, RoundTripThroughEveryWayIn) {
   readAll(assigned, big);
 }
 
-// Receives a whole message the way a channel does: the header, then the body
-// in pieces of at most `piece` bytes.
+// Receives a message the way a channel does: the header, then the body in pieces of at most `piece` bytes.
 void receiveInPieces(Packer& p, Bytes const& m, int piece) {
   int const length = p.beginReceive(m.data());
   ASSERT_EQ(length, static_cast<int>(m.size()) - 16);
@@ -344,7 +337,6 @@ TEST_F(PackerTest, ReceivedBodyGrowsWithWhatArrives) {
 }
 
 TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
-  // A header that claims two thousand million bytes.
   Bytes header = message({});
   uint32_t const claimed = 2000000000u;
   std::memcpy(header.data() + 8, &claimed, 4);
@@ -369,10 +361,8 @@ TEST_F(PackerTest, ForgedBodyLengthCostsNoMemory) {
   EXPECT_EQ(finish(p, 1), message({0x05, 0x05, 0, 0, 0}, 1));
 }
 
-// A message from a big-endian host, written by hand: the header and every
-// count turn around, and the data of 16-, 32- and 64-bit numbers, dates and
-// frames; bytes, 128-bit values, complex pairs, half and IBM floats and lobs
-// stay as they came, as the message sent on again shows.
+// A big-endian message by hand: counts, 16-, 32- and 64-bit numbers, dates and frames turn around; bytes,
+// 128-bit values, complex pairs, half and IBM floats and lobs stay as they came, as the message sent on shows.
 TEST_F(PackerTest, BigEndianMessageReads) {
   Bytes const m = {
       0x02, 0x6A, 0x12, 0xD6, 0x00, 0x00, 0x00, 0x01,        // magic, version
@@ -419,9 +409,7 @@ TEST_F(PackerTest, BigEndianMessageReads) {
   EXPECT_EQ(Bytes(again.end() - static_cast<std::ptrdiff_t>(unswapped.size()), again.end()), unswapped);
 }
 
-// An operation outside its states is refused and changes nothing; reading
-// past the end is a failure of its own; a Packer deleted in the middle of a
-// message says so.
+// Out-of-state operations are refused and change nothing; so are reads past the end; deleting mid-message says so.
 TEST_F(PackerTest, StateRules) {
   Packer p(10);
   EXPECT_EQ(fatalText([&] { finish(p); }), "Packer::getBuffer: Illegal operation 101 for state PACKINIT.");
@@ -479,7 +467,7 @@ TEST_F(PackerTest, MismatchedTypes) {
   EXPECT_EQ(take<int>(p), 7);
 }
 
-TEST_F(PackerTest, CapacityAndGrowth) {
+TEST_F(PackerTest, CapacityGrowthAndImpossibleRequests) {
   Packer q(5);
   EXPECT_EQ(fatalText([&] { q.setCapacity(-1); }), "Packer::setCapacity: Capacity cannot be negative, -1 was supplied.");
   int const ints[] = {1, 2, 3, 4, 5, 6, 7, 8};
@@ -490,9 +478,6 @@ TEST_F(PackerTest, CapacityAndGrowth) {
   EXPECT_EQ(q.getCapacity(), 40);
   finish(q);
   EXPECT_EQ(takeArray<int>(q), std::vector<int>(ints, ints + 8));
-}
-
-TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
   Packer p(0);
   char const c = 0;
   // Refused before anything is read from the pointer.
@@ -500,8 +485,7 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
             "Packer::pack: Requested number of bytes (17179869184) was invalid.");
   EXPECT_EQ(reasonOf([&] { p.packAddressOf(static_cast<float const*>(nullptr), 3); }),
             "Null data given for 3 elements of vFLOAT32.");
-  // Growth that would pass the limit is refused before any memory is taken
-  // or any byte read.
+  // Growth past the limit is refused before any memory is taken or any byte read.
   EXPECT_EQ(fatalText([&] { p.pack(&c, 2100000000u); }),
             "Packer::pack: Packer cannot handle >2gig. Has 16, wanted another 2100000000.");
   EXPECT_EQ(p.getState(), Packer::PACKINIT);
@@ -512,8 +496,7 @@ TEST_F(PackerTest, ImpossibleRequestsAreRefused) {
             "Packer cannot handle >2gig. Has 1800000031, wanted another 600000000.");
 }
 
-// Written at version 2, which added a field and a nested frame; read the way
-// version 1 does, which skips what follows the field it knows.
+// Written at version 2 (a field and a nested frame more) and read as version 1 does, skipping what it does not know.
 struct Sample : Packable {
   void pack(Packer& p) const override {
     p.packFrame(4321, 2);
@@ -532,7 +515,7 @@ struct Sample : Packable {
   int a = 0;
 };
 
-TEST_F(PackerTest, OlderReaderSkipsANewerFrame) {
+TEST_F(PackerTest, SkippingFrames) {
   Sample written;
   written.a = 5;
   Packer p(0);
@@ -544,13 +527,11 @@ TEST_F(PackerTest, OlderReaderSkipsANewerFrame) {
   EXPECT_EQ(read.a, 5);
   EXPECT_EQ(take<int>(p), 11);
   EXPECT_EQ(p.getFrameDepth(), 0);
-}
-
-TEST_F(PackerTest, SkipFrameBeforeAnyReadSkipsTheFirstFrame) {
+  // A skip before any read skips the first frame.
   Bytes const frame = {0x7F, 1, 0, 1, 0}, int1 = {0x05, 1, 0, 0, 0}, int2 = {0x05, 2, 0, 0, 0};
-  Packer p = fromBytes(message(frame + int1 + frame + int1 + Bytes{0x7E, 0x7E} + int2 + int1));
-  p.skipFrame();
-  EXPECT_EQ(take<int>(p), 2);
+  Packer first = fromBytes(message(frame + int1 + frame + int1 + Bytes{0x7E, 0x7E} + int2 + int1));
+  first.skipFrame();
+  EXPECT_EQ(take<int>(first), 2);
   // After a frame end the skip takes the next single entry.
   Packer q = fromBytes(message(frame + Bytes{0x7E} + int1 + int2));
   frameOf(q);
@@ -607,7 +588,7 @@ TEST_F(PackerTest, StlRangesAndTheirChecks) {
   EXPECT_TRUE(out.empty());
 }
 
-TEST_F(PackerTest, HeaderChecks) {
+TEST_F(PackerTest, ForgedHeadersAndEntries) {
   auto twoInts = [] { return message({0x05, 0x01, 0, 0, 0, 0x05, 0x02, 0, 0, 0}, 6); };
   Bytes m = twoInts();
   m[0] = 1;
@@ -629,9 +610,6 @@ TEST_F(PackerTest, HeaderChecks) {
   // The adopted buffer is freed when the constructor raises.
   EXPECT_EQ(fatalText([&] { Packer(static_cast<int>(m.size()), raw); }),
             "Packer::Packer(size,buf): Bad message received. Magic was 40505856 expected 40506070.");
-}
-
-TEST_F(PackerTest, ForgedEntries) {
   struct Case {
     Bytes body;
     char const* text;
@@ -667,7 +645,6 @@ TEST_F(PackerTest, ForgedEntries) {
 
 }  // namespace
 
-// A swap hands over everything: buffer, read position and tag.
 TEST_F(PackerTest, SwapExchangesTheWholeState) {
   float const samples[] = {1.5f, 2.5f, 3.5f};
   Packer a(0);

@@ -4,14 +4,19 @@
 
 #include <sstream>
 
-TEST(UtlExceptTraceBack, EachPartOnlyWhenPresent) {
+TEST(UtlExceptTraceBack, EachPartOnlyWhenPresentAndTheStreamBanner) {
   UtlExcept e("just the reason", "");
   EXPECT_EQ(e.toString("%T|%L|%F|%K"), "just the reason\n|-1||");
   UtlExcept all("bad things", "Grid::check", 3, "Grid.cpp");
   EXPECT_EQ(all.getTraceBack(), "bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n");
+  std::ostringstream out;
+  out << all;
+  EXPECT_EQ(out.str(),
+            "\n\n====================== EXCEPTION TRACEBACK =======================\n"
+            "bad things\n   (Method=Grid::check   File=Grid.cpp   Line=3)\n"
+            "==================================================================\n");
   EXPECT_EQ(UtlExcept("r", "", 12).getTraceBack(), "r\n   (Line=12)\n");
   EXPECT_EQ(UtlExcept(vString("r"), vString("M"), 0).getTraceBack(), "r\n   (Method=M   Line=0)\n");
-  // The stack constructor keeps the stack.
   UtlExcept stacked("#0 main", "reason", "method", -1, nullptr);
   EXPECT_EQ(stacked.getTraceBack(), "reason\n   (Method=method)\n");
   EXPECT_EQ(stacked.toString("%K|%R"), "#0 main|reason");
@@ -23,8 +28,7 @@ TEST(UtlExceptFormat, Specifiers) {
   // Blanks between specifiers only lead a following literal; none follows.
   EXPECT_EQ(e.toString("%R %M %F %L"), "whyWho::whatwhere.cpp42");
   EXPECT_EQ(e.toString("R=%R, M=%M, F=%F, L=%L"), "R=why, M=Who::what, F=where.cpp, L=42");
-  // An unknown specifier emits the bare letter. "%%" emits nothing; the flag
-  // stays, so the next token is read as a specifier: "Rest" starts with R.
+  // An unknown specifier emits the bare letter; "%%" emits nothing but leaves the flag, so "Rest" reads as %R.
   EXPECT_EQ(e.toString("a%xb%Q"), "axbQ");
   EXPECT_EQ(e.toString("100%%Rest"), "100why");
 }
@@ -44,12 +48,3 @@ TEST(UtlExceptOperators, CopyAssignAndAppend) {
   a += b;
   EXPECT_EQ(a.getTraceBack(), sum.getTraceBack());
 }
-
-TEST(UtlExceptStream, BannerAroundTheTraceBack) {
-  UtlExcept e("broken", "X::y", 7, "x.cpp");
-  std::ostringstream out;
-  out << e;
-  EXPECT_EQ(out.str(),
-            "\n\n====================== EXCEPTION TRACEBACK =======================\n"
-            "broken\n   (Method=X::y   File=x.cpp   Line=7)\n"
-            "==================================================================\n");}

@@ -59,7 +59,6 @@ TEST(vDatabases, EntriesAliasesKeysAndUnknownDomains) {
   for (char const* d : {"branch.example", "lprod"}) EXPECT_TRUE(dbs.isValidDatabase(d)) << d;
   EXPECT_FALSE(dbs.isValidDatabase("rondo"));
 
-  // An unknown domain is fatal, the file named.
   dbs.loadFromMemory(kConfig, "/site/DatabaseConfig.ini");
   expectFatal([&] { dbs.get("mars.example"); }, "vDatabases::get",
               "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");

@@ -18,8 +18,7 @@ class MonthTable : public vDate {
   static int number(vString const& s) { return myGetMonthNumber(s); }
 };
 
-// "method: reason" (or with the file: "file/method: reason") of the
-// UtlExcept that f raises.
+// "method: reason" (with the file: "file/method: reason") of the UtlExcept that f raises.
 template <class F>
 std::string failureOf(F f, bool withFile = false) {
   try {
@@ -33,7 +32,7 @@ std::string failureOf(F f, bool withFile = false) {
 
 }  // namespace
 
-TEST(vDateFields, UtcGetters) {
+TEST(vDateFields, UtcGettersAndTexts) {
   vDate d(kSample, false);
   EXPECT_FALSE(d.isLocalTime());
   // year, century, full century, year of century, month, day, hour, minute, second
@@ -41,10 +40,6 @@ TEST(vDateFields, UtcGetters) {
                               d.getDay(), d.getHour(), d.getMinute(), d.getSecond()}),
             (std::vector<int>{2023, 20, 2000, 23, 11, 14, 22, 13, 20}));
   EXPECT_FALSE(d.isDST());
-}
-
-TEST(vDateFormat, LongRondoAndOtherTexts) {
-  vDate d(kSample, false);
   EXPECT_EQ(d.getFormatted(vDate::formatLONG), "20231114221320");
   EXPECT_EQ(d.getFormatted(vDate::formatRONDO), "14-NOV-2023 22:13:20");
   vDate early(3 * 86400L + 5, false);
@@ -55,9 +50,6 @@ TEST(vDateFormat, LongRondoAndOtherTexts) {
   char buffer[32];
   d.get(buffer);
   EXPECT_STREQ("14-Nov-23 22:13:20", buffer);
-}
-
-TEST(vDateFormat, UnixFormDependsOnTheYear) {
   // Noon on the first of January of this year: time of day, no year.
   vDate thisYear(vDate::Valid);
   thisYear.set(5, 4, 12, 1, 1, -1);

@@ -7,11 +7,9 @@
 #include "foundation/vLCString.h"
 #include "foundation/vUCString.h"
 
-// Folding is a property of the type: whatever goes in comes out folded, and
-// search arguments are folded the same way. One or two members of each
-// family of overrides stand for the family.
+// Folding is a property of the type, search arguments included; one or two overrides stand for each family.
 
-TEST(vLCString, ConstructorsAppendsAndAssignmentsFold) {
+TEST(vLCString, ConstructorsAppendsAssignmentsPrintfWriteAndStreamsFold) {
   EXPECT_EQ(vLCString("MiXeD Case"), "mixed case");
   EXPECT_EQ(vLCString('Q'), "q");
   EXPECT_STREQ("ab", vLCString(4, "AB").c_str());
@@ -25,6 +23,15 @@ TEST(vLCString, ConstructorsAppendsAndAssignmentsFold) {
   vString plain("MOVED");
   s = std::move(plain);
   EXPECT_EQ(s, "moved");
+  s.printf("%s-%d", "ABC", 5);
+  EXPECT_EQ(s, "abc-5");
+  expectFailure([&] { s.printf("%10240d", 1); }, "vLCString::printf", "Message buffer overflow for format '%10240d'");
+  s = "[....]";
+  s.write(255, 1, 4, 64 | 512, '0', 0, 0);
+  EXPECT_EQ(s, "[00ff]");
+  std::istringstream in("'Quoted TEXT' Word");
+  in >> s;
+  EXPECT_EQ(s, "quoted text");
 }
 
 TEST(vLCString, SearchArgumentsAreFolded) {
@@ -66,19 +73,6 @@ TEST(vLCString, ChangesKeepTheFolding) {
   lc.swapContents(other);
   EXPECT_EQ(lc, "upper");
   EXPECT_EQ(other, "lower");
-}
-
-TEST(vLCString, PrintfWriteAndStreamsFold) {
-  vLCString s;
-  s.printf("%s-%d", "ABC", 5);
-  EXPECT_EQ(s, "abc-5");
-  expectFailure([&] { s.printf("%10240d", 1); }, "vLCString::printf", "Message buffer overflow for format '%10240d'");
-  s = "[....]";
-  s.write(255, 1, 4, 64 | 512, '0', 0, 0);
-  EXPECT_EQ(s, "[00ff]");
-  std::istringstream in("'Quoted TEXT' Word");
-  in >> s;
-  EXPECT_EQ(s, "quoted text");
 }
 
 TEST(vUCString, FoldsToUpperCase) {

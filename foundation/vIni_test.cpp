@@ -106,7 +106,6 @@ TEST(vIni, TypedValues) {
 TEST(vIni, ListsInFileOrderAndLongLines) {
   vIni ini;
   ini.loadFromMemory("[s]\nb = 2\na = 1\nc\n");
-  EXPECT_EQ(strs(ini.getValues("s")), (std::vector<std::string>{" 2", " 1", ""}));
   std::vector<std::pair<std::string, std::string>> kv;
   for (vIni::KeyValue const& e : ini.getKeysAndValues("s")) kv.emplace_back(str(e.first), str(e.second));
   EXPECT_EQ(kv, (std::vector<std::pair<std::string, std::string>>{{"b", " 2"}, {"a", " 1"}, {"c", ""}}));

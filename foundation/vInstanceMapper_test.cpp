@@ -24,7 +24,6 @@ TEST(vInstanceMapper, OnlyAscendingUnitStepsMerge) {
   EXPECT_EQ(ranges({{1, 2}, {2, 3}}), compress({1, 2, 2, 3}));
   EXPECT_EQ(ranges({{5, 5}, {4, 4}, {3, 3}}), compress({5, 4, 3}));
   EXPECT_EQ(ranges({{0xFFFFFFFEu, 0xFFFFFFFFu}, {0, 0}}), compress({0xFFFFFFFEu, 0xFFFFFFFFu, 0}));
-  // The first-and-last form is one range.
   Ranges r;
   r.push_back(std::make_pair(1u, 1u));
   vInstanceMapperBase::compressInstancesToRanges(3, 12, r);

@@ -157,9 +157,8 @@ TEST(vStringWrite, StreamOperatorsUseFixedFormats) {
 }
 
 TEST(vStringWrite, NumberIntoAField) {
-  // Flag bits: 16 decimal, 32 octal, 64 hexadecimal, 128 show base, 256 show
-  // point, 512 upper case, 1024 show positive. A field outside the string
-  // changes nothing; a number too wide for its field shows nines.
+  // Flag bits: 16 decimal, 32 octal, 64 hexadecimal, 128 show base, 256 show point, 512 upper case, 1024 show +.
+  // A field outside the string changes nothing; a number too wide for its field shows nines.
   struct Case {
     char const* before;
     bool real;
@@ -200,7 +199,7 @@ TEST(vStringWrite, NumberIntoAField) {
   EXPECT_EQ(std::string(s.c_str(), s.length()), "v=" + std::string(50, '.'));
 }
 
-TEST(vStringChange, ReplaceRemoveReverseCaseAndAppendToItself) {
+TEST(vStringChange, EditsInPlace) {
   vString s("a.b.c");
   s.replace('.', '/');
   EXPECT_EQ(s, "a/b/c");
@@ -222,6 +221,9 @@ TEST(vStringChange, ReplaceRemoveReverseCaseAndAppendToItself) {
   vString w("hELLO wORLD-foo 3rd x_y \xe9t\xe9");
   w.capitalizeEveryWord();
   EXPECT_EQ(w, "Hello World-Foo 3rd X_Y \xe9T\xe9");
+  vString n("a\x01" "b\xff" "c\rd\x02");
+  n.replaceNonAscii();  // up to a carriage return
+  EXPECT_EQ(std::string(n.c_str(), n.length()), std::string("a b c\0d\x02", 8));
   vString twice("ab");
   twice += twice;
   twice.append(twice);
@@ -231,15 +233,8 @@ TEST(vStringChange, ReplaceRemoveReverseCaseAndAppendToItself) {
   EXPECT_EQ(t, "yz");
 }
 
-TEST(vStringChange, ReplaceNonAsciiStopsAtACarriageReturn) {
-  vString s("a\x01" "b\xff" "c\rd\x02");
-  s.replaceNonAscii();
-  EXPECT_EQ(std::string(s.c_str(), s.length()), std::string("a b c\0d\x02", 8));
-}
-
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
-// Out of memory a string throws the specified exception, and one that cannot
-// grow keeps its text.
+// Out of memory a string throws the specified exception, and one that cannot grow keeps its text.
 TEST(vStringDeathTest, AllocationFailures) {
   EXPECT_EXIT(
       {
@@ -294,9 +289,7 @@ TEST(vStringEnv, ExpandKnownNamesOnly) {
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
-// The one failure inside the formatting step is running out of memory while
-// the format is adapted. A format of a few megabytes whose own copy still
-// fits under the cap, but whose adapted copy does not, provokes it.
+// The one failure in formatting, out of memory adapting the format: its copy fits under the cap, the adapted not.
 TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
   EXPECT_EXIT(
       {
@@ -323,8 +316,7 @@ TEST(vStringPrintfDeathTest, ExceptionWhileFormattingIsFatal) {
 #endif
 
 TEST(vStringStream, QuotedAndPlainWords) {
-  // Only the opening mark closes; a word ends at a space, a tab or a line
-  // end, not at a quotation mark; an open quotation runs to the end.
+  // Only the opening mark closes; words end at a blank or line end, not at a quote; an open quote runs to the end.
   std::istringstream in("  \"two words\" 'say \"hi\"'\t\n ab\"c'd \"unterminated");
   vString s;
   s.getQuotedString(in, false);

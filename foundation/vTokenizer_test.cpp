@@ -16,7 +16,7 @@ std::list<std::string> all(vTokenizer& t) {
 
 }  // namespace
 
-TEST(vTokenizer, NextStopsOnTheDelimiterAndTailLooksAhead) {
+TEST(vTokenizer, NextStopsOnTheDelimiterTailLooksAheadDefaultsAndResets) {
   vTokenizer t(vString("  key = some value  "), vString(" ="));
   vString token;
   ASSERT_TRUE(t.next(token));
@@ -29,17 +29,13 @@ TEST(vTokenizer, NextStopsOnTheDelimiterAndTailLooksAhead) {
   EXPECT_EQ(token, "value");
   EXPECT_FALSE(t.next(token));
   EXPECT_TRUE(t.tail().isSharedEmpty());
-}
-
-TEST(vTokenizer, DefaultsAndResets) {
-  vTokenizer t;
-  t.setString(vString("one\ttwo\nthree"));
-  EXPECT_EQ((std::list<std::string>{"one", "two", "three"}), all(t));
-  t.setCurrentPosition(4);
-  vString token;
-  ASSERT_TRUE(t.next(token));
+  vTokenizer d;
+  d.setString(vString("one\ttwo\nthree"));
+  EXPECT_EQ((std::list<std::string>{"one", "two", "three"}), all(d));
+  d.setCurrentPosition(4);
+  ASSERT_TRUE(d.next(token));
   EXPECT_EQ(token, "two");
-  t.setDelimiters(vString("o"));
-  t.setCurrentPosition(0);
-  EXPECT_EQ((std::list<std::string>{"ne\ttw", "\nthree"}), all(t));
+  d.setDelimiters(vString("o"));
+  d.setCurrentPosition(0);
+  EXPECT_EQ((std::list<std::string>{"ne\ttw", "\nthree"}), all(d));
 }

@@ -93,8 +93,7 @@ TEST(vUtlCopyConvert, FloatsGoToIntegersByRoundingOrTruncation) {
             convert<int32_t>(f, vFLOAT32, vINT32, vUtl::ConvertClip));
   EXPECT_EQ((std::vector<int32_t>{2, -2, 2, -2, 0, INT32_MAX, INT32_MIN, 0}),
             convert<int32_t>(f, vFLOAT32, vINT32, vUtl::ConvertClip | vUtl::ConvertTruncate));
-  // Without clipping a narrower target keeps the low bits of the saturated
-  // 64-bit value, as integers do.
+  // Without clipping a narrower target keeps the low bits of the saturated 64-bit value, as integers do.
   EXPECT_EQ((std::vector<int32_t>{3, -3, 3, -3, 0, -1, 0, 0}), convert<int32_t>(f, vFLOAT32, vINT32));
   EXPECT_EQ((std::vector<int64_t>{3, -3, 3, -3, 0, INT64_MAX, INT64_MIN, 0}), convert<int64_t>(f, vFLOAT32, vINT64));
 
@@ -131,8 +130,7 @@ TEST(vUtlCopyConvert, BetweenFloatsAndFromIntegers) {
   EXPECT_EQ((std::vector<float>{-2.0f, 300.0f}), f);
 }
 
-// The fused kernels must agree with the value-by-value rule at every length
-// around the vector widths and on unaligned buffers.
+// The fused kernels agree with the value-by-value rule at every length around the vector widths, unaligned too.
 TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
   uint64_t state = 7;
   for (std::size_t n : {0u, 1u, 7u, 8u, 9u, 17u, 33u, 100u}) {
@@ -154,8 +152,7 @@ TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
 }
 
 TEST(vUtlCopyConvert, SwappedSourcesOfEveryKindAcrossTheBlockSize) {
-  // 5000 values cross the internal block of the pairs without a fused
-  // kernel more than once.
+  // 5000 values cross the internal block of the pairs without a fused kernel more than once.
   std::size_t const n = 5000;
   std::vector<int64_t> v(n);
   for (std::size_t k = 0; k < n; ++k) v[k] = static_cast<int64_t>(k) * 1000003 - 2500000000LL;
@@ -194,7 +191,6 @@ TEST(vUtlCopyConvert, RefusesWhatItCannotDo) {
   vUtl::copyConvert(nullptr, vINT16, nullptr, vFLOAT32, 0);
 }
 
-// One word each way, in this host's byte order.
 uint32_t toIeee(uint32_t w) {
   uint32_t out;
   vUtl::ibmToIeee(&w, &out, 1, false);
@@ -224,14 +220,12 @@ TEST(vUtlIbmFloat, ValuesRangeAndPrecisionLimits) {
   // The IBM range is far wider: its extremes leave the float range.
   EXPECT_EQ(0x7F800000u, toIeee(0x7FFFFFFFu));  // about 7.2e75
   EXPECT_EQ(0x00000000u, toIeee(0x00100000u));  // 16^-65, about 5.4e-79
-  // Below the normal floats the result rounds: 7 * 2^-150 is 3.5 of the
-  // smallest step, a tie that goes to the even 4.
+  // Below the normal floats the result rounds: 7 * 2^-150 is 3.5 smallest steps, a tie that goes to the even 4.
   EXPECT_EQ(0x00000004u, toIeee(0x1C1C0000u));
   // An unnormalised IBM fraction carries the same value.
   EXPECT_EQ(0x3F800000u, toIeee(0x42010000u));  // 0.01(hex) * 16^2 = 1
 
-  // Float to IBM loses up to three bits where the hexadecimal exponent
-  // falls: the IBM step above 1 is 2^-20, eight float steps.
+  // Float to IBM loses up to three bits: above 1 the IBM step is 2^-20, eight float steps.
   struct {
     uint32_t ieee, ibm;
   } const lossy[] = {
@@ -256,7 +250,6 @@ TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {
   vUtl::ibmToIeee(file.data(), out, 2, little);
   EXPECT_EQ(100.0f, out[0]);
   EXPECT_EQ(-118.625f, out[1]);
-  // In place, then back to the file's bytes in place.
   vUtl::ibmToIeee(file.data(), file.data(), 2, little);
   EXPECT_EQ(0, std::memcmp(out, file.data(), 8));
   vUtl::ieeeToIbm(file.data(), file.data(), 2, little);

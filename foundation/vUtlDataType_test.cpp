@@ -12,7 +12,7 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-TEST(vUtlDataType, SizesAndNames) {
+TEST(vUtlDataType, SizesAndNamesOrUnknownCodes) {
   // The flags never change the size; vSTRING and vDATE are their objects.
   EXPECT_EQ(vUtl::dataTypeSize(vUINT128 | vARRAYOF), 16);
   EXPECT_EQ(vUtl::dataTypeSize(vSTRING), static_cast<int>(sizeof(vString)));
@@ -22,16 +22,12 @@ TEST(vUtlDataType, SizesAndNames) {
     EXPECT_EQ(vUtl::dataTypeSize(vSTRING), 12);
     EXPECT_EQ(vUtl::dataTypeSize(vDATE), 60);
   }
-  // Flags prefix the name; the frame codes carry bit 0x40 but are not
-  // address-of codes, which have bit 64 without bit 32.
+  // Flags prefix the name; frame codes carry bit 0x40 but address-of codes are bit 64 without bit 32.
   EXPECT_EQ(str(vUtl::dataTypeName(vARRAYOF | vADDRESSOF | vFLOAT32)), "AddressOfArrayOfvFLOAT32");
   EXPECT_EQ(vUtl::dataTypeSize(vARRAYOF | vADDRESSOF | vFLOAT64), 8);
   EXPECT_EQ(str(vUtl::dataTypeName(vARRAYOF | vENDFRAME)), "ArrayOfvENDFRAME");
   for (int t : {0xC5, 0x45}) EXPECT_TRUE(vUtl::dataTypeIsAddressOf(t)) << t;
   for (int t : {0x85, int{vENDFRAME}, int{vPACKFRAME}, 0x60}) EXPECT_FALSE(vUtl::dataTypeIsAddressOf(t)) << t;
-}
-
-TEST(vUtlDataType, UnknownCodesRaise) {
   EXPECT_EQ(fatalText([] { vUtl::dataTypeSize(-1); }), "vUtl::dataTypeSize: Unknown DataType -1.");
   // The first code past the list, as an address-of array.
   EXPECT_EQ(fatalText([] { vUtl::dataTypeName(vADDRESSOF | vARRAYOF | (vIBMFLOAT32 + 1)); }),

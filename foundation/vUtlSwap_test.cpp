@@ -31,9 +31,8 @@ Bytes reference(Bytes const& in, std::size_t offset, int size, std::size_t n) {
   return out;
 }
 
-TEST(vUtlSwap, InPlaceMatchesReferenceAtEveryLengthAndAlignment) {
-  // Lengths around the vector widths, and odd offsets so that loads are
-  // unaligned; the bytes around the run must stay untouched.
+TEST(vUtlSwap, InPlaceMatchesReferenceAtEveryLengthAndAlignmentOtherSizesRaise) {
+  // Lengths around the vector widths, odd offsets for unaligned loads; the bytes around the run stay.
   for (int size : {2, 4, 8}) {
     for (std::size_t n : {0u, 1u, 7u, 8u, 17u, 257u}) {
       for (std::size_t offset : {0u, 1u, 3u}) {
@@ -45,9 +44,13 @@ TEST(vUtlSwap, InPlaceMatchesReferenceAtEveryLengthAndAlignment) {
       }
     }
   }
+  char x[16] = {};
+  char y[8] = {};
+  EXPECT_EQ(fatalText([&] { vUtl::swapBytes(x, 3, 2); }), "ByteSwap::swapBytes(): Invalid datatype, datasize =3.");
+  EXPECT_EQ(fatalText([&] { vUtl::swapBytes(x, 1, 1, 8, 1, y, 1); }),
+            "ByteSwap::swapBytes(): Invalid datatype, datasize =1.");
 }
 
-// The copying forms write their run and nothing beyond it.
 TEST(vUtlSwap, CopyingKernelsWriteOnlyTheirRun) {
   std::size_t const n = 333;
   Bytes const src = pattern(8 * n + 1, 7);
@@ -64,8 +67,7 @@ TEST(vUtlSwap, CopyingKernelsWriteOnlyTheirRun) {
 }
 
 TEST(vUtlSwap, GroupedStridedCopy) {
-  // Records of 20 bytes holding a vector of three 4-byte values at offset 6:
-  // gathered into a contiguous block, then scattered back.
+  // Records of 20 bytes with three 4-byte values at offset 6: gathered into one block, then scattered back.
   int const recordLength = 20;
   unsigned const nRecords = 9;
   Bytes records = pattern(recordLength * nRecords, 3);
@@ -91,14 +93,6 @@ TEST(vUtlSwap, GroupedStridedCopy) {
     for (int k = 0; k < 4; ++k) gapsExpected[r * 12 + k] = gaps[r * 12 + 3 - k];
   vUtl::swapBytes(gaps.data(), 4, 12, 4, 1, gaps.data(), 12);
   EXPECT_EQ(gaps, gapsExpected);
-}
-
-TEST(vUtlSwap, OtherSizesRaise) {
-  char x[16] = {};
-  char y[8] = {};
-  EXPECT_EQ(fatalText([&] { vUtl::swapBytes(x, 3, 2); }), "ByteSwap::swapBytes(): Invalid datatype, datasize =3.");
-  EXPECT_EQ(fatalText([&] { vUtl::swapBytes(x, 1, 1, 8, 1, y, 1); }),
-            "ByteSwap::swapBytes(): Invalid datatype, datasize =1.");
 }
 
 }  // namespace

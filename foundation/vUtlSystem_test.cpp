@@ -52,9 +52,7 @@ TEST(vUtlSystem, DomainMachineAndIPAddress) {
   tree.unsetEnv("MACHINE");
   expectFatal([] { vUtl::getMachineType(); }, "vUtl::getMachineType", "MACHINE environment variable not defined!");
 
-  // Without DORN_DOMAIN, the system's: what it knows differs between
-  // machines, so either a domain comes back, or the failure is the one
-  // message.
+  // Without DORN_DOMAIN the system's, which differs between machines: a domain, or the one failure message.
   tree.unsetEnv("DORN_DOMAIN");
   try {
     MessageHandling quiet;
@@ -94,8 +92,7 @@ TEST(vUtlSystem, SystemRunsTheCommandOnThisHostOrRaises) {
   vString self = vUtl::gethostname();
   EXPECT_EQ(3, vUtl::system("exit 3", &self));
   EXPECT_EQ(128 + 9, vUtl::system("kill -9 $$"));
-  // With SIGCHLD ignored the child is reaped by the kernel, so the shell's
-  // status cannot be had and system() gives -1 with ECHILD.
+  // With SIGCHLD ignored the kernel reaps the child: no status to be had, so system() gives -1 with ECHILD.
   struct sigaction ignore;
   struct sigaction old;
   std::memset(&ignore, 0, sizeof ignore);

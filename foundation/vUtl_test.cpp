@@ -21,8 +21,7 @@ TEST(vUtlFormat, Int64ConversionsReadALongLong) {
   EXPECT_EQ(reformatted("%I64d|%-8I64u|%I64x"), "%lld|%-8llu|%llx");
   EXPECT_EQ(reformatted("100%% %d %s"), "100%% %d %s");
   EXPECT_EQ(reformatted("%%I64d"), "%%I64d");
-  // The printf entry points go through the reformat: a format from
-  // elsewhere, unknown to the compiler's format checks.
+  // The printf entry points reformat too: a format from elsewhere, unknown to the compiler's format checks.
   char const* foreign = "%I64d";
   vString s;
   s.printf(foreign, 6000000000LL);
