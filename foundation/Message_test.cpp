@@ -75,8 +75,8 @@ TEST(MessageHandlers, PrintReportLayout) {
   }
   std::string const plus(60, '+'), dots(60, '.');
   // A zero code is left out, and a text that ends its own line gets no second end.
-  EXPECT_EQ(plus + "\n(Next ERROR" + from + "(time))\nStore::open (code 12):\ncannot read x.sgy\n" + plus + "\n" + dots +
-                "\n(Next INFO" + from + "(time))\nStore::open:\ntwo\nlines\n" + dots + "\n",
+  EXPECT_EQ(plus + "\n(Next ERROR" + from + "(time))\nStore::open (code 12):\ncannot read x.sgy\n" + plus + "\n" +
+                dots + "\n(Next INFO" + from + "(time))\nStore::open:\ntwo\nlines\n" + dots + "\n",
             err);
 }
 

@@ -45,7 +45,7 @@ class RecordingLoader : public SystemFileLoader {
 
 }  // namespace
 
-TEST(SystemProperty, ValuesAndConversions) {
+TEST(SystemProperty, ValuesConversionsAndComparison) {
   SystemProperty p("commchan", "port_range", "ports", {"5000", " 2.5 ", "Enabled", "off", "12abc"});
   EXPECT_EQ("PORT_RANGE", str(p.getName()));
   EXPECT_EQ(5000, p.getInt32Value(0));
@@ -66,9 +66,6 @@ TEST(SystemProperty, ValuesAndConversions) {
               "The value '4294967296' at index 6 is not a 32-bit integer! ");
   for (char const* t : {"True", "e", " yes "}) EXPECT_TRUE(SystemProperty::isTrueText(t)) << t;
   for (char const* t : {"", "1", "yess"}) EXPECT_FALSE(SystemProperty::isTrueText(t)) << t;
-}
-
-TEST(SystemProperty, CopyCompareAndSetComponents) {
   SystemProperty a("s", "n", "d", {"1"});
   SystemProperty b(a);
   EXPECT_TRUE(a == b);
@@ -80,19 +77,7 @@ TEST(SystemProperty, CopyCompareAndSetComponents) {
   EXPECT_TRUE(a < c);
 }
 
-// Unquoted values run to the next keyword; a keyword may carry its value in the same token.
-TEST(SystemPropertyRecord, UnquotedValuesRunToTheNextKeyword) {
-  SystemProperty p = readOne("<SystemProperty name=Verbose package=commchan description= trace it value=yes please "
-                             "value= \"x y\" value= 3 SystemProperty>");
-  EXPECT_EQ(p, SystemProperty("commchan", "verbose", "trace it", {"yes please", "x y", "3"}));
-  // Expansion works on the whole value.
-  TestReleaseTree tree;
-  tree.setEnv("SPTEST_PORT", "9000");
-  p = readOne("<SystemProperty name= a package= b value= host ${SPTEST_PORT} SystemProperty>");
-  EXPECT_EQ("host 9000", str(p.getValue(0)));
-}
-
-TEST(SystemPropertyRecord, WriteThenReadGivesTheSameProperty) {
+TEST(SystemPropertyRecord, WrittenReadBackAndUnquotedValues) {
   SystemProperty p("utl", "ping", "the \"ping\" command\\", {"vping %s", "", "a\tb"});
   std::stringstream io;
   io << p << "\n" << SystemProperty("x", "y", "", {}) << "\n";
@@ -108,6 +93,15 @@ TEST(SystemPropertyRecord, WriteThenReadGivesTheSameProperty) {
   in >> back;
   EXPECT_EQ("THREE", str(back.getName()));
   EXPECT_FALSE(in >> back);
+  // Unquoted values run to the next keyword; a keyword may carry its value in the same token.
+  p = readOne("<SystemProperty name=Verbose package=commchan description= trace it value=yes please "
+              "value= \"x y\" value= 3 SystemProperty>");
+  EXPECT_EQ(p, SystemProperty("commchan", "verbose", "trace it", {"yes please", "x y", "3"}));
+  // Expansion works on the whole value.
+  TestReleaseTree tree;
+  tree.setEnv("SPTEST_PORT", "9000");
+  p = readOne("<SystemProperty name= a package= b value= host ${SPTEST_PORT} SystemProperty>");
+  EXPECT_EQ("host 9000", str(p.getValue(0)));
 }
 
 TEST(SystemPropertyRecord, BadRecordsAreFatal) {

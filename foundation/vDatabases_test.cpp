@@ -30,7 +30,7 @@ char const* const kConfig =
 
 }  // namespace
 
-TEST(vDatabases, EntriesAliasesKeysAndUnknownDomains) {
+TEST(vDatabases, EntriesAliasesKeysUnknownDomainsAndTheDefault) {
   vDatabases dbs;
   dbs.loadFromMemory(kConfig, "memory.ini");
   ASSERT_EQ(3u, dbs.get().size());
@@ -62,9 +62,6 @@ TEST(vDatabases, EntriesAliasesKeysAndUnknownDomains) {
   dbs.loadFromMemory(kConfig, "/site/DatabaseConfig.ini");
   expectFatal([&] { dbs.get("mars.example"); }, "vDatabases::get",
               "Domain 'mars.example' not found in the database configuration file '/site/DatabaseConfig.ini'!");
-}
-
-TEST(vDatabases, DefaultEntryOfThisDomain) {
   TestReleaseTree tree;
   tree.writeSystemFile("DatabaseConfig.ini", kConfig);
   vDatabases::clearCache();

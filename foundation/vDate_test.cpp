@@ -95,7 +95,7 @@ TEST(vDateFormat, SetFormattedRoundTripsErrorsAndMonthNames) {
   EXPECT_THROW(MonthTable::number(vString("ANF")), UtlExcept);
 }
 
-TEST(vDateRanges, EachFieldIsChecked) {
+TEST(vDateRanges, FieldsSettersAndInvalidDates) {
   struct Case {
     int s, mi, h, d, mo, y;
     char const* reason;
@@ -113,9 +113,6 @@ TEST(vDateRanges, EachFieldIsChecked) {
               std::string("vDate/vDate::set(): ") + c.reason);
     EXPECT_EQ(-1, d.getSeconds());
   }
-}
-
-TEST(vDateRanges, SettersLeaveOtherFieldsAloneAndInvalidDates) {
   vDate d(kSample, false);
   d.setYear(2020);
   d.setMonth(2);

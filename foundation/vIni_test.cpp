@@ -54,7 +54,8 @@ TEST(vIni, LineRules) {
 
   // Keys stripped and folded, first value kept, values as written.
   EXPECT_EQ("[name][][novalue][[]][a][late][[ab]", keys(ini, "MAIN"));
-  EXPECT_EQ(strs(ini.getValues("main")), (std::vector<std::string>{" first ", "empty key", "", "", "b=c", " resumed", ""}));
+  EXPECT_EQ(strs(ini.getValues("MAIN")),
+            (std::vector<std::string>{" first ", "empty key", "", "", "b=c", " resumed", ""}));
   EXPECT_TRUE(ini.doesKeyExist("main", "novalue"));
   EXPECT_EQ("", str(ini.getString("main", "novalue", "default")));
   EXPECT_EQ(" resumed", str(ini.getString("Main", "LATE")));
@@ -64,7 +65,7 @@ TEST(vIni, LineRules) {
   EXPECT_EQ("fallback", str(ini.getString("absent", "x", "fallback")));
 }
 
-TEST(vIni, TypedValues) {
+TEST(vIni, TypedValuesListsInFileOrderAndLongLines) {
   vIni ini;
   ini.loadFromMemory(
       "[t]\n"
@@ -101,10 +102,6 @@ TEST(vIni, TypedValues) {
               "The value '1e39' of key 'huge' in section 't' is not a valid 32-bit float!");
   expectFatal([&] { ini.getFloat64("t", "list"); }, "vIni::getFloat64",
               "The value 'a, b ,,c ;d' of key 'list' in section 't' is not a valid 64-bit float!");
-}
-
-TEST(vIni, ListsInFileOrderAndLongLines) {
-  vIni ini;
   ini.loadFromMemory("[s]\nb = 2\na = 1\nc\n");
   std::vector<std::pair<std::string, std::string>> kv;
   for (vIni::KeyValue const& e : ini.getKeysAndValues("s")) kv.emplace_back(str(e.first), str(e.second));

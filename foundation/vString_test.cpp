@@ -145,18 +145,7 @@ TEST(vStringRead, NumbersBooleansAndEmptyStrings) {
   for (char const* t : {"1", "FALSE", "nope"}) EXPECT_TRUE(vString(t).readb()) << t;
 }
 
-TEST(vStringWrite, StreamOperatorsUseFixedFormats) {
-  vString s;
-  s << 0.1 << ' ' << 1.0e20 << ' ' << 3.14159265358979 << ' ' << 3.14159265f;
-  EXPECT_EQ(s, "0.1 1E+20 3.14159265358979 3.141593");
-  s.erase();
-  s << 12 << ' ' << 9000000000LL << "/" << vString("x");
-  EXPECT_EQ(s, "12 9000000000/x");
-  EXPECT_EQ(vString::number(1234567890123LL), "1234567890123");
-  EXPECT_EQ(vString::number(0.5f), "0.5");
-}
-
-TEST(vStringWrite, NumberIntoAField) {
+TEST(vStringWrite, NumberIntoAFieldAndFixedStreamFormats) {
   // Flag bits: 16 decimal, 32 octal, 64 hexadecimal, 128 show base, 256 show point, 512 upper case, 1024 show +.
   // A field outside the string changes nothing; a number too wide for its field shows nines.
   struct Case {
@@ -197,6 +186,14 @@ TEST(vStringWrite, NumberIntoAField) {
   vString s("v=");
   EXPECT_EQ(50, s.write(7, 0, -1, 0, '.', 70, 0));
   EXPECT_EQ(std::string(s.c_str(), s.length()), "v=" + std::string(50, '.'));
+  vString out;
+  out << 0.1 << ' ' << 1.0e20 << ' ' << 3.14159265358979 << ' ' << 3.14159265f;
+  EXPECT_EQ(out, "0.1 1E+20 3.14159265358979 3.141593");
+  out.erase();
+  out << 12 << ' ' << 9000000000LL << "/" << vString("x");
+  EXPECT_EQ(out, "12 9000000000/x");
+  EXPECT_EQ(vString::number(1234567890123LL), "1234567890123");
+  EXPECT_EQ(vString::number(0.5f), "0.5");
 }
 
 TEST(vStringChange, EditsInPlace) {

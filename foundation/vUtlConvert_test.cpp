@@ -108,7 +108,7 @@ TEST(vUtlCopyConvert, FloatsGoToIntegersByRoundingOrTruncation) {
             convert<int32_t>(edge, vFLOAT32, vINT32, vUtl::ConvertClip));
 }
 
-TEST(vUtlCopyConvert, BetweenFloatsAndFromIntegers) {
+TEST(vUtlCopyConvert, BetweenFloatsFromIntegersAndRefusals) {
   double const inf = std::numeric_limits<double>::infinity();
   std::vector<double> const d = {1e300, -1e300, 1.5, inf, 3.4028235e38, std::numeric_limits<double>::quiet_NaN()};
   std::vector<float> plain = convert<float>(d, vFLOAT64, vFLOAT32);
@@ -128,6 +128,15 @@ TEST(vUtlCopyConvert, BetweenFloatsAndFromIntegers) {
   std::vector<float> f(2);
   vUtl::copyConvert(shorts.data(), vINT16, f.data(), vFLOAT32, 2, vUtl::ConvertSwapSource);
   EXPECT_EQ((std::vector<float>{-2.0f, 300.0f}), f);
+  std::vector<unsigned char> buffer(64);
+  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vSTRING data to vFLOAT32.",
+            fatalText([&] { vUtl::copyConvert(buffer.data(), vSTRING, buffer.data() + 32, vFLOAT32, 1); }));
+  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vINT32 data to vIBMFLOAT32.",
+            fatalText([&] { vUtl::copyConvert(buffer.data(), vINT32, buffer.data() + 32, vIBMFLOAT32, 1); }));
+  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vINT16 data to vINT32 in place.",
+            fatalText([&] { vUtl::copyConvert(buffer.data(), vINT16, buffer.data(), vINT32, 4); }));
+  // Nothing to do is no error for supported types, and touches nothing.
+  vUtl::copyConvert(nullptr, vINT16, nullptr, vFLOAT32, 0);
 }
 
 // The fused kernels agree with the value-by-value rule at every length around the vector widths, unaligned too.
@@ -179,18 +188,6 @@ TEST(vUtlCopyConvert, SwappedSourcesOfEveryKindAcrossTheBlockSize) {
   EXPECT_EQ((std::vector<int64_t>{2, -3, INT64_MAX}), inPlace);
 }
 
-TEST(vUtlCopyConvert, RefusesWhatItCannotDo) {
-  std::vector<unsigned char> buffer(64);
-  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vSTRING data to vFLOAT32.",
-            fatalText([&] { vUtl::copyConvert(buffer.data(), vSTRING, buffer.data() + 32, vFLOAT32, 1); }));
-  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vINT32 data to vIBMFLOAT32.",
-            fatalText([&] { vUtl::copyConvert(buffer.data(), vINT32, buffer.data() + 32, vIBMFLOAT32, 1); }));
-  EXPECT_EQ("vUtl::copyConvert(): Cannot convert vINT16 data to vINT32 in place.",
-            fatalText([&] { vUtl::copyConvert(buffer.data(), vINT16, buffer.data(), vINT32, 4); }));
-  // Nothing to do is no error for supported types, and touches nothing.
-  vUtl::copyConvert(nullptr, vINT16, nullptr, vFLOAT32, 0);
-}
-
 uint32_t toIeee(uint32_t w) {
   uint32_t out;
   vUtl::ibmToIeee(&w, &out, 1, false);
@@ -203,7 +200,7 @@ uint32_t toIbm(uint32_t f) {
   return out;
 }
 
-TEST(vUtlIbmFloat, ValuesRangeAndPrecisionLimits) {
+TEST(vUtlIbmFloat, ValuesLimitsAndSwappedWords) {
   // Exactly representable in both: each converts to the other unchanged.
   struct {
     uint32_t ibm, ieee;
@@ -239,9 +236,6 @@ TEST(vUtlIbmFloat, ValuesRangeAndPrecisionLimits) {
       {0x7FC00000u, 0x00000000u},  // NaN: zero
   };
   for (auto const& c : lossy) EXPECT_EQ(c.ibm, toIbm(c.ieee)) << c.ieee;
-}
-
-TEST(vUtlIbmFloat, SwappedWordsAndInPlace) {
   // The big-endian bytes of a SEG-Y trace: 100.0 and -118.625.
   std::vector<unsigned char> const bytes = {0x42, 0x64, 0x00, 0x00, 0xC2, 0x76, 0xA0, 0x00};
   std::vector<unsigned char> file = bytes;

@@ -51,22 +51,7 @@ TEST(vUtlSwap, InPlaceMatchesReferenceAtEveryLengthAndAlignmentOtherSizesRaise) 
             "ByteSwap::swapBytes(): Invalid datatype, datasize =1.");
 }
 
-TEST(vUtlSwap, CopyingKernelsWriteOnlyTheirRun) {
-  std::size_t const n = 333;
-  Bytes const src = pattern(8 * n + 1, 7);
-  for (std::size_t size : {2u, 8u}) {
-    Bytes copied(src.size() + 8, 0xEE);
-    if (size == 2)
-      vUtl::swapBytes16(src.data() + 1, copied.data() + 1, n);
-    else
-      vUtl::swapBytes64(src.data() + 1, copied.data() + 1, n);
-    Bytes const expected = reference(src, 1, static_cast<int>(size), n);
-    EXPECT_TRUE(std::equal(expected.begin() + 1, expected.begin() + 1 + size * n, copied.begin() + 1)) << size;
-    EXPECT_EQ(copied[1 + size * n], 0xEE) << size;
-  }
-}
-
-TEST(vUtlSwap, GroupedStridedCopy) {
+TEST(vUtlSwap, CopyingKernelsAndGroupedStridedCopy) {
   // Records of 20 bytes with three 4-byte values at offset 6: gathered into one block, then scattered back.
   int const recordLength = 20;
   unsigned const nRecords = 9;
@@ -93,6 +78,18 @@ TEST(vUtlSwap, GroupedStridedCopy) {
     for (int k = 0; k < 4; ++k) gapsExpected[r * 12 + k] = gaps[r * 12 + 3 - k];
   vUtl::swapBytes(gaps.data(), 4, 12, 4, 1, gaps.data(), 12);
   EXPECT_EQ(gaps, gapsExpected);
+  std::size_t const n = 333;
+  Bytes const src = pattern(8 * n + 1, 7);
+  for (std::size_t size : {2u, 8u}) {
+    Bytes copied(src.size() + 8, 0xEE);
+    if (size == 2)
+      vUtl::swapBytes16(src.data() + 1, copied.data() + 1, n);
+    else
+      vUtl::swapBytes64(src.data() + 1, copied.data() + 1, n);
+    Bytes const want = reference(src, 1, static_cast<int>(size), n);
+    EXPECT_TRUE(std::equal(want.begin() + 1, want.begin() + 1 + size * n, copied.begin() + 1)) << size;
+    EXPECT_EQ(copied[1 + size * n], 0xEE) << size;
+  }
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
 }  // namespace
 
-TEST(vUtlSystem, ReleaseTreeFromTheEnvironment) {
+TEST(vUtlSystem, ReleaseTreeDomainMachineAndIPAddress) {
   TestReleaseTree tree;
   for (char const* v : {"VREL", "RLITE", "cor_root", "RELEASE"}) tree.unsetEnv(v);
   EXPECT_EQ("./", str(vUtl::releaseDirectory()));
@@ -40,10 +40,6 @@ TEST(vUtlSystem, ReleaseTreeFromTheEnvironment) {
 
   tree.setEnv("VSRC", "/src");
   EXPECT_EQ("/src", str(vUtl::sourceDirectory()));
-}
-
-TEST(vUtlSystem, DomainMachineAndIPAddress) {
-  TestReleaseTree tree;
   tree.setEnv("DORN_DOMAIN", "corp.example.com");
   EXPECT_EQ("corp.example.com", str(vUtl::getDomainName()));
 
@@ -68,7 +64,7 @@ TEST(vUtlSystem, DomainMachineAndIPAddress) {
                 "Unable to get host 's IP Address. Check host spelling, watch out for l instead of 1 in host name.");
 }
 
-TEST(vUtlSystem, CommandTextForThisAndOtherHosts) {
+TEST(vUtlSystem, CommandsForThisAndOtherHostsAndRunningThem) {
   TestReleaseTree tree;
   tree.unsetEnv("VUSER");
   vString self = vUtl::gethostname();
@@ -86,10 +82,6 @@ TEST(vUtlSystem, CommandTextForThisAndOtherHosts) {
             str(vUtl::systemCommand("DataServer <$COBADDRESS$>", &other, vUtl::SystemBackground)));
 
   EXPECT_FALSE(vUtl::isThisHost(other));
-}
-
-TEST(vUtlSystem, SystemRunsTheCommandOnThisHostOrRaises) {
-  vString self = vUtl::gethostname();
   EXPECT_EQ(3, vUtl::system("exit 3", &self));
   EXPECT_EQ(128 + 9, vUtl::system("kill -9 $$"));
   // With SIGCHLD ignored the kernel reaps the child: no status to be had, so system() gives -1 with ECHILD.
@@ -103,7 +95,7 @@ TEST(vUtlSystem, SystemRunsTheCommandOnThisHostOrRaises) {
   ASSERT_EQ(0, ::sigaction(SIGCHLD, &old, nullptr));
 }
 
-TEST(vUtlSystem, Which) {
+TEST(vUtlSystem, WhichAndPingThroughTheSystemProperty) {
   TestReleaseTree tree;
   tree.unsetEnv("MISCUTL_WHICHDEBUG");
   std::string sh = str(vUtl::which("sh"));
@@ -116,10 +108,6 @@ TEST(vUtlSystem, Which) {
   vString found = vUtl::which("sh");
   EXPECT_EQ("\nFILENAME: '" + sh + "'\n", testing::internal::GetCapturedStdout());
   EXPECT_EQ(sh, str(found));
-}
-
-TEST(vUtlSystem, PingThroughTheSystemProperty) {
-  TestReleaseTree tree;
   tree.setEnv("SP_UTL_PING", "false");
   EXPECT_FALSE(vUtl::ping("anyhost"));
   // The host takes the place of %s.
