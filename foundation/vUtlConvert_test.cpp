@@ -176,10 +176,8 @@ TEST(vUtlCopyConvert, SwappedSourcesOfEveryKindAcrossTheBlockSize) {
   std::vector<int64_t> back(n);
   vUtl::copyConvert(swapped.data(), vINT64, back.data(), vINT64, n, vUtl::ConvertSwapSource);
   EXPECT_EQ(v, back);
-  std::vector<uint8_t> bytes = {1, 2, 3};
-  std::vector<uint8_t> copy(3);
-  vUtl::copyConvert(bytes.data(), vUINT8, copy.data(), vUINT8, 3, vUtl::ConvertSwapSource);
-  EXPECT_EQ(bytes, copy);
+  std::vector<uint8_t> const bytes = {1, 2, 3};
+  EXPECT_EQ(bytes, convert<uint8_t>(bytes, vUINT8, vUINT8, vUtl::ConvertSwapSource));
   // In place with a swap, on a pair without a fused kernel.
   std::vector<unsigned char> block = swappedBytesOf(std::vector<double>{1.5, -2.5, 1e19});
   vUtl::copyConvert(block.data(), vFLOAT64, block.data(), vINT64, 3, vUtl::ConvertSwapSource);

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
+#include "foundation/TestReleaseTree.h"
 #include "foundation/vString.h"
 
 namespace {
@@ -29,8 +28,9 @@ TEST(vUtlFormat, Int64ConversionsReadALongLong) {
 }
 
 TEST(vUtlEnv, GetPutAndHome) {
+  TestReleaseTree tree;
   vString value("stale");
-  ::unsetenv("RONDO_VUTL_TEST");
+  tree.unsetEnv("RONDO_VUTL_TEST");
   EXPECT_FALSE(vUtl::getenv("RONDO_VUTL_TEST", value));
   EXPECT_TRUE(value.isSharedEmpty());
   vUtl::putenv("RONDO_VUTL_TEST", vString("some value"));
@@ -39,13 +39,9 @@ TEST(vUtlEnv, GetPutAndHome) {
   vUtl::putenv("RONDO_VUTL_TEST", vString());
   EXPECT_TRUE(vUtl::getenv("RONDO_VUTL_TEST", value));
   EXPECT_TRUE(value.isSharedEmpty());
-  ::unsetenv("RONDO_VUTL_TEST");
   // The home directory follows HOME, else the password database.
-  char const* old = std::getenv("HOME");
-  std::string saved = old ? old : "";
-  ::setenv("HOME", "/some/home", 1);
+  tree.setEnv("HOME", "/some/home");
   EXPECT_EQ(vUtl::homeDirectory(), "/some/home");
-  ::unsetenv("HOME");
+  tree.unsetEnv("HOME");
   EXPECT_FALSE(vUtl::homeDirectory().isBlank());
-  if (old) ::setenv("HOME", saved.c_str(), 1);
 }
