@@ -149,7 +149,7 @@ TEST(SystemFileLoader, WorkingDirectoryFirstThenSystemFilesElseFatal) {
 }
 
 // Later tables replace earlier records; the domain's table is the one the database configuration names.
-TEST(SystemPropertyTable, GeneralDomainAndHostTables) {
+TEST(SystemPropertyTable, GeneralDomainAndHostTablesAndABadRecord) {
   TestReleaseTree tree;
   std::string host = str(vUtl::gethostname());
   tree.writeSystemFile("SystemPropertyTable2.txt",
@@ -179,11 +179,7 @@ TEST(SystemPropertyTable, GeneralDomainAndHostTables) {
   EXPECT_EQ("houstonSystemPropertyTable2.txt", str(table.getDomainTableName()));
   EXPECT_EQ("houston", str(table.getSystemProperty("site", "a").getValue(0)));
   EXPECT_EQ("general", str(table.getSystemProperty("site", "b").getValue(0)));
-  vDatabases::clearCache();
-}
-
-TEST(SystemPropertyTable, BadRecordIsFatalQuietlyAndNamesTheFile) {
-  TestReleaseTree tree;
+  // A bad record is fatal, quietly, and names its file.
   std::string path = tree.writeSystemFile(
       "SystemPropertyTable2.txt", record("site", "a", "1") + "<SystemProperty name= b package= site valeu= 2 SystemProperty>\n");
   vDatabases::clearCache();
@@ -197,6 +193,7 @@ TEST(SystemPropertyTable, BadRecordIsFatalQuietlyAndNamesTheFile) {
     EXPECT_EQ(path, str(e.getFileName()));
   }
   EXPECT_EQ("", testing::internal::GetCapturedStderr());
+  vDatabases::clearCache();
 }
 
 TEST(SystemPropertyEnvironment, NameAndValues) {

@@ -68,7 +68,7 @@ TEST(vUtlNint, RoundsSaturatesAndMapsNaNToZero) {
   EXPECT_EQ(0LL, vUtl::nint64(nan));
 }
 
-TEST(vUtlCopyConvert, IntegersNarrowByLowBitsOrSaturateWhenClipped) {
+TEST(vUtlCopyConvert, ToIntegersByLowBitsRoundingTruncationOrSaturation) {
   std::vector<int64_t> const wide = {0x123456789LL, -1, 5, INT64_MIN, 0x7FFFFFFFLL + 1};
   EXPECT_EQ((std::vector<int32_t>{0x23456789, -1, 5, 0, INT32_MIN}), convert<int32_t>(wide, vINT64, vINT32));
   EXPECT_EQ((std::vector<int32_t>{INT32_MAX, -1, 5, INT32_MIN, INT32_MAX}),
@@ -84,9 +84,6 @@ TEST(vUtlCopyConvert, IntegersNarrowByLowBitsOrSaturateWhenClipped) {
   std::vector<uint64_t> const huge = {UINT64_MAX, 7};
   EXPECT_EQ((std::vector<int64_t>{INT64_MAX, 7}), convert<int64_t>(huge, vUINT64, vINT64, vUtl::ConvertClip));
   EXPECT_EQ((std::vector<uint64_t>{UINT64_MAX, 70000}), convert<uint64_t>(std::vector<int32_t>{-1, 70000}, vINT32, vUINT64));
-}
-
-TEST(vUtlCopyConvert, FloatsGoToIntegersByRoundingOrTruncation) {
   std::vector<float> const f = {2.5f, -2.5f, 2.9f, -2.9f, 0.49999997f, 1e20f, -1e20f,
                                 std::numeric_limits<float>::quiet_NaN()};
   EXPECT_EQ((std::vector<int32_t>{3, -3, 3, -3, 0, INT32_MAX, INT32_MIN, 0}),
