@@ -137,7 +137,7 @@ TEST(vUtlCopyConvert, BetweenFloatsFromIntegersAndRefusals) {
 }
 
 // The fused kernels agree with the value-by-value rule at every length around the vector widths, unaligned too.
-TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
+TEST(vUtlCopyConvert, EveryLengthAlignmentAndSwappedSourceAcrossTheBlock) {
   uint64_t state = 7;
   for (std::size_t n : {0u, 1u, 7u, 8u, 9u, 17u, 33u, 100u}) {
     for (std::size_t offset : {0u, 1u, 3u}) {
@@ -155,9 +155,6 @@ TEST(vUtlCopyConvert, EveryLengthAndAlignmentAgreesWithTheScalarRule) {
       }
     }
   }
-}
-
-TEST(vUtlCopyConvert, SwappedSourcesOfEveryKindAcrossTheBlockSize) {
   // 5000 values cross the internal block of the pairs without a fused kernel more than once.
   std::size_t const n = 5000;
   std::vector<int64_t> v(n);
