@@ -48,6 +48,7 @@ class RecordingLoader : public SystemFileLoader {
 TEST(SystemProperty, ValuesConversionsAndComparison) {
   SystemProperty p("commchan", "port_range", "ports", {"5000", " 2.5 ", "Enabled", "off", "12abc"});
   EXPECT_EQ("PORT_RANGE", str(p.getName()));
+  EXPECT_EQ(5, p.getNValues());
   EXPECT_EQ(5000, p.getInt32Value(0));
   EXPECT_DOUBLE_EQ(2.5, p.getFloat64Value(1));
   EXPECT_TRUE(p.getBoolValue(2));
