@@ -49,7 +49,7 @@ TEST_F(RondoTranslatorTest, ForwardsToTheRondoTable) {
   EXPECT_STREQ("SOURCE_X", RondoAttributeTranslator::convertToRondo(shot).getName().c_str());
 }
 
-TEST(RondoConversion, FormatCodesBothWays) {
+TEST(RondoConversion, FormatCodesBothWaysAndOtherValuesAreFatal) {
   struct Pair {
     int code;
     DataType type;
@@ -59,9 +59,6 @@ TEST(RondoConversion, FormatCodesBothWays) {
     EXPECT_EQ(p.code, RondoConversion::dornToFT(p.type)) << p.code;
   }
   EXPECT_EQ(4, RondoConversion::dornToFT(vCHAR8));
-}
-
-TEST(RondoConversion, OtherValuesAreFatal) {
   for (int code : {5, 68, 70}) {
     vString reason;
     reason.printf("Unexpected FT format:%d", code);
