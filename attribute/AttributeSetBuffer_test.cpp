@@ -58,7 +58,7 @@ class LoadedBuffer : public ::testing::Test {
   std::vector<char> const raw = records(3);
 };
 
-TEST_F(LoadedBuffer, FieldsLoadChangeAndMultiplex) {
+TEST_F(LoadedBuffer, FieldsLoadChangeAndMultiplexButNotAnotherSize) {
   EXPECT_EQ((std::vector<std::string>{"CDP", "FLAG", "OFFSET", "X"}), attribute_testing::namesOf(b.getAttributeList()));
   EXPECT_EQ((std::vector<double>{1.5, 2.5, 3.5}), doubles(b, "X"));
   setInts(b, "OFFSET", {11, 21, 31});
@@ -86,9 +86,8 @@ TEST_F(LoadedBuffer, FieldsLoadChangeAndMultiplex) {
                 "RecordBuffer 'hdr' has already been added to this AttributeSetBuffer.");
   expectFailure([&] { b.addAttribute(Attribute("x", "OTHER", vINT32)); }, "AttributeSetBuffer::addAttribute",
                 "Attribute 'X' has already been added to this AttributeSetBuffer.");
-}
 
-TEST_F(LoadedBuffer, MultiplexRefusesAnAttributeOfAnotherSize) {
+  // An attribute of another size cannot go into the records.
   Attribute wide("OFFSET", "HEADER", vFLOAT64);
   wide.resize(3);
   b.setAttributeAndData(wide);

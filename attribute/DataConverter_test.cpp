@@ -1,5 +1,4 @@
-// Blocks in transit (DataPtr: who owns them and how they move) and the
-// converters that turn them from one type into another.
+// Blocks in transit (DataPtr) and the converters that turn them from one type into another.
 
 #include <gtest/gtest.h>
 

@@ -24,8 +24,7 @@ class RondoTranslatorTest : public VocabularyTest {
 
 }  // namespace
 
-// The conversions themselves are the table's; here each entry point must
-// reach the Rondo table.
+// The conversions themselves are the table's; here each entry point must reach the Rondo table.
 TEST_F(RondoTranslatorTest, ForwardsToTheRondoTable) {
   Attribute capi("SOURCE_X", "SOURCE_X", vFLOAT64, 1);
   Attribute dorn("SHOT_X", "SOURCE_X", vFLOAT32, 1);

@@ -38,10 +38,7 @@ namespace {
 
 using namespace factory_testing;
 
-// UnitTest projects have in-memory stores and sets (the live store opened
-// again by its address is the project layer's). The views that a site may
-// ask for have their makers (how the site asks is the project layer's); the
-// mapping view is seen where a Nyx file is opened through its mapping file.
+// UnitTest projects have in-memory stores and sets; the views a site may ask for have their makers.
 TEST(RondoRegistryFactories, UnitTestProjectsAndViews) {
   registerRondoClasses();
   StoreFactory::clearStores();
@@ -84,9 +81,7 @@ int fixture(char const* script, std::string const& arguments) {
                          .c_str());
 }
 
-// Each file format reaches its own store, and "cst" files are made by the
-// factory. Which extension is which tag is the project layer's; blocked
-// SEG-Y and "dsegd" files are their stores' own.
+// Each file format reaches its own store, and "cst" files are made by the factory.
 TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   registerRondoClasses();
   segd_testing::installVocabulary();
@@ -139,9 +134,7 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   EXPECT_EQ(1.5f, back.getFloat32Pointer(1)[1]);
 }
 
-// The finder picks the Nyx mapping file that gives groups, by the file's
-// name and its traces; without one the file opens as a plain Nyx store.
-// Each way through the candidates is one row.
+// The finder picks the Nyx mapping file that gives groups, by the file's name and its traces.
 TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
   registerRondoClasses();
   TestReleaseTree tree;  // the mapping files lie in the release of the checkout
@@ -180,9 +173,7 @@ TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
 
 }  // namespace
 
-// Projects of type Zonmesh are the database back end linked into the
-// process: the prompt lists the installed database servers, and the
-// factories give catalogs and projects that read a real kvsd.
+// Zonmesh projects are the linked database back end: the prompt lists its servers, the factories read a real kvsd.
 TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   registerRondoClasses();
   ZonTestDatabase db;
