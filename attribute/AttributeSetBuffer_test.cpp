@@ -73,7 +73,9 @@ TEST_F(LoadedBuffer, FieldsLoadChangeAndMultiplexButNotAnotherSize) {
   EXPECT_TRUE(b.multiplex());
   EXPECT_FALSE(b.isDirty(vUCString("OFFSET")));
   b.exportRange(out.data(), 2, 3);
-  EXPECT_EQ(31, *reinterpret_cast<int const*>(out.data() + 16));
+  int word;
+  std::memcpy(&word, out.data() + 16, 4);
+  EXPECT_EQ(31, word);
 
   // A plain attribute gives its pointer, a field does not.
   EXPECT_EQ(b.readAttributeAndData(vUCString("CDP")).getPointer(1), b.getPointer("cdp"));
@@ -145,7 +147,9 @@ TEST(AttributeSetBuffer, ImportAndExportRanges) {
   b.updateAttributeAndData(vUCString("AMP")).setFloat32(4, 400.0f);
   ASSERT_TRUE(b.multiplex());
   b.exportRange(out.data(), 4, 4);
-  EXPECT_EQ(400.0f, *reinterpret_cast<float const*>(out.data()));
+  float a;
+  std::memcpy(&a, out.data(), 4);
+  EXPECT_EQ(400.0f, a);
   EXPECT_EQ(0, std::memcmp(raw.data() + 32, out.data() + 4, 16));
 }
 
