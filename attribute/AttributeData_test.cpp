@@ -1,9 +1,9 @@
-// Who owns an attribute's memory: resize, adoption, data handlers, release,
-// copy, transfer and per-instance lengths. Run under AddressSanitizer these
-// tests also prove that nothing leaks and nothing is freed twice.
+// Who owns an attribute's memory. Run under AddressSanitizer these tests also
+// prove that nothing leaks and nothing is freed twice.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -69,8 +69,7 @@ TEST(AttributeResize, AdoptionAndRefusalsThatTakeNothing) {
                 "Length -1 of instance 2 is negative for Attribute VAR.");
   delete[] bad;
 
-  // Same count with new data: the old block goes; handing back the block it
-  // holds changes nothing.
+  // Same count with new data: the old block goes; handing back its own block changes nothing.
   Attribute b("adopt", "c", vINT32);
   b.resize(3);
   int* next = new int[3]{7, 8, 9};
@@ -84,8 +83,7 @@ TEST(AttributeResize, AdoptionAndRefusalsThatTakeNothing) {
 }
 
 TEST(AttributeResize, UnsupportedBlocksAreReported) {
-  // A default attribute has no type: it can be sized but holds no values.
-  Attribute none;
+  Attribute none;  // no type: it can be sized but holds no values
   none.setLength(2);
   expectFailure([&] { none.resize(1); }, "Attribute::myAllocateMemory",
                 "Attribute '(Class:)' has an unsupported data type 'vNOTYPE'.");
@@ -115,8 +113,8 @@ TEST(AttributeHandler, LentDataAreNeverFreedHereAndKeepTheirOwnerAlive) {
   EXPECT_EQ(2, Block::live);
   EXPECT_EQ(2.5f, alive.getFloat32(3));
 
-  // A reread into lent data gets a private block; the same memory with
-  // another keeper changes only the keeper, and with none the keeper stays.
+  // A reread into lent data gets a private block; the same memory with another
+  // keeper changes only the keeper, and with none the keeper stays.
   Attribute r("reread", "c", vFLOAT32);
   lend(r, owner, 2);
   r.resize(2);
@@ -141,10 +139,9 @@ TEST(AttributeHandler, LentDataAreNeverFreedHereAndKeepTheirOwnerAlive) {
 TEST(AttributeRelease, ReleaseHandsTheBlockOver) {
   Attribute a("rel", "c", vINT64);
   a.resize(3);
-  a.getInt64Pointer(1)[2] = 42;
-  long long* got = a.releaseInt64Data();
-  EXPECT_EQ(42, got[2]);
-  delete[] got;
+  long long* const block = a.getInt64Pointer(1);
+  EXPECT_EQ(block, a.releaseInt64Data());
+  delete[] block;
   EXPECT_EQ(nullptr, Attribute("rel_empty", "c", vINT32).releaseData());
   // releaseLengths alone leaves the data, which the attribute still frees.
   Attribute w("lengths_only", "c", vSTRING, Attribute::VARIABLE_LENGTH);
@@ -157,8 +154,7 @@ TEST(AttributeCopyData, CopiesDefinitionAndValues) {
   Attribute a("src", "c", vFLOAT64, 2, 1.0);
   a.resize(2);
   a.getFloat64Pointer(1)[3] = 4;
-  Attribute b("other", "k", vINT16);
-  b.resize(5);
+  Attribute b = attribute_testing::filled("other", "k", vINT16, {1, 2, 3, 4, 5});
   b.copyData(a);
   EXPECT_TRUE(b.compare(a));
   b.copyData(b);
@@ -219,15 +215,12 @@ TEST(AttributeInstanceLength, GrowAndShrinkNumbersAndStrings) {
   for (int i = 0; i < 7; ++i) p[i] = i + 1;  // 1 2 | 3 4 5 | 6 7
   v.setInstanceLength(2, 5);                 // grow in the middle: new values are zero
   v.setInstanceLength(1, 1);                 // shrink the first
-  std::vector<double> values;
-  v.getValues(values);
-  EXPECT_EQ((std::vector<double>{1, 3, 4, 5, 0, 0, 6, 7}), values);
+  EXPECT_EQ((std::vector<double>{1, 3, 4, 5, 0, 0, 6, 7}), attribute_testing::doublesOf(v));
   EXPECT_EQ((std::vector<int>{1, 5, 2}), lengthsOf(v));
 
   Attribute s("sils", "c", vSTRING, Attribute::VARIABLE_LENGTH);
   s.resize(3, nullptr, new int[3]{1, 2, 2});
-  char const* init[] = {"a", "b1", "b2", "c1", "c2"};
-  for (int i = 0; i < 5; ++i) s.getStringPointer(1)[i] = init[i];
+  std::copy_n(std::vector<vString>{"a", "b1", "b2", "c1", "c2"}.begin(), 5, s.getStringPointer(1));
   s.setInstanceLength(1, 3);
   EXPECT_EQ((std::vector<std::string>{"a", "", "", "b1", "b2", "c1", "c2"}), stringsOf(s));
   s.setInstanceLength(1, 0);

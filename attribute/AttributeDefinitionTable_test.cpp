@@ -31,9 +31,10 @@ TEST_F(DefinitionTableTest, LoadsOnTheFirstQuestionFromTheSystemFiles) {
   EXPECT_FALSE(table().isLoaded());
 }
 
-TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
+TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilentlyAndALaterDefinitionWins) {
   tree.writeSystemFile("AttributeDefTable4.txt",
                        "NAME DATATYPE LENGTH\n"
+                       "TWICE vInt32 1\n"
                        "BAD_TYPE vFloat 1\n"
                        "NOT_HELD vDate 1\n"
                        "AFTER_TYPE vInt32 1\n"
@@ -41,25 +42,21 @@ TEST_F(DefinitionTableTest, RecordsNotUnderstoodVanishSilently) {
                        "NEGATIVE vInt32 -4\n"
                        "TOO_LONG vInt32 99999999999\n"
                        "AFTER_LENGTH vFloat32 12\n"
+                       "twice vFloat64 4\n"
                        "   spread\n\n  vint64\t\tVariable   lower_case vfloat64 VECTOR\n"
                        "CUT_SHORT vInt32\n");
   EXPECT_EQ("", printed([] { EXPECT_TRUE(table().hasDefinition("AFTER_TYPE")); }));
   for (char const* gone : {"NAME", "BAD_TYPE", "NOT_HELD", "BAD_LENGTH", "NEGATIVE", "TOO_LONG", "CUT_SHORT"})
     EXPECT_FALSE(table().hasDefinition(gone)) << gone;
   EXPECT_EQ(12, table().getDefinition("AFTER_LENGTH").getLength());
+  EXPECT_EQ(vFLOAT64, table().getDefinition("TWICE").getDataType());
   // Words, not lines, make a record; the length word is read in any case.
   EXPECT_TRUE(table().getDefinition("SPREAD").isVariableLength());
   EXPECT_EQ(Attribute::VECTOR_LENGTH, table().getDefinition("LOWER_CASE").getLength());
-}
-
-TEST_F(DefinitionTableTest, ALaterDefinitionOfAClassWins) {
-  tree.writeSystemFile("AttributeDefTable4.txt", "TWICE vInt32 1\nOTHER vInt32 1\ntwice vFloat64 4\n");
-  EXPECT_EQ(vFLOAT64, table().getDefinition("TWICE").getDataType());
-
   // Entries from code go under their class.
-  table().addDefinition(Attribute("FROM_CODE", "OTHER", vINT16, 2));
+  table().addDefinition(Attribute("FROM_CODE", "AFTER_TYPE", vINT16, 2));
   EXPECT_FALSE(table().hasDefinition("FROM_CODE"));
-  EXPECT_STREQ("FROM_CODE", table().getDefinition("OTHER").getName().c_str());
+  EXPECT_STREQ("FROM_CODE", table().getDefinition("AFTER_TYPE").getName().c_str());
 }
 
 TEST_F(DefinitionTableTest, ReloadRereadsAndHandedOutCopiesStay) {

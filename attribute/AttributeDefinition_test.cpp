@@ -1,5 +1,4 @@
-// The vocabulary the release ships: every definition understood, every
-// translation loadable, and every translator carrying data there and back.
+// The vocabulary the release ships: every definition understood, every translator carrying data there and back.
 
 #include "attribute/AttributeDefinition.h"
 
@@ -36,8 +35,7 @@ class ShippedVocabularyTest : public ::testing::Test {
   TestReleaseTree tree;
 };
 
-// An attribute of the translator's Capi side with three instances of
-// distinct values that every type on either side holds exactly.
+// The translator's Capi attribute, three instances of values that every type on either side holds exactly.
 Attribute sample(DataTranslator const& translator) {
   Attribute a = translator.getCapiAttribute();
   if (a.isVariableLength()) {

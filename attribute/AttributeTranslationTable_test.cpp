@@ -39,8 +39,7 @@ TEST_F(TranslationTableTest, OneTablePerNameLoadedOnFirstMention) {
   AttributeTranslationTable::NamePairs pairs;
   AttributeDefinition::getAttributeNamesTranslations(vString("Alpha"), pairs);
   ASSERT_EQ(7u, pairs.size());
-  // Sorted by Dorn name.
-  EXPECT_STREQ("CDP_NO", pairs[0].first.c_str());
+  EXPECT_STREQ("CDP_NO", pairs[0].first.c_str());  // sorted by Dorn name
   EXPECT_STREQ("CDP", pairs[0].second.c_str());
 
   // A missing file is fatal at first use, and tried again at the next.
@@ -76,8 +75,7 @@ TEST_F(TranslationTableTest, BadTranslationsAreFatal) {
 }
 
 TEST_F(TranslationTableTest, FileWordsAndTheFirstTranslatorOfAKey) {
-  // Length words in any case; converter words lose their frame unseen; the
-  // first translator of a class keeps it.
+  // Length words in any case; converter words lose their frame unseen; the first translator of a class keeps it.
   AttributeTranslationTable& t = load("Words",
                                       "PICKS capi() dorn:() P1 vFloat32 VaRiAbLe\n"
                                       "SAMPLES capi() dorn:() S1 vFloat32 Vector\n"
@@ -99,29 +97,24 @@ TEST_F(TranslationTableTest, FileWordsAndTheFirstTranslatorOfAKey) {
   EXPECT_EQ(vFLOAT64, found->getToCapiConverter()->getOutputDT());
   ASSERT_TRUE(t.getToCapiTranslator(Attribute("ANY", "CDP", vINT32, 1), found));
   EXPECT_STREQ("FIRST", found->getDornName().c_str());
-  // The same text gives one chain for both ways.
   EXPECT_FALSE(found->getToCapiConverter().isEmpty());
-  EXPECT_TRUE(found->getToCapiConverter() == found->getToDornConverter());
+  EXPECT_TRUE(found->getToCapiConverter() == found->getToDornConverter());  // one chain for the same text
 }
 
-TEST_F(TranslationTableTest, TranslatorsAreFoundByClassOrByName) {
-  AttributeTranslationTable& t = load("Finder", translations());
-  vHandle<DataTranslator> found;
+TEST_F(TranslationTableTest, FindsTranslatorsTellsWhatChangesAndReloadsUnderHeldOnes) {
+  AttributeTranslationTable& t = load("Changes", translations());
+  vHandle<DataTranslator> held, found;
   // A class is looked up on the Dorn side, a blank one by the name.
-  EXPECT_TRUE(t.getToCapiTranslator(Attribute("WHATEVER", "source_x", vFLOAT32, 1), found));
-  EXPECT_STREQ("SHOT_X", found->getDornName().c_str());
+  EXPECT_TRUE(t.getToCapiTranslator(Attribute("WHATEVER", "source_x", vFLOAT32, 1), held));
+  EXPECT_STREQ("SHOT_X", held->getDornName().c_str());
   EXPECT_TRUE(t.getToCapiTranslator(Attribute("SOURCE_X", "", vFLOAT32, 1), found));
   EXPECT_FALSE(t.getToCapiTranslator(Attribute("SHOT_X", "", vFLOAT32, 1), found));
   // Towards the Dorn side a blank class looks for the Capi name.
   EXPECT_TRUE(t.getToDornTranslator(Attribute("Count", "", vINT32, 1), found));
   EXPECT_STREQ("COUNT_F", found->getDornName().c_str());
   EXPECT_FALSE(t.getToDornTranslator(Attribute("COUNT_F", "", vFLOAT32, 1), found));
-}
 
-TEST_F(TranslationTableTest, TellsWhatAConversionWouldChange) {
-  AttributeTranslationTable& t = load("Changes", translations());
-  // Without a translator: nothing changes in the data, and a name differs
-  // unless it carries the table's name.
+  // Without a translator nothing changes in the data, and a name differs unless it carries the table's name.
   struct Row {
     Attribute a;
     bool dornData, capiData, dornName, capiName;
@@ -137,6 +130,11 @@ TEST_F(TranslationTableTest, TellsWhatAConversionWouldChange) {
     EXPECT_EQ(r.capiName, t.isCapiNameDifferent(r.a));
   }
   EXPECT_FALSE(t.isDornNameDifferent(Attribute("XCHANGESX", "", vFLOAT32, 1)));
+
+  tree.writeSystemFile("ChangesAttributeTranslations3.txt", "SOURCE_X capi() dorn:() NEW_X vFloat64 1\n");
+  t.reload();
+  EXPECT_STREQ("SHOT_X", held->getDornName().c_str());
+  EXPECT_EQ(1, held.getMasterCount());
 }
 
 TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableNameInEveryForm) {
@@ -150,8 +148,7 @@ TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableNameInEve
   EXPECT_EQ(0u, offset.getNInstances());
 
   EXPECT_STREQ("NAME", t.convertToCapi(dorn).getName().c_str());
-  // A name the definitions do not know crosses as it is.
-  Attribute own = filled("MY_OWN", "MINE", vINT32, {4});
+  Attribute own = filled("MY_OWN", "MINE", vINT32, {4});  // not defined: crosses as it is
   EXPECT_STREQ("MY_OWN", t.convertToDorn(own).getName().c_str());
 
   // The prefix comes off a const argument too, keeping the definition.
@@ -176,16 +173,6 @@ TEST_F(TranslationTableTest, UntranslatedDefinedNamesCrossUnderTheTableNameInEve
   vHandle<Attribute> taken;
   t.convertToCapi(*shot, taken);
   EXPECT_EQ(4.0, taken->getFloat64(2));
-}
-
-TEST_F(TranslationTableTest, ReloadKeepsHeldTranslatorsAlive) {
-  AttributeTranslationTable& t = load("Reload", translations());
-  vHandle<DataTranslator> held;
-  ASSERT_TRUE(t.getToCapiTranslator(Attribute("x", "SOURCE_X", vFLOAT32, 1), held));
-  tree.writeSystemFile("ReloadAttributeTranslations3.txt", "SOURCE_X capi() dorn:() NEW_X vFloat64 1\n");
-  t.reload();
-  EXPECT_STREQ("SHOT_X", held->getDornName().c_str());
-  EXPECT_EQ(1, held.getMasterCount());
 }
 
 TEST_F(TranslationTableTest, TheEquivalenceSetsTheTwoSchemesSideBySide) {

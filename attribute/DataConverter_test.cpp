@@ -1,5 +1,4 @@
-// Blocks in transit (DataPtr: who owns them and how they move) and the
-// converters that turn them from one type into another.
+// Blocks in transit (DataPtr) and the converters that turn them from one type into another.
 
 #include <gtest/gtest.h>
 
@@ -123,7 +122,6 @@ TEST(DataConverterDecorator, TheInnermostConverterRunsFirst) {
   EXPECT_EQ((std::vector<float>{3.0f, -2.0f}), valuesOf<float>(chain.convertData(doubles)));
 }
 
-// ---------------------------------------------------------------------------
 // BuildConverter keeps one converter per name per process, so its checks run
 // in a process of their own where no other test has built one yet.
 

@@ -34,8 +34,7 @@ TEST(DataTranslator, AnOwnBlockIsConvertedInPlace) {
   EXPECT_EQ(block, capi.getPointer(1));
   EXPECT_EQ((std::vector<int>{3, -3, 7}), attribute_testing::intsOf(capi));
   EXPECT_EQ(0u, client.getNInstances());
-  // Another element size needs a new block: the argument keeps its own. So
-  // does one the converter refuses.
+  // Another element size needs a new block: the argument keeps its own, as it does when refused.
   DataTranslator narrow(Attribute("N", "N", vINT16, 1), chain("float32()"), chain("null()"),
                         Attribute("N32", "N", vFLOAT32, 1));
   Attribute wide = filled("N32", "N", vFLOAT64, {1.5, 4.0});
@@ -53,8 +52,6 @@ TEST(DataTranslator, ALentBlockGoesOverWithItsKeeper) {
   DataTranslator t(Attribute("CDP_NO", "CDP", vINT32, 1), chain("null()"), chain("null()"),
                    Attribute("CDP", "CDP", vINT32, 1));
   vHandle<Block> owner(new Block(2));
-  owner->values[0] = 7;
-  owner->values[1] = 9;
   {
     Attribute lent("CDP", "CDP", vINT32, 1);
     lent.resize(2, owner->values, nullptr, makeAttributeDataHandler(owner));
@@ -80,8 +77,7 @@ TEST(DataTranslator, LengthSampleRateAndFirstTimeComeFromTheArgument) {
 
   // A definition without instances converts alone.
   Attribute definition("STACK", "SAMPLES", vFLOAT32, 1500, 0.002, 0.0);
-  Attribute asked = t.convertToDorn(definition);
-  EXPECT_EQ(1500, asked.getLength());
+  EXPECT_EQ(1500, t.convertToDorn(definition).getLength());
   // Asked by the class name, the answer keeps that name.
   Attribute byClass("SAMPLES", "SAMPLES", vFLOAT32, 1500, 0.002, 0.0);
   EXPECT_STREQ("SAMPLES", t.convertToDorn(byClass).getName().c_str());
@@ -97,16 +93,15 @@ TEST(DataTranslator, TextPassesUnchanged) {
   Attribute names("LINE_NAME", "LINE_NAME", vSTRING, 1);
   names.resize(2);
   names.setString(2, "south 2");
-  Attribute copy = t.convertToDorn(names);
-  EXPECT_STREQ("south 2", t.convertToCapi(static_cast<Attribute const&>(copy)).getString(2).c_str());
+  Attribute const copy = t.convertToDorn(names);
+  EXPECT_STREQ("south 2", t.convertToCapi(copy).getString(2).c_str());
 }
 
 TEST(DataTranslator, OriginalTypesComeBack) {
   DataTranslator t(Attribute("COUNT_F", "COUNT", vFLOAT32, 1), chain("original()"), chain("float32()"),
                    Attribute("COUNT", "COUNT", vINT32, 1));
   Attribute client = filled("COUNT_F", "COUNT", vFLOAT32, {2.9});
-  // Truncated, where the integer converters round.
-  EXPECT_EQ(2, t.convertToCapi(client).getInt32(1));
+  EXPECT_EQ(2, t.convertToCapi(client).getInt32(1));  // truncated, where the integer converters round
   // An original type the data had before goes before the Capi type.
   Attribute wide = filled("COUNT_F", "COUNT", vFLOAT32, {7.75});
   wide.setOriginalDataType(vINT64);
@@ -125,12 +120,9 @@ TEST(DataTranslator, DataOfTheWrongTypeAreRefusedAndKept) {
 TEST(DataTranslator, CompatibilityMovesAndCopies) {
   DataTranslator t(Attribute("TRACE", "SAMPLES", vFLOAT32, 0), chain("null()"), chain("null()"),
                    Attribute("SAMPLES", "SAMPLES", vFLOAT32, Attribute::VARIABLE_LENGTH));
-  Attribute vector("A", "A", vINT32, 5);
-  Attribute scalar("B", "B", vINT32, 1);
-  Attribute variable("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH);
-  EXPECT_TRUE(t.isDornCompatible(vector));
-  EXPECT_FALSE(t.isDornCompatible(scalar));
-  EXPECT_TRUE(t.isCapiCompatible(variable));
+  EXPECT_TRUE(t.isDornCompatible(Attribute("A", "A", vINT32, 5)));
+  EXPECT_FALSE(t.isDornCompatible(Attribute("B", "B", vINT32, 1)));
+  EXPECT_TRUE(t.isCapiCompatible(Attribute("D", "D", vFLOAT64, Attribute::VARIABLE_LENGTH)));
 
   Attribute from = filled("FROM", "FROM", vFLOAT64, {4.0, 5.0});
   Attribute to("TO", "OTHER", vFLOAT64, 1);

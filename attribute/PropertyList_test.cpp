@@ -27,7 +27,7 @@ std::vector<std::string> namesOf(PropertyList const& l) {
 
 }  // namespace
 
-TEST(PropertyList, OneProperyPerNameInNameOrder) {
+TEST(PropertyList, OnePropertyPerNameInNameOrderReplacedRemovedAndMerged) {
   PropertyList l;
   l.addProperty(Property(vUCString("zeta"), 1));
   l.addProperty(Property(vUCString("alpha"), "a"));
@@ -43,26 +43,19 @@ TEST(PropertyList, OneProperyPerNameInNameOrder) {
   EXPECT_STREQ("a", l.findProperty(vUCString("alpha"))->getString().c_str());
   expectFailure([&] { l.addProperty(Property()); }, "PropertyList::addProperty()",
                 "Error trying to add an uninitialized property");
-}
 
-TEST(PropertyList, ReplaceRemoveAndMerge) {
-  PropertyList l;
-  l.addProperty(Property(vUCString("a"), 1));
-  l.addOrReplaceProperty(Property(vUCString("a"), 2));
-  EXPECT_EQ(2, l.findProperty(vUCString("a"))->getInt32());
-  l.addOrReplaceProperty(*l.findProperty(vUCString("a")));  // itself
-  EXPECT_EQ(2, l.findProperty(vUCString("a"))->getInt32());
-  l.addOrReplaceProperty(Property(vUCString("b"), 3));
-
+  l.addOrReplaceProperty(Property(vUCString("zeta"), 2));
+  l.addOrReplaceProperty(*l.findProperty(vUCString("zeta")));  // itself
+  EXPECT_EQ(2, l.findProperty(vUCString("zeta"))->getInt32());
   PropertyList m;
   m.addProperty(Property(vUCString("c"), 4));
-  m.addProperty(Property(vUCString("b"), 30));
+  m.addProperty(Property(vUCString("mid"), 30));
   l.addOrReplaceProperties(m);
-  EXPECT_EQ((std::vector<std::string>{"A", "B", "C"}), namesOf(l));
-  EXPECT_EQ(30, l.findProperty(vUCString("b"))->getInt32());
-
-  l.removeProperty(vUCString("b"));
-  l.removeProperty(l.findProperty(vUCString("a")));
+  EXPECT_EQ((std::vector<std::string>{"ALPHA", "C", "MID", "ZETA"}), namesOf(l));
+  EXPECT_EQ(30, l.findProperty(vUCString("mid"))->getInt32());
+  l.removeProperty(vUCString("mid"));
+  l.removeProperty(l.findProperty(vUCString("zeta")));
+  l.removeProperty(vUCString("alpha"));
   EXPECT_EQ((std::vector<std::string>{"C"}), namesOf(l));
   expectFailure([&] { l.removeProperty(vUCString("b")); }, "PropertyList::removeProperty()",
                 "Error trying to remove a Property that doesn't exist");

@@ -1,14 +1,10 @@
-// Property: typed values with conversions between all types, and the packed
-// form byte for byte.
+// Property: typed values with conversions between all types, and the packed form byte for byte.
 
 #include "attribute/Property.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "attribute/AttributeTesting.h"
@@ -51,23 +47,17 @@ TEST(Property, RedefineAndResize) {
   expectFailure([&] { p.redefine(vUCString("w"), vINT64, 1, nullptr); }, "Property::resize()", "Invalid datatype");
   EXPECT_STREQ("R", p.getName().c_str());
 
-  // An uninitialised property has no type.
-  Property none;
+  Property none;  // no type
   expectFailure([&] { none.resize(2); }, "Property::resize()", "Trying to resize an uninitialized Property.");
   expectFailure([&] { none.getString(); }, "Property::getString()", "Invalid data type.");
-  Property one(vUCString("range"), 1.0);
-  expectFailure([&] { one.getFloat64(2); }, "Property::myGetOffset()",
+  expectFailure([] { Property(vUCString("range"), 1.0).getFloat64(2); }, "Property::myGetOffset()",
                 "Requesting element 2 in property RANGE ... valid range is 1..1");
 }
 
 TEST(Property, NumericConversionsFollowC) {
-  Property d(vUCString("d"), 3.99);
-  EXPECT_EQ(3, d.getInt16());
-  Property big(vUCString("big"), 1e12);
-  EXPECT_EQ(2147483647, big.getInt32());  // pinned, not undefined
-  Property i(vUCString("i"), 70000);
-  EXPECT_EQ(static_cast<short>(70000), i.getInt16());  // integers wrap as in C
-
+  EXPECT_EQ(3, Property(vUCString("d"), 3.99).getInt16());
+  EXPECT_EQ(2147483647, Property(vUCString("big"), 1e12).getInt32());  // pinned, not undefined
+  EXPECT_EQ(static_cast<short>(70000), Property(vUCString("i"), 70000).getInt16());  // integers wrap as in C
   // Setters store into the property's own type.
   Property s(vUCString("s"), static_cast<short>(0));
   s.setFloat64(12.9);
@@ -85,25 +75,20 @@ TEST(Property, TextConversions) {
   EXPECT_STREQ("true", Property(vUCString("a"), static_cast<unsigned char>(1)).getString().c_str());
   EXPECT_STREQ("false", Property(vUCString("a"), static_cast<unsigned char>(0)).getString().c_str());
 
-  Property t(vUCString("t"), " 42 ");
-  EXPECT_EQ(42, t.getInt32());
-  EXPECT_TRUE(t.getBool8());
+  EXPECT_EQ(42, Property(vUCString("t"), " 42 ").getInt32());
+  EXPECT_TRUE(Property(vUCString("t"), " 42 ").getBool8());
   EXPECT_TRUE(Property(vUCString("t"), "TRUE").getBool8());
   EXPECT_FALSE(Property(vUCString("t"), "False").getBool8());
 
   expectFailureFrom([&] { Property(vUCString("x"), "12abc").getFloat64(); }, "Property::getFloat64()",
                     "Unable to convert string value (12abc) to Float64 in property X", "Property");
 
-  // Setters into text format as the getters do.
+  // Setters into text format as the getters do; setString parses into the property's type.
   Property s(vUCString("s"), "");
-  std::pair<std::function<void()>, char const*> const setters[] = {
-      {[&] { s.setInt32(-12); }, "-12"}, {[&] { s.setBool8(false); }, "false"}};
-  for (auto const& r : setters) {
-    r.first();
-    EXPECT_STREQ(r.second, s.getString().c_str());
-  }
-
-  // setString parses into the property's type.
+  s.setInt32(-12);
+  EXPECT_STREQ("-12", s.getString().c_str());
+  s.setBool8(false);
+  EXPECT_STREQ("false", s.getString().c_str());
   Property n(vUCString("num"), 0);
   n.setString("3.9");
   EXPECT_EQ(3, n.getInt32());
@@ -169,7 +154,6 @@ TEST(Property, UnpackRefusals) {
       {Bytes().frame(1301, 1).text("X").int32(vINT32).int32(1000000).array<int32_t>(vINT32, {1}).end(),
        "Bad element count 1000000 for Property X."}};
   for (Row const& r : rows) expectFailure([&] { q.unpack(*r.bytes.reader()); }, "Property::unpack()", r.reason);
-  // Every failed read left the property alone.
   EXPECT_STREQ("KEEP", q.getName().c_str());
   EXPECT_EQ(1, q.getInt32());
 }

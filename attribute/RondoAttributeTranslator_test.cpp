@@ -24,8 +24,7 @@ class RondoTranslatorTest : public VocabularyTest {
 
 }  // namespace
 
-// The conversions themselves are the table's; here each entry point must
-// reach the Rondo table.
+// The conversions themselves are the table's; here each entry point must reach the Rondo table.
 TEST_F(RondoTranslatorTest, ForwardsToTheRondoTable) {
   Attribute capi("SOURCE_X", "SOURCE_X", vFLOAT64, 1);
   Attribute dorn("SHOT_X", "SOURCE_X", vFLOAT32, 1);
@@ -49,7 +48,7 @@ TEST_F(RondoTranslatorTest, ForwardsToTheRondoTable) {
   EXPECT_STREQ("SOURCE_X", RondoAttributeTranslator::convertToRondo(shot).getName().c_str());
 }
 
-TEST(RondoConversion, FormatCodesBothWays) {
+TEST(RondoConversion, FormatCodesBothWaysAndOtherValuesAreFatal) {
   struct Pair {
     int code;
     DataType type;
@@ -59,9 +58,6 @@ TEST(RondoConversion, FormatCodesBothWays) {
     EXPECT_EQ(p.code, RondoConversion::dornToFT(p.type)) << p.code;
   }
   EXPECT_EQ(4, RondoConversion::dornToFT(vCHAR8));
-}
-
-TEST(RondoConversion, OtherValuesAreFatal) {
   for (int code : {5, 68, 70}) {
     vString reason;
     reason.printf("Unexpected FT format:%d", code);

@@ -1,7 +1,4 @@
-// The shared store suite over files seen through mapping files: an FDM
-// volume (one inline of twelve bins) whose mapping makes CDP and OFFSET of
-// each bin's crossline, and a Nyx "cst" file (CDP in the CMP word) as the
-// store factory serves it through a mapping file that names the words.
+// The shared store suite over an FDM volume and a Nyx "cst" file (CDP in the CMP word) seen through mapping files.
 
 #include <gtest/gtest.h>
 
@@ -60,8 +57,7 @@ vHandle<AttributeSet> openNyx() {
   return vHandle_cast<AttributeSet>(StoreFactory::openStore(description, "", nullptr));
 }
 
-// The mapping view refuses key reads and writes and names the store's own
-// attribute or word in list faults; the FDM store's range texts are its own.
+// The mapping view refuses key reads and writes; the FDM store's list and range texts are its own.
 template <class Raw>
 StoreConformanceCase mappedCase(char const* name, vHandle<AttributeSet> (*open)(), char const* notOpen,
                                 std::vector<std::string> attributes, std::vector<std::string> notApplicable) {

@@ -1,6 +1,4 @@
-// The factories of the lower layers with the classes registered here:
-// unit test projects, views, each file format's store (Nyx files through
-// the mapping file that fits them), and Zonmesh projects on a real kvsd.
+// The factories of the lower layers with the classes registered here, on real files and a real kvsd.
 
 #include <gtest/gtest.h>
 
@@ -40,10 +38,7 @@ namespace {
 
 using namespace factory_testing;
 
-// UnitTest projects have in-memory stores and sets (the live store opened
-// again by its address is the project layer's). The views that a site may
-// ask for have their makers (how the site asks is the project layer's); the
-// mapping view is seen where a Nyx file is opened through its mapping file.
+// UnitTest projects have in-memory stores and sets; the views a site may ask for have their makers.
 TEST(RondoRegistryFactories, UnitTestProjectsAndViews) {
   registerRondoClasses();
   StoreFactory::clearStores();
@@ -80,9 +75,13 @@ int readInt(Store const& store, char const* name, unsigned int at) {
   return a.getInt32(1);
 }
 
-// Each file format reaches its own store, and "cst" files are made by the
-// factory. Which extension is which tag is the project layer's; blocked
-// SEG-Y and "dsegd" files are their stores' own.
+// Runs a fixture script of the file store tests with these arguments.
+int fixture(char const* script, std::string const& arguments) {
+  return std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/" + std::string(script) + " " + arguments)
+                         .c_str());
+}
+
+// Each file format reaches its own store, and "cst" files are made by the factory.
 TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   registerRondoClasses();
   segd_testing::installVocabulary();
@@ -102,22 +101,16 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
 
   // Offload files, which also open as attribute files of their kind.
   std::string const offload = dir / "survey.offload";
-  ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
-                            offload + " " + (dir / "expect.txt") + " '>' 1 995 1")
-                               .c_str()));
+  ASSERT_EQ(0, fixture("offload/testdata/offload_fixture.py", offload + " " + (dir / "expect.txt") + " '>' 1 995 1"));
   store = openFile(offload);
   ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
   EXPECT_EQ(21, readInt(*store, "CDP", 3));
   Attribute cdp = store->getAttribute("CDP");
-  EXPECT_EQ(12u, ExistingAttributeFile::getInstance()
-                     .open(vFilename(offload.c_str()), cdp, AttributeFile::OpenOptions())
-                     ->getNInstances());
+  EXPECT_EQ(12u, ExistingAttributeFile::getInstance().open(vFilename(offload.c_str()), cdp, {})->getNInstances());
 
   // FDM volumes, told how their traces are laid out.
   std::string const fdmPath = dir / "rms.fdm";
-  ASSERT_EQ(0, std::system(("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " +
-                            fdmPath + " '>'")
-                               .c_str()));
+  ASSERT_EQ(0, fixture("fdm/testdata/fdm_fixture.py", fdmPath + " '>'"));
   StoreDescription description{vFilename(fdmPath.c_str())};
   description.setFileFormat("fdm");
   description.setFormatSpec("gridded_time_rms/intrp/1");
@@ -141,9 +134,7 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   EXPECT_EQ(1.5f, back.getFloat32Pointer(1)[1]);
 }
 
-// The finder picks the Nyx mapping file that gives groups, by the file's
-// name and its traces; without one the file opens as a plain Nyx store.
-// Each way through the candidates is one row.
+// The finder picks the Nyx mapping file that gives groups, by the file's name and its traces.
 TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
   registerRondoClasses();
   TestReleaseTree tree;  // the mapping files lie in the release of the checkout
@@ -182,9 +173,7 @@ TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
 
 }  // namespace
 
-// Projects of type Zonmesh are the database back end linked into the
-// process: the prompt lists the installed database servers, and the
-// factories give catalogs and projects that read a real kvsd.
+// Zonmesh projects are the linked database back end: the prompt lists its servers, the factories read a real kvsd.
 TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   registerRondoClasses();
   ZonTestDatabase db;
