@@ -25,23 +25,21 @@ namespace {
 
 using namespace factory_testing;
 
-struct Made {
-  std::string className;
-  Project* project;
-};
-
-std::vector<Made>& made() {
-  static std::vector<Made> all;
+// The classes made, in order, and the project of the last one.
+std::vector<std::string>& made() {
+  static std::vector<std::string> all;
   return all;
 }
 
-vHandle<AttributeSet> makeInMemory(vHandle<Project> const& project) {
-  made().push_back({"InMemoryAttributeSet", project.get()});
-  return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, std::make_shared<TestMemoryShelf>()));
+Project*& madeFor() {
+  static Project* project = nullptr;
+  return project;
 }
 
-vHandle<AttributeSet> makeClient(vHandle<Project> const& project) {
-  made().push_back({"ClientAttributeSet", project.get()});
+template <bool kClient>
+vHandle<AttributeSet> makeSet(vHandle<Project> const& project) {
+  made().push_back(kClient ? "ClientAttributeSet" : "InMemoryAttributeSet");
+  madeFor() = project.get();
   return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, std::make_shared<TestMemoryShelf>()));
 }
 
@@ -49,8 +47,8 @@ vHandle<AttributeSet> makeClient(vHandle<Project> const& project) {
 class SetStandIns {
  public:
   SetStandIns()
-      : m_inMemory(AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemory)),
-        m_client(AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClient)) {
+      : m_inMemory(AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeSet<false>)),
+        m_client(AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeSet<true>)) {
     made().clear();
     AttributeSetFactory::clearAttributeSets();
   }
@@ -87,9 +85,8 @@ TEST(AttributeSetFactoryCreate, ClassByProjectTypeAndHost) {
   vHandle<Project> deferred(jit);
   deferred->open("survey");
   vHandle<AttributeSet> set = AttributeSetFactory::create(deferred);
-  ASSERT_EQ(1u, made().size());
-  EXPECT_EQ("InMemoryAttributeSet", made()[0].className);
-  EXPECT_EQ(inner.get(), made()[0].project);
+  EXPECT_EQ(std::vector<std::string>{"InMemoryAttributeSet"}, made());
+  EXPECT_EQ(inner.get(), madeFor());
   EXPECT_TRUE(jit->isReallyOpen());
 
   std::string const here = str(vUtl::gethostname());
@@ -97,9 +94,7 @@ TEST(AttributeSetFactoryCreate, ClassByProjectTypeAndHost) {
   EXPECT_NE(nullptr, dynamic_cast<CapiAttributeSetW*>(set.get()));
   AttributeSetFactory::create(projectOn("127.0.0.101", ProjectType::ZONMESH));
   AttributeSetFactory::create(projectOn(here.c_str(), ProjectType::RONDO));
-  ASSERT_EQ(3u, made().size());
-  EXPECT_EQ("ClientAttributeSet", made()[1].className);
-  EXPECT_EQ("ClientAttributeSet", made()[2].className);
+  EXPECT_EQ((std::vector<std::string>{"InMemoryAttributeSet", "ClientAttributeSet", "ClientAttributeSet"}), made());
 }
 
 // The switch is read once per process: the case runs in a process of its

@@ -110,13 +110,9 @@ TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
 
 TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
   DefaultProject none(false);
-  try {
-    ProjectDescription d{vString("k::KelpArchive:p")};
-    ADD_FAILURE();
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
-    EXPECT_NE(std::string::npos, str(e.getReason()).find("Kelp data server 'kelpserver'")) << str(e.getReason());
-  }
+  expectFatal([] { ProjectDescription d{vString("k::KelpArchive:p")}; }, "ProjectCatalogDescription::setCapi()",
+              "'KelpArchive' is a reserved Kelp data host that runs no data server; use the Kelp data server "
+              "'kelpserver'.");
   EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
   EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
 }
@@ -207,13 +203,10 @@ TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
 
   // The name read from it; without a type, the default type.
   TestReleaseTree::write(tree.root() + "/.vproject", "  srv:hostA:p  \n");
-  ProjectDescription d = Capi::getDefaultProjectName();
-  expectCatalog(d, ProjectType::RONDO, "srv", "hostA", "p");
+  expectCatalog(Capi::getDefaultProjectName(), ProjectType::RONDO, "srv", "hostA", "p");
 
   TestReleaseTree::write(tree.root() + "/.vproject", "   \n");
-  d = Capi::getDefaultProjectName();
-  EXPECT_EQ(ProjectType::NOTYPE, d.getProjectType());
-  EXPECT_EQ("", str(d.getDataHost()));
+  expectCatalog(Capi::getDefaultProjectName(), ProjectType::NOTYPE, "", "", "");
 }
 
 // The switch is read once per process: each value is tried in a child.

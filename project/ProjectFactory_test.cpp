@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -215,31 +216,22 @@ TEST(ProjectList, OrderSearchAndComparison) {
   EXPECT_EQ("alpha mid north ", order);
 }
 
-// Feeds a terminal session to std::cin and keeps what is written to
-// std::cout, while it lives.
-class Terminal {
- public:
-  explicit Terminal(std::string const& input)
-      : m_in(input), m_oldIn(std::cin.rdbuf(m_in.rdbuf())), m_oldOut(std::cout.rdbuf(m_out.rdbuf())) {}
-  ~Terminal() {
-    std::cin.rdbuf(m_oldIn);
-    std::cout.rdbuf(m_oldOut);
+// Asks for a catalog on a terminal session fed to std::cin, giving what was
+// written to std::cout; both streams are put back however it ends.
+std::string enterSession(std::string const& input, vHandle<ProjectCatalog>& catalog, ProjectType::PROJECT_TYPE type,
+                         char const* host) {
+  std::istringstream in(input);
+  std::ostringstream out;
+  std::streambuf* oldIn = std::cin.rdbuf(in.rdbuf());
+  std::streambuf* oldOut = std::cout.rdbuf(out.rdbuf());
+  std::shared_ptr<void> restore(nullptr, [&](void*) {
+    std::cin.rdbuf(oldIn);
+    std::cout.rdbuf(oldOut);
     std::cin.clear();
-  }
-  std::string output() const { return m_out.str(); }
-  static std::string session(std::string const& input, vHandle<ProjectCatalog>& catalog,
-                             ProjectType::PROJECT_TYPE type, char const* host) {
-    Terminal terminal(input);
-    catalog = ProjectCatalogFactory::enter(type, "", host);
-    return terminal.output();
-  }
-
- private:
-  std::istringstream m_in;
-  std::ostringstream m_out;
-  std::streambuf* m_oldIn;
-  std::streambuf* m_oldOut;
-};
+  });
+  catalog = ProjectCatalogFactory::enter(type, "", host);
+  return out.str();
+}
 
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   DefaultProjectGuard guard;
@@ -251,7 +243,7 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
         for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(centre);
       });
   vHandle<ProjectCatalog> catalog;
-  std::string output = Terminal::session("zon\n-l\ncentre2\nuthostZ\n", catalog, ProjectType::RONDO, "uthostY");
+  std::string output = enterSession("zon\n-l\ncentre2\nuthostZ\n", catalog, ProjectType::RONDO, "uthostY");
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
   EXPECT_EQ("uthostZ", str(catalog->getHost()));
   EXPECT_EQ(
@@ -266,7 +258,7 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
 
   // Without a type or host given, the default project's are offered.
   ProjectFactory::setDefaultProject(ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey"));
-  output = Terminal::session("kelp\n127.0.0.71\n127.0.0.72\n", catalog, ProjectType::NOTYPE, "");
+  output = enterSession("kelp\n127.0.0.71\n127.0.0.72\n", catalog, ProjectType::NOTYPE, "");
   EXPECT_EQ(
       "type of project Rondo, Kelp, Zon [UnitTest]: "
       "server name []: "

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
+#include "foundation/TestReleaseTree.h"
 #include "foundation/vDatabases.h"
 #include "foundation/vUtl.h"
 #include "project/ProjectFactory.h"
@@ -28,24 +28,16 @@ class NameSetting {
     vDatabases dbs;
     dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
     vDatabases::setCache(dbs);
-    char const* server = std::getenv("DORNSERVER");
-    m_hadServer = server != nullptr;
-    if (m_hadServer) m_server = server;
-    setenv("DORNSERVER", "houston", 1);
+    m_tree.setEnv("DORNSERVER", "houston");
   }
   ~NameSetting() {
-    if (m_hadServer)
-      setenv("DORNSERVER", m_server.c_str(), 1);
-    else
-      unsetenv("DORNSERVER");
     vDatabases::clearCache();
     ProjectFactory::setDefaultProject(m_saved);
   }
 
  private:
+  TestReleaseTree m_tree;
   vHandle<Project> m_saved;
-  bool m_hadServer;
-  std::string m_server;
 };
 
 // "H" in an expected text stands for this host.
@@ -104,9 +96,7 @@ TEST(StoreDescription, FieldsConstructorsAndSetters) {
   NameSetting setting;
   StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
   EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
-  FullStoreName full = d.getFullStoreName();
-  EXPECT_EQ("line1", str(full.getStoreName()));
-  EXPECT_EQ(3, full.getVersion());
+  EXPECT_EQ(FullStoreName(vString("rondo:srv:hostA:proj:line1.3/headers")), d.getFullStoreName());
   // A store class without its closing mark is no class.
   StoreDescription open(vString("r:srv:h:p:name#seismic"));
   EXPECT_EQ("name", str(open.getStoreName()));

@@ -29,35 +29,34 @@ std::string unknownType(std::string const& file) {
 std::string path(StoreDescription const& d) { return str(d.getFlatFileName().getFilename()); }
 
 // Identification works on a copy; a name it does not identify goes by its
-// extension, and a format given wins in any case.
+// extension, and a format given wins in any case, making up no class.
 TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormat) {
   TestReleaseTree tree;
   StandIn shapefiles("ShapefileDiskStore", fileMakers());
   StandIn segy("SegyDiskStore", fileMakers());
   for (char const* name : {"a.shp", "line.sgy", "line.segy", "traces.bin"}) shelve(fileShelf(), name);
-  StoreDescription shp = fileIn(tree, "a.SHP");
-  vHandle<Store> store = StoreFactory::openStore(shp, "", nullptr);
-  ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
-  EXPECT_EQ(path(shp), path(seen()[0].description));
-  EXPECT_TRUE(store->getProject().isEmpty());
-
-  StoreDescription d = fileIn(tree, "line.SGY");
-  StoreFactory::openStore(d, "", nullptr);
-  ASSERT_EQ(2u, seen().size());
-  EXPECT_EQ("segy", str(seen()[1].description.getFileFormat()));
-  EXPECT_EQ("", str(d.getFileFormat()));
-
-  StoreFactory::openStore(fileIn(tree, "line.segy"), "", nullptr);
-  ASSERT_EQ(3u, seen().size());
-  EXPECT_EQ("", str(seen()[2].description.getFileFormat()));
-
-  std::string const file = tree.writeWorkFile("traces.bin", "data");
-  StoreFactory::openStore(StoreDescription(vString(("file:" + file + "#SGY#").c_str())), "", nullptr);
-  ASSERT_EQ(4u, seen().size());
-  EXPECT_EQ("SGY", str(seen()[3].description.getFileFormat()));
-  // Told, not identified: no class is made up.
-  EXPECT_EQ("", str(seen()[3].description.getStoreClass()));
+  struct Case {
+    char const* file;
+    char const* given;
+    char const* format;
+    char const* storeClass;
+  } const cases[] = {{"a.SHP", "", "", ""},
+                     {"line.SGY", "", "segy", "seismic"},
+                     {"line.segy", "", "", ""},
+                     {"traces.bin", "SGY", "SGY", ""}};
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.file);
+    StoreDescription d = fileIn(tree, c.file);
+    d.setFileFormat(c.given);
+    seen().clear();
+    vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+    ASSERT_EQ(1u, seen().size());
+    EXPECT_EQ(c.format, str(seen()[0].description.getFileFormat()));
+    EXPECT_EQ(c.storeClass, str(seen()[0].description.getStoreClass()));
+    EXPECT_EQ(path(d), path(seen()[0].description));
+    EXPECT_EQ(c.given, str(d.getFileFormat()));
+    EXPECT_TRUE(store->getProject().isEmpty());
+  }
 }
 
 TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
@@ -186,26 +185,26 @@ TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStoreOrItsMaker) {
 
 // --- identification by name ---------------------------------------------------------
 
-TEST(StoreFactoryIdentify, ShapefilesOnlyByTheirExactExtensions) {
+// Shapefiles only by their exact extensions, seismic by the lower-cased
+// one; a ".segy" is left to the extension itself when the store is opened.
+TEST(StoreFactoryIdentify, ShapefilesAndSeismicByTheirExtensions) {
   TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "a.dbf");
-  EXPECT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
-  EXPECT_EQ("shapefile", str(d.getFileFormat()));
-  EXPECT_EQ("shapes", str(d.getStoreClass()));
-  // Upper case is not a shapefile here, and nothing else claims it.
-  StoreDescription upper = fileIn(tree, "a.SHP");
-  EXPECT_FALSE(StoreFactory::identifyFileFormat(upper, nullptr));
-}
-
-TEST(StoreFactoryIdentify, SeismicByTheLowerCasedExtension) {
-  TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "c.Dat");
-  EXPECT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
-  EXPECT_EQ("nyxdat", str(d.getFileFormat()));
-  EXPECT_EQ("seismic", str(d.getStoreClass()));
-  // Left to the extension itself when the store is opened.
-  StoreDescription segy = fileIn(tree, "d.segy");
-  EXPECT_FALSE(StoreFactory::identifyFileFormat(segy, nullptr));
+  struct Case {
+    char const* file;
+    bool identified;
+    char const* format;
+    char const* storeClass;
+  } const cases[] = {{"a.dbf", true, "shapefile", "shapes"},
+                     {"a.SHP", false, "", ""},
+                     {"c.Dat", true, "nyxdat", "seismic"},
+                     {"d.segy", false, "", ""}};
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.file);
+    StoreDescription d = fileIn(tree, c.file);
+    EXPECT_EQ(c.identified, StoreFactory::identifyFileFormat(d, nullptr));
+    EXPECT_EQ(c.format, str(d.getFileFormat()));
+    EXPECT_EQ(c.storeClass, str(d.getStoreClass()));
+  }
   // The tag table: a tag is found in any case, and only whole.
   EXPECT_EQ("SegyDiskStore", str(StoreFactory::getFileStoreClass("SGY")));
   EXPECT_EQ("", str(StoreFactory::getFileStoreClass("segy2")));

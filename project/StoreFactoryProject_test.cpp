@@ -107,46 +107,32 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
 // --- project-served names --------------------------------------------------------------------
 
 // Made and opened through the project is the registry's test; here the
-// update.
-TEST(StoreFactoryProjectServed, UpdateThroughTheProject) {
+// update, and the attribute set that a name carries.
+TEST(StoreFactoryProjectServed, UpdateAndTheAttributeSetOfTheName) {
   CleanQueue queue;
   StandIn unitTest("InMemoryStore", unitTestMakers());
   StoreDescription d = unitTestStore("127.0.0.95", "line9");
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  vHandle<Store> made = StoreFactory::createStore(d, "2d", keys, nullptr);
+  vHandle<Store> made = StoreFactory::createStore(d, "2d", cdpKeys(), nullptr);
   made->addInstances(2);
   made->write(ints("CDP", {10, 20}), 1, 2);
   made->close();
-
   vHandle<Store> updated = StoreFactory::updateStore(d, "", nullptr);
   updated->write(ints("CDP", {8}), 2, 2);
   updated->close();
   vHandle<Store> again = StoreFactory::openStore(d, "", nullptr);
   EXPECT_EQ((std::vector<int>{10, 8}), readInts(*again, "CDP"));
   again->close();
-}
 
-TEST(StoreFactoryProjectServed, TheAttributeSetOfTheNameIsOpened) {
-  CleanQueue queue;
-  StandIn unitTest("InMemoryStore", unitTestMakers());
-  {
-    // Store line4 with a secondary set "picks".
-    TestMemoryStore store(vHandle<Project>(), projectShelf());
-    KeyList keys;
-    keys.addKey(Attribute("CDP", "CDP", vINT32));
-    store.create("line4", "seismic", "2d", keys, nullptr);
-    store.createAttributeSet("picks", keys);
-    store.addInstances(1);
-    store.write(ints("CDP", {44}), 1, 1);
-    store.close();
-  }
-  StoreDescription d(vString("unittest::127.0.0.96:survey:line4/picks"));
-  vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
+  TestMemoryStore store(vHandle<Project>(), projectShelf());
+  store.create("line4", "seismic", "2d", cdpKeys(), nullptr);
+  store.createAttributeSet("picks", cdpKeys());
+  store.close();
+  StoreDescription named(vString("unittest::127.0.0.96:survey:line4/picks"));
+  vHandle<Store> opened = StoreFactory::openStore(named, "", nullptr);
   EXPECT_EQ("line4_picks", str(opened->getAttributeSetName()));
   opened->close();
-  d.setAttributeSetName("");
-  vHandle<Store> primary = StoreFactory::openStore(d, "", nullptr);
+  named.setAttributeSetName("");
+  vHandle<Store> primary = StoreFactory::openStore(named, "", nullptr);
   EXPECT_EQ("line4", str(primary->getAttributeSetName()));
   primary->close();
 }
@@ -186,12 +172,9 @@ vHandle<Store> createServedOnShelf(StoreDescription const& description, vLCStrin
 // The back end makes them itself, without a project being opened here.
 TEST(StoreFactoryProjectServed, ZonmeshStoresAreMadeByTheirBackEnd) {
   StoreDescription d(vString("zonmesh::127.0.0.98:survey:line1"));
-  ASSERT_EQ(ProjectType::ZONMESH, d.getProjectType());
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
   StandIn zon("ZonStore", {nullptr, nullptr, nullptr, &createServedOnShelf});
   StoreCreationOptions options;
-  vHandle<Store> store = StoreFactory::createStore(d, "traces", keys, &options);
+  vHandle<Store> store = StoreFactory::createStore(d, "traces", cdpKeys(), &options);
   EXPECT_EQ(d, servedCreate().description);
   EXPECT_EQ("traces", servedCreate().setName);
   EXPECT_EQ(&options, servedCreate().options);
@@ -203,10 +186,8 @@ TEST(StoreFactoryProjectServed, ZonmeshStoresAreMadeByTheirBackEnd) {
 TEST(StoreFactoryInMemory, TheLiveStoreIsTheOneActedOn) {
   vHandle<TestMemoryStore> live(new TestMemoryStore(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
   StoreDescription d(live, "fresh");
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  // Made with the class of the description and the attribute set name as
-  // the subclass.
+  KeyList const keys = cdpKeys();
+  // Made with the description's class and the set name as the subclass.
   d.setStoreClass("seismic");
   vHandle<Store> store = StoreFactory::createStore(d, "3d", keys, nullptr);
   EXPECT_EQ(static_cast<Store*>(live.get()), store.get());

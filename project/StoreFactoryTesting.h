@@ -40,6 +40,12 @@ inline std::vector<int> readInts(Store const& store, char const* name) {
   return values;
 }
 
+inline KeyList cdpKeys() {
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  return keys;
+}
+
 // Where the stand-ins of file stores keep their sets.
 inline std::shared_ptr<TestMemoryShelf>& fileShelf() {
   static std::shared_ptr<TestMemoryShelf> shelf = std::make_shared<TestMemoryShelf>();
@@ -49,9 +55,7 @@ inline std::shared_ptr<TestMemoryShelf>& fileShelf() {
 // Puts a set of that name, with CDP 10 20, on the shelf.
 inline void shelve(std::shared_ptr<TestMemoryShelf> const& shelf, char const* name) {
   TestMemoryStore store(vHandle<Project>(), shelf);
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  store.create(name, "seismic", "2d", keys, nullptr);
+  store.create(name, "seismic", "2d", cdpKeys(), nullptr);
   store.addInstances(2);
   store.write(ints("CDP", {10, 20}), 1, 2);
   store.close();

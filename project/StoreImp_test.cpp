@@ -24,9 +24,7 @@ using factory_testing::str;
 std::shared_ptr<TestMemoryShelf> shelfWithStoreA() {
   auto shelf = std::make_shared<TestMemoryShelf>();
   TestMemoryStore store(vHandle<Project>(), shelf);
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  store.create("a", "seismic", "3d", keys, nullptr);
+  store.create("a", "seismic", "3d", factory_testing::cdpKeys(), nullptr);
   store.addInstances(3);
   store.write(ints("CDP", {1, 2, 3}), 1, 3);
   store.close();
@@ -71,14 +69,10 @@ TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
 }
 
 // The guards that name no attribute; the others are the store suite's.
-TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
+TEST(StoreImp, RefusesAllButOpeningBeforeItIsOpenOpensOnceAndForReadingOnly) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   expectFailure([&] { store.getAttributeList(); }, "StoreImp::getAttributeList", "The store has not been opened yet!");
   EXPECT_EQ(1, store.getNSetsMade()) << "the guard made the set it looks at";
-}
-
-TEST(StoreImp, OpensOnceAndForReadingOnly) {
-  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   // A failed open leaves the store closed.
   expectFailure([&] { store.open("nosuch", 0, "", "", nullptr); }, "TestMemoryAttributeSet::open",
                 "AttributeSet 'nosuch' does not exist.");
@@ -242,9 +236,7 @@ TEST(AttributeSet, ReadsARangeIntoABufferAttributeByAttribute) {
   // TRACE a plain attribute, CDP and AMP fields of one record.
   AttributeSetBuffer buffer;
   buffer.addAttribute(Attribute("TRACE", "", vFLOAT32, 2));
-  AttributeSetBuffer::Layout layout;
-  layout.push_back(std::make_pair(Attribute("CDP", "", vINT32), 0));
-  layout.push_back(std::make_pair(Attribute("AMP", "", vINT32), 4));
+  AttributeSetBuffer::Layout layout{{Attribute("CDP", "", vINT32), 0}, {Attribute("AMP", "", vINT32), 4}};
   buffer.addRecordBuffer("headers", RecordBuffer(8), layout);
   buffer.setNInstances(2);
   EXPECT_FALSE(store.prepareBuffer(buffer)) << "the test sets keep no buffer of their own";
