@@ -77,7 +77,7 @@ class WrapperSetting {
 
 // Reads before opening and a blank class asked of the project are the
 // conformance suite's; here the rest.
-TEST(CapiAttributeSetW, ClosingDropsTheSet) {
+TEST(CapiAttributeSetW, ClosingDropsTheSetAGivenClassNeedsNoQuestion) {
   WrapperSetting setting;
   CapiAttributeSetW w(setting.project());
   w.open("lines", 1, "", "", nullptr);
@@ -85,11 +85,7 @@ TEST(CapiAttributeSetW, ClosingDropsTheSet) {
   w.close();
   EXPECT_TRUE(w.getAttributeSet().isEmpty());
   expectFailure([&] { w.close(); }, "CapiAttributeSetW::close", "The AttributeSet has not been opened yet.");
-}
 
-TEST(CapiAttributeSetW, AGivenClassNeedsNoQuestion) {
-  WrapperSetting setting;
-  CapiAttributeSetW w(setting.project());
   setting.utProject().isOpen();  // marks the last call
   w.update("lines", 0, "seismic", "2d", nullptr);
   EXPECT_EQ("isOpen", str(setting.utProject().getLastCall()));

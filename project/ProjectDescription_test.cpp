@@ -62,7 +62,7 @@ TEST(ProjectDescription, BlankFieldsComeFromTheDefaultProject) {
   expectCatalog(ProjectDescription(vString("survey")), ProjectType::NOTYPE, "", "defhost", "survey");
 }
 
-TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
+TEST(ProjectDescription, TextWithoutATypeIsAFullProjectNameFlatFilesAndMemory) {
   DefaultProject none(false);
   ProjectDescription d(vString("srv:hostA:survey"));
   expectCatalog(d, ProjectType::NOTYPE, "srv", "hostA", "survey");
@@ -73,10 +73,7 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
   // In the place of a type, only a type.
   expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectDescription(vString)",
               "Unknown project type 'venus'.");
-}
 
-TEST(ProjectDescription, FlatFilesAndMemory) {
-  DefaultProject none(false);
   ProjectDescription f(vString("f:/data/lines/a.sgy:"));
   EXPECT_TRUE(f.isFlatFile());
   EXPECT_EQ("/data/lines", str(f.getPath()));
@@ -117,7 +114,7 @@ TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
   EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
 }
 
-TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
+TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnlyAndCompletesABlankHost) {
   DefaultProject none(false);
   ProjectCatalogDescription d;
   expectFatal([&] { d.setCapi(ProjectType::FLATFILE, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
@@ -137,23 +134,16 @@ TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
   ProjectCatalogDescription none2;
   none2.setDefaultProjectType();
   EXPECT_EQ(ProjectType::RONDO, none2.getProjectType());
-}
 
-TEST(ProjectCatalogDescription, SetCapiCompletesABlankHost) {
-  ProjectCatalogDescription d;
-  {
-    DefaultProject def(true);
-    d.setCapi(ProjectType::UNITTEST, "s", "  ");
-    EXPECT_EQ("defhost", str(d.getDataHost()));
-    // A Kelp server left blank is the completed host.
-    d.setCapi(ProjectType::KELP, "", "");
-    EXPECT_EQ("defhost", str(d.getServerHost()));
-  }
-  {
-    DefaultProject none(false);
-    d.setCapi(ProjectType::ZONMESH, "centre", "");
-    EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
-  }
+  // A blank host is completed from the default project, or is this host.
+  d.setCapi(ProjectType::ZONMESH, "centre", "");
+  EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
+  DefaultProject def(true);
+  d.setCapi(ProjectType::UNITTEST, "s", "  ");
+  EXPECT_EQ("defhost", str(d.getDataHost()));
+  // A Kelp server left blank is the completed host.
+  d.setCapi(ProjectType::KELP, "", "");
+  EXPECT_EQ("defhost", str(d.getServerHost()));
 }
 
 TEST(ProjectCatalogDescription, EqualityAndOrder) {

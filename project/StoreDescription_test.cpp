@@ -126,7 +126,6 @@ TEST(StoreDescription, FieldsConstructorsAndSetters) {
 TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
   NameSetting setting;
   std::string path128 = "/" + std::string(123, 'a') + ".sgy";
-  ASSERT_EQ(128u, path128.size());
   vString message("stale");
   EXPECT_TRUE(StoreDescription(vFilename(path128.c_str())).isValid(message));
   EXPECT_TRUE(message.isEmpty());
@@ -223,7 +222,7 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
   }
 }
 
-TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
+TEST(StoreDescription, InMemoryNamesNeedTheAddressOfALiveStore) {
   vString message;
   EXPECT_TRUE(StoreDescription::validateStoreName("inmemory:foo.0", message));
   expectFailure([] { StoreDescription d(vString("inmemory:foo.0")); }, "StoreDescription::StoreDescription",
@@ -234,9 +233,8 @@ TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
   // No live store answers to that address: it is refused, never followed.
   expectFailure([&] { d.getStore(); }, "StoreDescription::getStore",
                 "There is no InMemoryStore at address 1234 in this process.");
-}
 
-TEST(StoreDescription, ALiveStoreIsFoundAgainByItsPrintedName) {
+  // A live store is found again by its printed name.
   std::string printed;
   {
     TestMemoryStore* raw = new TestMemoryStore(vHandle<Project>());
