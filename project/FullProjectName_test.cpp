@@ -116,8 +116,6 @@ TEST(FullProjectName, ComparisonIsFieldByField) {
   EXPECT_FALSE(a < a);
 }
 
-// --- FullStoreName ----------------------------------------------------------
-
 void expectStore(FullStoreName const& n, char const* project, char const* store, int version, char const* set) {
   EXPECT_EQ(project, str(n.getFullProjectName().getFullName()));
   EXPECT_EQ(store, str(n.getStoreName()));
@@ -193,8 +191,6 @@ TEST(FullStoreNameDeathTest, CharacterSetFromTheSiteConfiguration) {
       },
       ::testing::ExitedWithCode(0), "");
 }
-
-// --- database store names ---------------------------------------------------
 
 void expectParts(NameDetails const& n, char const* type, char const* version, char const* ident, char const* domain) {
   EXPECT_EQ(type, str(n.getType()));

@@ -102,8 +102,6 @@ class DefaultProjectGuard {
   vHandle<Project> m_saved;
 };
 
-// --- catalogs ----------------------------------------------------------------
-
 TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
   Recorder recorder;
   vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
@@ -128,8 +126,6 @@ TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalogAndProjects) {
   EXPECT_EQ(p.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC2", "survey").get());
   EXPECT_EQ("utcluster", str(p->getProjectHost()));
 }
-
-// --- projects ----------------------------------------------------------------
 
 TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
   DefaultProjectGuard guard;
@@ -177,8 +173,6 @@ TEST(ProjectFactory, DefaultProjectSetAndCleared) {
   EXPECT_FALSE(ProjectFactory::hasDefaultProject());
   EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
 }
-
-// --- the unit-test project ---------------------------------------------------
 
 TEST(UTProject, ScriptedStoresAreListedByClass) {
   UTProject p(vHandle<ProjectCatalog>(new UTProjectCatalog("uthostU2", ProjectType::UNITTEST)));
@@ -267,8 +261,6 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   // A Kelp client is made on its server, with the data host beside it.
   EXPECT_EQ("ClientProjectCatalog(127.0.0.71, 2, 127.0.0.72)", lastMade());
 }
-
-// --- which class each request makes ----------------------------------------
 
 TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   Recorder recorder;

@@ -157,8 +157,6 @@ TEST(StoreDetails, ComparesAndOrders) {
   EXPECT_NE(sample(), described);
 }
 
-// --- AttributeSetDetails ------------------------------------------------------------
-
 TEST(AttributeSetDetails, PacksNameAndA32BitCountReadsTheWideOneOfLaterVersions) {
   Packer p;
   AttributeSetDetails("Headers", 4000000000u).pack(p);

@@ -69,8 +69,6 @@ TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
   expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
 }
 
-// --- the Nyx formats and their attribute mapping ------------------------------------------
-
 struct Mapped {
   std::string file;
   std::string mapFile;
@@ -102,27 +100,16 @@ vHandle<Store> applyMapping(vHandle<Store> store, vFilename const& mapFile) {
   return mapped().view;
 }
 
-class Mapping {
- public:
-  explicit Mapping(StoreFactory::AttributeMapping const& mapping)
-      : m_saved(StoreFactory::registerAttributeMapping(mapping)) {
-    mapped() = Mapped();
-  }
-  ~Mapping() {
-    StoreFactory::registerAttributeMapping(m_saved);
-    mapped() = Mapped();
-  }
-
- private:
-  StoreFactory::AttributeMapping m_saved;
-};
-
 // Only Nyx stores with a spec are mapped, and only with their mapping file.
 TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   TestReleaseTree tree;
   StandIn nyx("NyxDiskStore", fileMakers());
   StandIn segy("SegyDiskStore", fileMakers());
-  Mapping mapping({&resolveBeside, &applyMapping});
+  StoreFactory::AttributeMapping saved = StoreFactory::registerAttributeMapping({&resolveBeside, &applyMapping});
+  Restore restore([&] {
+    StoreFactory::registerAttributeMapping(saved);
+    mapped() = Mapped();
+  });
   shelve(fileShelf(), "line.dat");
   StoreDescription d = fileIn(tree, "line.dat");
   d.setFormatSpec("2dStack");
@@ -143,8 +130,6 @@ TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   EXPECT_EQ(mapped().view.get(), store.get());
   EXPECT_NE(mapped().below, store.get());
 }
-
-// --- creating files ----------------------------------------------------------------------
 
 TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
   TestReleaseTree tree;
@@ -183,8 +168,6 @@ TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStoreOrItsMaker) {
   EXPECT_TRUE(seen().empty());
 }
 
-// --- identification by name ---------------------------------------------------------
-
 // Shapefiles only by their exact extensions, seismic by the lower-cased
 // one; a ".segy" is left to the extension itself when the store is opened.
 TEST(StoreFactoryIdentify, ShapefilesAndSeismicByTheirExtensions) {
@@ -221,19 +204,10 @@ vFilename txfBeside(vFilename const& file, vLCString& storeClass) {
   return vFilename(path.c_str());
 }
 
-class AsciiFinder {
- public:
-  explicit AsciiFinder(StoreFactory::AsciiSpecificationFinder finder)
-      : m_saved(StoreFactory::registerAsciiSpecificationFinder(finder)) {}
-  ~AsciiFinder() { StoreFactory::registerAsciiSpecificationFinder(m_saved); }
-
- private:
-  StoreFactory::AsciiSpecificationFinder m_saved;
-};
-
 TEST(StoreFactoryIdentify, TextTablesByTheirFormatDescription) {
   TestReleaseTree tree;
-  AsciiFinder finder(&txfBeside);
+  StoreFactory::AsciiSpecificationFinder saved = StoreFactory::registerAsciiSpecificationFinder(&txfBeside);
+  Restore restore([&] { StoreFactory::registerAsciiSpecificationFinder(saved); });
   std::string const txf = tree.writeWorkFile("wells.txf", "Well\ncolumns 1 2\n");
   StoreDescription d = fileIn(tree, "wells.xyz");
   ASSERT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));

@@ -46,8 +46,6 @@ StoreDescription unitTestStore(char const* host, char const* store, char const* 
   return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, storeClass, 0, "");
 }
 
-// --- the class by project type -------------------------------------------------------------
-
 // What the registered class makes is the registry's test.
 TEST(StoreFactoryCreate, UnitTestProjectsNeedTheirRegisteredClass) {
   CleanQueue queue;
@@ -78,8 +76,6 @@ TEST(StoreFactoryCreate, OtherProjectsGetAStoreOfTheProjectsSets) {
   AttributeSetFactory::clearAttributeSets();
 }
 
-// --- the queue -------------------------------------------------------------------------
-
 TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   CleanQueue queue;
   StandIn unitTest("InMemoryStore", unitTestMakers());
@@ -103,8 +99,6 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   StoreFactory::clearStores();
   EXPECT_EQ(0u, StoreFactory::getNPushedStores());
 }
-
-// --- project-served names --------------------------------------------------------------------
 
 // Made and opened through the project is the registry's test; here the
 // update, and the attribute set that a name carries.

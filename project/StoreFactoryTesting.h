@@ -10,8 +10,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/ExceptionErrorHandler.h"
@@ -85,6 +87,18 @@ inline vHandle<Store> createOnShelf(StoreDescription const& description, vLCStri
   store->create(description.getStoreName(), "seismic", "2d", KeyList(), nullptr);
   return store;
 }
+
+// Runs `undo` when it goes: puts back what a test registered over.
+class Restore {
+ public:
+  explicit Restore(std::function<void()> undo) : m_undo(std::move(undo)) {}
+  ~Restore() { m_undo(); }
+  Restore(Restore const&) = delete;
+  Restore& operator=(Restore const&) = delete;
+
+ private:
+  std::function<void()> m_undo;
+};
 
 // Registers a stand-in for a store class while it lives.
 class StandIn {

@@ -47,8 +47,6 @@ class OpenStore : public TestMemoryStore {
 
 }  // namespace
 
-// --- life cycle and guards -----------------------------------------------------------
-
 TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   EXPECT_EQ(0, store.getNSetsMade());
@@ -98,8 +96,6 @@ TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
   other.create(FullStoreName(vString("proj:b.4")), "seismic", "3d", KeyList(), nullptr);
   EXPECT_EQ("b", str(other.getName()));
 }
-
-// --- secondary attribute sets ---------------------------------------------------------
 
 // Switching between sets is the in-memory store's test; here the names and
 // the bookkeeping on the primary set, and names that carry their set.
@@ -175,8 +171,6 @@ TEST(StoreImp, RefusesSetsThatCannotBeOrAreNot) {
                 "The Store 'a' does not have an AttributeSet named 'd'.");
 }
 
-// --- properties ---------------------------------------------------------------------------
-
 TEST(StoreImp, PropertiesAreThoseOfTheActiveSet) {
   auto shelf = shelfWithStoreA();
   {
@@ -209,8 +203,6 @@ TEST(StoreImp, PropertiesAreThoseOfTheActiveSet) {
   store.openAttributeSet("b");
   EXPECT_TRUE(store.hasProperty("GAIN"));
 }
-
-// --- what a StoreImp refuses, and what it leaves to its class ---------------------------------
 
 TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
   TestMemoryStore a{vHandle<Project>()};

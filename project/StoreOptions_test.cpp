@@ -39,8 +39,6 @@ StoreOpenOptions allTurned() {
 
 }  // namespace
 
-// --- StoreOpenOptions ------------------------------------------------------------
-
 TEST(StoreOpenOptions, DefaultsAndThePackedFrame) {
   EXPECT_EQ("000100", flags(StoreOpenOptions()));
   // Packed: six booleans in a frame.
@@ -88,8 +86,6 @@ TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
   bad.frame(6674, 5).end();
   expectFailure([&] { o.unpack(*bad.reader()); }, "StoreOpenOptions::unpack", "Bad magic number 6674,expected 6673");
 }
-
-// --- StoreCreationOptions --------------------------------------------------------
 
 TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileName) {
   StoreCreationOptions o;
