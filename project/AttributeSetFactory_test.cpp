@@ -134,21 +134,20 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   EXPECT_TRUE(recording.errors().empty());
 }
 
-TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOver) {
-  SetStandIns standIns;
-  PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
-                          PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
-  Recording recording;
-  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
-  EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("mywrappers", set).get());
-  EXPECT_EQ((std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request TIMING, ignored.",
-                                      "AttributeSetFactory::mySetWrapper: Unknown decorator request CACHE, ignored."}),
-            recording.errors());
-}
-
-TEST(AttributeSetFactoryWrap, KnownWordsNeedTheirDecoratorClass) {
+TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOverKnownOnesNeedTheirClass) {
   SetStandIns standIns;
   vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  {
+    PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
+                            PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
+    Recording recording;
+    EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("mywrappers", set).get());
+    EXPECT_EQ((std::vector<std::string>{
+                  "AttributeSetFactory::mySetWrapper: Unknown decorator request TIMING, ignored.",
+                  "AttributeSetFactory::mySetWrapper: Unknown decorator request CACHE, ignored."}),
+              recording.errors());
+  }
+  // Known words need their decorator class.
   AttributeSetFactory::DecoratorMaker profiling =
       AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", nullptr);
   AttributeSetFactory::DecoratorMaker translating =

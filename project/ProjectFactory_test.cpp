@@ -102,7 +102,7 @@ class DefaultProjectGuard {
   vHandle<Project> m_saved;
 };
 
-TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
+TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerCluster) {
   Recorder recorder;
   vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
   vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
@@ -111,15 +111,13 @@ TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
   EXPECT_EQ(a.get(), b.get());
   EXPECT_EQ(a.get(), c.get());
   EXPECT_NE(a.get(), ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA").get());
-}
 
-TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalogAndProjects) {
+  // Hosts of one cluster share a catalog.
   DefaultProjectGuard guard;
   TestReleaseTree tree;
   tree.setEnv("FS_CLUSTERS", "uthostC1=utcluster uthostC2=utcluster");
-  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "");
-  EXPECT_EQ(a.get(), b.get());
+  a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
+  EXPECT_EQ(a.get(), ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "").get());
   EXPECT_EQ("utcluster", str(a->getHost()));
   // Projects too are found by cluster.
   vHandle<Project> p = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC1", "survey");
@@ -127,8 +125,23 @@ TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalogAndProjects) {
   EXPECT_EQ("utcluster", str(p->getProjectHost()));
 }
 
-TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
+TEST(ProjectFactory, DefaultProjectSetAndClearedOpenProjectTwiceGivesTheSameOpenObject) {
   DefaultProjectGuard guard;
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
+              "There is no default Project.");
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
+  vHandle<Project> first = ProjectFactory::create(catalog);
+  vHandle<Project> second = ProjectFactory::create(catalog);
+  // Create always makes a new project; the first made while there is no
+  // default becomes it.
+  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
+  ProjectFactory::setDefaultProject(second);
+  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
+  ProjectFactory::clearDefaultProject();
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
+
   vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
   vHandle<Project> b = ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey")));
   EXPECT_EQ(a.get(), b.get());
@@ -152,26 +165,6 @@ TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
   vHandle<Project> s1 = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
   EXPECT_NE(s1.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey").get());
   EXPECT_EQ(s1.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS1", "survey").get());
-}
-
-TEST(ProjectFactory, DefaultProjectSetAndCleared) {
-  DefaultProjectGuard guard;
-  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
-  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
-              "There is no default Project.");
-
-  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
-  vHandle<Project> first = ProjectFactory::create(catalog);
-  vHandle<Project> second = ProjectFactory::create(catalog);
-  // Create always makes a new project; the first made while there is no
-  // default becomes it.
-  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
-
-  ProjectFactory::setDefaultProject(second);
-  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
-  ProjectFactory::clearDefaultProject();
-  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
-  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
 }
 
 TEST(UTProject, ScriptedStoresAreListedByClass) {
@@ -289,16 +282,24 @@ TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   // Unit-test catalogs need no maker.
   vHandle<ProjectCatalog> ut = ProjectCatalogFactory::create("127.0.0.66", ProjectType::UNITTEST, "");
   EXPECT_NE(nullptr, dynamic_cast<UTProjectCatalog*>(ut.get()));
+
+  // Projects too take their class from the catalog's type.
+  ProjectFactory::create(kelp);
+  EXPECT_EQ("ClientProject(127.0.0.62, 2, 127.0.0.63)", lastMade());
+  CapiMaker::project(zon);
+  EXPECT_EQ("ZonProject(127.0.0.64, 8, centre)", lastMade());
+  madeLog.clear();
+  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(ProjectFactory::create(ut).get()));
+  EXPECT_EQ("nothing", lastMade());
 }
 
 TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
   Recorder recorder;
-  char const* reason =
-      "Unable to get host no-such-host.invalid's IP Address. Check host spelling, watch out for l instead of 1 in "
-      "host name.";
   unsigned int cached = ProjectCatalogFactory::getCacheSize();
   expectFatal([] { ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::KELP, "127.0.0.67"); },
-              "vUtl::getIPAddress", reason);
+              "vUtl::getIPAddress",
+              "Unable to get host no-such-host.invalid's IP Address. Check host spelling, watch out for l instead "
+              "of 1 in host name.");
   EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
   EXPECT_EQ("nothing", lastMade());
 
@@ -309,22 +310,8 @@ TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
             str(ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::UNITTEST, "")->getHost()));
 
   // Nor does a blank host.
-  vHandle<ProjectCatalog> blank = ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
+  ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
   EXPECT_EQ("ClientProjectCatalog(, 1, )", lastMade());
-}
-
-TEST(ProjectFactory, TheCatalogsTypeChoosesTheClass) {
-  Recorder recorder;
-  ProjectFactory::create(vHandle<ProjectCatalog>(new RecordedCatalog("127.0.0.69", ProjectType::KELP, "srv", false)));
-  EXPECT_EQ("ClientProject(127.0.0.69, 2, srv)", lastMade());
-  vHandle<ProjectCatalog> zon(new RecordedCatalog("127.0.0.69", ProjectType::ZONMESH, "centre", false));
-  CapiMaker::project(zon);
-  EXPECT_EQ("ZonProject(127.0.0.69, 8, centre)", lastMade());
-
-  madeLog.clear();
-  vHandle<ProjectCatalog> ut(new UTProjectCatalog("127.0.0.69", ProjectType::UNITTEST));
-  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(ProjectFactory::create(ut).get()));
-  EXPECT_EQ("nothing", lastMade());
 }
 
 TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
