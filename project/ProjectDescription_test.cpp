@@ -7,46 +7,17 @@
 #include <string>
 
 #include "foundation/TestReleaseTree.h"
-#include "foundation/vDatabases.h"
 #include "foundation/vUtl.h"
 #include "project/CapiProject.h"
 #include "project/ProjectDescription.h"
-#include "project/ProjectFactory.h"
-#include "project/UTProject.h"
-#include "project/UTProjectCatalog.h"
+#include "project/ProjectTesting.h"
 
 namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-// A default project on host "defhost" named "defproj" while it lives (none
-// when `withDefault` is false); the former default comes back afterwards.
-class DefaultProject {
- public:
-  explicit DefaultProject(bool withDefault) {
-    vHandle<Project> project;
-    if (withDefault) {
-      project = vHandle<Project>(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("defhost", ProjectType::UNITTEST))));
-      project->open("defproj");
-    }
-    m_saved = ProjectFactory::setDefaultProject(project);
-  }
-  ~DefaultProject() { ProjectFactory::setDefaultProject(m_saved); }
-
- private:
-  vHandle<Project> m_saved;
-};
-
-// The site's databases for Dorn servers, while it lives.
-class SiteDatabases {
- public:
-  SiteDatabases() {
-    vDatabases dbs;
-    dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
-    vDatabases::setCache(dbs);
-  }
-  ~SiteDatabases() { vDatabases::clearCache(); }
-};
+using project_testing::DefaultProject;
+using project_testing::SiteDatabases;
 
 void expectCatalog(ProjectDescription const& d, ProjectType::PROJECT_TYPE type, std::string const& server,
                    std::string const& host, char const* project) {

@@ -17,10 +17,13 @@
 #include "project/JITProjectDecorator.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
+#include "project/ProjectTesting.h"
 #include "project/UTProject.h"
 #include "project/UTProjectCatalog.h"
 
 namespace {
+
+using project_testing::DefaultProject;
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
@@ -92,16 +95,6 @@ class Recorder {
   ProjectFactory::Maker m_zonProject;
 };
 
-// Restores the default project a test changed.
-class DefaultProjectGuard {
- public:
-  DefaultProjectGuard() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {}
-  ~DefaultProjectGuard() { ProjectFactory::setDefaultProject(m_saved); }
-
- private:
-  vHandle<Project> m_saved;
-};
-
 TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerCluster) {
   Recorder recorder;
   vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
@@ -113,7 +106,7 @@ TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerClust
   EXPECT_NE(a.get(), ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA").get());
 
   // Hosts of one cluster share a catalog.
-  DefaultProjectGuard guard;
+  DefaultProject guard;
   TestReleaseTree tree;
   tree.setEnv("FS_CLUSTERS", "uthostC1=utcluster uthostC2=utcluster");
   a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
@@ -126,7 +119,7 @@ TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerClust
 }
 
 TEST(ProjectFactory, DefaultProjectSetAndClearedOpenProjectTwiceGivesTheSameOpenObject) {
-  DefaultProjectGuard guard;
+  DefaultProject guard;
   EXPECT_FALSE(ProjectFactory::hasDefaultProject());
   expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
               "There is no default Project.");
@@ -221,7 +214,7 @@ std::string enterSession(std::string const& input, vHandle<ProjectCatalog>& cata
 }
 
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
-  DefaultProjectGuard guard;
+  DefaultProject guard;
   Recorder recorder;
   // The list offered is the one of the registered lister (the database
   // back end's servers).
@@ -316,7 +309,7 @@ TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
 
 TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
   Recorder recorder;
-  DefaultProjectGuard guard;
+  DefaultProject guard;
   ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", &makeAbsentProject);
   unsigned int projects = ProjectFactory::getCacheSize();
   unsigned int catalogs = ProjectCatalogFactory::getCacheSize();

@@ -7,9 +7,8 @@
 #include <string>
 
 #include "foundation/TestReleaseTree.h"
-#include "foundation/vDatabases.h"
 #include "foundation/vUtl.h"
-#include "project/ProjectFactory.h"
+#include "project/ProjectTesting.h"
 #include "project/StoreDescription.h"
 #include "project/StoreTesting.h"
 #include "testing/TestMemoryStore.h"
@@ -22,22 +21,11 @@ std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
 // No default project, "houston" a known database and the default Dorn
 // server, while it lives.
-class NameSetting {
- public:
-  NameSetting() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {
-    vDatabases dbs;
-    dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
-    vDatabases::setCache(dbs);
-    m_tree.setEnv("DORNSERVER", "houston");
-  }
-  ~NameSetting() {
-    vDatabases::clearCache();
-    ProjectFactory::setDefaultProject(m_saved);
-  }
-
- private:
-  TestReleaseTree m_tree;
-  vHandle<Project> m_saved;
+struct NameSetting {
+  NameSetting() { tree.setEnv("DORNSERVER", "houston"); }
+  TestReleaseTree tree;
+  project_testing::DefaultProject none;
+  project_testing::SiteDatabases site;
 };
 
 // "H" in an expected text stands for this host.
