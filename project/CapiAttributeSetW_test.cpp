@@ -92,7 +92,6 @@ TEST(CapiAttributeSetW, ClosingDropsTheSetAGivenClassNeedsNoQuestion) {
   w.addInstances(2);
   EXPECT_EQ(3u, w.getNInstances());
   w.close();
-  // A created set takes the class given.
   w.create("new", "shapes", "polygon", KeyList(), nullptr);
   EXPECT_EQ("shapes", log().storeClass);
   EXPECT_EQ("shapes", str(w.getClass()));

@@ -21,7 +21,6 @@ TEST(ProjectType, NamesOfAllTypes) {
   char const* names[] = {"NoType", "Rondo", "Kelp", "Dorn", "UnitTest", "FlatFile", "Memory", "InMemory", "Zonmesh"};
   for (int t = 0; t <= 8; ++t) {
     EXPECT_EQ(names[t], str(ProjectType::getProjectTypeName(t)));
-    // Every name reads back as its own type.
     EXPECT_EQ(t, ProjectType::getProjectType(ProjectType::getProjectTypeName(t)));
   }
   expectFatal([] { ProjectType::getProjectTypeName(9); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 9.");
@@ -93,7 +92,6 @@ TEST(FullProjectName, FullNameLeavesOutBlankPartsReadsBackAndBadNames) {
   // An empty type name is no type.
   expectProject(FullProjectName(vString(":srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
   expectProject(FullProjectName(vString("")), ProjectType::NOTYPE, "", "", "");
-  // Every full name reads back as the name it came from.
   FullProjectName const names[] = {FullProjectName(ProjectType::NOTYPE, "s", "", "p"),
                                    FullProjectName(ProjectType::UNITTEST, "s", "", "")};
   for (FullProjectName const& n : names) {
@@ -157,7 +155,6 @@ TEST(FullStoreName, BriefAndFullNamesReadBack) {
   EXPECT_EQ("h:survey:line.3/set", str(FullStoreName(project, "line", 3, "set").getFullName()));
   // No leading ':' for a store without a project.
   EXPECT_EQ("line/set", str(FullStoreName(vString("line/set")).getFullName()));
-  // Full names read back as the name they came from.
   char const* texts[] = {"s::survey:line.2", "Rondo:s:h:p:x.1/y"};
   for (char const* t : texts) {
     FullStoreName n{vString(t)};

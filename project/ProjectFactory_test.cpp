@@ -112,7 +112,6 @@ TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerClust
   a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
   EXPECT_EQ(a.get(), ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "").get());
   EXPECT_EQ("utcluster", str(a->getHost()));
-  // Projects too are found by cluster.
   vHandle<Project> p = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC1", "survey");
   EXPECT_EQ(p.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC2", "survey").get());
   EXPECT_EQ("utcluster", str(p->getProjectHost()));
@@ -126,8 +125,7 @@ TEST(ProjectFactory, DefaultProjectSetAndClearedOpenProjectTwiceGivesTheSameOpen
   vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
   vHandle<Project> first = ProjectFactory::create(catalog);
   vHandle<Project> second = ProjectFactory::create(catalog);
-  // Create always makes a new project; the first made while there is no
-  // default becomes it.
+  // Create always makes a new project; the first made with no default becomes it.
   EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
   ProjectFactory::setDefaultProject(second);
   EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
@@ -152,9 +150,7 @@ TEST(ProjectFactory, DefaultProjectSetAndClearedOpenProjectTwiceGivesTheSameOpen
   EXPECT_NE(e.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey").get());
   EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
 
-  // The server is matched too: a unit-test project has none, so one asked
-  // for with a server is never the one found; asked for without one, the
-  // oldest of the two is.
+  // The server is matched too: a unit-test project has none, so one asked for with a server is never found.
   vHandle<Project> s1 = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
   EXPECT_NE(s1.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey").get());
   EXPECT_EQ(s1.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS1", "survey").get());
@@ -216,8 +212,7 @@ std::string enterSession(std::string const& input, vHandle<ProjectCatalog>& cata
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   DefaultProject guard;
   Recorder recorder;
-  // The list offered is the one of the registered lister (the database
-  // back end's servers).
+  // The list offered is the registered lister's (the database back end's servers).
   ProjectCatalogFactory::ServerLister previous =
       ProjectCatalogFactory::registerZonServerLister([](std::list<vString>& servers) {
         for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(centre);
@@ -252,13 +247,11 @@ TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   Recorder recorder;
   std::string here = str(vUtl::gethostname());
 
-  // Types without a class of their own: a client on the host, without the
-  // server.
+  // Types without a class of their own: a client on the host, without the server.
   ProjectCatalogFactory::create("127.0.0.61", ProjectType::NOTYPE, "srv");
   EXPECT_EQ("ClientProjectCatalog(127.0.0.61, 0, )", lastMade());
 
-  // Kelp: a client on the server, with the data host beside it; without a
-  // server, this host serves.
+  // Kelp: a client on the server, with the data host beside it; without a server, this host serves.
   vHandle<ProjectCatalog> kelp = ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "127.0.0.63");
   EXPECT_EQ("ClientProjectCatalog(127.0.0.63, 2, 127.0.0.62)", lastMade());
   ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "");
@@ -317,14 +310,12 @@ TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
     expectFatal([] { ProjectFactory::openProject(ProjectType::RONDO, "srv", "127.0.0.70", "Survey"); },
                 "AbsentProject::open", "No project survey here.");
   EXPECT_EQ(projects, ProjectFactory::getCacheSize());
-  // The catalog made at the first attempt serves the second; the failed
-  // project is not the default.
+  // The catalog made at the first attempt serves the second; the failed project is not the default.
   EXPECT_EQ(catalogs + 1, ProjectCatalogFactory::getCacheSize());
   EXPECT_EQ(1u, madeLog.size());
   EXPECT_FALSE(ProjectFactory::hasDefaultProject());
 
-  // Deferred, the same project opens at no cost, is cached and is the
-  // default; its first content call meets the failure.
+  // Deferred, it opens at no cost, is cached and the default; its first content call meets the failure.
   vHandle<Project> p = ProjectFactory::openProjectDeferred(ProjectType::RONDO, "srv", "127.0.0.70", "survey");
   EXPECT_TRUE(p->isOpen());
   EXPECT_EQ(projects + 1, ProjectFactory::getCacheSize());
@@ -343,8 +334,7 @@ TEST(JITProjectDecorator, ContentCallsOpenFirstAndPlaceCallsDoNot) {
   UTProject* ut = static_cast<UTProject*>(inner.get());
   JITProjectDecorator jit(inner);
   expectFatal([&] { jit.getAttributeSetDetails("x", 1); }, "JITProjectDecorator::makeSureIsOpen", reason);
-  // Where it is: passed on at once, never opening; closing what was never
-  // opened leaves the wrapped project alone.
+  // Where it is: passed on, never opening; closing what was never opened leaves the wrapped project alone.
   EXPECT_EQ("uthostJ3", str(jit.getProjectHost()));
   EXPECT_EQ("getProjectHost", str(ut->getLastCall()));
   jit.close();
@@ -355,8 +345,7 @@ TEST(JITProjectDecorator, ContentCallsOpenFirstAndPlaceCallsDoNot) {
   expectFatal([&] { jit.gift(1, "x", 1); }, "Project::gift", "Function not supported by this project!");
   EXPECT_FALSE(jit.isReallyOpen());
 
-  // A new open forgets the connection, and the next content call opens the
-  // new name.
+  // A new open forgets the connection, and the next content call opens the new name.
   jit.getStoreList("", "");
   EXPECT_EQ("getStoreList", str(ut->getLastCall()));
   EXPECT_EQ("a", str(inner->getName()));

@@ -62,8 +62,7 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       // A single trailing '#' is dropped, and a trailing ':' too.
       {"file:/data/a.sgy#", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy:", "FlatFile:/data/a.sgy:"},
-      // A format without its closing mark goes with the mark; the last
-      // marked format counts.
+      // A format without its closing mark goes with the mark; the last marked format counts.
       {"file:/data/a.sgy#segy", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy#segy#x", "FlatFile:/data/a.sgy:#segy#"},
       {"inmemory:foo.1234", "InMemory:foo.1234"},

@@ -191,7 +191,7 @@ TEST(ProjectListPack, FrameByteExactAndRoundTrip) {
   b.frame(1020, 1).int32(2).text("north_sea").text("gulf").end();
   EXPECT_EQ(b.body(), bodyOf(p));
 
-  // Read back, the list replaces the entries.
+  // Read back, the list replaces its entries.
   std::unique_ptr<Packer> in = receive(p);
   ProjectList back;
   back.add(ProjectListEntry("stale"));

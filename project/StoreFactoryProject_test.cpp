@@ -41,8 +41,7 @@ vHandle<Store> storeOnProjectShelf(vHandle<Project> const& project) {
 StoreFactory::Makers unitTestMakers() { return {&storeOnProjectShelf, nullptr, nullptr, nullptr}; }
 
 StoreDescription unitTestStore(char const* host, char const* store, char const* storeClass = "seismic") {
-  // UnitTest projects have no server: a project is found again in the
-  // factory's cache only when none is named.
+  // UnitTest projects have no server: the factory's cache finds one only when none is named.
   return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, storeClass, 0, "");
 }
 
@@ -85,8 +84,7 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   StoreFactory::pushStore(first);
   StoreFactory::pushStore(second);
 
-  // A Zonmesh project has no store class registered here: the queue is
-  // asked before the type.
+  // A Zonmesh project has no store class registered here: the queue is asked before the type.
   vHandle<Store> a = StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93"));
   vHandle<Store> b = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
   EXPECT_EQ(first.get(), a.get());

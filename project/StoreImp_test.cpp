@@ -159,7 +159,6 @@ TEST(StoreImp, RefusesSetsThatCannotBeOrAreNot) {
   primary.removeProperty(Store::ATTRIBUTESET_VERSIONS);
   expectFailure([&] { store.updateAttributeSet("b"); }, "StoreImp::updateAttributeSet",
                 "The required Property 'ATTRIBUTESET_VERSIONS' does not exist in Store 'a'.");
-  // A name listed without a version.
   int const one = 1;
   primary.addProperty(Property(Store::ATTRIBUTESET_VERSIONS, 1u, &one));
   Property names(*primary.findProperty(Store::ATTRIBUTESET_NAMES));
@@ -225,7 +224,6 @@ TEST(AttributeSet, ReadsARangeIntoABufferAttributeByAttribute) {
   trace.copyData(3, samples);
   store.write(trace, 1, 3);
 
-  // TRACE a plain attribute, CDP and AMP fields of one record.
   AttributeSetBuffer buffer;
   buffer.addAttribute(Attribute("TRACE", "", vFLOAT32, 2));
   AttributeSetBuffer::Layout layout{{Attribute("CDP", "", vINT32), 0}, {Attribute("AMP", "", vINT32), 4}};
@@ -235,7 +233,6 @@ TEST(AttributeSet, ReadsARangeIntoABufferAttributeByAttribute) {
 
   store.readBufferRange(buffer, 2, 3);
   EXPECT_EQ(6.5f, buffer.readAttributeAndData("TRACE").getFloat32Pointer(2)[1]);
-  // The fields are back in their records.
   int32_t records[4] = {};
   buffer.exportRange(reinterpret_cast<char*>(records), 1, 2, "headers");
   EXPECT_EQ((std::vector<int32_t>{2, 20, 3, 30}), std::vector<int32_t>(records, records + 4));

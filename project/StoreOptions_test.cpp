@@ -41,7 +41,6 @@ StoreOpenOptions allTurned() {
 
 TEST(StoreOpenOptions, DefaultsAndThePackedFrame) {
   EXPECT_EQ("000100", flags(StoreOpenOptions()));
-  // Packed: six booleans in a frame.
   Packer p;
   allTurned().pack(p);
   Bytes expected;
@@ -58,11 +57,10 @@ TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
     o.unpack(*b.end().reader());
     return flags(o);
   };
-  // Version 0 holds no flag, and the first flag is cleared all the same;
-  // the others keep what they were.
+  // Version 0 holds no flag, yet clears the first; the others keep what they were.
   Bytes v0;
   EXPECT_EQ("011011", read(v0.frame(6673, 0), allTurned()));
-  // Version 3: flags one to four.
+  // Version 3 holds flags one to four.
   StoreOpenOptions cst;
   cst.setAutoSpecifyCSTFiles(true);
   Bytes v3;
@@ -98,7 +96,6 @@ TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileNa
     o.setKelpDataType(type);
     EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType()) << type;
   }
-  // Copies own their file name.
   StoreCreationOptions a;
   a.setFilename(vFilename("/data/a.sgy"));
   StoreCreationOptions b(a);
