@@ -52,7 +52,7 @@ TEST(StoreOpenOptions, DefaultsAndThePackedFrame) {
   EXPECT_TRUE(back == allTurned());
 }
 
-TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
+TEST(StoreOpenOptions, OlderAndNewerFramesFillTheFlagsTheyHoldAnotherMagicIsRefused) {
   auto read = [](Bytes& b, StoreOpenOptions o) {
     o.unpack(*b.end().reader());
     return flags(o);
@@ -65,9 +65,7 @@ TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
   cst.setAutoSpecifyCSTFiles(true);
   Bytes v3;
   EXPECT_EQ("010001", read(v3.frame(6673, 3).boolean(false).boolean(true).boolean(false).boolean(false), cst));
-}
-
-TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
+  // A newer frame is skipped to its end.
   Bytes b;
   b.frame(6673, 6).boolean(true).boolean(false).boolean(true).boolean(true).boolean(false).boolean(true);
   b.int32(77).text("later field").end();
@@ -106,7 +104,7 @@ TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileNa
   EXPECT_TRUE(a != b);
 }
 
-TEST(StoreCreationOptions, PacksTheRecordInItsOrder) {
+TEST(StoreCreationOptions, PacksTheRecordInItsOrderAndAnAttributeListAsARange) {
   StoreCreationOptions o;
   // The name is kept in lower case.
   o.setPrimaryAttributeSetName("Prime");
@@ -128,19 +126,12 @@ TEST(StoreCreationOptions, PacksTheRecordInItsOrder) {
   StoreCreationOptions back;
   back.unpack(*receive(p));
   EXPECT_TRUE(back == o);
-}
 
-TEST(StoreCreationOptions, AnAttributeListTravelsAsARange) {
-  StoreCreationOptions o;
-  std::list<Attribute> attributes;
-  attributes.push_back(Attribute("INLINE", "INLINE", vINT32));
-  attributes.push_back(Attribute("TRACE", "TRACE", vFLOAT32, 1500, 2.0, 0.0));
-  o.setAttributeList(attributes);
-  Packer p;
-  o.pack(p);
-
-  StoreCreationOptions back;
-  back.unpack(*receive(p));
+  // An attribute list travels as a range.
+  o.setAttributeList({Attribute("INLINE", "INLINE", vINT32), Attribute("TRACE", "TRACE", vFLOAT32, 1500, 2.0, 0.0)});
+  Packer withList;
+  o.pack(withList);
+  back.unpack(*receive(withList));
   EXPECT_TRUE(back == o);
 }
 
