@@ -33,7 +33,7 @@ TEST(ProjectDescription, BlankFieldsComeFromTheDefaultProject) {
   expectCatalog(ProjectDescription(vString("survey")), ProjectType::NOTYPE, "", "defhost", "survey");
 }
 
-TEST(ProjectDescription, TextWithoutATypeIsAFullProjectNameFlatFilesAndMemory) {
+TEST(ProjectDescription, TextWithoutATypeFlatFilesMemoryAndKelpReservedHosts) {
   DefaultProject none(false);
   ProjectDescription d(vString("srv:hostA:survey"));
   expectCatalog(d, ProjectType::NOTYPE, "srv", "hostA", "survey");
@@ -57,9 +57,16 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectNameFlatFilesAndMemory) {
   ProjectDescription m(vString("i:"));
   EXPECT_TRUE(m.isInMemory());
   EXPECT_EQ("InMemory:", str(m.toString()));
+
+  // Kelp's reserved data hosts run no server.
+  expectFatal([] { ProjectDescription d{vString("k::KelpArchive:p")}; }, "ProjectCatalogDescription::setCapi()",
+              "'KelpArchive' is a reserved Kelp data host that runs no data server; use the Kelp data server "
+              "'kelpserver'.");
+  EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
+  EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
 }
 
-TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
+TEST(ProjectDescription, DornServersMustBeKnownDatabasesEqualityAndOrder) {
   DefaultProject none(false);
   TestReleaseTree tree;
   SiteDatabases site;
@@ -74,15 +81,35 @@ TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
   // A blank server is the site's default server.
   tree.setEnv("DORNSERVER", "hdev");
   expectCatalog(ProjectDescription(vString("d::hostA:p")), ProjectType::DORN, "hdev", "hostA", "p");
-}
 
-TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
-  DefaultProject none(false);
-  expectFatal([] { ProjectDescription d{vString("k::KelpArchive:p")}; }, "ProjectCatalogDescription::setCapi()",
-              "'KelpArchive' is a reserved Kelp data host that runs no data server; use the Kelp data server "
-              "'kelpserver'.");
-  EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
-  EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
+  // Catalog descriptions are equal where they place the catalog alike.
+  auto cat = [](ProjectType::PROJECT_TYPE t, char const* server, char const* host) {
+    ProjectCatalogDescription d;
+    d.setCapi(t, server, host);
+    return d;
+  };
+  // Rondo, Kelp, UnitTest: the data host places the catalog.
+  EXPECT_EQ(cat(ProjectType::RONDO, "s1", "h"), cat(ProjectType::RONDO, "s2", "h"));
+  EXPECT_NE(cat(ProjectType::RONDO, "s", "h1"), cat(ProjectType::RONDO, "s", "h2"));
+  // Dorn and Zonmesh: the server.
+  EXPECT_EQ(cat(ProjectType::DORN, "hprod", "h1"), cat(ProjectType::DORN, "hprod", "h2"));
+  EXPECT_NE(cat(ProjectType::DORN, "hprod", "h"), cat(ProjectType::DORN, "hdev", "h"));
+  // Memory descriptions of a type are all equal.
+  EXPECT_EQ(cat(ProjectType::INMEMORY, "", "a"), cat(ProjectType::INMEMORY, "", "b"));
+  ProjectCatalogDescription f1, f2;
+  f1.setFlatFile(vFilename("/a/x.txt"));
+  f2.setFlatFile(vFilename("/a/y.txt"));
+  EXPECT_NE(f1, f2);
+
+  // By type name first: Dorn < FlatFile < Kelp < Rondo < UnitTest < Zonmesh.
+  EXPECT_TRUE(cat(ProjectType::DORN, "hprod", "z") < f1);
+  EXPECT_TRUE(f1 < cat(ProjectType::KELP, "a", "a"));
+  EXPECT_TRUE(cat(ProjectType::RONDO, "z", "a") < cat(ProjectType::RONDO, "a", "b"));
+  EXPECT_FALSE(cat(ProjectType::RONDO, "a", "b") < cat(ProjectType::RONDO, "z", "b"));
+
+  ProjectDescription p1(vString("r:s:h:alpha")), p2(vString("r:s:h:beta"));
+  EXPECT_TRUE(p1 < p2);
+  EXPECT_EQ(FullProjectName(vString("rondo:s:h:alpha")), p1.getFullProjectName());
 }
 
 TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnlyAndCompletesABlankHost) {
@@ -115,39 +142,6 @@ TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnlyAndCompletesABlankHo
   // A Kelp server left blank is the completed host.
   d.setCapi(ProjectType::KELP, "", "");
   EXPECT_EQ("defhost", str(d.getServerHost()));
-}
-
-TEST(ProjectCatalogDescription, EqualityAndOrder) {
-  DefaultProject none(false);
-  TestReleaseTree tree;
-  SiteDatabases site;
-  auto cat = [](ProjectType::PROJECT_TYPE t, char const* server, char const* host) {
-    ProjectCatalogDescription d;
-    d.setCapi(t, server, host);
-    return d;
-  };
-  // Rondo, Kelp, UnitTest: the data host places the catalog.
-  EXPECT_EQ(cat(ProjectType::RONDO, "s1", "h"), cat(ProjectType::RONDO, "s2", "h"));
-  EXPECT_NE(cat(ProjectType::RONDO, "s", "h1"), cat(ProjectType::RONDO, "s", "h2"));
-  // Dorn and Zonmesh: the server.
-  EXPECT_EQ(cat(ProjectType::DORN, "hprod", "h1"), cat(ProjectType::DORN, "hprod", "h2"));
-  EXPECT_NE(cat(ProjectType::DORN, "hprod", "h"), cat(ProjectType::DORN, "hdev", "h"));
-  // Memory descriptions of a type are all equal.
-  EXPECT_EQ(cat(ProjectType::INMEMORY, "", "a"), cat(ProjectType::INMEMORY, "", "b"));
-  ProjectCatalogDescription f1, f2;
-  f1.setFlatFile(vFilename("/a/x.txt"));
-  f2.setFlatFile(vFilename("/a/y.txt"));
-  EXPECT_NE(f1, f2);
-
-  // By type name first: Dorn < FlatFile < Kelp < Rondo < UnitTest < Zonmesh.
-  EXPECT_TRUE(cat(ProjectType::DORN, "hprod", "z") < f1);
-  EXPECT_TRUE(f1 < cat(ProjectType::KELP, "a", "a"));
-  EXPECT_TRUE(cat(ProjectType::RONDO, "z", "a") < cat(ProjectType::RONDO, "a", "b"));
-  EXPECT_FALSE(cat(ProjectType::RONDO, "a", "b") < cat(ProjectType::RONDO, "z", "b"));
-
-  ProjectDescription p1(vString("r:s:h:alpha")), p2(vString("r:s:h:beta"));
-  EXPECT_TRUE(p1 < p2);
-  EXPECT_EQ(FullProjectName(vString("rondo:s:h:alpha")), p1.getFullProjectName());
 }
 
 TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
