@@ -22,16 +22,19 @@ std::string cannotHandle(std::string const& file, std::string const& tag) {
   return "The file '" + file + "' is of a type '" + tag + "' which we cannot handle yet!";
 }
 
-std::string unknownType(std::string const& file) {
-  return "We do not know the type of file '" + file + "', therefore we cannot handle it!";
-}
-
 std::string path(StoreDescription const& d) { return str(d.getFlatFileName().getFilename()); }
 
-// Identification works on a copy; a name it does not identify goes by its
-// extension, and a format given wins in any case, making up no class.
-TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormat) {
+// A tag whose store is not there fails, as does a file of no kind. Identification works on a copy; a name it
+// does not identify goes by its extension, and a format given wins in any case, making up no class.
+TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormatOrNotAtAll) {
   TestReleaseTree tree;
+  StoreDescription d = fileIn(tree, "a.sgy");
+  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "segy"));
+  expectFatal([&] { StoreFactory::hasStore(d); }, "StoreFactory::hasStore", "Cannot handle file names yet." + path(d));
+  StoreDescription none = fileIn(tree, "grid.");
+  expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(),
+              "We do not know the type of file '" + path(none) + "', therefore we cannot handle it!");
+
   StandIn shapefiles("ShapefileDiskStore", fileMakers());
   StandIn segy("SegyDiskStore", fileMakers());
   for (char const* name : {"a.shp", "line.sgy", "line.segy", "traces.bin"}) shelve(fileShelf(), name);
@@ -46,27 +49,17 @@ TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormat) {
                      {"traces.bin", "SGY", "SGY", ""}};
   for (Case const& c : cases) {
     SCOPED_TRACE(c.file);
-    StoreDescription d = fileIn(tree, c.file);
-    d.setFileFormat(c.given);
+    StoreDescription file = fileIn(tree, c.file);
+    file.setFileFormat(c.given);
     seen().clear();
-    vHandle<Store> store = StoreFactory::openStore(d, "", nullptr);
+    vHandle<Store> store = StoreFactory::openStore(file, "", nullptr);
     ASSERT_EQ(1u, seen().size());
     EXPECT_EQ(c.format, str(seen()[0].description.getFileFormat()));
     EXPECT_EQ(c.storeClass, str(seen()[0].description.getStoreClass()));
-    EXPECT_EQ(path(d), path(seen()[0].description));
-    EXPECT_EQ(c.given, str(d.getFileFormat()));
+    EXPECT_EQ(path(file), path(seen()[0].description));
+    EXPECT_EQ(c.given, str(file.getFileFormat()));
     EXPECT_TRUE(store->getProject().isEmpty());
   }
-}
-
-TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
-  TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "a.sgy");
-  expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "segy"));
-  expectFatal([&] { StoreFactory::hasStore(d); }, "StoreFactory::hasStore", "Cannot handle file names yet." + path(d));
-  // Without an extension the kind is not known.
-  StoreDescription none = fileIn(tree, "grid.");
-  expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
 }
 
 struct Mapped {

@@ -67,8 +67,9 @@ TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
 }
 
 // The guards that name no attribute; the others are the store suite's.
-TEST(StoreImp, RefusesAllButOpeningBeforeItIsOpenOpensOnceAndForReadingOnly) {
-  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+TEST(StoreImp, RefusesAllButOpeningBeforeItIsOpenOpensOnceAndCreatesOnlyUnderItsOwnName) {
+  auto shelf = shelfWithStoreA();
+  TestMemoryStore store(vHandle<Project>(), shelf);
   expectFailure([&] { store.getAttributeList(); }, "StoreImp::getAttributeList", "The store has not been opened yet!");
   EXPECT_EQ(1, store.getNSetsMade()) << "the guard made the set it looks at";
   // A failed open leaves the store closed.
@@ -78,12 +79,6 @@ TEST(StoreImp, RefusesAllButOpeningBeforeItIsOpenOpensOnceAndForReadingOnly) {
   store.open("a", 0, "", "", nullptr);
   expectFailure([&] { store.update("a", 0, "", "", nullptr); }, "StoreImp::update",
                 "The store 'a' has already been opened!");
-}
-
-TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
-  auto shelf = shelfWithStoreA();
-  TestMemoryStore store(vHandle<Project>(), shelf);
-  store.open("a", 0, "", "", nullptr);
   expectFailure([&] { store.create("other", "seismic", "3d", KeyList(), nullptr); }, "StoreImp::create",
                 "Store is already open as a");
   // Under its own name the store starts again, as version 2.
@@ -204,12 +199,11 @@ TEST(StoreImp, PropertiesAreThoseOfTheActiveSet) {
 }
 
 TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
-  TestMemoryStore a{vHandle<Project>()};
+  OpenStore a{vHandle<Project>()};
   TestMemoryStore b{vHandle<Project>()};
   expectFailure([&] { (void)(a == b); }, "StoreImp::operator==()", "This operation is not implemented for StoreImp.");
-  OpenStore open{vHandle<Project>()};
   TestMemoryAttributeSet set(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
-  expectFailure([&] { open.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
+  expectFailure([&] { a.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
                 "Need code, what does this mean?");
 }
 
