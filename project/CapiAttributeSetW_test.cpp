@@ -77,7 +77,7 @@ class WrapperSetting {
 
 // Reads before opening and a blank class asked of the project are the
 // conformance suite's; here the rest.
-TEST(CapiAttributeSetW, ClosingDropsTheSetAGivenClassNeedsNoQuestion) {
+TEST(CapiAttributeSetW, ClosingDropsTheSetAGivenClassNeedsNoQuestionTheMakerGetsTheRealProject) {
   WrapperSetting setting;
   CapiAttributeSetW w(setting.project());
   w.open("lines", 1, "", "", nullptr);
@@ -96,10 +96,8 @@ TEST(CapiAttributeSetW, ClosingDropsTheSetAGivenClassNeedsNoQuestion) {
   EXPECT_EQ("shapes", log().storeClass);
   EXPECT_EQ("shapes", str(w.getClass()));
   w.close();
-}
 
-TEST(CapiAttributeSetW, TheMakerGetsTheProjectOutOfADeferredWrapper) {
-  WrapperSetting setting;
+  // The maker gets the project out of a deferred wrapper.
   vHandle<Project> inner(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST))));
   JITProjectDecorator* deferred = new JITProjectDecorator(inner);
   vHandle<Project> outer(deferred);

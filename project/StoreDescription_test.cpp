@@ -79,7 +79,7 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
   }
 }
 
-TEST(StoreDescription, FieldsConstructorsAndSetters) {
+TEST(StoreDescription, FieldsConstructorsSettersAndTheFlatFileLimit) {
   NameSetting setting;
   StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
   EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
@@ -108,10 +108,8 @@ TEST(StoreDescription, FieldsConstructorsAndSetters) {
   EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
   StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
   EXPECT_TRUE(fromProject == parts);
-}
 
-TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
-  NameSetting setting;
+  // A flat file name of 128 characters is the limit.
   std::string path128 = "/" + std::string(123, 'a') + ".sgy";
   vString message("stale");
   EXPECT_TRUE(StoreDescription(vFilename(path128.c_str())).isValid(message));

@@ -73,32 +73,9 @@ TEST(StoreFactoryCreate, UnitTestProjectsNeedTheirClassOthersGetAStoreOfTheProje
   AttributeSetFactory::clearAttributeSets();
 }
 
-TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
-  CleanQueue queue;
-  StandIn unitTest("InMemoryStore", unitTestMakers());
-  auto shelf = std::make_shared<TestMemoryShelf>();
-  shelve(shelf, "open1");
-  vHandle<Store> first(new TestMemoryStore(vHandle<Project>(), shelf));
-  first->open("open1", 0, "", "", nullptr);
-  vHandle<Store> second(new TestMemoryStore(vHandle<Project>(), shelf));
-  StoreFactory::pushStore(first);
-  StoreFactory::pushStore(second);
-
-  // A Zonmesh project has no store class registered here: the queue is asked before the type.
-  vHandle<Store> a = StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93"));
-  vHandle<Store> b = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
-  EXPECT_EQ(first.get(), a.get());
-  EXPECT_TRUE(a->isOpen());  // handed over as it is
-  EXPECT_EQ(second.get(), b.get());
-
-  StoreFactory::pushStore(first);
-  StoreFactory::clearStores();
-  EXPECT_EQ(0u, StoreFactory::getNPushedStores());
-}
-
 // Made and opened through the project is the registry's test; here the
 // update, and the attribute set that a name carries.
-TEST(StoreFactoryProjectServed, UpdateAndTheAttributeSetOfTheName) {
+TEST(StoreFactoryProjectServed, UpdateTheSetOfTheNameAndPushedStoresBeforeAnyProject) {
   CleanQueue queue;
   StandIn unitTest("InMemoryStore", unitTestMakers());
   StoreDescription d = unitTestStore("127.0.0.95", "line9");
@@ -125,6 +102,26 @@ TEST(StoreFactoryProjectServed, UpdateAndTheAttributeSetOfTheName) {
   vHandle<Store> primary = StoreFactory::openStore(named, "", nullptr);
   EXPECT_EQ("line4", str(primary->getAttributeSetName()));
   primary->close();
+
+  // Pushed stores come first, in first out, whatever the project.
+  auto shelf = std::make_shared<TestMemoryShelf>();
+  shelve(shelf, "open1");
+  vHandle<Store> first(new TestMemoryStore(vHandle<Project>(), shelf));
+  first->open("open1", 0, "", "", nullptr);
+  vHandle<Store> second(new TestMemoryStore(vHandle<Project>(), shelf));
+  StoreFactory::pushStore(first);
+  StoreFactory::pushStore(second);
+
+  // A Zonmesh project has no store class registered here: the queue is asked before the type.
+  vHandle<Store> a = StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93"));
+  vHandle<Store> b = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
+  EXPECT_EQ(first.get(), a.get());
+  EXPECT_TRUE(a->isOpen());  // handed over as it is
+  EXPECT_EQ(second.get(), b.get());
+
+  StoreFactory::pushStore(first);
+  StoreFactory::clearStores();
+  EXPECT_EQ(0u, StoreFactory::getNPushedStores());
 }
 
 TEST(StoreFactoryProjectServed, HasStoreAsksTheProject) {
