@@ -17,7 +17,7 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-TEST(ProjectType, NamesOfAllTypes) {
+TEST(ProjectType, NamesOfAllTypesAndTheirAcceptedSpellings) {
   char const* names[] = {"NoType", "Rondo", "Kelp", "Dorn", "UnitTest", "FlatFile", "Memory", "InMemory", "Zonmesh"};
   for (int t = 0; t <= 8; ++t) {
     EXPECT_EQ(names[t], str(ProjectType::getProjectTypeName(t)));
@@ -25,9 +25,8 @@ TEST(ProjectType, NamesOfAllTypes) {
   }
   expectFatal([] { ProjectType::getProjectTypeName(9); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 9.");
   expectFatal([] { ProjectType::getProjectTypeName(-1); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE -1.");
-}
 
-TEST(ProjectType, AcceptedSpellingsIgnoreCaseOthersAreUnknown) {
+  // Accepted spellings ignore case; others are unknown.
   struct {
     char const* text;
     ProjectType::PROJECT_TYPE type;
@@ -84,7 +83,7 @@ void expectProject(FullProjectName const& n, ProjectType::PROJECT_TYPE type, cha
   EXPECT_EQ(project, str(n.getProject()));
 }
 
-TEST(FullProjectName, FullNameLeavesOutBlankPartsReadsBackAndBadNames) {
+TEST(FullProjectName, FullNameLeavesOutBlankPartsReadsBackComparesAndBadNames) {
   EXPECT_EQ("survey", str(FullProjectName(ProjectType::NOTYPE, "", "", "Survey").getFullName()));
   EXPECT_EQ("Rondo:::survey", str(FullProjectName(ProjectType::RONDO, "", "", "survey").getFullName()));
   EXPECT_EQ("Kelp:s:h:survey", str(FullProjectName(vString("k"), "s", "h", "survey").getFullName()));
@@ -103,9 +102,8 @@ TEST(FullProjectName, FullNameLeavesOutBlankPartsReadsBackAndBadNames) {
               "Unknown PROJECT_TYPE name r:x.");
   expectFatal([] { FullProjectName n(ProjectType::RONDO, "srv:1", "h", "p"); }, "FullProjectName::FullProjectName()",
               "Invalid serverName for Store Name");
-}
 
-TEST(FullProjectName, ComparisonIsFieldByField) {
+  // Comparison is field by field.
   FullProjectName a(ProjectType::RONDO, "s", "h", "p");
   EXPECT_EQ(a, FullProjectName(vString("r:s:h:P")));
   EXPECT_NE(a, FullProjectName(ProjectType::RONDO, "s", "H", "p"));
@@ -121,7 +119,7 @@ void expectStore(FullStoreName const& n, char const* project, char const* store,
   EXPECT_EQ(set, str(n.getAttributeSetName()));
 }
 
-TEST(FullStoreName, TextForms) {
+TEST(FullStoreName, TextFormsAndParts) {
   // Folded before it is checked.
   expectStore(FullStoreName(vString("Line12")), "", "line12", 0, "");
   expectStore(FullStoreName(vString("survey:line12.3")), "survey", "line12", 3, "");
@@ -132,11 +130,9 @@ TEST(FullStoreName, TextForms) {
   // A non-numeric tail stays in the name and fails the character set.
   expectFatal([] { FullStoreName n(vString("p:seis.1x/set")); }, "FullStoreName::FullStoreName()",
               "Invalid store name 'seis.1x'");
-}
 
-TEST(FullStoreName, AGivenVersionTakesTheNameWholePartsSplitOne) {
+  // A given version takes the name whole; from parts, one is split off.
   expectStore(FullStoreName(vString("p:line12"), 7), "p", "line12", 7, "");
-
   // From parts, a version is split off a name that is invalid with it.
   FullProjectName project(ProjectType::RONDO, "srv", "h", "survey");
   expectStore(FullStoreName(project, "line12", 4, "set"), "Rondo:srv:h:survey", "line12", 4, "set");
