@@ -63,12 +63,6 @@ class SetStandIns {
   AttributeSetFactory::SetMaker m_client;
 };
 
-vHandle<Project> projectOn(char const* host, ProjectType::PROJECT_TYPE type) {
-  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
-  project->open("survey");
-  return project;
-}
-
 std::string notAvailable(char const* className) {
   return std::string("Class ") + className +
          " is not available: no maker is registered for it (see registerRondoClasses).";

@@ -158,10 +158,8 @@ TEST(ProjectFactory, DefaultProjectSetAndClearedOpenProjectTwiceGivesTheSameOpen
 
 TEST(UTProject, ScriptedStoresAreListedByClass) {
   UTProject p(vHandle<ProjectCatalog>(new UTProjectCatalog("uthostU2", ProjectType::UNITTEST)));
-  StoreDetails line(ProjectType::UNITTEST, "", "line12", 3);
-  line.setClass("seismic");
-  line.setSubClass("2d");
-  p.addStore(line);
+  p.addStore(
+      StoreDetails("line12", 3, "seismic", "2d", 0, "", "", vDate(vDate::Invalid), "", 0, 0, ProjectType::UNITTEST));
   p.addStore(StoreDetails(ProjectType::UNITTEST, "", "wells", 1));
   auto names = [&](char const* cls, char const* sub) {
     std::string all;
@@ -279,7 +277,7 @@ TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   EXPECT_EQ("nothing", lastMade());
 }
 
-TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
+TEST(ProjectFactory, TheHostIsResolvedOnlyForItsFailureAFailedOpenIsNotCachedButItsCatalogIs) {
   Recorder recorder;
   unsigned int cached = ProjectCatalogFactory::getCacheSize();
   expectFatal([] { ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::KELP, "127.0.0.67"); },
@@ -298,10 +296,9 @@ TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
   // Nor does a blank host.
   ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
   EXPECT_EQ("ClientProjectCatalog(, 1, )", lastMade());
-}
 
-TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
-  Recorder recorder;
+  // A failed open is not cached, but its catalog is.
+  madeLog.clear();
   DefaultProject guard;
   ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", &makeAbsentProject);
   unsigned int projects = ProjectFactory::getCacheSize();
@@ -327,13 +324,12 @@ TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
 }
 
 TEST(JITProjectDecorator, ContentCallsOpenFirstAndPlaceCallsDoNot) {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostJ3", ProjectType::UNITTEST));
-  char const* reason =
-      "Cannot open the project since the open method has not been called so we don't know what to open!";
-  vHandle<Project> inner(new UTProject(catalog));
+  vHandle<Project> inner(
+      new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("uthostJ3", ProjectType::UNITTEST))));
   UTProject* ut = static_cast<UTProject*>(inner.get());
   JITProjectDecorator jit(inner);
-  expectFatal([&] { jit.getAttributeSetDetails("x", 1); }, "JITProjectDecorator::makeSureIsOpen", reason);
+  expectFatal([&] { jit.getAttributeSetDetails("x", 1); }, "JITProjectDecorator::makeSureIsOpen",
+              "Cannot open the project since the open method has not been called so we don't know what to open!");
   // Where it is: passed on, never opening; closing what was never opened leaves the wrapped project alone.
   EXPECT_EQ("uthostJ3", str(jit.getProjectHost()));
   EXPECT_EQ("getProjectHost", str(ut->getLastCall()));

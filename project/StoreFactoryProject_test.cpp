@@ -21,12 +21,6 @@ namespace {
 
 using namespace factory_testing;
 
-vHandle<Project> projectOfType(ProjectType::PROJECT_TYPE type, char const* host) {
-  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
-  project->open("survey");
-  return project;
-}
-
 // The stores of UnitTest projects, while the in-memory store is not linked
 // in: stores on one shelf.
 std::shared_ptr<TestMemoryShelf>& projectShelf() {
@@ -52,14 +46,14 @@ TEST(StoreFactoryCreate, UnitTestProjectsNeedTheirClassOthersGetAStoreOfTheProje
   CleanQueue queue;
   {
     StandIn none("InMemoryStore", {nullptr, nullptr, nullptr, nullptr});
-    expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); },
+    expectFatal([] { StoreFactory::create(projectOn("127.0.0.91", ProjectType::UNITTEST)); },
                 "StoreFactory::create",
                 "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
   }
   AttributeSetFactory::clearAttributeSets();
   auto shelf = std::make_shared<TestMemoryShelf>();
   shelve(shelf, "line7");
-  vHandle<Project> project = projectOfType(ProjectType::RONDO, "127.0.0.92");
+  vHandle<Project> project = projectOn("127.0.0.92", ProjectType::RONDO);
   vHandle<Store> store = StoreFactory::create(project);
   EXPECT_EQ(nullptr, dynamic_cast<TestMemoryStore*>(store.get()));
   EXPECT_FALSE(store->isOpen());
@@ -113,8 +107,8 @@ TEST(StoreFactoryProjectServed, UpdateTheSetOfTheNameAndPushedStoresBeforeAnyPro
   StoreFactory::pushStore(second);
 
   // A Zonmesh project has no store class registered here: the queue is asked before the type.
-  vHandle<Store> a = StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93"));
-  vHandle<Store> b = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
+  vHandle<Store> a = StoreFactory::create(projectOn("127.0.0.93", ProjectType::ZONMESH));
+  vHandle<Store> b = StoreFactory::create(projectOn("127.0.0.93", ProjectType::UNITTEST));
   EXPECT_EQ(first.get(), a.get());
   EXPECT_TRUE(a->isOpen());  // handed over as it is
   EXPECT_EQ(second.get(), b.get());

@@ -22,6 +22,8 @@
 #include "foundation/TestReleaseTree.h"
 #include "foundation/vDatabases.h"
 #include "project/StoreFactory.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
 #include "testing/TestMemoryStore.h"
 
 namespace factory_testing {
@@ -40,6 +42,13 @@ inline std::vector<int> readInts(Store const& store, char const* name) {
   std::vector<int> values;
   for (unsigned int i = 1; i <= a.getNInstances(); ++i) values.push_back(a.getInt32(i));
   return values;
+}
+
+// A unit-test project "survey" on that host, of that type, open.
+inline vHandle<Project> projectOn(char const* host, ProjectType::PROJECT_TYPE type) {
+  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
+  project->open("survey");
+  return project;
 }
 
 inline KeyList cdpKeys() {
