@@ -54,10 +54,8 @@ class WrapperSetting {
     m_utProject = new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST)));
     m_project = vHandle<Project>(m_utProject);
     m_project->open("survey");
-    StoreDetails details(ProjectType::UNITTEST, "", "lines", 1);
-    details.setClass("seismic");
-    details.setSubClass("2d");
-    m_utProject->addStore(details);
+    m_utProject->addStore(
+        StoreDetails("lines", 1, "seismic", "2d", 0, "", "", vDate(vDate::Invalid), "", 0, 0, ProjectType::UNITTEST));
   }
   ~WrapperSetting() {
     CapiMaker::registerAttributeSetMaker(m_saved);

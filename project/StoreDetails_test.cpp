@@ -118,18 +118,13 @@ TEST(StoreDetails, RefusesForeignFrames) {
   magic.frame(6655, 7).end();
   version.frame(6654, -1).end();
   wide.frame(6654, 7).text("n").int32(1).text("c").text("s").int64(1LL << 32).end();
-  struct {
-    Bytes const* bytes;
-    char const* text;
-  } const cases[] = {
-      {&magic, "Expected 6654 as a magic number, but found 6655. Not a StoreDetails object here."},
-      {&version, "Expected a version number >= 0 ... not -1!"},
-      {&wide, "Instance count 4294967296 of store 'n' is out of range."},
-  };
-  for (auto const& c : cases) {
-    StoreDetails d;
-    expectFailure([&] { d.unpack(*c.bytes->reader()); }, "StoreDetails::unpack", c.text);
-  }
+  StoreDetails d;
+  expectFailure([&] { d.unpack(*magic.reader()); }, "StoreDetails::unpack",
+                "Expected 6654 as a magic number, but found 6655. Not a StoreDetails object here.");
+  expectFailure([&] { d.unpack(*version.reader()); }, "StoreDetails::unpack",
+                "Expected a version number >= 0 ... not -1!");
+  expectFailure([&] { d.unpack(*wide.reader()); }, "StoreDetails::unpack",
+                "Instance count 4294967296 of store 'n' is out of range.");
 }
 
 TEST(StoreDetails, ComparesAndOrders) {
@@ -165,16 +160,15 @@ TEST(AttributeSetDetails, PacksNameAndA32BitCountReadsTheWideOneOfLaterVersions)
   Bytes b;
   b.frame(8765, 2).text("set").int64(12).text("later").end().int32(7);
   std::unique_ptr<Packer> reader = b.reader();
-  AttributeSetDetails d;
-  d.unpack(*reader);
-  EXPECT_EQ(AttributeSetDetails("set", 12), d);
+  back.unpack(*reader);
+  EXPECT_EQ(AttributeSetDetails("set", 12), back);
   int after = 0;
   reader->unpack(after);
   EXPECT_EQ(7, after);
 
   Bytes bad;
   bad.frame(8766, 1).end();
-  expectFailure([&] { d.unpack(*bad.reader()); }, "AttributeSetDetails::unpack",
+  expectFailure([&] { back.unpack(*bad.reader()); }, "AttributeSetDetails::unpack",
                 "Wrong magic number 8766, expected 8765.");
 }
 

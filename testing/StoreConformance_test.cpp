@@ -83,10 +83,8 @@ vHandle<AttributeSet> wrapped(Opening how) {
   wrapperShelf() = referenceShelf();
   UTProject* project = new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST)));
   project->open("survey");
-  StoreDetails details(ProjectType::UNITTEST, "", kStore, 1);
-  details.setClass("seismic");
-  details.setSubClass("3d");
-  project->addStore(details);
+  project->addStore(
+      StoreDetails(kStore, 1, "seismic", "3d", 0, "", "", vDate(vDate::Invalid), "", 0, 0, ProjectType::UNITTEST));
   vHandle<AttributeSet> set(new CapiAttributeSetW(vHandle<Project>(project)));
   if (how == kUpdate)
     set->update(kStore, 1, "", "", nullptr);
