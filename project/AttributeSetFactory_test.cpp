@@ -128,7 +128,7 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   EXPECT_TRUE(recording.errors().empty());
 }
 
-TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOverKnownOnesNeedTheirClass) {
+TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedKnownOnesNeedTheirClassTranslationsForRondoAndKelp) {
   SetStandIns standIns;
   vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
   {
@@ -162,16 +162,8 @@ TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOverKnownOnesNeedT
     EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
     EXPECT_TRUE(recording.errors().empty());
   }
-  AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", profiling);
-  AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
-}
-
-// "TRANSLATIONS" switches translation on for Rondo and Kelp projects unless
-// its first value is "no"; without it no set is translated.
-TEST(AttributeSetFactoryWrap, TranslationsForRondoAndKelpProjects) {
-  SetStandIns standIns;
-  AttributeSetFactory::DecoratorMaker translating =
-      AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", nullptr);
+  // "TRANSLATIONS" switches translation on for Rondo and Kelp projects unless
+  // its first value is "no"; without it no set is translated.
   auto bare = [](ProjectType::PROJECT_TYPE type) {
     return dynamic_cast<TestMemoryAttributeSet*>(AttributeSetFactory::create(projectOn("127.0.0.107", type)).get()) !=
            nullptr;
@@ -187,6 +179,7 @@ TEST(AttributeSetFactoryWrap, TranslationsForRondoAndKelpProjects) {
     PropertyTree properties(present ? PropertyTree::record("CAPI", "TRANSLATIONS", "value= No value= yes") : "");
     EXPECT_TRUE(bare(ProjectType::RONDO)) << present;
   }
+  AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", profiling);
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
 }
 

@@ -124,8 +124,16 @@ TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   EXPECT_NE(mapped().below, store.get());
 }
 
-TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
+TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMadeByTheirMakers) {
   TestReleaseTree tree;
+  {
+    // A class registered without the maker of the act is no help to it.
+    StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
+    StoreDescription txt = fileIn(tree, "wells.txt");
+    expectFatal([&] { StoreFactory::createStore(txt, "", KeyList(), nullptr); }, kCreate.c_str(),
+                cannotHandle(path(txt), "txt"));
+    EXPECT_TRUE(seen().empty());
+  }
   StandIn segy("SegyDiskStore", fileMakers());
   StandIn ascii("AsciiDiskStore", fileMakers());
   StandIn shapes("ShapefileDiskStore", fileMakers());
@@ -149,16 +157,6 @@ TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
     EXPECT_EQ("outlines", seen()[0].setName);
     EXPECT_EQ(d, seen()[0].description) << c.name;
   }
-}
-
-// A class registered without the maker of the act is no help to it.
-TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStoreOrItsMaker) {
-  TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "wells.txt");
-  StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
-  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
-              cannotHandle(path(d), "txt"));
-  EXPECT_TRUE(seen().empty());
 }
 
 // Shapefiles only by their exact extensions, seismic by the lower-cased
