@@ -128,7 +128,7 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   EXPECT_TRUE(recording.errors().empty());
 }
 
-TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedKnownOnesNeedTheirClassTranslationsForRondoAndKelp) {
+TEST(AttributeSetFactoryWrap, DecoratorWordsAndTheTranslationRule) {
   SetStandIns standIns;
   vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
   {

@@ -75,7 +75,7 @@ class WrapperSetting {
 
 // Reads before opening and a blank class asked of the project are the
 // conformance suite's; here the rest.
-TEST(CapiAttributeSetW, ClosingDropsTheSetAGivenClassNeedsNoQuestionTheMakerGetsTheRealProject) {
+TEST(CapiAttributeSetW, CloseAGivenClassAndADeferredProject) {
   WrapperSetting setting;
   CapiAttributeSetW w(setting.project());
   w.open("lines", 1, "", "", nullptr);

@@ -83,7 +83,7 @@ void expectProject(FullProjectName const& n, ProjectType::PROJECT_TYPE type, cha
   EXPECT_EQ(project, str(n.getProject()));
 }
 
-TEST(FullProjectName, FullNameLeavesOutBlankPartsReadsBackComparesAndBadNames) {
+TEST(FullProjectName, TextFormsComparisonAndBadNames) {
   EXPECT_EQ("survey", str(FullProjectName(ProjectType::NOTYPE, "", "", "Survey").getFullName()));
   EXPECT_EQ("Rondo:::survey", str(FullProjectName(ProjectType::RONDO, "", "", "survey").getFullName()));
   EXPECT_EQ("Kelp:s:h:survey", str(FullProjectName(vString("k"), "s", "h", "survey").getFullName()));

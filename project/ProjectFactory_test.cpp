@@ -117,7 +117,7 @@ TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerClust
   EXPECT_EQ("utcluster", str(p->getProjectHost()));
 }
 
-TEST(ProjectFactory, DefaultProjectSetAndClearedOpenProjectTwiceGivesTheSameOpenObject) {
+TEST(ProjectFactory, DefaultProjectAndTheCacheOfOpenProjects) {
   DefaultProject guard;
   EXPECT_FALSE(ProjectFactory::hasDefaultProject());
   expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
@@ -277,7 +277,7 @@ TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   EXPECT_EQ("nothing", lastMade());
 }
 
-TEST(ProjectFactory, TheHostIsResolvedOnlyForItsFailureAFailedOpenIsNotCachedButItsCatalogIs) {
+TEST(ProjectFactory, FailedHostsAndOpensAreNotCachedButTheirCatalogIs) {
   Recorder recorder;
   unsigned int cached = ProjectCatalogFactory::getCacheSize();
   expectFatal([] { ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::KELP, "127.0.0.67"); },

@@ -67,7 +67,7 @@ TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
 }
 
 // The guards that name no attribute; the others are the store suite's.
-TEST(StoreImp, RefusesAllButOpeningBeforeItIsOpenOpensOnceAndCreatesOnlyUnderItsOwnName) {
+TEST(StoreImp, GuardsOfOpeningAndCreating) {
   auto shelf = shelfWithStoreA();
   TestMemoryStore store(vHandle<Project>(), shelf);
   expectFailure([&] { store.getAttributeList(); }, "StoreImp::getAttributeList", "The store has not been opened yet!");
