@@ -50,9 +50,7 @@ TEST(ProjectDescription, TextWithoutATypeFlatFilesMemoryAndKelpReservedHosts) {
   EXPECT_EQ("/data/lines", str(f.getPath()));
   EXPECT_EQ("FlatFile:/data/lines/a.sgy:/data/lines", str(f.toString()));
 
-  ProjectDescription remote(vString("flatfile:hostF:/data/b.txt"));
-  EXPECT_EQ("hostF", str(remote.getDataHost()));
-  EXPECT_EQ("/data", str(remote.getProjectName()));
+  expectCatalog(ProjectDescription(vString("flatfile:hostF:/data/b.txt")), ProjectType::FLATFILE, "", "hostF", "/data");
 
   ProjectDescription m(vString("i:"));
   EXPECT_TRUE(m.isInMemory());

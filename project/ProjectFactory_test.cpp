@@ -98,11 +98,9 @@ class Recorder {
 TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerCluster) {
   Recorder recorder;
   vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
-  vHandle<ProjectCatalog> c = ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11");
+  EXPECT_EQ(a.get(), ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB").get());
+  EXPECT_EQ(a.get(), ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11").get());
   EXPECT_EQ(1u, madeLog.size());
-  EXPECT_EQ(a.get(), b.get());
-  EXPECT_EQ(a.get(), c.get());
   EXPECT_NE(a.get(), ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA").get());
 
   // Hosts of one cluster share a catalog.
@@ -134,8 +132,7 @@ TEST(ProjectFactory, DefaultProjectAndTheCacheOfOpenProjects) {
   EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
 
   vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
-  vHandle<Project> b = ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey")));
-  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ(a.get(), ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey"))).get());
 
   // The type does not take part in the search: the project is where it is.
   EXPECT_EQ(a.get(), ProjectFactory::openProject(ProjectType::RONDO, "", "uthostO1", "survey").get());
