@@ -25,23 +25,21 @@ namespace {
 
 using namespace factory_testing;
 
-struct Made {
-  std::string className;
-  Project* project;
-};
-
-std::vector<Made>& made() {
-  static std::vector<Made> all;
+// The classes made, in order, and the project of the last one.
+std::vector<std::string>& made() {
+  static std::vector<std::string> all;
   return all;
 }
 
-vHandle<AttributeSet> makeInMemory(vHandle<Project> const& project) {
-  made().push_back({"InMemoryAttributeSet", project.get()});
-  return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, std::make_shared<TestMemoryShelf>()));
+Project*& madeFor() {
+  static Project* project = nullptr;
+  return project;
 }
 
-vHandle<AttributeSet> makeClient(vHandle<Project> const& project) {
-  made().push_back({"ClientAttributeSet", project.get()});
+template <bool kClient>
+vHandle<AttributeSet> makeSet(vHandle<Project> const& project) {
+  made().push_back(kClient ? "ClientAttributeSet" : "InMemoryAttributeSet");
+  madeFor() = project.get();
   return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, std::make_shared<TestMemoryShelf>()));
 }
 
@@ -49,8 +47,8 @@ vHandle<AttributeSet> makeClient(vHandle<Project> const& project) {
 class SetStandIns {
  public:
   SetStandIns()
-      : m_inMemory(AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemory)),
-        m_client(AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClient)) {
+      : m_inMemory(AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeSet<false>)),
+        m_client(AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeSet<true>)) {
     made().clear();
     AttributeSetFactory::clearAttributeSets();
   }
@@ -64,12 +62,6 @@ class SetStandIns {
   AttributeSetFactory::SetMaker m_inMemory;
   AttributeSetFactory::SetMaker m_client;
 };
-
-vHandle<Project> projectOn(char const* host, ProjectType::PROJECT_TYPE type) {
-  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
-  project->open("survey");
-  return project;
-}
 
 std::string notAvailable(char const* className) {
   return std::string("Class ") + className +
@@ -87,9 +79,8 @@ TEST(AttributeSetFactoryCreate, ClassByProjectTypeAndHost) {
   vHandle<Project> deferred(jit);
   deferred->open("survey");
   vHandle<AttributeSet> set = AttributeSetFactory::create(deferred);
-  ASSERT_EQ(1u, made().size());
-  EXPECT_EQ("InMemoryAttributeSet", made()[0].className);
-  EXPECT_EQ(inner.get(), made()[0].project);
+  EXPECT_EQ(std::vector<std::string>{"InMemoryAttributeSet"}, made());
+  EXPECT_EQ(inner.get(), madeFor());
   EXPECT_TRUE(jit->isReallyOpen());
 
   std::string const here = str(vUtl::gethostname());
@@ -97,9 +88,7 @@ TEST(AttributeSetFactoryCreate, ClassByProjectTypeAndHost) {
   EXPECT_NE(nullptr, dynamic_cast<CapiAttributeSetW*>(set.get()));
   AttributeSetFactory::create(projectOn("127.0.0.101", ProjectType::ZONMESH));
   AttributeSetFactory::create(projectOn(here.c_str(), ProjectType::RONDO));
-  ASSERT_EQ(3u, made().size());
-  EXPECT_EQ("ClientAttributeSet", made()[1].className);
-  EXPECT_EQ("ClientAttributeSet", made()[2].className);
+  EXPECT_EQ((std::vector<std::string>{"InMemoryAttributeSet", "ClientAttributeSet", "ClientAttributeSet"}), made());
 }
 
 // The switch is read once per process: the case runs in a process of its
@@ -139,21 +128,20 @@ TEST(AttributeSetFactoryQueue, PushedSetsFirstInFirstOutAndUnwrapped) {
   EXPECT_TRUE(recording.errors().empty());
 }
 
-TEST(AttributeSetFactoryWrap, UnknownWordsAreReportedAndPassedOver) {
-  SetStandIns standIns;
-  PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
-                          PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
-  Recording recording;
-  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
-  EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("mywrappers", set).get());
-  EXPECT_EQ((std::vector<std::string>{"AttributeSetFactory::mySetWrapper: Unknown decorator request TIMING, ignored.",
-                                      "AttributeSetFactory::mySetWrapper: Unknown decorator request CACHE, ignored."}),
-            recording.errors());
-}
-
-TEST(AttributeSetFactoryWrap, KnownWordsNeedTheirDecoratorClass) {
+TEST(AttributeSetFactoryWrap, DecoratorWordsAndTheTranslationRule) {
   SetStandIns standIns;
   vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  {
+    PropertyTree properties(PropertyTree::record("capi", "MyWrappers", "value= timing value= Cache") +
+                            PropertyTree::record("CAPI", "AttributeSetDecorators", "value= bogus"));
+    Recording recording;
+    EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("mywrappers", set).get());
+    EXPECT_EQ((std::vector<std::string>{
+                  "AttributeSetFactory::mySetWrapper: Unknown decorator request TIMING, ignored.",
+                  "AttributeSetFactory::mySetWrapper: Unknown decorator request CACHE, ignored."}),
+              recording.errors());
+  }
+  // Known words need their decorator class.
   AttributeSetFactory::DecoratorMaker profiling =
       AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", nullptr);
   AttributeSetFactory::DecoratorMaker translating =
@@ -174,16 +162,8 @@ TEST(AttributeSetFactoryWrap, KnownWordsNeedTheirDecoratorClass) {
     EXPECT_EQ(set.get(), AttributeSetFactory::mySetWrapper("AttributeSetDecorators", set).get());
     EXPECT_TRUE(recording.errors().empty());
   }
-  AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", profiling);
-  AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
-}
-
-// "TRANSLATIONS" switches translation on for Rondo and Kelp projects unless
-// its first value is "no"; without it no set is translated.
-TEST(AttributeSetFactoryWrap, TranslationsForRondoAndKelpProjects) {
-  SetStandIns standIns;
-  AttributeSetFactory::DecoratorMaker translating =
-      AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", nullptr);
+  // "TRANSLATIONS" switches translation on for Rondo and Kelp projects unless
+  // its first value is "no"; without it no set is translated.
   auto bare = [](ProjectType::PROJECT_TYPE type) {
     return dynamic_cast<TestMemoryAttributeSet*>(AttributeSetFactory::create(projectOn("127.0.0.107", type)).get()) !=
            nullptr;
@@ -199,6 +179,7 @@ TEST(AttributeSetFactoryWrap, TranslationsForRondoAndKelpProjects) {
     PropertyTree properties(present ? PropertyTree::record("CAPI", "TRANSLATIONS", "value= No value= yes") : "");
     EXPECT_TRUE(bare(ProjectType::RONDO)) << present;
   }
+  AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", profiling);
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", translating);
 }
 

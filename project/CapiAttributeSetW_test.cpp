@@ -54,10 +54,8 @@ class WrapperSetting {
     m_utProject = new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST)));
     m_project = vHandle<Project>(m_utProject);
     m_project->open("survey");
-    StoreDetails details(ProjectType::UNITTEST, "", "lines", 1);
-    details.setClass("seismic");
-    details.setSubClass("2d");
-    m_utProject->addStore(details);
+    m_utProject->addStore(
+        StoreDetails("lines", 1, "seismic", "2d", 0, "", "", vDate(vDate::Invalid), "", 0, 0, ProjectType::UNITTEST));
   }
   ~WrapperSetting() {
     CapiMaker::registerAttributeSetMaker(m_saved);
@@ -77,7 +75,7 @@ class WrapperSetting {
 
 // Reads before opening and a blank class asked of the project are the
 // conformance suite's; here the rest.
-TEST(CapiAttributeSetW, ClosingDropsTheSet) {
+TEST(CapiAttributeSetW, CloseAGivenClassAndADeferredProject) {
   WrapperSetting setting;
   CapiAttributeSetW w(setting.project());
   w.open("lines", 1, "", "", nullptr);
@@ -85,26 +83,19 @@ TEST(CapiAttributeSetW, ClosingDropsTheSet) {
   w.close();
   EXPECT_TRUE(w.getAttributeSet().isEmpty());
   expectFailure([&] { w.close(); }, "CapiAttributeSetW::close", "The AttributeSet has not been opened yet.");
-}
 
-TEST(CapiAttributeSetW, AGivenClassNeedsNoQuestion) {
-  WrapperSetting setting;
-  CapiAttributeSetW w(setting.project());
   setting.utProject().isOpen();  // marks the last call
   w.update("lines", 0, "seismic", "2d", nullptr);
   EXPECT_EQ("isOpen", str(setting.utProject().getLastCall()));
   w.addInstances(2);
   EXPECT_EQ(3u, w.getNInstances());
   w.close();
-  // A created set takes the class given.
   w.create("new", "shapes", "polygon", KeyList(), nullptr);
   EXPECT_EQ("shapes", log().storeClass);
   EXPECT_EQ("shapes", str(w.getClass()));
   w.close();
-}
 
-TEST(CapiAttributeSetW, TheMakerGetsTheProjectOutOfADeferredWrapper) {
-  WrapperSetting setting;
+  // The maker gets the project out of a deferred wrapper.
   vHandle<Project> inner(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST))));
   JITProjectDecorator* deferred = new JITProjectDecorator(inner);
   vHandle<Project> outer(deferred);

@@ -17,18 +17,16 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-TEST(ProjectType, NamesOfAllTypes) {
+TEST(ProjectType, NamesOfAllTypesAndTheirAcceptedSpellings) {
   char const* names[] = {"NoType", "Rondo", "Kelp", "Dorn", "UnitTest", "FlatFile", "Memory", "InMemory", "Zonmesh"};
   for (int t = 0; t <= 8; ++t) {
     EXPECT_EQ(names[t], str(ProjectType::getProjectTypeName(t)));
-    // Every name reads back as its own type.
     EXPECT_EQ(t, ProjectType::getProjectType(ProjectType::getProjectTypeName(t)));
   }
   expectFatal([] { ProjectType::getProjectTypeName(9); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE 9.");
   expectFatal([] { ProjectType::getProjectTypeName(-1); }, "ProjectType::getProjectTypeName", "Unknown PROJECT_TYPE -1.");
-}
 
-TEST(ProjectType, AcceptedSpellingsIgnoreCaseOthersAreUnknown) {
+  // Accepted spellings ignore case; others are unknown.
   struct {
     char const* text;
     ProjectType::PROJECT_TYPE type;
@@ -85,16 +83,7 @@ void expectProject(FullProjectName const& n, ProjectType::PROJECT_TYPE type, cha
   EXPECT_EQ(project, str(n.getProject()));
 }
 
-TEST(FullProjectName, BadTypeAndServerNames) {
-  // A fifth field makes the type name hold a colon.
-  expectFatal([] { FullProjectName n(vString("r:x:srv:h:p")); }, "ProjectType::getProjectType",
-              "Unknown PROJECT_TYPE name r:x.");
-
-  expectFatal([] { FullProjectName n(ProjectType::RONDO, "srv:1", "h", "p"); }, "FullProjectName::FullProjectName()",
-              "Invalid serverName for Store Name");
-}
-
-TEST(FullProjectName, FullNameLeavesOutBlankPartsAndReadsBack) {
+TEST(FullProjectName, TextFormsComparisonAndBadNames) {
   EXPECT_EQ("survey", str(FullProjectName(ProjectType::NOTYPE, "", "", "Survey").getFullName()));
   EXPECT_EQ("Rondo:::survey", str(FullProjectName(ProjectType::RONDO, "", "", "survey").getFullName()));
   EXPECT_EQ("Kelp:s:h:survey", str(FullProjectName(vString("k"), "s", "h", "survey").getFullName()));
@@ -102,16 +91,19 @@ TEST(FullProjectName, FullNameLeavesOutBlankPartsAndReadsBack) {
   // An empty type name is no type.
   expectProject(FullProjectName(vString(":srv:hostA:survey")), ProjectType::NOTYPE, "srv", "hostA", "survey");
   expectProject(FullProjectName(vString("")), ProjectType::NOTYPE, "", "", "");
-  // Every full name reads back as the name it came from.
   FullProjectName const names[] = {FullProjectName(ProjectType::NOTYPE, "s", "", "p"),
                                    FullProjectName(ProjectType::UNITTEST, "s", "", "")};
   for (FullProjectName const& n : names) {
     FullProjectName back(n.getFullName());
     EXPECT_EQ(n, back) << n.getFullName().c_str();
   }
-}
+  // A fifth field makes the type name hold a colon.
+  expectFatal([] { FullProjectName n(vString("r:x:srv:h:p")); }, "ProjectType::getProjectType",
+              "Unknown PROJECT_TYPE name r:x.");
+  expectFatal([] { FullProjectName n(ProjectType::RONDO, "srv:1", "h", "p"); }, "FullProjectName::FullProjectName()",
+              "Invalid serverName for Store Name");
 
-TEST(FullProjectName, ComparisonIsFieldByField) {
+  // Comparison is field by field.
   FullProjectName a(ProjectType::RONDO, "s", "h", "p");
   EXPECT_EQ(a, FullProjectName(vString("r:s:h:P")));
   EXPECT_NE(a, FullProjectName(ProjectType::RONDO, "s", "H", "p"));
@@ -120,8 +112,6 @@ TEST(FullProjectName, ComparisonIsFieldByField) {
   EXPECT_FALSE(a < a);
 }
 
-// --- FullStoreName ----------------------------------------------------------
-
 void expectStore(FullStoreName const& n, char const* project, char const* store, int version, char const* set) {
   EXPECT_EQ(project, str(n.getFullProjectName().getFullName()));
   EXPECT_EQ(store, str(n.getStoreName()));
@@ -129,25 +119,20 @@ void expectStore(FullStoreName const& n, char const* project, char const* store,
   EXPECT_EQ(set, str(n.getAttributeSetName()));
 }
 
-TEST(FullStoreName, TextForms) {
+TEST(FullStoreName, TextFormsAndParts) {
+  // Folded before it is checked.
   expectStore(FullStoreName(vString("Line12")), "", "line12", 0, "");
   expectStore(FullStoreName(vString("survey:line12.3")), "survey", "line12", 3, "");
   expectStore(FullStoreName(vString("r:srv:h:survey:line12.3/set")), "Rondo:srv:h:survey", "line12", 3, "set");
   expectStore(FullStoreName(vString("h:survey:")), "h:survey", "", 0, "");
   // The version comes from the last '.': digits before it stay in the name.
   expectStore(FullStoreName(vString("a_1-2,3.12")), "", "a_1-2,3", 12, "");
-}
-
-TEST(FullStoreName, NonNumericTailStaysInTheNameAndFailsTheCharacterSet) {
+  // A non-numeric tail stays in the name and fails the character set.
   expectFatal([] { FullStoreName n(vString("p:seis.1x/set")); }, "FullStoreName::FullStoreName()",
               "Invalid store name 'seis.1x'");
-  // The name is folded before it is checked.
-  expectStore(FullStoreName(vString("SEIS")), "", "seis", 0, "");
-}
 
-TEST(FullStoreName, AGivenVersionTakesTheNameWholePartsSplitOne) {
+  // A given version takes the name whole; from parts, one is split off.
   expectStore(FullStoreName(vString("p:line12"), 7), "p", "line12", 7, "");
-
   // From parts, a version is split off a name that is invalid with it.
   FullProjectName project(ProjectType::RONDO, "srv", "h", "survey");
   expectStore(FullStoreName(project, "line12", 4, "set"), "Rondo:srv:h:survey", "line12", 4, "set");
@@ -158,7 +143,7 @@ TEST(FullStoreName, AGivenVersionTakesTheNameWholePartsSplitOne) {
               "Invalid dataset name 'line.x' ");
 }
 
-TEST(FullStoreName, BriefAndFullNames) {
+TEST(FullStoreName, BriefAndFullNamesReadBack) {
   FullProjectName project(ProjectType::NOTYPE, "", "h", "survey");
   EXPECT_EQ("line", str(FullStoreName(project, "line", 0).getBriefName()));
   EXPECT_EQ("line.3", str(FullStoreName(project, "line", 3).getBriefName()));
@@ -166,9 +151,6 @@ TEST(FullStoreName, BriefAndFullNames) {
   EXPECT_EQ("h:survey:line.3/set", str(FullStoreName(project, "line", 3, "set").getFullName()));
   // No leading ':' for a store without a project.
   EXPECT_EQ("line/set", str(FullStoreName(vString("line/set")).getFullName()));
-}
-
-TEST(FullStoreName, TextRoundTrip) {
   char const* texts[] = {"s::survey:line.2", "Rondo:s:h:p:x.1/y"};
   for (char const* t : texts) {
     FullStoreName n{vString(t)};
@@ -203,8 +185,6 @@ TEST(FullStoreNameDeathTest, CharacterSetFromTheSiteConfiguration) {
       ::testing::ExitedWithCode(0), "");
 }
 
-// --- database store names ---------------------------------------------------
-
 void expectParts(NameDetails const& n, char const* type, char const* version, char const* ident, char const* domain) {
   EXPECT_EQ(type, str(n.getType()));
   EXPECT_EQ(version, str(n.getVersion()));
@@ -212,7 +192,7 @@ void expectParts(NameDetails const& n, char const* type, char const* version, ch
   EXPECT_EQ(domain, str(n.getDomain()));
 }
 
-TEST(NameDetails, PartsAreUpperCaseAndReadBack) {
+TEST(NameDetails, PartsAreUpperCaseReadBackAndNeedADomainButForSGD) {
   NameDetails n(vString("sgy,1,Line12,north"));
   expectParts(n, "SGY", "1", "LINE12", "NORTH");
   EXPECT_EQ("SGY,1,LINE12,NORTH", str(n.getName()));
@@ -233,17 +213,12 @@ TEST(NameDetails, PartsAreUpperCaseAndReadBack) {
   vString built;
   NameDetails::buildName("hz", "3", "top", "", built);
   EXPECT_EQ("hz,3,top", str(built));
-}
 
-TEST(NameDetails, ADomainIsNeededButForSGD) {
-  char const* format =
-      "Store names for Zonmesh have to have 4 parts separated by ,. Type,version,ident,domain. '%s' does not do "
-      "this.";
-  NameDetails n(vString("hz,1,top,north"));
-  std::string reason(format);
-  reason.replace(reason.find("%s"), 2, "sgdx,1,a");
-  expectFatal([&] { n.load("sgdx,1,a"); }, "NameDetails::load", reason);
-  // A refused name leaves the parts as they were.
+  // A domain is needed but for SGD; a refused name leaves the parts as they were.
+  n.load("hz,1,top,north");
+  expectFatal([&] { n.load("sgdx,1,a"); }, "NameDetails::load",
+              "Store names for Zonmesh have to have 4 parts separated by ,. Type,version,ident,domain. 'sgdx,1,a' "
+              "does not do this.");
   expectParts(n, "HZ", "1", "TOP", "NORTH");
 }
 

@@ -7,46 +7,17 @@
 #include <string>
 
 #include "foundation/TestReleaseTree.h"
-#include "foundation/vDatabases.h"
 #include "foundation/vUtl.h"
 #include "project/CapiProject.h"
 #include "project/ProjectDescription.h"
-#include "project/ProjectFactory.h"
-#include "project/UTProject.h"
-#include "project/UTProjectCatalog.h"
+#include "project/ProjectTesting.h"
 
 namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-// A default project on host "defhost" named "defproj" while it lives (none
-// when `withDefault` is false); the former default comes back afterwards.
-class DefaultProject {
- public:
-  explicit DefaultProject(bool withDefault) {
-    vHandle<Project> project;
-    if (withDefault) {
-      project = vHandle<Project>(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("defhost", ProjectType::UNITTEST))));
-      project->open("defproj");
-    }
-    m_saved = ProjectFactory::setDefaultProject(project);
-  }
-  ~DefaultProject() { ProjectFactory::setDefaultProject(m_saved); }
-
- private:
-  vHandle<Project> m_saved;
-};
-
-// The site's databases for Dorn servers, while it lives.
-class SiteDatabases {
- public:
-  SiteDatabases() {
-    vDatabases dbs;
-    dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
-    vDatabases::setCache(dbs);
-  }
-  ~SiteDatabases() { vDatabases::clearCache(); }
-};
+using project_testing::DefaultProject;
+using project_testing::SiteDatabases;
 
 void expectCatalog(ProjectDescription const& d, ProjectType::PROJECT_TYPE type, std::string const& server,
                    std::string const& host, char const* project) {
@@ -62,7 +33,7 @@ TEST(ProjectDescription, BlankFieldsComeFromTheDefaultProject) {
   expectCatalog(ProjectDescription(vString("survey")), ProjectType::NOTYPE, "", "defhost", "survey");
 }
 
-TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
+TEST(ProjectDescription, TextWithoutATypeFlatFilesMemoryAndKelpReservedHosts) {
   DefaultProject none(false);
   ProjectDescription d(vString("srv:hostA:survey"));
   expectCatalog(d, ProjectType::NOTYPE, "srv", "hostA", "survey");
@@ -73,25 +44,27 @@ TEST(ProjectDescription, TextWithoutATypeIsAFullProjectName) {
   // In the place of a type, only a type.
   expectFatal([] { ProjectDescription d2(vString("venus:srv:hostA:p")); }, "ProjectDescription(vString)",
               "Unknown project type 'venus'.");
-}
 
-TEST(ProjectDescription, FlatFilesAndMemory) {
-  DefaultProject none(false);
   ProjectDescription f(vString("f:/data/lines/a.sgy:"));
   EXPECT_TRUE(f.isFlatFile());
   EXPECT_EQ("/data/lines", str(f.getPath()));
   EXPECT_EQ("FlatFile:/data/lines/a.sgy:/data/lines", str(f.toString()));
 
-  ProjectDescription remote(vString("flatfile:hostF:/data/b.txt"));
-  EXPECT_EQ("hostF", str(remote.getDataHost()));
-  EXPECT_EQ("/data", str(remote.getProjectName()));
+  expectCatalog(ProjectDescription(vString("flatfile:hostF:/data/b.txt")), ProjectType::FLATFILE, "", "hostF", "/data");
 
   ProjectDescription m(vString("i:"));
   EXPECT_TRUE(m.isInMemory());
   EXPECT_EQ("InMemory:", str(m.toString()));
+
+  // Kelp's reserved data hosts run no server.
+  expectFatal([] { ProjectDescription d{vString("k::KelpArchive:p")}; }, "ProjectCatalogDescription::setCapi()",
+              "'KelpArchive' is a reserved Kelp data host that runs no data server; use the Kelp data server "
+              "'kelpserver'.");
+  EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
+  EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
 }
 
-TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
+TEST(ProjectDescription, DornServersMustBeKnownDatabasesEqualityAndOrder) {
   DefaultProject none(false);
   TestReleaseTree tree;
   SiteDatabases site;
@@ -106,64 +79,8 @@ TEST(ProjectDescription, DornServersMustBeKnownDatabases) {
   // A blank server is the site's default server.
   tree.setEnv("DORNSERVER", "hdev");
   expectCatalog(ProjectDescription(vString("d::hostA:p")), ProjectType::DORN, "hdev", "hostA", "p");
-}
 
-TEST(ProjectDescription, KelpReservedDataHostsAreRefused) {
-  DefaultProject none(false);
-  try {
-    ProjectDescription d{vString("k::KelpArchive:p")};
-    ADD_FAILURE();
-  } catch (UtlExcept const& e) {
-    EXPECT_EQ("ProjectCatalogDescription::setCapi()", str(e.getMethod()));
-    EXPECT_NE(std::string::npos, str(e.getReason()).find("Kelp data server 'kelpserver'")) << str(e.getReason());
-  }
-  EXPECT_EQ("kelpserver", str(ProjectCatalogDescription::getReservedDataHostServer("KELPVAULT")));
-  EXPECT_EQ("", str(ProjectCatalogDescription::getReservedDataHostServer("kelpserver")));
-}
-
-TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnly) {
-  DefaultProject none(false);
-  ProjectCatalogDescription d;
-  expectFatal([&] { d.setCapi(ProjectType::FLATFILE, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
-              "ProjectType must be either DORN, RONDO or KELP");
-  // An in-memory catalog is taken, as no Capi one.
-  d.setCapi(ProjectType::INMEMORY, "hprod", "h");
-  EXPECT_FALSE(d.isCapi());
-  EXPECT_TRUE(d.isInMemory());
-  EXPECT_EQ("InMemory:", str(d.toString()));
-  d.setFlatFile(vFilename("/x/y.txt"));
-  d.setCapi(ProjectType::UNITTEST, "s", "h");
-  EXPECT_EQ("", str(d.getFlatFileName().getFilename()));
-  EXPECT_EQ("UnitTest:s:h:", str(d.toString()));
-  // A catalog description takes no project from a flat file.
-  d.setFlatFile(vFilename("/x/y.txt"));
-  EXPECT_EQ("FlatFile:/x/y.txt:", str(d.toString()));
-  ProjectCatalogDescription none2;
-  none2.setDefaultProjectType();
-  EXPECT_EQ(ProjectType::RONDO, none2.getProjectType());
-}
-
-TEST(ProjectCatalogDescription, SetCapiCompletesABlankHost) {
-  ProjectCatalogDescription d;
-  {
-    DefaultProject def(true);
-    d.setCapi(ProjectType::UNITTEST, "s", "  ");
-    EXPECT_EQ("defhost", str(d.getDataHost()));
-    // A Kelp server left blank is the completed host.
-    d.setCapi(ProjectType::KELP, "", "");
-    EXPECT_EQ("defhost", str(d.getServerHost()));
-  }
-  {
-    DefaultProject none(false);
-    d.setCapi(ProjectType::ZONMESH, "centre", "");
-    EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
-  }
-}
-
-TEST(ProjectCatalogDescription, EqualityAndOrder) {
-  DefaultProject none(false);
-  TestReleaseTree tree;
-  SiteDatabases site;
+  // Catalog descriptions are equal where they place the catalog alike.
   auto cat = [](ProjectType::PROJECT_TYPE t, char const* server, char const* host) {
     ProjectCatalogDescription d;
     d.setCapi(t, server, host);
@@ -193,6 +110,38 @@ TEST(ProjectCatalogDescription, EqualityAndOrder) {
   EXPECT_EQ(FullProjectName(vString("rondo:s:h:alpha")), p1.getFullProjectName());
 }
 
+TEST(ProjectCatalogDescription, SetCapiTakesCatalogTypesOnlyAndCompletesABlankHost) {
+  DefaultProject none(false);
+  ProjectCatalogDescription d;
+  expectFatal([&] { d.setCapi(ProjectType::FLATFILE, "s", "h"); }, "ProjectCatalogDescription::setCapi()",
+              "ProjectType must be either DORN, RONDO or KELP");
+  // An in-memory catalog is taken, as no Capi one.
+  d.setCapi(ProjectType::INMEMORY, "hprod", "h");
+  EXPECT_FALSE(d.isCapi());
+  EXPECT_TRUE(d.isInMemory());
+  EXPECT_EQ("InMemory:", str(d.toString()));
+  d.setFlatFile(vFilename("/x/y.txt"));
+  d.setCapi(ProjectType::UNITTEST, "s", "h");
+  EXPECT_EQ("", str(d.getFlatFileName().getFilename()));
+  EXPECT_EQ("UnitTest:s:h:", str(d.toString()));
+  // A catalog description takes no project from a flat file.
+  d.setFlatFile(vFilename("/x/y.txt"));
+  EXPECT_EQ("FlatFile:/x/y.txt:", str(d.toString()));
+  ProjectCatalogDescription none2;
+  none2.setDefaultProjectType();
+  EXPECT_EQ(ProjectType::RONDO, none2.getProjectType());
+
+  // A blank host is completed from the default project, or is this host.
+  d.setCapi(ProjectType::ZONMESH, "centre", "");
+  EXPECT_EQ(str(vUtl::gethostname()), str(d.getDataHost()));
+  DefaultProject def(true);
+  d.setCapi(ProjectType::UNITTEST, "s", "  ");
+  EXPECT_EQ("defhost", str(d.getDataHost()));
+  // A Kelp server left blank is the completed host.
+  d.setCapi(ProjectType::KELP, "", "");
+  EXPECT_EQ("defhost", str(d.getServerHost()));
+}
+
 TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
   DefaultProject none(false);
   TestReleaseTree tree;
@@ -207,13 +156,10 @@ TEST(Capi, DefaultProjectStringAndNameFromVprojectThenProject) {
 
   // The name read from it; without a type, the default type.
   TestReleaseTree::write(tree.root() + "/.vproject", "  srv:hostA:p  \n");
-  ProjectDescription d = Capi::getDefaultProjectName();
-  expectCatalog(d, ProjectType::RONDO, "srv", "hostA", "p");
+  expectCatalog(Capi::getDefaultProjectName(), ProjectType::RONDO, "srv", "hostA", "p");
 
   TestReleaseTree::write(tree.root() + "/.vproject", "   \n");
-  d = Capi::getDefaultProjectName();
-  EXPECT_EQ(ProjectType::NOTYPE, d.getProjectType());
-  EXPECT_EQ("", str(d.getDataHost()));
+  expectCatalog(Capi::getDefaultProjectName(), ProjectType::NOTYPE, "", "", "");
 }
 
 // The switch is read once per process: each value is tried in a child.

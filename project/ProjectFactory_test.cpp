@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -16,10 +17,13 @@
 #include "project/JITProjectDecorator.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
+#include "project/ProjectTesting.h"
 #include "project/UTProject.h"
 #include "project/UTProjectCatalog.h"
 
 namespace {
+
+using project_testing::DefaultProject;
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
@@ -91,50 +95,44 @@ class Recorder {
   ProjectFactory::Maker m_zonProject;
 };
 
-// Restores the default project a test changed.
-class DefaultProjectGuard {
- public:
-  DefaultProjectGuard() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {}
-  ~DefaultProjectGuard() { ProjectFactory::setDefaultProject(m_saved); }
-
- private:
-  vHandle<Project> m_saved;
-};
-
-// --- catalogs ----------------------------------------------------------------
-
-TEST(ProjectCatalogFactory, RondoCatalogsAreSharedPerHostWhateverTheServer) {
+TEST(ProjectCatalogFactory, CatalogsAreSharedPerHostWhateverTheServerAndPerCluster) {
   Recorder recorder;
   vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverA");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB");
-  vHandle<ProjectCatalog> c = ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11");
+  EXPECT_EQ(a.get(), ProjectCatalogFactory::create("127.0.0.11", ProjectType::RONDO, "serverB").get());
+  EXPECT_EQ(a.get(), ProjectCatalogFactory::open(ProjectType::RONDO, "", "127.0.0.11").get());
   EXPECT_EQ(1u, madeLog.size());
-  EXPECT_EQ(a.get(), b.get());
-  EXPECT_EQ(a.get(), c.get());
   EXPECT_NE(a.get(), ProjectCatalogFactory::create("127.0.0.12", ProjectType::RONDO, "serverA").get());
-}
 
-TEST(ProjectCatalogFactory, HostsOfOneClusterShareACatalogAndProjects) {
-  DefaultProjectGuard guard;
+  // Hosts of one cluster share a catalog.
+  DefaultProject guard;
   TestReleaseTree tree;
   tree.setEnv("FS_CLUSTERS", "uthostC1=utcluster uthostC2=utcluster");
-  vHandle<ProjectCatalog> a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
-  vHandle<ProjectCatalog> b = ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "");
-  EXPECT_EQ(a.get(), b.get());
+  a = ProjectCatalogFactory::create("uthostC1", ProjectType::UNITTEST, "");
+  EXPECT_EQ(a.get(), ProjectCatalogFactory::create("uthostC2", ProjectType::UNITTEST, "").get());
   EXPECT_EQ("utcluster", str(a->getHost()));
-  // Projects too are found by cluster.
   vHandle<Project> p = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC1", "survey");
   EXPECT_EQ(p.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostC2", "survey").get());
   EXPECT_EQ("utcluster", str(p->getProjectHost()));
 }
 
-// --- projects ----------------------------------------------------------------
+TEST(ProjectFactory, DefaultProjectAndTheCacheOfOpenProjects) {
+  DefaultProject guard;
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
+              "There is no default Project.");
+  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
+  vHandle<Project> first = ProjectFactory::create(catalog);
+  vHandle<Project> second = ProjectFactory::create(catalog);
+  // Create always makes a new project; the first made with no default becomes it.
+  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
+  ProjectFactory::setDefaultProject(second);
+  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
+  ProjectFactory::clearDefaultProject();
+  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
+  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
 
-TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
-  DefaultProjectGuard guard;
   vHandle<Project> a = ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey");
-  vHandle<Project> b = ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey")));
-  EXPECT_EQ(a.get(), b.get());
+  EXPECT_EQ(a.get(), ProjectFactory::openProject(FullProjectName(vString("unittest::uthostO1:Survey"))).get());
 
   // The type does not take part in the search: the project is where it is.
   EXPECT_EQ(a.get(), ProjectFactory::openProject(ProjectType::RONDO, "", "uthostO1", "survey").get());
@@ -149,42 +147,16 @@ TEST(ProjectFactory, OpenProjectTwiceGivesTheSameOpenObject) {
   EXPECT_NE(e.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostO1", "survey").get());
   EXPECT_EQ(a.get(), ProjectFactory::getDefaultProject().get());
 
-  // The server is matched too: a unit-test project has none, so one asked
-  // for with a server is never the one found; asked for without one, the
-  // oldest of the two is.
+  // The server is matched too: a unit-test project has none, so one asked for with a server is never found.
   vHandle<Project> s1 = ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey");
   EXPECT_NE(s1.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "srv", "uthostS1", "survey").get());
   EXPECT_EQ(s1.get(), ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostS1", "survey").get());
 }
 
-TEST(ProjectFactory, DefaultProjectSetAndCleared) {
-  DefaultProjectGuard guard;
-  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
-  expectFatal([] { ProjectFactory::getDefaultProject(); }, "ProjectFactory::getDefaultProject",
-              "There is no default Project.");
-
-  vHandle<ProjectCatalog> catalog = ProjectCatalogFactory::create("uthostD1", ProjectType::UNITTEST, "");
-  vHandle<Project> first = ProjectFactory::create(catalog);
-  vHandle<Project> second = ProjectFactory::create(catalog);
-  // Create always makes a new project; the first made while there is no
-  // default becomes it.
-  EXPECT_EQ(first.get(), ProjectFactory::getDefaultProject().get());
-
-  ProjectFactory::setDefaultProject(second);
-  EXPECT_EQ(second.get(), ProjectFactory::getDefaultProject().get());
-  ProjectFactory::clearDefaultProject();
-  EXPECT_FALSE(ProjectFactory::hasDefaultProject());
-  EXPECT_TRUE(ProjectFactory::getDefaultCatalog().isEmpty());
-}
-
-// --- the unit-test project ---------------------------------------------------
-
 TEST(UTProject, ScriptedStoresAreListedByClass) {
   UTProject p(vHandle<ProjectCatalog>(new UTProjectCatalog("uthostU2", ProjectType::UNITTEST)));
-  StoreDetails line(ProjectType::UNITTEST, "", "line12", 3);
-  line.setClass("seismic");
-  line.setSubClass("2d");
-  p.addStore(line);
+  p.addStore(
+      StoreDetails("line12", 3, "seismic", "2d", 0, "", "", vDate(vDate::Invalid), "", 0, 0, ProjectType::UNITTEST));
   p.addStore(StoreDetails(ProjectType::UNITTEST, "", "wells", 1));
   auto names = [&](char const* cls, char const* sub) {
     std::string all;
@@ -215,43 +187,33 @@ TEST(ProjectList, OrderSearchAndComparison) {
   EXPECT_EQ("alpha mid north ", order);
 }
 
-// Feeds a terminal session to std::cin and keeps what is written to
-// std::cout, while it lives.
-class Terminal {
- public:
-  explicit Terminal(std::string const& input)
-      : m_in(input), m_oldIn(std::cin.rdbuf(m_in.rdbuf())), m_oldOut(std::cout.rdbuf(m_out.rdbuf())) {}
-  ~Terminal() {
-    std::cin.rdbuf(m_oldIn);
-    std::cout.rdbuf(m_oldOut);
+// Asks for a catalog on a terminal session fed to std::cin, giving what was
+// written to std::cout; both streams are put back however it ends.
+std::string enterSession(std::string const& input, vHandle<ProjectCatalog>& catalog, ProjectType::PROJECT_TYPE type,
+                         char const* host) {
+  std::istringstream in(input);
+  std::ostringstream out;
+  std::streambuf* oldIn = std::cin.rdbuf(in.rdbuf());
+  std::streambuf* oldOut = std::cout.rdbuf(out.rdbuf());
+  std::shared_ptr<void> restore(nullptr, [&](void*) {
+    std::cin.rdbuf(oldIn);
+    std::cout.rdbuf(oldOut);
     std::cin.clear();
-  }
-  std::string output() const { return m_out.str(); }
-  static std::string session(std::string const& input, vHandle<ProjectCatalog>& catalog,
-                             ProjectType::PROJECT_TYPE type, char const* host) {
-    Terminal terminal(input);
-    catalog = ProjectCatalogFactory::enter(type, "", host);
-    return terminal.output();
-  }
-
- private:
-  std::istringstream m_in;
-  std::ostringstream m_out;
-  std::streambuf* m_oldIn;
-  std::streambuf* m_oldOut;
-};
+  });
+  catalog = ProjectCatalogFactory::enter(type, "", host);
+  return out.str();
+}
 
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
-  DefaultProjectGuard guard;
+  DefaultProject guard;
   Recorder recorder;
-  // The list offered is the one of the registered lister (the database
-  // back end's servers).
+  // The list offered is the registered lister's (the database back end's servers).
   ProjectCatalogFactory::ServerLister previous =
       ProjectCatalogFactory::registerZonServerLister([](std::list<vString>& servers) {
         for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(centre);
       });
   vHandle<ProjectCatalog> catalog;
-  std::string output = Terminal::session("zon\n-l\ncentre2\nuthostZ\n", catalog, ProjectType::RONDO, "uthostY");
+  std::string output = enterSession("zon\n-l\ncentre2\nuthostZ\n", catalog, ProjectType::RONDO, "uthostY");
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
   EXPECT_EQ("uthostZ", str(catalog->getHost()));
   EXPECT_EQ(
@@ -266,7 +228,7 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
 
   // Without a type or host given, the default project's are offered.
   ProjectFactory::setDefaultProject(ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey"));
-  output = Terminal::session("kelp\n127.0.0.71\n127.0.0.72\n", catalog, ProjectType::NOTYPE, "");
+  output = enterSession("kelp\n127.0.0.71\n127.0.0.72\n", catalog, ProjectType::NOTYPE, "");
   EXPECT_EQ(
       "type of project Rondo, Kelp, Zon [UnitTest]: "
       "server name []: "
@@ -276,19 +238,15 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   EXPECT_EQ("ClientProjectCatalog(127.0.0.71, 2, 127.0.0.72)", lastMade());
 }
 
-// --- which class each request makes ----------------------------------------
-
 TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   Recorder recorder;
   std::string here = str(vUtl::gethostname());
 
-  // Types without a class of their own: a client on the host, without the
-  // server.
+  // Types without a class of their own: a client on the host, without the server.
   ProjectCatalogFactory::create("127.0.0.61", ProjectType::NOTYPE, "srv");
   EXPECT_EQ("ClientProjectCatalog(127.0.0.61, 0, )", lastMade());
 
-  // Kelp: a client on the server, with the data host beside it; without a
-  // server, this host serves.
+  // Kelp: a client on the server, with the data host beside it; without a server, this host serves.
   vHandle<ProjectCatalog> kelp = ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "127.0.0.63");
   EXPECT_EQ("ClientProjectCatalog(127.0.0.63, 2, 127.0.0.62)", lastMade());
   ProjectCatalogFactory::create("127.0.0.62", ProjectType::KELP, "");
@@ -305,16 +263,24 @@ TEST(ProjectCatalogFactory, TheTypeChoosesTheClassAndItsArguments) {
   // Unit-test catalogs need no maker.
   vHandle<ProjectCatalog> ut = ProjectCatalogFactory::create("127.0.0.66", ProjectType::UNITTEST, "");
   EXPECT_NE(nullptr, dynamic_cast<UTProjectCatalog*>(ut.get()));
+
+  // Projects too take their class from the catalog's type.
+  ProjectFactory::create(kelp);
+  EXPECT_EQ("ClientProject(127.0.0.62, 2, 127.0.0.63)", lastMade());
+  CapiMaker::project(zon);
+  EXPECT_EQ("ZonProject(127.0.0.64, 8, centre)", lastMade());
+  madeLog.clear();
+  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(ProjectFactory::create(ut).get()));
+  EXPECT_EQ("nothing", lastMade());
 }
 
-TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
+TEST(ProjectFactory, FailedHostsAndOpensAreNotCachedButTheirCatalogIs) {
   Recorder recorder;
-  char const* reason =
-      "Unable to get host no-such-host.invalid's IP Address. Check host spelling, watch out for l instead of 1 in "
-      "host name.";
   unsigned int cached = ProjectCatalogFactory::getCacheSize();
   expectFatal([] { ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::KELP, "127.0.0.67"); },
-              "vUtl::getIPAddress", reason);
+              "vUtl::getIPAddress",
+              "Unable to get host no-such-host.invalid's IP Address. Check host spelling, watch out for l instead "
+              "of 1 in host name.");
   EXPECT_EQ(cached, ProjectCatalogFactory::getCacheSize());
   EXPECT_EQ("nothing", lastMade());
 
@@ -325,27 +291,12 @@ TEST(ProjectCatalogFactory, TheHostIsResolvedOnlyForItsFailure) {
             str(ProjectCatalogFactory::create("no-such-host.invalid", ProjectType::UNITTEST, "")->getHost()));
 
   // Nor does a blank host.
-  vHandle<ProjectCatalog> blank = ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
+  ProjectCatalogFactory::create("", ProjectType::RONDO, "srv");
   EXPECT_EQ("ClientProjectCatalog(, 1, )", lastMade());
-}
 
-TEST(ProjectFactory, TheCatalogsTypeChoosesTheClass) {
-  Recorder recorder;
-  ProjectFactory::create(vHandle<ProjectCatalog>(new RecordedCatalog("127.0.0.69", ProjectType::KELP, "srv", false)));
-  EXPECT_EQ("ClientProject(127.0.0.69, 2, srv)", lastMade());
-  vHandle<ProjectCatalog> zon(new RecordedCatalog("127.0.0.69", ProjectType::ZONMESH, "centre", false));
-  CapiMaker::project(zon);
-  EXPECT_EQ("ZonProject(127.0.0.69, 8, centre)", lastMade());
-
+  // A failed open is not cached, but its catalog is.
   madeLog.clear();
-  vHandle<ProjectCatalog> ut(new UTProjectCatalog("127.0.0.69", ProjectType::UNITTEST));
-  EXPECT_NE(nullptr, dynamic_cast<UTProject*>(ProjectFactory::create(ut).get()));
-  EXPECT_EQ("nothing", lastMade());
-}
-
-TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
-  Recorder recorder;
-  DefaultProjectGuard guard;
+  DefaultProject guard;
   ProjectFactory::Maker saved = ProjectFactory::registerMaker("ClientProject", &makeAbsentProject);
   unsigned int projects = ProjectFactory::getCacheSize();
   unsigned int catalogs = ProjectCatalogFactory::getCacheSize();
@@ -353,14 +304,12 @@ TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
     expectFatal([] { ProjectFactory::openProject(ProjectType::RONDO, "srv", "127.0.0.70", "Survey"); },
                 "AbsentProject::open", "No project survey here.");
   EXPECT_EQ(projects, ProjectFactory::getCacheSize());
-  // The catalog made at the first attempt serves the second; the failed
-  // project is not the default.
+  // The catalog made at the first attempt serves the second; the failed project is not the default.
   EXPECT_EQ(catalogs + 1, ProjectCatalogFactory::getCacheSize());
   EXPECT_EQ(1u, madeLog.size());
   EXPECT_FALSE(ProjectFactory::hasDefaultProject());
 
-  // Deferred, the same project opens at no cost, is cached and is the
-  // default; its first content call meets the failure.
+  // Deferred, it opens at no cost, is cached and the default; its first content call meets the failure.
   vHandle<Project> p = ProjectFactory::openProjectDeferred(ProjectType::RONDO, "srv", "127.0.0.70", "survey");
   EXPECT_TRUE(p->isOpen());
   EXPECT_EQ(projects + 1, ProjectFactory::getCacheSize());
@@ -372,15 +321,13 @@ TEST(ProjectFactory, AFailedOpenIsNotCachedButItsCatalogIs) {
 }
 
 TEST(JITProjectDecorator, ContentCallsOpenFirstAndPlaceCallsDoNot) {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("uthostJ3", ProjectType::UNITTEST));
-  char const* reason =
-      "Cannot open the project since the open method has not been called so we don't know what to open!";
-  vHandle<Project> inner(new UTProject(catalog));
+  vHandle<Project> inner(
+      new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("uthostJ3", ProjectType::UNITTEST))));
   UTProject* ut = static_cast<UTProject*>(inner.get());
   JITProjectDecorator jit(inner);
-  expectFatal([&] { jit.getAttributeSetDetails("x", 1); }, "JITProjectDecorator::makeSureIsOpen", reason);
-  // Where it is: passed on at once, never opening; closing what was never
-  // opened leaves the wrapped project alone.
+  expectFatal([&] { jit.getAttributeSetDetails("x", 1); }, "JITProjectDecorator::makeSureIsOpen",
+              "Cannot open the project since the open method has not been called so we don't know what to open!");
+  // Where it is: passed on, never opening; closing what was never opened leaves the wrapped project alone.
   EXPECT_EQ("uthostJ3", str(jit.getProjectHost()));
   EXPECT_EQ("getProjectHost", str(ut->getLastCall()));
   jit.close();
@@ -391,8 +338,7 @@ TEST(JITProjectDecorator, ContentCallsOpenFirstAndPlaceCallsDoNot) {
   expectFatal([&] { jit.gift(1, "x", 1); }, "Project::gift", "Function not supported by this project!");
   EXPECT_FALSE(jit.isReallyOpen());
 
-  // A new open forgets the connection, and the next content call opens the
-  // new name.
+  // A new open forgets the connection, and the next content call opens the new name.
   jit.getStoreList("", "");
   EXPECT_EQ("getStoreList", str(ut->getLastCall()));
   EXPECT_EQ("a", str(inner->getName()));

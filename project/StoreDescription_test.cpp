@@ -4,12 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
-#include "foundation/vDatabases.h"
+#include "foundation/TestReleaseTree.h"
 #include "foundation/vUtl.h"
-#include "project/ProjectFactory.h"
+#include "project/ProjectTesting.h"
 #include "project/StoreDescription.h"
 #include "project/StoreTesting.h"
 #include "testing/TestMemoryStore.h"
@@ -22,30 +21,11 @@ std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
 // No default project, "houston" a known database and the default Dorn
 // server, while it lives.
-class NameSetting {
- public:
-  NameSetting() : m_saved(ProjectFactory::setDefaultProject(vHandle<Project>())) {
-    vDatabases dbs;
-    dbs.loadFromMemory("[houston]\nProductionDatabase = hprod\nDevelopmentDatabase = hdev\n", "site.ini");
-    vDatabases::setCache(dbs);
-    char const* server = std::getenv("DORNSERVER");
-    m_hadServer = server != nullptr;
-    if (m_hadServer) m_server = server;
-    setenv("DORNSERVER", "houston", 1);
-  }
-  ~NameSetting() {
-    if (m_hadServer)
-      setenv("DORNSERVER", m_server.c_str(), 1);
-    else
-      unsetenv("DORNSERVER");
-    vDatabases::clearCache();
-    ProjectFactory::setDefaultProject(m_saved);
-  }
-
- private:
-  vHandle<Project> m_saved;
-  bool m_hadServer;
-  std::string m_server;
+struct NameSetting {
+  NameSetting() { tree.setEnv("DORNSERVER", "houston"); }
+  TestReleaseTree tree;
+  project_testing::DefaultProject none;
+  project_testing::SiteDatabases site;
 };
 
 // "H" in an expected text stands for this host.
@@ -82,8 +62,7 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
       // A single trailing '#' is dropped, and a trailing ':' too.
       {"file:/data/a.sgy#", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy:", "FlatFile:/data/a.sgy:"},
-      // A format without its closing mark goes with the mark; the last
-      // marked format counts.
+      // A format without its closing mark goes with the mark; the last marked format counts.
       {"file:/data/a.sgy#segy", "FlatFile:/data/a.sgy:"},
       {"file:/data/a.sgy#segy#x", "FlatFile:/data/a.sgy:#segy#"},
       {"inmemory:foo.1234", "InMemory:foo.1234"},
@@ -100,13 +79,11 @@ TEST(StoreDescription, EveryFormParsesAndPrintsBack) {
   }
 }
 
-TEST(StoreDescription, FieldsConstructorsAndSetters) {
+TEST(StoreDescription, FieldsConstructorsSettersAndTheFlatFileLimit) {
   NameSetting setting;
   StoreDescription d(vString("rondo:srv:hostA:proj:Line1.3/Headers#Seismic#"));
   EXPECT_EQ("Rondo:srv:hostA:proj:line1.3/headers", str(d.getTitle()));
-  FullStoreName full = d.getFullStoreName();
-  EXPECT_EQ("line1", str(full.getStoreName()));
-  EXPECT_EQ(3, full.getVersion());
+  EXPECT_EQ(FullStoreName(vString("rondo:srv:hostA:proj:line1.3/headers")), d.getFullStoreName());
   // A store class without its closing mark is no class.
   StoreDescription open(vString("r:srv:h:p:name#seismic"));
   EXPECT_EQ("name", str(open.getStoreName()));
@@ -131,12 +108,9 @@ TEST(StoreDescription, FieldsConstructorsAndSetters) {
   EXPECT_EQ("Rondo:srv:hostA:proj:line.7/set#seismic#", str(parts.toString()));
   StoreDescription fromProject(ProjectDescription(vString("rondo:srv:hostA:proj")), "line", "seismic", 7, "set");
   EXPECT_TRUE(fromProject == parts);
-}
 
-TEST(StoreDescription, AFlatFileNameOf128CharactersIsTheLimit) {
-  NameSetting setting;
+  // A flat file name of 128 characters is the limit.
   std::string path128 = "/" + std::string(123, 'a') + ".sgy";
-  ASSERT_EQ(128u, path128.size());
   vString message("stale");
   EXPECT_TRUE(StoreDescription(vFilename(path128.c_str())).isValid(message));
   EXPECT_TRUE(message.isEmpty());
@@ -233,7 +207,7 @@ TEST(StoreDescription, ValidationReportsWhereANameWentWrong) {
   }
 }
 
-TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
+TEST(StoreDescription, InMemoryNamesNeedTheAddressOfALiveStore) {
   vString message;
   EXPECT_TRUE(StoreDescription::validateStoreName("inmemory:foo.0", message));
   expectFailure([] { StoreDescription d(vString("inmemory:foo.0")); }, "StoreDescription::StoreDescription",
@@ -244,9 +218,8 @@ TEST(StoreDescription, InMemoryNamesNeedAnAddress) {
   // No live store answers to that address: it is refused, never followed.
   expectFailure([&] { d.getStore(); }, "StoreDescription::getStore",
                 "There is no InMemoryStore at address 1234 in this process.");
-}
 
-TEST(StoreDescription, ALiveStoreIsFoundAgainByItsPrintedName) {
+  // A live store is found again by its printed name.
   std::string printed;
   {
     TestMemoryStore* raw = new TestMemoryStore(vHandle<Project>());

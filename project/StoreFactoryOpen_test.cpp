@@ -22,55 +22,45 @@ std::string cannotHandle(std::string const& file, std::string const& tag) {
   return "The file '" + file + "' is of a type '" + tag + "' which we cannot handle yet!";
 }
 
-std::string unknownType(std::string const& file) {
-  return "We do not know the type of file '" + file + "', therefore we cannot handle it!";
-}
-
 std::string path(StoreDescription const& d) { return str(d.getFlatFileName().getFilename()); }
 
-// Identification works on a copy; a name it does not identify goes by its
-// extension, and a format given wins in any case.
-TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormat) {
-  TestReleaseTree tree;
-  StandIn shapefiles("ShapefileDiskStore", fileMakers());
-  StandIn segy("SegyDiskStore", fileMakers());
-  for (char const* name : {"a.shp", "line.sgy", "line.segy", "traces.bin"}) shelve(fileShelf(), name);
-  StoreDescription shp = fileIn(tree, "a.SHP");
-  vHandle<Store> store = StoreFactory::openStore(shp, "", nullptr);
-  ASSERT_EQ(1u, seen().size());
-  EXPECT_EQ("", str(seen()[0].description.getStoreClass()));
-  EXPECT_EQ(path(shp), path(seen()[0].description));
-  EXPECT_TRUE(store->getProject().isEmpty());
-
-  StoreDescription d = fileIn(tree, "line.SGY");
-  StoreFactory::openStore(d, "", nullptr);
-  ASSERT_EQ(2u, seen().size());
-  EXPECT_EQ("segy", str(seen()[1].description.getFileFormat()));
-  EXPECT_EQ("", str(d.getFileFormat()));
-
-  StoreFactory::openStore(fileIn(tree, "line.segy"), "", nullptr);
-  ASSERT_EQ(3u, seen().size());
-  EXPECT_EQ("", str(seen()[2].description.getFileFormat()));
-
-  std::string const file = tree.writeWorkFile("traces.bin", "data");
-  StoreFactory::openStore(StoreDescription(vString(("file:" + file + "#SGY#").c_str())), "", nullptr);
-  ASSERT_EQ(4u, seen().size());
-  EXPECT_EQ("SGY", str(seen()[3].description.getFileFormat()));
-  // Told, not identified: no class is made up.
-  EXPECT_EQ("", str(seen()[3].description.getStoreClass()));
-}
-
-TEST(StoreFactoryOpenFile, TagsWhoseStoreIsNotThereAndFilesOfNoKind) {
+// A tag whose store is not there fails, as does a file of no kind. Identification works on a copy; a name it
+// does not identify goes by its extension, and a format given wins in any case, making up no class.
+TEST(StoreFactoryOpenFile, ByIdentificationExtensionOrGivenFormatOrNotAtAll) {
   TestReleaseTree tree;
   StoreDescription d = fileIn(tree, "a.sgy");
   expectFatal([&] { StoreFactory::openStore(d, "", nullptr); }, kOpen.c_str(), cannotHandle(path(d), "segy"));
   expectFatal([&] { StoreFactory::hasStore(d); }, "StoreFactory::hasStore", "Cannot handle file names yet." + path(d));
-  // Without an extension the kind is not known.
   StoreDescription none = fileIn(tree, "grid.");
-  expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(), unknownType(path(none)));
-}
+  expectFatal([&] { StoreFactory::openStore(none, "", nullptr); }, kOpen.c_str(),
+              "We do not know the type of file '" + path(none) + "', therefore we cannot handle it!");
 
-// --- the Nyx formats and their attribute mapping ------------------------------------------
+  StandIn shapefiles("ShapefileDiskStore", fileMakers());
+  StandIn segy("SegyDiskStore", fileMakers());
+  for (char const* name : {"a.shp", "line.sgy", "line.segy", "traces.bin"}) shelve(fileShelf(), name);
+  struct Case {
+    char const* file;
+    char const* given;
+    char const* format;
+    char const* storeClass;
+  } const cases[] = {{"a.SHP", "", "", ""},
+                     {"line.SGY", "", "segy", "seismic"},
+                     {"line.segy", "", "", ""},
+                     {"traces.bin", "SGY", "SGY", ""}};
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.file);
+    StoreDescription file = fileIn(tree, c.file);
+    file.setFileFormat(c.given);
+    seen().clear();
+    vHandle<Store> store = StoreFactory::openStore(file, "", nullptr);
+    ASSERT_EQ(1u, seen().size());
+    EXPECT_EQ(c.format, str(seen()[0].description.getFileFormat()));
+    EXPECT_EQ(c.storeClass, str(seen()[0].description.getStoreClass()));
+    EXPECT_EQ(path(file), path(seen()[0].description));
+    EXPECT_EQ(c.given, str(file.getFileFormat()));
+    EXPECT_TRUE(store->getProject().isEmpty());
+  }
+}
 
 struct Mapped {
   std::string file;
@@ -103,27 +93,16 @@ vHandle<Store> applyMapping(vHandle<Store> store, vFilename const& mapFile) {
   return mapped().view;
 }
 
-class Mapping {
- public:
-  explicit Mapping(StoreFactory::AttributeMapping const& mapping)
-      : m_saved(StoreFactory::registerAttributeMapping(mapping)) {
-    mapped() = Mapped();
-  }
-  ~Mapping() {
-    StoreFactory::registerAttributeMapping(m_saved);
-    mapped() = Mapped();
-  }
-
- private:
-  StoreFactory::AttributeMapping m_saved;
-};
-
 // Only Nyx stores with a spec are mapped, and only with their mapping file.
 TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   TestReleaseTree tree;
   StandIn nyx("NyxDiskStore", fileMakers());
   StandIn segy("SegyDiskStore", fileMakers());
-  Mapping mapping({&resolveBeside, &applyMapping});
+  StoreFactory::AttributeMapping saved = StoreFactory::registerAttributeMapping({&resolveBeside, &applyMapping});
+  Restore restore([&] {
+    StoreFactory::registerAttributeMapping(saved);
+    mapped() = Mapped();
+  });
   shelve(fileShelf(), "line.dat");
   StoreDescription d = fileIn(tree, "line.dat");
   d.setFormatSpec("2dStack");
@@ -145,10 +124,16 @@ TEST(StoreFactoryNyx, ASpecNeedsItsMappingFileWhichIsPutOnTheStore) {
   EXPECT_NE(mapped().below, store.get());
 }
 
-// --- creating files ----------------------------------------------------------------------
-
-TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
+TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMadeByTheirMakers) {
   TestReleaseTree tree;
+  {
+    // A class registered without the maker of the act is no help to it.
+    StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
+    StoreDescription txt = fileIn(tree, "wells.txt");
+    expectFatal([&] { StoreFactory::createStore(txt, "", KeyList(), nullptr); }, kCreate.c_str(),
+                cannotHandle(path(txt), "txt"));
+    EXPECT_TRUE(seen().empty());
+  }
   StandIn segy("SegyDiskStore", fileMakers());
   StandIn ascii("AsciiDiskStore", fileMakers());
   StandIn shapes("ShapefileDiskStore", fileMakers());
@@ -174,38 +159,26 @@ TEST(StoreFactoryCreateFile, OnlyTextTablesShapefilesAndNyxFilesAreMade) {
   }
 }
 
-// A class registered without the maker of the act is no help to it.
-TEST(StoreFactoryCreateFile, TextTablesWithoutTheirStoreOrItsMaker) {
+// Shapefiles only by their exact extensions, seismic by the lower-cased
+// one; a ".segy" is left to the extension itself when the store is opened.
+TEST(StoreFactoryIdentify, ShapefilesAndSeismicByTheirExtensions) {
   TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "wells.txt");
-  StandIn ascii("AsciiDiskStore", {nullptr, &openOnShelf, nullptr, nullptr});
-  expectFatal([&] { StoreFactory::createStore(d, "", KeyList(), nullptr); }, kCreate.c_str(),
-              cannotHandle(path(d), "txt"));
-  EXPECT_TRUE(seen().empty());
-}
-
-// --- identification by name ---------------------------------------------------------
-
-TEST(StoreFactoryIdentify, ShapefilesOnlyByTheirExactExtensions) {
-  TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "a.dbf");
-  EXPECT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
-  EXPECT_EQ("shapefile", str(d.getFileFormat()));
-  EXPECT_EQ("shapes", str(d.getStoreClass()));
-  // Upper case is not a shapefile here, and nothing else claims it.
-  StoreDescription upper = fileIn(tree, "a.SHP");
-  EXPECT_FALSE(StoreFactory::identifyFileFormat(upper, nullptr));
-}
-
-TEST(StoreFactoryIdentify, SeismicByTheLowerCasedExtension) {
-  TestReleaseTree tree;
-  StoreDescription d = fileIn(tree, "c.Dat");
-  EXPECT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));
-  EXPECT_EQ("nyxdat", str(d.getFileFormat()));
-  EXPECT_EQ("seismic", str(d.getStoreClass()));
-  // Left to the extension itself when the store is opened.
-  StoreDescription segy = fileIn(tree, "d.segy");
-  EXPECT_FALSE(StoreFactory::identifyFileFormat(segy, nullptr));
+  struct Case {
+    char const* file;
+    bool identified;
+    char const* format;
+    char const* storeClass;
+  } const cases[] = {{"a.dbf", true, "shapefile", "shapes"},
+                     {"a.SHP", false, "", ""},
+                     {"c.Dat", true, "nyxdat", "seismic"},
+                     {"d.segy", false, "", ""}};
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.file);
+    StoreDescription d = fileIn(tree, c.file);
+    EXPECT_EQ(c.identified, StoreFactory::identifyFileFormat(d, nullptr));
+    EXPECT_EQ(c.format, str(d.getFileFormat()));
+    EXPECT_EQ(c.storeClass, str(d.getStoreClass()));
+  }
   // The tag table: a tag is found in any case, and only whole.
   EXPECT_EQ("SegyDiskStore", str(StoreFactory::getFileStoreClass("SGY")));
   EXPECT_EQ("", str(StoreFactory::getFileStoreClass("segy2")));
@@ -222,19 +195,10 @@ vFilename txfBeside(vFilename const& file, vLCString& storeClass) {
   return vFilename(path.c_str());
 }
 
-class AsciiFinder {
- public:
-  explicit AsciiFinder(StoreFactory::AsciiSpecificationFinder finder)
-      : m_saved(StoreFactory::registerAsciiSpecificationFinder(finder)) {}
-  ~AsciiFinder() { StoreFactory::registerAsciiSpecificationFinder(m_saved); }
-
- private:
-  StoreFactory::AsciiSpecificationFinder m_saved;
-};
-
 TEST(StoreFactoryIdentify, TextTablesByTheirFormatDescription) {
   TestReleaseTree tree;
-  AsciiFinder finder(&txfBeside);
+  StoreFactory::AsciiSpecificationFinder saved = StoreFactory::registerAsciiSpecificationFinder(&txfBeside);
+  Restore restore([&] { StoreFactory::registerAsciiSpecificationFinder(saved); });
   std::string const txf = tree.writeWorkFile("wells.txf", "Well\ncolumns 1 2\n");
   StoreDescription d = fileIn(tree, "wells.xyz");
   ASSERT_TRUE(StoreFactory::identifyFileFormat(d, nullptr));

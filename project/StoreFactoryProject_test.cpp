@@ -21,12 +21,6 @@ namespace {
 
 using namespace factory_testing;
 
-vHandle<Project> projectOfType(ProjectType::PROJECT_TYPE type, char const* host) {
-  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
-  project->open("survey");
-  return project;
-}
-
 // The stores of UnitTest projects, while the in-memory store is not linked
 // in: stores on one shelf.
 std::shared_ptr<TestMemoryShelf>& projectShelf() {
@@ -41,29 +35,25 @@ vHandle<Store> storeOnProjectShelf(vHandle<Project> const& project) {
 StoreFactory::Makers unitTestMakers() { return {&storeOnProjectShelf, nullptr, nullptr, nullptr}; }
 
 StoreDescription unitTestStore(char const* host, char const* store, char const* storeClass = "seismic") {
-  // UnitTest projects have no server: a project is found again in the
-  // factory's cache only when none is named.
+  // UnitTest projects have no server: the factory's cache finds one only when none is named.
   return StoreDescription(ProjectType::UNITTEST, "", host, "survey", store, storeClass, 0, "");
 }
 
-// --- the class by project type -------------------------------------------------------------
-
-// What the registered class makes is the registry's test.
-TEST(StoreFactoryCreate, UnitTestProjectsNeedTheirRegisteredClass) {
+// UnitTest projects need their registered class (what it makes is the
+// registry's test); other projects get the standard store, whose sets the
+// attribute set factory makes when the store first needs one.
+TEST(StoreFactoryCreate, UnitTestProjectsNeedTheirClassOthersGetAStoreOfTheProjectsSets) {
   CleanQueue queue;
-  StandIn none("InMemoryStore", {nullptr, nullptr, nullptr, nullptr});
-  expectFatal([] { StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.91")); }, "StoreFactory::create",
-              "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
-}
-
-// Other projects get the standard store, whose sets the attribute set
-// factory makes when the store first needs one.
-TEST(StoreFactoryCreate, OtherProjectsGetAStoreOfTheProjectsSets) {
-  CleanQueue queue;
+  {
+    StandIn none("InMemoryStore", {nullptr, nullptr, nullptr, nullptr});
+    expectFatal([] { StoreFactory::create(projectOn("127.0.0.91", ProjectType::UNITTEST)); },
+                "StoreFactory::create",
+                "Class InMemoryStore is not available: no maker is registered for it (see registerRondoClasses).");
+  }
   AttributeSetFactory::clearAttributeSets();
   auto shelf = std::make_shared<TestMemoryShelf>();
   shelve(shelf, "line7");
-  vHandle<Project> project = projectOfType(ProjectType::RONDO, "127.0.0.92");
+  vHandle<Project> project = projectOn("127.0.0.92", ProjectType::RONDO);
   vHandle<Store> store = StoreFactory::create(project);
   EXPECT_EQ(nullptr, dynamic_cast<TestMemoryStore*>(store.get()));
   EXPECT_FALSE(store->isOpen());
@@ -71,18 +61,43 @@ TEST(StoreFactoryCreate, OtherProjectsGetAStoreOfTheProjectsSets) {
   AttributeSetFactory::pushAttributeSet(set);
   store->open("line7", 0, "", "", nullptr);
   EXPECT_EQ(0u, AttributeSetFactory::getNPushedAttributeSets());
-  EXPECT_TRUE(set->isOpen());
   EXPECT_EQ((std::vector<int>{10, 20}), readInts(*store, "CDP"));
   EXPECT_EQ("seismic", str(store->getClass()));
   store->close();
   AttributeSetFactory::clearAttributeSets();
 }
 
-// --- the queue -------------------------------------------------------------------------
-
-TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
+// Made and opened through the project is the registry's test; here the
+// update, and the attribute set that a name carries.
+TEST(StoreFactoryProjectServed, UpdateTheSetOfTheNameAndPushedStoresBeforeAnyProject) {
   CleanQueue queue;
   StandIn unitTest("InMemoryStore", unitTestMakers());
+  StoreDescription d = unitTestStore("127.0.0.95", "line9");
+  vHandle<Store> made = StoreFactory::createStore(d, "2d", cdpKeys(), nullptr);
+  made->addInstances(2);
+  made->write(ints("CDP", {10, 20}), 1, 2);
+  made->close();
+  vHandle<Store> updated = StoreFactory::updateStore(d, "", nullptr);
+  updated->write(ints("CDP", {8}), 2, 2);
+  updated->close();
+  vHandle<Store> again = StoreFactory::openStore(d, "", nullptr);
+  EXPECT_EQ((std::vector<int>{10, 8}), readInts(*again, "CDP"));
+  again->close();
+
+  TestMemoryStore store(vHandle<Project>(), projectShelf());
+  store.create("line4", "seismic", "2d", cdpKeys(), nullptr);
+  store.createAttributeSet("picks", cdpKeys());
+  store.close();
+  StoreDescription named(vString("unittest::127.0.0.96:survey:line4/picks"));
+  vHandle<Store> opened = StoreFactory::openStore(named, "", nullptr);
+  EXPECT_EQ("line4_picks", str(opened->getAttributeSetName()));
+  opened->close();
+  named.setAttributeSetName("");
+  vHandle<Store> primary = StoreFactory::openStore(named, "", nullptr);
+  EXPECT_EQ("line4", str(primary->getAttributeSetName()));
+  primary->close();
+
+  // Pushed stores come first, in first out, whatever the project.
   auto shelf = std::make_shared<TestMemoryShelf>();
   shelve(shelf, "open1");
   vHandle<Store> first(new TestMemoryStore(vHandle<Project>(), shelf));
@@ -91,10 +106,9 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   StoreFactory::pushStore(first);
   StoreFactory::pushStore(second);
 
-  // A Zonmesh project has no store class registered here: the queue is
-  // asked before the type.
-  vHandle<Store> a = StoreFactory::create(projectOfType(ProjectType::ZONMESH, "127.0.0.93"));
-  vHandle<Store> b = StoreFactory::create(projectOfType(ProjectType::UNITTEST, "127.0.0.93"));
+  // A Zonmesh project has no store class registered here: the queue is asked before the type.
+  vHandle<Store> a = StoreFactory::create(projectOn("127.0.0.93", ProjectType::ZONMESH));
+  vHandle<Store> b = StoreFactory::create(projectOn("127.0.0.93", ProjectType::UNITTEST));
   EXPECT_EQ(first.get(), a.get());
   EXPECT_TRUE(a->isOpen());  // handed over as it is
   EXPECT_EQ(second.get(), b.get());
@@ -102,53 +116,6 @@ TEST(StoreFactoryQueue, PushedStoresComeFirstInFirstOutWhateverTheProject) {
   StoreFactory::pushStore(first);
   StoreFactory::clearStores();
   EXPECT_EQ(0u, StoreFactory::getNPushedStores());
-}
-
-// --- project-served names --------------------------------------------------------------------
-
-// Made and opened through the project is the registry's test; here the
-// update.
-TEST(StoreFactoryProjectServed, UpdateThroughTheProject) {
-  CleanQueue queue;
-  StandIn unitTest("InMemoryStore", unitTestMakers());
-  StoreDescription d = unitTestStore("127.0.0.95", "line9");
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  vHandle<Store> made = StoreFactory::createStore(d, "2d", keys, nullptr);
-  made->addInstances(2);
-  made->write(ints("CDP", {10, 20}), 1, 2);
-  made->close();
-
-  vHandle<Store> updated = StoreFactory::updateStore(d, "", nullptr);
-  updated->write(ints("CDP", {8}), 2, 2);
-  updated->close();
-  vHandle<Store> again = StoreFactory::openStore(d, "", nullptr);
-  EXPECT_EQ((std::vector<int>{10, 8}), readInts(*again, "CDP"));
-  again->close();
-}
-
-TEST(StoreFactoryProjectServed, TheAttributeSetOfTheNameIsOpened) {
-  CleanQueue queue;
-  StandIn unitTest("InMemoryStore", unitTestMakers());
-  {
-    // Store line4 with a secondary set "picks".
-    TestMemoryStore store(vHandle<Project>(), projectShelf());
-    KeyList keys;
-    keys.addKey(Attribute("CDP", "CDP", vINT32));
-    store.create("line4", "seismic", "2d", keys, nullptr);
-    store.createAttributeSet("picks", keys);
-    store.addInstances(1);
-    store.write(ints("CDP", {44}), 1, 1);
-    store.close();
-  }
-  StoreDescription d(vString("unittest::127.0.0.96:survey:line4/picks"));
-  vHandle<Store> opened = StoreFactory::openStore(d, "", nullptr);
-  EXPECT_EQ("line4_picks", str(opened->getAttributeSetName()));
-  opened->close();
-  d.setAttributeSetName("");
-  vHandle<Store> primary = StoreFactory::openStore(d, "", nullptr);
-  EXPECT_EQ("line4", str(primary->getAttributeSetName()));
-  primary->close();
 }
 
 TEST(StoreFactoryProjectServed, HasStoreAsksTheProject) {
@@ -186,12 +153,9 @@ vHandle<Store> createServedOnShelf(StoreDescription const& description, vLCStrin
 // The back end makes them itself, without a project being opened here.
 TEST(StoreFactoryProjectServed, ZonmeshStoresAreMadeByTheirBackEnd) {
   StoreDescription d(vString("zonmesh::127.0.0.98:survey:line1"));
-  ASSERT_EQ(ProjectType::ZONMESH, d.getProjectType());
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
   StandIn zon("ZonStore", {nullptr, nullptr, nullptr, &createServedOnShelf});
   StoreCreationOptions options;
-  vHandle<Store> store = StoreFactory::createStore(d, "traces", keys, &options);
+  vHandle<Store> store = StoreFactory::createStore(d, "traces", cdpKeys(), &options);
   EXPECT_EQ(d, servedCreate().description);
   EXPECT_EQ("traces", servedCreate().setName);
   EXPECT_EQ(&options, servedCreate().options);
@@ -203,10 +167,8 @@ TEST(StoreFactoryProjectServed, ZonmeshStoresAreMadeByTheirBackEnd) {
 TEST(StoreFactoryInMemory, TheLiveStoreIsTheOneActedOn) {
   vHandle<TestMemoryStore> live(new TestMemoryStore(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
   StoreDescription d(live, "fresh");
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  // Made with the class of the description and the attribute set name as
-  // the subclass.
+  KeyList const keys = cdpKeys();
+  // Made with the description's class and the set name as the subclass.
   d.setStoreClass("seismic");
   vHandle<Store> store = StoreFactory::createStore(d, "3d", keys, nullptr);
   EXPECT_EQ(static_cast<Store*>(live.get()), store.get());

@@ -10,8 +10,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/ExceptionErrorHandler.h"
@@ -20,6 +22,8 @@
 #include "foundation/TestReleaseTree.h"
 #include "foundation/vDatabases.h"
 #include "project/StoreFactory.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
 #include "testing/TestMemoryStore.h"
 
 namespace factory_testing {
@@ -40,6 +44,19 @@ inline std::vector<int> readInts(Store const& store, char const* name) {
   return values;
 }
 
+// A unit-test project "survey" on that host, of that type, open.
+inline vHandle<Project> projectOn(char const* host, ProjectType::PROJECT_TYPE type) {
+  vHandle<Project> project(new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog(host, type))));
+  project->open("survey");
+  return project;
+}
+
+inline KeyList cdpKeys() {
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  return keys;
+}
+
 // Where the stand-ins of file stores keep their sets.
 inline std::shared_ptr<TestMemoryShelf>& fileShelf() {
   static std::shared_ptr<TestMemoryShelf> shelf = std::make_shared<TestMemoryShelf>();
@@ -49,9 +66,7 @@ inline std::shared_ptr<TestMemoryShelf>& fileShelf() {
 // Puts a set of that name, with CDP 10 20, on the shelf.
 inline void shelve(std::shared_ptr<TestMemoryShelf> const& shelf, char const* name) {
   TestMemoryStore store(vHandle<Project>(), shelf);
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  store.create(name, "seismic", "2d", keys, nullptr);
+  store.create(name, "seismic", "2d", cdpKeys(), nullptr);
   store.addInstances(2);
   store.write(ints("CDP", {10, 20}), 1, 2);
   store.close();
@@ -81,6 +96,18 @@ inline vHandle<Store> createOnShelf(StoreDescription const& description, vLCStri
   store->create(description.getStoreName(), "seismic", "2d", KeyList(), nullptr);
   return store;
 }
+
+// Runs `undo` when it goes: puts back what a test registered over.
+class Restore {
+ public:
+  explicit Restore(std::function<void()> undo) : m_undo(std::move(undo)) {}
+  ~Restore() { m_undo(); }
+  Restore(Restore const&) = delete;
+  Restore& operator=(Restore const&) = delete;
+
+ private:
+  std::function<void()> m_undo;
+};
 
 // Registers a stand-in for a store class while it lives.
 class StandIn {

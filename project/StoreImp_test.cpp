@@ -24,9 +24,7 @@ using factory_testing::str;
 std::shared_ptr<TestMemoryShelf> shelfWithStoreA() {
   auto shelf = std::make_shared<TestMemoryShelf>();
   TestMemoryStore store(vHandle<Project>(), shelf);
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  store.create("a", "seismic", "3d", keys, nullptr);
+  store.create("a", "seismic", "3d", factory_testing::cdpKeys(), nullptr);
   store.addInstances(3);
   store.write(ints("CDP", {1, 2, 3}), 1, 3);
   store.close();
@@ -49,8 +47,6 @@ class OpenStore : public TestMemoryStore {
 
 }  // namespace
 
-// --- life cycle and guards -----------------------------------------------------------
-
 TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
   TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   EXPECT_EQ(0, store.getNSetsMade());
@@ -71,14 +67,11 @@ TEST(StoreImp, MakesItsSetsOnlyWhenFirstNeededAndClosesAtItsEnd) {
 }
 
 // The guards that name no attribute; the others are the store suite's.
-TEST(StoreImp, RefusesEverythingButOpeningBeforeItIsOpen) {
-  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
+TEST(StoreImp, GuardsOfOpeningAndCreating) {
+  auto shelf = shelfWithStoreA();
+  TestMemoryStore store(vHandle<Project>(), shelf);
   expectFailure([&] { store.getAttributeList(); }, "StoreImp::getAttributeList", "The store has not been opened yet!");
   EXPECT_EQ(1, store.getNSetsMade()) << "the guard made the set it looks at";
-}
-
-TEST(StoreImp, OpensOnceAndForReadingOnly) {
-  TestMemoryStore store(vHandle<Project>(), shelfWithStoreA());
   // A failed open leaves the store closed.
   expectFailure([&] { store.open("nosuch", 0, "", "", nullptr); }, "TestMemoryAttributeSet::open",
                 "AttributeSet 'nosuch' does not exist.");
@@ -86,12 +79,6 @@ TEST(StoreImp, OpensOnceAndForReadingOnly) {
   store.open("a", 0, "", "", nullptr);
   expectFailure([&] { store.update("a", 0, "", "", nullptr); }, "StoreImp::update",
                 "The store 'a' has already been opened!");
-}
-
-TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
-  auto shelf = shelfWithStoreA();
-  TestMemoryStore store(vHandle<Project>(), shelf);
-  store.open("a", 0, "", "", nullptr);
   expectFailure([&] { store.create("other", "seismic", "3d", KeyList(), nullptr); }, "StoreImp::create",
                 "Store is already open as a");
   // Under its own name the store starts again, as version 2.
@@ -104,8 +91,6 @@ TEST(StoreImp, CreatesAfreshAndOnlyUnderItsOwnName) {
   other.create(FullStoreName(vString("proj:b.4")), "seismic", "3d", KeyList(), nullptr);
   EXPECT_EQ("b", str(other.getName()));
 }
-
-// --- secondary attribute sets ---------------------------------------------------------
 
 // Switching between sets is the in-memory store's test; here the names and
 // the bookkeeping on the primary set, and names that carry their set.
@@ -169,7 +154,6 @@ TEST(StoreImp, RefusesSetsThatCannotBeOrAreNot) {
   primary.removeProperty(Store::ATTRIBUTESET_VERSIONS);
   expectFailure([&] { store.updateAttributeSet("b"); }, "StoreImp::updateAttributeSet",
                 "The required Property 'ATTRIBUTESET_VERSIONS' does not exist in Store 'a'.");
-  // A name listed without a version.
   int const one = 1;
   primary.addProperty(Property(Store::ATTRIBUTESET_VERSIONS, 1u, &one));
   Property names(*primary.findProperty(Store::ATTRIBUTESET_NAMES));
@@ -180,8 +164,6 @@ TEST(StoreImp, RefusesSetsThatCannotBeOrAreNot) {
   expectFailure([&] { store.openAttributeSet("d"); }, "StoreImp::openAttributeSet",
                 "The Store 'a' does not have an AttributeSet named 'd'.");
 }
-
-// --- properties ---------------------------------------------------------------------------
 
 TEST(StoreImp, PropertiesAreThoseOfTheActiveSet) {
   auto shelf = shelfWithStoreA();
@@ -216,15 +198,12 @@ TEST(StoreImp, PropertiesAreThoseOfTheActiveSet) {
   EXPECT_TRUE(store.hasProperty("GAIN"));
 }
 
-// --- what a StoreImp refuses, and what it leaves to its class ---------------------------------
-
 TEST(StoreImp, RefusesComparisonAndPropertyAssignment) {
-  TestMemoryStore a{vHandle<Project>()};
+  OpenStore a{vHandle<Project>()};
   TestMemoryStore b{vHandle<Project>()};
   expectFailure([&] { (void)(a == b); }, "StoreImp::operator==()", "This operation is not implemented for StoreImp.");
-  OpenStore open{vHandle<Project>()};
   TestMemoryAttributeSet set(vHandle<Project>(), std::make_shared<TestMemoryShelf>());
-  expectFailure([&] { open.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
+  expectFailure([&] { a.doCreateAttributeSetClone(set); }, "StoreImp::doCreateAttributeSetClone",
                 "Need code, what does this mean?");
 }
 
@@ -239,19 +218,15 @@ TEST(AttributeSet, ReadsARangeIntoABufferAttributeByAttribute) {
   trace.copyData(3, samples);
   store.write(trace, 1, 3);
 
-  // TRACE a plain attribute, CDP and AMP fields of one record.
   AttributeSetBuffer buffer;
   buffer.addAttribute(Attribute("TRACE", "", vFLOAT32, 2));
-  AttributeSetBuffer::Layout layout;
-  layout.push_back(std::make_pair(Attribute("CDP", "", vINT32), 0));
-  layout.push_back(std::make_pair(Attribute("AMP", "", vINT32), 4));
+  AttributeSetBuffer::Layout layout{{Attribute("CDP", "", vINT32), 0}, {Attribute("AMP", "", vINT32), 4}};
   buffer.addRecordBuffer("headers", RecordBuffer(8), layout);
   buffer.setNInstances(2);
   EXPECT_FALSE(store.prepareBuffer(buffer)) << "the test sets keep no buffer of their own";
 
   store.readBufferRange(buffer, 2, 3);
   EXPECT_EQ(6.5f, buffer.readAttributeAndData("TRACE").getFloat32Pointer(2)[1]);
-  // The fields are back in their records.
   int32_t records[4] = {};
   buffer.exportRange(reinterpret_cast<char*>(records), 1, 2, "headers");
   EXPECT_EQ((std::vector<int32_t>{2, 20, 3, 30}), std::vector<int32_t>(records, records + 4));

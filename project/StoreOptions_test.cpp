@@ -39,11 +39,8 @@ StoreOpenOptions allTurned() {
 
 }  // namespace
 
-// --- StoreOpenOptions ------------------------------------------------------------
-
 TEST(StoreOpenOptions, DefaultsAndThePackedFrame) {
   EXPECT_EQ("000100", flags(StoreOpenOptions()));
-  // Packed: six booleans in a frame.
   Packer p;
   allTurned().pack(p);
   Bytes expected;
@@ -55,23 +52,20 @@ TEST(StoreOpenOptions, DefaultsAndThePackedFrame) {
   EXPECT_TRUE(back == allTurned());
 }
 
-TEST(StoreOpenOptions, OlderFramesFillOnlyTheFlagsTheyHold) {
+TEST(StoreOpenOptions, OlderAndNewerFramesFillTheFlagsTheyHoldAnotherMagicIsRefused) {
   auto read = [](Bytes& b, StoreOpenOptions o) {
     o.unpack(*b.end().reader());
     return flags(o);
   };
-  // Version 0 holds no flag, and the first flag is cleared all the same;
-  // the others keep what they were.
+  // Version 0 holds no flag, yet clears the first; the others keep what they were.
   Bytes v0;
   EXPECT_EQ("011011", read(v0.frame(6673, 0), allTurned()));
-  // Version 3: flags one to four.
+  // Version 3 holds flags one to four.
   StoreOpenOptions cst;
   cst.setAutoSpecifyCSTFiles(true);
   Bytes v3;
   EXPECT_EQ("010001", read(v3.frame(6673, 3).boolean(false).boolean(true).boolean(false).boolean(false), cst));
-}
-
-TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
+  // A newer frame is skipped to its end.
   Bytes b;
   b.frame(6673, 6).boolean(true).boolean(false).boolean(true).boolean(true).boolean(false).boolean(true);
   b.int32(77).text("later field").end();
@@ -89,8 +83,6 @@ TEST(StoreOpenOptions, ANewerFrameIsSkippedToItsEndAndAnotherMagicRefused) {
   expectFailure([&] { o.unpack(*bad.reader()); }, "StoreOpenOptions::unpack", "Bad magic number 6674,expected 6673");
 }
 
-// --- StoreCreationOptions --------------------------------------------------------
-
 TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileName) {
   StoreCreationOptions o;
   for (int type : {1, 3}) {
@@ -102,7 +94,6 @@ TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileNa
     o.setKelpDataType(type);
     EXPECT_EQ(StoreCreationOptions::KELP_NONE, o.getKelpDataType()) << type;
   }
-  // Copies own their file name.
   StoreCreationOptions a;
   a.setFilename(vFilename("/data/a.sgy"));
   StoreCreationOptions b(a);
@@ -113,7 +104,7 @@ TEST(StoreCreationOptions, KeepsOnlyTheKnownKelpDataTypesAndCopiesOwnTheirFileNa
   EXPECT_TRUE(a != b);
 }
 
-TEST(StoreCreationOptions, PacksTheRecordInItsOrder) {
+TEST(StoreCreationOptions, PacksTheRecordInItsOrderAndAnAttributeListAsARange) {
   StoreCreationOptions o;
   // The name is kept in lower case.
   o.setPrimaryAttributeSetName("Prime");
@@ -135,21 +126,12 @@ TEST(StoreCreationOptions, PacksTheRecordInItsOrder) {
   StoreCreationOptions back;
   back.unpack(*receive(p));
   EXPECT_TRUE(back == o);
-}
 
-TEST(StoreCreationOptions, AnAttributeListTravelsAsARange) {
-  StoreCreationOptions o;
-  std::list<Attribute> attributes;
-  attributes.push_back(Attribute("INLINE", "INLINE", vINT32));
-  attributes.push_back(Attribute("TRACE", "TRACE", vFLOAT32, 1500, 2.0, 0.0));
-  o.setAttributeList(attributes);
-  Packer p;
-  o.pack(p);
-
-  StoreCreationOptions back;
-  back.unpack(*receive(p));
-  ASSERT_EQ(2u, back.getAttributeList().size());
-  EXPECT_TRUE(back.getAttributeList().back().compare(attributes.back()));
+  // An attribute list travels as a range.
+  o.setAttributeList({Attribute("INLINE", "INLINE", vINT32), Attribute("TRACE", "TRACE", vFLOAT32, 1500, 2.0, 0.0)});
+  Packer withList;
+  o.pack(withList);
+  back.unpack(*receive(withList));
   EXPECT_TRUE(back == o);
 }
 

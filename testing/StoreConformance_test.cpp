@@ -26,20 +26,24 @@ std::shared_ptr<TestMemoryShelf> referenceShelf() {
   return shelf;
 }
 
-vHandle<AttributeSet> testStore(bool open, bool update) {
-  vHandle<AttributeSet> store(new TestMemoryStore(vHandle<Project>(), referenceShelf()));
-  if (update)
-    store->update(kStore, 0, "seismic", "3d", nullptr);
-  else if (open)
-    store->open(kStore, 0, "seismic", "3d", nullptr);
-  return store;
+enum Opening { kUnopened, kReading, kUpdate };
+
+// A store or a bare set on a shelf of its own.
+template <class T>
+vHandle<AttributeSet> onShelf(Opening how) {
+  vHandle<AttributeSet> set(new T(vHandle<Project>(), referenceShelf()));
+  if (how == kUpdate)
+    set->update(kStore, 0, "", "", nullptr);
+  else if (how == kReading)
+    set->open(kStore, 0, "", "", nullptr);
+  return set;
 }
 
 StoreConformanceCase storeCase() {
   StoreConformanceCase c("TestMemoryStore");
-  c.openForReading = [] { return testStore(true, false); };
-  c.openForUpdate = [] { return testStore(true, true); };
-  c.makeUnopened = [] { return testStore(false, false); };
+  c.openForReading = [] { return onShelf<TestMemoryStore>(kReading); };
+  c.openForUpdate = [] { return onShelf<TestMemoryStore>(kUpdate); };
+  c.makeUnopened = [] { return onShelf<TestMemoryStore>(kUnopened); };
   // The shelf outlives the store: what a close keeps, an open finds.
   c.reopen = [](vHandle<AttributeSet> written) {
     written->close();
@@ -49,24 +53,13 @@ StoreConformanceCase storeCase() {
   return c;
 }
 
-vHandle<AttributeSet> testSet(bool update) {
-  vHandle<AttributeSet> set(new TestMemoryAttributeSet(vHandle<Project>(), referenceShelf()));
-  if (update)
-    set->update(kStore, 0, "", "", nullptr);
-  else
-    set->open(kStore, 0, "", "", nullptr);
-  return set;
-}
-
 // A bare set has the set's own words for a write to a read-only set and
 // for a read before opening.
 StoreConformanceCase setCase() {
   StoreConformanceCase c("TestMemoryAttributeSet");
-  c.openForReading = [] { return testSet(false); };
-  c.openForUpdate = [] { return testSet(true); };
-  c.makeUnopened = [] {
-    return vHandle<AttributeSet>(new TestMemoryAttributeSet(vHandle<Project>(), referenceShelf()));
-  };
+  c.openForReading = [] { return onShelf<TestMemoryAttributeSet>(kReading); };
+  c.openForUpdate = [] { return onShelf<TestMemoryAttributeSet>(kUpdate); };
+  c.makeUnopened = [] { return onShelf<TestMemoryAttributeSet>(kUnopened); };
   c.texts.notWritable = "AttributeSet '%s' is not open for modification.";
   c.texts.notOpen = "AttributeSet is not open.";
   return c;
@@ -85,28 +78,26 @@ vHandle<AttributeSet> makeSetOnShelf(vHandle<Project> const& project, vLCString 
   return vHandle<AttributeSet>(new TestMemoryAttributeSet(project, wrapperShelf()));
 }
 
-vHandle<AttributeSet> wrapped(bool open, bool update) {
+vHandle<AttributeSet> wrapped(Opening how) {
   CapiMaker::registerAttributeSetMaker(makeSetOnShelf);
   wrapperShelf() = referenceShelf();
   UTProject* project = new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST)));
   project->open("survey");
-  StoreDetails details(ProjectType::UNITTEST, "", kStore, 1);
-  details.setClass("seismic");
-  details.setSubClass("3d");
-  project->addStore(details);
+  project->addStore(
+      StoreDetails(kStore, 1, "seismic", "3d", 0, "", "", vDate(vDate::Invalid), "", 0, 0, ProjectType::UNITTEST));
   vHandle<AttributeSet> set(new CapiAttributeSetW(vHandle<Project>(project)));
-  if (update)
+  if (how == kUpdate)
     set->update(kStore, 1, "", "", nullptr);
-  else if (open)
+  else if (how == kReading)
     set->open(kStore, 1, "", "", nullptr);
   return set;
 }
 
 StoreConformanceCase wrapperCase() {
   StoreConformanceCase c("CapiAttributeSetW");
-  c.openForReading = [] { return wrapped(true, false); };
-  c.openForUpdate = [] { return wrapped(true, true); };
-  c.makeUnopened = [] { return wrapped(false, false); };
+  c.openForReading = [] { return wrapped(kReading); };
+  c.openForUpdate = [] { return wrapped(kUpdate); };
+  c.makeUnopened = [] { return wrapped(kUnopened); };
   c.texts.notWritable = "AttributeSet '%s' is not open for modification.";
   c.texts.notOpen = "The AttributeSet has not been opened yet.";
   return c;
