@@ -8,11 +8,11 @@
 // set for the test and restored after it.
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <memory>
 #include <string>
 
+#include "database/kvs/KvsTestPeer.h"
 #include "database/zon/ZonProject.h"
 #include "project/AttributeSet.h"
 #include "foundation/TestReleaseTree.h"
@@ -38,8 +38,7 @@ class ZonTestBed {
 
  private:
   TestReleaseTree m_tree;
-  std::string m_data;
-  pid_t m_pid;
+  kvs::KvsdProcess m_kvsd{m_tree.root() + "/kvsd"};
 };
 
 // A fixture whose tests share one daemon, started once for the suite; each
