@@ -15,8 +15,6 @@ class KvsdProcess {
   ~KvsdProcess() { stop(SIGKILL); }
   int start(int port = 0);  // the port (a free one for 0), or -1
   void stop(int sig);
-  void pause() { if (pid_ > 0) ::kill(pid_, SIGSTOP); }
-  pid_t pid() const { return pid_; }
 
  private:
   std::string dir_;

@@ -102,15 +102,6 @@ void writeDataset(vHandle<ZonProject> const& project, Dataset const& d) {
   store.close();
 }
 
-vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, char const* name, bool update = false) {
-  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(project)));
-  if (update)
-    store->update(name, 0, "", "", nullptr);
-  else
-    store->open(name, 0, "", "", nullptr);
-  return store;
-}
-
 struct ZonStoreRoundTrip : SharedZonTestBed<ZonStoreRoundTrip> {};
 
 }  // namespace

@@ -34,15 +34,6 @@ vHandle<ZonProject>& project() {
   return project;
 }
 
-vHandle<ZonStore> reopen(vLCString const& name, bool forUpdate) {
-  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(project())));
-  if (forUpdate)
-    store->update(name, 0, "", "", nullptr);
-  else
-    store->open(name, 0, "", "", nullptr);
-  return store;
-}
-
 vHandle<AttributeSet> reopenAfterRestart(vHandle<AttributeSet> written) {
   return bed().reopenAfterRestart(written, project(), "conform");
 }
@@ -85,7 +76,7 @@ vHandle<ZonStore> referenceStore(Kind const& kind, bool forUpdate) {
   StoreConformance::populate(store, {"CDP", "OFFSET", "ELEV"});
   store.addProperty(Property("HORIZONNAME", "reference"));
   store.close();
-  return reopen(name, forUpdate);
+  return openStore(project(), name, forUpdate);
 }
 
 StoreConformanceCase zonCase(Kind kind) {
@@ -134,7 +125,7 @@ vString writeReference(Layout const& layout) {
 
 vHandle<AttributeSet> mappedStore(Layout const& layout) {
   vHandle<AttributeMappingDecorator> view(
-      new AttributeMappingDecorator(vHandle_cast<Store>(reopen(writeReference(layout), false))));
+      new AttributeMappingDecorator(vHandle_cast<Store>(openStore(project(), writeReference(layout)))));
   for (Column const& c : layout.columns) {
     vString expression(c.reference);
     expression << (vString(c.reference) == vString("ELEV") ? ":d = " : ":i = ") << c.name;
@@ -148,7 +139,7 @@ vHandle<AttributeSet> mappedStore(Layout const& layout) {
 StoreConformanceCase viewed(char const* name, Layout const& layout, char const* newAttribute) {
   StoreConformanceCase c = baseCase(name, newAttribute);
   c.openForReading = [layout] { return mappedStore(layout); };
-  c.openForUpdate = [layout] { return vHandle_cast<AttributeSet>(reopen(writeReference(layout), true)); };
+  c.openForUpdate = [layout] { return vHandle_cast<AttributeSet>(openStore(project(), writeReference(layout), true)); };
   for (Column const& column : layout.columns)
     if (vString(column.name) != vString(column.reference)) c.ownNames[column.reference] = column.name;
   c.hasKeyList = false;

@@ -14,6 +14,7 @@
 
 #include "database/kvs/KvsTestPeer.h"
 #include "database/zon/ZonProject.h"
+#include "database/zon/ZonStore.h"
 #include "project/AttributeSet.h"
 #include "foundation/TestReleaseTree.h"
 
@@ -40,6 +41,9 @@ class ZonTestBed {
   TestReleaseTree m_tree;
   kvs::KvsdProcess m_kvsd{m_tree.root() + "/kvsd"};
 };
+
+// A store of the project, opened for reading or for update.
+vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, vLCString const& name, bool update = false);
 
 // A fixture whose tests share one daemon, started once for the suite; each
 // test opens a project of its own. Suite is the fixture itself, so that

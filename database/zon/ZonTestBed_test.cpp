@@ -8,7 +8,6 @@
 #include "database/kvs/Kvs.h"
 #include "database/zon/ZonClassNamesTranslator.h"
 #include "database/zon/ZonProjectCatalog.h"
-#include "database/zon/ZonStore.h"
 #include "database/zon/vKvsActivate.h"
 
 using namespace kvs;
@@ -61,7 +60,14 @@ vHandle<AttributeSet> ZonTestBed::reopenAfterRestart(vHandle<AttributeSet> writt
   stop(SIGTERM);
   start();
   project = openProject(name);
-  vHandle<ZonStore> reopened(new ZonStore(vHandle_cast<Project>(project)));
-  reopened->open(store, 0, "", "", nullptr);
-  return vHandle_cast<AttributeSet>(reopened);
+  return vHandle_cast<AttributeSet>(openStore(project, store));
+}
+
+vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, vLCString const& name, bool update) {
+  vHandle<ZonStore> store(new ZonStore(vHandle_cast<Project>(project)));
+  if (update)
+    store->update(name, 0, "", "", nullptr);
+  else
+    store->open(name, 0, "", "", nullptr);
+  return store;
 }
