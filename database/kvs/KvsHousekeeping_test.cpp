@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <numeric>
+#include <sstream>
 #include <vector>
 
 #include "database/kvs/Kvs.h"
@@ -172,26 +173,23 @@ TEST_F(KvsHousekeeping, TablesCleanedPackedGroupedAndRestored) {
   KvsObject back = KvsFind(ds, "SHOTS");
   ASSERT_NE(back, nullptr);
   EXPECT_EQ(rows(back), long(kept.size()));
-  KvsObject c = KvsCreate(ds, KvsNname, "RCVS", 0L);
-  ASSERT_NE(c, nullptr);
+  ASSERT_NE(KvsCreate(ds, KvsNname, "RCVS", 0L), nullptr);
   ASSERT_EQ(KvsRestore(ds), 0);
   EXPECT_EQ(KvsFirst(ds), KvsLast(ds));
   EXPECT_EQ(column(KvsFind(KvsFirst(ds), "SHOT")), kept);
   // Sent again as read: the column bounds in the array records are those
   // of the rows, found when they are needed.
   ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
-  std::string stored;
+  std::ostringstream bytes;
   for (auto& e : fs::recursive_directory_iterator(scratch.root + "/kvsd"))
-    if (e.path().filename() == "SHOTS.tab") stored = e.path();
-  std::ifstream in(stored, std::ios::binary);
-  std::vector<char> head(512 + 4);
-  in.read(head.data(), 516);
-  std::uint32_t plen = KvsGetBE32(reinterpret_cast<unsigned char*>(&head[512]));
-  std::vector<char> rec(plen + 512);
-  in.read(rec.data(), static_cast<std::streamsize>(rec.size()));  // parameters, then the SHOT column
-  EXPECT_STREQ(&rec[plen + 224], "SHOT");
-  EXPECT_STREQ(&rec[plen + 352], "0");
-  EXPECT_STREQ(&rec[plen + 368], "9002");
+    if (e.path().filename() == "SHOTS.tab") bytes << std::ifstream(e.path(), std::ios::binary).rdbuf();
+  std::string const file = bytes.str();
+  ASSERT_GT(file.size(), 516u);
+  // The table record, the parameters' length and block, then the SHOT column's record.
+  std::size_t const rec = 516 + KvsGetBE32(reinterpret_cast<const unsigned char*>(&file[512]));
+  ASSERT_LT(rec + 384, file.size());
+  EXPECT_EQ(file.substr(rec + 224, 5) + file.substr(rec + 352, 2) + file.substr(rec + 368, 5),
+            std::string("SHOT\0" "0\0" "9002\0", 12));
   EXPECT_EQ(KvsCompactTable(ds), KvsErrClass);
 }
 
@@ -216,9 +214,8 @@ TEST_F(KvsHousekeeping, BatchStepsHandTheTreeOn) {
   EXPECT_EQ(fd, -1);
   EXPECT_EQ(KvsOpen(session, KvsNident, "J", 0L), nullptr);
   KvsExit();
-  std::ifstream list(job + "/LIST");
   std::string line;
-  EXPECT_TRUE(std::getline(list, line));
+  std::getline(std::ifstream(job + "/LIST"), line);
   EXPECT_EQ(line, "%E resource KvsNmode is mandatory in KvsOpen() call");
   EXPECT_FALSE(fs::exists(job + "/KVS/Kvs.dmp"));
 
