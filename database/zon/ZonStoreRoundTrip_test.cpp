@@ -28,8 +28,8 @@ struct Dataset {
   char const* name;
   char const* className;
   char const* subClass;
-  std::vector<Column> keys;
-  std::vector<Column> others;
+  std::vector<Column> columns;  // the keys first
+  std::size_t nKeys;
   unsigned int n;
   char const* property;  // a string property the store must keep, or null
 };
@@ -58,24 +58,13 @@ Attribute values(Column const& c, unsigned int n, int k) {
 
 std::vector<Dataset> datasets() {
   return {
-      {"plain1,tab", "table", "plain", {{"CDP", vINT32}, {"OFFSET", vINT32}}, {{"ELEV", vFLOAT64}}, 6, nullptr},
-      {"hz1,hz",
-       "horizon",
-       "3d",
-       {{"CDP", vINT32}, {"OFFSET", vINT32}},
-       {{"DATAINDEX", vINT32},
-        {"HORIZONNAMES", vSTRING},
-        {"HORIZONINDEX", vINT32},
-        {"HTIME", vFLOAT32},
-        {"HORIZONFLOATVALUES", vFLOAT32},
-        {"RECUMBENCY", vINT32}},
-       6,
-       "HORIZONNAME"},
-      {"vel1,velo", "velocity", "time_rms", {{"CDP", vINT32}, {"TIME", vFLOAT32}}, {{"VRMS", vFLOAT32}}, 6, nullptr},
-      {"grid1,grid",
-       "zongrid",
-       "",
-       {},
+      {"plain1,tab", "table", "plain", {{"CDP", vINT32}, {"OFFSET", vINT32}, {"ELEV", vFLOAT64}}, 2, 6, nullptr},
+      {"hz1,hz", "horizon", "3d",
+       {{"CDP", vINT32}, {"OFFSET", vINT32}, {"DATAINDEX", vINT32}, {"HORIZONNAMES", vSTRING},
+        {"HORIZONINDEX", vINT32}, {"HTIME", vFLOAT32}, {"HORIZONFLOATVALUES", vFLOAT32}, {"RECUMBENCY", vINT32}},
+       2, 6, "HORIZONNAME"},
+      {"vel1,velo", "velocity", "time_rms", {{"CDP", vINT32}, {"TIME", vFLOAT32}, {"VRMS", vFLOAT32}}, 2, 6, nullptr},
+      {"grid1,grid", "zongrid", "",
        {{"CMP_ORDERING", vSTRING},      {"FIRST_CMP", vINT32},          {"CMP_INCREMENT", vINT32},
         {"CMPLINE_INCREMENT", vINT32},  {"FIRST_INLINE", vINT32},       {"INLINE_INCREMENT", vINT32},
         {"NUM_INLINES", vINT32},        {"INLINE_INTERVAL", vFLOAT64},  {"FIRST_CROSSLINE", vINT32},
@@ -83,21 +72,19 @@ std::vector<Dataset> datasets() {
         {"ROTATION_ANGLE", vFLOAT64},   {"X_REALWORLD_ORIGIN", vFLOAT64}, {"Y_REALWORLD_ORIGIN", vFLOAT64},
         {"X_SURVEY_ORIGIN", vFLOAT64},  {"Y_SURVEY_ORIGIN", vFLOAT64},
         {"NUM_BINS_ALONG_ORDERING_WITH_PADDING", vINT32}},
-       1,
-       "UNITS"},
+       0, 1, "UNITS"},
   };
 }
 
 void writeDataset(vHandle<ZonProject> const& project, Dataset const& d) {
   KeyList keys;
-  for (Column const& c : d.keys) keys.addKey(Attribute(c.name, "", c.type));
+  for (std::size_t k = 0; k < d.nKeys; ++k) keys.addKey(Attribute(d.columns[k].name, "", d.columns[k].type));
   ZonStore store{vHandle_cast<Project>(project)};
   store.create(d.name, d.className, d.subClass, keys, nullptr);
-  for (Column const& c : d.others) store.addAttribute(Attribute(c.name, "", c.type));
+  for (std::size_t k = d.nKeys; k < d.columns.size(); ++k)
+    store.addAttribute(Attribute(d.columns[k].name, "", d.columns[k].type));
   store.addInstances(d.n);
-  int k = 0;
-  for (Column const& c : d.keys) store.write(values(c, d.n, k++), 1, d.n);
-  for (Column const& c : d.others) store.write(values(c, d.n, k++), 1, d.n);
+  for (std::size_t k = 0; k < d.columns.size(); ++k) store.write(values(d.columns[k], d.n, int(k)), 1, d.n);
   if (d.property) store.addProperty(Property(d.property, "FEET"));
   store.close();
 }
@@ -123,11 +110,9 @@ TEST_F(ZonStoreRoundTrip, HorizonAndGridSurviveARestart) {
     vHandle<ZonStore> store = openStore(project, d.name);
     EXPECT_STREQ(d.className, store->getClass().c_str());
     ASSERT_EQ(d.n, store->getNInstances());
-    EXPECT_EQ(d.keys.size() + d.others.size(), store->getNAttributes());
+    EXPECT_EQ(d.columns.size(), store->getNAttributes());
     int k = 0;
-    std::vector<Column> all = d.keys;
-    all.insert(all.end(), d.others.begin(), d.others.end());
-    for (Column const& c : all) {
+    for (Column const& c : d.columns) {
       Attribute const expected = values(c, d.n, k++);
       Attribute back = store->getAttribute(c.name);
       store->read(back, 1, d.n);
@@ -150,7 +135,7 @@ TEST_F(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
   expectFatal([&] { writeDataset(project, horizon); }, "ZonHorizonAdapter::doWriteAll",
               "The property HORIZONNAME is required for horizon hz1,hz.");
   Dataset velocity = datasets()[2];
-  velocity.others.push_back({"ELEV", vFLOAT64});
+  velocity.columns.push_back({"ELEV", vFLOAT64});
   expectFatal([&] { writeDataset(project, velocity); }, "ZonVelocityAdapter::doWriteAll",
               "Wrong number of Attributes <4> in AttributeList for vel1,velo");
   ZonStore store{vHandle_cast<Project>(project)};
@@ -165,7 +150,7 @@ TEST_F(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHold) {
   // Without data conversion a column takes only its own type.
   ZonStore::setDataConversion(Capi::eNoDataConversion);
   Dataset plain = datasets()[0];
-  plain.others[0].type = vFLOAT32;
+  plain.columns[2].type = vFLOAT32;
   expectFatal([&] { writeDataset(project, plain); }, "ZonBuildAttribute::buildDornColumn", "Unexpected DataType vFLOAT32");
   ZonStore::setDataConversion(Capi::eDataTypeConversion);
   // None of them reached the database.
@@ -369,13 +354,13 @@ TEST_F(ZonStoreRoundTrip, ANewSetIsANewTableOfTheDataset) {
 // is added.
 TEST_F(ZonStoreRoundTrip, GeometryTableMadeThroughAStoreAndVectorsRefused) {
   vHandle<ZonProject> project = bed.openProject("sgd");
-  Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}}, {{"XVAL", vFLOAT64}}, 4, "NOTE"};
+  Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}, {"XVAL", vFLOAT64}}, 1, 4, "NOTE"};
   writeDataset(project, sgd);
   EXPECT_STREQ("geometry", project->getStoreDetails(sgd.name, 0).getClass().c_str());
   vHandle<ZonStore> store = openStore(project, sgd.name, true);
   Attribute back = store->getAttribute("XVAL");
   store->read(back, 1, 4);
-  EXPECT_EQ(values(sgd.others[0], 4, 1).getValue(3), back.getValue(3));
+  EXPECT_EQ(values(sgd.columns[1], 4, 1).getValue(3), back.getValue(3));
   expectFatal([&] { store->addAttribute(Attribute("ELEV", "", vFLOAT64, 4)); }, "ZonStoreKVS::addAttribute",
               "Attribute ELEV has 4 values per instance; store sgd,1,line5 keeps one value per instance in each "
               "database column.");
