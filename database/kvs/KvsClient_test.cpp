@@ -246,7 +246,4 @@ TEST(KvsConfig, ResourcesAndInitFailures) {
   unsetenv("KVSROOT");
   EXPECT_EQ(KvsInit(), 10);
   EXPECT_EQ(KvsTestLog().back(), "%S Could not find KVSHOME directory");
-  std::string site, server;
-  KvsExtractSiteServer("siteB:host9", site, server);
-  EXPECT_EQ(site + "|" + server, "siteB|host9");
 }

@@ -261,9 +261,7 @@ TEST_F(KvsHousekeeping, BatchStepsHandTheTreeOn) {
   setenv("STEP", "AX1", 1);
   EXPECT_EQ(KvsInit(), 1);
   EXPECT_EQ(std::string(KvsErrorString()), "%E Could not read saved object tree " + job + "/KVS/Kvs.dmp");
-  unsetenv("JOBN");
-  unsetenv("STEP");
-  unsetenv("PROJECT");
+  for (const char* name : {"JOBN", "STEP", "PROJECT"}) unsetenv(name);
   fs::current_path(was);
   KvsTestCapture();
   init();

@@ -139,16 +139,12 @@ TEST_F(KvsFullDict, ByReferenceForms) {
   EXPECT_EQ(p, nullptr);
   EXPECT_EQ(kvsAllocated, before);
 
-  char project[8], site[6], server[6];
+  char text[14];
   std::string pv, sv, ev;
-  kvsStrLen[0] = 9, kvsStrLen[1] = sizeof project;
-  int rc = kvsfindproject_("abc@siteA", project);
-  EXPECT_EQ(rc, KvsFindProject("abc@siteA", pv));
-  EXPECT_EQ(std::string(project, sizeof project), (pv + "        ").substr(0, sizeof project));
-  kvsStrLen[0] = 9, kvsStrLen[1] = sizeof site, kvsStrLen[2] = sizeof server;
-  rc = kvsextractsiteserver_("sA:db1   ", site, server);
-  EXPECT_EQ(rc, KvsExtractSiteServer("sA:db1", sv, ev));
-  EXPECT_EQ(std::string(site, sizeof site) + "|" + std::string(server, sizeof server),
-            (sv + "      ").substr(0, 6) + "|" + (ev + "      ").substr(0, 6));
-  EXPECT_EQ(pv + sv + ev, "abcsAdb1");
+  kvsStrLen[0] = 9, kvsStrLen[1] = 8;
+  EXPECT_EQ(kvsfindproject_("abc@siteA", text), KvsFindProject("abc@siteA", pv));
+  kvsStrLen[0] = 9, kvsStrLen[1] = 2, kvsStrLen[2] = 4;
+  EXPECT_EQ(kvsextractsiteserver_("sA:db1   ", text + 8, text + 10), KvsExtractSiteServer("sA:db1", sv, ev));
+  EXPECT_EQ(std::string(text, 14), "abc     sAdb1 ");
+  EXPECT_EQ(pv + "|" + sv + "|" + ev, "abc|sA|db1");
 }

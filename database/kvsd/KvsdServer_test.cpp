@@ -44,9 +44,8 @@ TEST(KvsdServer, AWrongCommandLineIsTheUsage) {
     int const raw = std::system(command.c_str());
     ASSERT_TRUE(WIFEXITED(raw)) << arguments;
     EXPECT_EQ(2, WEXITSTATUS(raw)) << arguments;
-    std::ifstream err(dir / "err");
     std::string line;
-    std::getline(err, line);
+    std::getline(std::ifstream(dir / "err"), line);
     EXPECT_EQ("usage: kvsd [-d data-directory] [-p port]", line) << arguments;
     EXPECT_FALSE(fs::exists(dir / "kvsd-data")) << arguments;
   }
