@@ -1,13 +1,10 @@
-// The shared store suite against a real kvsd: over the plain, horizon and
-// mute adapters, which hold the reference content as it is, and over the
-// velocity, water-depth and grid adapters. Those are written under their
-// own column names and closed; for reads they are opened again and seen
-// through the mapping view under the reference names. The view takes no
-// plain writes, so their write cases run on the store opened for update
-// under its own names. Every write case checks its rows after a close, a
-// restart of the daemon and an open in a fresh project. A seismic store
-// loads and writes no attributes of its own (its traces are counted, its
-// parameters are properties), so it cannot hold the reference content.
+// The shared store suite against a real kvsd. The velocity, water-depth and
+// grid adapters hold the reference content under their own column names:
+// reads see them through the mapping view, writes go to the store itself.
+// Write cases check their rows after a close, a daemon restart and an open
+// in a fresh project. A seismic store loads and writes no attributes of its
+// own (its traces are counted, its parameters are properties), so it cannot
+// hold the reference content.
 
 #include "database/zon/ZonStore.h"
 
@@ -45,6 +42,21 @@ vString nextName(char const* type) {
   return name;
 }
 
+struct Column {
+  char const* name;       // the adapter's own
+  char const* reference;  // the reference attribute it holds
+  DataType type;
+};
+
+struct Layout {
+  char const* type;
+  char const* className;
+  char const* subClass;
+  std::vector<Column> columns;
+  KeyList keys;
+};
+
+// newAttribute: an attribute of the dictionary, under the adapter's name for it.
 StoreConformanceCase baseCase(char const* name, char const* newAttribute) {
   StoreConformanceCase c(name);
   c.makeUnopened = [] { return vHandle<AttributeSet>(new ZonStore(vHandle_cast<Project>(project()))); };
@@ -60,49 +72,26 @@ StoreConformanceCase baseCase(char const* name, char const* newAttribute) {
 
 // --- Adapters that hold the reference content as it is ---------------------------------
 
-struct Kind {
-  char const* caseName;
-  char const* className;
-  char const* subClass;
-  char const* type;
-  // An attribute of the dictionary, under the adapter's name for it.
-  char const* newAttribute;
-};
-
-vHandle<ZonStore> referenceStore(Kind const& kind, bool forUpdate) {
-  vString const name = nextName(kind.type);
+vHandle<ZonStore> referenceStore(Layout const& layout, bool forUpdate) {
+  vString const name = nextName(layout.type);
   ZonStore store{vHandle_cast<Project>(project())};
-  store.create(name, kind.className, kind.subClass, StoreConformance::referenceKeys(), nullptr);
+  store.create(name, layout.className, layout.subClass, StoreConformance::referenceKeys(), nullptr);
   StoreConformance::populate(store, {"CDP", "OFFSET", "ELEV"});
   store.addProperty(Property("HORIZONNAME", "reference"));
   store.close();
   return openStore(project(), name, forUpdate);
 }
 
-StoreConformanceCase zonCase(Kind kind) {
-  StoreConformanceCase c = baseCase(kind.caseName, kind.newAttribute);
-  c.openForReading = [kind] { return vHandle_cast<AttributeSet>(referenceStore(kind, false)); };
-  c.openForUpdate = [kind] { return vHandle_cast<AttributeSet>(referenceStore(kind, true)); };
+StoreConformanceCase zonCase(char const* name, Layout const& layout, char const* newAttribute) {
+  StoreConformanceCase c = baseCase(name, newAttribute);
+  c.openForReading = [layout] { return vHandle_cast<AttributeSet>(referenceStore(layout, false)); };
+  c.openForUpdate = [layout] { return vHandle_cast<AttributeSet>(referenceStore(layout, true)); };
   c.texts.keysMissing =
       "Key list has duplicate or missing values in AttributeSet '%s'. Wanted %lld value(s) but found %lld.";
   return c;
 }
 
 // --- Adapters seen through the mapping view ----------------------------------------------
-
-struct Column {
-  char const* name;       // the adapter's own
-  char const* reference;  // the reference attribute it holds
-  DataType type;
-};
-
-struct Layout {
-  char const* type;
-  char const* className;
-  char const* subClass;
-  std::vector<Column> columns;
-  KeyList keys;
-};
 
 // The reference values under an adapter's own column names, written
 // through the adapter and closed; the store's name.
@@ -175,9 +164,9 @@ std::vector<Column> const waterDepthColumns = {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(ZonStores, StoreConformance,
-                         ::testing::Values(zonCase({"ZonPlain", "table", "plain", "tab", "RECUMB"}),
-                                           zonCase({"ZonHorizon", "horizon", "3d", "hz", "RECUMBENCY"}),
-                                           zonCase({"ZonMute", "mute", "offset", "mute", "RECUMB"})),
+                         ::testing::Values(zonCase("ZonPlain", {"tab", "table", "plain", {}, {}}, "RECUMB"),
+                                           zonCase("ZonHorizon", {"hz", "horizon", "3d", {}, {}}, "RECUMBENCY"),
+                                           zonCase("ZonMute", {"mute", "mute", "offset", {}, {}}, "RECUMB")),
                          StoreConformance::caseName);
 INSTANTIATE_TEST_SUITE_P(
     ZonAdapters, StoreConformance,
