@@ -13,27 +13,10 @@ using namespace kvs;
 
 namespace {
 
-struct KvsClient : ::testing::Test {
-  KvsScratch scratch;
-  KvsdProcess kvsd{scratch.root + "/kvsd"};
-  KvsObject session = nullptr;
-
+struct KvsClient : KvsServed {
   void SetUp() override {
-    KvsTestCapture();
-    int port = kvsd.start();
-    ASSERT_GT(port, 0);
-    ASSERT_EQ(connect(port), 0) << KvsErrorString();
-  }
-  int connect(int port) {
-    setenv("KVSPORT", std::to_string(port).c_str(), 1);
-    int rc = KvsInit();
-    session = KvsFirst(KvsRoot());
-    return rc;
-  }
-  int restart() {
-    KvsExit();
-    kvsd.stop(SIGTERM);
-    return connect(kvsd.start());
+    ASSERT_NO_FATAL_FAILURE(KvsServed::SetUp());
+    init();
   }
   // The columns of a SHOTS table of n rows, of every kind, or empty; a null in Z.
   struct Shots {
@@ -107,7 +90,7 @@ TEST_F(KvsClient, TablesRoundTripSurviveRestartAndFailWhenCut) {
   EXPECT_TRUE(logged("%I SEIS L1 v1 for SHOTS successfully replaced"));
   KvsClose(ds);
   expectShots("L1", 20000);
-  ASSERT_EQ(restart(), 0);
+  ASSERT_NO_FATAL_FAILURE(restart());
   expectShots("L1", 20000);
   std::vector<std::string> idents;
   EXPECT_EQ(KvsGetTree(session, idents), 0);

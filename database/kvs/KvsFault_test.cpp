@@ -65,14 +65,9 @@ void answerConnect(int fd) {
 
 // Killed in mid-transfer, the daemon keeps what it had; started again, it
 // refuses bad frames and serves the others.
-TEST(KvsFault, DaemonKilledInMidTransferThenBadFrames) {
-  KvsScratch scratch;
-  KvsTestCapture();
-  std::string data = scratch.root + "/kvsd";
-  KvsdProcess kvsd(data);
-  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
-  ASSERT_EQ(KvsInit(), 0);
-  KvsObject session = KvsFirst(KvsRoot());
+TEST_F(KvsServed, DaemonKilledInMidTransferThenBadFrames) {
+  init();
+  std::string const data = scratch.root + "/kvsd";
   std::vector<float> small(3000, 1.5f), big(16 << 20, 2.5f);
   ASSERT_EQ(KvsReplace(floatTable(session, "kept", small)), 0);
   KvsObject ds = floatTable(session, "lost", big);
@@ -85,10 +80,7 @@ TEST(KvsFault, DaemonKilledInMidTransferThenBadFrames) {
   EXPECT_EQ(KvsTestLog()[KvsTestLog().size() - 2],
             rc == 4 ? "%E Could not receive data from server on 127.0.0.1"
                     : "%E Could not send data to server on 127.0.0.1");
-  KvsExit();
-  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
-  ASSERT_EQ(KvsInit(), 0);
-  session = KvsFirst(KvsRoot());
+  ASSERT_NO_FATAL_FAILURE(restart());
   EXPECT_FALSE(partFileIn(data));
   KvsObject kept = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "kept", 0L);
   long rows = 0;

@@ -26,20 +26,7 @@ namespace {
 
 void (*const plainPrintf)(const char*) = KvsPrintf;
 
-struct KvsHousekeeping : ::testing::Test {
-  KvsScratch scratch;
-  KvsdProcess kvsd{scratch.root + "/kvsd"};
-  KvsObject session = nullptr;
-  void SetUp() override {
-    KvsTestCapture();
-    int port = kvsd.start();
-    ASSERT_GT(port, 0);
-    setenv("KVSPORT", std::to_string(port).c_str(), 1);
-  }
-  void init() {
-    ASSERT_EQ(KvsInit(), 0) << KvsErrorString();
-    session = KvsFirst(KvsRoot());
-  }
+struct KvsHousekeeping : KvsServed {
   static long rows(KvsObject o) {
     long n = -1;
     KvsGet(o, KvsNsize, &n, 0L);

@@ -68,6 +68,25 @@ KvsScratch::~KvsScratch() {
   std::filesystem::remove_all(root);
 }
 
+void KvsServed::SetUp() {
+  KvsTestCapture();
+  int port = kvsd.start();
+  ASSERT_GT(port, 0);
+  setenv("KVSPORT", std::to_string(port).c_str(), 1);
+}
+
+void KvsServed::init() {
+  ASSERT_EQ(KvsInit(), 0) << KvsErrorString();
+  session = KvsFirst(KvsRoot());
+}
+
+void KvsServed::restart() {
+  KvsExit();
+  kvsd.stop(SIGTERM);
+  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
+  init();
+}
+
 std::vector<std::string>& KvsTestLog() {
   static std::vector<std::string> log;
   return log;
