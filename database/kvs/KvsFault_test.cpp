@@ -36,12 +36,14 @@ KvsObject floatTable(KvsObject session, const char* ident, std::vector<float>& x
   return ds;
 }
 
-// A peer that answers the library as `script` says, over one connection.
+// A peer that answers the library as `script` says, over one connection;
+// KVSPORT names it.
 struct FakeServer {
   int port = 0, listenFd;
   std::thread thread;
   explicit FakeServer(std::function<void(int)> script) {
     listenFd = KvsSkListen(0, &port);
+    setenv("KVSPORT", std::to_string(port).c_str(), 1);
     thread = std::thread([this, script] {
       int fd = accept(listenFd, nullptr, nullptr);
       script(fd);
@@ -123,7 +125,6 @@ TEST(KvsFault, LibraryRefusesBadReplies) {
       KvsSkEncodeHead(head, 70000, 1);
       write(fd, head, 16);
     });
-    setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
     EXPECT_EQ(KvsInit(), 4);
     EXPECT_EQ(KvsTestLog().back(), "%E Could not receive data from server on 127.0.0.1");
   }
@@ -142,7 +143,6 @@ TEST(KvsFault, LibraryRefusesBadReplies) {
     m.setText(304, 8, "FLT");
     KvsSkWrite(fd, m.b, KvsMsgSize);
   });
-  setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
   ASSERT_EQ(KvsInit(), 0);
   EXPECT_EQ(KvsOpen(KvsFirst(KvsRoot()), KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "d", 0L), nullptr);
   EXPECT_EQ(KvsTestLog().back(), "%E Invalid Array Header");
@@ -163,7 +163,6 @@ TEST(KvsFault, TableAndArrayRecordsAsSent) {
     no.setText(KvsMsgText, 128, "no room");
     KvsSkWrite(fd, no.b, KvsMsgSize);
   });
-  setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
   ASSERT_EQ(KvsInit(), 0);
   // The extremes sit past the first eight rows, beside a null that would
   // be the smallest value if it were counted.
