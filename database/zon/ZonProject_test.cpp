@@ -150,7 +150,7 @@ TEST_F(ZonProjects, GeometryTablesAreNamedApart) {
 
 // The library serves one project at a time: alternating projects start it
 // again at each switch, the same project twice does not.
-TEST_F(ZonProjects, SwitchingProjectsReactivatesOnlyOnChange) {
+TEST_F(ZonProjects, SwitchingProjectsReactivatesOnlyOnChangeAndMessagesPassOn) {
   ASSERT_TRUE(db.writeShots("alpha", "SEIS", "A", "1", 3));
   ASSERT_TRUE(db.writeShots("beta", "SEIS", "B", "1", 4));
   vHandle<ZonProject> alpha = openProject("alpha");
@@ -171,12 +171,8 @@ TEST_F(ZonProjects, SwitchingProjectsReactivatesOnlyOnChange) {
   EXPECT_EQ(3u, alpha->getAttributeSetDetails("a,seis", 0).front().getNInstances());
   EXPECT_EQ(before + 3, vKvsActivate::getCounter());
   EXPECT_EQ(1u, beta->getStoreList("", "")->size());
-}
-
-// Library messages reach the system's handlers by severity, without their
-// prefix, and the routine ones are dropped.
-TEST_F(ZonProjects, LibraryMessagesGoThroughTheHandlers) {
-  vHandle<ZonProject> project = openProject("alpha");
+  // Library messages reach the system's handlers by severity, without their
+  // prefix, and the routine ones are dropped.
   Recorder recorder;
   for (char const* text : {"%I dataset L1 successfully replaced", "%I No data selected in database for dataset X",
                            "%I hello", "%W careful", "%E Not existing version 4", "%E broken",
