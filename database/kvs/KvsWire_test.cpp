@@ -46,7 +46,7 @@ TEST(KvsWire, FrameHeadBytesSocketFramesAndOversize) {
   close(sv[1]);
 }
 
-TEST(KvsWire, RecordFields) {
+TEST(KvsWire, RecordFieldsAndParameterBlockBytes) {
   KvsMsg m;
   m.setText(KvsMsgUser, 16, "averyveryverylonguser");
   m.setText(KvsMsgHost, 24, "hostname", 23);
@@ -61,9 +61,7 @@ TEST(KvsWire, RecordFields) {
   std::string dump = KvsMsgDump(m, "REPLY");
   EXPECT_EQ(dump.substr(0, 30), "KVSMSG __________________REPLY");
   EXPECT_NE(dump.find("   Text    : \n"), std::string::npos);
-}
-
-TEST(KvsWire, ParameterBlockBytes) {
+  // A block of parameters.
   KvsParam i{"NX", "SGD", "INT", "", false, 258, 0, 0, ""};
   KvsParam d{"DX", "SEIS", "DBL", "m", true, 0, 0, 0, ""};
   KvsParam t{"NOTE", "SGD", "C", "", false, 0, 0, 0, std::string(41, 'x')};
