@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -20,10 +16,8 @@ namespace {
 
 // A dictionary with every kind of element, written to a file and read.
 struct KvsFullDict : ::testing::Test {
-  std::string dir;
+  KvsScratch scratch;
   void SetUp() override {
-    char tmpl[] = "/tmp/kvs_dictXXXXXX";
-    dir = mkdtemp(tmpl);
     std::vector<KvsDtElement> d[KvsDtKinds];
     d[KvsDtAttKind] = {{"SHOT", 1, KvsFmtINT, 4}, {"X", 2, KvsFmtFLT, 4}, {"XR", 3, KvsFmtFLT, 4}, {"NAME", 4, 0, 8}};
     d[KvsDtTypKind] = {{"SEIS", 1}};
@@ -37,11 +31,10 @@ struct KvsFullDict : ::testing::Test {
     d[KvsDtMemberKind] = {{"", 2, 2}, {"", 3, 3}};
     d[KvsDtSubKind] = {{"", 3, 2}, {"", 2, 1}, {"", 4, 5}, {"", 5, 4}};
     std::vector<unsigned char> bytes = KvsDtBuild(d);
-    std::ofstream(dir + "/KvsDict.bin", std::ios::binary)
+    std::ofstream(scratch.root + "/KvsDict.bin", std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    ASSERT_EQ(_KvsDtLoad(dir + "/KvsDict.bin"), 0);
+    ASSERT_EQ(_KvsDtLoad(scratch.root + "/KvsDict.bin"), 0);
   }
-  void TearDown() override { std::filesystem::remove_all(dir); }
 };
 
 std::string str(const char* p) { return p ? p : "(null)"; }
