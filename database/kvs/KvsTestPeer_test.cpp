@@ -38,7 +38,6 @@ int KvsdProcess::start(int port) {
 void KvsdProcess::stop(int sig) {
   if (pid_ <= 0) return;
   kill(pid_, sig);
-  kill(pid_, SIGCONT);
   waitpid(pid_, nullptr, 0);
   pid_ = -1;
 }

@@ -35,8 +35,7 @@ TEST(CapiZonFactory, ServersComeFromTheInstalledClientFolders) {
 
   std::filesystem::create_directories(zon + "london");
   EXPECT_STREQ("", CapiZonFactory::getDefaultServer().c_str());
-  std::filesystem::create_directories(zon + "houston");
-  std::filesystem::create_directories(zon + "paris.v2");
+  for (char const* folder : {"houston", "paris.v2"}) std::filesystem::create_directories(zon + folder);
   TestReleaseTree::write(zon + "notes", "a plain file is listed as the folder lists it\n");
   TestReleaseTree::write(zon + ".hidden", "");
   EXPECT_STREQ("houston", CapiZonFactory::getDefaultServer().c_str());

@@ -173,7 +173,7 @@ TEST_F(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHoldAndVelocitiesGetE
   bed.tree().unsetEnv("SP_CAPIZON_KVSENDVELOCITY");
 }
 
-TEST_F(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
+TEST_F(ZonStoreRoundTrip, SeismicAndGeometryTablesKeepTheirParameters) {
   vHandle<ZonProject> project = bed.openProject("seismic");
   // Written by the library itself, as a loader of traces would.
   project->setSession();
@@ -203,6 +203,26 @@ TEST_F(ZonStoreRoundTrip, SeismicGivesTraceCountAndParameters) {
   store->addProperty(Property("STATUS", 4));
   store->close();  // traces and their parameters are not written from here
   EXPECT_EQ(3, openStore(project, "line1,seis")->findProperty(vUCString("STATUS"))->getInt32());
+  // A seismic-geometry table made through a store keeps its properties in
+  // the geometry group; a vector, which no column can hold, is refused as
+  // it is added.
+  Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}, {"XVAL", vFLOAT64}}, 1, 4, "NOTE"};
+  writeDataset(project, sgd);
+  EXPECT_STREQ("geometry", project->getStoreDetails(sgd.name, 0).getClass().c_str());
+  vHandle<ZonStore> geometry = openStore(project, sgd.name, true);
+  Attribute back = geometry->getAttribute("XVAL");
+  geometry->read(back, 1, 4);
+  EXPECT_EQ(values(sgd.columns[1], 4, 1).getValue(3), back.getValue(3));
+  expectFatal([&] { geometry->addAttribute(Attribute("ELEV", "", vFLOAT64, 4)); }, "ZonStoreKVS::addAttribute",
+              "Attribute ELEV has 4 values per instance; store sgd,1,line5 keeps one value per instance in each "
+              "database column.");
+  geometry->close();
+  project->setSession();
+  ds = KvsOpen(project->getSession(), KvsNmode, 1L, KvsNtype, "SGD", KvsNident, "LINE5", KvsNversion,
+                         "1", 0L);
+  KvsParam const* note = KvsParamFind(KvsFind(KvsFind(ds, "SGD1"), "SGD"), "NOTE");
+  EXPECT_EQ("FEET", note ? note->text : "none");
+  KvsClose(ds);
 }
 
 TEST_F(ZonStoreRoundTrip, LoadsOnFirstNeedClosesWriteOnlyChangesAndRefusesDuplicateKeys) {
@@ -330,28 +350,4 @@ TEST_F(ZonStoreRoundTrip, TheOtherTablesOfADatasetAreSecondarySets) {
   EXPECT_EQ(6u, plain->getNInstances());
   plain->openAttributeSet("hz2d");
   EXPECT_EQ(values(columns[2], 4, 2).getValue(3), htime(*plain, 4).getValue(3));
-}
-
-// A seismic-geometry table made through a store keeps its properties in
-// the geometry group; a vector, which no column can hold, is refused as it
-// is added.
-TEST_F(ZonStoreRoundTrip, GeometryTableMadeThroughAStoreAndVectorsRefused) {
-  vHandle<ZonProject> project = bed.openProject("sgd");
-  Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}, {"XVAL", vFLOAT64}}, 1, 4, "NOTE"};
-  writeDataset(project, sgd);
-  EXPECT_STREQ("geometry", project->getStoreDetails(sgd.name, 0).getClass().c_str());
-  vHandle<ZonStore> store = openStore(project, sgd.name, true);
-  Attribute back = store->getAttribute("XVAL");
-  store->read(back, 1, 4);
-  EXPECT_EQ(values(sgd.columns[1], 4, 1).getValue(3), back.getValue(3));
-  expectFatal([&] { store->addAttribute(Attribute("ELEV", "", vFLOAT64, 4)); }, "ZonStoreKVS::addAttribute",
-              "Attribute ELEV has 4 values per instance; store sgd,1,line5 keeps one value per instance in each "
-              "database column.");
-  store->close();
-  project->setSession();
-  KvsObject ds = KvsOpen(project->getSession(), KvsNmode, 1L, KvsNtype, "SGD", KvsNident, "LINE5", KvsNversion,
-                         "1", 0L);
-  KvsParam const* note = KvsParamFind(KvsFind(KvsFind(ds, "SGD1"), "SGD"), "NOTE");
-  EXPECT_EQ("FEET", note ? note->text : "none");
-  KvsClose(ds);
 }
