@@ -31,10 +31,6 @@ vHandle<ZonProject>& project() {
   return project;
 }
 
-vHandle<AttributeSet> reopenAfterRestart(vHandle<AttributeSet> written) {
-  return bed().reopenAfterRestart(written, project(), "conform");
-}
-
 vString nextName(char const* type) {
   static int count = 0;
   vString name("ref");
@@ -60,7 +56,7 @@ struct Layout {
 StoreConformanceCase baseCase(char const* name, char const* newAttribute) {
   StoreConformanceCase c(name);
   c.makeUnopened = [] { return vHandle<AttributeSet>(new ZonStore(vHandle_cast<Project>(project()))); };
-  c.reopen = reopenAfterRestart;
+  c.reopen = [](vHandle<AttributeSet> written) { return bed().reopenAfterRestart(written, project(), "conform"); };
   c.attributes = {"CDP", "OFFSET", "ELEV"};
   if (newAttribute) c.newAttribute = newAttribute;
   c.hasClasses = false;

@@ -23,7 +23,6 @@ ZonTestBed::ZonTestBed() {
   std::filesystem::copy_file(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/ZonClassTranslations.txt",
                              m_tree.systemFilesDir() + "ZonClassTranslations.txt");
   for (char const* name : {"KVSROOT", "KVSPROJ", "KVSDICT"}) m_tree.unsetEnv(name);
-  m_tree.setEnv("KVSPORT", "0");
   m_tree.setEnv("TMPDIR", m_tree.root());
   ZonClassNamesTranslator::dropTable();
   start();
