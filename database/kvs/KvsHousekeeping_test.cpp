@@ -323,12 +323,15 @@ TEST_F(KvsHousekeeping, SendCleansByKeysAndSmallerTablesReplaceLarger) {
   EXPECT_EQ(column(KvsFind(KvsFind(ds, "NOTES"), "SHOT")), shot);
   using Name = std::array<char, 8>;
   EXPECT_EQ(column<Name>(KvsFind(KvsFind(ds, "NAMED"), "NAME")), (std::vector<Name>{{'a'}, {'c'}}));
-  // The server's records through the by-reference forms.
+  // The server's records through the by-reference forms, in blocks of the
+  // counted allocation that KvsHelper gives back whole.
+  long const held = kvsAllocated;
   KvsBaseInfo* info = nullptr;
   kvsStrLen[0] = 6, kvsStrLen[1] = 0, kvsStrLen[2] = 0;
   ASSERT_EQ(kvsbasegetinfo_("proj  ", nullptr, nullptr, &info), 0);
   ASSERT_EQ(info->count, 1);
   EXPECT_EQ(std::string(info->datasets[0].type) + info->datasets[0].ident, "SEISC");
+  EXPECT_GT(kvsAllocated, held);
   KvsHelper::free(info);
   int n = 0;
   char** list = nullptr;
@@ -337,6 +340,7 @@ TEST_F(KvsHousekeeping, SendCleansByKeysAndSmallerTablesReplaceLarger) {
   ASSERT_EQ(n, 1);
   EXPECT_STREQ(list[0], "proj");
   KvsHelper::free(list);
+  EXPECT_EQ(kvsAllocated, held);
   // The same table replaced by smaller ones: each read back whole, over
   // files the daemon and the library write over.
   for (long m : {2000L, 1000L, 1500L}) {

@@ -20,8 +20,7 @@ TEST(CapiZonFactory, ServersComeFromTheInstalledClientFolders) {
                        "[london]\nProductionDatabase = lprod\n");
   vDatabases::clearCache();
   std::string zon = tree.releaseDir() + "SupportFiles/CapiZon/";
-  tree.unsetEnv("KVSROOT");
-  tree.unsetEnv("KVSPROJ");
+  for (char const* name : {"KVSROOT", "KVSPROJ"}) tree.unsetEnv(name);
 
   // The first factory action gives the library its defaults: the default
   // database's folder and the default project.

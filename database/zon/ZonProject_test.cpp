@@ -14,6 +14,7 @@
 namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
+std::string str(ProjectListEntry const& e) { return str(e.getName()); }
 
 template <class List>
 std::string joined(List const& list) {
@@ -61,10 +62,8 @@ TEST_F(ZonProjects, ListOpenAndDescribeDatasets) {
   // library's blocks, and are given back whole.
   long const lent = kvs::kvsAllocated;
 
-  std::string names;
   vHandle<ProjectList> projects = catalog->getProjectList();
-  for (ProjectListEntry const& e : *projects) names += str(e.getName()) + ";";
-  EXPECT_EQ("survey7;other;", names);
+  EXPECT_EQ("survey7;other;", joined(*projects));
 
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
   EXPECT_EQ("datahost", str(catalog->getHost()));

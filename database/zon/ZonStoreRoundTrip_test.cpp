@@ -137,8 +137,7 @@ TEST_F(ZonStoreRoundTrip, TypedDatasetsRefuseWhatTheyCannotHoldAndVelocitiesGetE
               "Wrong number of Attributes <4> in AttributeList for vel1,velo");
   ZonStore store{vHandle_cast<Project>(project)};
   store.create("grid2,grid", "zongrid", "", KeyList(), nullptr);
-  Attribute ordering("CMP_ORDERING", "", vSTRING);
-  ordering.resize(1);
+  Attribute ordering = values({"CMP_ORDERING", vSTRING}, 1, 0);
   ordering.setString(1, "DIAGONAL");
   store.addAttribute(ordering);
   store.addInstances(1);
