@@ -165,8 +165,7 @@ TEST(KvsFault, LibraryRefusesBadRepliesAndSendsRecordsAsLaidOut) {
   // be the smallest value if it were counted.
   std::vector<float> x(19, 2.5f);
   x[13] = -7.5f, x[17] = 9.5f;
-  std::uint32_t null = KvsNullWord;
-  std::memcpy(&x[10], &null, 4);
+  std::memcpy(&x[10], kvsNull, 4);
   EXPECT_EQ(KvsReplace(floatTable(KvsFirst(KvsRoot()), "L9", x)), 1);
   EXPECT_EQ(KvsTestLog().back(), "%W SEIS L9  for RCVS could not be replaced");
   auto field = [](const KvsMsg& m, std::size_t off, std::size_t n) {
