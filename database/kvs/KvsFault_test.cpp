@@ -36,12 +36,14 @@ KvsObject floatTable(KvsObject session, const char* ident, std::vector<float>& x
   return ds;
 }
 
-// A peer that answers the library as `script` says, over one connection.
+// A peer that answers the library as `script` says, over one connection;
+// KVSPORT names it.
 struct FakeServer {
   int port = 0, listenFd;
   std::thread thread;
   explicit FakeServer(std::function<void(int)> script) {
     listenFd = KvsSkListen(0, &port);
+    setenv("KVSPORT", std::to_string(port).c_str(), 1);
     thread = std::thread([this, script] {
       int fd = accept(listenFd, nullptr, nullptr);
       script(fd);
@@ -65,14 +67,9 @@ void answerConnect(int fd) {
 
 // Killed in mid-transfer, the daemon keeps what it had; started again, it
 // refuses bad frames and serves the others.
-TEST(KvsFault, DaemonKilledInMidTransferThenBadFrames) {
-  KvsScratch scratch;
-  KvsTestCapture();
-  std::string data = scratch.root + "/kvsd";
-  KvsdProcess kvsd(data);
-  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
-  ASSERT_EQ(KvsInit(), 0);
-  KvsObject session = KvsFirst(KvsRoot());
+TEST_F(KvsServed, DaemonKilledInMidTransferThenBadFrames) {
+  init();
+  std::string const data = scratch.root + "/kvsd";
   std::vector<float> small(3000, 1.5f), big(16 << 20, 2.5f);
   ASSERT_EQ(KvsReplace(floatTable(session, "kept", small)), 0);
   KvsObject ds = floatTable(session, "lost", big);
@@ -85,10 +82,7 @@ TEST(KvsFault, DaemonKilledInMidTransferThenBadFrames) {
   EXPECT_EQ(KvsTestLog()[KvsTestLog().size() - 2],
             rc == 4 ? "%E Could not receive data from server on 127.0.0.1"
                     : "%E Could not send data to server on 127.0.0.1");
-  KvsExit();
-  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
-  ASSERT_EQ(KvsInit(), 0);
-  session = KvsFirst(KvsRoot());
+  ASSERT_NO_FATAL_FAILURE(restart());
   EXPECT_FALSE(partFileIn(data));
   KvsObject kept = KvsOpen(session, KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "kept", 0L);
   long rows = 0;
@@ -121,7 +115,7 @@ TEST(KvsFault, DaemonKilledInMidTransferThenBadFrames) {
   EXPECT_EQ(KvsProtect(ds), 0);
 }
 
-TEST(KvsFault, LibraryRefusesBadReplies) {
+TEST(KvsFault, LibraryRefusesBadRepliesAndSendsRecordsAsLaidOut) {
   KvsScratch scratch;
   KvsTestCapture();
   // A frame longer than the largest allowed.
@@ -131,7 +125,6 @@ TEST(KvsFault, LibraryRefusesBadReplies) {
       KvsSkEncodeHead(head, 70000, 1);
       write(fd, head, 16);
     });
-    setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
     EXPECT_EQ(KvsInit(), 4);
     EXPECT_EQ(KvsTestLog().back(), "%E Could not receive data from server on 127.0.0.1");
   }
@@ -150,17 +143,13 @@ TEST(KvsFault, LibraryRefusesBadReplies) {
     m.setText(304, 8, "FLT");
     KvsSkWrite(fd, m.b, KvsMsgSize);
   });
-  setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
   ASSERT_EQ(KvsInit(), 0);
   EXPECT_EQ(KvsOpen(KvsFirst(KvsRoot()), KvsNmode, 1L, KvsNtype, "SEIS", KvsNident, "d", 0L), nullptr);
   EXPECT_EQ(KvsTestLog().back(), "%E Invalid Array Header");
-}
-
-TEST(KvsFault, TableAndArrayRecordsAsSent) {
-  KvsScratch scratch;
-  KvsTestCapture();
+  KvsExit();
+  // The table and array records as sent, the peer refusing them.
   KvsMsg table, array;
-  FakeServer peer([&](int fd) {
+  FakeServer sink([&](int fd) {
     answerConnect(fd);
     std::vector<unsigned char> params(64000);
     KvsSkRead(fd, table.b, KvsMsgSize);
@@ -171,14 +160,12 @@ TEST(KvsFault, TableAndArrayRecordsAsSent) {
     no.setText(KvsMsgText, 128, "no room");
     KvsSkWrite(fd, no.b, KvsMsgSize);
   });
-  setenv("KVSPORT", std::to_string(peer.port).c_str(), 1);
   ASSERT_EQ(KvsInit(), 0);
   // The extremes sit past the first eight rows, beside a null that would
   // be the smallest value if it were counted.
   std::vector<float> x(19, 2.5f);
   x[13] = -7.5f, x[17] = 9.5f;
-  std::uint32_t null = KvsNullWord;
-  std::memcpy(&x[10], &null, 4);
+  std::memcpy(&x[10], kvsNull, 4);
   EXPECT_EQ(KvsReplace(floatTable(KvsFirst(KvsRoot()), "L9", x)), 1);
   EXPECT_EQ(KvsTestLog().back(), "%W SEIS L9  for RCVS could not be replaced");
   auto field = [](const KvsMsg& m, std::size_t off, std::size_t n) {

@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -20,10 +16,8 @@ namespace {
 
 // A dictionary with every kind of element, written to a file and read.
 struct KvsFullDict : ::testing::Test {
-  std::string dir;
+  KvsScratch scratch;
   void SetUp() override {
-    char tmpl[] = "/tmp/kvs_dictXXXXXX";
-    dir = mkdtemp(tmpl);
     std::vector<KvsDtElement> d[KvsDtKinds];
     d[KvsDtAttKind] = {{"SHOT", 1, KvsFmtINT, 4}, {"X", 2, KvsFmtFLT, 4}, {"XR", 3, KvsFmtFLT, 4}, {"NAME", 4, 0, 8}};
     d[KvsDtTypKind] = {{"SEIS", 1}};
@@ -37,11 +31,10 @@ struct KvsFullDict : ::testing::Test {
     d[KvsDtMemberKind] = {{"", 2, 2}, {"", 3, 3}};
     d[KvsDtSubKind] = {{"", 3, 2}, {"", 2, 1}, {"", 4, 5}, {"", 5, 4}};
     std::vector<unsigned char> bytes = KvsDtBuild(d);
-    std::ofstream(dir + "/KvsDict.bin", std::ios::binary)
+    std::ofstream(scratch.root + "/KvsDict.bin", std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    ASSERT_EQ(_KvsDtLoad(dir + "/KvsDict.bin"), 0);
+    ASSERT_EQ(_KvsDtLoad(scratch.root + "/KvsDict.bin"), 0);
   }
-  void TearDown() override { std::filesystem::remove_all(dir); }
 };
 
 std::string str(const char* p) { return p ? p : "(null)"; }
@@ -139,16 +132,12 @@ TEST_F(KvsFullDict, ByReferenceForms) {
   EXPECT_EQ(p, nullptr);
   EXPECT_EQ(kvsAllocated, before);
 
-  char project[8], site[6], server[6];
+  char text[14];
   std::string pv, sv, ev;
-  kvsStrLen[0] = 9, kvsStrLen[1] = sizeof project;
-  int rc = kvsfindproject_("abc@siteA", project);
-  EXPECT_EQ(rc, KvsFindProject("abc@siteA", pv));
-  EXPECT_EQ(std::string(project, sizeof project), (pv + "        ").substr(0, sizeof project));
-  kvsStrLen[0] = 9, kvsStrLen[1] = sizeof site, kvsStrLen[2] = sizeof server;
-  rc = kvsextractsiteserver_("sA:db1   ", site, server);
-  EXPECT_EQ(rc, KvsExtractSiteServer("sA:db1", sv, ev));
-  EXPECT_EQ(std::string(site, sizeof site) + "|" + std::string(server, sizeof server),
-            (sv + "      ").substr(0, 6) + "|" + (ev + "      ").substr(0, 6));
-  EXPECT_EQ(pv + sv + ev, "abcsAdb1");
+  kvsStrLen[0] = 9, kvsStrLen[1] = 8;
+  EXPECT_EQ(kvsfindproject_("abc@siteA", text), KvsFindProject("abc@siteA", pv));
+  kvsStrLen[0] = 9, kvsStrLen[1] = 2, kvsStrLen[2] = 4;
+  EXPECT_EQ(kvsextractsiteserver_("sA:db1   ", text + 8, text + 10), KvsExtractSiteServer("sA:db1", sv, ev));
+  EXPECT_EQ(std::string(text, 14), "abc     sAdb1 ");
+  EXPECT_EQ(pv + "|" + sv + "|" + ev, "abc|sA|db1");
 }

@@ -38,7 +38,6 @@ int KvsdProcess::start(int port) {
 void KvsdProcess::stop(int sig) {
   if (pid_ <= 0) return;
   kill(pid_, sig);
-  kill(pid_, SIGCONT);
   waitpid(pid_, nullptr, 0);
   pid_ = -1;
 }
@@ -66,6 +65,25 @@ KvsScratch::KvsScratch() {
 KvsScratch::~KvsScratch() {
   KvsExit();
   std::filesystem::remove_all(root);
+}
+
+void KvsServed::SetUp() {
+  KvsTestCapture();
+  int port = kvsd.start();
+  ASSERT_GT(port, 0);
+  setenv("KVSPORT", std::to_string(port).c_str(), 1);
+}
+
+void KvsServed::init() {
+  ASSERT_EQ(KvsInit(), 0) << KvsErrorString();
+  session = KvsFirst(KvsRoot());
+}
+
+void KvsServed::restart() {
+  KvsExit();
+  kvsd.stop(SIGTERM);
+  setenv("KVSPORT", std::to_string(kvsd.start()).c_str(), 1);
+  init();
 }
 
 std::vector<std::string>& KvsTestLog() {

@@ -14,19 +14,14 @@
 using namespace kvs;
 using Bytes = std::vector<unsigned char>;
 
-TEST(KvsWire, FrameHeadBytes) {
+TEST(KvsWire, FrameHeadBytesSocketFramesAndOversize) {
   unsigned char head[16];
   KvsSkEncodeHead(head, 0x0001F400, 0x00003039);
-  Bytes want = {0x00, 0x01, 0xF4, 0x00, 0x00, 0x00, 0x30, 0x39, 0, 0, 0, 0, 0, 0, 0, 0};
-  EXPECT_EQ(Bytes(head, head + 16), want);
+  EXPECT_EQ(Bytes(head, head + 16), (Bytes{0x00, 0x01, 0xF4, 0x00, 0x00, 0x00, 0x30, 0x39, 0, 0, 0, 0, 0, 0, 0, 0}));
   std::uint32_t len, pid;
   EXPECT_TRUE(KvsSkDecodeHead(head, 128000, len, pid));
-  EXPECT_EQ(len, 128000u);
-  EXPECT_EQ(pid, 12345u);
+  EXPECT_EQ(std::make_pair(len, pid), std::make_pair(128000u, 12345u));
   EXPECT_FALSE(KvsSkDecodeHead(head, 127999, len, pid));
-}
-
-TEST(KvsWire, SocketFramesAndOversize) {
   int sv[2];
   ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, sv), 0);
   Bytes big(64001, 7), in(70000);
@@ -51,7 +46,7 @@ TEST(KvsWire, SocketFramesAndOversize) {
   close(sv[1]);
 }
 
-TEST(KvsWire, RecordFields) {
+TEST(KvsWire, RecordFieldsAndParameterBlockBytes) {
   KvsMsg m;
   m.setText(KvsMsgUser, 16, "averyveryverylonguser");
   m.setText(KvsMsgHost, 24, "hostname", 23);
@@ -66,9 +61,7 @@ TEST(KvsWire, RecordFields) {
   std::string dump = KvsMsgDump(m, "REPLY");
   EXPECT_EQ(dump.substr(0, 30), "KVSMSG __________________REPLY");
   EXPECT_NE(dump.find("   Text    : \n"), std::string::npos);
-}
-
-TEST(KvsWire, ParameterBlockBytes) {
+  // A block of parameters.
   KvsParam i{"NX", "SGD", "INT", "", false, 258, 0, 0, ""};
   KvsParam d{"DX", "SEIS", "DBL", "m", true, 0, 0, 0, ""};
   KvsParam t{"NOTE", "SGD", "C", "", false, 0, 0, 0, std::string(41, 'x')};

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <utility>
+#include <vector>
 
 #include "database/kvsd/KvsdServer.h"
 
@@ -12,12 +14,10 @@ using namespace kvsd;
 namespace fs = std::filesystem;
 
 TEST(KvsdServer, NamesStayInsideTheDataDirectory) {
-  struct Row {
-    std::string name, path;
-  } rows[] = {{"L1", "L1"}, {"../etc", "%2E%2E%2Fetc"}, {"", "%"}};
-  for (const Row& r : rows) {
-    EXPECT_EQ(KvsdEncodeName(r.name), r.path);
-    EXPECT_EQ(KvsdDecodeName(r.path), r.name);
+  for (auto const& [name, path] :
+       std::vector<std::pair<std::string, std::string>>{{"L1", "L1"}, {"../etc", "%2E%2E%2Fetc"}, {"", "%"}}) {
+    EXPECT_EQ(KvsdEncodeName(name), path);
+    EXPECT_EQ(KvsdDecodeName(path), name);
   }
 }
 
@@ -44,9 +44,8 @@ TEST(KvsdServer, AWrongCommandLineIsTheUsage) {
     int const raw = std::system(command.c_str());
     ASSERT_TRUE(WIFEXITED(raw)) << arguments;
     EXPECT_EQ(2, WEXITSTATUS(raw)) << arguments;
-    std::ifstream err(dir / "err");
     std::string line;
-    std::getline(err, line);
+    std::getline(std::ifstream(dir / "err"), line);
     EXPECT_EQ("usage: kvsd [-d data-directory] [-p port]", line) << arguments;
     EXPECT_FALSE(fs::exists(dir / "kvsd-data")) << arguments;
   }

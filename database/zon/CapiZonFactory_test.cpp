@@ -10,18 +10,6 @@
 #include "foundation/TestReleaseTree.h"
 #include "foundation/vDatabases.h"
 
-namespace {
-
-std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
-
-std::string joined(std::list<vString> const& list) {
-  std::string text;
-  for (vString const& s : list) text += str(s) + ";";
-  return text;
-}
-
-}  // namespace
-
 // The database client files of each server live in a folder of the support
 // files; the default server is the one of this host's domain, and only when
 // its folder is installed.
@@ -32,8 +20,7 @@ TEST(CapiZonFactory, ServersComeFromTheInstalledClientFolders) {
                        "[london]\nProductionDatabase = lprod\n");
   vDatabases::clearCache();
   std::string zon = tree.releaseDir() + "SupportFiles/CapiZon/";
-  tree.unsetEnv("KVSROOT");
-  tree.unsetEnv("KVSPROJ");
+  for (char const* name : {"KVSROOT", "KVSPROJ"}) tree.unsetEnv(name);
 
   // The first factory action gives the library its defaults: the default
   // database's folder and the default project.
@@ -43,26 +30,25 @@ TEST(CapiZonFactory, ServersComeFromTheInstalledClientFolders) {
   EXPECT_EQ(zon + "houston", std::string(std::getenv("KVSROOT")));
   EXPECT_EQ("1006400", std::string(std::getenv("KVSPROJ")));
   EXPECT_FALSE(CapiZonFactory::KVSROOTexists());
-  EXPECT_EQ("", str(CapiZonFactory::getDefaultServer()));
+  EXPECT_STREQ("", CapiZonFactory::getDefaultServer().c_str());
 
   std::filesystem::create_directories(zon + "london");
-  EXPECT_EQ("", str(CapiZonFactory::getDefaultServer()));
-  std::filesystem::create_directories(zon + "houston");
-  std::filesystem::create_directories(zon + "paris.v2");
+  EXPECT_STREQ("", CapiZonFactory::getDefaultServer().c_str());
+  for (char const* folder : {"houston", "paris.v2"}) std::filesystem::create_directories(zon + folder);
   TestReleaseTree::write(zon + "notes", "a plain file is listed as the folder lists it\n");
   TestReleaseTree::write(zon + ".hidden", "");
-  EXPECT_EQ("houston", str(CapiZonFactory::getDefaultServer()));
+  EXPECT_STREQ("houston", CapiZonFactory::getDefaultServer().c_str());
   EXPECT_TRUE(CapiZonFactory::KVSROOTexists());
 
   servers.push_back("kept");
   CapiZonFactory::getAvailableServers(servers);
-  EXPECT_EQ("kept;houston;london;notes;paris.v2;", joined(servers));
+  EXPECT_EQ((std::list<vString>{"kept", "houston", "london", "notes", "paris.v2"}), servers);
 
   tree.setEnv("DORN_DOMAIN", "branch.example");
   expectFatal([] { CapiZonFactory::getDefaultServer(); }, "vDatabases::get",
               "Domain 'branch.example' not found in the database configuration file '" + tree.systemFilesDir() +
                   "DatabaseConfig.ini'!");
   tree.setEnv("DORN_DOMAIN", "london");
-  EXPECT_EQ("london", str(CapiZonFactory::getDefaultServer()));
+  EXPECT_STREQ("london", CapiZonFactory::getDefaultServer().c_str());
   vDatabases::clearCache();
 }

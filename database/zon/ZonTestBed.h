@@ -8,12 +8,13 @@
 // set for the test and restored after it.
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <memory>
 #include <string>
 
+#include "database/kvs/KvsTestPeer.h"
 #include "database/zon/ZonProject.h"
+#include "database/zon/ZonStore.h"
 #include "project/AttributeSet.h"
 #include "foundation/TestReleaseTree.h"
 
@@ -38,9 +39,11 @@ class ZonTestBed {
 
  private:
   TestReleaseTree m_tree;
-  std::string m_data;
-  pid_t m_pid;
+  kvs::KvsdProcess m_kvsd{m_tree.root() + "/kvsd"};
 };
+
+// A store of the project, opened for reading or for update.
+vHandle<ZonStore> openStore(vHandle<ZonProject> const& project, vLCString const& name, bool update = false);
 
 // A fixture whose tests share one daemon, started once for the suite; each
 // test opens a project of its own. Suite is the fixture itself, so that
