@@ -24,13 +24,9 @@ CMPBasicGrid padded() {
 
 TEST(CMPBasicGrid, PaddedLinesLeaveGapsInTheCMPNumbers) {
   CMPBasicGrid const g = padded();
-  EXPECT_EQ(58, g.getLastCMP());
-  EXPECT_EQ(12, g.getCMPLineInc());
-  EXPECT_EQ(50, g.getNumBins());
-  EXPECT_TRUE(g.isValidCMP(10));
-  EXPECT_FALSE(g.isValidCMP(11));
-  EXPECT_TRUE(g.isValidCMP(13));
-  EXPECT_FALSE(g.isValidCMP(59));
+  EXPECT_EQ(std::make_tuple(58, 12, 50), std::make_tuple(g.getLastCMP(), g.getCMPLineInc(), g.getNumBins()));
+  EXPECT_EQ((std::vector<bool>{true, false, true, false}),
+            (std::vector<bool>{g.isValidCMP(10), g.isValidCMP(11), g.isValidCMP(13), g.isValidCMP(59)}));
   EXPECT_EQ(BinPos(102, 20), g.convertCMPToBin(13));
   EXPECT_EQ(58, g.convertBinToCMP(BinPos(108, 29)));
   for (int index = 1; index <= g.getNumBins(); ++index) {
@@ -52,13 +48,11 @@ TEST(CMPBasicGrid, PaddedLinesLeaveGapsInTheCMPNumbers) {
 TEST(CMPBasicGrid, OrderingAndNegativeIncrements) {
   // Along crosslines, CMPs counting down by 2 from 1000, inlines counting down.
   CMPBasicGrid const g(1000, -2, 50, -1, 4, 1, 1, 3, vCoordinate(), 10.0f, 10.0f, 0.0, CMPBasicGrid::ALONG_CROSSLINES);
-  EXPECT_EQ(3, g.getNumCMPLines());
-  EXPECT_EQ(1000 - 2 * 11, g.getLastCMP());
-  EXPECT_EQ(47, g.getLastInline());
+  EXPECT_EQ(std::make_tuple(3, 1000 - 2 * 11, 47),
+            std::make_tuple(g.getNumCMPLines(), g.getLastCMP(), g.getLastInline()));
   EXPECT_EQ(BinPos(50, 1), g.convertCMPToBin(1000));
   EXPECT_EQ(BinPos(50, 2), g.convertCMPToBin(992));
-  EXPECT_FALSE(g.isValidCMP(1002));
-  EXPECT_FALSE(g.isValidCMP(999));
+  EXPECT_FALSE(g.isValidCMP(1002) || g.isValidCMP(999));
   EXPECT_EQ(6, g.convertInlineCrosslineIndexesToCMPIndex(2, 2));
 }
 
@@ -150,13 +144,13 @@ TEST(CMPBasicGrid, ChecksOfConstructionAndSetting) {
 
 TEST(CMPBasicGrid, SGDValuesComeBack) {
   double const az = vCoordinate::convertDegreesToRadians(-150.0);
+  double x0, y0, ax, ay;
+  float dx, dy;
+  int fi, li, fx, lx;
   for (double const turn : {M_PI / 2, -M_PI / 2}) {
     CMPBasicGrid const g(431000.5, 6170000.25, az, az + turn, 12.5f, 25.0f, 11, 90, 101, 400);
     EXPECT_EQ(BinPos(11, 101), g.convertCMPToBin(1));
     EXPECT_EQ(80 * 300, g.getNumBins());
-    double x0, y0, ax, ay;
-    float dx, dy;
-    int fi, li, fx, lx;
     g.getSGDGridValues(x0, y0, ax, ay, dx, dy, fi, li, fx, lx);
     EXPECT_NEAR(431000.5, x0, 1e-6);
     EXPECT_NEAR(6170000.25, y0, 1e-6);
@@ -171,9 +165,6 @@ TEST(CMPBasicGrid, SGDValuesComeBack) {
                 "FINL/FCRL (First Inline/First Crossline) must be > 0, and, LINL/LCRL (Last Inline/Last Crossline) "
                 "must not be less than FINL/FCRL. (FINL=0, LINL=5, FCRL=3, LCRL=2)\n");
   CMPBasicGrid const stepped(1, 1, 1, 2, 3, 1, 1, 3, vCoordinate(), 1.0f, 1.0f, 0.0);
-  double x0, y0, ax, ay;
-  float dx, dy;
-  int fi, li, fx, lx;
   expectFailure([&] { stepped.getSGDGridValues(x0, y0, ax, ay, dx, dy, fi, li, fx, lx); },
                 "CMPBasicGrid::getSGDGridValues", "Inline/Crossline Increments must be 1 only");
 }
@@ -185,9 +176,7 @@ TEST(CMPBasicGrid, CMPRelationFromThreeBinsAndExtension) {
   for (int i = 0; i < 3; ++i) cmps[i] = g.convertBinToCMP(BinPos(il[i], xl[i]));
   int c = 0, a = 0, b = 0;
   ASSERT_TRUE(CMPBasicGrid::calculateCMP(10, il, xl, cmps, c, a, b));
-  EXPECT_EQ(6, a);  // 12 per inline, inlines step by 2
-  EXPECT_EQ(1, b);
-  EXPECT_EQ(1 - 600 - 20, c);
+  EXPECT_EQ(std::make_tuple(6, 1, 1 - 600 - 20), std::make_tuple(a, b, c));  // 12 per inline, inlines step by 2
   int const sameInline[3] = {100, 100, 108};
   EXPECT_FALSE(CMPBasicGrid::calculateCMP(10, sameInline, xl, cmps, c, a, b));
   EXPECT_FALSE(CMPBasicGrid::calculateCMP(1, il, xl, cmps, c, a, b));
@@ -199,9 +188,8 @@ TEST(CMPBasicGrid, CMPRelationFromThreeBinsAndExtension) {
   EXPECT_EQ(corners, g.getExtensionLocations(corners));
 }
 
-// The rotation of a grid is checked against an independent numpy computation
-// (testdata/grid_peer.py, run by /usr/bin/python3). The peer must be there.
-// Runs the peer on the input lines; its output lines.
+// The output lines of an independent numpy computation of a grid's rotation
+// (testdata/grid_peer.py, run by /usr/bin/python3) on the input lines.
 std::vector<std::string> runPeer(std::string const& args, std::string const& input) {
   std::string const dir = ::testing::TempDir();
   std::string const in = dir + "grid_peer_in_" + std::to_string(getpid());

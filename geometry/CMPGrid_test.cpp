@@ -73,16 +73,11 @@ TEST(CMPGrid, GridStoresThroughTheStoreFactory) {
   EXPECT_EQ(grid, CMPGrid(*pushed));
 
   StoreDescription const unwritable(vFilename("/nonexistent/grid.bogus"));
-  try {
-    MessageHandling quiet;
-    grid.createGridStore(unwritable);
-    ADD_FAILURE() << "a grid store was made of an unknown format";
-  } catch (UtlExcept const& e) {
-    std::string const reason = e.getReason().c_str();
-    EXPECT_EQ(0u,
-              reason.find("Requested Grid '" + std::string(unwritable.toString().c_str()) + "' could not be created."))
-        << reason;
-  }
+  MessageHandling quiet;
+  std::string const text = fatalText([&] { grid.createGridStore(unwritable); });
+  EXPECT_EQ(0u, text.find("CMPGrid::createGridStore: Requested Grid '" + std::string(unwritable.toString().c_str()) +
+                          "' could not be created."))
+      << text;
 }
 
 }  // namespace
