@@ -178,8 +178,7 @@ TEST_F(Mapping, FilesAndWhereTheyAreFound) {
   Attribute doubled = store->getAttribute("DOUBLE");
   store->read(doubled, 3, 4);
   EXPECT_EQ(vFLOAT64, doubled.getDataType());
-  EXPECT_EQ(600, doubled.getFloat64(1));
-  EXPECT_EQ(200, doubled.getFloat64(2));
+  EXPECT_EQ((std::vector<double>{600, 200}), (std::vector<double>{doubled.getFloat64(1), doubled.getFloat64(2)}));
   expectFatal([&] { StoreDecoratorFactory::addAttributeMapping(referenceStore(), vFilename("/nowhere/x.cstf")); },
               "AttributeMappingDecorator::processExpression(filename)", "Failed to open the file '/nowhere/x.cstf'!");
 }

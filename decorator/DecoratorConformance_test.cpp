@@ -18,15 +18,6 @@ namespace {
 
 vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
 
-// Select views word their own refusals of writes and of ranges past the
-// end; group numbers and the rest are checked as every set checks them.
-void selectTexts(StoreConformanceCase& c) {
-  c.texts.notWritable = "Has not been written yet.";
-  // The suite asks for instances 1 to 13 of 12.
-  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
-  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
-}
-
 StoreConformanceCase forwarding() {
   StoreConformanceCase c("StoreDecorator");
   c.openForReading = [] { return asSet(vHandle<Store>(new StoreDecorator(referenceStore()))); };
@@ -64,7 +55,12 @@ StoreConformanceCase selectCase(char const* name, Layout const& layout, char con
     if (op) view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("op", op, low, high)));
     return asSet(store);
   };
-  selectTexts(c);
+  // Select views word their own refusals of writes and of ranges past the
+  // end (the suite asks for instances 1 to 13 of 12); group numbers and the
+  // rest are checked as every set checks them.
+  c.texts.notWritable = "Has not been written yet.";
+  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
+  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
   return c;
 }
 

@@ -32,17 +32,16 @@ vHandle<Store> gridStore(std::vector<int> const& groups, std::vector<double> con
   return vHandle_cast<Store>(store);
 }
 
-std::vector<double> column(Store const& store, char const* name) { return values(store, name); }
-
 TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
   EXPECT_FALSE(InfillAttributeSetIndexingTable::boundsCheckOk(10.02, 0, 10));
   EXPECT_TRUE(InfillAttributeSetIndexingTable::boundsCheckOk(0.30000000000000004, 0.1, 0.1));
 
   // Floating keys on a 0.25 grid; each group over its own range.
   vHandle<Store> own(new InfillStoreDecorator(gridStore({1, 1, 2, 2}, {0.5, 1.25, 2, 2.25}, vFLOAT32), true));
-  EXPECT_EQ((std::vector<double>{0.5, 0.75, 1, 1.25, 2, 2.25}), column(*own, "X"));
+  EXPECT_EQ((std::vector<double>{0.5, 0.75, 1, 1.25, 2, 2.25}), values(*own, "X"));
 
   // Pad limits widen the range; they must hold the values and lie on the grid.
+  char const* const build = "InfillAttributeSetIndexingTable::myBuildInfillGroup";
   struct Case {
     double low, high;
     char const* fatal;
@@ -58,23 +57,16 @@ TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
     vHandle<Store> view(infill);
     infill->applyPaddingLimits(c.low, c.high, 10);
     if (c.fatal)
-      expectFatal([&] { view->getNInstances(); }, "InfillAttributeSetIndexingTable::myBuildInfillGroup", c.fatal);
+      expectFatal([&] { view->getNInstances(); }, build, c.fatal);
     else
       EXPECT_EQ(14u, view->getNInstances());
   }
 
-  expectFatal(
-      [] {
-        StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances();
-      },
-      "InfillAttributeSetIndexingTable::myBuildInfillGroup", "Duplicate sub-set value found in group <1.000000>\n");
-  expectFatal(
-      [] {
-        StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances();
-      },
-      "InfillAttributeSetIndexingTable::myBuildInfillGroup",
-      "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
-      "determined increment <4.000000>\n");
+  expectFatal([] { StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances(); }, build,
+              "Duplicate sub-set value found in group <1.000000>\n");
+  expectFatal([] { StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances(); }, build,
+              "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
+              "determined increment <4.000000>\n");
   InfillStoreDecorator infill(gridStore({1}, {1}), false);
   infill.addKeyAttributes("GROUP", "X");
   expectFatal([&] { infill.addKeyAttributes("GROUP", "VALUE"); }, "InfillAttributeSetIndexingTable::addKeyAttributes",
@@ -106,18 +98,18 @@ TEST(InfillStoreDecorator, EveryPadType) {
   for (Case const& c : cases) {
     SCOPED_TRACE(c.type);
     vHandle<Store> view(new InfillStoreDecorator(gridStore({1, 1, 1, 2, 2, 3, 3, 3}, {10, 20, 40, 20, 30, 40, 0, 20}), c.type));
-    EXPECT_EQ(c.x, column(*view, "X"));
-    EXPECT_EQ(c.value, column(*view, "VALUE"));
+    EXPECT_EQ(c.x, values(*view, "X"));
+    EXPECT_EQ(c.value, values(*view, "VALUE"));
   }
   // Pad limits on a group's own step; every type but PadNone takes them.
   InfillStoreDecorator* own = new InfillStoreDecorator(gridStore({1, 1, 2, 2}, {0, 10, 0, 20}), Table::PadWithinGroupOwnStep);
   vHandle<Store> view(own);
   own->applyPaddingLimits(-20, 40, 0);
-  EXPECT_EQ((std::vector<double>{-20, -10, 0, 10, 20, 30, 40, -20, 0, 20, 40}), column(*view, "X"));
+  EXPECT_EQ((std::vector<double>{-20, -10, 0, 10, 20, 30, 40, -20, 0, 20, 40}), values(*view, "X"));
   InfillStoreDecorator* none = new InfillStoreDecorator(gridStore({1, 1}, {0, 20}), Table::PadNone);
   vHandle<Store> asIs(none);
   none->applyPaddingLimits(-20, 30, 0);
-  EXPECT_EQ((std::vector<double>{0, 20}), column(*asIs, "X"));
+  EXPECT_EQ((std::vector<double>{0, 20}), values(*asIs, "X"));
   // A floating key within a thousandth of a step of a grid value stands
   // for it; one further off does not, and the grid value is invented beside.
   for (double off : {0.50018, 0.5006}) {
@@ -125,7 +117,7 @@ TEST(InfillStoreDecorator, EveryPadType) {
                                                    Table::PadToCommonEnd));
     std::vector<double> expected{0.5, 0.75, 1.0, 1.25, 0.25, off, 0.75, 1.0, 1.25};
     if (off > 0.5005) expected.insert(expected.begin() + 5, 0.5);
-    EXPECT_EQ(expected, column(*floats, "X"));
+    EXPECT_EQ(expected, values(*floats, "X"));
   }
 }
 

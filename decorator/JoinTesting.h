@@ -13,7 +13,6 @@
 
 #include "attribute/AttributeDefinitionTable.h"
 #include "decorator/DecoratorTesting.h"
-#include "foundation/vString.h"
 
 namespace join_testing {
 
@@ -35,31 +34,6 @@ struct SetContent {
   std::string name;
   std::vector<Column> columns;
 };
-
-inline void setElement(Attribute& a, unsigned int instance, int position, double v) {
-  switch (a.getDataType()) {
-    case vINT16:
-      a.getInt16Pointer(instance)[position] = static_cast<short>(v);
-      break;
-    case vINT32:
-      a.getInt32Pointer(instance)[position] = static_cast<int>(v);
-      break;
-    case vINT64:
-      a.getInt64Pointer(instance)[position] = static_cast<long long>(v);
-      break;
-    case vFLOAT32:
-      a.getFloat32Pointer(instance)[position] = static_cast<float>(v);
-      break;
-    case vSTRING: {
-      vString text;
-      text.printf("s%g", v);
-      a.getStringPointer(instance)[position] = text;
-      break;
-    }
-    default:
-      a.getFloat64Pointer(instance)[position] = v;
-  }
-}
 
 inline void writeColumns(Store& store, std::vector<Column> const& columns) {
   unsigned int n = 0;
@@ -111,9 +85,6 @@ inline vHandle<Store> simpleStore(char const* name, std::vector<std::string> con
                                   std::vector<Column> const& columns) {
   return openJoin(joinShelf(name, keyNames, {SetContent{"", columns}}), name);
 }
-
-// All values of the attribute read by range from a set.
-inline std::vector<double> all(AttributeSet const& set, char const* name) { return values(set, name); }
 
 // The values of an attribute after a read.
 inline std::vector<double> valuesOf(Attribute const& a) {

@@ -66,8 +66,8 @@ TEST_F(SelectView, DebugModeReachesTheCollection) {
   view->setDebugMode(true);
   RecordingHandler recorder;
   EXPECT_EQ(6u, top->getNInstances());
-  ASSERT_EQ(1u, recorder.infos.size());
-  EXPECT_EQ("SelectStoreDecorator::doEvaluate|Instances 1 to 12: 6 selected", recorder.infos[0]);
+  EXPECT_EQ((std::vector<std::string>{"SelectStoreDecorator::doEvaluate|Instances 1 to 12: 6 selected"}),
+            recorder.infos);
 }
 
 }  // namespace

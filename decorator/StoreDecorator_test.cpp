@@ -14,14 +14,9 @@ using namespace decorator_testing;
 
 namespace {
 
-vHandle<Project> unitTestProject() {
-  vHandle<ProjectCatalog> catalog(new UTProjectCatalog("host", ProjectType::UNITTEST));
-  return vHandle<Project>(new UTProject(catalog));
-}
-
 // Comparison and property assignment are the store's to answer: a StoreImp's
 // refusal comes back through every kind of view.
-TEST(StoreDecoratorForwarding, ComparisonAndAssignmentReachTheStoreBelow) {
+TEST(StoreDecoratorForwarding, RefusalsOfTheStoreBelowAndOfViews) {
   vHandle<Store> below = referenceStore();
   vHandle<SelectStoreDecorator> select;
   vHandle<AttributeSelectDecorator> attributes;
@@ -32,6 +27,15 @@ TEST(StoreDecoratorForwarding, ComparisonAndAssignmentReachTheStoreBelow) {
                                      StoreDecoratorFactory::addAttributeSelect(below, attributes)})
     expectFailure([&] { *view = properties; }, "StoreImp::operator=()", refused);
   expectFailure([&] { (void)(StoreDecorator(below) == *below); }, "StoreImp::operator==()", refused);
+
+  // Group and key reads refuse what they cannot read.
+  vHandle<Store> store = StoreDecoratorFactory::addSelect(below, select);
+  Attribute cdp = store->getAttribute("CDP");
+  expectFailure([&] { store->read(cdp, cdp, 1, 1); }, "StoreDecoratorImp::read(byGroups)",
+                "The address of the Attrbiute 'CDP' being read, cannot be the same as the groups Attribute.");
+  Attribute elev = store->getAttribute("ELEV");
+  expectFailure([&] { store->read(elev, KeyList()); }, "StoreDecoratorImp::read(byKeys)",
+                "KeyList must have at lease one key Attribute.");
 }
 
 // Flushes stop at the decorator; a released store leaves an empty handle.
@@ -87,7 +91,8 @@ TEST(StoreDecoratorFactoryStacking, OffloadViewsAreNotAvailable) {
 
 struct ScratchFixture : ::testing::Test {
   void SetUp() override {
-    project = unitTestProject();
+    project = vHandle<Project>(
+        new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST))));
     ut = dynamic_cast<UTProject*>(project.pointer());
     below = openStore(layoutShelf(referenceLayout()), true, project);
     ut->addStore(StoreDetails(ProjectType::UNITTEST, "", "reference", below->getVersion()));
@@ -119,20 +124,6 @@ TEST_F(ScratchFixture, TheLastHandleClosesAndDeletesTheStoreOnce) {
     scratch = vHandle<Store>();
   }
   EXPECT_TRUE(listed());
-}
-
-// --- refusals common to views ---------------------------------------------------------------
-
-TEST(StoreDecoratorImpReads, GroupAndKeyReadsRefuseWhatTheyCannotRead) {
-  vHandle<SelectStoreDecorator> view;
-  vHandle<Store> store = StoreDecoratorFactory::addSelect(referenceStore(), view);
-  Attribute cdp = store->getAttribute("CDP");
-  expectFailure([&] { store->read(cdp, cdp, 1, 1); }, "StoreDecoratorImp::read(byGroups)",
-                "The address of the Attrbiute 'CDP' being read, cannot be the same as the groups Attribute.");
-  Attribute elev = store->getAttribute("ELEV");
-  KeyList none;
-  expectFailure([&] { store->read(elev, none); }, "StoreDecoratorImp::read(byKeys)",
-                "KeyList must have at lease one key Attribute.");
 }
 
 }  // namespace

@@ -48,7 +48,7 @@ class Translating : public ::testing::Test {
   vHandle<TranslatingAttributeSetDecorator> view;
 };
 
-TEST_F(Translating, TheClientSeesItsOwnVocabulary) {
+TEST_F(Translating, TheClientSeesItsOwnVocabularyBothWays) {
   // Attributes named after their class keep their names; the types are
   // the client's.
   EXPECT_EQ((std::vector<std::string>{"CDP", "ELEV", "SOURCE_X"}), names(view->getAttributeList()));
@@ -59,9 +59,8 @@ TEST_F(Translating, TheClientSeesItsOwnVocabulary) {
   view->read(shot, 2, 3);
   EXPECT_EQ("SHOT_X", std::string(shot.getName().c_str()));
   EXPECT_FLOAT_EQ(30.75f, shot.getFloat32(2));
-}
 
-TEST_F(Translating, WritesRenameOnlyForTheirTimeAndConvertData) {
+  // Writes rename only for their time, and convert the data.
   Attribute cdp("CDP_NO", "CDP", vINT32);
   cdp.resize(1);
   cdp.setInt32(1, 77);
@@ -72,7 +71,6 @@ TEST_F(Translating, WritesRenameOnlyForTheirTimeAndConvertData) {
   EXPECT_ANY_THROW(view->write(cdp, 7, 7));
   EXPECT_EQ("CDP_NO", std::string(cdp.getName().c_str()));
 
-  Attribute shot("SHOT_X", "SOURCE_X", vFLOAT32);
   shot.resize(1);
   shot.setFloat32(1, 1.5f);
   view->write(shot, std::vector<unsigned int>{3});
