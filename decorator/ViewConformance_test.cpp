@@ -1,18 +1,23 @@
 // The shared store suite through the translating, mapping, bin, restore-mute,
 // bind and infill views. Over a file store they read the same lines as over
-// memory: the file stores run the suite themselves.
+// memory: the file stores run the suite themselves. Then binning and the
+// restored mute on their own.
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
 #include "decorator/AttributeMappingDecorator.h"
+#include "decorator/BinDecorator.h"
 #include "decorator/BindStoreDecorator.h"
 #include "decorator/DecoratorTesting.h"
+#include "decorator/RestoreMuteDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
+#include "filestore/memory/InMemoryStore.h"
 #include "foundation/TestReleaseTree.h"
 #include "testing/StoreConformance.h"
 
@@ -131,6 +136,83 @@ StoreConformanceCase infill() {
   // in-process sets, ranges in the view's own; the suite words both alike.
   c.notApplicable = {"RefusesBadGroupNumbersWithTheirTexts"};
   return c;
+}
+
+// Two traces recorded from 200 ms to 1000 ms at 4 ms: 201 samples each.
+vHandle<Store> mutedStore() {
+  vHandle<InMemoryStore> store(new InMemoryStore(vHandle<Project>()));
+  KeyList keys;
+  keys.addKey(Attribute("CDP", "CDP", vINT32));
+  store->create("muted", "seismic", "3d", keys, nullptr);
+  store->addInstances(2);
+  Attribute trace("TRACE", "TRACE", vFLOAT32, 201, 4.0, 200.0);
+  store->addAttribute(trace);
+  trace.resize(2);
+  for (unsigned int i = 1; i <= 2; ++i)
+    for (int s = 0; s < 201; ++s) trace.getFloat32Pointer(i)[s] = static_cast<float>(1000 * i + s + 1);
+  store->write(trace, 1, 2);
+  Attribute cdp("CDP", "CDP", vINT32);
+  cdp.resize(2);
+  cdp.setInt32(1, 7);
+  cdp.setInt32(2, 8);
+  store->write(cdp, 1, 2);
+  return vHandle_cast<Store>(store);
+}
+
+TEST(RestoreMuteDecorator, TracesStartAtTimeZero) {
+  vHandle<Store> view = StoreDecoratorFactory::addRestoreMute(mutedStore());
+  Attribute shown = view->getAttribute("TRACE");
+  EXPECT_EQ(251, shown.getLength());
+  EXPECT_EQ(0.0, shown.getFirstTime());
+  view->read(shown, std::vector<unsigned int>{2, 1});
+  std::vector<float> expected(50, 0.0f);
+  for (int s = 0; s < 201; ++s) expected.push_back(static_cast<float>(2000 + s + 1));
+  float const* second = shown.getFloat32Pointer(1);
+  EXPECT_EQ(expected, std::vector<float>(second, second + 251));
+  EXPECT_EQ(1001.0f, shown.getFloat32Pointer(2)[50]);
+  // Writes are refused as the suite checks; so are updates and new stores.
+  expectFatal([&] { view->update("muted", 0, "", "", nullptr); }, "RestoreMuteDecorator::update(storename)",
+              "Not Supported.");
+  expectFatal([&] { view->create("x", "", "", KeyList(), nullptr); }, "RestoreMuteDecorator::create(storename)",
+              "Not Supported.");
+}
+
+TEST(Binner, SnapsToBinsAndTreatsValuesOutside) {
+  Binner binner;
+  binner.addBins(10, 20, 10, 4);
+  struct Case {
+    Binner::UnbinnedValueOptions option;
+    double in;
+    double out;
+  } const cases[] = {
+      {Binner::SetNoValue, 11, 10},
+      {Binner::SetNoValue, 22, 20},
+      {Binner::UseNearestBin, 5, 10},
+      {Binner::LeaveAlone, 22.5, 22.5},
+      {Binner::SetNoValue, 5, std::numeric_limits<double>::max()},
+  };
+  for (Case const& c : cases) {
+    binner.setLowerOption(c.option);
+    binner.setUpperOption(c.option);
+    double v = c.in;
+    binner.binValues(&v, vFLOAT64, 1);
+    EXPECT_EQ(c.out, v) << c.in << " option " << c.option;
+  }
+  int ints[] = {4, 12, 30};
+  binner.setLowerOption(Binner::SetNoValue);
+  binner.setUpperOption(Binner::UseNearestBin);
+  binner.binValues(ints, vINT32, 3);
+  EXPECT_EQ((std::vector<int>{std::numeric_limits<int>::max(), 10, 20}), std::vector<int>(ints, ints + 3));
+
+  // Touching bins: the first listed wins; a walk downwards; a single bin
+  // sits round the maximum with the minimum as its value.
+  Binner touching;
+  touching.addBins(0, 4, 2, 2);
+  touching.addBins(30, 20, -10, 2);
+  touching.addBins(7, 100, 0, 1);
+  double values[] = {1, 3, 21, 30, 100.5, 99.4};
+  touching.binValues(values, vFLOAT64, 6);
+  EXPECT_EQ((std::vector<double>{0, 2, 20, 30, 7, 99.4}), std::vector<double>(values, values + 6));
 }
 
 }  // namespace
