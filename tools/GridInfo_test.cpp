@@ -20,13 +20,12 @@ namespace {
 
 using namespace tool_testing;
 
-std::string g9(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.9g", value);
-  return text;
-}
-
-void writePacked(InMemoryStore const& store, std::string const& file) {
+// A packed in-memory store holding the grid and one more property.
+void writeGridStore(CMPGrid const& grid, Property const& extra, std::string const& file) {
+  InMemoryStore store{vHandle<Project>()};
+  store.create("survey", "grid", "cmp", KeyList(), nullptr);
+  grid.addToStore(store);
+  store.addProperty(extra);
   Packer packer;
   packer.pack(store);
   unsigned char const* bytes = nullptr;
@@ -38,13 +37,7 @@ void writePacked(InMemoryStore const& store, std::string const& file) {
 TEST(RondoGrid, RotatedGridOfAnInMemoryStoreWithItsProjection) {
   fs_testing::TempDir dir;
   CMPGrid const grid(101, 3, 2000, 2, 30, 400, -1, 70, vCoordinate(612345.125, 5712345.875), -25.0f, 12.5f, 0.4321);
-  {
-    InMemoryStore store{vHandle<Project>()};
-    store.create("survey", "grid", "cmp", KeyList(), nullptr);
-    grid.addToStore(store);
-    store.addProperty(Property(vUCString("COORDINATE_SYSTEM"), "EPSG:32631"));
-    writePacked(store, dir / "survey.store");
-  }
+  writeGridStore(grid, Property(vUCString("COORDINATE_SYSTEM"), "EPSG:32631"), dir / "survey.store");
   Outcome const text = tool(dir, "info survey.store");
   ASSERT_EQ(0, text.status) << text.err;
   // Corners in world coordinates: the last inline is 2000 + 29 * 2, the
@@ -71,13 +64,7 @@ TEST(RondoGrid, RotatedGridOfAnInMemoryStoreWithItsProjection) {
     EXPECT_NE(std::string::npos, json.out.find(part)) << part << json.out;
 
   // A grid the geometry refuses leaves the rest of the report standing.
-  {
-    InMemoryStore store{vHandle<Project>()};
-    store.create("old", "grid", "cmp", KeyList(), nullptr);
-    grid.addToStore(store);
-    store.addProperty(Property(vUCString("X_STORAGE_BIAS"), 5.0));
-    writePacked(store, dir / "old.store");
-  }
+  writeGridStore(grid, Property(vUCString("X_STORAGE_BIAS"), 5.0), dir / "old.store");
   Outcome const old = tool(dir, "info old.store");
   EXPECT_EQ(0, old.status) << old.err;
   EXPECT_NE(std::string::npos,

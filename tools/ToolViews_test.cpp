@@ -15,12 +15,6 @@ namespace {
 
 using namespace tool_testing;
 
-std::string g9(double v) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.9g", v);
-  return text;
-}
-
 TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 37, 8);
