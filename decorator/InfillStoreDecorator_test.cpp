@@ -2,34 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include "decorator/DecoratorTesting.h"
+#include "decorator/JoinTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
-#include "filestore/memory/InMemoryStore.h"
-#include "foundation/TestReleaseTree.h"
 
-using namespace decorator_testing;
+using namespace join_testing;
 
 namespace {
 
 // Keys GROUP and X with the given values, and VALUE = 100 * instance.
-vHandle<Store> gridStore(std::vector<int> const& groups, std::vector<double> const& xs, DataType xType = vINT32) {
-  vHandle<InMemoryStore> store(new InMemoryStore(vHandle<Project>()));
-  KeyList keys;
-  keys.addKey(Attribute("GROUP", "GROUP", vINT32));
-  keys.addKey(Attribute("X", "X", xType));
-  store->create("grid", "seismic", "3d", keys, nullptr);
-  unsigned int const n = static_cast<unsigned int>(groups.size());
-  store->addInstances(n);
-  Attribute g("GROUP", "GROUP", vINT32), x("X", "X", xType), v("VALUE", "", vFLOAT64);
-  store->addAttribute(v);
-  for (Attribute* a : {&g, &x, &v}) a->resize(n);
-  for (unsigned int i = 1; i <= n; ++i) {
-    g.setValue(i, groups[i - 1]);
-    x.setValue(i, xs[i - 1]);
-    v.setValue(i, 100.0 * i);
-  }
-  for (Attribute* a : {&g, &x, &v}) store->write(*a, 1, n);
-  return vHandle_cast<Store>(store);
+vHandle<Store> gridStore(std::vector<double> const& groups, std::vector<double> const& xs, DataType xType = vINT32) {
+  std::vector<double> v;
+  for (std::size_t i = 1; i <= groups.size(); ++i) v.push_back(100.0 * i);
+  return simpleStore("grid", {"GROUP", "X"},
+                     {column("GROUP", vINT32, groups), column("X", xType, xs), column("VALUE", vFLOAT64, v)});
 }
 
 TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
@@ -57,20 +42,21 @@ TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
     vHandle<Store> view(infill);
     infill->applyPaddingLimits(c.low, c.high, 10);
     if (c.fatal)
-      expectFatal([&] { view->getNInstances(); }, build, c.fatal);
+      expectFailure([&] { view->getNInstances(); }, build, c.fatal);
     else
       EXPECT_EQ(14u, view->getNInstances());
   }
 
-  expectFatal([] { StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances(); }, build,
-              "Duplicate sub-set value found in group <1.000000>\n");
-  expectFatal([] { StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances(); }, build,
-              "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
-              "determined increment <4.000000>\n");
+  expectFailure([] { StoreDecoratorFactory::addInfill(gridStore({1, 1}, {10, 10}))->getNInstances(); }, build,
+                "Duplicate sub-set value found in group <1.000000>\n");
+  expectFailure([] { StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances(); }, build,
+                "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
+                "determined increment <4.000000>\n");
   InfillStoreDecorator infill(gridStore({1}, {1}), false);
   infill.addKeyAttributes("GROUP", "X");
-  expectFatal([&] { infill.addKeyAttributes("GROUP", "VALUE"); }, "InfillAttributeSetIndexingTable::addKeyAttributes",
-              "Can't reset infilled attribute name. Currently using attribute X");
+  expectFailure([&] { infill.addKeyAttributes("GROUP", "VALUE"); },
+                "InfillAttributeSetIndexingTable::addKeyAttributes",
+                "Can't reset infilled attribute name. Currently using attribute X");
 }
 
 // Groups {1: 10 20 40}, {2: 20 30}, {3: 40 0 20} (X on a step of 10,

@@ -133,6 +133,7 @@ StoreConformanceCase sortCase(char const* name, std::vector<std::pair<char const
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(SortViews, StoreConformance,
-                         ::testing::Values(sortCase("SortByCdpOffset", {{"CDP", S::ASCENDING}, {"OFFSET", S::ASCENDING}}),
+                         ::testing::Values(sortCase("SortByCdpOffset",
+                                                    {{"CDP", S::ASCENDING}, {"OFFSET", S::ASCENDING}}),
                                            sortCase("SortByElev", {{"ELEV", S::ASCENDING}})),
                          StoreConformance::caseName);

@@ -89,22 +89,13 @@ TEST(StoreDecoratorFactoryStacking, OffloadViewsAreNotAvailable) {
 
 // --- scratch -----------------------------------------------------------------------------
 
-struct ScratchFixture : ::testing::Test {
-  void SetUp() override {
-    project = vHandle<Project>(
-        new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST))));
-    ut = dynamic_cast<UTProject*>(project.pointer());
-    below = openStore(layoutShelf(referenceLayout()), true, project);
-    ut->addStore(StoreDetails(ProjectType::UNITTEST, "", "reference", below->getVersion()));
-  }
-  bool listed() { return ut->hasStore("reference", 0); }
-
-  vHandle<Project> project;
-  UTProject* ut = nullptr;
-  vHandle<Store> below;
-};
-
-TEST_F(ScratchFixture, TheLastHandleClosesAndDeletesTheStoreOnce) {
+TEST(ScratchStoreDecorator, TheLastHandleClosesAndDeletesTheStoreOnce) {
+  vHandle<Project> project(
+      new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("host", ProjectType::UNITTEST))));
+  UTProject* ut = dynamic_cast<UTProject*>(project.pointer());
+  vHandle<Store> below = openStore(layoutShelf(referenceLayout()), true, project);
+  ut->addStore(StoreDetails(ProjectType::UNITTEST, "", "reference", below->getVersion()));
+  auto listed = [&] { return ut->hasStore("reference", 0); };
   vHandle<Store> scratch = StoreDecoratorFactory::addScratch(below);
   EXPECT_TRUE(listed());
   scratch->close();

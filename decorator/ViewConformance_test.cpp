@@ -13,15 +13,14 @@
 #include "decorator/AttributeMappingDecorator.h"
 #include "decorator/BinDecorator.h"
 #include "decorator/BindStoreDecorator.h"
-#include "decorator/DecoratorTesting.h"
+#include "decorator/JoinTesting.h"
 #include "decorator/RestoreMuteDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "decorator/TranslatingAttributeSetDecorator.h"
-#include "filestore/memory/InMemoryStore.h"
 #include "foundation/TestReleaseTree.h"
 #include "testing/StoreConformance.h"
 
-using namespace decorator_testing;
+using namespace join_testing;
 
 namespace {
 
@@ -140,23 +139,11 @@ StoreConformanceCase infill() {
 
 // Two traces recorded from 200 ms to 1000 ms at 4 ms: 201 samples each.
 vHandle<Store> mutedStore() {
-  vHandle<InMemoryStore> store(new InMemoryStore(vHandle<Project>()));
-  KeyList keys;
-  keys.addKey(Attribute("CDP", "CDP", vINT32));
-  store->create("muted", "seismic", "3d", keys, nullptr);
-  store->addInstances(2);
-  Attribute trace("TRACE", "TRACE", vFLOAT32, 201, 4.0, 200.0);
-  store->addAttribute(trace);
-  trace.resize(2);
-  for (unsigned int i = 1; i <= 2; ++i)
-    for (int s = 0; s < 201; ++s) trace.getFloat32Pointer(i)[s] = static_cast<float>(1000 * i + s + 1);
-  store->write(trace, 1, 2);
-  Attribute cdp("CDP", "CDP", vINT32);
-  cdp.resize(2);
-  cdp.setInt32(1, 7);
-  cdp.setInt32(2, 8);
-  store->write(cdp, 1, 2);
-  return vHandle_cast<Store>(store);
+  std::vector<double> samples;
+  for (int i = 1; i <= 2; ++i)
+    for (int s = 0; s < 201; ++s) samples.push_back(1000 * i + s + 1);
+  Column trace{Attribute("TRACE", "TRACE", vFLOAT32, 201, 4.0, 200.0), samples};
+  return simpleStore("muted", {"CDP"}, {column("CDP", vINT32, {7, 8}), trace});
 }
 
 TEST(RestoreMuteDecorator, TracesStartAtTimeZero) {

@@ -106,26 +106,22 @@ TEST(CMPBasicGrid, ChecksOfConstructionAndSetting) {
   struct Case {
     int nIl, nXl, padded, cmpInc, ordering;
     float ilInt, xlInt;
-    char const* method;
     char const* text;
   } const cases[] = {
-      {5, 0, 0, 1, 0, 1, 1, "CMPBasicGrid::myCheckup", "Number of Crossline must be >0"},
-      {0, 5, 5, 1, 0, 1, 1, "CMPBasicGrid::myCheckup", "Number of Inline must be >0"},
-      {5, 5, 5, 1, 0, 0, 1, "CMPBasicGrid::myCheckup", "InlineInterval must not be zero."},
-      {5, 5, 5, 1, 0, 1, 0, "CMPBasicGrid::myCheckup", "CrosslineInterval must not be zero."},
-      {5, 5, 5, 0, 0, 1, 1, "CMPBasicGrid::myCheckup", "CMP Increment must be not be 0."},
-      {5, 6, 5, 1, 0, 1, 1, "CMPBasicGrid::myCheckup",
-       "Number of CMPs in a CMPLine ALONG_INLINES must not be less than number of crosslines."},
-      {6, 5, 5, 1, 1, 1, 1, "CMPBasicGrid::myCheckup",
-       "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines."},
-      {5, 5, 5, 1, 2, 1, 1, "CMPBasicGrid::CMPBasicGrid", "Unexpected Ordering option (2)."},
-      {50000, 50000, 50000, 1, 0, 1, 1, "CMPBasicGrid::myCheckup",
-       "The grid has more CMP numbers than an int holds (2500000000)."},
+      {5, 0, 0, 1, 0, 1, 1, "Number of Crossline must be >0"},
+      {0, 5, 5, 1, 0, 1, 1, "Number of Inline must be >0"},
+      {5, 5, 5, 1, 0, 0, 1, "InlineInterval must not be zero."},
+      {5, 5, 5, 1, 0, 1, 0, "CrosslineInterval must not be zero."},
+      {5, 5, 5, 0, 0, 1, 1, "CMP Increment must be not be 0."},
+      {5, 6, 5, 1, 0, 1, 1, "Number of CMPs in a CMPLine ALONG_INLINES must not be less than number of crosslines."},
+      {6, 5, 5, 1, 1, 1, 1, "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines."},
+      {5, 5, 5, 1, 2, 1, 1, "Unexpected Ordering option (2)."},
+      {50000, 50000, 50000, 1, 0, 1, 1, "The grid has more CMP numbers than an int holds (2500000000)."},
   };
   for (Case const& c : cases)
     expectFailure(
         [&] { CMPBasicGrid(1, c.cmpInc, 1, 1, c.nIl, 1, 1, c.nXl, c.padded, o, c.ilInt, c.xlInt, 0.0, c.ordering); },
-        c.method, c.text);
+        c.ordering == 2 ? "CMPBasicGrid::CMPBasicGrid" : "CMPBasicGrid::myCheckup", c.text);
 
   expectFailure([&] { CMPBasicGrid(1, 1, 1, 0, 5, 1, 1, 5, o, 1.0f, 1.0f, 0.0); }, "CMPBasicGrid::myCheckup",
                 "Inline Increment must not be 0.");
