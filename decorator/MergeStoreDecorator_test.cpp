@@ -46,8 +46,9 @@ TEST(MergeStoreDecorator, RunsThatComeBackAreGroupsOfTheirOwn) {
 }
 
 // Empty stores are dropped before the checks: the one with other keys
-// raises nothing, and the first store kept answers for the view.
-TEST(MergeStoreDecorator, DropsEmptyStoresWithANote) {
+// raises nothing, and the first store kept answers for the view. Other
+// differences are all listed before the merge gives up.
+TEST(MergeStoreDecorator, DropsEmptyStoresAndListsEveryDifference) {
   vHandle<Store> empty = keyed("empty", {}, {});
   vHandle<Store> other = simpleStore("other", {"OTHER"}, {column("OTHER", vINT32, {})});
   vHandle<Store> view = StoreDecoratorFactory::addMerge(empty, 0, true);
@@ -55,21 +56,19 @@ TEST(MergeStoreDecorator, DropsEmptyStoresWithANote) {
   merge(view).addStore(other);
   RecordingHandler recorder;
   EXPECT_EQ(2u, view->getNInstances());
-  char const* label = "MergeMethodNoSecondarySort::myDoValidateStores|The store ";
-  char const* text = " will be ignored as it does not contain any data";
-  EXPECT_EQ((std::vector<std::string>{label + title(empty) + text, label + title(other) + text}), recorder.infos);
+  std::string const label = "MergeMethodNoSecondarySort::myDoValidateStores";
+  std::string const text = " will be ignored as it does not contain any data";
+  EXPECT_EQ((std::vector<std::string>{label + "|The store " + title(empty) + text,
+                                      label + "|The store " + title(other) + text}),
+            recorder.infos);
   EXPECT_STREQ("a", view->getAttributeSetName().c_str());
-}
 
-TEST(MergeStoreDecorator, ListsEveryDifferenceBeforeGivingUp) {
   vHandle<Store> first = keyed("a", {1}, {1});
   vHandle<Store> otherKeys = simpleStore("b", {"ID"}, {column("KEY", vINT32, {2}), column("ID", vINT32, {2})});
   vHandle<Store> otherId = simpleStore("c", {"KEY"}, {column("KEY", vINT32, {3}), column("ID", vFLOAT32, {3})});
-  vHandle<Store> view = StoreDecoratorFactory::addMerge(first, 0, true);
+  view = StoreDecoratorFactory::addMerge(first, 0, true);
   merge(view).addStore(otherKeys);
   merge(view).addStore(otherId);
-  RecordingHandler recorder;
-  std::string const label = "MergeMethodNoSecondarySort::myDoValidateStores";
   EXPECT_EQ(label + ": Differences found, cannot continue!", fatalText([&] { view->getNInstances(); }));
   EXPECT_EQ((std::vector<std::string>{
                 label + "|The keys for '" + title(otherKeys) + "' do not match '" + title(first) + "'!",

@@ -150,8 +150,6 @@ TEST(SelectionSettings, AMaskThatCannotBeAllocatedIsReported) {
 }
 #endif
 
-// --- the operator base ----------------------------------------------------------------------------
-
 class ToleranceOperator : public SelectOperatorBase {
  public:
   ToleranceOperator() : SelectOperatorBase("tol") {}
@@ -178,24 +176,16 @@ TEST(SelectOperator, ToleranceAndAttributeNumbers) {
                 "Operator r has no attribute 2 (it reads 2).");
 }
 
-// A view of the reference content keeping CDP 2 and 3 (instances 4 to 9),
-// over a store that shows what reaches it.
+// A view of the reference content keeping CDP 2 and 3 (instances 4 to 9).
 struct SelectView : ::testing::Test {
-  SelectView() : below(observedStore(referenceLayout(), observed)) {
-    top = StoreDecoratorFactory::addSelect(below, view);
-    op = vHandle<RangeOperator>(new RangeOperator("cdp23", "CDP", 2, 3));
-    view->addOperator(asBase(op));
-  }
-  ObservedStore* observed;
-  vHandle<Store> below;
+  SelectView() : top(StoreDecoratorFactory::addSelect(referenceStore(), view)) { view->addOperator(asBase(cdp23())); }
   vHandle<SelectStoreDecorator> view;
   vHandle<Store> top;
-  vHandle<RangeOperator> op;
 };
 
 TEST_F(SelectView, ConfigurationAfterSelectingSelectsAgain) {
   EXPECT_EQ(6u, top->getNInstances());
-  view->addOperator(vHandle<SelectOperatorBase>(new LogicOperator("and", SelectOperatorBase::LogicAnd)));
+  view->addOperator(logic("and", SelectOperatorBase::LogicAnd));
   view->addOperator(vHandle<SelectOperatorBase>(new EveryNthOperator("even", 2)));
   EXPECT_EQ(3u, top->getNInstances());
   EXPECT_EQ((List{4, 6, 8}), view->getCurrentSelection());
@@ -215,7 +205,7 @@ TEST_F(SelectView, GroupQuestionsFollowANewSelection) {
   ASSERT_EQ(2u, cdp.getNInstances());
   vHandle<SelectOperatorCollection> other(new SelectOperatorCollection);
   other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp14", "CDP", 1, 4)));
-  other->addOperator(vHandle<SelectOperatorBase>(new LogicOperator("and", SelectOperatorBase::LogicAnd)));
+  other->addOperator(logic("and", SelectOperatorBase::LogicAnd));
   other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("offset1", "OFFSET", 100, 100)));
   view->setSelection(other);
   top->getUnique(cdp, vUtlSort::SortOrder::DESCENDING);
