@@ -103,17 +103,8 @@ TEST_F(ConcatStoreDecoratorTest, ChecksAttributesAndSets) {
                 "The attribute 'ID' was not found!");
 
   char const* label = "ConcatStoreDecorator::myValidateStore";
-  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}};
-  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1})});
-  {
-    TestMemoryStore writer(vHandle<Project>(), shelf);
-    writer.update("k", 0, "seismic", "3d", nullptr);
-    KeyList keys;
-    keys.addKey(Attribute("VAL", "VAL", vFLOAT64));
-    writer.createAttributeSet("b", keys);
-    writeColumns(writer, otherKeys.columns);
-    writer.close();
-  }
+  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}, {"VAL"}};
+  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1}), otherKeys});
   vHandle<Store> keysDiffer = StoreDecoratorFactory::addConcat(openJoin(shelf, "k"));
   expectFailure([&] { keysDiffer->getNInstances(); }, label,
                 "The keys within attribute set b are different than the primary set's ones!");
