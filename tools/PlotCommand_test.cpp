@@ -8,14 +8,16 @@ namespace {
 
 using namespace tool_testing;
 
-// Size, bands and the spread of each band, as GDAL's Python binding reads them.
-std::string describePng(fs_testing::TempDir const& dir, std::string const& png) {
-  Outcome const r = shell(dir, std::string(kPython) +
-                                   " -c \"from osgeo import gdal\n"
-                                   "d = gdal.Open('" + png +
-                                   "')\n"
+// Size, bands and the spread of each band, as GDAL's Python binding reads
+// them; then, of the (column, row) pixels listed, which are dark in band 1.
+std::string describePng(fs_testing::TempDir const& dir, std::string const& png, std::string const& pixels = "") {
+  std::string const dark =
+      pixels.empty() ? "" : ", ''.join('1' if a[y][x] < 128 else '0' for x, y in [" + pixels + "])";
+  Outcome const r = shell(dir, std::string(kPython) + " -c \"from osgeo import gdal\nd = gdal.Open('" + png +
+                                   "')\na = d.GetRasterBand(1).ReadAsArray()\n"
                                    "print(d.GetDriver().ShortName, d.RasterXSize, d.RasterYSize, d.RasterCount, "
-                                   "[int(d.GetRasterBand(b + 1).ReadAsArray().std() > 10) for b in range(d.RasterCount)])\"");
+                                   "[int(d.GetRasterBand(b + 1).ReadAsArray().std() > 10) "
+                                   "for b in range(d.RasterCount)]" + dark + ")\"");
   EXPECT_EQ(0, r.status) << "python3-gdal is needed (scripts/install-deps): " << r.err;
   return r.out;
 }
@@ -129,11 +131,8 @@ TEST(RondoShapefile, MapsAndOutlinesOfFilesFromOgr) {
     std::string const shp = std::string(c.shp) + ".shp", png = std::string(c.shp) + ".png";
     Outcome const r = tool(dir, "plot " + shp + " --out " + png + " --size 64");
     ASSERT_EQ(0, r.status) << shp << ": " << r.err;
-    Outcome const read = shell(dir, std::string(kPython) + " -c \"from osgeo import gdal\nd = gdal.Open('" + png +
-                                        "')\na = d.GetRasterBand(1).ReadAsArray()\nprint(d.RasterXSize, d.RasterYSize, "
-                                        "''.join('1' if a[y][x] < 128 else '0' for x, y in [" + c.pixels + "]))\"");
-    ASSERT_EQ(0, read.status) << read.err;
-    EXPECT_EQ(std::string("64 64 ") + c.dark + "\n", read.out) << shp;
+    // Drawn in colour like every picture, dark on light.
+    EXPECT_EQ(std::string("PNG 64 64 3 [1, 1, 1] ") + c.dark + "\n", describePng(dir, png, c.pixels)) << shp;
   }
 }
 
