@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 #include "attribute/AttributeDefinition.h"
 #include "attribute/AttributeDefinitionTable.h"
@@ -14,6 +12,7 @@
 #include "decorator/MergeStoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "foundation/TestReleaseTree.h"
+#include "syslayer/FSTesting.h"
 
 using namespace join_testing;
 
@@ -221,10 +220,8 @@ StoreConformanceCase mergeCase() {
 class BindStoreDecoratorTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    std::ifstream in(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/AttributeDefTable4.txt");
-    std::stringstream text;
-    text << in.rdbuf();
-    tree.writeSystemFile("AttributeDefTable4.txt", text.str());
+    tree.writeSystemFile("AttributeDefTable4.txt",
+                         fs_testing::readFile(RONDO_TEST_SOURCE_DIR "/release/SystemFiles/AttributeDefTable4.txt"));
     AttributeDefinitionTable::instance().dropTable();
   }
   void TearDown() override { AttributeDefinitionTable::instance().dropTable(); }
