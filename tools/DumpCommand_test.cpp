@@ -101,7 +101,7 @@ TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
 // Every failure is one line naming the store, and a non-zero status. The
 // texts of the stores themselves are checked where they are raised; one
 // here shows that they come through.
-TEST(RondoDump, FailuresTruncationAndOddPaths) {
+TEST(RondoDump, FailuresTruncationOddPathsAndHelp) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 1, "big", 10, 20);
   ASSERT_EQ(0, shell(dir, "mkdir d.txt && mkfifo p.sgy && cp line.sgy 'a:b#c.sgy'").status);
@@ -149,11 +149,8 @@ TEST(RondoDump, FailuresTruncationAndOddPaths) {
   EXPECT_EQ(0, odd.status) << odd.err;
   EXPECT_EQ(tool(dir, "dump line.sgy CMP,TRACE").out, odd.out);
   EXPECT_EQ(10, std::count(odd.out.begin(), odd.out.end(), '\n')) << odd.out;
-}
 
-// The tool and each command explain themselves, with an example.
-TEST(RondoHelp, EveryCommandHasHelpWithAnExample) {
-  fs_testing::TempDir dir;
+  // The tool and each command explain themselves, with an example.
   for (char const* command : {"", "info ", "dump ", "plot ", "projects ", "ls "}) {
     Outcome const r = tool(dir, std::string(command) + "--help");
     EXPECT_EQ(0, r.status) << command;
@@ -176,7 +173,7 @@ void writeGridStore(CMPGrid const& grid, Property const& extra, std::string cons
   fs_testing::writeFile(file, std::string(reinterpret_cast<char const*>(bytes), static_cast<std::size_t>(size)));
 }
 
-TEST(RondoGrid, RotatedGridOfAnInMemoryStoreWithItsProjection) {
+TEST(RondoGrid, RotatedGridOfAnInMemoryStoreAndTheOffloadFixturesGrid) {
   fs_testing::TempDir dir;
   CMPGrid const grid(101, 3, 2000, 2, 30, 400, -1, 70, vCoordinate(612345.125, 5712345.875), -25.0f, 12.5f, 0.4321);
   writeGridStore(grid, Property(vUCString("COORDINATE_SYSTEM"), "EPSG:32631"), dir / "survey.store");
@@ -213,12 +210,9 @@ TEST(RondoGrid, RotatedGridOfAnInMemoryStoreWithItsProjection) {
             old.out.find("grid        not shown: The X & Y storageBias in grid stores is obsolete. Do not use!!!\n"
                          "property    CMPLINE_INCREMENT = 210\n"))
       << old.out;
-}
 
-// The grid of an offload file of the Python fixture: inlines 10, 12, 14 at
-// 12.5, crosslines 100 to 103 at 25, no rotation, origin at 0 0, no projection.
-TEST(RondoGrid, OffloadFileOfThePythonFixture) {
-  fs_testing::TempDir dir;
+  // The grid of an offload file of the Python fixture: inlines 10, 12, 14 at
+  // 12.5, crosslines 100 to 103 at 25, no rotation, origin at 0 0, no projection.
   ASSERT_EQ(0, shell(dir, std::string(kPython) + " " RONDO_TEST_SOURCE_DIR
                           "/filestore/offload/testdata/offload_fixture.py f.offload f.txt '>' 2 995 1").status)
       << "the offload fixture needs numpy for " << kPython;
@@ -228,10 +222,10 @@ TEST(RondoGrid, OffloadFileOfThePythonFixture) {
                            "grid        origin 0 0, rotation 0 rad, inline azimuth 0, crossline azimuth 90\n",
                            "grid        corner 10/103 at 75 0\n"})
     EXPECT_NE(std::string::npos, info.out.find(line)) << line << info.out;
-  Outcome const json = tool(dir, "info f.offload --json");
+  Outcome const offload = tool(dir, "info f.offload --json");
   EXPECT_NE(std::string::npos,
-            json.out.find("{\"inline\":14,\"crossline\":100,\"x\":0,\"y\":25}],\"projection\":null}}\n"))
-      << json.out;
+            offload.out.find("{\"inline\":14,\"crossline\":100,\"x\":0,\"y\":25}],\"projection\":null}}\n"))
+      << offload.out;
 }
 
 // Texts of a file are bytes: in JSON, UTF-8 passes and any other byte is

@@ -15,7 +15,7 @@ namespace {
 
 using namespace tool_testing;
 
-TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
+TEST(RondoViews, MappingBinSelectSortAndBadSpecsOverSegyio) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 37, 8);
   fs_testing::writeFile(dir / "mid.cstf", "MID:d = CMP / 2 + SHOT.RW.X * 0.25\n!ADD CMP\n");
@@ -49,6 +49,33 @@ TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
   Outcome const info = tool(dir, "info line.sgy --view=map:mid.cstf");
   EXPECT_NE(std::string::npos, info.out.find("MID")) << info.out;
   EXPECT_EQ(std::string::npos, info.out.find("TRACE")) << info.out;
+
+  // A bad spec is one line and status 2.
+  fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
+  struct Case {
+    char const* spec;
+    char const* why;
+  } const cases[] = {
+      {"nope", "no view 'nope' (map, select, sort, bin, infill, restore-mute, bind)"},
+      {"bin:CMP,1,2", "'bin' wants 5 arguments, not 3"},
+      {"bin:CMP,1,x,1,1", "'x' is not a number"},
+      {"infill:3", "no pad type '3' (common, group, none, common-start, common-end, group-step)"},
+      {"infill", "the grid is that of two keys, and the store has 1"},
+      {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
+      {"select:TRACE,0,1", "'select' wants an attribute of one number an instance, and TRACE is not"},
+      {"bin:TRACE,0,1,1,1", "Unable to bin Attribute TRACE: bins take one value an instance."},
+      {"sort:CMP,", "an empty argument"},
+      {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
+      // A control byte quoted from the file is not passed to the terminal.
+      {"map:esc.cstf", "The expression '?[2J CMP' for the attribute 'A' is in error at position 0: Invalid non printable "
+                       "characters found in expression/identifer!"},
+  };
+  for (Case const& c : cases) {
+    Outcome const r = tool(dir, std::string("dump line.sgy CMP --view ") + c.spec);
+    EXPECT_EQ(2, r.status) << c.spec;
+    EXPECT_EQ(std::string("rondo: dump: --view '") + c.spec + "': " + c.why + "\n", r.err);
+    EXPECT_EQ("", r.out);
+  }
 }
 
 TEST(RondoViews, BindAndInfillOverAPackedStore) {
@@ -80,36 +107,6 @@ TEST(RondoViews, BindAndInfillOverAPackedStore) {
   Outcome const own = tool(dir, "dump line12.store CDP,OFFSET --view infill:group");
   EXPECT_EQ(0, own.status) << own.err;
   EXPECT_EQ(6, std::count(own.out.begin(), own.out.end(), '\n')) << own.out;
-}
-
-TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
-  fs_testing::TempDir dir;
-  writeSegy(dir, "line.sgy", 5, "big", 4, 4);
-  fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
-  struct Case {
-    char const* spec;
-    char const* why;
-  } const cases[] = {
-      {"nope", "no view 'nope' (map, select, sort, bin, infill, restore-mute, bind)"},
-      {"bin:CMP,1,2", "'bin' wants 5 arguments, not 3"},
-      {"bin:CMP,1,x,1,1", "'x' is not a number"},
-      {"infill:3", "no pad type '3' (common, group, none, common-start, common-end, group-step)"},
-      {"infill", "the grid is that of two keys, and the store has 1"},
-      {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
-      {"select:TRACE,0,1", "'select' wants an attribute of one number an instance, and TRACE is not"},
-      {"bin:TRACE,0,1,1,1", "Unable to bin Attribute TRACE: bins take one value an instance."},
-      {"sort:CMP,", "an empty argument"},
-      {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
-      // A control byte quoted from the file is not passed to the terminal.
-      {"map:esc.cstf", "The expression '?[2J CMP' for the attribute 'A' is in error at position 0: Invalid non printable "
-                       "characters found in expression/identifer!"},
-  };
-  for (Case const& c : cases) {
-    Outcome const r = tool(dir, std::string("dump line.sgy CMP --view ") + c.spec);
-    EXPECT_EQ(2, r.status) << c.spec;
-    EXPECT_EQ(std::string("rondo: dump: --view '") + c.spec + "': " + c.why + "\n", r.err);
-    EXPECT_EQ("", r.out);
-  }
 }
 
 }  // namespace
