@@ -5,13 +5,13 @@
 #include <cmath>
 
 #include "attribute/AttributeDefinitionTable.h"
-#include "decorator/DecoratorTesting.h"
+#include "decorator/JoinTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "foundation/TestReleaseTree.h"
 #include "project/StoreDescription.h"
 
-using namespace decorator_testing;
+using namespace join_testing;
 
 namespace {
 
@@ -28,9 +28,7 @@ class Mapping : public ::testing::Test {
   std::vector<double> first(char const* name, unsigned int n = 3) {
     Attribute a = view->getAttribute(name);
     view->read(a, 1, n);
-    std::vector<double> out;
-    for (unsigned int i = 1; i <= a.getNInstances(); ++i) out.push_back(a.getValue(i));
-    return out;
+    return valuesOf(a);
   }
 
   TestReleaseTree tree;

@@ -34,7 +34,20 @@ class ConcatStoreDecoratorTest : public ::testing::Test {
   SequenceDefinition sequence;
 };
 
-TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
+// A store that lists a variable-length attribute among its own.
+class VariableListingStore : public TestMemoryStore {
+ public:
+  explicit VariableListingStore(std::shared_ptr<TestMemoryShelf> const& shelf)
+      : TestMemoryStore(vHandle<Project>(), shelf) {}
+  std::list<Attribute> getAttributeList() const override {
+    std::list<Attribute> list = TestMemoryStore::getAttributeList();
+    list.push_back(Attribute("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH));
+    return list;
+  }
+  using TestMemoryStore::getAttributeList;
+};
+
+TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEndAndChecksThem) {
   vHandle<ConcatStoreDecorator> concat;
   vHandle<Store> view = StoreDecoratorFactory::addConcat(shots(), concat);
   // The sequence attribute tells the sets apart and leads the keys.
@@ -61,6 +74,30 @@ TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
                 "There are no instances within this store!");
   expectFailure([&] { empty->read(id, std::vector<unsigned int>{1}); }, "ConcatStoreDecorator::read(list)",
                 "There are no instances within this store!");
+
+  Attribute wrong("ID", "ID", vFLOAT32);
+  expectFailure([&] { view->read(wrong, 1, 1); }, "ConcatStoreDecorator::myValidateAttribute",
+                "The attribute 'ID' was not found!");
+
+  char const* validate = "ConcatStoreDecorator::myValidateStore";
+  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}, {"VAL"}};
+  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1}), otherKeys});
+  vHandle<Store> keysDiffer = StoreDecoratorFactory::addConcat(openJoin(shelf, "k"));
+  expectFailure([&] { keysDiffer->getNInstances(); }, validate,
+                "The keys within attribute set b are different than the primary set's ones!");
+  SetContent otherAttributes{"c", {column("ID", vINT32, {4}), column("VAL", vFLOAT32, {2})}};
+  vHandle<Store> attributesDiffer = StoreDecoratorFactory::addConcat(
+      openJoin(joinShelf("a", {"ID"}, {idSet("", {1}), otherAttributes}), "a"));
+  expectFailure([&] { attributesDiffer->getKeyList(); }, validate,
+                "The attributes within attribute set c are different than the primary set's ones!");
+  vHandle<Store> closed(new TestMemoryStore(vHandle<Project>(), shelf));
+  vHandle<Store> notOpen = StoreDecoratorFactory::addConcat(closed);
+  expectFailure([&] { notOpen->getNInstances(); }, validate, "The store is not open!");
+  vHandle<Store> variable(new VariableListingStore(joinShelf("v", {"ID"}, {idSet("", {1}), idSet("b", {2})})));
+  variable->open("v", 0, "seismic", "3d", nullptr);
+  vHandle<Store> gather = StoreDecoratorFactory::addGather(variable);
+  expectFailure([&] { gather->getNInstances(); }, validate,
+                "The attribute 'PICKS' is variable length ... not supported!");
 }
 
 TEST_F(ConcatStoreDecoratorTest, WhatLeadsTheKeys) {
@@ -81,45 +118,6 @@ TEST_F(ConcatStoreDecoratorTest, WhatLeadsTheKeys) {
       openJoin(joinShelf("off", {"ID"}, {idSet("", {1}), idSet("b", {2})}, "moffldheader"), "off", "moffldheader"));
   EXPECT_EQ((std::vector<std::string>{"ID"}), names(view->getKeyList()));
   EXPECT_EQ((std::vector<double>{1, 2}), values(*view, kSequence));
-}
-
-// A store that lists a variable-length attribute among its own.
-class VariableListingStore : public TestMemoryStore {
- public:
-  explicit VariableListingStore(std::shared_ptr<TestMemoryShelf> const& shelf)
-      : TestMemoryStore(vHandle<Project>(), shelf) {}
-  std::list<Attribute> getAttributeList() const override {
-    std::list<Attribute> list = TestMemoryStore::getAttributeList();
-    list.push_back(Attribute("PICKS", "PICKS", vFLOAT32, Attribute::VARIABLE_LENGTH));
-    return list;
-  }
-  using TestMemoryStore::getAttributeList;
-};
-
-TEST_F(ConcatStoreDecoratorTest, ChecksAttributesAndSets) {
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
-  Attribute wrong("ID", "ID", vFLOAT32);
-  expectFailure([&] { view->read(wrong, 1, 1); }, "ConcatStoreDecorator::myValidateAttribute",
-                "The attribute 'ID' was not found!");
-
-  char const* label = "ConcatStoreDecorator::myValidateStore";
-  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}, {"VAL"}};
-  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1}), otherKeys});
-  vHandle<Store> keysDiffer = StoreDecoratorFactory::addConcat(openJoin(shelf, "k"));
-  expectFailure([&] { keysDiffer->getNInstances(); }, label,
-                "The keys within attribute set b are different than the primary set's ones!");
-  SetContent otherAttributes{"c", {column("ID", vINT32, {4}), column("VAL", vFLOAT32, {2})}};
-  vHandle<Store> attributesDiffer = StoreDecoratorFactory::addConcat(
-      openJoin(joinShelf("a", {"ID"}, {idSet("", {1}), otherAttributes}), "a"));
-  expectFailure([&] { attributesDiffer->getKeyList(); }, label,
-                "The attributes within attribute set c are different than the primary set's ones!");
-  vHandle<Store> closed(new TestMemoryStore(vHandle<Project>(), shelf));
-  vHandle<Store> notOpen = StoreDecoratorFactory::addConcat(closed);
-  expectFailure([&] { notOpen->getNInstances(); }, label, "The store is not open!");
-  vHandle<Store> variable(new VariableListingStore(joinShelf("v", {"ID"}, {idSet("", {1}), idSet("b", {2})})));
-  variable->open("v", 0, "seismic", "3d", nullptr);
-  vHandle<Store> gather = StoreDecoratorFactory::addGather(variable);
-  expectFailure([&] { gather->getNInstances(); }, label, "The attribute 'PICKS' is variable length ... not supported!");
 }
 
 // --- gather --------------------------------------------------------------------------------

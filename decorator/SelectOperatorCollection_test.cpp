@@ -44,8 +44,7 @@ struct Selection : ::testing::Test {
 };
 
 TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
-  List filter = {1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1};
-  collection.setInstanceFilter(filter);
+  collection.setInstanceFilter({1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1});
   EXPECT_EQ((List{1, 3, 6, 7, 8, 9, 10, 11}), collection.doSelection(store));
 }
 
