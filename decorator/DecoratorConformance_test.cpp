@@ -17,8 +17,6 @@ using namespace decorator_testing;
 
 namespace {
 
-vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
-
 StoreConformanceCase forwarding() {
   StoreConformanceCase c("StoreDecorator");
   c.openForReading = [] { return asSet(vHandle<Store>(new StoreDecorator(referenceStore()))); };

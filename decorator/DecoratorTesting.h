@@ -114,6 +114,8 @@ inline vHandle<Store> openStore(std::shared_ptr<TestMemoryShelf> const& shelf, b
 
 inline vHandle<Store> referenceStore(bool update = false) { return openStore(layoutShelf(referenceLayout()), update); }
 
+inline vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
+
 // Instances 1 to n of a scalar attribute of the store, as doubles.
 inline std::vector<double> values(AttributeSet const& set, char const* name) {
   Attribute a = set.getAttribute(name);

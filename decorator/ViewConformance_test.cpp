@@ -50,8 +50,6 @@ void installVocabulary() {
   AttributeTranslationTable::instance("NoType").reload();
 }
 
-vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
-
 vHandle<Store> memoryReference() {
   installVocabulary();
   return referenceStore();
