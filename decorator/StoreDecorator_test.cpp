@@ -126,15 +126,15 @@ TEST(ScratchStoreDecorator, TheLastHandleClosesAndDeletesTheStoreOnce) {
   EXPECT_TRUE(listed());
 }
 
-vHandle<AttributeSet> closedSet(std::shared_ptr<TestMemoryShelf> const& shelf) {
+// A bare set, not opened, over the shelf (by default one of the reference content).
+vHandle<AttributeSet> closedSet(std::shared_ptr<TestMemoryShelf> const& shelf = layoutShelf(referenceLayout())) {
   return vHandle<AttributeSet>(new TestMemoryAttributeSet(vHandle<Project>(), shelf));
 }
 
 TEST(AttributeSetDecoratorProperties, LocalUntilOpenedThenThoseOfTheSetBelow) {
   auto shelf = layoutShelf(referenceLayout());
   shelf->find(kStore)->properties.addProperty(Property("STORED", 1.5));
-  vHandle<AttributeSet> below = closedSet(shelf);
-  AttributeSetDecorator decorator(below);
+  AttributeSetDecorator decorator(closedSet(shelf));
   // A property of its own before opening.
   decorator.PropertyI::addProperty(Property("LOCAL", "x"));
   decorator.open(kStore, 0, "", "", nullptr);
@@ -146,8 +146,7 @@ TEST(AttributeSetDecoratorProperties, LocalUntilOpenedThenThoseOfTheSetBelow) {
 }
 
 TEST(AttributeSetDecoratorNames, FullNamesGoThroughTheNameForms) {
-  auto shelf = layoutShelf(referenceLayout());
-  ProfilingAttributeSetDecorator decorator(closedSet(shelf));
+  ProfilingAttributeSetDecorator decorator(closedSet());
   // The full name's version reaches the set below.
   expectFailure([&] { decorator.open(FullStoreName(FullProjectName(), kStore, 5), "", "", nullptr); },
                 "TestMemoryAttributeSet::open", "AttributeSet 'reference' has no version 5.");
@@ -164,8 +163,7 @@ TEST(AttributeSetDecoratorNames, FullNamesGoThroughTheNameForms) {
 // --- profiling ---------------------------------------------------------------------------------
 
 TEST(ProfilingAttributeSet, CloseReportsEachLabelUsedInLabelOrderAndForgets) {
-  auto shelf = layoutShelf(referenceLayout());
-  vHandle<AttributeSet> set(new ProfilingAttributeSetDecorator(closedSet(shelf)));
+  vHandle<AttributeSet> set(new ProfilingAttributeSetDecorator(closedSet()));
   auto* profiling = dynamic_cast<ProfilingAttributeSetDecorator*>(set.pointer());
   set->update(kStore, 0, "", "", nullptr);
   Attribute cdp = set->getAttribute("CDP");

@@ -88,13 +88,12 @@ TEST(CMPBasicGrid, RotatedRoundTripThroughBinsAndCMPs) {
   CMPBasicGrid const g(1, 1, 1000, 4, 40, 300, -2, 60, 64, vCoordinate(512345.25, 6712345.75), -12.5f, 25.0f, angle,
                        CMPBasicGrid::ALONG_INLINES, vCoordinate(100.0, -40.0));
   double const tolerance = 1e-9 * g.getBinHeight();
-  int checked = 0;
+  int checked = 0, cmp = 0;
+  BinPos bin;
   for (int index = 1; index <= g.getNumBins(); index += 7) {
     // A point off the bin centre by less than half a bin still finds its bin.
     vCoordinate const centre = g.convertSurveyToRW(g.convertBinToSurvey(g.convertCMPIndexToBin(index)));
     vCoordinate const off = centre + vCoordinate(2.0, -3.0);
-    int cmp = 0;
-    BinPos bin;
     ASSERT_TRUE(g.convertRWToCMPandBin(off, cmp, bin));
     EXPECT_EQ(g.convertCMPIndexToCMP(index), cmp);
     EXPECT_TRUE(centre.within(g.convertSurveyToRW(g.convertCMPToSurvey(cmp)), tolerance));
@@ -104,8 +103,6 @@ TEST(CMPBasicGrid, RotatedRoundTripThroughBinsAndCMPs) {
     ++checked;
   }
   EXPECT_GT(checked, 300);
-  int cmp = 0;
-  BinPos bin;
   EXPECT_FALSE(g.convertRWToCMPandBin(g.getRealWorldOrigin() + vCoordinate(-1e4, 0.0), cmp, bin));
 }
 
