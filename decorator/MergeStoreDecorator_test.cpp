@@ -30,9 +30,7 @@ vHandle<Store> keyed(char const* name, std::vector<double> keys, std::vector<dou
 MergeStoreDecorator& merge(vHandle<Store> const& view) { return dynamic_cast<MergeStoreDecorator&>(*view); }
 
 std::string title(vHandle<Store> const& store) {
-  vString t;
-  t.printf("%s.%d", store->getName().c_str(), store->getVersion());
-  return t.c_str();
+  return std::string(store->getName().c_str()) + "." + std::to_string(store->getVersion());
 }
 
 // The scan assumes nothing about sorted input: a value that comes back
