@@ -5,13 +5,13 @@
 #include <cmath>
 
 #include "attribute/AttributeDefinitionTable.h"
-#include "decorator/DecoratorTesting.h"
+#include "decorator/JoinTesting.h"
 #include "decorator/StoreDecoratorFactory.h"
 #include "filestore/memory/InMemoryStore.h"
 #include "foundation/TestReleaseTree.h"
 #include "project/StoreDescription.h"
 
-using namespace decorator_testing;
+using namespace join_testing;
 
 namespace {
 
@@ -28,9 +28,7 @@ class Mapping : public ::testing::Test {
   std::vector<double> first(char const* name, unsigned int n = 3) {
     Attribute a = view->getAttribute(name);
     view->read(a, 1, n);
-    std::vector<double> out;
-    for (unsigned int i = 1; i <= a.getNInstances(); ++i) out.push_back(a.getValue(i));
-    return out;
+    return valuesOf(a);
   }
 
   TestReleaseTree tree;
@@ -38,8 +36,10 @@ class Mapping : public ::testing::Test {
 };
 
 // muParser's priorities with the system's own operators among them: the
-// shifts bind as "+" and "-", "&" and "|" as loosely as "||".
-TEST_F(Mapping, OperatorsLiteralsAndPriorities) {
+// shifts bind as "+" and "-", "&" and "|" as loosely as "||". Arithmetic
+// runs column by column, anything else through muParser row by row: both
+// ways give the same values.
+TEST_F(Mapping, OperatorsPrioritiesAndBothWaysOfEvaluating) {
   struct Case {
     char const* expression;
     double value;
@@ -49,11 +49,17 @@ TEST_F(Mapping, OperatorsLiteralsAndPriorities) {
   };
   int n = 0;
   for (Case const& c : cases) view->processExpression(("V" + std::to_string(++n) + ":d = " + c.expression).c_str());
+  char const* const mixed = "OFFSET / 4 - CDP ^ 2 + (CDP >= 2) * 1000 - (ELEV > 1003 && CDP != 4) + ELEV * 0";
+  view->processExpression((std::string("COLUMNS:d = ") + mixed).c_str());
+  view->processExpression((std::string("ROWS:d = (") + mixed + ") | 0").c_str());
   n = 0;
   for (Case const& c : cases) {
     std::string const name = "V" + std::to_string(++n);
     EXPECT_EQ(std::vector<double>(3, c.value), first(name.c_str())) << c.expression;
   }
+  std::vector<double> const columns = first("COLUMNS", 12);
+  EXPECT_EQ(first("ROWS", 12), columns);
+  EXPECT_EQ((std::vector<double>{24, 49, 74, 1021, 1046, 1071, 1015, 1040, 1065, 1009, 1034, 1059}), columns);
 }
 
 TEST_F(Mapping, TypesSourcesAndPassThrough) {
@@ -76,17 +82,6 @@ TEST_F(Mapping, TypesSourcesAndPassThrough) {
   view->read(made, std::vector<unsigned int>{12, 2, 7});
   EXPECT_EQ((std::vector<int>{600, 400, 200}),
             (std::vector<int>{made.getInt32(1), made.getInt32(2), made.getInt32(3)}));
-}
-
-// Arithmetic runs column by column, anything else through muParser row by
-// row: both ways give the same values.
-TEST_F(Mapping, BothWaysOfEvaluatingAgree) {
-  char const* const mixed = "OFFSET / 4 - CDP ^ 2 + (CDP >= 2) * 1000 - (ELEV > 1003 && CDP != 4) + ELEV * 0";
-  view->processExpression((std::string("COLUMNS:d = ") + mixed).c_str());
-  view->processExpression((std::string("ROWS:d = (") + mixed + ") | 0").c_str());
-  std::vector<double> const columns = first("COLUMNS", 12);
-  EXPECT_EQ(first("ROWS", 12), columns);
-  EXPECT_EQ((std::vector<double>{24, 49, 74, 1021, 1046, 1071, 1015, 1040, 1065, 1009, 1034, 1059}), columns);
 }
 
 TEST_F(Mapping, FailuresWithTheirTexts) {
@@ -178,8 +173,7 @@ TEST_F(Mapping, FilesAndWhereTheyAreFound) {
   Attribute doubled = store->getAttribute("DOUBLE");
   store->read(doubled, 3, 4);
   EXPECT_EQ(vFLOAT64, doubled.getDataType());
-  EXPECT_EQ(600, doubled.getFloat64(1));
-  EXPECT_EQ(200, doubled.getFloat64(2));
+  EXPECT_EQ((std::vector<double>{600, 200}), (std::vector<double>{doubled.getFloat64(1), doubled.getFloat64(2)}));
   expectFatal([&] { StoreDecoratorFactory::addAttributeMapping(referenceStore(), vFilename("/nowhere/x.cstf")); },
               "AttributeMappingDecorator::processExpression(filename)", "Failed to open the file '/nowhere/x.cstf'!");
 }

@@ -24,112 +24,15 @@ SetContent idSet(char const* name, std::vector<double> ids) {
   return SetContent{name, {column("ID", vINT32, ids), column("VAL", vFLOAT64, vals)}};
 }
 
-ObservedStore* g_observed = nullptr;
-
-vHandle<Store> observedJoin(std::shared_ptr<TestMemoryShelf> const& shelf, char const* name,
-                            char const* subClass = "3d") {
-  g_observed = new ObservedStore(shelf);
-  vHandle<Store> store(g_observed);
-  store->open(name, 0, "seismic", subClass, nullptr);
-  return store;
-}
-
 // Primary set of 3 instances, set b of 2.
 vHandle<Store> shots() {
-  return observedJoin(joinShelf("shots", {"ID"}, {idSet("", {1, 2, 3}), idSet("b", {4, 5})}), "shots");
+  return openJoin(joinShelf("shots", {"ID"}, {idSet("", {1, 2, 3}), idSet("b", {4, 5})}), "shots");
 }
 
 class ConcatStoreDecoratorTest : public ::testing::Test {
  protected:
   SequenceDefinition sequence;
 };
-
-TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEnd) {
-  vHandle<ConcatStoreDecorator> concat;
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots(), concat);
-  // The sequence attribute tells the sets apart and leads the keys.
-  EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
-  // The one set name is the primary set's.
-  EXPECT_EQ((Store::AttributeSetList{"shots"}), *view->getAttributeSetList());
-  expectFailure([&] { view->openAttributeSet("b"); }, "ConcatStoreDecorator::openAttributeSet",
-                "Invalid attribute set name!");
-  // Reads by groups and keys, which the suite does not ask of these views.
-  Attribute id("ID", "ID", vINT32);
-  expectFailure([&] { view->read(id, id, 1, 1); }, "ConcatStoreDecorator::read(groups)", "Has not been written yet!");
-  expectFailure([&] { view->read(id, KeyList()); }, "ConcatStoreDecorator::read(keys)", "Has not been written yet!");
-}
-
-TEST_F(ConcatStoreDecoratorTest, OffsetBinTellsTheInstancesApart) {
-  auto withOffsetBin = [](std::vector<std::string> keys, char const* subClass) {
-    SetContent a{"", {column("ID", vINT32, {1, 2}), column("OFFSET.BIN", vINT32, {7, 8})}};
-    SetContent b{"b", {column("ID", vINT32, {3}), column("OFFSET.BIN", vINT32, {9})}};
-    return openJoin(joinShelf("bins", keys, {a, b}, subClass), "bins", subClass);
-  };
-  // An attribute of the sets: it leads the keys; no sequence attribute.
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(withOffsetBin({"ID"}, "3d"));
-  EXPECT_EQ((std::vector<std::string>{"OFFSET.BIN", "ID"}), names(view->getKeyList()));
-  EXPECT_FALSE(view->hasAttribute(kSequence));
-  // Already a key: the keys stay.
-  view = StoreDecoratorFactory::addConcat(withOffsetBin({"ID", "OFFSET.BIN"}, "3d"));
-  EXPECT_EQ((std::vector<std::string>{"ID", "OFFSET.BIN"}), names(view->getKeyList()));
-}
-
-TEST_F(ConcatStoreDecoratorTest, OffloadHeadersGetTheSequenceButNotAsAKey) {
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(
-      openJoin(joinShelf("off", {"ID"}, {idSet("", {1}), idSet("b", {2})}, "moffldheader"), "off", "moffldheader"));
-  EXPECT_EQ((std::vector<std::string>{"ID"}), names(view->getKeyList()));
-  EXPECT_EQ((std::vector<double>{1, 2}), all(*view, kSequence));
-}
-
-TEST_F(ConcatStoreDecoratorTest, RefusesBadRangesWithTheirTexts) {
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
-  Attribute id = view->getAttribute("ID");
-  char const* label = "ConcatStoreDecorator::myValidateRange";
-  expectFailure([&] { view->read(id, 0, 2); }, label,
-                "The first instance (0) is out of range!   Valid values are 1 thru 5.");
-  expectFailure([&] { view->read(id, 2, 6); }, label,
-                "The last instance (6) is out of range!   Valid values are 1 thru 5.");
-  expectFailure([&] { view->read(id, 4, 3); }, label,
-                "The last instance (3) must be greater than or equal to the first (4)!");
-
-  vHandle<Store> empty = StoreDecoratorFactory::addConcat(
-      openJoin(joinShelf("none", {"ID"}, {idSet("", {}), idSet("b", {})}), "none"));
-  expectFailure([&] { empty->read(id, 1, 1); }, "ConcatStoreDecorator::read(range)",
-                "There are no instances within this store!");
-  expectFailure([&] { empty->read(id, std::vector<unsigned int>{1}); }, "ConcatStoreDecorator::read(list)",
-                "There are no instances within this store!");
-}
-
-TEST_F(ConcatStoreDecoratorTest, ChecksAttributesAndSets) {
-  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots());
-  Attribute wrong("ID", "ID", vFLOAT32);
-  expectFailure([&] { view->read(wrong, 1, 1); }, "ConcatStoreDecorator::myValidateAttribute",
-                "The attribute 'ID' was not found!");
-
-  char const* label = "ConcatStoreDecorator::myValidateStore";
-  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}};
-  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1})});
-  {
-    TestMemoryStore writer(vHandle<Project>(), shelf);
-    writer.update("k", 0, "seismic", "3d", nullptr);
-    KeyList keys;
-    keys.addKey(Attribute("VAL", "VAL", vFLOAT64));
-    writer.createAttributeSet("b", keys);
-    writeColumns(writer, otherKeys.columns);
-    writer.close();
-  }
-  vHandle<Store> keysDiffer = StoreDecoratorFactory::addConcat(openJoin(shelf, "k"));
-  expectFailure([&] { keysDiffer->getNInstances(); }, label,
-                "The keys within attribute set b are different than the primary set's ones!");
-  SetContent otherAttributes{"c", {column("ID", vINT32, {4}), column("VAL", vFLOAT32, {2})}};
-  vHandle<Store> attributesDiffer = StoreDecoratorFactory::addConcat(
-      openJoin(joinShelf("a", {"ID"}, {idSet("", {1}), otherAttributes}), "a"));
-  expectFailure([&] { attributesDiffer->getKeyList(); }, label,
-                "The attributes within attribute set c are different than the primary set's ones!");
-  vHandle<Store> closed(new TestMemoryStore(vHandle<Project>(), shelf));
-  vHandle<Store> notOpen = StoreDecoratorFactory::addConcat(closed);
-  expectFailure([&] { notOpen->getNInstances(); }, label, "The store is not open!");
-}
 
 // A store that lists a variable-length attribute among its own.
 class VariableListingStore : public TestMemoryStore {
@@ -144,19 +47,84 @@ class VariableListingStore : public TestMemoryStore {
   using TestMemoryStore::getAttributeList;
 };
 
-TEST_F(ConcatStoreDecoratorTest, RefusesVariableLengthAttributes) {
-  vHandle<Store> store(new VariableListingStore(joinShelf("v", {"ID"}, {idSet("", {1}), idSet("b", {2})})));
-  store->open("v", 0, "seismic", "3d", nullptr);
-  vHandle<Store> view = StoreDecoratorFactory::addGather(store);
-  expectFailure([&] { view->getNInstances(); }, "ConcatStoreDecorator::myValidateStore",
+TEST_F(ConcatStoreDecoratorTest, LaysTheSetsEndToEndAndChecksThem) {
+  vHandle<ConcatStoreDecorator> concat;
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(shots(), concat);
+  // The sequence attribute tells the sets apart and leads the keys.
+  EXPECT_EQ((std::vector<std::string>{kSequence, "ID"}), names(view->getKeyList()));
+  // The one set name is the primary set's.
+  EXPECT_EQ((Store::AttributeSetList{"shots"}), *view->getAttributeSetList());
+  expectFailure([&] { view->openAttributeSet("b"); }, "ConcatStoreDecorator::openAttributeSet",
+                "Invalid attribute set name!");
+  // Reads by groups and keys, which the suite does not ask of these views.
+  Attribute id("ID", "ID", vINT32);
+  expectFailure([&] { view->read(id, id, 1, 1); }, "ConcatStoreDecorator::read(groups)", "Has not been written yet!");
+  expectFailure([&] { view->read(id, KeyList()); }, "ConcatStoreDecorator::read(keys)", "Has not been written yet!");
+
+  char const* label = "ConcatStoreDecorator::myValidateRange";
+  expectFailure([&] { view->read(id, 0, 2); }, label,
+                "The first instance (0) is out of range!   Valid values are 1 thru 5.");
+  expectFailure([&] { view->read(id, 2, 6); }, label,
+                "The last instance (6) is out of range!   Valid values are 1 thru 5.");
+  expectFailure([&] { view->read(id, 4, 3); }, label,
+                "The last instance (3) must be greater than or equal to the first (4)!");
+  vHandle<Store> empty = StoreDecoratorFactory::addConcat(
+      openJoin(joinShelf("none", {"ID"}, {idSet("", {}), idSet("b", {})}), "none"));
+  expectFailure([&] { empty->read(id, 1, 1); }, "ConcatStoreDecorator::read(range)",
+                "There are no instances within this store!");
+  expectFailure([&] { empty->read(id, std::vector<unsigned int>{1}); }, "ConcatStoreDecorator::read(list)",
+                "There are no instances within this store!");
+
+  Attribute wrong("ID", "ID", vFLOAT32);
+  expectFailure([&] { view->read(wrong, 1, 1); }, "ConcatStoreDecorator::myValidateAttribute",
+                "The attribute 'ID' was not found!");
+
+  char const* validate = "ConcatStoreDecorator::myValidateStore";
+  SetContent otherKeys{"b", {column("ID", vINT32, {4}), column("VAL", vFLOAT64, {2})}, {"VAL"}};
+  auto shelf = joinShelf("k", {"ID"}, {idSet("", {1}), otherKeys});
+  vHandle<Store> keysDiffer = StoreDecoratorFactory::addConcat(openJoin(shelf, "k"));
+  expectFailure([&] { keysDiffer->getNInstances(); }, validate,
+                "The keys within attribute set b are different than the primary set's ones!");
+  SetContent otherAttributes{"c", {column("ID", vINT32, {4}), column("VAL", vFLOAT32, {2})}};
+  vHandle<Store> attributesDiffer = StoreDecoratorFactory::addConcat(
+      openJoin(joinShelf("a", {"ID"}, {idSet("", {1}), otherAttributes}), "a"));
+  expectFailure([&] { attributesDiffer->getKeyList(); }, validate,
+                "The attributes within attribute set c are different than the primary set's ones!");
+  vHandle<Store> closed(new TestMemoryStore(vHandle<Project>(), shelf));
+  vHandle<Store> notOpen = StoreDecoratorFactory::addConcat(closed);
+  expectFailure([&] { notOpen->getNInstances(); }, validate, "The store is not open!");
+  vHandle<Store> variable(new VariableListingStore(joinShelf("v", {"ID"}, {idSet("", {1}), idSet("b", {2})})));
+  variable->open("v", 0, "seismic", "3d", nullptr);
+  vHandle<Store> gather = StoreDecoratorFactory::addGather(variable);
+  expectFailure([&] { gather->getNInstances(); }, validate,
                 "The attribute 'PICKS' is variable length ... not supported!");
+}
+
+TEST_F(ConcatStoreDecoratorTest, WhatLeadsTheKeys) {
+  auto withOffsetBin = [](std::vector<std::string> keys, char const* subClass) {
+    SetContent a{"", {column("ID", vINT32, {1, 2}), column("OFFSET.BIN", vINT32, {7, 8})}};
+    SetContent b{"b", {column("ID", vINT32, {3}), column("OFFSET.BIN", vINT32, {9})}};
+    return openJoin(joinShelf("bins", keys, {a, b}, subClass), "bins", subClass);
+  };
+  // An attribute of the sets: it leads the keys; no sequence attribute.
+  vHandle<Store> view = StoreDecoratorFactory::addConcat(withOffsetBin({"ID"}, "3d"));
+  EXPECT_EQ((std::vector<std::string>{"OFFSET.BIN", "ID"}), names(view->getKeyList()));
+  EXPECT_FALSE(view->hasAttribute(kSequence));
+  // Already a key: the keys stay.
+  view = StoreDecoratorFactory::addConcat(withOffsetBin({"ID", "OFFSET.BIN"}, "3d"));
+  EXPECT_EQ((std::vector<std::string>{"ID", "OFFSET.BIN"}), names(view->getKeyList()));
+  // Offload headers get the sequence, but not as a key.
+  view = StoreDecoratorFactory::addConcat(
+      openJoin(joinShelf("off", {"ID"}, {idSet("", {1}), idSet("b", {2})}, "moffldheader"), "off", "moffldheader"));
+  EXPECT_EQ((std::vector<std::string>{"ID"}), names(view->getKeyList()));
+  EXPECT_EQ((std::vector<double>{1, 2}), values(*view, kSequence));
 }
 
 // --- gather --------------------------------------------------------------------------------
 
 // Three sets of equal size: set s holds IDs 10 s + i.
 vHandle<Store> threeSets() {
-  return observedJoin(
+  return openJoin(
       joinShelf("g", {"ID"}, {idSet("", {11, 12, 13}), idSet("two", {21, 22, 23}), idSet("three", {31, 32, 33})}),
       "g");
 }
@@ -168,7 +136,9 @@ TEST_F(ConcatStoreDecoratorTest, GatherRefillsASetAtATime) {
   std::vector<double> ids = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
   SetContent one{"", {column("ID", vINT32, ids), column("W", vFLOAT32, wide, 26214)}};
   SetContent two{"two", {column("ID", vINT32, ids), column("W", vFLOAT32, wide, 26214)}};
-  vHandle<GatherStoreDecorator> gather(new GatherStoreDecorator(observedJoin(joinShelf("w", {"ID"}, {one, two}), "w")));
+  ObservedStore* observed = nullptr;
+  vHandle<GatherStoreDecorator> gather(
+      new GatherStoreDecorator(observedStore(joinShelf("w", {"ID"}, {one, two}), observed, "w")));
   gather->setCacheSize(1);
   EXPECT_EQ(0, gather->getInstancesPerFill());
   Attribute id = gather->getAttribute("ID");
@@ -176,16 +146,24 @@ TEST_F(ConcatStoreDecoratorTest, GatherRefillsASetAtATime) {
   // 2 x (4 + 4 x 26214) bytes an instance: 4 instances per fill, windows
   // 1-5, 6-10, 11-12 of each set, each a read of both attributes.
   EXPECT_EQ(4, gather->getInstancesPerFill());
-  EXPECT_EQ(2 * 3 * 2, g_observed->rangeReads);
+  EXPECT_EQ(2 * 3 * 2, observed->rangeReads);
   for (unsigned int k = 1; k <= 24; ++k) EXPECT_EQ(static_cast<double>((k + 1) / 2), id.getValue(k)) << k;
   Attribute w = gather->getAttribute("W");
   gather->read(w, 23, 24);
-  EXPECT_EQ(2 * 3 * 2, g_observed->rangeReads) << "in the windows already";
+  EXPECT_EQ(2 * 3 * 2, observed->rangeReads) << "in the windows already";
 }
 
 TEST_F(ConcatStoreDecoratorTest, GatherCacheAndItsLimits) {
+  ::setenv("GATHERSTOREDECORATOR_CACHESIZE", "64", 1);
+  {
+    RecordingHandler recorder;
+    EXPECT_EQ(64, GatherStoreDecorator(threeSets()).getCacheSize());
+    EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 64 megabytes"}),
+              recorder.infos);
+  }
+  ::unsetenv("GATHERSTOREDECORATOR_CACHESIZE");
   vHandle<GatherStoreDecorator> gather(new GatherStoreDecorator(threeSets()));
-  EXPECT_EQ((std::vector<double>{1, 2, 3, 1, 2, 3, 1, 2, 3}), all(*gather, kSequence));
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 1, 2, 3, 1, 2, 3}), values(*gather, kSequence));
   Attribute id = gather->getAttribute("ID");
   // The list read is not checked against the view: the cache refuses what
   // no set holds.
@@ -208,17 +186,6 @@ TEST_F(ConcatStoreDecoratorTest, GatherCacheAndItsLimits) {
                 "1).");
 }
 
-TEST_F(ConcatStoreDecoratorTest, GatherCacheSizeFromTheEnvironment) {
-  char const* name = "GATHERSTOREDECORATOR_CACHESIZE";
-  ::setenv(name, "64", 1);
-  RecordingHandler recorder;
-  GatherStoreDecorator gather(threeSets());
-  EXPECT_EQ(64, gather.getCacheSize());
-  EXPECT_EQ((std::vector<std::string>{"GatherStoreDecorator::CacheData::CacheData|Cache set to 64 megabytes"}),
-            recorder.infos);
-  ::unsetenv(name);
-}
-
 // --- the conformance suite -----------------------------------------------------------------
 
 // A set holding the reference instances listed, with the reference keys.
@@ -234,7 +201,19 @@ SetContent referenceSet(char const* name, std::vector<unsigned int> const& insta
   return set;
 }
 
-void joinCase(StoreConformanceCase& c) {
+// The reference in three sets of the instances listed, joined by a concat
+// or a gather view.
+StoreConformanceCase joinCase(char const* name, std::vector<std::vector<unsigned int>> const& parts, bool gather) {
+  StoreConformanceCase c(name);
+  c.openForReading = [=] {
+    AttributeDefinitionTable::instance().addDefinition(Attribute(kSequence, kSequence, vINT32));
+    vHandle<Store> below = openJoin(joinShelf(kStore, {"CDP", "OFFSET"},
+                                              {referenceSet("", parts[0]), referenceSet("b", parts[1]),
+                                               referenceSet("c", parts[2])}),
+                                    kStore);
+    return vHandle_cast<AttributeSet>(gather ? StoreDecoratorFactory::addGather(below)
+                                             : StoreDecoratorFactory::addConcat(below));
+  };
   c.texts.notWritable = "Has not been written yet!";
   // The sequence attribute leads the keys.
   c.hasKeyList = false;
@@ -243,39 +222,14 @@ void joinCase(StoreConformanceCase& c) {
   c.notApplicable = {"ReadsBySelectorGroups", "ReadsByKeyValues", "AnswersGroupQuestions",
                      "RefusesBadGroupNumbersWithTheirTexts", "RefusesBadRangesWithTheirTexts",
                      "RefusesBadListsAndNamesWithTheirTexts"};
-}
-
-void defineSequence() {
-  AttributeDefinitionTable::instance().addDefinition(Attribute(kSequence, kSequence, vINT32));
-}
-
-StoreConformanceCase concatCase() {
-  StoreConformanceCase c("ConcatOfThreeSets");
-  c.openForReading = [] {
-    defineSequence();
-    auto shelf = joinShelf(kStore, {"CDP", "OFFSET"},
-                           {referenceSet("", {1, 2, 3, 4, 5}), referenceSet("b", {6}),
-                            referenceSet("c", {7, 8, 9, 10, 11, 12})});
-    return vHandle_cast<AttributeSet>(StoreDecoratorFactory::addConcat(openJoin(shelf, kStore)));
-  };
-  joinCase(c);
-  return c;
-}
-
-StoreConformanceCase gatherCase() {
-  StoreConformanceCase c("GatherOfThreeSets");
-  c.openForReading = [] {
-    defineSequence();
-    auto shelf = joinShelf(kStore, {"CDP", "OFFSET"},
-                           {referenceSet("", {1, 4, 7, 10}), referenceSet("b", {2, 5, 8, 11}),
-                            referenceSet("c", {3, 6, 9, 12})});
-    return vHandle_cast<AttributeSet>(StoreDecoratorFactory::addGather(openJoin(shelf, kStore)));
-  };
-  joinCase(c);
   return c;
 }
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(JoinViews, StoreConformance, ::testing::Values(concatCase(), gatherCase()),
+INSTANTIATE_TEST_SUITE_P(JoinViews, StoreConformance,
+                         ::testing::Values(joinCase("ConcatOfThreeSets", {{1, 2, 3, 4, 5}, {6}, {7, 8, 9, 10, 11, 12}},
+                                                    false),
+                                           joinCase("GatherOfThreeSets", {{1, 4, 7, 10}, {2, 5, 8, 11}, {3, 6, 9, 12}},
+                                                    true)),
                          StoreConformance::caseName);

@@ -1,5 +1,6 @@
 // The shared store suite through every kind of view: select views hide
-// decoys and must behave as a store of exactly the reference content.
+// decoys and must behave as a store of exactly the reference content. Then
+// the attribute select view's own listing and refusals.
 
 #include <gtest/gtest.h>
 
@@ -15,17 +16,6 @@
 using namespace decorator_testing;
 
 namespace {
-
-vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
-
-// Select views word their own refusals of writes and of ranges past the
-// end; group numbers and the rest are checked as every set checks them.
-void selectTexts(StoreConformanceCase& c) {
-  c.texts.notWritable = "Has not been written yet.";
-  // The suite asks for instances 1 to 13 of 12.
-  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
-  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
-}
 
 StoreConformanceCase forwarding() {
   StoreConformanceCase c("StoreDecorator");
@@ -64,7 +54,12 @@ StoreConformanceCase selectCase(char const* name, Layout const& layout, char con
     if (op) view->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("op", op, low, high)));
     return asSet(store);
   };
-  selectTexts(c);
+  // Select views word their own refusals of writes and of ranges past the
+  // end (the suite asks for instances 1 to 13 of 12); group numbers and the
+  // rest are checked as every set checks them.
+  c.texts.notWritable = "Has not been written yet.";
+  c.texts.lastPastEnd = "Instance out of range first 1 last %lld (size %lld)";
+  c.texts.groupLastPastEnd = "last instance %lld must be <= number of instances %lld.";
   return c;
 }
 
@@ -112,6 +107,38 @@ StoreConformanceCase profiling() {
   c.makeUnopened = [] { return vHandle<AttributeSet>(new ProfilingAttributeSetDecorator(referenceSet(false, false))); };
   setTexts(c);
   return c;
+}
+
+// The reference suite reads the chosen attributes; the rest stay reachable
+// and writable, and a refused choice leaves the selection as it was.
+TEST(AttributeSelect, FiltersWhatIsListedNotWhatIsReachable) {
+  vHandle<Store> below = referenceStore(true);
+  vHandle<AttributeSelectDecorator> view;
+  vHandle<Store> top = StoreDecoratorFactory::addAttributeSelect(below, view);
+  view->selectAttributes({"CDP", "ELEV"});
+  std::list<Attribute> filled(1, Attribute("STALE", "", vINT32));
+  top->getAttributeList(filled);
+  EXPECT_EQ((std::vector<std::string>{"CDP", "ELEV"}), names(filled));
+  EXPECT_FALSE(top->hasAttribute("OFFSET"));
+  Attribute offset = top->getAttribute("OFFSET");
+  int const v[] = {7};
+  offset.copyData(1, v);
+  top->write(offset, 12, 12);
+  EXPECT_EQ(7.0, values(*below, "OFFSET")[11]);
+  expectFailure([&] { view->selectAttribute("NOPE"); }, "AttributeSelectDecorator::selectAttribute",
+                "Attribute NOPE does not exist in parent store.");
+  EXPECT_EQ((std::vector<std::string>{"CDP", "ELEV"}), names(top->getAttributeList()));
+  EXPECT_EQ((std::vector<std::string>{"ELEV"}),
+            names(top->getAttributeList("OFFSET", AttributeMatch::MATCH_OR_BLANK_CLASS)));
+}
+
+TEST(AttributeSelect, AStoreWithSeveralSetsIsRefused) {
+  vHandle<Store> below = referenceStore(true);
+  below->createAttributeSet("second", StoreConformance::referenceKeys());
+  vHandle<AttributeSelectDecorator> view;
+  expectFailure([&] { StoreDecoratorFactory::addAttributeSelect(below, view); }, "AttributeSelectDecorator::init",
+                "AttributeSelectDecorator does not (yet) support stores with multiple attribute sets.");
+  EXPECT_EQ(1, below.getMasterCount());
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "foundation/ErrorHandler.h"
 #include "foundation/ExceptionErrorHandler.h"
 #include "foundation/RaiseError.h"
+#include "foundation/vString.h"
 #include "project/Project.h"
 #include "project/StoreTesting.h"
 #include "testing/StoreConformance.h"
@@ -34,16 +35,29 @@ char const* const kReferenceAttributes[] = {"CDP", "OFFSET", "ELEV", "TRACE"};
 // -1 (OFFSET 999, so that no key tuple of the reference matches it).
 typedef std::vector<int> Layout;
 
-inline void setValue(Attribute& a, unsigned int instance, int position, double v) {
+// Sets value `position` (0-based) of an instance; a text is "s" and the number.
+inline void setElement(Attribute& a, unsigned int instance, int position, double v) {
   switch (a.getDataType()) {
+    case vINT16:
+      a.getInt16Pointer(instance)[position] = static_cast<short>(v);
+      break;
     case vINT32:
-      a.getInt32Pointer(instance)[position - 1] = static_cast<int>(v);
+      a.getInt32Pointer(instance)[position] = static_cast<int>(v);
+      break;
+    case vINT64:
+      a.getInt64Pointer(instance)[position] = static_cast<long long>(v);
       break;
     case vFLOAT32:
-      a.getFloat32Pointer(instance)[position - 1] = static_cast<float>(v);
+      a.getFloat32Pointer(instance)[position] = static_cast<float>(v);
       break;
+    case vSTRING: {
+      vString text;
+      text.printf("s%g", v);
+      a.getStringPointer(instance)[position] = text;
+      break;
+    }
     default:
-      a.getFloat64Pointer(instance)[position - 1] = v;
+      a.getFloat64Pointer(instance)[position] = v;
   }
 }
 
@@ -72,7 +86,7 @@ inline std::shared_ptr<TestMemoryShelf> layoutShelf(Layout const& layout, char c
           v = 999;
         else
           v = -1;
-        setValue(data, i, k, v);
+        setElement(data, i, k - 1, v);
       }
     }
     writer.write(data, 1, n);
@@ -99,6 +113,8 @@ inline vHandle<Store> openStore(std::shared_ptr<TestMemoryShelf> const& shelf, b
 }
 
 inline vHandle<Store> referenceStore(bool update = false) { return openStore(layoutShelf(referenceLayout()), update); }
+
+inline vHandle<AttributeSet> asSet(vHandle<Store> const& store) { return vHandle_cast<AttributeSet>(store); }
 
 // Instances 1 to n of a scalar attribute of the store, as doubles.
 inline std::vector<double> values(AttributeSet const& set, char const* name) {
@@ -229,12 +245,16 @@ class ObservedStore : public TestMemoryStore {
   int flushes = 0;
 };
 
-// An observed store opened for reading, with the layout given.
-inline vHandle<Store> observedStore(Layout const& layout, ObservedStore*& observed) {
-  observed = new ObservedStore(layoutShelf(layout));
+// An observed store of the shelf (or with the layout given), opened for reading.
+inline vHandle<Store> observedStore(std::shared_ptr<TestMemoryShelf> const& shelf, ObservedStore*& observed,
+                                    char const* name = kStore) {
+  observed = new ObservedStore(shelf);
   vHandle<Store> store(observed);
-  store->open(kStore, 0, "seismic", "3d", nullptr);
+  store->open(name, 0, "seismic", "3d", nullptr);
   return store;
+}
+inline vHandle<Store> observedStore(Layout const& layout, ObservedStore*& observed) {
+  return observedStore(layoutShelf(layout), observed);
 }
 
 }  // namespace decorator_testing

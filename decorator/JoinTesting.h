@@ -13,7 +13,6 @@
 
 #include "attribute/AttributeDefinitionTable.h"
 #include "decorator/DecoratorTesting.h"
-#include "foundation/vString.h"
 
 namespace join_testing {
 
@@ -31,35 +30,12 @@ inline Column column(char const* name, DataType type, std::vector<double> values
 }
 
 // The columns of one attribute set; the first set is the store's primary.
+// A set may name keys of its own.
 struct SetContent {
   std::string name;
   std::vector<Column> columns;
+  std::vector<std::string> keys = {};
 };
-
-inline void setElement(Attribute& a, unsigned int instance, int position, double v) {
-  switch (a.getDataType()) {
-    case vINT16:
-      a.getInt16Pointer(instance)[position] = static_cast<short>(v);
-      break;
-    case vINT32:
-      a.getInt32Pointer(instance)[position] = static_cast<int>(v);
-      break;
-    case vINT64:
-      a.getInt64Pointer(instance)[position] = static_cast<long long>(v);
-      break;
-    case vFLOAT32:
-      a.getFloat32Pointer(instance)[position] = static_cast<float>(v);
-      break;
-    case vSTRING: {
-      vString text;
-      text.printf("s%g", v);
-      a.getStringPointer(instance)[position] = text;
-      break;
-    }
-    default:
-      a.getFloat64Pointer(instance)[position] = v;
-  }
-}
 
 inline void writeColumns(Store& store, std::vector<Column> const& columns) {
   unsigned int n = 0;
@@ -79,20 +55,23 @@ inline void writeColumns(Store& store, std::vector<Column> const& columns) {
   }
 }
 
-// A store of that name whose sets hold the contents given, all with the
-// key list of the columns named.
+// A store of that name whose sets hold the contents given, with the key
+// list of the columns named (unless a set names its own).
 inline std::shared_ptr<TestMemoryShelf> joinShelf(char const* name, std::vector<std::string> const& keyNames,
                                                   std::vector<SetContent> const& sets, char const* subClass = "3d") {
   auto shelf = std::make_shared<TestMemoryShelf>();
   TestMemoryStore writer(vHandle<Project>(), shelf);
-  KeyList keys;
-  for (std::string const& key : keyNames)
-    for (Column const& c : sets.front().columns)
-      if (key == c.definition.getName().c_str()) keys.addKey(c.definition);
-  writer.create(name, "seismic", subClass, keys, nullptr);
+  auto keysOf = [&](SetContent const& set) {
+    KeyList keys;
+    for (std::string const& key : set.keys.empty() ? keyNames : set.keys)
+      for (Column const& c : set.columns)
+        if (key == c.definition.getName().c_str()) keys.addKey(c.definition);
+    return keys;
+  };
+  writer.create(name, "seismic", subClass, keysOf(sets.front()), nullptr);
   writeColumns(writer, sets.front().columns);
   for (std::size_t s = 1; s < sets.size(); ++s) {
-    writer.createAttributeSet(sets[s].name.c_str(), keys);
+    writer.createAttributeSet(sets[s].name.c_str(), keysOf(sets[s]));
     writeColumns(writer, sets[s].columns);
   }
   writer.close();
@@ -111,9 +90,6 @@ inline vHandle<Store> simpleStore(char const* name, std::vector<std::string> con
                                   std::vector<Column> const& columns) {
   return openJoin(joinShelf(name, keyNames, {SetContent{"", columns}}), name);
 }
-
-// All values of the attribute read by range from a set.
-inline std::vector<double> all(AttributeSet const& set, char const* name) { return values(set, name); }
 
 // The values of an attribute after a read.
 inline std::vector<double> valuesOf(Attribute const& a) {

@@ -1,28 +1,36 @@
 // The merge view, and the shared suite over two stores that interleave into
-// the reference content.
+// the reference content; the bind view, which lays stores end to end.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
+#include "attribute/AttributeDefinition.h"
+#include "attribute/AttributeDefinitionTable.h"
+#include "decorator/BindStoreDecorator.h"
 #include "decorator/JoinTesting.h"
 #include "decorator/MergeStoreDecorator.h"
 #include "decorator/StoreDecoratorFactory.h"
+#include "foundation/TestReleaseTree.h"
+#include "syslayer/FSTesting.h"
 
 using namespace join_testing;
 
 namespace {
 
+std::shared_ptr<TestMemoryShelf> keyedShelf(char const* name, std::vector<double> keys, std::vector<double> ids,
+                                            DataType type = vINT32) {
+  return joinShelf(name, {"KEY"}, {SetContent{"", {column("KEY", type, std::move(keys)), column("ID", vINT32, ids)}}});
+}
+
 vHandle<Store> keyed(char const* name, std::vector<double> keys, std::vector<double> ids, DataType type = vINT32) {
-  return simpleStore(name, {"KEY"}, {column("KEY", type, std::move(keys)), column("ID", vINT32, std::move(ids))});
+  return openJoin(keyedShelf(name, std::move(keys), std::move(ids), type), name);
 }
 
 MergeStoreDecorator& merge(vHandle<Store> const& view) { return dynamic_cast<MergeStoreDecorator&>(*view); }
 
 std::string title(vHandle<Store> const& store) {
-  vString t;
-  t.printf("%s.%d", store->getName().c_str(), store->getVersion());
-  return t.c_str();
+  return std::string(store->getName().c_str()) + "." + std::to_string(store->getVersion());
 }
 
 // The scan assumes nothing about sorted input: a value that comes back
@@ -31,8 +39,8 @@ TEST(MergeStoreDecorator, RunsThatComeBackAreGroupsOfTheirOwn) {
   vHandle<Store> view =
       StoreDecoratorFactory::addMerge(keyed("a", {5, 5, 1, 5, 3}, {1, 2, 3, 4, 5}, vFLOAT64), 0, true);
   merge(view).addStore(keyed("b", {4, 2}, {6, 7}, vFLOAT64));
-  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5, 5, 5}), all(*view, "KEY"));
-  std::vector<double> ids = all(*view, "ID");
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 5, 5, 5}), values(*view, "KEY"));
+  std::vector<double> ids = values(*view, "ID");
   EXPECT_EQ((std::vector<double>{3, 7, 5, 6}), std::vector<double>(ids.begin(), ids.begin() + 4));
   // The run 5 5 stays together and in store order, beside the lone 5.
   std::vector<double> fives(ids.begin() + 4, ids.end());
@@ -41,8 +49,9 @@ TEST(MergeStoreDecorator, RunsThatComeBackAreGroupsOfTheirOwn) {
 }
 
 // Empty stores are dropped before the checks: the one with other keys
-// raises nothing, and the first store kept answers for the view.
-TEST(MergeStoreDecorator, DropsEmptyStoresWithANote) {
+// raises nothing, and the first store kept answers for the view. Other
+// differences are all listed before the merge gives up.
+TEST(MergeStoreDecorator, DropsEmptyStoresAndListsEveryDifference) {
   vHandle<Store> empty = keyed("empty", {}, {});
   vHandle<Store> other = simpleStore("other", {"OTHER"}, {column("OTHER", vINT32, {})});
   vHandle<Store> view = StoreDecoratorFactory::addMerge(empty, 0, true);
@@ -50,33 +59,24 @@ TEST(MergeStoreDecorator, DropsEmptyStoresWithANote) {
   merge(view).addStore(other);
   RecordingHandler recorder;
   EXPECT_EQ(2u, view->getNInstances());
-  char const* label = "MergeMethodNoSecondarySort::myDoValidateStores|The store ";
-  char const* text = " will be ignored as it does not contain any data";
-  EXPECT_EQ((std::vector<std::string>{label + title(empty) + text, label + title(other) + text}), recorder.infos);
+  std::string const label = "MergeMethodNoSecondarySort::myDoValidateStores";
+  std::string const text = " will be ignored as it does not contain any data";
+  EXPECT_EQ((std::vector<std::string>{label + "|The store " + title(empty) + text,
+                                      label + "|The store " + title(other) + text}),
+            recorder.infos);
   EXPECT_STREQ("a", view->getAttributeSetName().c_str());
-}
 
-TEST(MergeStoreDecorator, ListsEveryDifferenceBeforeGivingUp) {
   vHandle<Store> first = keyed("a", {1}, {1});
   vHandle<Store> otherKeys = simpleStore("b", {"ID"}, {column("KEY", vINT32, {2}), column("ID", vINT32, {2})});
   vHandle<Store> otherId = simpleStore("c", {"KEY"}, {column("KEY", vINT32, {3}), column("ID", vFLOAT32, {3})});
-  vHandle<Store> view = StoreDecoratorFactory::addMerge(first, 0, true);
+  view = StoreDecoratorFactory::addMerge(first, 0, true);
   merge(view).addStore(otherKeys);
   merge(view).addStore(otherId);
-  RecordingHandler recorder;
-  try {
-    view->getNInstances();
-    ADD_FAILURE() << "differences must be fatal";
-  } catch (UtlExcept const& e) {
-    EXPECT_STREQ("MergeMethodNoSecondarySort::myDoValidateStores", e.getMethod().c_str());
-    EXPECT_STREQ("Differences found, cannot continue!", e.getReason().c_str());
-  }
-  ASSERT_EQ(2u, recorder.errors.size());
-  EXPECT_EQ("MergeMethodNoSecondarySort::myDoValidateStores|The keys for '" + title(otherKeys) + "' do not match '" +
-                title(first) + "'!",
-            recorder.errors[0]);
-  EXPECT_EQ("MergeMethodNoSecondarySort::myDoValidateStores|The attribute 'ID' is not the same in all the stores!",
-            recorder.errors[1]);
+  EXPECT_EQ(label + ": Differences found, cannot continue!", fatalText([&] { view->getNInstances(); }));
+  EXPECT_EQ((std::vector<std::string>{
+                label + "|The keys for '" + title(otherKeys) + "' do not match '" + title(first) + "'!",
+                label + "|The attribute 'ID' is not the same in all the stores!"}),
+            recorder.errors);
 }
 
 TEST(MergeStoreDecorator, AnAttributeOfOneStoreReadsAsZerosForTheOthers) {
@@ -138,7 +138,7 @@ TEST(MergeStoreDecorator, RefusesStoresItCannotMerge) {
                     "' contains the primary key length of 2 ... we only support length = 1!!");
 }
 
-TEST(MergeStoreDecorator, RefusesBadRangesAndLists) {
+TEST(MergeStoreDecorator, RefusesBadRangesListsSetsAndReads) {
   vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1, 2, 3}, {1, 2, 3}), 0, true);
   Attribute id("ID", "ID", vINT32);
   char const* label = "MergeMethodNoSecondarySort::read(range)";
@@ -149,29 +149,26 @@ TEST(MergeStoreDecorator, RefusesBadRangesAndLists) {
                 "Internal error, found invalid group (3:3) when searching for instance 4!");
   expectFailure([&] { view->read(id, std::vector<unsigned int>{0, 2}); }, "MergeMethodNoSecondarySort::read(list)",
                 "Internal error, could not find instance 0 in the group bins!");
+  expectFailure([&] { view->openAttributeSet("other"); }, "MergeMethodNoSecondarySort::openAttributeSet",
+                "Invalid attribute set name 'other' ... we expect blank or 'a'!");
+  EXPECT_EQ(1u, view->getAttributeSetList()->size());
+  // Reads by groups and keys, which the suite does not ask of a merge.
+  expectFailure([&] { view->read(id, id, 1, 1); }, "MergeStoreDecorator::read(groups)", "Has not been written yet!");
+  expectFailure([&] { view->read(id, KeyList()); }, "MergeStoreDecorator::read(keys)", "Has not been written yet!");
 }
 
 // A list read is one list read below per store, in the order asked.
 TEST(MergeStoreDecorator, ReadsListsBelowOncePerStore) {
   ObservedStore* a = nullptr;
   ObservedStore* b = nullptr;
-  auto observed = [](char const* name, std::vector<double> keys, std::vector<double> ids, ObservedStore*& out) {
-    out = new ObservedStore(
-        joinShelf(name, {"KEY"}, {SetContent{"", {column("KEY", vINT32, keys), column("ID", vINT32, ids)}}}));
-    vHandle<Store> store(out);
-    store->open(name, 0, "seismic", "3d", nullptr);
-    return store;
-  };
-  vHandle<Store> view =
-      StoreDecoratorFactory::addMerge(observed("a", {1, 2, 3, 7, 8, 9}, {1, 2, 3, 4, 5, 6}, a), 0, true);
-  merge(view).addStore(observed("b", {4, 5, 6, 10}, {7, 8, 9, 10}, b));
+  vHandle<Store> view = StoreDecoratorFactory::addMerge(
+      observedStore(keyedShelf("a", {1, 2, 3, 7, 8, 9}, {1, 2, 3, 4, 5, 6}), a, "a"), 0, true);
+  merge(view).addStore(observedStore(keyedShelf("b", {4, 5, 6, 10}, {7, 8, 9, 10}), b, "b"));
   Attribute id("ID", "ID", vINT32);
   view->read(id, std::vector<unsigned int>{10, 1, 5, 4, 9});
   EXPECT_EQ((std::vector<double>{10, 1, 8, 7, 6}), valuesOf(id));
-  ASSERT_EQ(1u, a->lists.size());
-  ASSERT_EQ(1u, b->lists.size());
-  EXPECT_EQ((std::vector<unsigned int>{1, 6}), a->lists[0]);
-  EXPECT_EQ((std::vector<unsigned int>{4, 2, 1}), b->lists[0]);
+  EXPECT_EQ((std::vector<std::vector<unsigned int>>{{1, 6}}), a->lists);
+  EXPECT_EQ((std::vector<std::vector<unsigned int>>{{4, 2, 1}}), b->lists);
 }
 
 // With a cache the key scan fills a window per store and reads the rest
@@ -180,10 +177,10 @@ TEST(MergeStoreDecorator, TheKeyScanThroughItsCache) {
   unsigned int const n = 25000;
   std::vector<double> keys(n), wide(n * 16, 1.0);
   for (unsigned int i = 0; i < n; ++i) keys[i] = static_cast<double>(i / 10);
-  ObservedStore* observed = new ObservedStore(joinShelf(
-      "wide", {"KEY"}, {SetContent{"", {column("KEY", vINT32, keys), column("WIDE", vINT32, wide, 16)}}}));
-  vHandle<Store> store(observed);
-  store->open("wide", 0, "seismic", "3d", nullptr);
+  ObservedStore* observed = nullptr;
+  vHandle<Store> store = observedStore(
+      joinShelf("wide", {"KEY"}, {SetContent{"", {column("KEY", vINT32, keys), column("WIDE", vINT32, wide, 16)}}}),
+      observed, "wide");
   // 68 bytes an instance: a window of 15420 instances in one megabyte.
   vHandle<Store> view = StoreDecoratorFactory::addMerge(store, 1, false);
   EXPECT_EQ(n, view->getNInstances());
@@ -196,17 +193,6 @@ TEST(MergeStoreDecorator, TheKeyScanThroughItsCache) {
   Attribute key("KEY", "KEY", vINT32);
   view->read(key, n, n);
   EXPECT_EQ(0.0, key.getValue(1));
-}
-
-TEST(MergeStoreDecorator, HasOneSetAndNoGroupOrKeyReads) {
-  vHandle<Store> view = StoreDecoratorFactory::addMerge(keyed("a", {1}, {1}), 0, true);
-  expectFailure([&] { view->openAttributeSet("other"); }, "MergeMethodNoSecondarySort::openAttributeSet",
-                "Invalid attribute set name 'other' ... we expect blank or 'a'!");
-  EXPECT_EQ(1u, view->getAttributeSetList()->size());
-  // Reads by groups and keys, which the suite does not ask of a merge.
-  Attribute id("ID", "ID", vINT32);
-  expectFailure([&] { view->read(id, id, 1, 1); }, "MergeStoreDecorator::read(groups)", "Has not been written yet!");
-  expectFailure([&] { view->read(id, KeyList()); }, "MergeStoreDecorator::read(keys)", "Has not been written yet!");
 }
 
 // --- the conformance suite -----------------------------------------------------------------
@@ -225,6 +211,65 @@ StoreConformanceCase mergeCase() {
                      "RefusesBadGroupNumbersWithTheirTexts", "RefusesBadRangesWithTheirTexts",
                      "RefusesBadListsAndNamesWithTheirTexts", "ReadsListsInTheirOrder"};
   return c;
+}
+
+// The shipped vocabulary, which defines "STORE.ID" and the sequence of the
+// join views.
+class BindStoreDecoratorTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    tree.writeSystemFile("AttributeDefTable4.txt",
+                         fs_testing::readFile(RONDO_TEST_SOURCE_DIR "/release/SystemFiles/AttributeDefTable4.txt"));
+    AttributeDefinitionTable::instance().dropTable();
+  }
+  void TearDown() override { AttributeDefinitionTable::instance().dropTable(); }
+  TestReleaseTree tree;
+};
+
+// Reference instances 1-3 and 4-5 (the second without ELEV).
+vHandle<Store> part(Layout const& layout, bool withElev = true) {
+  vHandle<Store> store = openStore(layoutShelf(layout));
+  if (!withElev) {
+    vHandle<AttributeSelectDecorator> select;
+    store = StoreDecoratorFactory::addAttributeSelect(store, select);
+    select->selectAttributes({"CDP", "OFFSET", "TRACE"});
+  }
+  return store;
+}
+
+TEST_F(BindStoreDecoratorTest, StoresEndToEndWithTheirOrdinals) {
+  vHandle<BindStoreDecorator> bind;
+  vHandle<Store> view = StoreDecoratorFactory::addBind(part({1, 2, 3}), bind);
+  bind->addStore(part({4, 5}, false));
+  EXPECT_EQ((std::vector<std::string>{"CDP", "OFFSET", "ELEV", "TRACE", "STORE.ID"}), names(view->getAttributeList()));
+  EXPECT_EQ((std::vector<double>{1, 1, 1, 2, 2}), values(*view, "STORE.ID"));
+  EXPECT_EQ((std::vector<double>{1000.5, 1001, 1001.5, 0, 0}), values(*view, "ELEV"));
+  Attribute id = view->getAttribute("STORE.ID");
+  view->read(id, std::vector<unsigned int>{5, 1});
+  EXPECT_EQ((std::vector<int>{2, 1}), (std::vector<int>{id.getInt32(1), id.getInt32(2)}));
+  // The ordinal's definition is the shipped vocabulary's, as is the join views' sequence.
+  EXPECT_EQ(vINT32, AttributeDefinition::getDefinition("attributeset.sequence").getDataType());
+  EXPECT_STREQ("ATTRIBUTESET.SEQUENCE", AttributeDefinition::getDefinition("attributeset.sequence").getName().c_str());
+
+  Attribute offset = view->getAttribute("OFFSET");
+  expectFatal([&] { view->read(offset, 4, 6); }, "BindStoreDecorator::read(range)",
+              "Could not find instances 4-6, bound Store has 5 instances.");
+  expectFatal([&] { view->read(offset, std::vector<unsigned int>{2, 9}); }, "BindStoreDecorator::read(list)",
+              "Range of list was 2-9, bound Store has 5 instances, found 9 instance in list of 2.");
+  expectFatal([&] { view->read(offset, offset, 1, 1); }, "BindStoreDecorator::read", "Not implemented yet.");
+  expectFatal([&] { view->getAttribute("NOPE"); }, "BindStoreDecorator::getAttribute()",
+              "Attribute 'NOPE' is not in store.");
+  expectFatal([&] { view->openAttributeSet("other"); }, "BindStoreDecorator::openAttributeSet",
+              "Attribute set 'other' does not exist!");
+
+  // Only stores of one shape bind.
+  vHandle<Store> oneKey(new TestMemoryStore(vHandle<Project>(), std::make_shared<TestMemoryShelf>()));
+  KeyList keys;
+  keys.addKey(StoreConformance::referenceDefinition("CDP"));
+  oneKey->create("onekey", "seismic", "3d", keys, nullptr);
+  expectFatal([&] { bind->addStore(oneKey); }, "BindStoreDecorator::addStore",
+              "Store onekey has 1 keys while existing Store(s) in binding have 2 keys.");
+  EXPECT_EQ(2u, bind->getStores().size());
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 // The selection protocol on real stores: which path reads data, batches,
-// how masks are joined, negation, instance filters, and its refusals.
+// how masks are joined, negation, instance filters, and its refusals; the
+// select view over it.
 
 #include <gtest/gtest.h>
 
 #include "decorator/DecoratorTesting.h"
 #include "decorator/SelectOperatorCollection.h"
+#include "decorator/SelectStoreDecorator.h"
+#include "decorator/StoreDecoratorFactory.h"
 #include "foundation/TestAddressSpaceCap.h"
 
 using namespace decorator_testing;
@@ -12,12 +15,6 @@ using namespace decorator_testing;
 namespace {
 
 typedef std::vector<unsigned int> List;
-
-List range(unsigned int first, unsigned int last) {
-  List list;
-  for (unsigned int i = first; i <= last; ++i) list.push_back(i);
-  return list;
-}
 
 // CDP 2 and 3 are instances 4 to 9; OFFSET 200 and 300 are every instance
 // but 1, 4, 7 and 10.
@@ -35,20 +32,21 @@ struct Selection : ::testing::Test {
     for (auto const& op : ops) collection.addOperator(op);
     return collection.doSelection(store);
   }
+  // The same through a collection of its own, with the defaults.
+  List fresh(std::vector<vHandle<SelectOperatorBase>> const& ops) {
+    SelectOperatorCollection c;
+    for (auto const& op : ops) c.addOperator(op);
+    return c.doSelection(store);
+  }
   ObservedStore* observed;
   vHandle<Store> store;
   SelectOperatorCollection collection;
 };
 
-// --- the path without data ------------------------------------------------------------
-
 TEST_F(Selection, WithoutDataTheFilterCountsFromTheStart) {
-  List filter = {1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1};
-  collection.setInstanceFilter(filter);
+  collection.setInstanceFilter({1, 0, 1, 0, 0, 1, 1, 1, 1, 1, 1, 0, 1, 1});
   EXPECT_EQ((List{1, 3, 6, 7, 8, 9, 10, 11}), collection.doSelection(store));
 }
-
-// --- batches -----------------------------------------------------------------------------
 
 TEST_F(Selection, OnTheBatchPathTheFilterCountsFromEachBatch) {
   collection.setBatchSize(5);
@@ -60,22 +58,15 @@ TEST_F(Selection, OnTheBatchPathTheFilterCountsFromEachBatch) {
   EXPECT_TRUE(all->calls[2].hadMask);
 }
 
-// --- joining masks -------------------------------------------------------------------------
-
 TEST_F(Selection, AndOrAndOrNotJoinLeftToRight) {
-  auto chain = [&](std::vector<vHandle<SelectOperatorBase>> const& ops) {
-    SelectOperatorCollection c;
-    for (auto const& op : ops) c.addOperator(op);
-    return c.doSelection(store);
-  };
-  EXPECT_EQ((List{5, 6, 8, 9}), chain({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd), asBase(offset23())}));
+  EXPECT_EQ((List{5, 6, 8, 9}), fresh({asBase(cdp23()), logic("and", SelectOperatorBase::LogicAnd), asBase(offset23())}));
   // Or, also where no logic operator stands between masks; logic at the
   // end has no effect.
   EXPECT_EQ((List{2, 3, 4, 5, 6, 7, 8, 9, 11, 12}),
-            chain({asBase(cdp23()), asBase(offset23()), logic("and", SelectOperatorBase::LogicAnd)}));
+            fresh({asBase(cdp23()), asBase(offset23()), logic("and", SelectOperatorBase::LogicAnd)}));
   // A bare not between two masks is or-not.
   EXPECT_EQ((List{1, 4, 5, 6, 7, 8, 9, 10}),
-            chain({asBase(cdp23()), logic("not", SelectOperatorBase::LogicNot), asBase(offset23())}));
+            fresh({asBase(cdp23()), logic("not", SelectOperatorBase::LogicNot), asBase(offset23())}));
 }
 
 TEST_F(Selection, ANotBeforeTheFirstMaskComplementsIt) {
@@ -91,9 +82,7 @@ TEST_F(Selection, ANotBeforeTheFirstMaskComplementsIt) {
 TEST_F(Selection, MisplacedOrUnknownLogicIsToldAsAnInfo) {
   RecordingHandler recorder;
   EXPECT_TRUE(select({logic("and", SelectOperatorBase::LogicAnd), asBase(cdp23())}).empty());
-  SelectOperatorCollection unknown;
-  for (auto const& op : {asBase(cdp23()), logic("xor", 3), asBase(offset23())}) unknown.addOperator(op);
-  EXPECT_EQ(range(4, 9), unknown.doSelection(store));
+  EXPECT_EQ((List{4, 5, 6, 7, 8, 9}), fresh({asBase(cdp23()), logic("xor", 3), asBase(offset23())}));
   EXPECT_EQ((std::vector<std::string>{
                 "SelectStoreDecorator::doEvaluate|Logic operator: and as first item in selection list has no effect",
                 "SelectStoreDecorator::doEvaluate|Unknown logic operator enum"}),
@@ -115,9 +104,7 @@ TEST_F(Selection, TwoLogicOperatorsInARowAreRefusedAtTheFirstBatch) {
 
 TEST_F(Selection, AMultiValuedAttributeIsRefusedBeforeAnyRead) {
   auto trace = vHandle<RangeOperator>(new RangeOperator("trace", "TRACE", 0, 1));
-  collection.addOperator(asBase(cdp23()));
-  collection.addOperator(asBase(trace));
-  expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::mySetupRead",
+  expectFailure([&] { select({asBase(cdp23()), asBase(trace)}); }, "SelectStoreDecorator::mySetupRead",
                 "Attribute 'TRACE' in Store 'reference' has more than one element (5).");
   EXPECT_EQ(0, observed->rangeReads);
   EXPECT_TRUE(trace->calls.empty());
@@ -127,10 +114,7 @@ TEST_F(Selection, ASmallFilterAnEmptyOperatorAndNoBatchAreRefused) {
   collection.setInstanceFilter(List(11, 1));
   expectFailure([&] { collection.doSelection(store); }, "SelectStoreDecorator::doSelection",
                 "Supplied instance filter is too small -- 11 instances in filter -- 12 instances in store");
-  SelectOperatorCollection empty;
-  empty.addOperator(asBase(cdp23()));
-  empty.addOperator(vHandle<SelectOperatorBase>());
-  expectFailure([&] { empty.doSelection(store); }, "SelectStoreDecorator::doEvaluate",
+  expectFailure([&] { fresh({asBase(cdp23()), vHandle<SelectOperatorBase>()}); }, "SelectStoreDecorator::doEvaluate",
                 "Null Selection Operator Iterator");
   expectFailure([&] { collection.setBatchSize(0); }, "SelectOperatorCollection::setBatchSize",
                 "The batch size must be positive, not 0.");
@@ -165,8 +149,6 @@ TEST(SelectionSettings, AMaskThatCannotBeAllocatedIsReported) {
 }
 #endif
 
-// --- the operator base ----------------------------------------------------------------------------
-
 class ToleranceOperator : public SelectOperatorBase {
  public:
   ToleranceOperator() : SelectOperatorBase("tol") {}
@@ -191,6 +173,55 @@ TEST(SelectOperator, ToleranceAndAttributeNumbers) {
   reads.addAttribute("OFFSET");
   expectFailure([&] { reads.getAttributeName(2); }, "SelectOperatorBase::getAttributeName",
                 "Operator r has no attribute 2 (it reads 2).");
+}
+
+// A view of the reference content keeping CDP 2 and 3 (instances 4 to 9).
+struct SelectView : ::testing::Test {
+  SelectView() : top(StoreDecoratorFactory::addSelect(referenceStore(), view)) { view->addOperator(asBase(cdp23())); }
+  vHandle<SelectStoreDecorator> view;
+  vHandle<Store> top;
+};
+
+TEST_F(SelectView, ConfigurationAfterSelectingSelectsAgain) {
+  EXPECT_EQ(6u, top->getNInstances());
+  view->addOperator(logic("and", SelectOperatorBase::LogicAnd));
+  view->addOperator(vHandle<SelectOperatorBase>(new EveryNthOperator("even", 2)));
+  EXPECT_EQ(3u, top->getNInstances());
+  EXPECT_EQ((List{4, 6, 8}), view->getCurrentSelection());
+
+  vHandle<SelectOperatorCollection> other(new SelectOperatorCollection);
+  other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp4", "CDP", 4, 4)));
+  view->setSelection(other);
+  EXPECT_EQ((List{10, 11, 12}), view->getCurrentSelection());
+  // The same collection again still selects anew.
+  view->setSelection(other);
+  EXPECT_EQ(3u, top->getNInstances());
+}
+
+TEST_F(SelectView, GroupQuestionsFollowANewSelection) {
+  Attribute cdp = top->getAttribute("CDP");
+  top->getUnique(cdp, vUtlSort::SortOrder::ASCENDING);
+  ASSERT_EQ(2u, cdp.getNInstances());
+  vHandle<SelectOperatorCollection> other(new SelectOperatorCollection);
+  other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("cdp14", "CDP", 1, 4)));
+  other->addOperator(logic("and", SelectOperatorBase::LogicAnd));
+  other->addOperator(vHandle<SelectOperatorBase>(new RangeOperator("offset1", "OFFSET", 100, 100)));
+  view->setSelection(other);
+  top->getUnique(cdp, vUtlSort::SortOrder::DESCENDING);
+  EXPECT_EQ(4.0, cdp.getValue(1));
+  // Group 3 of the view is CDP 3 at offset 100: instance 7 below.
+  Attribute elev = top->getAttribute("ELEV");
+  Attribute key = top->getAttribute("CDP");
+  top->read(elev, key, 3, 3);
+  EXPECT_EQ(1003.5, elev.getValue(1));
+}
+
+TEST_F(SelectView, DebugModeReachesTheCollection) {
+  view->setDebugMode(true);
+  RecordingHandler recorder;
+  EXPECT_EQ(6u, top->getNInstances());
+  EXPECT_EQ((std::vector<std::string>{"SelectStoreDecorator::doEvaluate|Instances 1 to 12: 6 selected"}),
+            recorder.infos);
 }
 
 }  // namespace

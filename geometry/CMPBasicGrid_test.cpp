@@ -12,7 +12,15 @@
 #include <tuple>
 #include <vector>
 
+#include "attribute/Property.h"
+#include "filestore/memory/InMemoryStore.h"
 #include "foundation/TestFailure.h"
+#include "geometry/CMPGrid.h"
+#include "project/StoreDescription.h"
+#include "project/StoreFactory.h"
+#include "project/UTProject.h"
+#include "project/UTProjectCatalog.h"
+#include "registry/RondoRegistry.h"
 
 namespace {
 
@@ -24,13 +32,9 @@ CMPBasicGrid padded() {
 
 TEST(CMPBasicGrid, PaddedLinesLeaveGapsInTheCMPNumbers) {
   CMPBasicGrid const g = padded();
-  EXPECT_EQ(58, g.getLastCMP());
-  EXPECT_EQ(12, g.getCMPLineInc());
-  EXPECT_EQ(50, g.getNumBins());
-  EXPECT_TRUE(g.isValidCMP(10));
-  EXPECT_FALSE(g.isValidCMP(11));
-  EXPECT_TRUE(g.isValidCMP(13));
-  EXPECT_FALSE(g.isValidCMP(59));
+  EXPECT_EQ(std::make_tuple(58, 12, 50), std::make_tuple(g.getLastCMP(), g.getCMPLineInc(), g.getNumBins()));
+  EXPECT_EQ((std::vector<bool>{true, false, true, false}),
+            (std::vector<bool>{g.isValidCMP(10), g.isValidCMP(11), g.isValidCMP(13), g.isValidCMP(59)}));
   EXPECT_EQ(BinPos(102, 20), g.convertCMPToBin(13));
   EXPECT_EQ(58, g.convertBinToCMP(BinPos(108, 29)));
   for (int index = 1; index <= g.getNumBins(); ++index) {
@@ -52,13 +56,11 @@ TEST(CMPBasicGrid, PaddedLinesLeaveGapsInTheCMPNumbers) {
 TEST(CMPBasicGrid, OrderingAndNegativeIncrements) {
   // Along crosslines, CMPs counting down by 2 from 1000, inlines counting down.
   CMPBasicGrid const g(1000, -2, 50, -1, 4, 1, 1, 3, vCoordinate(), 10.0f, 10.0f, 0.0, CMPBasicGrid::ALONG_CROSSLINES);
-  EXPECT_EQ(3, g.getNumCMPLines());
-  EXPECT_EQ(1000 - 2 * 11, g.getLastCMP());
-  EXPECT_EQ(47, g.getLastInline());
+  EXPECT_EQ(std::make_tuple(3, 1000 - 2 * 11, 47),
+            std::make_tuple(g.getNumCMPLines(), g.getLastCMP(), g.getLastInline()));
   EXPECT_EQ(BinPos(50, 1), g.convertCMPToBin(1000));
   EXPECT_EQ(BinPos(50, 2), g.convertCMPToBin(992));
-  EXPECT_FALSE(g.isValidCMP(1002));
-  EXPECT_FALSE(g.isValidCMP(999));
+  EXPECT_FALSE(g.isValidCMP(1002) || g.isValidCMP(999));
   EXPECT_EQ(6, g.convertInlineCrosslineIndexesToCMPIndex(2, 2));
 }
 
@@ -86,13 +88,12 @@ TEST(CMPBasicGrid, RotatedRoundTripThroughBinsAndCMPs) {
   CMPBasicGrid const g(1, 1, 1000, 4, 40, 300, -2, 60, 64, vCoordinate(512345.25, 6712345.75), -12.5f, 25.0f, angle,
                        CMPBasicGrid::ALONG_INLINES, vCoordinate(100.0, -40.0));
   double const tolerance = 1e-9 * g.getBinHeight();
-  int checked = 0;
+  int checked = 0, cmp = 0;
+  BinPos bin;
   for (int index = 1; index <= g.getNumBins(); index += 7) {
     // A point off the bin centre by less than half a bin still finds its bin.
     vCoordinate const centre = g.convertSurveyToRW(g.convertBinToSurvey(g.convertCMPIndexToBin(index)));
     vCoordinate const off = centre + vCoordinate(2.0, -3.0);
-    int cmp = 0;
-    BinPos bin;
     ASSERT_TRUE(g.convertRWToCMPandBin(off, cmp, bin));
     EXPECT_EQ(g.convertCMPIndexToCMP(index), cmp);
     EXPECT_TRUE(centre.within(g.convertSurveyToRW(g.convertCMPToSurvey(cmp)), tolerance));
@@ -102,8 +103,6 @@ TEST(CMPBasicGrid, RotatedRoundTripThroughBinsAndCMPs) {
     ++checked;
   }
   EXPECT_GT(checked, 300);
-  int cmp = 0;
-  BinPos bin;
   EXPECT_FALSE(g.convertRWToCMPandBin(g.getRealWorldOrigin() + vCoordinate(-1e4, 0.0), cmp, bin));
 }
 
@@ -112,26 +111,22 @@ TEST(CMPBasicGrid, ChecksOfConstructionAndSetting) {
   struct Case {
     int nIl, nXl, padded, cmpInc, ordering;
     float ilInt, xlInt;
-    char const* method;
     char const* text;
   } const cases[] = {
-      {5, 0, 0, 1, 0, 1, 1, "CMPBasicGrid::myCheckup", "Number of Crossline must be >0"},
-      {0, 5, 5, 1, 0, 1, 1, "CMPBasicGrid::myCheckup", "Number of Inline must be >0"},
-      {5, 5, 5, 1, 0, 0, 1, "CMPBasicGrid::myCheckup", "InlineInterval must not be zero."},
-      {5, 5, 5, 1, 0, 1, 0, "CMPBasicGrid::myCheckup", "CrosslineInterval must not be zero."},
-      {5, 5, 5, 0, 0, 1, 1, "CMPBasicGrid::myCheckup", "CMP Increment must be not be 0."},
-      {5, 6, 5, 1, 0, 1, 1, "CMPBasicGrid::myCheckup",
-       "Number of CMPs in a CMPLine ALONG_INLINES must not be less than number of crosslines."},
-      {6, 5, 5, 1, 1, 1, 1, "CMPBasicGrid::myCheckup",
-       "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines."},
-      {5, 5, 5, 1, 2, 1, 1, "CMPBasicGrid::CMPBasicGrid", "Unexpected Ordering option (2)."},
-      {50000, 50000, 50000, 1, 0, 1, 1, "CMPBasicGrid::myCheckup",
-       "The grid has more CMP numbers than an int holds (2500000000)."},
+      {5, 0, 0, 1, 0, 1, 1, "Number of Crossline must be >0"},
+      {0, 5, 5, 1, 0, 1, 1, "Number of Inline must be >0"},
+      {5, 5, 5, 1, 0, 0, 1, "InlineInterval must not be zero."},
+      {5, 5, 5, 1, 0, 1, 0, "CrosslineInterval must not be zero."},
+      {5, 5, 5, 0, 0, 1, 1, "CMP Increment must be not be 0."},
+      {5, 6, 5, 1, 0, 1, 1, "Number of CMPs in a CMPLine ALONG_INLINES must not be less than number of crosslines."},
+      {6, 5, 5, 1, 1, 1, 1, "Number of CMPs in a CMPLine ALONG_CROSSLINES must not be less than number of inlines."},
+      {5, 5, 5, 1, 2, 1, 1, "Unexpected Ordering option (2)."},
+      {50000, 50000, 50000, 1, 0, 1, 1, "The grid has more CMP numbers than an int holds (2500000000)."},
   };
   for (Case const& c : cases)
     expectFailure(
         [&] { CMPBasicGrid(1, c.cmpInc, 1, 1, c.nIl, 1, 1, c.nXl, c.padded, o, c.ilInt, c.xlInt, 0.0, c.ordering); },
-        c.method, c.text);
+        c.ordering == 2 ? "CMPBasicGrid::CMPBasicGrid" : "CMPBasicGrid::myCheckup", c.text);
 
   expectFailure([&] { CMPBasicGrid(1, 1, 1, 0, 5, 1, 1, 5, o, 1.0f, 1.0f, 0.0); }, "CMPBasicGrid::myCheckup",
                 "Inline Increment must not be 0.");
@@ -150,13 +145,13 @@ TEST(CMPBasicGrid, ChecksOfConstructionAndSetting) {
 
 TEST(CMPBasicGrid, SGDValuesComeBack) {
   double const az = vCoordinate::convertDegreesToRadians(-150.0);
+  double x0, y0, ax, ay;
+  float dx, dy;
+  int fi, li, fx, lx;
   for (double const turn : {M_PI / 2, -M_PI / 2}) {
     CMPBasicGrid const g(431000.5, 6170000.25, az, az + turn, 12.5f, 25.0f, 11, 90, 101, 400);
     EXPECT_EQ(BinPos(11, 101), g.convertCMPToBin(1));
     EXPECT_EQ(80 * 300, g.getNumBins());
-    double x0, y0, ax, ay;
-    float dx, dy;
-    int fi, li, fx, lx;
     g.getSGDGridValues(x0, y0, ax, ay, dx, dy, fi, li, fx, lx);
     EXPECT_NEAR(431000.5, x0, 1e-6);
     EXPECT_NEAR(6170000.25, y0, 1e-6);
@@ -171,9 +166,6 @@ TEST(CMPBasicGrid, SGDValuesComeBack) {
                 "FINL/FCRL (First Inline/First Crossline) must be > 0, and, LINL/LCRL (Last Inline/Last Crossline) "
                 "must not be less than FINL/FCRL. (FINL=0, LINL=5, FCRL=3, LCRL=2)\n");
   CMPBasicGrid const stepped(1, 1, 1, 2, 3, 1, 1, 3, vCoordinate(), 1.0f, 1.0f, 0.0);
-  double x0, y0, ax, ay;
-  float dx, dy;
-  int fi, li, fx, lx;
   expectFailure([&] { stepped.getSGDGridValues(x0, y0, ax, ay, dx, dy, fi, li, fx, lx); },
                 "CMPBasicGrid::getSGDGridValues", "Inline/Crossline Increments must be 1 only");
 }
@@ -185,9 +177,7 @@ TEST(CMPBasicGrid, CMPRelationFromThreeBinsAndExtension) {
   for (int i = 0; i < 3; ++i) cmps[i] = g.convertBinToCMP(BinPos(il[i], xl[i]));
   int c = 0, a = 0, b = 0;
   ASSERT_TRUE(CMPBasicGrid::calculateCMP(10, il, xl, cmps, c, a, b));
-  EXPECT_EQ(6, a);  // 12 per inline, inlines step by 2
-  EXPECT_EQ(1, b);
-  EXPECT_EQ(1 - 600 - 20, c);
+  EXPECT_EQ(std::make_tuple(6, 1, 1 - 600 - 20), std::make_tuple(a, b, c));  // 12 per inline, inlines step by 2
   int const sameInline[3] = {100, 100, 108};
   EXPECT_FALSE(CMPBasicGrid::calculateCMP(10, sameInline, xl, cmps, c, a, b));
   EXPECT_FALSE(CMPBasicGrid::calculateCMP(1, il, xl, cmps, c, a, b));
@@ -199,9 +189,8 @@ TEST(CMPBasicGrid, CMPRelationFromThreeBinsAndExtension) {
   EXPECT_EQ(corners, g.getExtensionLocations(corners));
 }
 
-// The rotation of a grid is checked against an independent numpy computation
-// (testdata/grid_peer.py, run by /usr/bin/python3). The peer must be there.
-// Runs the peer on the input lines; its output lines.
+// The output lines of an independent numpy computation of a grid's rotation
+// (testdata/grid_peer.py, run by /usr/bin/python3) on the input lines.
 std::vector<std::string> runPeer(std::string const& args, std::string const& input) {
   std::string const dir = ::testing::TempDir();
   std::string const in = dir + "grid_peer_in_" + std::to_string(getpid());
@@ -249,6 +238,71 @@ TEST(CMPBasicGridPeer, RotationAgreesWithNumpy) {
       EXPECT_NEAR(xl, e.getCrossline(), 1e-8) << degrees << " degrees, point " << i;
     }
   }
+}
+
+CMPGrid rotatedPadded() {
+  return CMPGrid(101, -3, 2000, 2, 30, 400, -1, 70, 75, vCoordinate(612345.125, 5712345.875), -25.0f, 12.5f, 0.4321,
+                 CMPBasicGrid::ALONG_INLINES, vCoordinate(-50.0, 75.0));
+}
+
+TEST(CMPGrid, KeptAsPropertiesOfAnInMemoryStore) {
+  InMemoryStore store{vHandle<Project>()};
+  store.create("survey", "grid", "cmp", KeyList(), nullptr);
+  EXPECT_FALSE(CMPGrid::containsGrid(store));
+  expectFailure([&] { CMPGrid{store}; }, "CMPGrid::loadFromStore()", "Store survey does not contain a proper grid.");
+
+  CMPGrid grid = rotatedPadded();
+  grid.setUnits(0);
+  grid.addToStore(store);
+  EXPECT_TRUE(CMPGrid::containsGrid(store));
+  EXPECT_EQ(std::string("ALONG_INLINES"), store.findProperty(vUCString("CMP_ORDERING"))->getString().c_str());
+  EXPECT_EQ(std::string("FEET"), store.findProperty(vUCString("UNITS"))->getString().c_str());
+  EXPECT_EQ(-225, store.findProperty(vUCString("CMPLINE_INCREMENT"))->getInt32());
+  CMPGrid const back(store);
+  EXPECT_EQ(grid, back);
+  EXPECT_EQ(grid.getLastCMP(), back.getLastCMP());
+
+  // Writing again replaces; the line step alone is enough to tell padding.
+  CMPGrid const other(1, 1, 1, 1, 3, 1, 1, 4, vCoordinate(), 10.0f, 10.0f, 0.0, CMPBasicGrid::ALONG_CROSSLINES);
+  other.addToStore(store);
+  store.removeProperty(vUCString("NUM_BINS_ALONG_ORDERING_WITH_PADDING"));
+  EXPECT_EQ(other, CMPGrid(store));
+
+  store.addProperty(Property(vUCString("X_STORAGE_BIAS"), 10.0));
+  expectFailure([&] { CMPGrid{store}; }, "CMPGrid::loadFromStore()",
+                "The X & Y storageBias in grid stores is obsolete. Do not use!!!");
+  store.removeProperty(vUCString("CMP_ORDERING"));
+  EXPECT_FALSE(CMPGrid::containsGrid(store));
+}
+
+TEST(CMPGrid, GridStoresThroughTheStoreFactory) {
+  registerRondoClasses();
+  CMPGrid const grid = rotatedPadded();
+  vHandle<InMemoryStore> live(new InMemoryStore(vHandle<Project>()));
+  StoreDescription const description(live, "survey_grid");
+  grid.createGridStore(description);
+  EXPECT_EQ(std::string("grid"), live->getClass().c_str());
+  EXPECT_EQ(std::string("cmp"), live->getSubClass().c_str());
+  EXPECT_EQ(grid, CMPGrid(description));
+  CMPGrid const other(1, 1, 1, 1, 3, 1, 1, 4, vCoordinate(5.0, 6.0), 10.0f, 10.0f, 1.0);
+  other.updateGridStore(description);
+  EXPECT_EQ(other, CMPGrid(description));
+
+  // Through a project: the factory hands out the store pushed for it.
+  vHandle<Project> project(
+      new UTProject(vHandle<ProjectCatalog>(new UTProjectCatalog("127.0.0.115", ProjectType::UNITTEST))));
+  vHandle<InMemoryStore> pushed(new InMemoryStore(project));
+  StoreFactory::pushStore(vHandle_cast<Store>(pushed));
+  grid.createGridStore(project, "project_grid", 0);
+  EXPECT_EQ(std::string("project_grid"), pushed->getName().c_str());
+  EXPECT_EQ(grid, CMPGrid(*pushed));
+
+  StoreDescription const unwritable(vFilename("/nonexistent/grid.bogus"));
+  MessageHandling quiet;
+  std::string const text = fatalText([&] { grid.createGridStore(unwritable); });
+  EXPECT_EQ(0u, text.find("CMPGrid::createGridStore: Requested Grid '" + std::string(unwritable.toString().c_str()) +
+                          "' could not be created."))
+      << text;
 }
 
 }  // namespace

@@ -1,10 +1,21 @@
 // `rondo dump` and `rondo info` as a process on files written by segyio,
-// compared value by value with what segyio reads back.
+// compared value by value with what segyio reads back; the CMP grid in
+// `rondo info` of an in-memory store and of the Python offload fixture.
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "attribute/KeyList.h"
+#include "attribute/Property.h"
+#include "filestore/memory/InMemoryStore.h"
+#include "foundation/Packer.h"
+#include "geometry/BinPos.h"
+#include "geometry/CMPGrid.h"
+#include "project/Project.h"
 #include "tools/ToolTesting.h"
 
 namespace {
@@ -77,24 +88,6 @@ TEST(RondoInfo, FormatFileBesideTheLineGivesItsKeysWithoutARelease) {
   EXPECT_NE(std::string::npos, info.out.find("keys        CDP TRACE_NUMBER\n")) << info.out;
 }
 
-// A file cut inside its last trace dumps its whole traces and says so.
-TEST(RondoDump, TruncatedFileGivesItsWholeInstancesAndSaysWhatWasCut) {
-  fs_testing::TempDir dir;
-  writeSegy(dir, "line.sgy", 5, "big", 12, 40);
-  std::string const bytes = fs_testing::readFile(dir / "line.sgy");
-  fs_testing::writeFile(dir / "cut.sgy", bytes.substr(0, bytes.size() - 100));
-  Outcome const r = tool(dir, "dump cut.sgy CMP,SHOT.RW.X,TRACE");
-  EXPECT_EQ(0, r.status);
-  EXPECT_EQ(lines(fs_testing::readFile(dir / "line.sgy.dump"), 1, 11), r.out);
-  EXPECT_EQ("rondo: cut.sgy: The file 'cut.sgy' is either incomplete or corrupt. Filesize is " +
-                std::to_string(bytes.size() - 100) + " bytes but we expect " +
-                std::to_string(3600 + 11 * (240 + 160)) +
-                " when the tracelength is 400\n"
-                "rondo: cut.sgy: only whole instances were read: 11 of them; the part instance at the end of the "
-                "file was left out\n",
-            r.err);
-}
-
 // A reader that stops early ends the dump at once and quietly.
 TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
   fs_testing::TempDir dir;
@@ -108,10 +101,10 @@ TEST(RondoDump, ClosedPipeEndsTheDumpCleanly) {
 // Every failure is one line naming the store, and a non-zero status. The
 // texts of the stores themselves are checked where they are raised; one
 // here shows that they come through.
-TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
+TEST(RondoDump, FailuresTruncationOddPathsAndHelp) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 1, "big", 10, 20);
-  ASSERT_EQ(0, shell(dir, "mkdir d.txt && mkfifo p.sgy").status);
+  ASSERT_EQ(0, shell(dir, "mkdir d.txt && mkfifo p.sgy && cp line.sgy 'a:b#c.sgy'").status);
   struct Case {
     char const* arguments;
     int status;
@@ -137,11 +130,27 @@ TEST(RondoDump, FailuresAreOneLineAndANonZeroStatus) {
     EXPECT_EQ("", r.out) << c.arguments;
     EXPECT_EQ(c.err, r.err.substr(0, r.err.find('\n') + 1)) << c.arguments;
   }
-}
 
-// The tool and each command explain themselves, with an example.
-TEST(RondoHelp, EveryCommandHasHelpWithAnExample) {
-  fs_testing::TempDir dir;
+  // A file cut inside its last trace dumps its whole traces and says so.
+  std::string const bytes = fs_testing::readFile(dir / "line.sgy");
+  fs_testing::writeFile(dir / "cut.sgy", bytes.substr(0, bytes.size() - 100));
+  Outcome const cut = tool(dir, "dump cut.sgy CMP,SHOT.RW.X,TRACE");
+  EXPECT_EQ(0, cut.status);
+  EXPECT_EQ(lines(fs_testing::readFile(dir / "line.sgy.dump"), 1, 9), cut.out);
+  EXPECT_EQ("rondo: cut.sgy: The file 'cut.sgy' is either incomplete or corrupt. Filesize is " +
+                std::to_string(bytes.size() - 100) + " bytes but we expect " + std::to_string(3600 + 9 * (240 + 80)) +
+                " when the tracelength is 320\n"
+                "rondo: cut.sgy: only whole instances were read: 9 of them; the part instance at the end of the "
+                "file was left out\n",
+            cut.err);
+
+  // A plain path is a file even where it holds the separators of store names.
+  Outcome const odd = tool(dir, "dump 'a:b#c.sgy' CMP,TRACE");
+  EXPECT_EQ(0, odd.status) << odd.err;
+  EXPECT_EQ(tool(dir, "dump line.sgy CMP,TRACE").out, odd.out);
+  EXPECT_EQ(10, std::count(odd.out.begin(), odd.out.end(), '\n')) << odd.out;
+
+  // The tool and each command explain themselves, with an example.
   for (char const* command : {"", "info ", "dump ", "plot ", "projects ", "ls "}) {
     Outcome const r = tool(dir, std::string(command) + "--help");
     EXPECT_EQ(0, r.status) << command;
@@ -150,16 +159,86 @@ TEST(RondoHelp, EveryCommandHasHelpWithAnExample) {
   }
 }
 
-// A plain path is a file even where it holds the separators of store names.
-TEST(RondoDump, PathsWithColonsAndHashesAreFiles) {
+// A packed in-memory store holding the grid and one more property.
+void writeGridStore(CMPGrid const& grid, Property const& extra, std::string const& file) {
+  InMemoryStore store{vHandle<Project>()};
+  store.create("survey", "grid", "cmp", KeyList(), nullptr);
+  grid.addToStore(store);
+  store.addProperty(extra);
+  Packer packer;
+  packer.pack(store);
+  unsigned char const* bytes = nullptr;
+  int size = 0;
+  packer.getBuffer(&bytes, size, 0);
+  fs_testing::writeFile(file, std::string(reinterpret_cast<char const*>(bytes), static_cast<std::size_t>(size)));
+}
+
+TEST(RondoGrid, RotatedGridOfAnInMemoryStoreAndTheOffloadFixturesGrid) {
   fs_testing::TempDir dir;
-  writeSegy(dir, "plain.sgy", 1, "big", 3, 4);
-  ASSERT_EQ(0, shell(dir, "cp plain.sgy 'a:b#c.sgy'").status);
-  Outcome const plain = tool(dir, "dump plain.sgy CMP,TRACE");
-  Outcome const odd = tool(dir, "dump 'a:b#c.sgy' CMP,TRACE");
-  EXPECT_EQ(0, odd.status) << odd.err;
-  EXPECT_EQ(plain.out, odd.out);
-  EXPECT_EQ(3, std::count(odd.out.begin(), odd.out.end(), '\n')) << odd.out;
+  CMPGrid const grid(101, 3, 2000, 2, 30, 400, -1, 70, vCoordinate(612345.125, 5712345.875), -25.0f, 12.5f, 0.4321);
+  writeGridStore(grid, Property(vUCString("COORDINATE_SYSTEM"), "EPSG:32631"), dir / "survey.store");
+  Outcome const text = tool(dir, "info survey.store");
+  ASSERT_EQ(0, text.status) << text.err;
+  // Corners in world coordinates: the last inline is 2000 + 29 * 2, the
+  // last crossline 400 - 69.
+  vCoordinate const far = grid.convertSurveyToRW(grid.convertBinToSurvey(BinPos(2058, 331)));
+  for (std::string const& line : std::vector<std::string>
+       {"grid        inlines 2000 to 2058 by 2 (30), crosslines 400 to 331 by -1 (70)\n",
+        "grid        CMPs from 101 by 3, along inlines\n",
+        "grid        corner 2058/331 at " + g9(far.getX()) + " " + g9(far.getY()) + "\n",
+        "grid        projection EPSG:32631 (WGS 84 / UTM zone 31N)\n"})
+    EXPECT_NE(std::string::npos, text.out.find(line)) << line << text.out;
+  // Inline and crossline axes stand at right angles, turned by the rotation.
+  double inlineAzimuth = 0, crosslineAzimuth = 0;
+  ASSERT_EQ(2, std::sscanf(text.out.substr(text.out.find("inline azimuth")).c_str(),
+                           "inline azimuth %lf, crossline azimuth %lf", &inlineAzimuth, &crosslineAzimuth));
+  EXPECT_NEAR(90.0, std::fmod(inlineAzimuth - crosslineAzimuth + 360.0, 180.0), 1e-6);
+
+  Outcome const json = tool(dir, "info survey.store --json");
+  ASSERT_EQ(0, json.status) << json.err;
+  for (std::string const& part : std::vector<std::string>
+       {"\"crosslineIncrement\":-1,\"crosslines\":70,\"inlineInterval\":-25,\"crosslineInterval\":12.5,",
+        "{\"inline\":2058,\"crossline\":331,\"x\":" + g9(far.getX()) + ",\"y\":" + g9(far.getY()) + "}",
+        ",\"projection\":\"EPSG:32631 (WGS 84 / UTM zone 31N)\"}}\n"})
+    EXPECT_NE(std::string::npos, json.out.find(part)) << part << json.out;
+
+  // A grid the geometry refuses leaves the rest of the report standing.
+  writeGridStore(grid, Property(vUCString("X_STORAGE_BIAS"), 5.0), dir / "old.store");
+  Outcome const old = tool(dir, "info old.store");
+  EXPECT_EQ(0, old.status) << old.err;
+  EXPECT_NE(std::string::npos,
+            old.out.find("grid        not shown: The X & Y storageBias in grid stores is obsolete. Do not use!!!\n"
+                         "property    CMPLINE_INCREMENT = 210\n"))
+      << old.out;
+
+  // The grid of an offload file of the Python fixture: inlines 10, 12, 14 at
+  // 12.5, crosslines 100 to 103 at 25, no rotation, origin at 0 0, no projection.
+  ASSERT_EQ(0, shell(dir, std::string(kPython) + " " RONDO_TEST_SOURCE_DIR
+                          "/filestore/offload/testdata/offload_fixture.py f.offload f.txt '>' 2 995 1").status)
+      << "the offload fixture needs numpy for " << kPython;
+  Outcome const info = tool(dir, "info f.offload");
+  EXPECT_EQ(0, info.status) << info.err;
+  for (char const* line : {"grid        inlines 10 to 14 by 2 (3), crosslines 100 to 103 by 1 (4)\n",
+                           "grid        origin 0 0, rotation 0 rad, inline azimuth 0, crossline azimuth 90\n",
+                           "grid        corner 10/103 at 75 0\n"})
+    EXPECT_NE(std::string::npos, info.out.find(line)) << line << info.out;
+  Outcome const offload = tool(dir, "info f.offload --json");
+  EXPECT_NE(std::string::npos,
+            offload.out.find("{\"inline\":14,\"crossline\":100,\"x\":0,\"y\":25}],\"projection\":null}}\n"))
+      << offload.out;
+}
+
+// Texts of a file are bytes: in JSON, UTF-8 passes and any other byte is
+// read as Latin-1, so that the report stays valid UTF-8.
+TEST(RondoInfo, JsonOfBytesThatAreNotUtf8) {
+  fs_testing::TempDir dir;
+  fs_testing::writeFile(dir / "h.txt",
+                        "PELAGOS HORIZON V1.0\nLINEX 100 101 1\nLINEY 10 10 1\nSTEPX 25\nSTEPY 25\nORIGIN 0 0\n"
+                        "DOMAIN time\nNUMSURFACES 1\nSURFACE Caf\xe9_\xc3\xa9\nNUMATTR 5\nATTRIBUTE INLINE\n"
+                        "ATTRIBUTE CROSSLINE\nATTRIBUTE X\nATTRIBUTE Y\nATTRIBUTE Z\n10 100 0 0 1500\n10 101 25 0 1501\n");
+  Outcome const r = tool(dir, "info h.txt --json");
+  ASSERT_EQ(0, r.status) << r.err;
+  EXPECT_NE(std::string::npos, r.out.find("\"HORIZONNAME\":\"Caf\\u00e9_\xc3\xa9\"")) << r.out;
 }
 
 }  // namespace

@@ -8,14 +8,16 @@ namespace {
 
 using namespace tool_testing;
 
-// Size, bands and the spread of each band, as GDAL's Python binding reads them.
-std::string describePng(fs_testing::TempDir const& dir, std::string const& png) {
-  Outcome const r = shell(dir, std::string(kPython) +
-                                   " -c \"from osgeo import gdal\n"
-                                   "d = gdal.Open('" + png +
-                                   "')\n"
+// Size, bands and the spread of each band, as GDAL's Python binding reads
+// them; then, of the (column, row) pixels listed, which are dark in band 1.
+std::string describePng(fs_testing::TempDir const& dir, std::string const& png, std::string const& pixels = "") {
+  std::string const dark =
+      pixels.empty() ? "" : ", ''.join('1' if a[y][x] < 128 else '0' for x, y in [" + pixels + "])";
+  Outcome const r = shell(dir, std::string(kPython) + " -c \"from osgeo import gdal\nd = gdal.Open('" + png +
+                                   "')\na = d.GetRasterBand(1).ReadAsArray()\n"
                                    "print(d.GetDriver().ShortName, d.RasterXSize, d.RasterYSize, d.RasterCount, "
-                                   "[int(d.GetRasterBand(b + 1).ReadAsArray().std() > 10) for b in range(d.RasterCount)])\"");
+                                   "[int(d.GetRasterBand(b + 1).ReadAsArray().std() > 10) "
+                                   "for b in range(d.RasterCount)]" + dark + ")\"");
   EXPECT_EQ(0, r.status) << "python3-gdal is needed (scripts/install-deps): " << r.err;
   return r.out;
 }
@@ -78,11 +80,11 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
             axes.err);
 }
 
-// Shapefiles that GDAL's ogr2ogr writes, drawn as maps: points by X and Y,
-// PointZ map data by the axes and value they name themselves.
-TEST(RondoShapefile, MapsOfFilesFromOgr) {
+// Shapefiles that GDAL's ogr2ogr writes. Points are drawn as maps: by X and
+// Y, and PointZ map data by the axes and value they name themselves.
+TEST(RondoShapefile, MapsAndOutlinesOfFilesFromOgr) {
   fs_testing::TempDir dir;
-  tool_testing::Outcome const made = tool_testing::shell(
+  Outcome const made = shell(
       dir,
       "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":["
       "{\"type\":\"Feature\",\"properties\":{\"depth\":1250.5,\"name\":\"W1\"},"
@@ -92,35 +94,26 @@ TEST(RondoShapefile, MapsOfFilesFromOgr) {
       "{\"type\":\"Feature\",\"properties\":{\"depth\":700,\"name\":\"W3\"},"
       "\"geometry\":{\"type\":\"Point\",\"coordinates\":[431700,6523000,2]}}]}' > wells.geojson && "
       "ogr2ogr -f 'ESRI Shapefile' -a_srs EPSG:32631 wellsz.shp wells.geojson && "
-      "ogr2ogr -f 'ESRI Shapefile' -dim XY wells.shp wells.geojson");
-  ASSERT_EQ(0, made.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << made.err;
-
-  // 64 high with the 4-pixel margins; the points spread 1500 by 3000, so
-  // 28 and the margins wide.
-  struct Case {
-    char const* arguments;
-    char const* png;
-  } const cases[] = {{"plot wells.shp --out wells.png --attribute DEPTH --size 64", "wells.png"},
-                     {"plot wellsz.shp --out wellsz.png --size 64", "wellsz.png"}};
-  for (Case const& c : cases) {
-    tool_testing::Outcome const r = tool_testing::tool(dir, c.arguments);
-    ASSERT_EQ(0, r.status) << c.arguments << ": " << r.err;
-    EXPECT_EQ("PNG 36 64 3 [1, 1, 1]\n", describePng(dir, c.png)) << c.arguments;
-  }
-}
-
-// Polygons and polylines that ogr2ogr writes, drawn as outlines on a frame
-// of 100 by 100 at 64 pixels: x goes to column 4 + x * 0.56, y to row
-// 59 - y * 0.56. A square with a square hole; a V and a short stroke, open.
-TEST(RondoShapefile, OutlinesOfPolygonsAndPolylinesFromOgr) {
-  fs_testing::TempDir dir;
-  tool_testing::Outcome const made = tool_testing::shell(
-      dir,
+      "ogr2ogr -f 'ESRI Shapefile' -dim XY wells.shp wells.geojson && "
       "printf '%s' '{\"type\":\"Polygon\",\"coordinates\":[[[0,0],[100,0],[100,100],[0,100],[0,0]],"
       "[[40,40],[40,60],[60,60],[60,40],[40,40]]]}' > square.geojson && printf '%s' '{\"type\":"
       "\"MultiLineString\",\"coordinates\":[[[0,100],[50,0],[100,100]],[[0,50],[20,50]]]}' > v.geojson && "
       "ogr2ogr -f 'ESRI Shapefile' square.shp square.geojson && ogr2ogr -f 'ESRI Shapefile' v.shp v.geojson");
   ASSERT_EQ(0, made.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << made.err;
+
+  // 64 high with the 4-pixel margins; the points spread 1500 by 3000, so
+  // 28 and the margins wide.
+  for (auto const& c : std::vector<std::pair<char const*, char const*>>{
+           {"plot wells.shp --out wells.png --attribute DEPTH --size 64", "wells.png"},
+           {"plot wellsz.shp --out wellsz.png --size 64", "wellsz.png"}}) {
+    Outcome const r = tool(dir, c.first);
+    ASSERT_EQ(0, r.status) << c.first << ": " << r.err;
+    EXPECT_EQ("PNG 36 64 3 [1, 1, 1]\n", describePng(dir, c.second)) << c.first;
+  }
+
+  // Polygons and polylines drawn as outlines on a frame of 100 by 100 at 64
+  // pixels: x goes to column 4 + x * 0.56, y to row 59 - y * 0.56. A square
+  // with a square hole; a V and a short stroke, open.
   struct Case {
     char const* shp;
     char const* pixels;  // (column, row) pairs
@@ -136,14 +129,10 @@ TEST(RondoShapefile, OutlinesOfPolygonsAndPolylinesFromOgr) {
   };
   for (Case const& c : cases) {
     std::string const shp = std::string(c.shp) + ".shp", png = std::string(c.shp) + ".png";
-    tool_testing::Outcome const r = tool_testing::tool(dir, "plot " + shp + " --out " + png + " --size 64");
+    Outcome const r = tool(dir, "plot " + shp + " --out " + png + " --size 64");
     ASSERT_EQ(0, r.status) << shp << ": " << r.err;
-    tool_testing::Outcome const read = tool_testing::shell(
-        dir, std::string(kPython) + " -c \"from osgeo import gdal\nd = gdal.Open('" + png +
-                 "')\na = d.GetRasterBand(1).ReadAsArray()\nprint(d.RasterXSize, d.RasterYSize, ''.join("
-                 "'1' if a[y][x] < 128 else '0' for x, y in [" + c.pixels + "]))\"");
-    ASSERT_EQ(0, read.status) << read.err;
-    EXPECT_EQ(std::string("64 64 ") + c.dark + "\n", read.out) << shp;
+    // Drawn in colour like every picture, dark on light.
+    EXPECT_EQ(std::string("PNG 64 64 3 [1, 1, 1] ") + c.dark + "\n", describePng(dir, png, c.pixels)) << shp;
   }
 }
 

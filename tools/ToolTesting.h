@@ -7,6 +7,7 @@
 
 #include <sys/wait.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -22,6 +23,13 @@ char const* const kPython = "/usr/bin/python3";
 // Sets an environment variable (null: unsets it) for the life of the
 // object; the tool's processes inherit it.
 using remote_testing::ScopedEnv;
+
+// A number as the tool prints it.
+inline std::string g9(double value) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.9g", value);
+  return text;
+}
 
 inline std::string rondo() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/rondo"; }
 

@@ -1,5 +1,9 @@
 // Views stacked with --view over a SEG-Y file written by segyio: values
-// checked against ones worked out from what segyio reads back.
+// checked against ones worked out from what segyio reads back. Then
+// `rondo projects`, `rondo ls` and served store names through a real data
+// server.
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -15,13 +19,7 @@ namespace {
 
 using namespace tool_testing;
 
-std::string g9(double v) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.9g", v);
-  return text;
-}
-
-TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
+TEST(RondoViews, MappingBinSelectSortAndBadSpecsOverSegyio) {
   fs_testing::TempDir dir;
   writeSegy(dir, "line.sgy", 5, "big", 37, 8);
   fs_testing::writeFile(dir / "mid.cstf", "MID:d = CMP / 2 + SHOT.RW.X * 0.25\n!ADD CMP\n");
@@ -55,6 +53,33 @@ TEST(RondoViews, MappingBinSelectAndSortOverSegyio) {
   Outcome const info = tool(dir, "info line.sgy --view=map:mid.cstf");
   EXPECT_NE(std::string::npos, info.out.find("MID")) << info.out;
   EXPECT_EQ(std::string::npos, info.out.find("TRACE")) << info.out;
+
+  // A bad spec is one line and status 2.
+  fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
+  struct Case {
+    char const* spec;
+    char const* why;
+  } const cases[] = {
+      {"nope", "no view 'nope' (map, select, sort, bin, infill, restore-mute, bind)"},
+      {"bin:CMP,1,2", "'bin' wants 5 arguments, not 3"},
+      {"bin:CMP,1,x,1,1", "'x' is not a number"},
+      {"infill:3", "no pad type '3' (common, group, none, common-start, common-end, group-step)"},
+      {"infill", "the grid is that of two keys, and the store has 1"},
+      {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
+      {"select:TRACE,0,1", "'select' wants an attribute of one number an instance, and TRACE is not"},
+      {"bin:TRACE,0,1,1,1", "Unable to bin Attribute TRACE: bins take one value an instance."},
+      {"sort:CMP,", "an empty argument"},
+      {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
+      // A control byte quoted from the file is not passed to the terminal.
+      {"map:esc.cstf", "The expression '?[2J CMP' for the attribute 'A' is in error at position 0: Invalid non printable "
+                       "characters found in expression/identifer!"},
+  };
+  for (Case const& c : cases) {
+    Outcome const r = tool(dir, std::string("dump line.sgy CMP --view ") + c.spec);
+    EXPECT_EQ(2, r.status) << c.spec;
+    EXPECT_EQ(std::string("rondo: dump: --view '") + c.spec + "': " + c.why + "\n", r.err);
+    EXPECT_EQ("", r.out);
+  }
 }
 
 TEST(RondoViews, BindAndInfillOverAPackedStore) {
@@ -88,34 +113,64 @@ TEST(RondoViews, BindAndInfillOverAPackedStore) {
   EXPECT_EQ(6, std::count(own.out.begin(), own.out.end(), '\n')) << own.out;
 }
 
-TEST(RondoViews, ABadSpecIsOneLineAndStatusTwo) {
+TEST(RondoProjects, ListsAndServedStoresComeThroughTheDataServer) {
   fs_testing::TempDir dir;
-  writeSegy(dir, "line.sgy", 5, "big", 4, 4);
-  fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
+  Outcome const made = shell(dir, "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/DemoStores' .");
+  ASSERT_EQ(0, made.status) << made.err;
+  std::string const stores = "line12.1:seismic:2d:" + (dir / "line12.store") + " tops.2:horizon:map:" +
+                             (dir / "tops.store");
+  ScopedEnv const env[] = {{"HOME", dir.path().c_str()},
+                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
+                           {"SP_DATASERVER_BACKEND", "UnitTest"},
+                           {"RONDO_UNITTEST_STORES", stores.c_str()},
+                           {"SP_CAPI_DATASERVER", nullptr},
+                           {"FS_CLUSTERS", nullptr},
+                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
+
   struct Case {
-    char const* spec;
-    char const* why;
+    char const* arguments;
+    char const* out;
   } const cases[] = {
-      {"nope", "no view 'nope' (map, select, sort, bin, infill, restore-mute, bind)"},
-      {"bin:CMP,1,2", "'bin' wants 5 arguments, not 3"},
-      {"bin:CMP,1,x,1,1", "'x' is not a number"},
-      {"infill:3", "no pad type '3' (common, group, none, common-start, common-end, group-step)"},
-      {"infill", "the grid is that of two keys, and the store has 1"},
-      {"bin:CMP,10,1,2,1", "no bins from 10 to 1 by 2"},
-      {"select:TRACE,0,1", "'select' wants an attribute of one number an instance, and TRACE is not"},
-      {"bin:TRACE,0,1,1,1", "Unable to bin Attribute TRACE: bins take one value an instance."},
-      {"sort:CMP,", "an empty argument"},
-      {"map:/nowhere/x.cstf", "Failed to open the file '/nowhere/x.cstf'!"},
-      // A control byte quoted from the file is not passed to the terminal.
-      {"map:esc.cstf", "The expression '?[2J CMP' for the attribute 'A' is in error at position 0: Invalid non printable "
-                       "characters found in expression/identifer!"},
+      {"projects", ""},
+      {"ls survey horizon", "tops.2\thorizon\tmap\t0\n"},
+      {"ls localhost:survey horizon", "tops.2\thorizon\tmap\t0\n"},
+      {"dump rondo:::survey:line12.1 TRACE,CDP,AMP.RMS --first 2 --last 3",
+       "2\t20 20.5 21 21.5 22 22.5 23 23.5\t102\t0.5\n3\t30 30.5 31 31.5 32 32.5 33 33.5\t103\t0.75\n"},
+      {"plot rondo:::survey:tops.2 --out tops.png --size 32", ""},
   };
   for (Case const& c : cases) {
-    Outcome const r = tool(dir, std::string("dump line.sgy CMP --view ") + c.spec);
-    EXPECT_EQ(2, r.status) << c.spec;
-    EXPECT_EQ(std::string("rondo: dump: --view '") + c.spec + "': " + c.why + "\n", r.err);
-    EXPECT_EQ("", r.out);
+    Outcome const r = tool(dir, c.arguments);
+    EXPECT_EQ(0, r.status) << c.arguments << ": " << r.err;
+    EXPECT_EQ(c.out, r.out) << c.arguments;
   }
+  // The map was drawn from the attributes its property names.
+  Outcome const png = shell(dir, "gdalinfo tops.png | grep '^Size'");
+  EXPECT_EQ("Size is 32, 20\n", png.out) << "gdalinfo from gdal-bin is needed: " << png.err;
+}
+
+// Directories the data server may not read are its answer, not projects
+// without stores. Root reads every directory: run as root, the client and
+// the server it starts run as nobody.
+TEST(RondoProjects, UnreadableDirectoriesAreTheServersAnswer) {
+  fs_testing::TempDir dir;
+  ASSERT_EQ(0, shell(dir, "mkdir -p home root/locked shut/p && chmod 777 home && chmod 755 . root && "
+                          "chmod 000 root/locked shut").status);
+  ScopedEnv const env[] = {{"HOME", (dir / "home").c_str()},
+                           {"VSERVER", (std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer").c_str()},
+                           {"SP_DATASERVER_BACKEND", "directory"},
+                           {"SP_DATASERVER_ROOT", (dir / "root").c_str()},
+                           {"SP_CAPI_DATASERVER", nullptr},
+                           {"FS_CLUSTERS", nullptr},
+                           {"CAPI_DISABLERONDODATASERVER", nullptr}};
+  std::string const as = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  Outcome const project = shell(dir, as + "'" + rondo() + "' ls locked");
+  EXPECT_EQ(1, project.status);
+  EXPECT_NE(std::string::npos, project.err.find("rondo: locked: Server said:-o The data server cannot read the directory "))
+      << project.err;
+  EXPECT_NE(std::string::npos, project.err.find("/locked: Permission denied.\n")) << project.err;
+  Outcome const root = shell(dir, "SP_DATASERVER_ROOT='" + (dir / "shut") + "' " + as + "'" + rondo() + "' projects");
+  EXPECT_EQ(1, root.status);
+  EXPECT_NE(std::string::npos, root.err.find("/shut: Permission denied.\n")) << root.err;
 }
 
 }  // namespace
