@@ -53,28 +53,26 @@ TEST(SegyFormatBase, KnowsTheReelCountTheCmpAndTheSamples) {
 
 class SegyFormatFileTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    AttributeDefinitionTable::instance().dropTable();
-    tree.writeSystemFile("AttributeDefTable4.txt", segy_testing::definitions());
-    tree.writeSystemFile("KelpAttributeTranslations3.txt", segy_testing::kelpTranslations());
-    // Translation tables live for the process: read this test's again.
-    AttributeTranslationTable::instance("Kelp").reload();
-  }
+  // Translation tables live for the process: read this test's again.
+  void SetUp() override { segy_testing::installVocabulary(tree); }
   void TearDown() override { AttributeDefinitionTable::instance().dropTable(); }
 
+  static vHandle<SegyFormatFile> withHeader() {
+    vHandle<SegyFormatFile> format(new SegyFormatFile);
+    format->setBinaryHeader(headerWith(5, 4000));
+    return format;
+  }
   // A format loaded from text written as name.syf in the working directory.
   vHandle<SegyFormatFile> load(std::string const& text, std::string const& name = "layout") {
     tree.writeWorkFile(name + ".syf", text);
-    vHandle<SegyFormatFile> format(new SegyFormatFile);
-    format->setBinaryHeader(headerWith(5, 4000));
+    vHandle<SegyFormatFile> format = withHeader();
     EXPECT_TRUE(format->loadFormat(vFilename((name + ".txt").c_str())));
     return format;
   }
   void expectLoadFailure(std::string const& text, std::string const& reason) {
     tree.writeWorkFile("bad.syf", text);
-    SegyFormatFile format;
-    format.setBinaryHeader(headerWith(5, 4000));
-    expectFailure([&] { format.loadFormat(vFilename("bad")); }, "SegyFileFormat::myLoadFormat", reason);
+    vHandle<SegyFormatFile> format = withHeader();
+    expectFailure([&] { format->loadFormat(vFilename("bad")); }, "SegyFileFormat::myLoadFormat", reason);
   }
 
   TestReleaseTree tree;
@@ -100,9 +98,9 @@ TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
   EXPECT_EQ(std::string("PICKS"), format->getStoreSubClass().c_str());
   // Key names through the Kelp table: FFID is the scheme's FIELD_RECORD,
   // CHAN its CHANNEL.
-  ASSERT_EQ(2u, format->getKeyNames().size());
-  EXPECT_EQ(std::string("FIELD_RECORD"), format->getKeyNames()[0].c_str());
-  EXPECT_EQ(std::string("CHANNEL"), format->getKeyNames()[1].c_str());
+  std::vector<std::string> keyNames;
+  for (auto const& k : format->getKeyNames()) keyNames.push_back(k.c_str());
+  EXPECT_EQ((std::vector<std::string>{"FIELD_RECORD", "CHANNEL"}), keyNames);
 
   SegyFormatSpecs const& specs = format->getSpecs();
   ASSERT_EQ(8u, specs.entries.size()) << "six lines, CMP and TRACE added";
@@ -145,21 +143,17 @@ TEST_F(SegyFormatFileTest, RefusesTheDornSchemeAndNeedsTheHeaderFirst) {
 }
 
 TEST_F(SegyFormatFileTest, FindsTheFileAsNamedOrAmongTheSystemFiles) {
-  SegyFormatFile missing;
-  missing.setBinaryHeader(headerWith(5, 4000));
-  EXPECT_FALSE(missing.loadFormat(vFilename("nowhere.syf")));
+  EXPECT_FALSE(withHeader()->loadFormat(vFilename("nowhere.syf")));
   tree.writeSystemFile("shipped.syf", "STORECLASS shipped\n");
-  SegyFormatFile shipped;
-  shipped.setBinaryHeader(headerWith(5, 4000));
-  EXPECT_TRUE(shipped.loadFormat(vFilename("shipped.dat")));
-  EXPECT_EQ(std::string("SHIPPED"), shipped.getStoreClass().c_str());
+  vHandle<SegyFormatFile> shipped = withHeader();
+  EXPECT_TRUE(shipped->loadFormat(vFilename("shipped.dat")));
+  EXPECT_EQ(std::string("SHIPPED"), shipped->getStoreClass().c_str());
   // A local copy wins over the shipped one.
   tree.writeWorkFile("shipped.syf", "STORECLASS local\n");
-  SegyFormatFile local;
-  local.setBinaryHeader(headerWith(5, 4000));
-  EXPECT_TRUE(local.loadFormat(vFilename("shipped")));
-  EXPECT_EQ(std::string("LOCAL"), local.getStoreClass().c_str());
-  EXPECT_EQ((std::vector<std::string>{"CMP", "TRACE"}), names(local.getAttributeList()));
+  vHandle<SegyFormatFile> local = withHeader();
+  EXPECT_TRUE(local->loadFormat(vFilename("shipped")));
+  EXPECT_EQ(std::string("LOCAL"), local->getStoreClass().c_str());
+  EXPECT_EQ((std::vector<std::string>{"CMP", "TRACE"}), names(local->getAttributeList()));
 }
 
 TEST_F(SegyFormatFileTest, CutsOverlongLines) {
