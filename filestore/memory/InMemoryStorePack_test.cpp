@@ -48,6 +48,18 @@ void fill(InMemoryStore& store) {
   store.addProperty(Property("SURVEY", vString("north")));
 }
 
+// A set frame of the given version, up to its one attribute: CDP with 4, 5
+// over nInstances.
+Bytes& cdpSetFrame(Bytes& bytes, int16_t version, char const* name, unsigned int nInstances) {
+  bytes.frame(3064, version).text(name).text("seismic").text("3d");
+  bytes.append(packedProperties(PropertyI())).append(packed(KeyList()));
+  bytes.int32(1).uint32(nInstances);
+  Attribute cdp("CDP", "", vINT32);
+  int const values[] = {4, 5};
+  cdp.copyData(2, values);
+  return bytes.append(packed(cdp));
+}
+
 }  // namespace
 
 TEST(InMemoryStorePack, SetAndStoreFramesAreByteExact) {
@@ -120,18 +132,10 @@ TEST(InMemoryStorePack, ForeignFramesAreRefused) {
 }
 
 TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
-  PropertyI noProperties;
   Bytes later;
   later.frame(3063, 2).text("late").text("seismic").text("3d").int32(1);
-  later.frame(3064, 2).text("late").text("seismic").text("3d");
-  later.append(packedProperties(noProperties)).append(packed(KeyList()));
-  later.int32(1).uint32(2);
-  Attribute cdp("CDP", "", vINT32);
-  int const values[] = {4, 5};
-  cdp.copyData(2, values);
-  later.append(packed(cdp));
   // What a later writer added to each frame.
-  later.float64(3.5).text("more").end();
+  cdpSetFrame(later, 2, "late", 2).float64(3.5).text("more").end();
   later.int32(99).end();
   later.int32(123456);
 
@@ -145,15 +149,8 @@ TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
 }
 
 TEST(InMemoryStorePack, ASetWhoseAttributeDoesNotFitIsRefused) {
-  PropertyI noProperties;
   Bytes bad;
-  bad.frame(3064, 1).text("odd").text("seismic").text("3d");
-  bad.append(packedProperties(noProperties)).append(packed(KeyList()));
-  bad.int32(1).uint32(3);
-  Attribute cdp("CDP", "", vINT32);
-  int const values[] = {4, 5};
-  cdp.copyData(2, values);
-  bad.append(packed(cdp)).end();
+  cdpSetFrame(bad, 1, "odd", 3).end();
   InMemoryAttributeSet set{vHandle<Project>()};
   std::unique_ptr<Packer> p = bad.reader();
   expectFailure([&] { p->unpack(set); }, "InMemoryAttributeSet::unpack()",
