@@ -1,10 +1,11 @@
 // The SEG-Y store over golden files written by the test writer: every value
 // of every attribute, in each IEEE sample format and byte order, the store's
-// questions, its conversions and its failures.
+// questions, its conversions and its failures, on good and broken disks.
 
 #include "filestore/segy/SegyDiskStore.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <string>
 #include <tuple>
@@ -13,6 +14,7 @@
 #include "attribute/AttributeDefinitionTable.h"
 #include "attribute/AttributeTranslationTable.h"
 #include "filestore/segy/SegyTesting.h"
+#include "foundation/TestAddressSpaceCap.h"
 #include "foundation/TestReleaseTree.h"
 #include "syslayer/FSTesting.h"
 
@@ -82,24 +84,19 @@ TEST_F(SegyStoreTest, ReadsGoldenFilesOfEachFormatAndByteOrder) {
   }
 }
 
-TEST_F(SegyStoreTest, AnswersWhatItIsAndWhatItHolds) {
+TEST_F(SegyStoreTest, AnswersWhatItIsAndConvertsToTheTypeAskedFor) {
   SegyWriter w;
   w.text = "C 1 CLIENT: GOLDEN SEISMIC (TEST) LINE 42";
+  w.nSamples = 3;
   std::string const path = write(w, 4, "north_line.SGY");
   vHandle<SegyDiskStore> store = openFile(path);
   EXPECT_EQ(std::string("north_line"), store->getName().c_str());
-  EXPECT_EQ(3600 + 4 * 260, store->getLength());
+  EXPECT_EQ(3600 + 4 * 252, store->getLength());
   EXPECT_EQ((Store::AttributeSetList{"north_line"}), *store->getAttributeSetList());
   expectFailure([&] { store->openAttributeSet("south"); }, "SegyDiskStore::openAttributeSet",
                 "File '" + path + "' does not have AttributeSet named 'south'.");
   vString const text = store->getEBCDICHeaderInASCII();
   EXPECT_EQ(w.text + std::string(3200 - w.text.size(), ' '), std::string(text.c_str(), text.length()));
-}
-
-TEST_F(SegyStoreTest, ConvertsToTheTypeAskedFor) {
-  SegyWriter w;
-  w.nSamples = 3;
-  vHandle<SegyDiskStore> store = openFile(write(w, 3));
   Attribute trace64("TRACE", "", vFLOAT64, 1);
   store->read(trace64, 2, 3);
   ASSERT_EQ(3, trace64.getLength()) << "the store's length";
@@ -145,15 +142,6 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
   AttributeDefinitionTable::instance().dropTable();
 }
 
-TEST_F(SegyStoreTest, AFileOfHeadersAloneHoldsNoTraces) {
-  SegyWriter w;
-  std::string const exact = dir / "empty.sgy";
-  fs_testing::writeFile(exact, w.fileHeaders());
-  segy_testing::Recording recording;
-  EXPECT_EQ(0u, openFile(exact)->getNInstances());
-  EXPECT_TRUE(recording.errors().empty());
-}
-
 TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
   char const* const label = "SegyDiskStore::open";
   auto file = [](int formatCode, uint16_t nSamples) {
@@ -182,27 +170,69 @@ TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
     expectFailure([&] { store.open(vFilename((dir / c.name).c_str())); }, c.label, c.reason);
     EXPECT_FALSE(store.isOpen());
   }
-  MessageHandling quiet;
-  EXPECT_NE(std::string::npos, fatalText([&] { store.open(vFilename(missing.c_str())); }).find(missing));
+  {
+    MessageHandling quiet;
+    EXPECT_NE(std::string::npos, fatalText([&] { store.open(vFilename(missing.c_str())); }).find(missing));
+  }
   EXPECT_FALSE(store.isOpen());
-  // After all that, a good file opens.
-  store.open(vFilename(write(SegyWriter(), 2).c_str()));
-  EXPECT_EQ(2u, store.getNInstances());
-}
-
-TEST_F(SegyStoreTest, OpensByDescriptionWithItsFormatFile) {
-  SegyWriter w;
-  std::string const path = write(w, 2);
-  SegyDiskStore store;
   expectFailure([&] { store.open(StoreDescription(vString("kelp:server:host:project:store"))); },
                 "SegyDiskStore::open(StoreDescription)", "StoreDescription must contain a flat file.");
-  StoreDescription described{vFilename(path.c_str())};
+  std::string const empty = dir / "empty.sgy";
+  fs_testing::writeFile(empty, SegyWriter().fileHeaders());
+  StoreDescription described{vFilename(empty.c_str())};
   described.setFormatSpec((dir / "nothere.syf").c_str());
   expectFailure([&] { store.open(described); }, "SegyDiskStore::open(StoreDescription)",
                 "Store format spec file '" + (dir / "nothere.syf") + "' doesn't exist.");
-  // No spec and nothing beside the file: the shot format.
-  store.open(StoreDescription(vFilename(path.c_str())));
+  // After all that, a file of headers alone opens, holding no traces; with
+  // no spec and nothing beside it, in the shot format.
+  segy_testing::Recording recording;
+  store.open(StoreDescription(vFilename(empty.c_str())));
+  EXPECT_EQ(0u, store.getNInstances());
+  EXPECT_TRUE(recording.errors().empty());
   EXPECT_TRUE(store.hasAttribute("FFID"));
+}
+
+// 8 traces of 10 samples (280 bytes each) after the 3600 bytes of headers.
+TEST_F(SegyStoreTest, BrokenDisksGiveTheirMessagesAndKeepWholeTraces) {
+  SegyWriter w;
+  w.nSamples = 10;
+  disk_testing::expectTraceFileFaults<SegyDiskStore>(
+      {write(w, 8, "faulty.sgy"), "SegyDiskStore", 3600, 280, 10, goldenSample, "CMP",
+       [](unsigned int i) { return goldenHeader(i, 20); }, "Failed to read instance 2", "Failed to read instance 4",
+       3300, 100});
+}
+
+// A file of more than 4 GiB (sparse, so it costs no disk): a read of all
+// its traces is more than a 32-bit process can hold, and must be refused as
+// such rather than wrap into a small buffer the read overruns.
+TEST_F(SegyStoreTest, AReadBeyondTheMachineIsTheStoresOwnError) {
+  SegyWriter writer;
+  writer.formatCode = 5;
+  writer.nSamples = 16000;  // traces of 64240 bytes
+  unsigned int const nTraces = 70000;
+  std::string const path = write(writer, 1, "huge.sgy");
+  // The 64-bit form: a 32-bit build of this test has a 32-bit off_t.
+  ASSERT_EQ(0, ::truncate64(path.c_str(), 3600 + nTraces * static_cast<long long>(writer.traceLength())));
+  vHandle<SegyDiskStore> store = openFile(path);
+  ASSERT_EQ(nTraces, store->getNInstances());
+  Attribute trace = store->getAttribute("TRACE");
+  if (sizeof(void*) == 4) {
+    expectFailure([&] { store->read(trace, 1, 0); }, "RecordBuffer::allocate",
+                  "Cannot hold 70000 items of 64240 bytes: more than the 2147483647 bytes this machine can address "
+                  "in one block.");
+  } else {
+#ifdef RONDO_TEST_ADDRESS_SPACE_CAP
+    TestAddressSpaceCap cap(64 << 20);
+    ASSERT_TRUE(cap.isCapped());
+    expectFailure([&] { store->read(trace, 1, 0); }, "RecordBuffer::allocate",
+                  "Cannot allocate 4496800000 bytes of records.");
+#endif
+  }
+  // The store is still good for what fits: the first trace and the last,
+  // past 4 GiB in the file.
+  store->read(trace, std::vector<unsigned int>{nTraces, 1});
+  EXPECT_EQ(goldenSample(1, 16000), trace.getFloat32Pointer(2)[15999]);
+  EXPECT_EQ(0.0f, trace.getFloat32Pointer(1)[15999]);
 }
 
 }  // namespace
