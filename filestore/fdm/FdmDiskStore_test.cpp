@@ -1,5 +1,5 @@
 // The FDM header, reader and store over files of the Python fixture in both
-// byte orders.
+// byte orders, on good and broken disks.
 
 #include "filestore/fdm/FdmDiskStore.h"
 
@@ -23,7 +23,7 @@ StoreDescription described(std::string const& path, char const* format, char con
 
 }  // namespace
 
-TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeader) {
+TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeaderAndTheSameRefusals) {
   fs_testing::TempDir dir;
   for (char const* order : kOrders) {
     SCOPED_TRACE(order);
@@ -46,20 +46,10 @@ TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeader) {
     reader.readZSection(4, reinterpret_cast<char*>(z.data()));
     EXPECT_EQ(value(2, 1, 3), x[1 * 5 + 3]);
     EXPECT_EQ(value(3, 2, 4), z[2 * 4 + 3]);
-  }
-}
-
-TEST(FdmBinaryHeader, AFractionalCountOrNoMarkInEitherOrder) {
-  fs_testing::TempDir dir;
-  for (char const* order : kOrders) {
-    SCOPED_TRACE(order);
-    std::string const path = dir / "v.fdm";
+    // A fractional count, or no mark.
     fdm_testing::writeFixture(path, order, "--ncrossline 1.5");
-    FdmDiskReader reader;
-    vFilename file(path.c_str());
     reader.setFile(file);
-    FdmBinaryHeader const& bad = reader.getHeader();
-    EXPECT_FALSE(bad.isValidHeader());
+    EXPECT_FALSE(reader.getHeader().isValidHeader());
     EXPECT_FALSE(reader.isValid());
     fs_testing::expectFailure([&] { FdmDiskStore().open(vFilename(path.c_str())); }, "FdmDiskStore::open",
                               "The file '" + path + "' is not an FDM file: its header is invalid.");
@@ -126,10 +116,8 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
       Attribute crossline("CROSSLINE", "", vINT32), inlines("INLINE", "", vFLOAT64);
       store.read(crossline, std::vector<unsigned int>{7, 2});
       store.read(inlines, 5, 0);
-      EXPECT_EQ(104, crossline.getInt32(1));
-      EXPECT_EQ(102, crossline.getInt32(2));
-      EXPECT_EQ(21.0, inlines.getFloat64(1));
-      EXPECT_EQ(22.0, inlines.getFloat64(8));
+      EXPECT_EQ((std::vector<int>{104, 102}), (std::vector<int>{crossline.getInt32(1), crossline.getInt32(2)}));
+      EXPECT_EQ((std::vector<double>{21, 22}), (std::vector<double>{inlines.getFloat64(1), inlines.getFloat64(8)}));
       ASSERT_EQ(5, trace.getLength());
       for (unsigned int i = 1; i <= 12; ++i)
         for (int z = 0; z < 5; ++z)
@@ -142,16 +130,30 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
     }
 }
 
-TEST(FdmDiskStore, Failures) {
+TEST(FdmDiskStore, FailuresAndBrokenDisks) {
   fs_testing::TempDir dir;
   std::string const path = dir / "vel.fdm";
-  fdm_testing::writeFixture(path, "<");
+  fdm_testing::writeFixture(path, ">");
   FdmDiskStore store;
   Attribute trace("VELTRACE.DEFAULT", "", vFLOAT32);
   StoreDescription notFlat;
   fs_testing::expectFailure([&] { store.open(notFlat); }, "FdmDiskStore::open(StoreDescription)",
                             "StoreDescription must contain a flat file.");
-  store.open(vFilename(path.c_str()));
+  {
+    fs_testing::Fault shortReads(path, FS_FAULT_SHORTREAD, 7);
+    store.open(vFilename(path.c_str()));
+    store.read(trace, 9, 12);
+    EXPECT_EQ(value(3, 2, 4), trace.getFloat32Pointer(4)[4]);
+  }
+  {
+    // Inline index 1 (bins 5 to 8) cannot be read: its section is 80 bytes
+    // from byte 592.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 600);
+    fs_testing::expectFailure([&] { store.read(trace, 6, 6); }, "FdmDiskReader::readSection",
+                              "Request to read 80 bytes from file offset 592 failed");
+    store.read(trace, 1, 4);
+    EXPECT_EQ(value(1, 0, 2), trace.getFloat32Pointer(2)[2]);
+  }
   fs_testing::expectFailure([&] { store.read(trace, 3, 13); }, "FdmDiskStore::read",
                             "Instance range 3, 13 is incorrect, NInstances is 12");
   fs_testing::expectFailure([&] { store.read(trace, std::vector<unsigned int>{2, 13}); }, "FdmDiskStore::read",
