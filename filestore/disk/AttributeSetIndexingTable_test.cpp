@@ -113,21 +113,15 @@ TEST(AttributeSetIndexingTable, KeyValuesAreComparedInTheStoredType) {
   IndexedFile f({Attribute("X", "", vFLOAT64), Attribute("NAME", "", vSTRING), Attribute("S", "", vINT16)}, 3);
   f.fill("X", {1.5, 2.0, 3.0});
   Attribute names = f.file().getAttribute("NAME");
-  names.resize(3);
-  names.setString(1, "alpha");
-  names.setString(2, "beta");
-  names.setString(3, "gamma");
+  vString const words[] = {"alpha", "beta", "gamma"};
+  names.copyData(3, words);
   f.file().writeRange(names, 1, 3);
   AttributeSetIndexingTable table(&f.file());
   std::vector<unsigned int> result;
   // Int32 values wanted of a Float64 attribute.
   table.locateByKeys(oneKey<int>("X", vINT32, {3, 2, 1}), result);
   EXPECT_EQ((std::vector<unsigned int>{3, 2, 0}), result);
-  KeyList byName;
-  byName.addKey(Attribute("NAME", "", vSTRING));
-  vString const wanted[] = {"gamma", "delta"};
-  byName.begin()->copyData(2, wanted);
-  table.locateByKeys(byName, result);
+  table.locateByKeys(oneKey<vString>("NAME", vSTRING, {"gamma", "delta"}), result);
   EXPECT_EQ((std::vector<unsigned int>{3, 0}), result);
   expectFailure([&] { table.locateByKeys(oneKey<int>("NAME", vINT32, {1}), result); },
                 "AttributeSetIndexingTable::myBuildListByKeys",
