@@ -93,21 +93,20 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
   fs_testing::TempDir dir;
   std::string const path = dir / "vel.fdm";
   struct Case {
-    char const* format;
     char const* spec;
     char const* attribute;
     char const* subClass;
     bool interpolating;
   };
   for (char const* order : kOrders)
-    for (Case const& c : {Case{"fdm", "gridded_time_rms/intrp/3", "VELTRACE.RMS", "gridded_time_rms", true},
-                          Case{"fdm", "time_interval/asis", "VELTRACE.INTERVAL", "time_interval", false},
-                          Case{"fdm", "gridded_time_foc/intrp/x", "VELTRACE.FOCONSTANTS", "gridded_time_foc", false},
-                          Case{"fdm", "", "VELTRACE.DEFAULT", "gridded_default", false}}) {
+    for (Case const& c : {Case{"gridded_time_rms/intrp/3", "VELTRACE.RMS", "gridded_time_rms", true},
+                          Case{"time_interval/asis", "VELTRACE.INTERVAL", "time_interval", false},
+                          Case{"gridded_time_foc/intrp/x", "VELTRACE.FOCONSTANTS", "gridded_time_foc", false},
+                          Case{"", "VELTRACE.DEFAULT", "gridded_default", false}}) {
       SCOPED_TRACE(std::string(order) + c.spec);
       fdm_testing::writeFixture(path, order);
       FdmDiskStore store;
-      store.open(described(path, c.format, c.spec));
+      store.open(described(path, "fdm", c.spec));
       EXPECT_EQ(c.interpolating, store.isInterpolating());
       EXPECT_EQ(vLCString(c.subClass), store.getSubClass());
       ASSERT_EQ(12u, store.getNInstances());

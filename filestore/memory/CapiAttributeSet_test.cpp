@@ -96,7 +96,7 @@ TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
   EXPECT_FALSE(other.isOpen());
 }
 
-TEST(CapiAttributeSet, KeyChecksInTheirOrder) {
+TEST(CapiAttributeSet, KeyChecksInTheirOrderGroupsAndTheirChecksAndANameAddedOnce) {
   ProbeSet set;
   fill(set);
   Attribute amp = set.getAttribute("AMP");
@@ -112,14 +112,9 @@ TEST(CapiAttributeSet, KeyChecksInTheirOrder) {
                 "Attribute OFFSET of the KeyList does not have 2 values.");
   set.read(amp, cdpOffsetKeys({3, 1}, {10, 20}));
   EXPECT_EQ((std::vector<double>{2.5, 1.0}), valuesOf(amp));
-}
 
-TEST(CapiAttributeSet, GroupsAndTheirChecksAndANameAddedOnce) {
-  ProbeSet set;
-  fill(set);
   expectFailure([&] { set.addAttribute(Attribute("AMP", "", vINT32)); }, "CapiAttributeSet::addAttribute",
                 "The AttributeSet line already has an Attribute called AMP.");
-  Attribute amp = set.getAttribute("AMP");
   Attribute cdp = set.getAttribute("CDP");
   set.read(amp, cdp, 2, 0);
   EXPECT_EQ((std::vector<double>{1.5, 2.0, 2.5, 3.0}), valuesOf(amp));
