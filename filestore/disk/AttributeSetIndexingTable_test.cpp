@@ -19,15 +19,14 @@ namespace {
 // A file of the volume, opened for update, its attributes filled by fill.
 class IndexedFile {
  public:
-  IndexedFile(std::vector<Attribute> const& definitions, unsigned int n)
-      : m_volume(std::make_shared<MemoryVolume>()), m_example(m_volume, "mem") {
-    m_volume->makeFile("table.mem", definitions, n);
+  IndexedFile(std::vector<Attribute> const& definitions, unsigned int n) {
+    auto volume = std::make_shared<MemoryVolume>();
+    volume->makeFile("table.mem", definitions, n);
     AttributeFile::OpenOptions update;
     update.setUpdate(true);
-    m_file.reset(m_example.makeNew("table.mem", Attribute(), update));
+    m_file.reset(MemoryAttributeFile(volume, "mem").makeNew("table.mem", Attribute(), update));
   }
   AttributeFile& file() { return *m_file; }
-  // Writes values (as doubles) to all instances of the attribute.
   void fill(char const* name, std::vector<double> const& values) {
     Attribute a = m_file->getAttribute(name);
     a.resize(static_cast<unsigned int>(values.size()));
@@ -36,8 +35,6 @@ class IndexedFile {
   }
 
  private:
-  std::shared_ptr<MemoryVolume> m_volume;
-  MemoryAttributeFile m_example;
   std::unique_ptr<AttributeFile> m_file;
 };
 

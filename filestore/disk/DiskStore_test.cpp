@@ -106,8 +106,6 @@ TEST(DiskStore, RefusesWhatItCannotDoAndKeepsItsData) {
   expectFailure([&] { store->read(cdp, small, 1, 1); }, "AttributeSetIndexingTable::locateByGroups",
                 "Can only function with Int32, Int64, Float32 and Float64 groups at the moment. Your Attribute SMALL "
                 "is of type " + std::string(vUtl::dataTypeName(vINT16).c_str()) + ".");
-
-  // The defaults refuse with their own labels.
   DiskStore& base = *store;
   Attribute a("CDP", "", vINT32);
   expectFailure([&] { base.write(a, KeyList()); }, "DiskStore::write",

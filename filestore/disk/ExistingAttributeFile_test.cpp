@@ -43,9 +43,7 @@ TEST(ExistingAttributeFile, OpensAndDeletesAFileByTheExampleOfItsExtension) {
   EXPECT_FALSE(again->getRestoreMute());
   Attribute back = again->getAttribute("CDP");
   again->readRange(back, 1, 4);
-  EXPECT_EQ(9, back.getInt32(3));
-  EXPECT_EQ(8, back.getInt32(4));
-  // And deletes it by the same example.
+  EXPECT_EQ((std::vector<int>{9, 8}), (std::vector<int>{back.getInt32(3), back.getInt32(4)}));
   ExistingAttributeFile::getInstance().deleteFile("/data/line1.memopen");
   EXPECT_FALSE(volume->exists("/data/line1.memopen"));
 }

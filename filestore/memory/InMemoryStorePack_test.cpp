@@ -18,8 +18,6 @@ using store_testing::receive;
 
 namespace {
 
-std::string str(vString const& s) { return s.c_str(); }
-
 template <class T>
 std::vector<unsigned char> packed(T const& object) {
   Packer p;
@@ -104,11 +102,9 @@ TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
   // The bytes compared below hold names, properties, keys and data.
   EXPECT_FALSE(back.getAttributeSets().back()->isOpen()) << "secondary sets come back closed";
   back.openAttributeSet("notes");
-  EXPECT_EQ("checked", str(back.readAttributeAndData("TEXT").getString(1)));
-  // And the unpacked store packs to the same bytes.
+  EXPECT_EQ("checked", std::string(back.readAttributeAndData("TEXT").getString(1).c_str()));
   back.openAttributeSet("line9");
   EXPECT_EQ(packed(store), packed(back));
-  // An unpacked set is open, but not for modification.
   Packer setOut;
   setOut.pack(*vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front()));
   std::unique_ptr<Packer> setIn = receive(setOut);

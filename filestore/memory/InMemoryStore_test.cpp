@@ -17,8 +17,6 @@ using store_testing::expectFailure;
 
 namespace {
 
-std::string str(vString const& s) { return s.c_str(); }
-
 // A store created, filled with the reference content and closed: what a
 // reader finds.
 vHandle<InMemoryStore> referenceStore() {
@@ -104,7 +102,7 @@ TEST_F(InMemoryStoreTest, DirectOperationsWorkOnTheActiveSet) {
   m_store.setClass("events");
   // The primary set was not touched.
   m_store.openAttributeSet("survey");
-  EXPECT_EQ("seismic", str(m_store.getClass()));
+  EXPECT_EQ("seismic", std::string(m_store.getClass().c_str()));
   EXPECT_EQ(12u, m_store.getAttributeSetBuffer()->getNInstances());
 }
 

@@ -66,20 +66,16 @@ void expectGoldenShotStore(SegyDiskStore const& store, unsigned int nTraces, uns
 }
 
 TEST_F(SegyStoreTest, ReadsGoldenFilesOfEachFormatAndByteOrder) {
-  struct Case {
-    int code;
-    bool bigEndian;
-  };
   // IBM samples are checked on files that segyio writes; this writer's IBM
   // words come from the converter that reads them.
-  for (Case c : {Case{5, true}, Case{6, false}}) {
-    SCOPED_TRACE("format " + std::to_string(c.code) + (c.bigEndian ? " big-endian" : " this machine's order"));
+  for (bool bigEndian : {true, false}) {
     SegyWriter w;
-    w.formatCode = c.code;
-    w.bigEndian = c.bigEndian;
+    w.formatCode = bigEndian ? 5 : 6;
+    SCOPED_TRACE("format " + std::to_string(w.formatCode) + (bigEndian ? " big-endian" : " this machine's order"));
+    w.bigEndian = bigEndian;
     w.nSamples = 7;
     vHandle<SegyDiskStore> store = openFile(write(w, 9));
-    EXPECT_EQ(c.bigEndian, store->getBinaryHeader()->isByteSwapped());
+    EXPECT_EQ(bigEndian, store->getBinaryHeader()->isByteSwapped());
     expectGoldenShotStore(*store, 9, 7);
   }
 }
