@@ -114,7 +114,7 @@ TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
   EXPECT_FALSE(set.isWriteable());
 }
 
-TEST(InMemoryStorePack, ForeignFramesAreRefused) {
+TEST(InMemoryStorePack, ForeignFramesAndASetWhoseAttributeDoesNotFitAreRefused) {
   Bytes foreign;
   foreign.frame(3065, 1).end();
   InMemoryAttributeSet set{vHandle<Project>()};
@@ -125,6 +125,11 @@ TEST(InMemoryStorePack, ForeignFramesAreRefused) {
   std::unique_ptr<Packer> q = foreign.reader();
   expectFailure([&] { q->unpack(store); }, "InMemoryStore::unpack()", "Bad magic value, not an InMemoryStore.");
   EXPECT_FALSE(store.isOpen());
+  Bytes bad;
+  cdpSetFrame(bad, 1, "odd", 3).end();
+  std::unique_ptr<Packer> r = bad.reader();
+  expectFailure([&] { r->unpack(set); }, "InMemoryAttributeSet::unpack()",
+                "Attribute CDP of AttributeSet 'odd' holds 2 instances, the AttributeSet 3.");
 }
 
 TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
@@ -142,13 +147,4 @@ TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
   p->unpack(after);
   EXPECT_EQ(123456, after);
   EXPECT_EQ(5, store.readAttributeAndData("CDP").getInt32(2));
-}
-
-TEST(InMemoryStorePack, ASetWhoseAttributeDoesNotFitIsRefused) {
-  Bytes bad;
-  cdpSetFrame(bad, 1, "odd", 3).end();
-  InMemoryAttributeSet set{vHandle<Project>()};
-  std::unique_ptr<Packer> p = bad.reader();
-  expectFailure([&] { p->unpack(set); }, "InMemoryAttributeSet::unpack()",
-                "Attribute CDP of AttributeSet 'odd' holds 2 instances, the AttributeSet 3.");
 }

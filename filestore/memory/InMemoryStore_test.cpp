@@ -106,17 +106,13 @@ TEST_F(InMemoryStoreTest, DirectOperationsWorkOnTheActiveSet) {
   EXPECT_EQ(12u, m_store.getAttributeSetBuffer()->getNInstances());
 }
 
-TEST_F(InMemoryStoreTest, LoadsARangeOfAnotherStore) {
+TEST_F(InMemoryStoreTest, LoadsARangeOfAnotherStoreAndWritesIntoOneOnceTheRegistryInstalledItsView) {
   m_store.openAttributeSet("survey");
-  vHandle<Store> source(new InMemoryStore(m_store));
   InMemoryStore target{vHandle<Project>()};
   target.create("copy", "seismic", "3d", KeyList(), nullptr);
-  EXPECT_TRUE(target.loadRangeFromStore(true, source, 4, 6));
+  EXPECT_TRUE(target.loadRangeFromStore(true, vHandle<Store>(new InMemoryStore(m_store)), 4, 6));
   EXPECT_EQ((std::vector<double>{100, 200, 300}), read(target, "OFFSET"));
-}
 
-TEST_F(InMemoryStoreTest, WritesIntoAnotherStoreOnceTheRegistryInstalledItsView) {
-  m_store.openAttributeSet("survey");
   InMemoryStore source{vHandle<Project>()};
   source.create("two", "seismic", "3d", KeyList(), nullptr);
   StoreConformance::populate(source, {"CDP", "OFFSET"});

@@ -78,7 +78,7 @@ class SegyFormatFileTest : public ::testing::Test {
   TestReleaseTree tree;
 };
 
-TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
+TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndCommentsAndCutsOverlongLines) {
   vHandle<SegyFormatFile> format = load(
       "# a layout of our own\n"
       "\n"
@@ -121,18 +121,20 @@ TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
   EXPECT_EQ(98, format->getAttributeOffset("STATIC"));
   expectFailure([&] { format->getSegyType("FFID"); }, "SegyFormatFile::doGetSegyType",
                 "Attribute 'FFID' is not defined in format file 'layout.syf'.");
+  // An overlong line is cut.
+  format = load("LONGNAME ln trace 17 int4 " + std::string(1100, 'd') + "\n", "long");
+  EXPECT_EQ(1023u - 26u, format->getSpecs().entries[0].description.length());
+  EXPECT_EQ(16, format->getAttributeOffset("LONGNAME"));
 }
 
-TEST_F(SegyFormatFileTest, RefusesEachBadLineWithItsNumber) {
+TEST_F(SegyFormatFileTest, RefusesEachBadLineWithItsNumberTheDornSchemeAndALoadBeforeTheHeader) {
   expectLoadFailure("FORMAT CSV\n", "The FORMAT line (1) must be followed by KELP or DORN, not CSV.");
   expectLoadFailure("\n\nLONELY\n", "Error on line 3: column 1 cannot be blank.");
   expectLoadFailure("A a header 5 int4\n", "Error on line 1: segy location must be binary or trace, not header.");
   expectLoadFailure("A a trace 5x int4\n", "Error on line 1: position must an integer, not 5x.");
   expectLoadFailure("A a trace 5 INT4\n", "Error on line 1: Unknown format 'INT4'.");
   expectLoadFailure("A a trace 5 # int4\n", "Error on line 1: format cannot be blank.");
-}
-
-TEST_F(SegyFormatFileTest, RefusesTheDornSchemeAndNeedsTheHeaderFirst) {
+  // The Dorn scheme, and any load before the binary header.
   tree.writeWorkFile("dorn.syf", "FORMAT DORN\nA a trace 5 int4\n");
   SegyFormatFile format;
   expectFailure([&] { format.loadFormat(vFilename("dorn.syf")); }, "SegyFormatFile::loadFormat",
@@ -154,13 +156,6 @@ TEST_F(SegyFormatFileTest, FindsTheFileAsNamedOrAmongTheSystemFiles) {
   EXPECT_TRUE(local->loadFormat(vFilename("shipped")));
   EXPECT_EQ(std::string("LOCAL"), local->getStoreClass().c_str());
   EXPECT_EQ((std::vector<std::string>{"CMP", "TRACE"}), names(local->getAttributeList()));
-}
-
-TEST_F(SegyFormatFileTest, CutsOverlongLines) {
-  std::string line = "LONGNAME ln trace 17 int4 " + std::string(1100, 'd') + "\n";
-  vHandle<SegyFormatFile> format = load(line);
-  EXPECT_EQ(1023u - 26u, format->getSpecs().entries[0].description.length());
-  EXPECT_EQ(16, format->getAttributeOffset("LONGNAME"));
 }
 
 }  // namespace
