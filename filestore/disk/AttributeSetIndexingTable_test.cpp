@@ -45,10 +45,15 @@ std::vector<double> valuesOf(Attribute const& a) {
 }
 
 template <class T>
+KeyList& addKey(KeyList& keys, char const* name, DataType type, std::vector<T> const& values) {
+  keys.addKey(Attribute(name, "", type));
+  (keys.begin() + (keys.getNKeys() - 1))->copyData(static_cast<unsigned int>(values.size()), values.data());
+  return keys;
+}
+template <class T>
 KeyList oneKey(char const* name, DataType type, std::vector<T> const& values) {
   KeyList keys;
-  keys.addKey(Attribute(name, "", type));
-  keys.begin()->copyData(static_cast<unsigned int>(values.size()), values.data());
+  addKey(keys, name, type, values);
   return keys;
 }
 
@@ -75,14 +80,8 @@ TEST(AttributeSetIndexingTable, KeysAndGroupsSpanManyBatches) {
   // LINE 1: instances 3, 7, 11, 15, 19, 23; LINE 2: 2, 6, 10, 14, 18, 22.
   EXPECT_EQ((std::vector<unsigned int>{3, 7, 11, 15, 19, 23, 2, 6, 10, 14, 18, 22}), result);
 
-  KeyList keys;
-  keys.addKey(Attribute("LINE", "", vINT64));
-  keys.addKey(Attribute("SHOT", "", vFLOAT32));
-  long long const lines[] = {0, 3, 2};
-  float const shots[] = {10.0f, 0.5f, 9.0f};
-  keys.begin()->copyData(3, lines);
-  (keys.begin() + 1)->copyData(3, shots);
-  table.locateByKeys(keys, result, false);
+  KeyList keys = oneKey<long long>("LINE", vINT64, {0, 3, 2});
+  table.locateByKeys(addKey<float>(keys, "SHOT", vFLOAT32, {10.0f, 0.5f, 9.0f}), result, false);
   EXPECT_EQ((std::vector<unsigned int>{20, 1, 18}), result);
 
   Attribute unique("LINE", "", vINT64);

@@ -14,13 +14,6 @@ namespace {
 
 char const* const kOrders[] = {"<", ">"};
 
-StoreDescription described(std::string const& path, char const* format, char const* spec) {
-  StoreDescription d{vFilename(path.c_str())};
-  d.setFileFormat(format);
-  d.setFormatSpec(spec);
-  return d;
-}
-
 }  // namespace
 
 TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeaderAndTheSameRefusals) {
@@ -106,7 +99,10 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
       SCOPED_TRACE(std::string(order) + c.spec);
       fdm_testing::writeFixture(path, order);
       FdmDiskStore store;
-      store.open(described(path, "fdm", c.spec));
+      StoreDescription described{vFilename(path.c_str())};
+      described.setFileFormat("fdm");
+      described.setFormatSpec(c.spec);
+      store.open(described);
       EXPECT_EQ(c.interpolating, store.isInterpolating());
       EXPECT_EQ(vLCString(c.subClass), store.getSubClass());
       ASSERT_EQ(12u, store.getNInstances());

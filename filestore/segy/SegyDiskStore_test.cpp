@@ -118,9 +118,8 @@ TEST_F(SegyStoreTest, ConvertsShortFieldsOfAFormatFile) {
     w.formatCode = bigEndian ? 1 : 5;
     std::string const path = write(w, 3);
     TestReleaseTree::write(dir / "line.syf", "STATIC st trace 115 int2\nSCALE sc trace 121 ieee4\n");
-    StoreDescription description{vFilename(path.c_str())};
     SegyDiskStore store;
-    store.open(description);
+    store.open(StoreDescription(vFilename(path.c_str())));
     EXPECT_EQ(dir / "line.syf", std::string(store.getFormatFile().c_str()));
     EXPECT_EQ(vINT16, store.getAttribute("STATIC").getDataType());
     // 0.75 read as an Int32 rounds to 1.
