@@ -53,12 +53,10 @@ TEST_F(SegdStoreTest, Reads20BitTracesAndTheirHeaders) {
   EXPECT_EQ((std::vector<int>{1234, 1234, 1234}), ints(store, "FFID", list));
   EXPECT_EQ((std::vector<int>{7, 7, 7}), ints(store, "CHANNELSET", list));
   EXPECT_EQ((std::vector<int>{3, 1, 2}), ints(store, "CHANNEL", list));
-  KeyList const keys = store.getKeyList();
-  ASSERT_EQ(2u, keys.getNKeys());
-  EXPECT_EQ("FFID", std::string(keys.findName(1).c_str()));
-  EXPECT_EQ("CHANNEL", std::string(keys.findName(2).c_str()));
+  KeyList wanted = store.getKeyList();
+  ASSERT_EQ(2u, wanted.getNKeys());
+  EXPECT_EQ("FFID CHANNEL", std::string(wanted.findName(1).c_str()) + " " + wanted.findName(2).c_str());
   // By key values, through the indexing table.
-  KeyList wanted = keys;
   int64_t const ffids[] = {1234, 1234};
   int const channels[] = {3, 1};
   wanted.begin()->copyData(2, ffids);

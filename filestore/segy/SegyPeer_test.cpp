@@ -169,21 +169,17 @@ class SegyPeerTest : public ::testing::TestWithParam<PeerCase> {
   std::string script;
 };
 
-// Binary header fields, sized by the file's shape where they shape it.
-std::vector<BinaryField> binaryFields(int format) {
+TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
+  PeerCase const c = GetParam();
   using H = SegyBinaryHeader const&;
-  return {
+  // Binary header fields, sized by the file's shape where they shape it.
+  std::vector<BinaryField> const binary = {
       {3201, -1000001, [](H h) { return h.getJobIdentNumber(); }},
       {3213, -13, [](H h) { return h.getNumberDataTracesPerRecord(); }},
       {3217, 40000, [](H h) { return h.getSampleInterval(); }},
       {3221, static_cast<int32_t>(kSamples), [](H h) { return h.getNumberSamplePerTrace(); }},
-      {3225, format, [](H h) { return h.getFormatCode(); }},
+      {3225, c.format, [](H h) { return h.getFormatCode(); }},
   };
-}
-
-TEST_P(SegyPeerTest, ReadsEveryValueThatThePeerWrote) {
-  PeerCase const c = GetParam();
-  std::vector<BinaryField> const binary = binaryFields(c.format);
   std::string const path = writeWithPeer("peer.sgy", c.format, c.endian, binary);
   uint16_t const one = 1;
   bool const hostBig = *reinterpret_cast<unsigned char const*>(&one) == 0;
