@@ -68,8 +68,7 @@ TEST(FdmDiskReader, InterpolatedLoadsOfALinearVolume) {
   // Crossline index 1.5, inline index 0.4, from Z index 1.25.
   reader.biLinearLoadOntoY(500.0f + 1.5f * 25.0f, 1000.0f + 0.4f * 12.5f, 5.0f, 3, trace);
   for (int k = 0; k < 3; ++k) EXPECT_NEAR(1000.0f + 40.0f + 15.0f + 1.25f + k, trace[k], 1e-3) << k;
-  float const* lower = nullptr;
-  float const* upper = nullptr;
+  float const *lower = nullptr, *upper = nullptr;
   EXPECT_FLOAT_EQ(0.5f, reader.loadEitherSideOfZ(10.0f, lower, upper));
   EXPECT_EQ(value(1, 2, 2), lower[2 * 4 + 1]);
   EXPECT_EQ(value(1, 2, 3), upper[2 * 4 + 1]);

@@ -8,7 +8,6 @@
 
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "foundation/Message.h"
-#include "foundation/MessageHandling.h"
 #include "foundation/vUtl.h"
 #include "project/Project.h"
 #include "project/StoreTesting.h"

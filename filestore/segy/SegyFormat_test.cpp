@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "attribute/AttributeDefinitionTable.h"
-#include "attribute/AttributeTranslationTable.h"
 #include "filestore/segy/SegyFormatFile.h"
-#include "filestore/segy/SegyShotFormat.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
 

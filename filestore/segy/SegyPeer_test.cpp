@@ -18,7 +18,6 @@
 #include <vector>
 
 #include "attribute/AttributeDefinitionTable.h"
-#include "attribute/AttributeTranslationTable.h"
 #include "filestore/segy/SegyDiskStore.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestFailure.h"
