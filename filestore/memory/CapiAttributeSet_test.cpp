@@ -67,7 +67,7 @@ std::vector<double> valuesOf(Attribute const& a) {
 
 }  // namespace
 
-TEST(CapiAttributeSet, CreateChecksNamesAndClasses) {
+TEST(CapiAttributeSet, CreateChecksNamesAndClassesAndAFailedCreationLeavesTheSetClosed) {
   ProbeSet set;
   KeyList none;
   expectFailure([&] { set.create(" ", "seismic", "2d", none, nullptr); }, "CapiAttributeSet::create",
@@ -81,9 +81,7 @@ TEST(CapiAttributeSet, CreateChecksNamesAndClasses) {
   set.create("line", "seismic", "2d", cdpOffsetKeys(), nullptr);
   expectFailure([&] { set.create("other", "seismic", "2d", none, nullptr); },
                 "CapiAttributeSet::myCheckNameAndClass()", "AttributeSet is already open as 'line'.");
-}
-
-TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
+  // A failed creation leaves the set closed.
   ProbeSet utl;
   utl.failCreate = ProbeSet::UTL;
   expectFailure([&] { utl.create("line", "seismic", "2d", KeyList(), nullptr); }, "ProbeSet::doPostCreate", "no room");

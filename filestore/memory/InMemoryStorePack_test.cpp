@@ -60,7 +60,7 @@ Bytes& cdpSetFrame(Bytes& bytes, int16_t version, char const* name, unsigned int
 
 }  // namespace
 
-TEST(InMemoryStorePack, SetAndStoreFramesAreByteExact) {
+TEST(InMemoryStorePack, FramesAreByteExactAndAStoreComesBackWholeWithItsSecondarySets) {
   InMemoryStore store{vHandle<Project>()};
   fill(store);
   InMemoryAttributeSet const& set = *vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front());
@@ -81,13 +81,8 @@ TEST(InMemoryStorePack, SetAndStoreFramesAreByteExact) {
   expectedStore.frame(3063, 1).text("line9").text("seismic").text("2d").int32(1);
   expectedStore.append(expectedSet.body()).end();
   EXPECT_EQ(expectedStore.body(), packed(store));
-}
 
-TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
-  InMemoryStore store{vHandle<Project>()};
-  fill(store);
-  KeyList none;
-  store.createAttributeSet("notes", none);
+  store.createAttributeSet("notes", KeyList());
   store.addAttribute(Attribute("TEXT", "", vSTRING));
   store.addInstances(1);
   store.updateAttributeAndData("TEXT").setString(1, "checked");
@@ -106,12 +101,12 @@ TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
   back.openAttributeSet("line9");
   EXPECT_EQ(packed(store), packed(back));
   Packer setOut;
-  setOut.pack(*vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front()));
+  setOut.pack(set);
   std::unique_ptr<Packer> setIn = receive(setOut);
-  InMemoryAttributeSet set{vHandle<Project>()};
-  setIn->unpack(set);
-  EXPECT_TRUE(set.isOpen());
-  EXPECT_FALSE(set.isWriteable());
+  InMemoryAttributeSet unpacked{vHandle<Project>()};
+  setIn->unpack(unpacked);
+  EXPECT_TRUE(unpacked.isOpen());
+  EXPECT_FALSE(unpacked.isWriteable());
 }
 
 TEST(InMemoryStorePack, ForeignFramesAndASetWhoseAttributeDoesNotFitAreRefused) {
