@@ -19,15 +19,14 @@ namespace {
 // A file of the volume, opened for update, its attributes filled by fill.
 class IndexedFile {
  public:
-  IndexedFile(std::vector<Attribute> const& definitions, unsigned int n)
-      : m_volume(std::make_shared<MemoryVolume>()), m_example(m_volume, "mem") {
-    m_volume->makeFile("table.mem", definitions, n);
+  IndexedFile(std::vector<Attribute> const& definitions, unsigned int n) {
+    auto volume = std::make_shared<MemoryVolume>();
+    volume->makeFile("table.mem", definitions, n);
     AttributeFile::OpenOptions update;
     update.setUpdate(true);
-    m_file.reset(m_example.makeNew("table.mem", Attribute(), update));
+    m_file.reset(MemoryAttributeFile(volume, "mem").makeNew("table.mem", Attribute(), update));
   }
   AttributeFile& file() { return *m_file; }
-  // Writes values (as doubles) to all instances of the attribute.
   void fill(char const* name, std::vector<double> const& values) {
     Attribute a = m_file->getAttribute(name);
     a.resize(static_cast<unsigned int>(values.size()));
@@ -36,8 +35,6 @@ class IndexedFile {
   }
 
  private:
-  std::shared_ptr<MemoryVolume> m_volume;
-  MemoryAttributeFile m_example;
   std::unique_ptr<AttributeFile> m_file;
 };
 
@@ -48,10 +45,15 @@ std::vector<double> valuesOf(Attribute const& a) {
 }
 
 template <class T>
+KeyList& addKey(KeyList& keys, char const* name, DataType type, std::vector<T> const& values) {
+  keys.addKey(Attribute(name, "", type));
+  (keys.begin() + (keys.getNKeys() - 1))->copyData(static_cast<unsigned int>(values.size()), values.data());
+  return keys;
+}
+template <class T>
 KeyList oneKey(char const* name, DataType type, std::vector<T> const& values) {
   KeyList keys;
-  keys.addKey(Attribute(name, "", type));
-  keys.begin()->copyData(static_cast<unsigned int>(values.size()), values.data());
+  addKey(keys, name, type, values);
   return keys;
 }
 
@@ -78,14 +80,8 @@ TEST(AttributeSetIndexingTable, KeysAndGroupsSpanManyBatches) {
   // LINE 1: instances 3, 7, 11, 15, 19, 23; LINE 2: 2, 6, 10, 14, 18, 22.
   EXPECT_EQ((std::vector<unsigned int>{3, 7, 11, 15, 19, 23, 2, 6, 10, 14, 18, 22}), result);
 
-  KeyList keys;
-  keys.addKey(Attribute("LINE", "", vINT64));
-  keys.addKey(Attribute("SHOT", "", vFLOAT32));
-  long long const lines[] = {0, 3, 2};
-  float const shots[] = {10.0f, 0.5f, 9.0f};
-  keys.begin()->copyData(3, lines);
-  (keys.begin() + 1)->copyData(3, shots);
-  table.locateByKeys(keys, result, false);
+  KeyList keys = oneKey<long long>("LINE", vINT64, {0, 3, 2});
+  table.locateByKeys(addKey<float>(keys, "SHOT", vFLOAT32, {10.0f, 0.5f, 9.0f}), result, false);
   EXPECT_EQ((std::vector<unsigned int>{20, 1, 18}), result);
 
   Attribute unique("LINE", "", vINT64);
@@ -113,21 +109,15 @@ TEST(AttributeSetIndexingTable, KeyValuesAreComparedInTheStoredType) {
   IndexedFile f({Attribute("X", "", vFLOAT64), Attribute("NAME", "", vSTRING), Attribute("S", "", vINT16)}, 3);
   f.fill("X", {1.5, 2.0, 3.0});
   Attribute names = f.file().getAttribute("NAME");
-  names.resize(3);
-  names.setString(1, "alpha");
-  names.setString(2, "beta");
-  names.setString(3, "gamma");
+  vString const words[] = {"alpha", "beta", "gamma"};
+  names.copyData(3, words);
   f.file().writeRange(names, 1, 3);
   AttributeSetIndexingTable table(&f.file());
   std::vector<unsigned int> result;
   // Int32 values wanted of a Float64 attribute.
   table.locateByKeys(oneKey<int>("X", vINT32, {3, 2, 1}), result);
   EXPECT_EQ((std::vector<unsigned int>{3, 2, 0}), result);
-  KeyList byName;
-  byName.addKey(Attribute("NAME", "", vSTRING));
-  vString const wanted[] = {"gamma", "delta"};
-  byName.begin()->copyData(2, wanted);
-  table.locateByKeys(byName, result);
+  table.locateByKeys(oneKey<vString>("NAME", vSTRING, {"gamma", "delta"}), result);
   EXPECT_EQ((std::vector<unsigned int>{3, 0}), result);
   expectFailure([&] { table.locateByKeys(oneKey<int>("NAME", vINT32, {1}), result); },
                 "AttributeSetIndexingTable::myBuildListByKeys",

@@ -12,53 +12,28 @@ using disk_testing::MemoryAttributeFile;
 using disk_testing::MemoryVolume;
 using store_testing::expectFailure;
 
-namespace {
-
-// The reference content of the store suite, once in a store and once in an
-// attribute file.
-class BasicDataAdaptorTest : public ::testing::Test {
- protected:
-  BasicDataAdaptorTest()
-      : m_store(vHandle<Project>()), m_volume(std::make_shared<MemoryVolume>()), m_example(m_volume, "mem") {
-    m_store.create("line3", "seismic", "2d", StoreConformance::referenceKeys(), nullptr);
-    StoreConformance::populate(m_store);
-
-    std::vector<Attribute> definitions;
-    for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"})
-      definitions.push_back(StoreConformance::referenceDefinition(name));
-    m_volume->makeFile("/d/line3.mem", definitions, StoreConformance::kNInstances);
-    AttributeFile::OpenOptions update;
-    update.setUpdate(true);
-    m_file.reset(m_example.makeNew("/d/line3.mem", Attribute(), update));
-    for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"}) {
-      Attribute a(StoreConformance::referenceDefinition(name));
-      a.copyData(StoreConformance::referenceAttribute(name));
-      m_file->writeRange(a, 1, StoreConformance::kNInstances);
-    }
+// Over a set and over a file holding the reference content of the store
+// suite alike; failures are the source's own.
+TEST(BasicDataAdaptor, OverAnAttributeSetOrAFile) {
+  TestMemoryStore set{vHandle<Project>()};
+  set.create("line3", "seismic", "2d", StoreConformance::referenceKeys(), nullptr);
+  StoreConformance::populate(set);
+  auto volume = std::make_shared<MemoryVolume>();
+  std::vector<Attribute> definitions;
+  for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"})
+    definitions.push_back(StoreConformance::referenceDefinition(name));
+  volume->makeFile("/d/line3.mem", definitions, StoreConformance::kNInstances);
+  AttributeFile::OpenOptions update;
+  update.setUpdate(true);
+  std::unique_ptr<AttributeFile> file(MemoryAttributeFile(volume, "mem").makeNew("/d/line3.mem", Attribute(), update));
+  for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"}) {
+    Attribute a(StoreConformance::referenceDefinition(name));
+    a.copyData(StoreConformance::referenceAttribute(name));
+    file->writeRange(a, 1, StoreConformance::kNInstances);
   }
 
-  void expectReference(BasicDataAdaptor const& adaptor) {
-    EXPECT_EQ(4u, adaptor.getNAttributes());
-    Attribute trace = adaptor.getAttribute("TRACE");
-    adaptor.read(trace, 4, 6);
-    ASSERT_EQ(3u, trace.getNInstances());
-    for (unsigned int i = 1; i <= 3; ++i)
-      for (int k = 1; k <= 5; ++k)
-        EXPECT_EQ(StoreConformance::referenceValue("TRACE", i + 3, k), trace.getValue(i, k));
-  }
-
-  TestMemoryStore m_store;
-  std::shared_ptr<MemoryVolume> m_volume;
-  MemoryAttributeFile m_example;
-  std::unique_ptr<AttributeFile> m_file;
-};
-
-}  // namespace
-
-// Over a set and over a file alike; failures are the source's own.
-TEST_F(BasicDataAdaptorTest, OverAnAttributeSetOrAFile) {
-  BasicDataAdaptor overSet(&m_store);
-  BasicDataAdaptor overFile(m_file.get());
+  BasicDataAdaptor overSet(&set);
+  BasicDataAdaptor overFile(file.get());
   struct Case {
     BasicDataAdaptor const& adaptor;
     char const* name;
@@ -71,8 +46,14 @@ TEST_F(BasicDataAdaptorTest, OverAnAttributeSetOrAFile) {
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(c.name);
-    expectReference(c.adaptor);
     EXPECT_EQ(c.name, std::string(c.adaptor.getName().c_str()));
+    EXPECT_EQ(4u, c.adaptor.getNAttributes());
+    Attribute trace = c.adaptor.getAttribute("TRACE");
+    c.adaptor.read(trace, 4, 6);
+    ASSERT_EQ(3u, trace.getNInstances());
+    for (unsigned int i = 1; i <= 3; ++i)
+      for (int k = 1; k <= 5; ++k)
+        EXPECT_EQ(StoreConformance::referenceValue("TRACE", i + 3, k), trace.getValue(i, k));
     Attribute unknown("NOPE", "", vINT32);
     expectFailure([&] { c.adaptor.read(unknown, 1, 1); }, c.label, c.text);
   }

@@ -1,13 +1,18 @@
+// DiskStore over the smallest disk store: its own refusals, and the shared
+// store suite, where reads by range and list are the record file store's
+// own and everything by keys and groups comes from DiskStore and its
+// indexing table.
+
 #include "filestore/disk/DiskStore.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <unistd.h>
 
 #include "filestore/disk/DiskStoreTesting.h"
-#include "project/FullStoreName.h"
 #include "foundation/vUtl.h"
 #include "project/StoreTesting.h"
 #include "testing/StoreConformance.h"
@@ -17,81 +22,91 @@ using store_testing::expectFailure;
 
 namespace {
 
-// The reference content of the store suite, with a vector of length 2 and
-// an Int16, in one record file.
-class DiskStoreTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    m_path = ::testing::TempDir() + "diskstore_" + std::to_string(::getpid()) + "_" +
-             ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".rec";
-    // Copies of attributes carry no data: each column is filled in place.
-    std::vector<Attribute> columns;
-    columns.reserve(6);
-    for (char const* name : {"CDP", "OFFSET", "ELEV", "TRACE"}) {
-      columns.push_back(StoreConformance::referenceDefinition(name));
-      columns.back().copyData(StoreConformance::referenceAttribute(name));
-    }
-    columns.push_back(Attribute("PAIR", "", vINT32, 2));
-    columns.push_back(Attribute("SMALL", "", vINT16));
-    Attribute& pair = columns[4];
-    Attribute& small = columns[5];
-    pair.resize(12);
-    small.resize(12);
-    for (unsigned int i = 1; i <= 12; ++i) {
-      pair.getInt32Pointer(i)[0] = static_cast<int>(i);
-      pair.getInt32Pointer(i)[1] = -static_cast<int>(i);
-      small.setInt16(i, static_cast<short>(i % 2));
-    }
-    disk_testing::writeRecordFile(m_path, columns);
-    for (Attribute const& c : columns) m_definitions.push_back(Attribute(c));
-    m_store.reset(new RecordFileStore(m_definitions, StoreConformance::referenceKeys()));
-    m_store->open(m_path, "line7");
-  }
-  void TearDown() override {
-    m_store.reset();
-    std::remove(m_path.c_str());
-  }
+// A read-only format: it refuses every write with its own text.
+class ReadOnlyRecordFileStore : public RecordFileStore {
+ public:
+  using RecordFileStore::RecordFileStore;
+  void write(Attribute const&, unsigned int, unsigned int) override { myRefuse(); }
+  void write(Attribute const&, std::vector<unsigned int> const&) override { myRefuse(); }
+  void write(Attribute const&, Attribute const&, unsigned int, unsigned int) override { myRefuse(); }
+  void write(Attribute const&, KeyList const&) override { myRefuse(); }
+  void addInstances(unsigned int) override { myRefuse(); }
+  void addAttribute(Attribute const&) override { myRefuse(); }
 
-  std::string m_path;
-  std::vector<Attribute> m_definitions;
-  std::unique_ptr<RecordFileStore> m_store;
+ private:
+  [[noreturn]] void myRefuse() const {
+    Message::fatal("ReadOnlyRecordFileStore::write", 0, "The file store '%s' is read-only.", getName().c_str());
+  }
 };
 
-std::vector<double> valuesOf(Attribute const& a, int position = 1) {
-  std::vector<double> v;
-  for (unsigned int i = 1; i <= a.getNInstances(); ++i) v.push_back(a.getValue(i, position));
-  return v;
+// The reference content of the store suite and the extra columns (zeros) in
+// a record file opened by S as name, and removed: the open file stays
+// readable, nothing is left behind. Copies of attributes carry no data: each
+// column is filled in place.
+template <class S>
+S* openReferenceFile(char const* name, std::vector<Attribute> const& extras = {}) {
+  static int serial = 0;
+  std::string const path =
+      ::testing::TempDir() + "diskstore_" + std::to_string(::getpid()) + "_" + std::to_string(++serial) + ".rec";
+  std::vector<Attribute> columns;
+  columns.reserve(4 + extras.size());
+  for (char const* column : {"CDP", "OFFSET", "ELEV", "TRACE"}) {
+    columns.push_back(StoreConformance::referenceDefinition(column));
+    columns.back().copyData(StoreConformance::referenceAttribute(column));
+  }
+  for (Attribute const& extra : extras) {
+    columns.push_back(Attribute(extra));
+    columns.back().resize(StoreConformance::kNInstances);
+    std::memset(columns.back().getPointer(1), 0, static_cast<std::size_t>(columns.back().getTotalNBytes()));
+  }
+  disk_testing::writeRecordFile(path, columns);
+  std::vector<Attribute> definitions;
+  for (Attribute const& c : columns) definitions.push_back(Attribute(c));
+  S* store = new S(definitions, StoreConformance::referenceKeys());
+  store->open(path, name);
+  std::remove(path.c_str());
+  return store;
+}
+
+StoreConformanceCase recordFileCase() {
+  StoreConformanceCase c("RecordFileDiskStore");
+  c.openForReading = [] {
+    return vHandle<AttributeSet>(openReferenceFile<ReadOnlyRecordFileStore>("reference"));
+  };
+  // Tuples not found reach the list read as instance 0, which the store
+  // refuses in its own words.
+  c.texts.keysMissing = "Attribute 'CDP': the vInstanceList has a zero in it, coont read from instance 0.";
+  c.texts.notWritable = "The file store '%s' is read-only.";
+  return c;
 }
 
 }  // namespace
 
-TEST_F(DiskStoreTest, RefusesKeysAndGroupsThatAreNotScalarsOfTheFourTypes) {
+INSTANTIATE_TEST_SUITE_P(RecordFileDiskStore, StoreConformance, ::testing::Values(recordFileCase()),
+                         StoreConformance::caseName);
+
+// With a vector of length 2 and an Int16 beside the reference content.
+TEST(DiskStore, RefusesWhatItCannotDoAndKeepsItsData) {
+  std::unique_ptr<RecordFileStore> store(openReferenceFile<RecordFileStore>(
+      "line7", {Attribute("PAIR", "", vINT32, 2), Attribute("SMALL", "", vINT16)}));
   KeyList pairKeys;
   pairKeys.addKey(Attribute("PAIR", "", vINT32, 2));
   int const values[] = {1, -1};
   pairKeys.begin()->copyData(1, values);
-  Attribute cdp = m_store->getAttribute("CDP");
-  expectFailure([&] { m_store->read(cdp, pairKeys); }, "AttributeSetIndexingTable::myBuildListByKeys",
+  Attribute cdp = store->getAttribute("CDP");
+  expectFailure([&] { store->read(cdp, pairKeys); }, "AttributeSetIndexingTable::myBuildListByKeys",
                 "Can only function with Attributes of length=1. Your Attribute PAIR has a length of 2.");
-
-  Attribute small = m_store->getAttribute("SMALL");
-  std::string const typeText =
-      "Can only function with Int32, Int64, Float32 and Float64 groups at the moment. Your Attribute SMALL is of "
-      "type " +
-      std::string(vUtl::dataTypeName(vINT16).c_str()) + ".";
-  expectFailure([&] { m_store->read(cdp, small, 1, 1); }, "AttributeSetIndexingTable::locateByGroups", typeText);
-}
-
-TEST_F(DiskStoreTest, DefaultsRefuseWithTheirOwnLabels) {
-  DiskStore& store = *m_store;
+  Attribute small = store->getAttribute("SMALL");
+  expectFailure([&] { store->read(cdp, small, 1, 1); }, "AttributeSetIndexingTable::locateByGroups",
+                "Can only function with Int32, Int64, Float32 and Float64 groups at the moment. Your Attribute SMALL "
+                "is of type " + std::string(vUtl::dataTypeName(vINT16).c_str()) + ".");
+  DiskStore& base = *store;
   Attribute a("CDP", "", vINT32);
-  KeyList k;
-  std::string const needsCode = "Function not implemented in derived class -- needs code.";
-  expectFailure([&] { store.write(a, k); }, "DiskStore::write", needsCode);
-  expectFailure([&] { store.addAttribute(a); }, "DiskStore::addAttribute", "Not Implement yet!");
-  expectFailure([&] { store.open("x", 0, "c", "s", nullptr); }, "DiskStore::Open", "Usage: open(filename)");
+  expectFailure([&] { base.write(a, KeyList()); }, "DiskStore::write",
+                "Function not implemented in derived class -- needs code.");
+  expectFailure([&] { base.addAttribute(a); }, "DiskStore::addAttribute", "Not Implement yet!");
+  expectFailure([&] { base.open("x", 0, "c", "s", nullptr); }, "DiskStore::Open", "Usage: open(filename)");
   // Nothing changed: the data read as before.
-  Attribute cdp = m_store->getAttribute("CDP");
-  m_store->read(cdp, 1, 3);
-  EXPECT_EQ((std::vector<double>{1, 1, 1}), valuesOf(cdp));
+  store->read(cdp, 1, 3);
+  EXPECT_EQ((std::vector<int>{1, 1, 1}), (std::vector<int>{cdp.getInt32(1), cdp.getInt32(2), cdp.getInt32(3)}));
 }

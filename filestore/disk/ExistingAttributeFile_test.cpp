@@ -23,12 +23,12 @@ std::shared_ptr<MemoryVolume> registerVolume(char const* extension) {
 TEST(ExistingAttributeFile, OpensAndDeletesAFileByTheExampleOfItsExtension) {
   auto volume = registerVolume("memopen");
   volume->makeFile("/data/line1.memopen", {Attribute("CDP", "CDP", vINT32)}, 4);
+  ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
 
   AttributeFile::OpenOptions update;
   update.setUpdate(true);
   update.setRestoreMute(true);
-  vHandle<AttributeFile> file =
-      ExistingAttributeFile::getInstance().open("/data/line1.memopen", Attribute(), update);
+  vHandle<AttributeFile> file = files.open("/data/line1.memopen", Attribute(), update);
   EXPECT_EQ("/data/line1.memopen", std::string(file->getName().c_str()));
   EXPECT_TRUE(file->getRestoreMute());
   Attribute cdp = file->getAttribute("CDP");
@@ -38,15 +38,12 @@ TEST(ExistingAttributeFile, OpensAndDeletesAFileByTheExampleOfItsExtension) {
   file->flush();
 
   // A second file object sees what the first flushed.
-  vHandle<AttributeFile> again =
-      ExistingAttributeFile::getInstance().open("/data/line1.memopen", Attribute(), AttributeFile::OpenOptions());
+  vHandle<AttributeFile> again = files.open("/data/line1.memopen", Attribute(), AttributeFile::OpenOptions());
   EXPECT_FALSE(again->getRestoreMute());
   Attribute back = again->getAttribute("CDP");
   again->readRange(back, 1, 4);
-  EXPECT_EQ(9, back.getInt32(3));
-  EXPECT_EQ(8, back.getInt32(4));
-  // And deletes it by the same example.
-  ExistingAttributeFile::getInstance().deleteFile("/data/line1.memopen");
+  EXPECT_EQ((std::vector<int>{9, 8}), (std::vector<int>{back.getInt32(3), back.getInt32(4)}));
+  files.deleteFile("/data/line1.memopen");
   EXPECT_FALSE(volume->exists("/data/line1.memopen"));
 }
 

@@ -96,8 +96,8 @@ void expectAFailedReadKeepsNothingHalfRead(TraceFile const& f) {
                   (f.store + "::myAllocateBufferList").c_str(), f.listFailure);
     // What lies before the fault still reads.
     store.read(header, std::vector<unsigned int>{3, 1});
-    EXPECT_EQ(f.headerValue(3), header.getInt32(1));
-    EXPECT_EQ(f.headerValue(1), header.getInt32(2));
+    EXPECT_EQ((std::vector<int>{f.headerValue(3), f.headerValue(1)}),
+              (std::vector<int>{header.getInt32(1), header.getInt32(2)}));
   }
   // Nothing half-read is kept: the range reads whole now.
   store.read(header, 2, 6);
@@ -128,20 +128,17 @@ void expectReadsInPiecesToFillEveryTrace(TraceFile const& f) {
 // Every case above, each on the unbroken file.
 template <class S>
 void expectTraceFileFaults(TraceFile const& f) {
-  {
-    SCOPED_TRACE("a truncated file");
-    expectTruncatedFileKeepsItsWholeTraces<S>(f);
+  struct Case {
+    char const* name;
+    void (*expect)(TraceFile const&);
+  } const cases[] = {{"a truncated file", expectTruncatedFileKeepsItsWholeTraces<S>},
+                     {"a failed trace read", expectAFailedReadKeepsNothingHalfRead<S>},
+                     {"a failed header read", expectAFailedHeaderReadSaysHowMuchCame<S>},
+                     {"reads in pieces", expectReadsInPiecesToFillEveryTrace<S>}};
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.name);
+    c.expect(f);
   }
-  {
-    SCOPED_TRACE("a failed trace read");
-    expectAFailedReadKeepsNothingHalfRead<S>(f);
-  }
-  {
-    SCOPED_TRACE("a failed header read");
-    expectAFailedHeaderReadSaysHowMuchCame<S>(f);
-  }
-  SCOPED_TRACE("reads in pieces");
-  expectReadsInPiecesToFillEveryTrace<S>(f);
 }
 
 }  // namespace disk_testing

@@ -1,5 +1,5 @@
 // The FDM header, reader and store over files of the Python fixture in both
-// byte orders.
+// byte orders, on good and broken disks.
 
 #include "filestore/fdm/FdmDiskStore.h"
 
@@ -14,16 +14,9 @@ namespace {
 
 char const* const kOrders[] = {"<", ">"};
 
-StoreDescription described(std::string const& path, char const* format, char const* spec) {
-  StoreDescription d{vFilename(path.c_str())};
-  d.setFileFormat(format);
-  d.setFormatSpec(spec);
-  return d;
-}
-
 }  // namespace
 
-TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeader) {
+TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeaderAndTheSameRefusals) {
   fs_testing::TempDir dir;
   for (char const* order : kOrders) {
     SCOPED_TRACE(order);
@@ -46,20 +39,10 @@ TEST(FdmBinaryHeader, BothByteOrdersGiveTheSameHeader) {
     reader.readZSection(4, reinterpret_cast<char*>(z.data()));
     EXPECT_EQ(value(2, 1, 3), x[1 * 5 + 3]);
     EXPECT_EQ(value(3, 2, 4), z[2 * 4 + 3]);
-  }
-}
-
-TEST(FdmBinaryHeader, AFractionalCountOrNoMarkInEitherOrder) {
-  fs_testing::TempDir dir;
-  for (char const* order : kOrders) {
-    SCOPED_TRACE(order);
-    std::string const path = dir / "v.fdm";
+    // A fractional count, or no mark.
     fdm_testing::writeFixture(path, order, "--ncrossline 1.5");
-    FdmDiskReader reader;
-    vFilename file(path.c_str());
     reader.setFile(file);
-    FdmBinaryHeader const& bad = reader.getHeader();
-    EXPECT_FALSE(bad.isValidHeader());
+    EXPECT_FALSE(reader.getHeader().isValidHeader());
     EXPECT_FALSE(reader.isValid());
     fs_testing::expectFailure([&] { FdmDiskStore().open(vFilename(path.c_str())); }, "FdmDiskStore::open",
                               "The file '" + path + "' is not an FDM file: its header is invalid.");
@@ -85,8 +68,7 @@ TEST(FdmDiskReader, InterpolatedLoadsOfALinearVolume) {
   // Crossline index 1.5, inline index 0.4, from Z index 1.25.
   reader.biLinearLoadOntoY(500.0f + 1.5f * 25.0f, 1000.0f + 0.4f * 12.5f, 5.0f, 3, trace);
   for (int k = 0; k < 3; ++k) EXPECT_NEAR(1000.0f + 40.0f + 15.0f + 1.25f + k, trace[k], 1e-3) << k;
-  float const* lower = nullptr;
-  float const* upper = nullptr;
+  float const *lower = nullptr, *upper = nullptr;
   EXPECT_FLOAT_EQ(0.5f, reader.loadEitherSideOfZ(10.0f, lower, upper));
   EXPECT_EQ(value(1, 2, 2), lower[2 * 4 + 1]);
   EXPECT_EQ(value(1, 2, 3), upper[2 * 4 + 1]);
@@ -103,21 +85,23 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
   fs_testing::TempDir dir;
   std::string const path = dir / "vel.fdm";
   struct Case {
-    char const* format;
     char const* spec;
     char const* attribute;
     char const* subClass;
     bool interpolating;
   };
   for (char const* order : kOrders)
-    for (Case const& c : {Case{"fdm", "gridded_time_rms/intrp/3", "VELTRACE.RMS", "gridded_time_rms", true},
-                          Case{"fdm", "time_interval/asis", "VELTRACE.INTERVAL", "time_interval", false},
-                          Case{"fdm", "gridded_time_foc/intrp/x", "VELTRACE.FOCONSTANTS", "gridded_time_foc", false},
-                          Case{"fdm", "", "VELTRACE.DEFAULT", "gridded_default", false}}) {
+    for (Case const& c : {Case{"gridded_time_rms/intrp/3", "VELTRACE.RMS", "gridded_time_rms", true},
+                          Case{"time_interval/asis", "VELTRACE.INTERVAL", "time_interval", false},
+                          Case{"gridded_time_foc/intrp/x", "VELTRACE.FOCONSTANTS", "gridded_time_foc", false},
+                          Case{"", "VELTRACE.DEFAULT", "gridded_default", false}}) {
       SCOPED_TRACE(std::string(order) + c.spec);
       fdm_testing::writeFixture(path, order);
       FdmDiskStore store;
-      store.open(described(path, c.format, c.spec));
+      StoreDescription described{vFilename(path.c_str())};
+      described.setFileFormat("fdm");
+      described.setFormatSpec(c.spec);
+      store.open(described);
       EXPECT_EQ(c.interpolating, store.isInterpolating());
       EXPECT_EQ(vLCString(c.subClass), store.getSubClass());
       ASSERT_EQ(12u, store.getNInstances());
@@ -126,10 +110,8 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
       Attribute crossline("CROSSLINE", "", vINT32), inlines("INLINE", "", vFLOAT64);
       store.read(crossline, std::vector<unsigned int>{7, 2});
       store.read(inlines, 5, 0);
-      EXPECT_EQ(104, crossline.getInt32(1));
-      EXPECT_EQ(102, crossline.getInt32(2));
-      EXPECT_EQ(21.0, inlines.getFloat64(1));
-      EXPECT_EQ(22.0, inlines.getFloat64(8));
+      EXPECT_EQ((std::vector<int>{104, 102}), (std::vector<int>{crossline.getInt32(1), crossline.getInt32(2)}));
+      EXPECT_EQ((std::vector<double>{21, 22}), (std::vector<double>{inlines.getFloat64(1), inlines.getFloat64(8)}));
       ASSERT_EQ(5, trace.getLength());
       for (unsigned int i = 1; i <= 12; ++i)
         for (int z = 0; z < 5; ++z)
@@ -142,16 +124,30 @@ TEST(FdmDiskStore, SpecPicksAttributeSubclassAndInterpolation) {
     }
 }
 
-TEST(FdmDiskStore, Failures) {
+TEST(FdmDiskStore, FailuresAndBrokenDisks) {
   fs_testing::TempDir dir;
   std::string const path = dir / "vel.fdm";
-  fdm_testing::writeFixture(path, "<");
+  fdm_testing::writeFixture(path, ">");
   FdmDiskStore store;
   Attribute trace("VELTRACE.DEFAULT", "", vFLOAT32);
   StoreDescription notFlat;
   fs_testing::expectFailure([&] { store.open(notFlat); }, "FdmDiskStore::open(StoreDescription)",
                             "StoreDescription must contain a flat file.");
-  store.open(vFilename(path.c_str()));
+  {
+    fs_testing::Fault shortReads(path, FS_FAULT_SHORTREAD, 7);
+    store.open(vFilename(path.c_str()));
+    store.read(trace, 9, 12);
+    EXPECT_EQ(value(3, 2, 4), trace.getFloat32Pointer(4)[4]);
+  }
+  {
+    // Inline index 1 (bins 5 to 8) cannot be read: its section is 80 bytes
+    // from byte 592.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 600);
+    fs_testing::expectFailure([&] { store.read(trace, 6, 6); }, "FdmDiskReader::readSection",
+                              "Request to read 80 bytes from file offset 592 failed");
+    store.read(trace, 1, 4);
+    EXPECT_EQ(value(1, 0, 2), trace.getFloat32Pointer(2)[2]);
+  }
   fs_testing::expectFailure([&] { store.read(trace, 3, 13); }, "FdmDiskStore::read",
                             "Instance range 3, 13 is incorrect, NInstances is 12");
   fs_testing::expectFailure([&] { store.read(trace, std::vector<unsigned int>{2, 13}); }, "FdmDiskStore::read",

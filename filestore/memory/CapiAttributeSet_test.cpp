@@ -8,7 +8,6 @@
 
 #include "filestore/memory/InMemoryAttributeSet.h"
 #include "foundation/Message.h"
-#include "foundation/MessageHandling.h"
 #include "foundation/vUtl.h"
 #include "project/Project.h"
 #include "project/StoreTesting.h"
@@ -36,10 +35,12 @@ class ProbeSet : public InMemoryAttributeSet {
   }
 };
 
-KeyList cdpOffsetKeys() {
+KeyList cdpOffsetKeys(std::vector<int> const& cdps = {}, std::vector<int> const& offsets = {}) {
   KeyList keys;
   keys.addKey(Attribute("CDP", "CDP", vINT32));
   keys.addKey(Attribute("OFFSET", "OFFSET", vINT32));
+  if (!cdps.empty()) keys.begin()->copyData(static_cast<unsigned int>(cdps.size()), cdps.data());
+  if (!offsets.empty()) (keys.begin() + 1)->copyData(static_cast<unsigned int>(offsets.size()), offsets.data());
   return keys;
 }
 
@@ -48,16 +49,14 @@ void fill(ProbeSet& set) {
   set.create("line", "seismic", "2d", cdpOffsetKeys(), nullptr);
   set.addAttribute(Attribute("AMP", "", vFLOAT64));
   set.addInstances(6);
-  Attribute cdp = set.getAttribute("CDP"), offset = set.getAttribute("OFFSET"), amp = set.getAttribute("AMP");
-  int const cdps[] = {1, 1, 2, 2, 3, 3};
-  int const offsets[] = {10, 20, 10, 20, 10, 20};
-  double const amps[] = {0.5, 1.0, 1.5, 2.0, 2.5, 3.0};
-  cdp.copyData(6, cdps);
-  offset.copyData(6, offsets);
-  amp.copyData(6, amps);
-  set.write(cdp, 1, 6);
-  set.write(offset, 1, 6);
-  set.write(amp, 1, 6);
+  for (auto const& column : {std::make_pair("CDP", std::vector<double>{1, 1, 2, 2, 3, 3}),
+                             std::make_pair("OFFSET", std::vector<double>{10, 20, 10, 20, 10, 20}),
+                             std::make_pair("AMP", std::vector<double>{0.5, 1.0, 1.5, 2.0, 2.5, 3.0})}) {
+    Attribute a = set.getAttribute(column.first);
+    a.resize(6);
+    for (unsigned int i = 1; i <= 6; ++i) a.setValue(i, column.second[i - 1]);
+    set.write(a, 1, 6);
+  }
 }
 
 std::vector<double> valuesOf(Attribute const& a) {
@@ -68,7 +67,7 @@ std::vector<double> valuesOf(Attribute const& a) {
 
 }  // namespace
 
-TEST(CapiAttributeSet, CreateChecksNamesAndClasses) {
+TEST(CapiAttributeSet, CreateChecksNamesAndClassesAndAFailedCreationLeavesTheSetClosed) {
   ProbeSet set;
   KeyList none;
   expectFailure([&] { set.create(" ", "seismic", "2d", none, nullptr); }, "CapiAttributeSet::create",
@@ -82,9 +81,7 @@ TEST(CapiAttributeSet, CreateChecksNamesAndClasses) {
   set.create("line", "seismic", "2d", cdpOffsetKeys(), nullptr);
   expectFailure([&] { set.create("other", "seismic", "2d", none, nullptr); },
                 "CapiAttributeSet::myCheckNameAndClass()", "AttributeSet is already open as 'line'.");
-}
-
-TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
+  // A failed creation leaves the set closed.
   ProbeSet utl;
   utl.failCreate = ProbeSet::UTL;
   expectFailure([&] { utl.create("line", "seismic", "2d", KeyList(), nullptr); }, "ProbeSet::doPostCreate", "no room");
@@ -96,7 +93,7 @@ TEST(CapiAttributeSet, AFailedCreationLeavesTheSetClosed) {
   EXPECT_FALSE(other.isOpen());
 }
 
-TEST(CapiAttributeSet, KeyChecksInTheirOrder) {
+TEST(CapiAttributeSet, KeyChecksInTheirOrderGroupsAndTheirChecksAndANameAddedOnce) {
   ProbeSet set;
   fill(set);
   Attribute amp = set.getAttribute("AMP");
@@ -106,27 +103,15 @@ TEST(CapiAttributeSet, KeyChecksInTheirOrder) {
   stranger.addKey(Attribute("SHOT", "", vINT32));
   expectFailure([&] { set.read(amp, stranger); }, label,
                 "Attribute SHOT of the KeyList is not a memeber of the AttributeSet line.");
-  KeyList empty = cdpOffsetKeys();
-  expectFailure([&] { set.read(amp, empty); }, label, "Attribute CDP of the KeyList does not have any values with it.");
-  KeyList uneven = cdpOffsetKeys();
-  int const two[] = {1, 2};
-  uneven.begin()->copyData(2, two);
-  (uneven.begin() + 1)->copyData(1, two);
-  expectFailure([&] { set.read(amp, uneven); }, label, "Attribute OFFSET of the KeyList does not have 2 values.");
-
-  KeyList keys = cdpOffsetKeys();
-  int const cdps[] = {3, 1};
-  int const offsets[] = {10, 20};
-  keys.begin()->copyData(2, cdps);
-  (keys.begin() + 1)->copyData(2, offsets);
-  set.read(amp, keys);
+  expectFailure([&] { set.read(amp, cdpOffsetKeys()); }, label,
+                "Attribute CDP of the KeyList does not have any values with it.");
+  expectFailure([&] { set.read(amp, cdpOffsetKeys({1, 2}, {1})); }, label,
+                "Attribute OFFSET of the KeyList does not have 2 values.");
+  set.read(amp, cdpOffsetKeys({3, 1}, {10, 20}));
   EXPECT_EQ((std::vector<double>{2.5, 1.0}), valuesOf(amp));
-}
 
-TEST(CapiAttributeSet, GroupsAndTheirChecks) {
-  ProbeSet set;
-  fill(set);
-  Attribute amp = set.getAttribute("AMP");
+  expectFailure([&] { set.addAttribute(Attribute("AMP", "", vINT32)); }, "CapiAttributeSet::addAttribute",
+                "The AttributeSet line already has an Attribute called AMP.");
   Attribute cdp = set.getAttribute("CDP");
   set.read(amp, cdp, 2, 0);
   EXPECT_EQ((std::vector<double>{1.5, 2.0, 2.5, 3.0}), valuesOf(amp));
@@ -155,12 +140,7 @@ TEST(CapiAttributeSet, WritesThatDoNotFitLeaveTheDataAsTheyWere) {
   expectFailure([&] { set.write(amp, cdp, 1, 2); }, "CapiAttributeSet::write(byGroups)",
                 "The number of instances (4) with groups CDP does not match the number of instances (2) for Attribute "
                 "AMP being written.");
-  KeyList keys = cdpOffsetKeys();
-  int const cdps[] = {1, 9};
-  int const offsets[] = {10, 10};
-  keys.begin()->copyData(2, cdps);
-  (keys.begin() + 1)->copyData(2, offsets);
-  expectFailure([&] { set.write(amp, keys); }, "CapiAttributeSet::write(byKeys)",
+  expectFailure([&] { set.write(amp, cdpOffsetKeys({1, 9}, {10, 10})); }, "CapiAttributeSet::write(byKeys)",
                 "Key list has duplicate or missing values in AttributeSet line. Wanted 2 value(s) but found 1.");
   Attribute back = set.getAttribute("AMP");
   set.read(back, 1, 6);
@@ -177,11 +157,4 @@ TEST(CapiAttributeSet, WritesThatDoNotFitLeaveTheDataAsTheyWere) {
   EXPECT_EQ((std::vector<double>{2, 3, 7}), valuesOf(unique));
   set.read(back, 1, 6);
   EXPECT_EQ((std::vector<double>{0.5, 1.0, 1.5, 2.0, -1, -2}), valuesOf(back));
-}
-
-TEST(CapiAttributeSet, ANameIsAddedOnce) {
-  ProbeSet set;
-  fill(set);
-  expectFailure([&] { set.addAttribute(Attribute("AMP", "", vINT32)); }, "CapiAttributeSet::addAttribute",
-                "The AttributeSet line already has an Attribute called AMP.");
 }

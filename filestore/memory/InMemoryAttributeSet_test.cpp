@@ -6,7 +6,6 @@
 
 #include "project/Project.h"
 #include "project/StoreTesting.h"
-#include "testing/TestMemoryStore.h"
 
 using store_testing::expectFailure;
 
@@ -41,15 +40,6 @@ class InMemoryAttributeSetTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(InMemoryAttributeSetTest, PointersReachTheStoredValues) {
-  EXPECT_EQ(-2.0f, static_cast<InMemoryAttributeSet const&>(m_set).getFloat32Pointer("AMP", 2)[1]);
-  m_set.addAttribute(Attribute("DEPTH", "", vFLOAT64));
-  *m_set.getFloat64Pointer("DEPTH", 2) = 7.25;
-  Attribute depth = m_set.getAttribute("DEPTH");
-  m_set.read(depth, 1, 4);
-  EXPECT_EQ(7.25, depth.getValue(2));
-}
-
 TEST_F(InMemoryAttributeSetTest, DeletingAKeyAttributeTakesItOutOfTheKeyList) {
   m_set.deleteAttribute("CDP");
   EXPECT_FALSE(m_set.hasAttribute(vUCString("CDP")));
@@ -76,14 +66,20 @@ TEST_F(InMemoryAttributeSetTest, InstancesAreDeletedAndKept) {
   EXPECT_EQ(0u, m_set.getNInstances()) << "a set without instances stays without";
 }
 
-TEST_F(InMemoryAttributeSetTest, SetAttributeAndDataNeedsTheSetsAttributeAndCount) {
+TEST_F(InMemoryAttributeSetTest, PointersReachTheStoredValuesAndSetAttributeAndDataNeedsTheSetsAttributeAndCount) {
+  EXPECT_EQ(-2.0f, static_cast<InMemoryAttributeSet const&>(m_set).getFloat32Pointer("AMP", 2)[1]);
+  m_set.addAttribute(Attribute("DEPTH", "", vFLOAT64));
+  *m_set.getFloat64Pointer("DEPTH", 2) = 7.25;
+  Attribute depth = m_set.getAttribute("DEPTH");
+  m_set.read(depth, 1, 4);
+  EXPECT_EQ(7.25, depth.getValue(2));
+
+  int const v4[] = {5, 6, 7, 8};
   Attribute three("CDP", "", vINT32);
-  int const v3[] = {1, 2, 3};
-  three.copyData(3, v3);
+  three.copyData(3, v4);
   expectFailure([&] { m_set.setAttributeAndData(three); }, "InMemoryAttributeSet::setAttributeAndData",
                 "Attribute CDP doesn't have the same number of instances as the Store shots ");
   Attribute other("OTHER", "", vINT32);
-  int const v4[] = {5, 6, 7, 8};
   other.copyData(4, v4);
   expectFailure([&] { m_set.setAttributeAndData(other); }, "InMemoryAttributeSet::setAttributeAndData",
                 "Attribute OTHER not found in shots ");

@@ -18,8 +18,6 @@ using store_testing::receive;
 
 namespace {
 
-std::string str(vString const& s) { return s.c_str(); }
-
 template <class T>
 std::vector<unsigned char> packed(T const& object) {
   Packer p;
@@ -48,9 +46,21 @@ void fill(InMemoryStore& store) {
   store.addProperty(Property("SURVEY", vString("north")));
 }
 
+// A set frame of the given version, up to its one attribute: CDP with 4, 5
+// over nInstances.
+Bytes& cdpSetFrame(Bytes& bytes, int16_t version, char const* name, unsigned int nInstances) {
+  bytes.frame(3064, version).text(name).text("seismic").text("3d");
+  bytes.append(packedProperties(PropertyI())).append(packed(KeyList()));
+  bytes.int32(1).uint32(nInstances);
+  Attribute cdp("CDP", "", vINT32);
+  int const values[] = {4, 5};
+  cdp.copyData(2, values);
+  return bytes.append(packed(cdp));
+}
+
 }  // namespace
 
-TEST(InMemoryStorePack, SetAndStoreFramesAreByteExact) {
+TEST(InMemoryStorePack, FramesAreByteExactAndAStoreComesBackWholeWithItsSecondarySets) {
   InMemoryStore store{vHandle<Project>()};
   fill(store);
   InMemoryAttributeSet const& set = *vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front());
@@ -71,13 +81,8 @@ TEST(InMemoryStorePack, SetAndStoreFramesAreByteExact) {
   expectedStore.frame(3063, 1).text("line9").text("seismic").text("2d").int32(1);
   expectedStore.append(expectedSet.body()).end();
   EXPECT_EQ(expectedStore.body(), packed(store));
-}
 
-TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
-  InMemoryStore store{vHandle<Project>()};
-  fill(store);
-  KeyList none;
-  store.createAttributeSet("notes", none);
+  store.createAttributeSet("notes", KeyList());
   store.addAttribute(Attribute("TEXT", "", vSTRING));
   store.addInstances(1);
   store.updateAttributeAndData("TEXT").setString(1, "checked");
@@ -92,21 +97,19 @@ TEST(InMemoryStorePack, AStoreComesBackWholeWithItsSecondarySets) {
   // The bytes compared below hold names, properties, keys and data.
   EXPECT_FALSE(back.getAttributeSets().back()->isOpen()) << "secondary sets come back closed";
   back.openAttributeSet("notes");
-  EXPECT_EQ("checked", str(back.readAttributeAndData("TEXT").getString(1)));
-  // And the unpacked store packs to the same bytes.
+  EXPECT_EQ("checked", std::string(back.readAttributeAndData("TEXT").getString(1).c_str()));
   back.openAttributeSet("line9");
   EXPECT_EQ(packed(store), packed(back));
-  // An unpacked set is open, but not for modification.
   Packer setOut;
-  setOut.pack(*vHandle_cast<InMemoryAttributeSet>(store.getAttributeSets().front()));
+  setOut.pack(set);
   std::unique_ptr<Packer> setIn = receive(setOut);
-  InMemoryAttributeSet set{vHandle<Project>()};
-  setIn->unpack(set);
-  EXPECT_TRUE(set.isOpen());
-  EXPECT_FALSE(set.isWriteable());
+  InMemoryAttributeSet unpacked{vHandle<Project>()};
+  setIn->unpack(unpacked);
+  EXPECT_TRUE(unpacked.isOpen());
+  EXPECT_FALSE(unpacked.isWriteable());
 }
 
-TEST(InMemoryStorePack, ForeignFramesAreRefused) {
+TEST(InMemoryStorePack, ForeignFramesAndASetWhoseAttributeDoesNotFitAreRefused) {
   Bytes foreign;
   foreign.frame(3065, 1).end();
   InMemoryAttributeSet set{vHandle<Project>()};
@@ -117,21 +120,18 @@ TEST(InMemoryStorePack, ForeignFramesAreRefused) {
   std::unique_ptr<Packer> q = foreign.reader();
   expectFailure([&] { q->unpack(store); }, "InMemoryStore::unpack()", "Bad magic value, not an InMemoryStore.");
   EXPECT_FALSE(store.isOpen());
+  Bytes bad;
+  cdpSetFrame(bad, 1, "odd", 3).end();
+  std::unique_ptr<Packer> r = bad.reader();
+  expectFailure([&] { r->unpack(set); }, "InMemoryAttributeSet::unpack()",
+                "Attribute CDP of AttributeSet 'odd' holds 2 instances, the AttributeSet 3.");
 }
 
 TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
-  PropertyI noProperties;
   Bytes later;
   later.frame(3063, 2).text("late").text("seismic").text("3d").int32(1);
-  later.frame(3064, 2).text("late").text("seismic").text("3d");
-  later.append(packedProperties(noProperties)).append(packed(KeyList()));
-  later.int32(1).uint32(2);
-  Attribute cdp("CDP", "", vINT32);
-  int const values[] = {4, 5};
-  cdp.copyData(2, values);
-  later.append(packed(cdp));
   // What a later writer added to each frame.
-  later.float64(3.5).text("more").end();
+  cdpSetFrame(later, 2, "late", 2).float64(3.5).text("more").end();
   later.int32(99).end();
   later.int32(123456);
 
@@ -142,20 +142,4 @@ TEST(InMemoryStorePack, ALaterFrameIsReadThroughTheKnownFieldsAndSkipped) {
   p->unpack(after);
   EXPECT_EQ(123456, after);
   EXPECT_EQ(5, store.readAttributeAndData("CDP").getInt32(2));
-}
-
-TEST(InMemoryStorePack, ASetWhoseAttributeDoesNotFitIsRefused) {
-  PropertyI noProperties;
-  Bytes bad;
-  bad.frame(3064, 1).text("odd").text("seismic").text("3d");
-  bad.append(packedProperties(noProperties)).append(packed(KeyList()));
-  bad.int32(1).uint32(3);
-  Attribute cdp("CDP", "", vINT32);
-  int const values[] = {4, 5};
-  cdp.copyData(2, values);
-  bad.append(packed(cdp)).end();
-  InMemoryAttributeSet set{vHandle<Project>()};
-  std::unique_ptr<Packer> p = bad.reader();
-  expectFailure([&] { p->unpack(set); }, "InMemoryAttributeSet::unpack()",
-                "Attribute CDP of AttributeSet 'odd' holds 2 instances, the AttributeSet 3.");
 }

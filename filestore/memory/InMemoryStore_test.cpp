@@ -1,3 +1,6 @@
+// The in-memory store: its sets, its direct operations, loads and writes
+// between stores, and the shared store suite over it.
+
 #include "filestore/memory/InMemoryStore.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +17,31 @@ using store_testing::expectFailure;
 
 namespace {
 
-std::string str(vString const& s) { return s.c_str(); }
+// A store created, filled with the reference content and closed: what a
+// reader finds.
+vHandle<InMemoryStore> referenceStore() {
+  vHandle<InMemoryStore> store(new InMemoryStore(vHandle<Project>()));
+  store->create("reference", "seismic", "3d", StoreConformance::referenceKeys(), nullptr);
+  StoreConformance::populate(*store);
+  store->close();
+  return store;
+}
+
+StoreConformanceCase inMemoryCase() {
+  StoreConformanceCase c("InMemoryStore");
+  c.openForReading = [] {
+    vHandle<InMemoryStore> store = referenceStore();
+    store->open("reference", 0, "", "", nullptr);
+    return vHandle_cast<AttributeSet>(store);
+  };
+  c.openForUpdate = [] {
+    vHandle<InMemoryStore> store = referenceStore();
+    store->update("reference", 0, "", "", nullptr);
+    return vHandle_cast<AttributeSet>(store);
+  };
+  c.makeUnopened = [] { return vHandle<AttributeSet>(new InMemoryStore(vHandle<Project>())); };
+  return c;
+}
 
 // The reference content in the primary set, and a secondary set "picks"
 // with TIME (Float32) over three instances, left active.
@@ -46,9 +73,10 @@ class InMemoryStoreTest : public ::testing::Test {
 
 }  // namespace
 
+INSTANTIATE_TEST_SUITE_P(InMemoryStore, StoreConformance, ::testing::Values(inMemoryCase()), StoreConformance::caseName);
+
 TEST_F(InMemoryStoreTest, ASetNamedButNotHeldIsNotFound) {
   m_store.openAttributeSet("survey");
-  Property names(Store::ATTRIBUTESET_NAMES, m_store.findProperty(Store::ATTRIBUTESET_NAMES)->getString(1));
   vString both[] = {"picks", "ghost"};
   int versions[] = {0, 0};
   m_store.removeProperty(Store::ATTRIBUTESET_NAMES);
@@ -74,21 +102,17 @@ TEST_F(InMemoryStoreTest, DirectOperationsWorkOnTheActiveSet) {
   m_store.setClass("events");
   // The primary set was not touched.
   m_store.openAttributeSet("survey");
-  EXPECT_EQ("seismic", str(m_store.getClass()));
+  EXPECT_EQ("seismic", std::string(m_store.getClass().c_str()));
   EXPECT_EQ(12u, m_store.getAttributeSetBuffer()->getNInstances());
 }
 
-TEST_F(InMemoryStoreTest, LoadsARangeOfAnotherStore) {
+TEST_F(InMemoryStoreTest, LoadsARangeOfAnotherStoreAndWritesIntoOneOnceTheRegistryInstalledItsView) {
   m_store.openAttributeSet("survey");
-  vHandle<Store> source(new InMemoryStore(m_store));
   InMemoryStore target{vHandle<Project>()};
   target.create("copy", "seismic", "3d", KeyList(), nullptr);
-  EXPECT_TRUE(target.loadRangeFromStore(true, source, 4, 6));
+  EXPECT_TRUE(target.loadRangeFromStore(true, vHandle<Store>(new InMemoryStore(m_store)), 4, 6));
   EXPECT_EQ((std::vector<double>{100, 200, 300}), read(target, "OFFSET"));
-}
 
-TEST_F(InMemoryStoreTest, WritesIntoAnotherStoreOnceTheRegistryInstalledItsView) {
-  m_store.openAttributeSet("survey");
   InMemoryStore source{vHandle<Project>()};
   source.create("two", "seismic", "3d", KeyList(), nullptr);
   StoreConformance::populate(source, {"CDP", "OFFSET"});
@@ -100,12 +124,7 @@ TEST_F(InMemoryStoreTest, WritesIntoAnotherStoreOnceTheRegistryInstalledItsView)
   registerRondoClasses();
   m_store.writeIMSRange(source, 1, 2);
   m_store.writeIMSList(source, {12, 11});
-  std::vector<double> cdp = read(m_store, "CDP");
-  EXPECT_EQ(3.0, cdp[1]);
-  EXPECT_EQ(3.0, cdp[11]);
-  std::vector<double> offset = read(m_store, "OFFSET");
-  EXPECT_EQ((std::vector<double>{100, 200}), std::vector<double>(offset.begin(), offset.begin() + 2));
-  EXPECT_EQ(200.0, offset[10]);
-  EXPECT_EQ(100.0, offset[11]);
+  EXPECT_EQ((std::vector<double>{3, 3, 1, 2, 2, 2, 3, 3, 3, 4, 3, 3}), read(m_store, "CDP"));
+  EXPECT_EQ((std::vector<double>{100, 200, 300, 100, 200, 300, 100, 200, 300, 100, 200, 100}), read(m_store, "OFFSET"));
   Store::setInMemoryStoreView(saved == nullptr ? &InMemoryStore::asAttributeSet : saved);
 }

@@ -1,9 +1,12 @@
 // The SEG-D store over files of the independent Python writer: samples of
 // both formats against values worked out by hand, the trace header fields
-// and their escapes, every kind of header block, and the refusals.
+// and their escapes, every kind of header block, tape images, broken disks
+// and the refusals.
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -15,6 +18,12 @@ namespace {
 
 using segd_testing::writtenSample;
 
+class SegdStoreTest : public ::testing::Test {
+ protected:
+  void SetUp() override { segd_testing::installVocabulary(); }
+  fs_testing::TempDir dir;
+};
+
 std::vector<int> ints(SegdDiskStore const& store, char const* name, std::vector<unsigned int> const& list) {
   Attribute a = store.getAttribute(name);
   store.read(a, list);
@@ -23,9 +32,7 @@ std::vector<int> ints(SegdDiskStore const& store, char const* name, std::vector<
   return out;
 }
 
-TEST(SegdDiskStore, Reads20BitTracesAndTheirHeaders) {
-  segd_testing::installVocabulary();
-  fs_testing::TempDir dir;
+TEST_F(SegdStoreTest, Reads20BitTracesAndTheirHeaders) {
   std::string const path = dir / "shot.segd";
   ASSERT_TRUE(segd_testing::writeSegd(path, "--format 8015 --traces 3 --record 5 --interval 0x40 --chanset 7"));
   SegdDiskStore store;
@@ -46,12 +53,10 @@ TEST(SegdDiskStore, Reads20BitTracesAndTheirHeaders) {
   EXPECT_EQ((std::vector<int>{1234, 1234, 1234}), ints(store, "FFID", list));
   EXPECT_EQ((std::vector<int>{7, 7, 7}), ints(store, "CHANNELSET", list));
   EXPECT_EQ((std::vector<int>{3, 1, 2}), ints(store, "CHANNEL", list));
-  KeyList const keys = store.getKeyList();
-  ASSERT_EQ(2u, keys.getNKeys());
-  EXPECT_EQ("FFID", std::string(keys.findName(1).c_str()));
-  EXPECT_EQ("CHANNEL", std::string(keys.findName(2).c_str()));
+  KeyList wanted = store.getKeyList();
+  ASSERT_EQ(2u, wanted.getNKeys());
+  EXPECT_EQ("FFID CHANNEL", std::string(wanted.findName(1).c_str()) + " " + wanted.findName(2).c_str());
   // By key values, through the indexing table.
-  KeyList wanted = keys;
   int64_t const ffids[] = {1234, 1234};
   int const channels[] = {3, 1};
   wanted.begin()->copyData(2, ffids);
@@ -61,9 +66,7 @@ TEST(SegdDiskStore, Reads20BitTracesAndTheirHeaders) {
   EXPECT_EQ((std::vector<int>{3, 1}), (std::vector<int>{sequence.getInt32(1), sequence.getInt32(2)}));
 }
 
-TEST(SegdDiskStore, ReadsIeeeTracesBehindEveryHeaderBlockAndTheGap) {
-  segd_testing::installVocabulary();
-  fs_testing::TempDir dir;
+TEST_F(SegdStoreTest, ReadsIeeeTracesBehindEveryHeaderBlockAndTheGap) {
   std::string const path = dir / "line.dsegd";
   // Headers: 1 + 1 additional + 2 scan types * (3 channel sets + 1 skew)
   // + 2 extended + 1 external = 13 blocks, then 2048 bytes.
@@ -89,9 +92,7 @@ TEST(SegdDiskStore, ReadsIeeeTracesBehindEveryHeaderBlockAndTheGap) {
   EXPECT_EQ((std::vector<int>{123, 123}), ints(store, "CHANNELSET", {1, 4}));
 }
 
-TEST(SegdDiskStore, RefusesWhatItCannotRead) {
-  segd_testing::installVocabulary();
-  fs_testing::TempDir dir;
+TEST_F(SegdStoreTest, RefusesWhatItCannotRead) {
   std::string const badBcd = dir / "badbcd.segd", tiny = dir / "tiny.segd", odd = dir / "odd.segd",
                     extended = dir / "ext.segd";
   ASSERT_TRUE(segd_testing::writeSegd(badBcd, "--bad-bcd"));
@@ -136,6 +137,64 @@ TEST(SegdDiskStore, RefusesWhatItCannotRead) {
   EXPECT_EQ(7, header.getHeaderValue(SegdDiskStore::TraceHeader::SAMPLE_SKEW));
   expectFailure([&] { header.getHeaderValue(99); }, "SegdDiskStore::TraceHeader::getHeaderValue",
                 "Unsupported header value: 99!");
+}
+
+// 8 traces of 256 samples in format 8015 (660 bytes each) after 64 bytes
+// of headers.
+TEST_F(SegdStoreTest, BrokenDisksGiveTheirMessagesAndKeepWholeTraces) {
+  std::string const path = dir / "faulty.segd";
+  ASSERT_TRUE(segd_testing::writeSegd(path, "--format 8015 --traces 8 --record 5"));
+  disk_testing::expectTraceFileFaults<SegdDiskStore>(
+      {path, "SegdDiskStore", 64, 660, 256, writtenSample, "CHANNEL",
+       [](unsigned int i) { return static_cast<int>(i); }, "Failed to read instances 2:6",
+       "Failed to read instances 4:5", 20, 20});
+}
+
+// Tape image blocks: each a little-endian length word, the data and the
+// length again; 0 is a file mark, 0xFFFFFFFF the end of the medium.
+std::string word(uint32_t v) {
+  std::string w;
+  for (int i = 0; i < 4; ++i) w += static_cast<char>((v >> (8 * i)) & 0xFF);
+  return w;
+}
+std::string block(std::string const& data) {
+  return word(static_cast<uint32_t>(data.size())) + data + word(static_cast<uint32_t>(data.size()));
+}
+std::string label(char const* text) { return block(text + std::string(80 - std::strlen(text), ' ')); }
+
+// A record on tape images: the headers in one block and each trace in its
+// own, labels on the first tape, the traces going on on a second.
+TEST_F(SegdStoreTest, ARecordSpreadOverTwoTapesReadsAsTheFileDoes) {
+  std::string const path = dir / "shot.segd";
+  ASSERT_TRUE(segd_testing::writeSegd(path, "--format 8015 --traces 5 --record 5 --extended 1"));
+  std::string const record = fs_testing::readFile(path);
+  std::size_t const headers = 3 * 32, trace = 660;
+  ASSERT_EQ(headers + 5 * trace, record.size());
+  std::string first = label("VOL1T00001") + label("HDR1") + block(record.substr(0, headers));
+  for (int t = 0; t < 3; ++t) first += block(record.substr(headers + t * trace, trace));
+  first += word(0);
+  std::string second;
+  for (int t = 3; t < 5; ++t) second += block(record.substr(headers + t * trace, trace));
+  second += word(0xFFFFFFFFu);
+  fs_testing::writeFile(dir / "a.tap", first);
+  fs_testing::writeFile(dir / "b.tap", second);
+
+  EXPECT_EQ(2u, SegdDiskStore::tapeNames(("tape=" + (dir / "a.tap") + "," + (dir / "b.tap")).c_str()).size());
+  EXPECT_TRUE(SegdDiskStore::tapeNames((dir / "a.tap").c_str()).empty());
+  SegdDiskStore store;
+  ::testing::internal::CaptureStdout();
+  store.open(vFilename(("T=" + (dir / "a.tap") + ":" + (dir / "b.tap")).c_str()));
+  EXPECT_EQ("Open tape: '" + (dir / "a.tap") + "'\nOpen tape: '" + (dir / "b.tap") + "'\n",
+            ::testing::internal::GetCapturedStdout());
+  ASSERT_EQ(5u, store.getNInstances());
+  EXPECT_EQ("a", std::string(store.getName().c_str()));
+  Attribute trace5 = store.getAttribute("TRACE");
+  store.read(trace5, std::vector<unsigned int>{5, 2});
+  EXPECT_EQ(-625.125f, trace5.getFloat32Pointer(1)[0]);  // -(5000 + 1) / 8
+  for (unsigned int s = 1; s <= 256; ++s) ASSERT_EQ(writtenSample(2, s), trace5.getFloat32Pointer(2)[s - 1]);
+  Attribute channel = store.getAttribute("CHANNEL");
+  store.read(channel, 1, 5);
+  for (unsigned int i = 1; i <= 5; ++i) EXPECT_EQ(static_cast<int>(i), channel.getInt32(i));
 }
 
 }  // namespace

@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "attribute/AttributeDefinitionTable.h"
-#include "attribute/AttributeTranslationTable.h"
 #include "filestore/segy/SegyFormatFile.h"
-#include "filestore/segy/SegyShotFormat.h"
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
 
@@ -53,34 +51,32 @@ TEST(SegyFormatBase, KnowsTheReelCountTheCmpAndTheSamples) {
 
 class SegyFormatFileTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    AttributeDefinitionTable::instance().dropTable();
-    tree.writeSystemFile("AttributeDefTable4.txt", segy_testing::definitions());
-    tree.writeSystemFile("KelpAttributeTranslations3.txt", segy_testing::kelpTranslations());
-    // Translation tables live for the process: read this test's again.
-    AttributeTranslationTable::instance("Kelp").reload();
-  }
+  // Translation tables live for the process: read this test's again.
+  void SetUp() override { segy_testing::installVocabulary(tree); }
   void TearDown() override { AttributeDefinitionTable::instance().dropTable(); }
 
+  static vHandle<SegyFormatFile> withHeader() {
+    vHandle<SegyFormatFile> format(new SegyFormatFile);
+    format->setBinaryHeader(headerWith(5, 4000));
+    return format;
+  }
   // A format loaded from text written as name.syf in the working directory.
   vHandle<SegyFormatFile> load(std::string const& text, std::string const& name = "layout") {
     tree.writeWorkFile(name + ".syf", text);
-    vHandle<SegyFormatFile> format(new SegyFormatFile);
-    format->setBinaryHeader(headerWith(5, 4000));
+    vHandle<SegyFormatFile> format = withHeader();
     EXPECT_TRUE(format->loadFormat(vFilename((name + ".txt").c_str())));
     return format;
   }
   void expectLoadFailure(std::string const& text, std::string const& reason) {
     tree.writeWorkFile("bad.syf", text);
-    SegyFormatFile format;
-    format.setBinaryHeader(headerWith(5, 4000));
-    expectFailure([&] { format.loadFormat(vFilename("bad")); }, "SegyFileFormat::myLoadFormat", reason);
+    vHandle<SegyFormatFile> format = withHeader();
+    expectFailure([&] { format->loadFormat(vFilename("bad")); }, "SegyFileFormat::myLoadFormat", reason);
   }
 
   TestReleaseTree tree;
 };
 
-TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
+TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndCommentsAndCutsOverlongLines) {
   vHandle<SegyFormatFile> format = load(
       "# a layout of our own\n"
       "\n"
@@ -100,9 +96,9 @@ TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
   EXPECT_EQ(std::string("PICKS"), format->getStoreSubClass().c_str());
   // Key names through the Kelp table: FFID is the scheme's FIELD_RECORD,
   // CHAN its CHANNEL.
-  ASSERT_EQ(2u, format->getKeyNames().size());
-  EXPECT_EQ(std::string("FIELD_RECORD"), format->getKeyNames()[0].c_str());
-  EXPECT_EQ(std::string("CHANNEL"), format->getKeyNames()[1].c_str());
+  std::vector<std::string> keyNames;
+  for (auto const& k : format->getKeyNames()) keyNames.push_back(k.c_str());
+  EXPECT_EQ((std::vector<std::string>{"FIELD_RECORD", "CHANNEL"}), keyNames);
 
   SegyFormatSpecs const& specs = format->getSpecs();
   ASSERT_EQ(8u, specs.entries.size()) << "six lines, CMP and TRACE added";
@@ -123,18 +119,20 @@ TEST_F(SegyFormatFileTest, ReadsEntriesClassesKeysAndComments) {
   EXPECT_EQ(98, format->getAttributeOffset("STATIC"));
   expectFailure([&] { format->getSegyType("FFID"); }, "SegyFormatFile::doGetSegyType",
                 "Attribute 'FFID' is not defined in format file 'layout.syf'.");
+  // An overlong line is cut.
+  format = load("LONGNAME ln trace 17 int4 " + std::string(1100, 'd') + "\n", "long");
+  EXPECT_EQ(1023u - 26u, format->getSpecs().entries[0].description.length());
+  EXPECT_EQ(16, format->getAttributeOffset("LONGNAME"));
 }
 
-TEST_F(SegyFormatFileTest, RefusesEachBadLineWithItsNumber) {
+TEST_F(SegyFormatFileTest, RefusesEachBadLineWithItsNumberTheDornSchemeAndALoadBeforeTheHeader) {
   expectLoadFailure("FORMAT CSV\n", "The FORMAT line (1) must be followed by KELP or DORN, not CSV.");
   expectLoadFailure("\n\nLONELY\n", "Error on line 3: column 1 cannot be blank.");
   expectLoadFailure("A a header 5 int4\n", "Error on line 1: segy location must be binary or trace, not header.");
   expectLoadFailure("A a trace 5x int4\n", "Error on line 1: position must an integer, not 5x.");
   expectLoadFailure("A a trace 5 INT4\n", "Error on line 1: Unknown format 'INT4'.");
   expectLoadFailure("A a trace 5 # int4\n", "Error on line 1: format cannot be blank.");
-}
-
-TEST_F(SegyFormatFileTest, RefusesTheDornSchemeAndNeedsTheHeaderFirst) {
+  // The Dorn scheme, and any load before the binary header.
   tree.writeWorkFile("dorn.syf", "FORMAT DORN\nA a trace 5 int4\n");
   SegyFormatFile format;
   expectFailure([&] { format.loadFormat(vFilename("dorn.syf")); }, "SegyFormatFile::loadFormat",
@@ -145,28 +143,17 @@ TEST_F(SegyFormatFileTest, RefusesTheDornSchemeAndNeedsTheHeaderFirst) {
 }
 
 TEST_F(SegyFormatFileTest, FindsTheFileAsNamedOrAmongTheSystemFiles) {
-  SegyFormatFile missing;
-  missing.setBinaryHeader(headerWith(5, 4000));
-  EXPECT_FALSE(missing.loadFormat(vFilename("nowhere.syf")));
+  EXPECT_FALSE(withHeader()->loadFormat(vFilename("nowhere.syf")));
   tree.writeSystemFile("shipped.syf", "STORECLASS shipped\n");
-  SegyFormatFile shipped;
-  shipped.setBinaryHeader(headerWith(5, 4000));
-  EXPECT_TRUE(shipped.loadFormat(vFilename("shipped.dat")));
-  EXPECT_EQ(std::string("SHIPPED"), shipped.getStoreClass().c_str());
+  vHandle<SegyFormatFile> shipped = withHeader();
+  EXPECT_TRUE(shipped->loadFormat(vFilename("shipped.dat")));
+  EXPECT_EQ(std::string("SHIPPED"), shipped->getStoreClass().c_str());
   // A local copy wins over the shipped one.
   tree.writeWorkFile("shipped.syf", "STORECLASS local\n");
-  SegyFormatFile local;
-  local.setBinaryHeader(headerWith(5, 4000));
-  EXPECT_TRUE(local.loadFormat(vFilename("shipped")));
-  EXPECT_EQ(std::string("LOCAL"), local.getStoreClass().c_str());
-  EXPECT_EQ((std::vector<std::string>{"CMP", "TRACE"}), names(local.getAttributeList()));
-}
-
-TEST_F(SegyFormatFileTest, CutsOverlongLines) {
-  std::string line = "LONGNAME ln trace 17 int4 " + std::string(1100, 'd') + "\n";
-  vHandle<SegyFormatFile> format = load(line);
-  EXPECT_EQ(1023u - 26u, format->getSpecs().entries[0].description.length());
-  EXPECT_EQ(16, format->getAttributeOffset("LONGNAME"));
+  vHandle<SegyFormatFile> local = withHeader();
+  EXPECT_TRUE(local->loadFormat(vFilename("shipped")));
+  EXPECT_EQ(std::string("LOCAL"), local->getStoreClass().c_str());
+  EXPECT_EQ((std::vector<std::string>{"CMP", "TRACE"}), names(local->getAttributeList()));
 }
 
 }  // namespace

@@ -31,17 +31,11 @@ TEST(SegyHalcyonInstanceMapper, NeedsItsLayoutFirst) {
   EXPECT_EQ((std::vector<long long>{-1, 3600 + 2048}), mapper.convert(std::vector<unsigned int>{0, 1}));
 }
 
-class SegyBlockedTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    writer.dataTracesPerRecord = 4;  // blocks of three traces
-    writer.nSamples = 6;
-  }
+TEST(SegyBlocked, ReadsEveryTraceAcrossBlocksReportsAnOddSizeAndNamesAFailedSpan) {
   fs_testing::TempDir dir;
   segy_testing::SegyWriter writer;
-};
-
-TEST_F(SegyBlockedTest, ReadsEveryTraceAcrossBlocks) {
+  writer.dataTracesPerRecord = 4;  // blocks of three traces
+  writer.nSamples = 6;
   std::string const path = dir / "blocked.DSEGY";
   fs_testing::writeFile(path, writer.blockedFile(4));
   segy_testing::Recording recording;
@@ -67,16 +61,12 @@ TEST_F(SegyBlockedTest, ReadsEveryTraceAcrossBlocks) {
   EXPECT_EQ(goldenHeader(4, 20), cmp.getInt32(2));
   expectFailure([&] { store.read(cmp, std::vector<unsigned int>{5, 3}); }, "SegyDiskStore::read",
                 "Halcyon format not supported!");
-}
 
-TEST_F(SegyBlockedTest, AnOddSizeIsReportedAndAFailedSpanNamed) {
-  std::string const path = dir / "odd.dsegy";
-  fs_testing::writeFile(path, writer.blockedFile(2) + std::string(10, 'z'));
-  segy_testing::Recording recording;
-  SegyDiskStore store;
-  store.open(vFilename(path.c_str()));
+  std::string const odd = dir / "odd.dsegy";
+  fs_testing::writeFile(odd, writer.blockedFile(2) + std::string(10, 'z'));
+  store.open(vFilename(odd.c_str()));
   long long const block = 2048 + 3 * 264;
-  EXPECT_EQ((std::vector<std::string>{"SegyHalcyonInstanceMapper::calculateNBlocks: The file '" + path +
+  EXPECT_EQ((std::vector<std::string>{"SegyHalcyonInstanceMapper::calculateNBlocks: The file '" + odd +
                                       "' is either incomplete or corrupt.\nFilesize is " +
                                       std::to_string(3600 + 2 * block + 10) + " bytes but we expect " +
                                       std::to_string(3600 + 2 * block) + " when the tracelength is 264"}),
@@ -84,8 +74,7 @@ TEST_F(SegyBlockedTest, AnOddSizeIsReportedAndAFailedSpanNamed) {
   EXPECT_EQ(6u, store.getNInstances());
   // The layout grew by one trace a block: the second block's first
   // instance is read from where a block of four would put it.
-  fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 3600 + 2048 + 2 * 264);
-  Attribute cmp = store.getAttribute("CMP");
+  fs_testing::Fault failing(odd, FS_FAULT_FAILREAD, 3600 + 2048 + 2 * 264);
   expectFailure([&] { store.read(cmp, 1, 4); }, "SegyDiskStore::myReadHalcyonData",
                 "Failed to read 1056 bytes at position 5648 in the halcyon segy file");
 }

@@ -19,9 +19,12 @@
 
 #include <gtest/gtest.h>
 
+#include "attribute/AttributeDefinitionTable.h"
+#include "attribute/AttributeTranslationTable.h"
 #include "filestore/disk/TraceFileFaultTesting.h"
 #include "filestore/segy/SegyKernels.h"
 #include "foundation/ErrorHandler.h"
+#include "foundation/TestReleaseTree.h"
 #include "foundation/vUtl.h"
 
 namespace segy_testing {
@@ -162,6 +165,14 @@ inline char const* definitions() {
 inline char const* kelpTranslations() {
   return "FIELD_RECORD  capi(int64())  dorn:(int32())  FFID  vInt32  1\n"
          "CHANNEL       capi(null())   dorn:(null())   CHAN  vInt32  1\n";
+}
+
+// Puts both into tree and has the tables read them again.
+inline void installVocabulary(TestReleaseTree& tree) {
+  AttributeDefinitionTable::instance().dropTable();
+  tree.writeSystemFile("AttributeDefTable4.txt", definitions());
+  tree.writeSystemFile("KelpAttributeTranslations3.txt", kelpTranslations());
+  AttributeTranslationTable::instance("Kelp").reload();
 }
 
 }  // namespace segy_testing
