@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "filestore/offload/OffloadDiskStore.h"
+#include "filestore/offload/OffloadTesting.h"
 #include "testing/StoreConformance.h"
 
 namespace {
@@ -19,10 +19,7 @@ namespace {
 std::string const& referenceFile() {
   static std::string const file = [] {
     std::string const base = ::testing::TempDir() + "offload_conformance_" + std::to_string(::getpid());
-    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
-                            "/filestore/offload/testdata/offload_fixture.py " +
-                            base + ".offload " + base + ".txt '>' 2 995 0 reference";
-    if (std::system(cmd.c_str()) != 0) ADD_FAILURE() << "python3 with numpy is needed: " << cmd;
+    offload_testing::writeFixture(base + ".offload", base + ".txt", ">", 2, 995, 0, "reference");
     std::remove((base + ".txt").c_str());
     return base + ".offload";
   }();

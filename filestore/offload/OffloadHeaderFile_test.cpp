@@ -7,24 +7,14 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <string>
 
 #include "filestore/offload/OffloadDiskStore.h"
-#include "foundation/UtlExcept.h"
+#include "filestore/offload/OffloadTesting.h"
+#include "foundation/TestFailure.h"
 
 namespace {
-
-std::string reason(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return e.getReason().c_str();
-  }
-  return "no failure";
-}
 
 std::string tempName(char const* what) {
   return ::testing::TempDir() + "offload_header_" + std::to_string(::getpid()) + "_" + what;
@@ -39,8 +29,8 @@ std::string cwd() {
 
 TEST(OffloadHeaderFile, TextsReadAsWritten) {
   OffloadHeaderFile h;
-  EXPECT_EQ("Version is not known at this point. Application should open or create OffloadHeader file first.",
-            reason([&] { h.getVersion(); }));
+  expectFailure([&] { h.getVersion(); }, "OffloadHeaderFile::getVersion",
+                "Version is not known at this point. Application should open or create OffloadHeader file first.");
   std::string const v1 = "Sun Mar  3 10:00:00 1996\nmoffld_job7 extra\n100 50 3\n  1500 /d/a.offload\tb\n0 2500.5\n";
   h.parse(vFilename("h1"), v1.data(), v1.size());
   EXPECT_EQ(1, h.getVersion().getVersion());
@@ -72,8 +62,8 @@ TEST(OffloadHeaderFile, TextsReadAsWritten) {
   // The first words of a data file, in either order.
   for (std::string const& data :
        {std::string("\x64\0\0\0\xa7\x2e\x01\0", 8), std::string("\0\0\0\x64\0\x01\x2e\xa7", 8)})
-    EXPECT_EQ("File 'd' does not appear to be a header file",
-              reason([&] { h.parse(vFilename("d"), data.data(), data.size()); }));
+    expectFailure([&] { h.parse(vFilename("d"), data.data(), data.size()); }, "OffloadHeaderFile::open",
+                  "File 'd' does not appear to be a header file");
 }
 
 TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
@@ -102,10 +92,7 @@ TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
   std::string files;
   for (char const* order : {"<", ">"}) {
     std::string const data = base + (order[0] == '<' ? "_le" : "_be") + ".offload";
-    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
-                            "/filestore/offload/testdata/offload_fixture.py " +
-                            data + " " + base + ".txt '" + order + "' 1 991 0";
-    ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+    offload_testing::writeFixture(data, base + ".txt", order, 1, 991, 0);
     files += data + "\n";
   }
   auto header = [&](char const* offsets) {
@@ -126,10 +113,8 @@ TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
   store.close();
   header("100 50 4");
   std::string const first = files.substr(0, files.find('\n'));
-  EXPECT_EQ("Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.", reason([&] {
-              OffloadDiskStore s;
-              s.open(vFilename((base + ".hdr").c_str()));
-            }));
+  expectFailure([&] { OffloadDiskStore().open(vFilename((base + ".hdr").c_str())); }, "OffloadDiskStore::open",
+                "Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.");
   std::remove((base + ".hdr").c_str());
   std::remove((base + ".txt").c_str());
 }

@@ -6,18 +6,17 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "filestore/offload/OffloadDiskStore.h"
-#include "foundation/UtlExcept.h"
+#include "filestore/offload/OffloadTesting.h"
+#include "syslayer/FSTesting.h"
+
+using fs_testing::readFile;
+using fs_testing::writeFile;
 
 namespace {
 
@@ -26,44 +25,12 @@ struct Fixture {
   ~Fixture() { std::remove(file.c_str()), std::remove(expect.c_str()); }
 };
 
-std::string slurp(std::string const& file) {
-  std::ifstream in(file, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 Fixture writeFixture(char const* order, int version, int shape, int compressed) {
   static int serial = 0;
   std::string const base =
       ::testing::TempDir() + "offload_peer_" + std::to_string(::getpid()) + "_" + std::to_string(++serial);
-  std::string const cmd =
-      std::string("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py ") +
-      base + ".offload " + base + ".txt '" + order + "' " + std::to_string(version) + " " + std::to_string(shape) + " " +
-      std::to_string(compressed);
-  EXPECT_EQ(0, std::system(cmd.c_str())) << "the Python fixture (python3 with numpy) failed: " << cmd;
+  offload_testing::writeFixture(base + ".offload", base + ".txt", order, version, shape, compressed);
   return Fixture{base + ".offload", base + ".txt"};
-}
-
-std::vector<std::vector<double>> expected(std::string const& file) {
-  std::vector<std::vector<double>> rows;
-  std::ifstream in(file);
-  std::string line;
-  while (std::getline(in, line)) {
-    std::istringstream words(line);
-    std::vector<double> row;
-    double v;
-    while (words >> v) row.push_back(v);
-    rows.push_back(row);
-  }
-  return rows;
-}
-
-std::string reason(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return e.getReason().c_str();
-  }
-  return "no failure";
 }
 
 }  // namespace
@@ -78,7 +45,7 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
                           Variant{">", 2, 991, 1}}) {
     SCOPED_TRACE(std::string(v.order) + " v" + std::to_string(v.version) + " shape " + std::to_string(v.shape));
     Fixture const f = writeFixture(v.order, v.version, v.shape, v.compressed);
-    std::vector<std::vector<double>> const rows = expected(f.expect);
+    std::vector<std::vector<double>> const rows = offload_testing::rows(f.expect);
     ASSERT_EQ(12u, rows.size());
     OffloadDiskStore store;
     store.open(vFilename(f.file.c_str()));
@@ -108,11 +75,11 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
     EXPECT_EQ(49, one.getInt32(1));
     EXPECT_EQ(14, one.getInt32(2));
     PropertyList const& p = store.getFile().getProperties();
-    EXPECT_EQ(vString(v.order[0] == '<' ? "little" : "big"), p.findProperty(vUCString("ENDIAN"))->getString());
-    EXPECT_EQ(vString(v.shape == 995 ? "polygonal" : "rectangular"),
-              p.findProperty(vUCString("MOFFLD_SHAPE"))->getString());
-    EXPECT_EQ(vString("14"), p.findProperty(vUCString("LAST_INLINE"))->getString());
-    EXPECT_EQ(vString("ALONG_INLINES"), p.findProperty(vUCString("CMP_ORDERING"))->getString());
+    auto text = [&p](char const* n) { return std::string(p.findProperty(vUCString(n))->getString().c_str()); };
+    EXPECT_EQ((std::vector<std::string>{v.order[0] == '<' ? "little" : "big",
+                                        v.shape == 995 ? "polygonal" : "rectangular", "14", "ALONG_INLINES"}),
+              (std::vector<std::string>{text("ENDIAN"), text("MOFFLD_SHAPE"), text("LAST_INLINE"),
+                                        text("CMP_ORDERING")}));
     EXPECT_EQ(v.compressed != 0, p.hasProperty(vUCString("COMPRESSED")));
     if (v.compressed) {
       // The packed samples themselves, and their scaler.
@@ -148,12 +115,13 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
     ASSERT_EQ(5u, scattered.getNInstances());
     EXPECT_EQ(14, scattered.getInt32(5));
     EXPECT_EQ(21, scattered.getInt32(1));
-    EXPECT_EQ("Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!",
-              reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {6, 1}); }));
-    EXPECT_EQ("Scattered write to position 0 is outsize of the range 1:5!",
-              reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {0, 1}); }));
-    EXPECT_EQ("Scattered write to instance 13 is outsize of the range 1:12!",
-              reason([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }));
+    char const* const label = "OffloadAttributeFile::readRangeScattered";
+    expectFailure([&] { store.getFile().readRangeScattered(scattered, 2, 3, {6, 1}); }, label,
+                  "Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!");
+    expectFailure([&] { store.getFile().readRangeScattered(scattered, 2, 3, {0, 1}); }, label,
+                  "Scattered write to position 0 is outsize of the range 1:5!");
+    expectFailure([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }, label,
+                  "Scattered write to instance 13 is outsize of the range 1:12!");
     // The mute restored: two zeros in front, the whole trace from 0.
     StoreOpenOptions restore;
     restore.setRestoreMute(true);
@@ -175,10 +143,10 @@ TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
   for (auto const& [shape, compressed] : {std::pair{991, 0}, std::pair{995, 1}}) {
     SCOPED_TRACE("shape " + std::to_string(shape));
     Fixture const f = writeFixture(">", 2, shape, compressed);
-    std::string bytes = slurp(f.file);
+    std::string bytes = readFile(f.file);
     for (std::size_t k = 0; k + 4 <= bytes.size(); k += 4) std::reverse(bytes.begin() + k, bytes.begin() + k + 4);
-    std::ofstream(f.file, std::ios::binary) << bytes;
-    std::vector<std::vector<double>> const rows = expected(f.expect);
+    writeFile(f.file, bytes);
+    std::vector<std::vector<double>> const rows = offload_testing::rows(f.expect);
     OffloadDiskStore store;
     store.open(vFilename(f.file.c_str()));
     EXPECT_EQ(vString("yes"), store.getFile().getProperties().findProperty(vUCString("HAS_BEEN_FSCP"))->getString());
@@ -196,33 +164,28 @@ TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
 
 TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
   Fixture const f = writeFixture("<", 1, 991, 0);
-  std::string const bytes = slurp(f.file);
-  auto patched = [&](std::size_t at, int value, std::size_t keep) {
-    std::string copy = bytes.substr(0, keep);
-    if (at + 4 <= copy.size()) std::memcpy(&copy[at], &value, 4);
-    std::ofstream(f.file, std::ios::binary) << copy;
-    return reason([&] {
-      OffloadDiskStore store;
-      store.open(vFilename(f.file.c_str()));
-      Attribute t("TRACE", "", vFLOAT32);
-      store.read(t, 1, 12);
-    });
+  std::string const bytes = readFile(f.file), name = f.file;
+  auto refused = [&](std::size_t at, int value, std::size_t cut, char const* in, std::string const& reason) {
+    std::string copy = bytes.substr(0, bytes.size() - cut);
+    std::memcpy(&copy[at], &value, 4);
+    writeFile(name, copy);
+    expectFailure([&] { OffloadDiskStore().open(vFilename(name.c_str())); }, in, reason);
   };
-  std::string const name = f.file;
-  EXPECT_EQ("Expected header length of '" + name + "' to be >0 and <=1000, it was 65536000.",
-            patched(0, 65536000, bytes.size()));
-  EXPECT_EQ("File " + name + " does not appear to be a offload file. Expected 77479 found 5.",
-            patched(4, 5, bytes.size()));
-  EXPECT_EQ("Can only handle versions upto 2. This file '" + name + "' is version 3.", patched(236, 3, bytes.size()));
+  refused(0, 65536000, 0, "OffloadAttributeFile::myCheckForByteSwap",
+          "Expected header length of '" + name + "' to be >0 and <=1000, it was 65536000.");
+  refused(4, 5, 0, "OffloadAttributeFile::myCheckHeader",
+          "File " + name + " does not appear to be a offload file. Expected 77479 found 5.");
+  refused(236, 3, 0, "OffloadAttributeFile::mySetVersionBits",
+          "Can only handle versions upto 2. This file '" + name + "' is version 3.");
   int subline;
   std::memcpy(&subline, "XUBL", 4);
   // The table of this file starts at record 38 of 10 words; the first name at its word 3.
-  EXPECT_EQ("Could not find Attribute SUBLINE to check for byteswapping.",
-            patched(37 * 40 + 12, subline, bytes.size()));
+  refused(37 * 40 + 12, subline, 0, "OffloadAttributeFile::myCheckForFSCP",
+          "Could not find Attribute SUBLINE to check for byteswapping.");
   // Cut into the record of bin 11: every bin has its record, so the file is
   // refused at open: 58 records of 40 bytes wanted, 56 there.
-  EXPECT_EQ("The offload file " + name + " is cut short: its header calls for 58 records of 40 bytes, it holds 56.",
-            patched(0, 100, bytes.size() - 46));
+  refused(0, 100, 46, "OffloadAttributeFile::myOpenFile",
+          "The offload file " + name + " is cut short: its header calls for 58 records of 40 bytes, it holds 56.");
 }
 
 // Every word of the file (header, table, maps, records) set to values a
@@ -231,13 +194,13 @@ TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
 TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
   for (int compressed : {0, 1}) {
     Fixture const f = writeFixture(">", 2, 995, compressed);
-    std::string const bytes = slurp(f.file);
+    std::string const bytes = readFile(f.file);
     int failures = 0;
     for (std::size_t word = 0; word < bytes.size() / 4; ++word)
       for (uint32_t value : {0u, 0xffffffffu, 0x40000000u, 0x07000000u, 0x02000000u}) {
         std::string copy = bytes;
         std::memcpy(&copy[4 * word], &value, 4);
-        std::ofstream(f.file, std::ios::binary | std::ios::trunc) << copy;
+        writeFile(f.file, copy);
         try {
           OffloadDiskStore store;
           store.open(vFilename(f.file.c_str()));
