@@ -1,4 +1,5 @@
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -157,6 +158,37 @@ TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
     setenv("FS_SCRATCHDIR", saved.c_str(), 1);
   else
     unsetenv("FS_SCRATCHDIR");
+}
+
+TEST(FSFunctions, HostsMapToTheirClusterOrStayThemselves) {
+  char const* old = std::getenv("FS_CLUSTERS");
+  std::string const saved = old ? old : "";
+  unsetenv("FS_CLUSTERS");
+  EXPECT_EQ(FS::getCluster("node7"), vString("node7"));
+  // Blanks and tabs separate pairs; malformed pairs are skipped, and the
+  // first pair for a host wins. Prefixes and cluster names are no hosts.
+  setenv("FS_CLUSTERS", " node1=big,node2=big\tsolo=alone =x node3= junk node2=c3 ", 1);
+  for (auto const& [host, cluster] : std::vector<std::pair<char const*, char const*>>{
+           {"node2", "big"}, {"solo", "alone"}, {"node12", "node12"}, {"big", "big"}, {"node3", "node3"}})
+    EXPECT_EQ(FS::getCluster(host), vString(cluster)) << host;
+  if (old)
+    setenv("FS_CLUSTERS", saved.c_str(), 1);
+  else
+    unsetenv("FS_CLUSTERS");
+}
+
+TEST(FSFunctions, WildcardsInDirectoryParts) {
+  TempDir dir;
+  ASSERT_EQ(::mkdir((dir / "b").c_str(), 0755), 0);
+  ASSERT_EQ(::mkdir((dir / "a").c_str(), 0755), 0);
+  fs_testing::writeFile(dir / "b/x.dat", "");
+  fs_testing::writeFile(dir / "a/x.dat", "");
+  fs_testing::writeFile(dir / "a/y.txt", "");
+  std::vector<vFilename> found;
+  FS::getMatchingFiles((dir / "*/*.dat").c_str(), found);
+  std::vector<std::string> names;
+  for (vFilename const& f : found) names.push_back(f.c_str());
+  EXPECT_EQ(names, (std::vector<std::string>{dir / "a/x.dat", dir / "b/x.dat"}));
 }
 
 }  // namespace

@@ -11,14 +11,8 @@
 
 namespace {
 
+using fs_testing::lastFailure;
 using fs_testing::TempDir;
-
-std::string lastFailure() {
-  int status;
-  char text[400];
-  fs_rrc_(status, text, sizeof text);
-  return text;
-}
 
 int64_t info(int id, int item) {
   int64_t v = -1;
@@ -167,6 +161,17 @@ TEST(FSServiceLocks, LocksConflictBetweenOpensAndReadLocksSwitch) {
   EXPECT_EQ(flag, 0);
   fs_islocked_((dir / "none").c_str(), FS_READLOCK, flag, status);
   EXPECT_EQ(status, FS_NOTEXIST);
+  int a, b;
+  ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &a), FS_GOOD);
+  ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &b), FS_GOOD);
+  ASSERT_EQ(FS_testlock(b, FS_WRITELOCK, &flag), FS_GOOD);
+  EXPECT_EQ(flag, 0);
+  ASSERT_EQ(FS_lockit(a), FS_GOOD);
+  ASSERT_EQ(FS_testlock(b, FS_READLOCK, &flag), FS_GOOD);
+  EXPECT_EQ(flag, 1);
+  EXPECT_EQ(FS_testlock(a, 3, &flag), FS_BADARG);
+  FS_close(a);
+  FS_close(b);
 }
 
 TEST(FSServiceTree, MkdirRmMvCp) {
@@ -233,23 +238,6 @@ TEST(FSServiceMisc, SizesAndBytePositions) {
   ASSERT_EQ(FS_bpos(id, &b), FS_GOOD);
   EXPECT_EQ(b, 9);
   ASSERT_EQ(FS_close(id), FS_GOOD);
-}
-
-TEST(FSServiceMisc, LockTestsOnOpenFiles) {
-  TempDir dir;
-  std::string const name = dir / "l";
-  fs_testing::writeFile(name, "x");
-  int a, b, flag = -1;
-  ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &a), FS_GOOD);
-  ASSERT_EQ(FS_open(name.c_str(), FS_C, 0, 0, 0, &b), FS_GOOD);
-  ASSERT_EQ(FS_testlock(b, FS_WRITELOCK, &flag), FS_GOOD);
-  EXPECT_EQ(flag, 0);
-  ASSERT_EQ(FS_lockit(a), FS_GOOD);
-  ASSERT_EQ(FS_testlock(b, FS_READLOCK, &flag), FS_GOOD);
-  EXPECT_EQ(flag, 1);
-  EXPECT_EQ(FS_testlock(a, 3, &flag), FS_BADARG);
-  FS_close(a);
-  FS_close(b);
 }
 
 TEST(FSServiceMisc, NamesOptionsAndDirectories) {

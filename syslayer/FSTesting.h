@@ -3,7 +3,8 @@
 
 // Test helpers of the system layer and the file stores above it: a scratch
 // directory removed with all it holds, small file writers, a scoped test
-// fault of the file service, and a checker of failures by method and text.
+// fault of the file service, the service's last failure, and checkers of
+// failures by method and text and of errors reported.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -16,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/Message.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
@@ -90,6 +92,24 @@ class Fault {
   Fault(Fault const&) = delete;
   Fault& operator=(Fault const&) = delete;
 };
+
+// The text of the file service's last failure.
+inline std::string lastFailure() {
+  char text[400];
+  FS_rrc(text, sizeof text);
+  return text;
+}
+
+// How many errors f reports, its reports kept quiet.
+template <class F>
+int quietErrors(F f) {
+  int const before = Message::getNErrors();
+  {
+    MessageHandling quiet;
+    f();
+  }
+  return Message::getNErrors() - before;
+}
 
 using ::expectFailure;
 

@@ -15,14 +15,9 @@
 namespace {
 
 using fs_testing::Fault;
+using fs_testing::lastFailure;
 using fs_testing::TempDir;
 using fs_testing::writeFile;
-
-std::string lastText() {
-  char text[400];
-  FS_rrc(text, sizeof text);
-  return text;
-}
 
 int openDescriptors() {
   int n = 0;
@@ -103,7 +98,7 @@ TEST(FSVolumes, KeepOpenGivesBackTheDescriptor) {
   ASSERT_EQ(FS_cclose(id), FS_GOOD);
   ::unlink(name.c_str());
   EXPECT_EQ(FS_read(id, buf, 3, &got), FS_ERRNO + ENOENT);
-  EXPECT_EQ(lastText(), "FS_read: No such file or directory (" + name + ")");
+  EXPECT_EQ(lastFailure(), "FS_read: No such file or directory (" + name + ")");
   EXPECT_EQ(FS_close(id), FS_GOOD);
   // A lock of its own keeps it open; a file not in keep-open mode closes.
   writeFile(name, "x");
@@ -165,7 +160,7 @@ TEST(FSVolumes, NearlineAndRemoteNames) {
   int id;
   EXPECT_EQ(FS_mv(FS_RMFILE, "/tmp/x", remote.c_str()), FS_REMOTE);
   EXPECT_EQ(FS_dvopen(remote.c_str(), 1, FS_C, 0, &id), FS_REMOTE);
-  EXPECT_EQ(lastText(), "FS_dvopen: Remote files are not supported (host node7: node7:/data/x.sgy)");
+  EXPECT_EQ(lastFailure(), "FS_dvopen: Remote files are not supported (host node7: node7:/data/x.sgy)");
   fs_testing::expectFailure([&] { FS::open(vFilename(remote.c_str()), FS::ByteFile); }, "FS::open",
                             "FS_open: Remote files are not supported (host node7: node7:/data/x.sgy)");
 }

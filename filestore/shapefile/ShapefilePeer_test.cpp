@@ -17,13 +17,32 @@ using shapefile_testing::ogrShapefile;
 using shapefile_testing::requireGdal;
 using shapefile_testing::run;
 using shapefile_testing::scratch;
+using shapefile_testing::variableAttribute;
 
-std::vector<double> values(ShapefileDiskStore const& store, char const* name, unsigned int instance) {
+// The values of shapes first to last (first alone by default), one after another.
+std::vector<double> values(ShapefileDiskStore const& store, char const* name, unsigned int first,
+                           unsigned int last = 0) {
   Attribute a = store.getAttribute(name);
-  store.read(a, instance, instance);
+  store.read(a, first, last ? last : first);
   std::vector<double> v;
-  for (int k = 1; k <= a.getLength(1); ++k) v.push_back(a.getValue(1, k));
+  a.getValues(v);
   return v;
+}
+
+// Map data: points of x, y and a value each, as PointZ or, "measured", PointM.
+void writeMapData(std::string const& shp, char const* subClass, std::vector<float> const& x,
+                  std::vector<float> const& y, std::vector<float> const& v) {
+  ShapefileDiskStore store;
+  StoreDescription description(vFilename(shp.c_str()));
+  description.setStoreClass("mapdata");
+  store.create(description, subClass);
+  unsigned int const n = static_cast<unsigned int>(x.size());
+  store.addInstances(n);
+  Attribute xs("XVAL", "", vFLOAT32), ys("YVAL", "", vFLOAT32), vs("ATVAL", "", vFLOAT32);
+  xs.copyData(n, x.data());
+  ys.copyData(n, y.data());
+  vs.copyData(n, v.data());
+  for (Attribute* a : {&xs, &ys, &vs}) store.write(*a, 1, n);
 }
 
 // Turns the one-digit numeric field at byte offset `at` of each record into
@@ -68,27 +87,21 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
     EXPECT_EQ(1, store.getAttribute(f.name).getLength()) << f.name;
   }
   EXPECT_EQ(static_cast<unsigned int>(sizeof fields / sizeof fields[0]), store.getNAttributes());
-  Attribute x = store.getAttribute("X"), y = store.getAttribute("Y"), z = store.getAttribute("Z");
-  Attribute name = store.getAttribute("NAME"), count = store.getAttribute("COUNT"), big = store.getAttribute("BIG");
-  Attribute ratio = store.getAttribute("RATIO"), day = store.getAttribute("DAY"), flag = store.getAttribute("FLAG");
-  for (Attribute* a : {&x, &y, &z, &name, &count, &big, &ratio, &day, &flag}) store.read(*a, 1, 3);
-  double const xs[] = {500000.5, 1.5, -0.75}, ys[] = {6100000.25, -2.5, 0};
-  char const* const names[] = {"alpha", "beta", ""};
-  int const counts[] = {7, -3, 0}, days[] = {20240315, 19991231, 0}, flags[] = {1, 0, 1};
-  long long const bigs[] = {9007199254740993LL, -4, 5};
-  double const ratios[] = {2.5, -0.125, 1e6};
-  for (unsigned int i = 1; i <= 3; ++i) {
-    SCOPED_TRACE(i);
-    EXPECT_EQ(xs[i - 1], x.getFloat64(i));
-    EXPECT_EQ(ys[i - 1], y.getFloat64(i));
-    EXPECT_EQ(0.0, z.getFloat64(i));
-    EXPECT_EQ(names[i - 1], std::string(name.getString(i).c_str()));
-    EXPECT_EQ(counts[i - 1], count.getInt32(i));
-    EXPECT_EQ(bigs[i - 1], big.getInt64(i));
-    EXPECT_EQ(ratios[i - 1], ratio.getFloat64(i));
-    EXPECT_EQ(days[i - 1], day.getInt32(i));
-    EXPECT_EQ(flags[i - 1], flag.getInt32(i));
-  }
+  EXPECT_EQ((std::vector<double>{500000.5, 1.5, -0.75}), values(store, "X", 1, 3));
+  EXPECT_EQ((std::vector<double>{6100000.25, -2.5, 0}), values(store, "Y", 1, 3));
+  EXPECT_EQ((std::vector<double>{0, 0, 0}), values(store, "Z", 1, 3));
+  EXPECT_EQ((std::vector<double>{7, -3, 0}), values(store, "COUNT", 1, 3));
+  EXPECT_EQ((std::vector<double>{2.5, -0.125, 1e6}), values(store, "RATIO", 1, 3));
+  EXPECT_EQ((std::vector<double>{20240315, 19991231, 0}), values(store, "DAY", 1, 3));
+  EXPECT_EQ((std::vector<double>{1, 0, 1}), values(store, "FLAG", 1, 3));
+  // Past 2^53: a double would lose the last digit.
+  Attribute name = store.getAttribute("NAME"), big = store.getAttribute("BIG");
+  store.read(name, 1, 3);
+  store.read(big, 1, 3);
+  EXPECT_EQ((std::vector<long long>{9007199254740993LL, -4, 5}),
+            (std::vector<long long>{big.getInt64(1), big.getInt64(2), big.getInt64(3)}));
+  EXPECT_EQ((std::vector<std::string>{"alpha", "beta", ""}),
+            (std::vector<std::string>{name.getString(1).c_str(), name.getString(2).c_str(), name.getString(3).c_str()}));
   // The .prj that ogr2ogr wrote.
   EXPECT_EQ("geographic", std::string(store.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
   EXPECT_EQ(0u, std::string(store.findProperty(vUCString("COORDINATE_SYSTEM"))->getString().c_str()).find("GEOGCS"));
@@ -151,22 +164,6 @@ std::string ogrFeatures(std::string const& shp) {
   return out;
 }
 
-// A variable length attribute of vFLOAT64 or vINT32 with one array a shape.
-Attribute variableAttribute(char const* name, DataType type, std::vector<std::vector<double>> const& shapes) {
-  Attribute a(name, "", type, Attribute::VARIABLE_LENGTH);
-  int* lengths = new int[shapes.size()];
-  for (std::size_t s = 0; s < shapes.size(); ++s) lengths[s] = static_cast<int>(shapes[s].size());
-  a.resize(static_cast<unsigned int>(shapes.size()), nullptr, lengths);
-  for (unsigned int s = 1; s <= shapes.size(); ++s)
-    for (std::size_t k = 0; k < shapes[s - 1].size(); ++k) {
-      if (type == vINT32)
-        a.getInt32Pointer(s)[k] = static_cast<int>(shapes[s - 1][k]);
-      else
-        a.getFloat64Pointer(s)[k] = shapes[s - 1][k];
-    }
-  return a;
-}
-
 TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
   requireGdal();
   std::string const base = scratch("written");
@@ -174,21 +171,17 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     ShapefileDiskStore store;
     StoreDescription description(vFilename((base + "_poly.shp").c_str()));
     store.create(description, "polygons");
-    store.addAttribute(Attribute("NAME", "", vSTRING));
-    store.addAttribute(Attribute("CDP", "", vINT32));
-    store.addAttribute(Attribute("BIG", "", vINT64));
-    store.addAttribute(Attribute("ELEV", "", vFLOAT64));
+    Attribute name("NAME", "", vSTRING), cdp("CDP", "", vINT32), big("BIG", "", vINT64), elev("ELEV", "", vFLOAT64);
+    for (Attribute* a : {&name, &cdp, &big, &elev}) store.addAttribute(*a);
     store.addInstances(2);
     store.addProperty(Property("COORDINATE_SYSTEM",
                                "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
                                "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]"));
-    auto const variable = variableAttribute;
     // The first polygon with a hole, given counter-clockwise: the writer
     // turns it round.
-    store.write(variable("X", vFLOAT64, {{0, 10, 10, 0, 0, 2, 2, 4, 4, 2}, {20, 20, 21, 20}}), 1, 2);
-    store.write(variable("Y", vFLOAT64, {{0, 0, 10, 10, 0, 2, 4, 4, 2, 2}, {0, 1, 0, 0}}), 1, 2);
-    store.write(variable("PART_LENGTHS", vINT32, {{5, 5}, {4}}), 1, 2);
-    Attribute name("NAME", "", vSTRING), cdp("CDP", "", vINT32), big("BIG", "", vINT64), elev("ELEV", "", vFLOAT64);
+    store.write(variableAttribute("X", vFLOAT64, {{0, 10, 10, 0, 0, 2, 2, 4, 4, 2}, {20, 20, 21, 20}}), 1, 2);
+    store.write(variableAttribute("Y", vFLOAT64, {{0, 0, 10, 10, 0, 2, 4, 4, 2, 2}, {0, 1, 0, 0}}), 1, 2);
+    store.write(variableAttribute("PART_LENGTHS", vINT32, {{5, 5}, {4}}), 1, 2);
     for (Attribute* a : {&name, &cdp, &big, &elev}) a->resize(2);
     name.setString(1, "first one");
     name.setString(2, "second");
@@ -210,20 +203,7 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
         "  ELEV (Real) = -0.001953125000000\n  POLYGON ((20 0,20 1,21 0,20 0))"})
     EXPECT_NE(std::string::npos, out.find(expected)) << expected << "\n---\n" << out;
 
-  // Map data: PointZ with the values as Z.
-  {
-    ShapefileDiskStore store;
-    StoreDescription description(vFilename((base + "_map.shp").c_str()));
-    description.setStoreClass("mapdata");
-    store.create(description, "");
-    store.addInstances(2);
-    Attribute x("XVAL", "", vFLOAT32), y("YVAL", "", vFLOAT32), v("ATVAL", "", vFLOAT32);
-    float const xs[] = {1.5f, 2.5f}, ys[] = {-1.0f, 4.0f}, vs[] = {0.25f, 99.0f};
-    x.copyData(2, xs);
-    y.copyData(2, ys);
-    v.copyData(2, vs);
-    for (Attribute* a : {&x, &y, &v}) store.write(*a, 1, 2);
-  }
+  writeMapData(base + "_map.shp", "", {1.5f, 2.5f}, {-1.0f, 4.0f}, {0.25f, 99.0f});
   std::string const map = ogrFeatures(base + "_map.shp");
   EXPECT_NE(std::string::npos, map.find("POINT Z (1.5 -1 0.25)")) << map;
   EXPECT_NE(std::string::npos, map.find("POINT Z (2.5 4.0 99)")) << map;
@@ -270,19 +250,7 @@ TEST(ShapefilePeer, MeasuredPointsBothWays) {
   EXPECT_EQ((std::vector<double>{3}), values(read, "XVAL", 2));
   EXPECT_EQ((std::vector<double>{-7.25}), values(read, "ATVAL", 1));
 
-  {
-    ShapefileDiskStore store;
-    StoreDescription description(vFilename((base + "_out.shp").c_str()));
-    description.setStoreClass("mapdata");
-    store.create(description, "measured");
-    store.addInstances(1);
-    Attribute x("XVAL", "", vFLOAT32), y("YVAL", "", vFLOAT32), v("ATVAL", "", vFLOAT32);
-    float const xs[] = {-2.5f}, ys[] = {8.0f}, vs[] = {0.125f};
-    x.copyData(1, xs);
-    y.copyData(1, ys);
-    v.copyData(1, vs);
-    for (Attribute* a : {&x, &y, &v}) store.write(*a, 1, 1);
-  }
+  writeMapData(base + "_out.shp", "measured", {-2.5f}, {8.0f}, {0.125f});
   std::string const out = ogrFeatures(base + "_out.shp");
   EXPECT_NE(std::string::npos, out.find("Geometry: Measured Point")) << out;
   EXPECT_NE(std::string::npos, out.find("POINT M (-2.5 8.0 0.125)")) << out;
