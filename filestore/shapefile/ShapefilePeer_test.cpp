@@ -101,7 +101,8 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
   EXPECT_EQ((std::vector<long long>{9007199254740993LL, -4, 5}),
             (std::vector<long long>{big.getInt64(1), big.getInt64(2), big.getInt64(3)}));
   EXPECT_EQ((std::vector<std::string>{"alpha", "beta", ""}),
-            (std::vector<std::string>{name.getString(1).c_str(), name.getString(2).c_str(), name.getString(3).c_str()}));
+            (std::vector<std::string>{name.getString(1).c_str(), name.getString(2).c_str(),
+                                      name.getString(3).c_str()}));
   // The .prj that ogr2ogr wrote.
   EXPECT_EQ("geographic", std::string(store.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
   EXPECT_EQ(0u, std::string(store.findProperty(vUCString("COORDINATE_SYSTEM"))->getString().c_str()).find("GEOGCS"));
