@@ -11,8 +11,6 @@
 #include "filestore/ascii/AsciiDataReader.h"
 #include "filestore/ascii/AsciiDiskStore.h"
 #include "filestore/ascii/AsciiTesting.h"
-#include "foundation/Message.h"
-#include "foundation/MessageHandling.h"
 #include "foundation/TestFailure.h"
 #include "foundation/vString.h"
 #include "project/StoreFactory.h"
@@ -26,8 +24,7 @@ std::vector<double> column(AsciiDiskStore const& store, char const* name) {
   Attribute a = store.getAttribute(name);
   store.read(a, 1, store.getNInstances());
   std::vector<double> v;
-  for (unsigned int i = 1; i <= a.getNInstances(); ++i)
-    for (int k = 1; k <= a.getLength(i); ++k) v.push_back(a.getValue(i, k));
+  a.getValues(v);
   return v;
 }
 
@@ -63,8 +60,7 @@ TEST(AsciiDiskStore, CsvFromOgrThroughTheStoreFactory) {
   Attribute name = store->getAttribute("NAME");
   EXPECT_EQ(vSTRING, name.getDataType());
   store->read(name, 1, 2);
-  EXPECT_EQ("A-1, north", std::string(name.getString(1).c_str()));
-  EXPECT_EQ("B 2", std::string(name.getString(2).c_str()));
+  EXPECT_EQ("A-1, north|B 2", std::string(name.getString(1).c_str()) + "|" + name.getString(2).c_str());
 }
 
 TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
@@ -116,15 +112,14 @@ TEST(AsciiDiskStore, HandMadeFilesWithTheirQuirks) {
   format.setCheckingNumbers(true);
   AsciiCollator collator(text.c_str(), static_cast<long long>(text.size()), format);
   AsciiDataReader reader(collator, format);
-  int const errors = Message::getNErrors();
-  {
-    MessageHandling quiet;
-    EXPECT_EQ(3u, reader.getNumberOfRecords(1));
-    Attribute v("V", "", vFLOAT64);
-    reader.read(1, v, {1, 2, 3});
-    EXPECT_EQ((std::vector<double>{2, 0, 0}), (std::vector<double>{v.getValue(1), v.getValue(2), v.getValue(3)}));
-  }
-  EXPECT_EQ(errors + 1, Message::getNErrors());
+  Attribute v("V", "", vFLOAT64);
+  EXPECT_EQ(1, fs_testing::quietErrors([&] {
+              EXPECT_EQ(3u, reader.getNumberOfRecords(1));
+              reader.read(1, v, {1, 2, 3});
+            }));
+  std::vector<double> got;
+  v.getValues(got);
+  EXPECT_EQ((std::vector<double>{2, 0, 0}), got);
 }
 
 TEST(AsciiDiskStore, RecordSetsAndFoldMaps) {
@@ -164,15 +159,11 @@ TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
     description.setFormatSpec(AsciiFormat::getDirectory() + "PelagosHorizon2.txf");
     store.create(description);
     store.addInstances(2);
-    store.addProperty(Property("FIRST_INLINE", 10));
-    store.addProperty(Property("INLINE_INCREMENT", 2));
-    store.addProperty(Property("NUM_INLINES", 5));
-    store.addProperty(Property("INLINE_INTERVAL", 12.5));
-    store.addProperty(Property("FIRST_CROSSLINE", 100));
-    store.addProperty(Property("CROSSLINE_INCREMENT", 1));
-    store.addProperty(Property("NUM_CROSSLINES", 3));
-    store.addProperty(Property("CROSSLINE_INTERVAL", 25.0));
-    store.addProperty(Property("HORIZONNAME", "Top_Chalk"));
+    for (Property const& p : {Property("FIRST_INLINE", 10), Property("INLINE_INCREMENT", 2), Property("NUM_INLINES", 5),
+                              Property("INLINE_INTERVAL", 12.5), Property("FIRST_CROSSLINE", 100),
+                              Property("CROSSLINE_INCREMENT", 1), Property("NUM_CROSSLINES", 3),
+                              Property("CROSSLINE_INTERVAL", 25.0), Property("HORIZONNAME", "Top_Chalk")})
+      store.addProperty(p);
     double const il[] = {10, 12}, xl[] = {100, 102}, z[] = {1500.25, -3};
     Attribute a("INLINE", "", vFLOAT64), b("CROSSLINE", "", vFLOAT64), c("Z", "", vFLOAT64);
     a.copyData(2, il);
@@ -226,12 +217,7 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
     Attribute a("ALPHA", "", vFLOAT64);
     double const alpha[] = {0.1, -2.5e-7};
     a.copyData(2, alpha);
-    int const errors = Message::getNErrors();
-    {
-      MessageHandling quiet;
-      store.write(a, 1, 1);
-    }
-    EXPECT_EQ(errors + 1, Message::getNErrors());
+    EXPECT_EQ(1, fs_testing::quietErrors([&] { store.write(a, 1, 1); }));
     store.write(a, 1, 2);
     expectFailure([&] { store.write(Attribute("OMEGA", "", vINT32), 1, 2); }, "AsciiDiskStore::write",
                   "Attribute OMEGA is not in the store.");
@@ -243,8 +229,7 @@ TEST(AsciiDiskStore, WrittenFilesAndBadInput) {
   EXPECT_EQ((std::vector<double>{0.1, -2.5e-7}), column(back, "ALPHA"));
   Attribute text = back.getAttribute("LABEL");
   back.read(text, std::vector<unsigned int>{2, 1});
-  EXPECT_EQ("x", std::string(text.getString(1).c_str()));
-  EXPECT_EQ("two words", std::string(text.getString(2).c_str()));
+  EXPECT_EQ("x|two words", std::string(text.getString(1).c_str()) + "|" + text.getString(2).c_str());
   Attribute a = back.getAttribute("ALPHA");
   expectFailure([&] { back.read(a, 2, 3); }, "AsciiDiskStore::read", "Instance range 2,3 is bad, NInstances is 2");
 

@@ -7,8 +7,6 @@
 
 #include "filestore/ascii/AsciiFormat.h"
 #include "filestore/ascii/AsciiTesting.h"
-#include "foundation/Message.h"
-#include "foundation/MessageHandling.h"
 #include "foundation/TestFailure.h"
 
 namespace {
@@ -47,15 +45,12 @@ TEST(AsciiFormat, TagsFaultsAndWritingBack) {
   // the defaults.
   std::string const faulty =
       scratch("faulty.txf", "<MultiLineRecords Columns=\"1-2 3-4 5-6\" Formats=\"f64 i64\">A B C D</MultiLineRecords>");
-  int const errors = Message::getNErrors();
-  {
-    MessageHandling quiet;
-    AsciiFormat g{vFilename(faulty.c_str())};
-    EXPECT_FALSE(g.hasFixedColumns());
-    EXPECT_TRUE(g.getFormatsList().empty());
-    EXPECT_EQ(vFLOAT64, g.getAttributeList().front().getDataType());
-  }
-  EXPECT_EQ(errors + 4, Message::getNErrors());
+  EXPECT_EQ(4, fs_testing::quietErrors([&] {
+              AsciiFormat g{vFilename(faulty.c_str())};
+              EXPECT_FALSE(g.hasFixedColumns());
+              EXPECT_TRUE(g.getFormatsList().empty());
+              EXPECT_EQ(vFLOAT64, g.getAttributeList().front().getDataType());
+            }));
   std::string const unknown = scratch("unknown.txf", "<SingleLineRecords Formats=\"i32 q8\">A B</SingleLineRecords>");
   expectFailure([&] { AsciiFormat h{vFilename(unknown.c_str())}; }, "AsciiFormat", "Unknown format.");
   AsciiFormat empty;
