@@ -61,6 +61,14 @@ TEST(FSServiceFiles, OpenFailures) {
   ASSERT_EQ(FS_open((dir / "ro").c_str(), FS_C | FS_READONLY, 0, 0, 0, &id), FS_GOOD);
   EXPECT_EQ(FS_write(id, "q", 1, &put), FS_NOTWRITABLE);
   EXPECT_EQ(FS_close(id), FS_GOOD);
+  // Failure mode 1 is fatal at once.
+  struct ModeScope {
+    ~ModeScope() { FS_sfailmode(0); }
+  } restore;
+  FS_sfailmode(1);
+  std::string const name = dir / "missing";
+  fs_testing::expectFailure([&] { FS_open(name.c_str(), FS_C | FS_READONLY, 0, 0, 0, &id); }, "FS_terminate",
+                            name + ": No such file or directory");
 }
 
 TEST(FSServiceFiles, RecordAndTextRecordFiles) {
@@ -122,18 +130,6 @@ TEST(FSServiceFiles, PositionsBeyondFourGigabytesAndCreateFlags) {
   EXPECT_EQ(FS_write(id, "cdefg", 5, &put), FS_NOEXTENDED);
   ASSERT_EQ(FS_close(id), FS_GOOD);
   EXPECT_EQ(fs_testing::readFile(dir / "z"), std::string("ab\0\0\0\0", 6));
-}
-
-TEST(FSServiceFiles, FailureModeOneIsFatalAtOnce) {
-  TempDir dir;
-  struct ModeScope {
-    ~ModeScope() { FS_sfailmode(0); }
-  } restore;
-  FS_sfailmode(1);
-  int id;
-  std::string const name = dir / "missing";
-  fs_testing::expectFailure([&] { FS_open(name.c_str(), FS_C | FS_READONLY, 0, 0, 0, &id); }, "FS_terminate",
-                            name + ": No such file or directory");
 }
 
 TEST(FSServiceLocks, LocksConflictBetweenOpensAndReadLocksSwitch) {

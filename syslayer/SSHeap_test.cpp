@@ -250,13 +250,11 @@ TEST(SSTree, TextsWithLengthsCodesAndTextKeys) {
   EXPECT_EQ(code, 0);
 
   ss_alloc_(s, 4, 3);
-  int32_t const k1 = leaf(s, 1, "alpha"), k2 = leaf(s, 2, "beta"), k3 = leaf(s, 3, "alphabet");
-  ss_putaword_(s, 4, 1, k1);
-  ss_putaword_(s, 4, 2, k2);
-  ss_putaword_(s, 4, 3, k3);
+  int32_t const keys[] = {leaf(s, 1, "alpha"), leaf(s, 2, "beta"), leaf(s, 3, "alphabet")};
+  for (int32_t e = 1; e <= 3; ++e) ss_putaword_(s, 4, e, keys[e - 1]);
   int32_t found;
   ss_locates_(s, 2, "alphabet", 8, found);
-  EXPECT_EQ(found, k3);
+  EXPECT_EQ(found, keys[2]);
   ss_delete_(s);
 }
 

@@ -87,7 +87,6 @@ TEST(TapeLabels, RecordsAreEightyBlankFilledBytes) {
   fs_bansi_("XYZ1", "", record, status);
   EXPECT_EQ(status, FS_BADLABEL);
 
-  // Read back.
   char kind[5], value[32];
   fs_ransi_(vol.data(), 80, kind, value, sizeof value, status);
   EXPECT_EQ(status, FS_GOOD);
@@ -136,9 +135,6 @@ TEST(TapeSetReader, InitialAndLaterSkips) {
   r.setInitialSkip(6);
   ::testing::internal::CaptureStdout();
   EXPECT_EQ(readAll(r, 3), "6789abc");
-  ::testing::internal::GetCapturedStdout();
-
-  ::testing::internal::CaptureStdout();
   // Skips between reads cross blocks and stop at the end.
   std::string const b = dir / "b.tap";
   fs_testing::writeFile(b, Image().block("0123456789").block("abcdefghij").bytes());

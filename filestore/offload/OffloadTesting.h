@@ -40,10 +40,9 @@ inline std::vector<std::vector<double>> rows(std::string const& text) {
   return out;
 }
 
-// The lines of the Python reader's account of a file; none if it failed.
-inline std::vector<std::string> pythonRead(std::string const& file) {
-  std::string const cmd =
-      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_reader.py " + file;
+// The lines that a script of testdata/ prints; none if it failed.
+inline std::vector<std::string> python(std::string const& scriptAndArguments) {
+  std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/" + scriptAndArguments;
   FILE* pipe = ::popen(cmd.c_str(), "r");
   std::vector<std::string> lines;
   if (!pipe) return lines;
@@ -52,6 +51,9 @@ inline std::vector<std::string> pythonRead(std::string const& file) {
   if (::pclose(pipe) != 0) lines.clear();
   return lines;
 }
+
+// The Python reader's account of a file: its header, then a line a bin.
+inline std::vector<std::string> pythonRead(std::string const& file) { return python("offload_reader.py " + file); }
 
 }  // namespace offload_testing
 
