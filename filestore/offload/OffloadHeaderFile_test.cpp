@@ -12,13 +12,9 @@
 
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/offload/OffloadTesting.h"
-#include "foundation/TestFailure.h"
+#include "syslayer/FSTesting.h"
 
 namespace {
-
-std::string tempName(char const* what) {
-  return ::testing::TempDir() + "offload_header_" + std::to_string(::getpid()) + "_" + what;
-}
 
 std::string cwd() {
   char buffer[4096];
@@ -67,8 +63,9 @@ TEST(OffloadHeaderFile, TextsReadAsWritten) {
 }
 
 TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
+  fs_testing::TempDir dir;
   for (int version : {1, 2}) {
-    std::string const name = tempName("saved") + std::to_string(version) + ".hdr";
+    std::string const name = dir / ("saved" + std::to_string(version) + ".hdr");
     OffloadHeaderFile h;
     h.create(vFilename(name.c_str()), version, 100.25, 50, 3);
     h.setDataFilenames({vFilename("/data/o1.offload"), vFilename("/data/o2.offload")});
@@ -83,12 +80,12 @@ TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
     std::string line;
     for (int k = 0; k < 3; ++k) std::getline(in, line);
     EXPECT_EQ(version == 2 ? "100.25 50.00 3" : "100 50 3", line);
-    std::remove(name.c_str());
   }
 }
 
 TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
-  std::string const base = tempName("set");
+  fs_testing::TempDir dir;
+  std::string const base = dir / "set";
   std::string files;
   for (char const* order : {"<", ">"}) {
     std::string const data = base + (order[0] == '<' ? "_le" : "_be") + ".offload";
@@ -115,6 +112,4 @@ TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
   std::string const first = files.substr(0, files.find('\n'));
   expectFailure([&] { OffloadDiskStore().open(vFilename((base + ".hdr").c_str())); }, "OffloadDiskStore::open",
                 "Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.");
-  std::remove((base + ".hdr").c_str());
-  std::remove((base + ".txt").c_str());
 }

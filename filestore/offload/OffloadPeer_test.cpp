@@ -20,18 +20,18 @@ using fs_testing::writeFile;
 
 namespace {
 
+// A file of the Python writer and what it wrote; names in lower case, as
+// the store's open with options takes them.
 struct Fixture {
-  std::string file, expect;
+  Fixture(char const* order, int version, int shape, int compressed) {
+    offload_testing::writeFixture(file, expect, order, version, shape, compressed);
+  }
   ~Fixture() { std::remove(file.c_str()), std::remove(expect.c_str()); }
-};
-
-Fixture writeFixture(char const* order, int version, int shape, int compressed) {
-  static int serial = 0;
+  static inline int serial = 0;
   std::string const base =
       ::testing::TempDir() + "offload_peer_" + std::to_string(::getpid()) + "_" + std::to_string(++serial);
-  offload_testing::writeFixture(base + ".offload", base + ".txt", order, version, shape, compressed);
-  return Fixture{base + ".offload", base + ".txt"};
-}
+  std::string const file = base + ".offload", expect = base + ".txt";
+};
 
 }  // namespace
 
@@ -44,7 +44,7 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
   for (Variant const v : {Variant{"<", 1, 991, 0}, Variant{"<", 2, 995, 1}, Variant{">", 1, 995, 0},
                           Variant{">", 2, 991, 1}}) {
     SCOPED_TRACE(std::string(v.order) + " v" + std::to_string(v.version) + " shape " + std::to_string(v.shape));
-    Fixture const f = writeFixture(v.order, v.version, v.shape, v.compressed);
+    Fixture const f(v.order, v.version, v.shape, v.compressed);
     std::vector<std::vector<double>> const rows = offload_testing::rows(f.expect);
     ASSERT_EQ(12u, rows.size());
     OffloadDiskStore store;
@@ -142,7 +142,7 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
 TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
   for (auto const& [shape, compressed] : {std::pair{991, 0}, std::pair{995, 1}}) {
     SCOPED_TRACE("shape " + std::to_string(shape));
-    Fixture const f = writeFixture(">", 2, shape, compressed);
+    Fixture const f(">", 2, shape, compressed);
     std::string bytes = readFile(f.file);
     for (std::size_t k = 0; k + 4 <= bytes.size(); k += 4) std::reverse(bytes.begin() + k, bytes.begin() + k + 4);
     writeFile(f.file, bytes);
@@ -163,7 +163,7 @@ TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
 }
 
 TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
-  Fixture const f = writeFixture("<", 1, 991, 0);
+  Fixture const f("<", 1, 991, 0);
   std::string const bytes = readFile(f.file), name = f.file;
   auto refused = [&](std::size_t at, int value, std::size_t cut, char const* in, std::string const& reason) {
     std::string copy = bytes.substr(0, bytes.size() - cut);
@@ -193,7 +193,7 @@ TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
 // system's own error.
 TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
   for (int compressed : {0, 1}) {
-    Fixture const f = writeFixture(">", 2, 995, compressed);
+    Fixture const f(">", 2, 995, compressed);
     std::string const bytes = readFile(f.file);
     int failures = 0;
     for (std::size_t word = 0; word < bytes.size() / 4; ++word)
@@ -219,7 +219,7 @@ TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
 // Groups of a grid key and of a table attribute, against the values the
 // writer put in; and the buffer's range follows the reads.
 TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
-  Fixture const f = writeFixture(">", 1, 995, 1);
+  Fixture const f(">", 1, 995, 1);
   OffloadDiskStore store;
   store.open(vFilename(f.file.c_str()));
   OffloadAttributeFile& file = store.getFile();
@@ -250,7 +250,7 @@ TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
 // A dummy grid numbers inlines and crosslines from 1 whatever the header
 // says; the header's own numbers stay in the properties.
 TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
-  Fixture const f = writeFixture("<", 2, 991, 0);
+  Fixture const f("<", 2, 991, 0);
   ::setenv("SP_OFFLOAD_USEDUMMYGRID", "true", 1);
   OffloadDiskStore store;
   store.open(vFilename(f.file.c_str()));
@@ -273,7 +273,7 @@ TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
 // with the report; a sound header gives the grid's CMPs without one.
 TEST(OffloadPeer, CmpCountedFromOneWhenTheGridCannotYieldIt) {
   for (bool damaged : {false, true}) {
-    Fixture const f = writeFixture("<", 1, 991, 0);
+    Fixture const f("<", 1, 991, 0);
     if (damaged) {
       std::fstream io(f.file, std::ios::binary | std::ios::in | std::ios::out);
       int const lastInline = 15;

@@ -2,9 +2,7 @@
 // and by the store.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <tuple>
@@ -13,7 +11,7 @@
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/offload/OffloadTesting.h"
-#include "foundation/TestFailure.h"
+#include "syslayer/FSTesting.h"
 
 using namespace offload_testing;
 
@@ -32,7 +30,8 @@ float traceSample(unsigned int bin, int s) { return static_cast<float>(bin) * 10
 TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
   for (auto const& [packed, first] : {std::pair{0, 100.0}, std::pair{1, 100.5}}) {
     SCOPED_TRACE("packed " + std::to_string(packed));
-    std::string const name = ::testing::TempDir() + "offload_write_" + std::to_string(::getpid()) + ".offload";
+    fs_testing::TempDir dir;
+    std::string const name = dir / "new.offload";
     {
       OffloadAttributeFile file;
       file.create(vFilename(name.c_str()));
@@ -94,12 +93,12 @@ TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
     plain.read(il, 11, 11);
     ::unsetenv("SP_OFFLOAD_USEGENERATEDATTRS");
     EXPECT_EQ(0, il.getInt32(1));
-    std::remove(name.c_str());
   }
 }
 
 TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
-  std::string const base = ::testing::TempDir() + "offload_store_" + std::to_string(::getpid());
+  fs_testing::TempDir dir;
+  std::string const base = dir / "store";
   StoreCreationOptions options;
   std::string const prefix = "Creation of a seismic/offloadheader Store requires that ";
   auto refused = [&](char const* subClass, std::string const& what) {
@@ -144,7 +143,6 @@ TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
   expectFailure([&] { store.open(vFilename((base + ".hdr").c_str())); }, "OffloadDiskStore::open",
                 "OffloadDiskStore is already open as '" + base + ".hdr'.");
   store.close();
-  for (char const* end : {".hdr", "_1.offload", "_2.offload", "_3.offload"}) std::remove((base + end).c_str());
 }
 
 // Files of the Python writer (3 inlines of 4 crosslines, bins 1, 6 and 12
@@ -152,9 +150,9 @@ TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
 TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
   for (auto const& [order, version, shape, packed] : {std::tuple{"<", 1, 991, 0}, std::tuple{">", 2, 995, 1}}) {
     SCOPED_TRACE(std::string(order) + std::to_string(shape));
-    std::string const base = ::testing::TempDir() + "offload_update_" + std::to_string(::getpid());
-    std::string const name = base + ".offload";
-    writeFixture(name, base + ".txt", order, version, shape, packed);
+    fs_testing::TempDir dir;
+    std::string const name = dir / "update.offload";
+    writeFixture(name, dir / "update.txt", order, version, shape, packed);
     std::vector<std::string> const before = pythonRead(name);
     ASSERT_EQ(13u, before.size());
     {
@@ -199,7 +197,6 @@ TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
       }
       EXPECT_EQ(old[0] != 0 ? old[1] : 0.0, row[1]) << "SUBLINE of bin " << b;
     }
-    std::remove(name.c_str()), std::remove((base + ".txt").c_str());
   }
 }
 
@@ -207,7 +204,8 @@ TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
 // gets the translated one, a "RONDO." name loses the prefix. The file that
 // made them answers under the caller's names until closed.
 TEST(OffloadWrite, TableNamesTranslatedToTheOlderSystems) {
-  std::string const name = ::testing::TempDir() + "offload_names_" + std::to_string(::getpid()) + ".offload";
+  fs_testing::TempDir dir;
+  std::string const name = dir / "names.offload";
   {
     OffloadAttributeFile file;
     file.create(vFilename(name.c_str()));
@@ -247,5 +245,4 @@ TEST(OffloadWrite, TableNamesTranslatedToTheOlderSystems) {
   store.read(ffid, 1, 1);
   EXPECT_EQ(7, ffid.getInt32(1));
   store.close();
-  std::remove(name.c_str());
 }
