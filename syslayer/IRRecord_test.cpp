@@ -21,8 +21,8 @@ std::string gett(int32_t id, int32_t index, int32_t length, int32_t& status) {
   return out;
 }
 
-TEST(IRRecord, RecordsHangUnderTheRootAndStoresSetTheChangedFlag) {
-  int32_t root1;
+TEST(IRRecord, RecordsHangUnderTheRootAndScalarsConvertOnRead) {
+  int32_t root1, kind, i, status;
   ir_init_(root1);
   int32_t const a = fresh();
   EXPECT_EQ(ss_[a + 1], root1);  // parent
@@ -32,14 +32,10 @@ TEST(IRRecord, RecordsHangUnderTheRootAndStoresSetTheChangedFlag) {
   EXPECT_EQ(ss_[a + 5], 1);
   ss_[a + 5] = 0;
   ir_putnt_(a, 0, "abcdef", 3);
-  int32_t status;
   EXPECT_EQ(gett(a, 1, 4, status), "abc ");
-}
 
-TEST(IRRecord, ScalarsConvertOnRead) {
   int32_t const id = fresh();
   ir_puti_(id, 0, 42);
-  int32_t kind, i, status;
   double d;
   EXPECT_EQ(gett(id, 0, 5, status), "42   ");
 

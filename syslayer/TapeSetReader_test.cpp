@@ -127,7 +127,7 @@ TEST(TapeImages, WrittenFramingIsByteExactAndReadsBack) {
   FS_closet(id);
 }
 
-TEST(TapeSetReader, InitialAndLaterSkips) {
+TEST(TapeSetReader, InitialAndLaterSkipsAndDriveNames) {
   TempDir dir;
   std::string const a = dir / "a.tap";
   fs_testing::writeFile(a, Image().labels().block("0123").block("456789").block("abc").mark().bytes());
@@ -144,21 +144,15 @@ TEST(TapeSetReader, InitialAndLaterSkips) {
   ASSERT_EQ(s.read(buf, 4), 4u);
   EXPECT_EQ(std::string(buf, 4), "cdef");
   EXPECT_EQ(s.skip(100), 4);
-  ::testing::internal::GetCapturedStdout();
-}
-
-TEST(TapeSetReader, DriveNamesSetTheTypeOfTheTapesAfterThem) {
-  TempDir dir;
-  std::string const a = dir / "a.tap";
-  fs_testing::writeFile(a, Image().block("data").bytes());
-  TapeSetReader s({a.c_str(), "F3592", a.c_str(), "FNOTADRIVE"});
-  ::testing::internal::CaptureStdout();
-  char buf[4];
-  ASSERT_EQ(s.read(buf, 4), 4u);
-  ASSERT_EQ(s.read(buf, 4), 4u);
-  EXPECT_EQ(s.getDeviceType(), 0x20080000);
+  // Drive names set the type of the tapes after them.
+  std::string const c = dir / "c.tap";
+  fs_testing::writeFile(c, Image().block("data").bytes());
+  TapeSetReader d({c.c_str(), "F3592", c.c_str(), "FNOTADRIVE"});
+  ASSERT_EQ(d.read(buf, 4), 4u);
+  ASSERT_EQ(d.read(buf, 4), 4u);
+  EXPECT_EQ(d.getDeviceType(), 0x20080000);
   // An "F" name that is no drive is a tape like any other.
-  expectFailure([&] { s.read(buf, 4); }, "FS_terminate", "FNOTADRIVE: No such file or directory");
+  expectFailure([&] { d.read(buf, 4); }, "FS_terminate", "FNOTADRIVE: No such file or directory");
   ::testing::internal::GetCapturedStdout();
 }
 
