@@ -157,12 +157,12 @@ TEST(ShapefilePeer, PointZLinesAndPolygonsWithHolesFromOgr) {
   EXPECT_EQ((std::vector<double>{96}), values(polygons, "AREA", 1));
 }
 
-// What ogrinfo says of a file, from the first feature on.
-std::string ogrFeatures(std::string const& shp) {
+// What ogrinfo says of a file holds each text given.
+void expectOgrinfo(std::string const& shp, std::vector<std::string> const& texts) {
   int status = 0;
   std::string const out = run("ogrinfo -al " + shp, &status);
   EXPECT_EQ(0, status) << out;
-  return out;
+  for (std::string const& text : texts) EXPECT_NE(std::string::npos, out.find(text)) << text << "\n---\n" << out;
 }
 
 TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
@@ -195,19 +195,15 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     for (Attribute* a : {&name, &cdp, &big, &elev}) store.write(*a, 1, 2);
     store.close();
   }
-  std::string const out = ogrFeatures(base + "_poly.shp");
-  EXPECT_NE(std::string::npos, out.find("WGS 84")) << out;
-  for (char const* expected :
-       {"  NAME (String) = first one\n  CDP (Integer64) = -17\n  BIG (Real) = 9007199254740992\n"
-        "  ELEV (Real) = 1000.500000000000000\n  POLYGON ((0 0,0 10,10 10,10 0,0 0),(2 2,4 2,4 4,2 4,2 2))",
-        "  NAME (String) = second\n  CDP (Integer64) = 2000000000\n  BIG (Real) = -1\n"
-        "  ELEV (Real) = -0.001953125000000\n  POLYGON ((20 0,20 1,21 0,20 0))"})
-    EXPECT_NE(std::string::npos, out.find(expected)) << expected << "\n---\n" << out;
+  expectOgrinfo(base + "_poly.shp",
+                {"WGS 84",
+                 "  NAME (String) = first one\n  CDP (Integer64) = -17\n  BIG (Real) = 9007199254740992\n"
+                 "  ELEV (Real) = 1000.500000000000000\n  POLYGON ((0 0,0 10,10 10,10 0,0 0),(2 2,4 2,4 4,2 4,2 2))",
+                 "  NAME (String) = second\n  CDP (Integer64) = 2000000000\n  BIG (Real) = -1\n"
+                 "  ELEV (Real) = -0.001953125000000\n  POLYGON ((20 0,20 1,21 0,20 0))"});
 
   writeMapData(base + "_map.shp", "", {1.5f, 2.5f}, {-1.0f, 4.0f}, {0.25f, 99.0f});
-  std::string const map = ogrFeatures(base + "_map.shp");
-  EXPECT_NE(std::string::npos, map.find("POINT Z (1.5 -1 0.25)")) << map;
-  EXPECT_NE(std::string::npos, map.find("POINT Z (2.5 4.0 99)")) << map;
+  expectOgrinfo(base + "_map.shp", {"POINT Z (1.5 -1 0.25)", "POINT Z (2.5 4.0 99)"});
 
   // Lines of one and two parts, and plain points.
   {
@@ -227,13 +223,9 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     points.write(x, 1, 2);
     points.write(y, 1, 2);
   }
-  std::string const lines = ogrFeatures(base + "_lines.shp");
-  EXPECT_NE(std::string::npos, lines.find("Geometry: Line String")) << lines;
-  EXPECT_NE(std::string::npos, lines.find("LINESTRING (0 0,1.5 2.0,3 -5)")) << lines;
-  EXPECT_NE(std::string::npos, lines.find("MULTILINESTRING ((9 9,8 8),(7 7,6 6))")) << lines;
-  std::string const points = ogrFeatures(base + "_points.shp");
-  EXPECT_NE(std::string::npos, points.find("POINT (431000.25 6520000.5)")) << points;
-  EXPECT_NE(std::string::npos, points.find("POINT (-1 2)")) << points;
+  expectOgrinfo(base + "_lines.shp", {"Geometry: Line String", "LINESTRING (0 0,1.5 2.0,3 -5)",
+                                      "MULTILINESTRING ((9 9,8 8),(7 7,6 6))"});
+  expectOgrinfo(base + "_points.shp", {"POINT (431000.25 6520000.5)", "POINT (-1 2)"});
 }
 
 TEST(ShapefilePeer, MeasuredPointsBothWays) {
@@ -252,9 +244,7 @@ TEST(ShapefilePeer, MeasuredPointsBothWays) {
   EXPECT_EQ((std::vector<double>{-7.25}), values(read, "ATVAL", 1));
 
   writeMapData(base + "_out.shp", "measured", {-2.5f}, {8.0f}, {0.125f});
-  std::string const out = ogrFeatures(base + "_out.shp");
-  EXPECT_NE(std::string::npos, out.find("Geometry: Measured Point")) << out;
-  EXPECT_NE(std::string::npos, out.find("POINT M (-2.5 8.0 0.125)")) << out;
+  expectOgrinfo(base + "_out.shp", {"Geometry: Measured Point", "POINT M (-2.5 8.0 0.125)"});
 }
 
 }  // namespace
