@@ -29,6 +29,16 @@ bool alive(int32_t id) {
   return ok == 1;
 }
 
+// A structure of a key and a name.
+int32_t leaf(int32_t parent, int32_t key, char const* name) {
+  int32_t const types[] = {SS_INT, SS_TEXT};
+  int32_t s;
+  ss_define_(s, parent, 2, types);
+  ss_putnth_(s, 1, key);
+  ss_puttext_(s, 2, name, static_cast<int32_t>(std::string(name).size()));
+  return s;
+}
+
 std::string text(int32_t id, int32_t ordinal, int32_t length) {
   std::string out(static_cast<size_t>(length), '?');
   ss_gettext_(id, ordinal, &out[0], length);
@@ -113,17 +123,13 @@ TEST(SSHeap, BadIdsOnlyWithChecking) {
 TEST(SSHeap, TreesDeleteWholeAndLocateByKey) {
   int32_t const r = root();
   int32_t const top[] = {SS_STRUCT, SS_ASTRUCT, SS_INT};
-  int32_t const leaf[] = {SS_INT, SS_TEXT};
   int32_t t;
   ss_define_(t, r, 3, top);
   ss_alloc_(t, 2, 3);
   std::vector<int32_t> kids;
   for (int32_t e = 1; e <= 3; ++e) {
-    int32_t k;
-    ss_define_(k, t, 2, leaf);
-    ss_putnth_(k, 1, 200 + e);
-    ss_putaword_(t, 2, e, k);
-    kids.push_back(k);
+    kids.push_back(leaf(t, 200 + e, "kid"));
+    ss_putaword_(t, 2, e, kids.back());
   }
   int32_t found = -1;
   ss_locate_(t, 1, 202, found);
@@ -141,32 +147,15 @@ TEST(SSHeap, TreesDeleteWholeAndLocateByKey) {
 
 TEST(SSHeap, GrowingHeapKeepsValues) {
   int32_t const r = root();
-  int32_t const types[] = {SS_INT, SS_TEXT};
   std::vector<int32_t> ids;
   int64_t const before = ss_heapsize_();
-  for (int i = 0; i < 3000; ++i) {
-    int32_t s;
-    ss_define_(s, r, 2, types);
-    ss_putnth_(s, 1, i);
-    std::string const t = "text " + std::to_string(i);
-    ss_puttext_(s, 2, t.data(), static_cast<int32_t>(t.size()));
-    ids.push_back(s);
-  }
+  for (int i = 0; i < 3000; ++i) ids.push_back(leaf(r, i, ("text " + std::to_string(i)).c_str()));
   EXPECT_GT(ss_heapsize_(), before);
   for (int i = 0; i < 3000; ++i) {
     std::string const t = "text " + std::to_string(i);
     ASSERT_EQ(text(ids[static_cast<size_t>(i)], 2, static_cast<int32_t>(t.size())), t);
   }
   for (int32_t s : ids) ss_delete_(s);
-}
-
-int32_t leaf(int32_t parent, int32_t key, char const* name) {
-  int32_t const types[] = {SS_INT, SS_TEXT};
-  int32_t s;
-  ss_define_(s, parent, 2, types);
-  ss_putnth_(s, 1, key);
-  ss_puttext_(s, 2, name, static_cast<int32_t>(std::string(name).size()));
-  return s;
 }
 
 TEST(SSTree, AdoptMovesAStructureAndItsSubtree) {
