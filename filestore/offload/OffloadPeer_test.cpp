@@ -57,6 +57,30 @@ class OffloadFaultTest : public ::testing::Test {
   static inline std::string path;
 };
 
+// Every value of every bin of the writer's file of this version, as the
+// writer says it wrote them (rows).
+void expectValues(OffloadDiskStore const& store, std::vector<std::vector<double>> const& rows, int version) {
+  ASSERT_EQ(12u, rows.size());
+  ASSERT_EQ(12u, store.getNInstances());
+  Attribute fold("CMP.FOLD", "", vINT32), sub("SUBLINE", "", vINT32), cdp("CDP", "", vINT32),
+      elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32), il("INLINE", "", vINT32),
+      xl("CROSSLINE", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64);
+  for (Attribute* a : {&fold, &sub, &cdp, &elev, &trace, &il, &xl, &bin}) store.read(*a, 1, 12);
+  ASSERT_EQ(7, trace.getLength());
+  EXPECT_DOUBLE_EQ(8.0, store.getAttribute("TRACE").getFirstTime());
+  for (unsigned int i = 1; i <= 12; ++i) {
+    std::vector<double> const& row = rows[i - 1];
+    EXPECT_EQ(row[0], fold.getInt32(i)) << i;
+    EXPECT_EQ(row[1], sub.getInt32(i)) << i;
+    EXPECT_EQ(row[2], cdp.getInt32(i)) << i;
+    EXPECT_FLOAT_EQ(static_cast<float>(row[3]), elev.getFloat32(i)) << i;
+    for (int s = 0; s < 7; ++s) EXPECT_FLOAT_EQ(static_cast<float>(row[4 + s]), trace.getFloat32Pointer(i)[s]);
+    EXPECT_EQ(10 + 2 * static_cast<int>((i - 1) / 4), il.getInt32(i));
+    EXPECT_EQ(100 + static_cast<int>((i - 1) % 4), xl.getInt32(i));
+    EXPECT_DOUBLE_EQ(version == 2 ? 150.75 : 150.0, bin.getFloat64(i));
+  }
+}
+
 }  // namespace
 
 // Each byte order sees both versions, both shapes, packed and not.
@@ -73,24 +97,7 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
     ASSERT_EQ(12u, rows.size());
     OffloadDiskStore store;
     store.open(vFilename(f.file.c_str()));
-    ASSERT_EQ(12u, store.getNInstances());
-    Attribute fold("CMP.FOLD", "", vINT32), sub("SUBLINE", "", vINT32), cdp("CDP", "", vINT32),
-        elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32), il("INLINE", "", vINT32),
-        xl("CROSSLINE", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64);
-    for (Attribute* a : {&fold, &sub, &cdp, &elev, &trace, &il, &xl, &bin}) store.read(*a, 1, 12);
-    ASSERT_EQ(7, trace.getLength());
-    EXPECT_DOUBLE_EQ(8.0, store.getAttribute("TRACE").getFirstTime());
-    for (unsigned int i = 1; i <= 12; ++i) {
-      std::vector<double> const& row = rows[i - 1];
-      EXPECT_EQ(row[0], fold.getInt32(i)) << i;
-      EXPECT_EQ(row[1], sub.getInt32(i)) << i;
-      EXPECT_EQ(row[2], cdp.getInt32(i)) << i;
-      EXPECT_FLOAT_EQ(static_cast<float>(row[3]), elev.getFloat32(i)) << i;
-      for (int s = 0; s < 7; ++s) EXPECT_FLOAT_EQ(static_cast<float>(row[4 + s]), trace.getFloat32Pointer(i)[s]);
-      EXPECT_EQ(10 + 2 * static_cast<int>((i - 1) / 4), il.getInt32(i));
-      EXPECT_EQ(100 + static_cast<int>((i - 1) % 4), xl.getInt32(i));
-      EXPECT_DOUBLE_EQ(v.version == 2 ? 150.75 : 150.0, bin.getFloat64(i));
-    }
+    expectValues(store, rows, v.version);
     // A single live bin between dead ones, and a range of dead bins alone.
     Attribute one("CDP", "", vINT32);
     store.read(one, 6, 6);
@@ -133,7 +140,6 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
           k = order == vUtlSort::SortOrder::ASCENDING ? k + 1 : k - 1;
         }
       }
-    // Bins 2 and 3 scattered to positions 5 and 1 of a new attribute.
     Attribute scattered("CDP", "", vINT32);
     store.getFile().readRangeScattered(scattered, 2, 3, {5, 1});
     ASSERT_EQ(5u, scattered.getNInstances());
@@ -170,19 +176,11 @@ TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
     std::string bytes = readFile(f.file);
     for (std::size_t k = 0; k + 4 <= bytes.size(); k += 4) std::reverse(bytes.begin() + k, bytes.begin() + k + 4);
     writeFile(f.file, bytes);
-    std::vector<std::vector<double>> const rows = offload_testing::rows(f.expect);
     OffloadDiskStore store;
     store.open(vFilename(f.file.c_str()));
     EXPECT_EQ(vString("yes"), store.getFile().getProperties().findProperty(vUCString("HAS_BEEN_FSCP"))->getString());
     EXPECT_FALSE(store.getFile().isSwapped());
-    Attribute elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32);
-    store.read(elev, 1, 12);
-    store.read(trace, 1, 12);
-    for (unsigned int i = 1; i <= 12; ++i) {
-      EXPECT_FLOAT_EQ(static_cast<float>(rows[i - 1][3]), elev.getFloat32(i)) << i;
-      for (int s = 0; s < 7; ++s)
-        EXPECT_FLOAT_EQ(static_cast<float>(rows[i - 1][4 + s]), trace.getFloat32Pointer(i)[s]) << i << " " << s;
-    }
+    expectValues(store, offload_testing::rows(f.expect), 2);
   }
 }
 

@@ -104,7 +104,6 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
   EXPECT_EQ((std::vector<std::string>{"alpha", "beta", ""}),
             (std::vector<std::string>{name.getString(1).c_str(), name.getString(2).c_str(),
                                       name.getString(3).c_str()}));
-  // The .prj that ogr2ogr wrote.
   EXPECT_EQ("geographic", std::string(store.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
   EXPECT_EQ(0u, std::string(store.findProperty(vUCString("COORDINATE_SYSTEM"))->getString().c_str()).find("GEOGCS"));
 
@@ -206,7 +205,6 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
   writeMapData(base + "_map.shp", "", {1.5f, 2.5f}, {-1.0f, 4.0f}, {0.25f, 99.0f});
   expectOgrinfo(base + "_map.shp", {"POINT Z (1.5 -1 0.25)", "POINT Z (2.5 4.0 99)"});
 
-  // Lines of one and two parts, and plain points.
   {
     ShapefileDiskStore lines;
     lines.create(StoreDescription(vFilename((base + "_lines.shp").c_str())), "polylines");
