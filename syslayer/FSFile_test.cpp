@@ -137,36 +137,24 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
 
 TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
   TempDir dir;
-  char const* old = std::getenv("FS_SCRATCHDIR");
-  std::string const saved = old ? old : "";
-  setenv("FS_SCRATCHDIR", dir.path().c_str(), 1);
+  fs_testing::Env scratch("FS_SCRATCHDIR", dir.path().c_str());
   EXPECT_EQ(FS::getSpace(FS::ScratchArea, 1), vString(dir.path().c_str()));
   expectFailure([] { FS::getSpace(FS::ScratchArea, 0x7FFFFFFF); }, "FS::getSpace",
                 "No directory with 2147483647 MB free in disk area 0x100000: Not enough free space");
   vFilename const t1 = FS::getTempFilename("seg");
   EXPECT_NE(t1, FS::getTempFilename("seg"));
   EXPECT_EQ(t1.getDirectory(), vString(dir.path().c_str()));
-  if (old)
-    setenv("FS_SCRATCHDIR", saved.c_str(), 1);
-  else
-    unsetenv("FS_SCRATCHDIR");
 }
 
 TEST(FSFunctions, HostsMapToTheirClusterOrStayThemselves) {
-  char const* old = std::getenv("FS_CLUSTERS");
-  std::string const saved = old ? old : "";
-  unsetenv("FS_CLUSTERS");
+  fs_testing::Env none("FS_CLUSTERS", nullptr);
   EXPECT_EQ(FS::getCluster("node7"), vString("node7"));
   // Blanks and tabs separate pairs; malformed pairs are skipped, and the
   // first pair for a host wins. Prefixes and cluster names are no hosts.
-  setenv("FS_CLUSTERS", " node1=big,node2=big\tsolo=alone =x node3= junk node2=c3 ", 1);
+  fs_testing::Env pairs("FS_CLUSTERS", " node1=big,node2=big\tsolo=alone =x node3= junk node2=c3 ");
   for (auto const& [host, cluster] : std::vector<std::pair<char const*, char const*>>{
            {"node2", "big"}, {"solo", "alone"}, {"node12", "node12"}, {"big", "big"}, {"node3", "node3"}})
     EXPECT_EQ(FS::getCluster(host), vString(cluster)) << host;
-  if (old)
-    setenv("FS_CLUSTERS", saved.c_str(), 1);
-  else
-    unsetenv("FS_CLUSTERS");
 }
 
 TEST(FSFunctions, WildcardsInDirectoryParts) {

@@ -399,13 +399,12 @@ TEST(FSVolumes, LockThatWaitsAndBlockLengths) {
 }
 
 TEST(FSVolumes, NearlineAndRemoteNames) {
-  ::setenv("FS_NEARLINE", "/hsm/a/, /near:/x", 1);
+  fs_testing::Env nearline("FS_NEARLINE", "/hsm/a/, /near:/x");
   struct {
     char const* name;
     int flag;
   } const near[] = {{"/hsm/a/f", 1}, {"/hsm/ab/f", 0}, {"/near/d/f", 1}, {"/y/x/f", 0}};
   for (auto const& c : near) EXPECT_EQ(FS_isnearline(c.name), c.flag) << c.name;
-  ::unsetenv("FS_NEARLINE");
 
   // Every entry that takes a name refuses one on another host by name.
   std::string const remote = "node7:/data/x.sgy";

@@ -121,8 +121,7 @@ TEST(NyxIndex, SettingsOfTheSite) {
   fs_testing::TempDir dir;
   std::string const path = dir / "auto.dat";
   writeFixture("dat", path, "<", 5);
-  ::setenv("SP_NYX_AUTOGENERATEINDEX", "true", 1);
-  ::setenv("SP_NYX_BLOCKINGFACTOR", "4", 1);
+  fs_testing::Env autoIndex("SP_NYX_AUTOGENERATEINDEX", "true"), blocking("SP_NYX_BLOCKINGFACTOR", "4");
   NyxDiskStore store;
   store.open(vFilename(path.c_str()));
   EXPECT_TRUE(store.isUsingIndex());
@@ -133,8 +132,6 @@ TEST(NyxIndex, SettingsOfTheSite) {
   expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
                 "Failed to set the blocking factor to 0 for '" + path + "' ... status 0!");
   EXPECT_FALSE(store.isOpen());
-  ::unsetenv("SP_NYX_AUTOGENERATEINDEX");
-  ::unsetenv("SP_NYX_BLOCKINGFACTOR");
 }
 
 TEST(NyxFS, RoundTripAndFailures) {

@@ -273,13 +273,12 @@ TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
 // says; the header's own numbers stay in the properties.
 TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
   Fixture const f("<", 2, 991, 0);
-  ::setenv("SP_OFFLOAD_USEDUMMYGRID", "true", 1);
+  fs_testing::Env dummy("SP_OFFLOAD_USEDUMMYGRID", "true");
   OffloadDiskStore store;
   store.open(vFilename(f.file.c_str()));
   Attribute il("INLINE", "", vINT32), xl("CROSSLINE", "", vINT32), cmp("CMP", "", vINT32), unique("INLINE", "", vINT32);
   store.read(il, 1, 12), store.read(xl, 1, 12), store.read(cmp, 1, 12);
   store.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
-  ::unsetenv("SP_OFFLOAD_USEDUMMYGRID");
   for (unsigned int i = 1; i <= 12; ++i) {
     EXPECT_EQ(1 + static_cast<int>((i - 1) / 4), il.getInt32(i)) << i;
     EXPECT_EQ(1 + static_cast<int>((i - 1) % 4), xl.getInt32(i)) << i;

@@ -85,12 +85,11 @@ TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
     }
     // Without generated attributes the keys come from the records, where
     // nothing was written to them.
-    ::setenv("SP_OFFLOAD_USEGENERATEDATTRS", "false", 1);
+    fs_testing::Env recorded("SP_OFFLOAD_USEGENERATEDATTRS", "false");
     OffloadDiskStore plain;
     plain.open(vFilename(name.c_str()));
     Attribute il("INLINE", "", vINT32);
     plain.read(il, 11, 11);
-    ::unsetenv("SP_OFFLOAD_USEGENERATEDATTRS");
     EXPECT_EQ(0, il.getInt32(1));
   }
 }
