@@ -139,14 +139,13 @@ TEST(NyxDiskStore, MadeCstFilesReadBack) {
       expectFailure([&] { store.addAttribute(Attribute("OFFSET", "", vFLOAT32)); }, "NyxDiskStore::addAttribute",
                     "The format of attribute OFFSET is incorrect for this type of disk store!");
       trace.resize(4);
-      cmps.resize(2);
       for (unsigned int i = 1; i <= 4; ++i)
         for (int s = 0; s < 3; ++s) {
           if (type == vFLOAT32) trace.getFloat32Pointer(i)[s] = 1000.0f * i + s;
           else trace.getInt16Pointer(i)[s] = static_cast<short>(1000 * i + s);
         }
-      cmps.setInt32(1, 7);
-      cmps.setInt32(2, 8);
+      int const cmpValues[] = {7, 8};
+      cmps.copyData(2, cmpValues);
       store.write(trace, 1, 4);
       store.write(cmps, 3, 4);
       expectFailure([&] { store.write(cmps, 4, 5); }, "NyxDiskStore::write",
