@@ -81,25 +81,7 @@ TEST(FSFile, ReadsSeekOnlyWhenMovedAndSplitAtTheHighWaterMark) {
   g.close();
 }
 
-// Record files through the file objects are the service's (tested there).
-TEST(FSFile, OwnerAndUpdates) {
-  TempDir dir;
-  std::string const name = dir / "r.off";
-  FS::ioFile w = FS::create(name.c_str(), FS::RecordFile, 0, 16);
-  EXPECT_EQ(w.write(1, pattern(64).data(), 64), 64);
-  w.close();
-  FS::iFile r = FS::open(name.c_str(), FS::RecordFile, 0, 16);
-  struct passwd* pw = getpwuid(geteuid());
-  ASSERT_NE(pw, nullptr);
-  EXPECT_EQ(r.getOwner(), vString(pw->pw_name));
-  r.close();
-  // Open with options adds them to the type.
-  FS::ioFile u = FS::update(name.c_str(), FS::ByteFile, FS_NOEXTEND);
-  EXPECT_EQ(info(u, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
-  u.close();
-}
-
-TEST(FSFile, CReadAndCWriteAcrossRecords) {
+TEST(FSFile, CReadAndCWriteAcrossRecordsOwnerAndOptions) {
   TempDir dir;
   std::string const name = dir / "c.off";
   std::string expected = pattern(100);  // 10 records of 10
@@ -133,9 +115,20 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
   ASSERT_EQ(c.cwrite(27, &patch[0], 1), 1);
   c.close();
   EXPECT_EQ(fs_testing::readFile(dir / "cut"), std::string("0123456789abcdefghijKLMNO\0A\0\0\0", 30));
+  // Record files through the file objects are the service's (tested there);
+  // their owner, and options an open adds to the type.
+  FS::ioFile o = FS::create((dir / "r.off").c_str(), FS::RecordFile, 0, 16);
+  EXPECT_EQ(o.write(1, pattern(64).data(), 64), 64);
+  struct passwd* pw = getpwuid(geteuid());
+  ASSERT_NE(pw, nullptr);
+  EXPECT_EQ(o.getOwner(), vString(pw->pw_name));
+  o.close();
+  FS::ioFile u = FS::update((dir / "r.off").c_str(), FS::ByteFile, FS_NOEXTEND);
+  EXPECT_EQ(info(u, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
+  u.close();
 }
 
-TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
+TEST(FSFunctions, SpaceScratchTemporaryNamesAndWildcards) {
   TempDir dir;
   fs_testing::Env scratch("FS_SCRATCHDIR", dir.path().c_str());
   EXPECT_EQ(FS::getSpace(FS::ScratchArea, 1), vString(dir.path().c_str()));
@@ -144,6 +137,17 @@ TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
   vFilename const t1 = FS::getTempFilename("seg");
   EXPECT_NE(t1, FS::getTempFilename("seg"));
   EXPECT_EQ(t1.getDirectory(), vString(dir.path().c_str()));
+  // Wildcards in directory parts.
+  ASSERT_EQ(::mkdir((dir / "b").c_str(), 0755), 0);
+  ASSERT_EQ(::mkdir((dir / "a").c_str(), 0755), 0);
+  fs_testing::writeFile(dir / "b/x.dat", "");
+  fs_testing::writeFile(dir / "a/x.dat", "");
+  fs_testing::writeFile(dir / "a/y.txt", "");
+  std::vector<vFilename> found;
+  FS::getMatchingFiles((dir / "*/*.dat").c_str(), found);
+  std::vector<std::string> names;
+  for (vFilename const& f : found) names.push_back(f.c_str());
+  EXPECT_EQ(names, (std::vector<std::string>{dir / "a/x.dat", dir / "b/x.dat"}));
 }
 
 TEST(FSFunctions, HostsMapToTheirClusterOrStayThemselves) {
@@ -155,20 +159,6 @@ TEST(FSFunctions, HostsMapToTheirClusterOrStayThemselves) {
   for (auto const& [host, cluster] : std::vector<std::pair<char const*, char const*>>{
            {"node2", "big"}, {"solo", "alone"}, {"node12", "node12"}, {"big", "big"}, {"node3", "node3"}})
     EXPECT_EQ(FS::getCluster(host), vString(cluster)) << host;
-}
-
-TEST(FSFunctions, WildcardsInDirectoryParts) {
-  TempDir dir;
-  ASSERT_EQ(::mkdir((dir / "b").c_str(), 0755), 0);
-  ASSERT_EQ(::mkdir((dir / "a").c_str(), 0755), 0);
-  fs_testing::writeFile(dir / "b/x.dat", "");
-  fs_testing::writeFile(dir / "a/x.dat", "");
-  fs_testing::writeFile(dir / "a/y.txt", "");
-  std::vector<vFilename> found;
-  FS::getMatchingFiles((dir / "*/*.dat").c_str(), found);
-  std::vector<std::string> names;
-  for (vFilename const& f : found) names.push_back(f.c_str());
-  EXPECT_EQ(names, (std::vector<std::string>{dir / "a/x.dat", dir / "b/x.dat"}));
 }
 
 }  // namespace
