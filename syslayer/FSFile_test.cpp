@@ -1,4 +1,5 @@
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -42,6 +43,11 @@ TEST(FSFile, ErrorStaysUntilClearedThenTheFileGoesOn) {
   f.clear();
   EXPECT_EQ(f.read(3, buf, 2), 2);
   EXPECT_EQ(std::string(buf, 2), "23");
+  // Cut short while open: the read ends there.
+  fs_testing::Fault truncated(name, FS_FAULT_TRUNCATE, 5);
+  EXPECT_EQ(f.read(3, buf, 10), 3);
+  EXPECT_EQ(f.getStatus(), FS_EOF);
+  f.clear();
   f.close();
 }
 
@@ -75,38 +81,7 @@ TEST(FSFile, ReadsSeekOnlyWhenMovedAndSplitAtTheHighWaterMark) {
   g.close();
 }
 
-TEST(FSFile, FileCutShortWhileOpenEndsTheReadThere) {
-  TempDir dir;
-  std::string const name = dir / "f";
-  fs_testing::writeFile(name, pattern(3000));
-  FS::iFile f = FS::open(name.c_str(), FS::ByteFile);
-  std::vector<char> buf(1000);
-  fs_testing::Fault truncated(name, FS_FAULT_TRUNCATE, 1234);
-  EXPECT_EQ(f.read(1001, buf.data(), 1000), 234);
-  EXPECT_EQ(f.getStatus(), FS_EOF);
-  f.clear();
-  f.close();
-}
-
-// Record files through the file objects are the service's (tested there).
-TEST(FSFile, OwnerAndUpdates) {
-  TempDir dir;
-  std::string const name = dir / "r.off";
-  FS::ioFile w = FS::create(name.c_str(), FS::RecordFile, 0, 16);
-  EXPECT_EQ(w.write(1, pattern(64).data(), 64), 64);
-  w.close();
-  FS::iFile r = FS::open(name.c_str(), FS::RecordFile, 0, 16);
-  struct passwd* pw = getpwuid(geteuid());
-  ASSERT_NE(pw, nullptr);
-  EXPECT_EQ(r.getOwner(), vString(pw->pw_name));
-  r.close();
-  // Open with options adds them to the type.
-  FS::ioFile u = FS::update(name.c_str(), FS::ByteFile, FS_NOEXTEND);
-  EXPECT_EQ(info(u, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
-  u.close();
-}
-
-TEST(FSFile, CReadAndCWriteAcrossRecords) {
+TEST(FSFile, CReadAndCWriteAcrossRecordsOwnerAndOptions) {
   TempDir dir;
   std::string const name = dir / "c.off";
   std::string expected = pattern(100);  // 10 records of 10
@@ -140,23 +115,50 @@ TEST(FSFile, CReadAndCWriteAcrossRecords) {
   ASSERT_EQ(c.cwrite(27, &patch[0], 1), 1);
   c.close();
   EXPECT_EQ(fs_testing::readFile(dir / "cut"), std::string("0123456789abcdefghijKLMNO\0A\0\0\0", 30));
+  // Record files through the file objects are the service's (tested there);
+  // their owner, and options an open adds to the type.
+  FS::ioFile o = FS::create((dir / "r.off").c_str(), FS::RecordFile, 0, 16);
+  EXPECT_EQ(o.write(1, pattern(64).data(), 64), 64);
+  struct passwd* pw = getpwuid(geteuid());
+  ASSERT_NE(pw, nullptr);
+  EXPECT_EQ(o.getOwner(), vString(pw->pw_name));
+  o.close();
+  FS::ioFile u = FS::update((dir / "r.off").c_str(), FS::ByteFile, FS_NOEXTEND);
+  EXPECT_EQ(info(u, FS_INFO_OPTIONS), FS_C | FS_NOEXTEND);
+  u.close();
 }
 
-TEST(FSFunctions, SpaceScratchAndTemporaryNames) {
+TEST(FSFunctions, SpaceScratchTemporaryNamesAndWildcards) {
   TempDir dir;
-  char const* old = std::getenv("FS_SCRATCHDIR");
-  std::string const saved = old ? old : "";
-  setenv("FS_SCRATCHDIR", dir.path().c_str(), 1);
+  fs_testing::Env scratch("FS_SCRATCHDIR", dir.path().c_str());
   EXPECT_EQ(FS::getSpace(FS::ScratchArea, 1), vString(dir.path().c_str()));
   expectFailure([] { FS::getSpace(FS::ScratchArea, 0x7FFFFFFF); }, "FS::getSpace",
                 "No directory with 2147483647 MB free in disk area 0x100000: Not enough free space");
   vFilename const t1 = FS::getTempFilename("seg");
   EXPECT_NE(t1, FS::getTempFilename("seg"));
   EXPECT_EQ(t1.getDirectory(), vString(dir.path().c_str()));
-  if (old)
-    setenv("FS_SCRATCHDIR", saved.c_str(), 1);
-  else
-    unsetenv("FS_SCRATCHDIR");
+  // Wildcards in directory parts.
+  ASSERT_EQ(::mkdir((dir / "b").c_str(), 0755), 0);
+  ASSERT_EQ(::mkdir((dir / "a").c_str(), 0755), 0);
+  fs_testing::writeFile(dir / "b/x.dat", "");
+  fs_testing::writeFile(dir / "a/x.dat", "");
+  fs_testing::writeFile(dir / "a/y.txt", "");
+  std::vector<vFilename> found;
+  FS::getMatchingFiles((dir / "*/*.dat").c_str(), found);
+  std::vector<std::string> names;
+  for (vFilename const& f : found) names.push_back(f.c_str());
+  EXPECT_EQ(names, (std::vector<std::string>{dir / "a/x.dat", dir / "b/x.dat"}));
+}
+
+TEST(FSFunctions, HostsMapToTheirClusterOrStayThemselves) {
+  fs_testing::Env none("FS_CLUSTERS", nullptr);
+  EXPECT_EQ(FS::getCluster("node7"), vString("node7"));
+  // Blanks and tabs separate pairs; malformed pairs are skipped, and the
+  // first pair for a host wins. Prefixes and cluster names are no hosts.
+  fs_testing::Env pairs("FS_CLUSTERS", " node1=big,node2=big\tsolo=alone =x node3= junk node2=c3 ");
+  for (auto const& [host, cluster] : std::vector<std::pair<char const*, char const*>>{
+           {"node2", "big"}, {"solo", "alone"}, {"node12", "node12"}, {"big", "big"}, {"node3", "node3"}})
+    EXPECT_EQ(FS::getCluster(host), vString(cluster)) << host;
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 
 // Test helpers of the system layer and the file stores above it: a scratch
 // directory removed with all it holds, small file writers, a scoped test
-// fault of the file service, and a checker of failures by method and text.
+// fault of the file service, a scoped environment variable, the service's
+// last failure, and checkers of failures by method and text and of errors
+// reported.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -16,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/Message.h"
 #include "foundation/MessageHandling.h"
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
@@ -80,6 +83,23 @@ inline std::string readFile(std::string const& path) {
   return out;
 }
 
+// An environment variable set (unset, given nullptr) for one scope, then put
+// back as it was.
+class Env {
+ public:
+  Env(char const* name, char const* value) : m_name(name), m_had(std::getenv(name) != nullptr) {
+    if (m_had) m_old = std::getenv(name);
+    value ? ::setenv(name, value, 1) : ::unsetenv(name);
+  }
+  ~Env() { m_had ? ::setenv(m_name.c_str(), m_old.c_str(), 1) : ::unsetenv(m_name.c_str()); }
+  Env(Env const&) = delete;
+  Env& operator=(Env const&) = delete;
+
+ private:
+  std::string m_name, m_old;
+  bool m_had;
+};
+
 // A test fault of the record file service (FSService.h) for one scope:
 //   fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, 1000);
 // makes the file at path look 1000 bytes long until the scope ends.
@@ -90,6 +110,24 @@ class Fault {
   Fault(Fault const&) = delete;
   Fault& operator=(Fault const&) = delete;
 };
+
+// The text of the file service's last failure.
+inline std::string lastFailure() {
+  char text[400];
+  FS_rrc(text, sizeof text);
+  return text;
+}
+
+// How many errors f reports, its reports kept quiet.
+template <class F>
+int quietErrors(F f) {
+  int const before = Message::getNErrors();
+  {
+    MessageHandling quiet;
+    f();
+  }
+  return Message::getNErrors() - before;
+}
 
 using ::expectFailure;
 

@@ -62,10 +62,6 @@ std::string readAll(TapeSetReader& r, unsigned chunk = 7) {
   }
 }
 
-struct FaultScope {
-  ~FaultScope() { FS_testfault("", FS_FAULT_NONE, 0); }
-};
-
 TEST(TapeLabels, RecordsAreEightyBlankFilledBytes) {
   std::string const vol = Image::label("VOL1", "T00001");
   std::string const hdr1 = Image::label("HDR1", "SITEOWNER");
@@ -87,7 +83,6 @@ TEST(TapeLabels, RecordsAreEightyBlankFilledBytes) {
   fs_bansi_("XYZ1", "", record, status);
   EXPECT_EQ(status, FS_BADLABEL);
 
-  // Read back.
   char kind[5], value[32];
   fs_ransi_(vol.data(), 80, kind, value, sizeof value, status);
   EXPECT_EQ(status, FS_GOOD);
@@ -128,7 +123,7 @@ TEST(TapeImages, WrittenFramingIsByteExactAndReadsBack) {
   FS_closet(id);
 }
 
-TEST(TapeSetReader, InitialAndLaterSkips) {
+TEST(TapeSetReader, InitialAndLaterSkipsAndDriveNames) {
   TempDir dir;
   std::string const a = dir / "a.tap";
   fs_testing::writeFile(a, Image().labels().block("0123").block("456789").block("abc").mark().bytes());
@@ -136,9 +131,6 @@ TEST(TapeSetReader, InitialAndLaterSkips) {
   r.setInitialSkip(6);
   ::testing::internal::CaptureStdout();
   EXPECT_EQ(readAll(r, 3), "6789abc");
-  ::testing::internal::GetCapturedStdout();
-
-  ::testing::internal::CaptureStdout();
   // Skips between reads cross blocks and stop at the end.
   std::string const b = dir / "b.tap";
   fs_testing::writeFile(b, Image().block("0123456789").block("abcdefghij").bytes());
@@ -148,39 +140,15 @@ TEST(TapeSetReader, InitialAndLaterSkips) {
   ASSERT_EQ(s.read(buf, 4), 4u);
   EXPECT_EQ(std::string(buf, 4), "cdef");
   EXPECT_EQ(s.skip(100), 4);
-  ::testing::internal::GetCapturedStdout();
-}
-
-TEST(TapeSetReader, DriveNamesSetTheTypeOfTheTapesAfterThem) {
-  TempDir dir;
-  std::string const a = dir / "a.tap";
-  fs_testing::writeFile(a, Image().block("data").bytes());
-  TapeSetReader s({a.c_str(), "F3592", a.c_str(), "FNOTADRIVE"});
-  ::testing::internal::CaptureStdout();
-  char buf[4];
-  ASSERT_EQ(s.read(buf, 4), 4u);
-  ASSERT_EQ(s.read(buf, 4), 4u);
-  EXPECT_EQ(s.getDeviceType(), 0x20080000);
+  // Drive names set the type of the tapes after them.
+  std::string const c = dir / "c.tap";
+  fs_testing::writeFile(c, Image().block("data").bytes());
+  TapeSetReader d({c.c_str(), "F3592", c.c_str(), "FNOTADRIVE"});
+  ASSERT_EQ(d.read(buf, 4), 4u);
+  ASSERT_EQ(d.read(buf, 4), 4u);
+  EXPECT_EQ(d.getDeviceType(), 0x20080000);
   // An "F" name that is no drive is a tape like any other.
-  expectFailure([&] { s.read(buf, 4); }, "FS_terminate", "FNOTADRIVE: No such file or directory");
-  ::testing::internal::GetCapturedStdout();
-}
-
-TEST(TapeSetReader, TenthBlankReadInARowFailsTheNinthDoesNot) {
-  TempDir dir;
-  std::string const nine = dir / "nine.tap", ten = dir / "ten.tap";
-  Image n, t;
-  for (int i = 0; i < 9; ++i) n.gap(), t.gap();
-  t.gap();
-  fs_testing::writeFile(nine, n.block("after nine").bytes());
-  fs_testing::writeFile(ten, t.block("after ten").bytes());
-  TapeSetReader ok({nine.c_str()});
-  ::testing::internal::CaptureStdout();
-  EXPECT_EQ(readAll(ok), "after nine");
-  TapeSetReader bad({ten.c_str()});
-  char buf[4];
-  expectFailure([&] { bad.read(buf, 4); }, "TapeSetReader::myReadNext",
-                "Problems reading tape " + ten + ", keep getting blank.");
+  expectFailure([&] { d.read(buf, 4); }, "FS_terminate", "FNOTADRIVE: No such file or directory");
   ::testing::internal::GetCapturedStdout();
 }
 
@@ -202,9 +170,8 @@ TEST(TapeSetReader, VariableLengthFiles) {
   EXPECT_FALSE(r.isOpen());
 }
 
-TEST(TapeSetReader, BrokenTapesAreFatalTruncatedOnesEndTheVolume) {
+TEST(TapeSetReader, BrokenTapesAreFatalTruncatedOnesEndTheVolumeBlankOnesFailAtTheTenth) {
   TempDir dir;
-  FaultScope scope;
   std::string const cut = dir / "cut.tap";
   fs_testing::writeFile(cut, Image().block("whole").bytes() + Image().block("partial").bytes().substr(0, 8));
   TapeSetReader r({cut.c_str()});
@@ -215,7 +182,7 @@ TEST(TapeSetReader, BrokenTapesAreFatalTruncatedOnesEndTheVolume) {
 
   std::string const bad = dir / "bad.tap";
   fs_testing::writeFile(bad, Image().block("0123456789").block("abcdefghij").bytes());
-  FS_testfault(bad.c_str(), FS_FAULT_FAILREAD, 20);
+  fs_testing::Fault failing(bad, FS_FAULT_FAILREAD, 20);  // cleared at the end, as is the truncation below
   TapeSetReader f({bad.c_str()});
   ASSERT_EQ(f.read(buf, 10), 10u);
   expectFailure([&] { f.read(buf, 10); }, "FS_terminate", bad + ": Input/output error");
@@ -223,6 +190,18 @@ TEST(TapeSetReader, BrokenTapesAreFatalTruncatedOnesEndTheVolume) {
   FS_testfault(bad.c_str(), FS_FAULT_TRUNCATE, 18);
   TapeSetReader t({bad.c_str()});
   EXPECT_EQ(readAll(t), "0123456789");
+  // The tenth blank read in a row fails, the ninth does not.
+  std::string const nine = dir / "nine.tap", ten = dir / "ten.tap";
+  Image n, g;
+  for (int i = 0; i < 9; ++i) n.gap(), g.gap();
+  g.gap();
+  fs_testing::writeFile(nine, n.block("after nine").bytes());
+  fs_testing::writeFile(ten, g.block("after ten").bytes());
+  TapeSetReader ok({nine.c_str()});
+  EXPECT_EQ(readAll(ok), "after nine");
+  TapeSetReader blank({ten.c_str()});
+  expectFailure([&] { blank.read(buf, 4); }, "TapeSetReader::myReadNext",
+                "Problems reading tape " + ten + ", keep getting blank.");
   ::testing::internal::GetCapturedStdout();
 }
 

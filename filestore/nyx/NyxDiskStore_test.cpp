@@ -10,6 +10,7 @@
 #include "filestore/nyx/NyxTesting.h"
 #include "syslayer/FSTesting.h"
 
+using fs_testing::expectFailure;
 using namespace nyx_testing;
 
 namespace {
@@ -100,24 +101,24 @@ TEST(NyxDiskStore, TapeSetsReadForwardOnly) {
     store.open(vFilename(("T=" + (dir / "t1.tap") + "," + (dir / "t2.tap")).c_str()));
     expectTraces(store, 3, 1, 7, true);
     Attribute trace("TRACE", "", vFLOAT32);
-    fs_testing::expectFailure([&] { store.read(trace, 3, 4); }, "NyxDiskStore::read",
-                              "Only sequential reading is supported by tapes (3 != 8)");
-    fs_testing::expectFailure([&] { store.read(trace, std::vector<unsigned int>{8}); }, "NyxDiskStore::read",
-                              "Tape reading via instance list is not supported!");
+    expectFailure([&] { store.read(trace, 3, 4); }, "NyxDiskStore::read",
+                  "Only sequential reading is supported by tapes (3 != 8)");
+    expectFailure([&] { store.read(trace, std::vector<unsigned int>{8}); }, "NyxDiskStore::read",
+                  "Tape reading via instance list is not supported!");
     store.read(trace, 8, 12);
     EXPECT_EQ(sample(3, 12, 4), trace.getFloat32Pointer(5)[4]);
-    fs_testing::expectFailure([&] { store.read(trace, 13, 13); }, "NyxDiskStore::read",
-                              "Requesting data after hitting the end-of-tape!");
-    fs_testing::expectFailure([&] { store.generateIndexFile(); }, "NyxDiskStore::generateIndexFile",
-                              "Cannot generate an index file for tapes!");
+    expectFailure([&] { store.read(trace, 13, 13); }, "NyxDiskStore::read",
+                  "Requesting data after hitting the end-of-tape!");
+    expectFailure([&] { store.generateIndexFile(); }, "NyxDiskStore::generateIndexFile",
+                  "Cannot generate an index file for tapes!");
     ::testing::internal::GetCapturedStdout();
   }
   NyxDiskStore late;
   ::testing::internal::CaptureStdout();
   late.open(vFilename(("T " + (dir / "t1.tap") + ":" + (dir / "t2.tap")).c_str()));
   Attribute trace("TRACE", "", vFLOAT32);
-  fs_testing::expectFailure([&] { late.read(trace, 2, 2); }, "NyxDiskStore::read",
-                            "The first read must be from instance 1 ... not 2!");
+  expectFailure([&] { late.read(trace, 2, 2); }, "NyxDiskStore::read",
+                "The first read must be from instance 1 ... not 2!");
   ::testing::internal::GetCapturedStdout();
   EXPECT_TRUE(NyxDiskStore::isTapeName("Tape=x"));
   EXPECT_FALSE(NyxDiskStore::isTapeName("tapex=y"));
@@ -133,28 +134,26 @@ TEST(NyxDiskStore, MadeCstFilesReadBack) {
       EXPECT_TRUE(store.isCreating());
       Attribute trace("TRACE", "", type, 3, 2.0), cmps("CMP", "", vINT32), elev("ELEV", "", vFLOAT64);
       for (Attribute const& a : {cmps, trace, elev}) store.addAttribute(a);
-      fs_testing::expectFailure([&] { store.addAttribute(cmps); }, "NyxDiskStore::addAttribute",
-                                "Already added the attribute CMP!");
-      fs_testing::expectFailure([&] { store.addAttribute(Attribute("OFFSET", "", vFLOAT32)); },
-                                "NyxDiskStore::addAttribute",
-                                "The format of attribute OFFSET is incorrect for this type of disk store!");
+      expectFailure([&] { store.addAttribute(cmps); }, "NyxDiskStore::addAttribute",
+                    "Already added the attribute CMP!");
+      expectFailure([&] { store.addAttribute(Attribute("OFFSET", "", vFLOAT32)); }, "NyxDiskStore::addAttribute",
+                    "The format of attribute OFFSET is incorrect for this type of disk store!");
       trace.resize(4);
-      cmps.resize(2);
       for (unsigned int i = 1; i <= 4; ++i)
         for (int s = 0; s < 3; ++s) {
           if (type == vFLOAT32) trace.getFloat32Pointer(i)[s] = 1000.0f * i + s;
           else trace.getInt16Pointer(i)[s] = static_cast<short>(1000 * i + s);
         }
-      cmps.setInt32(1, 7);
-      cmps.setInt32(2, 8);
+      int const cmpValues[] = {7, 8};
+      cmps.copyData(2, cmpValues);
       store.write(trace, 1, 4);
       store.write(cmps, 3, 4);
-      fs_testing::expectFailure([&] { store.write(cmps, 4, 5); }, "NyxDiskStore::write",
-                                "Invalid instance range (4:5) for the write of CMP ... we only support 1:4!");
+      expectFailure([&] { store.write(cmps, 4, 5); }, "NyxDiskStore::write",
+                    "Invalid instance range (4:5) for the write of CMP ... we only support 1:4!");
       Attribute wrong("CMP", "", vINT64);
       wrong.resize(1);
-      fs_testing::expectFailure([&] { store.write(wrong, 1, 1); }, "NyxDiskStore::write",
-                                "Expected the datatype of CMP to be vINT32, not vINT64!");
+      expectFailure([&] { store.write(wrong, 1, 1); }, "NyxDiskStore::write",
+                    "Expected the datatype of CMP to be vINT32, not vINT64!");
       store.close();
     }
     NyxDiskStore store;
@@ -170,8 +169,7 @@ TEST(NyxDiskStore, MadeCstFilesReadBack) {
     EXPECT_EQ(0, cmps.getInt32(2));
     EXPECT_EQ(8, cmps.getInt32(4));
     Attribute more("CMP", "", vINT32);
-    fs_testing::expectFailure([&] { store.write(more, 1, 1); }, "NyxDiskStore::write",
-                              "A Nyx fisk file has not created yet!");
+    expectFailure([&] { store.write(more, 1, 1); }, "NyxDiskStore::write", "A Nyx fisk file has not created yet!");
   }
 }
 
@@ -179,28 +177,25 @@ TEST(NyxDiskStore, BadFilesAndNames) {
   fs_testing::TempDir dir;
   std::string const path = dir / "bad.cst";
   NyxDiskStore store;
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
-                            "The file '" + path + "' does not exist!");
-  fs_testing::expectFailure([&] { store.open(vFilename("host:/data/a.cst")); }, "NyxDiskStore::open",
-                            "Cannot open 'host:/data/a.cst' as only local files are supported!");
+  auto open = [&] { store.open(vFilename(path.c_str())); };
+  expectFailure(open, "NyxDiskStore::open", "The file '" + path + "' does not exist!");
+  expectFailure([&] { store.open(vFilename("host:/data/a.cst")); }, "NyxDiskStore::open",
+                "Cannot open 'host:/data/a.cst' as only local files are supported!");
   writeFixture("cst", path, "<", 5, "3");
   std::string const bytes = fs_testing::readFile(path);
   fs_testing::writeFile(path, bytes.substr(0, bytes.size() - 4));
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
-                            "Calculation error, physical file size 824 != calculated size 552!");
+  expectFailure(open, "NyxDiskStore::open", "Calculation error, physical file size 824 != calculated size 552!");
   std::string odd = bytes;
   odd[32] = 6;  // data format word 8
   fs_testing::writeFile(path, odd);
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
-                            "Data format 6 is unsupported!");
+  expectFailure(open, "NyxDiskStore::open", "Data format 6 is unsupported!");
   fs_testing::writeFile(path, bytes);
-  store.open(vFilename(path.c_str()));
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
-                            "A Nyx disk file is already open '" + path + "'!");
-  fs_testing::expectFailure([&] { store.getAttribute("WORD64"); }, "NyxDiskStore::getAttribute",
-                            "Word index 64 out of range for attribute WORD64!");
+  open();
+  expectFailure(open, "NyxDiskStore::open", "A Nyx disk file is already open '" + path + "'!");
+  expectFailure([&] { store.getAttribute("WORD64"); }, "NyxDiskStore::getAttribute",
+                "Word index 64 out of range for attribute WORD64!");
   Attribute unknown("CDP", "", vINT32);
-  fs_testing::expectFailure([&] { store.read(unknown, 1, 1); }, "NyxDiskStore::read", "Unsupported attribute 'CDP'!");
+  expectFailure([&] { store.read(unknown, 1, 1); }, "NyxDiskStore::read", "Unsupported attribute 'CDP'!");
 }
 
 // A "dat" file whose prologue, history trace or blocks are wrong.
@@ -229,7 +224,6 @@ TEST(NyxDiskStore, BadDatFiles) {
   for (Case const& c : cases) {
     fs_testing::writeFile(path, c.bytes);
     NyxDiskStore store;
-    fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
-                              c.reason);
+    expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails", c.reason);
   }
 }

@@ -1,13 +1,18 @@
-// Index files of "dat" files (made, taken, and ignored when wrong), and the
-// store on broken disks through the file service's test faults.
+// Index files of "dat" files (made, taken, and ignored when wrong), the
+// store on broken disks through the file service's test faults, and the
+// POSIX-like adapters it reads through: a round trip through a new file,
+// and -1 with the service's status on failure.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "filestore/nyx/NyxDiskStore.h"
+#include "filestore/nyx/NyxFS.h"
 #include "filestore/nyx/NyxTesting.h"
-#include "foundation/UtlExcept.h"
 #include "syslayer/FSTesting.h"
 
+using fs_testing::expectFailure;
 using namespace nyx_testing;
 
 namespace {
@@ -74,11 +79,11 @@ TEST(NyxIndex, MadeTakenAWrongOneIgnoredAndACutFileRefused) {
   std::string const whole = fs_testing::readFile(path);
   std::string const cut = "The Nyx file " + path + " is cut short: its ";
   fs_testing::writeFile(path, whole.substr(0, 1968 + 24 + 3 * 276));
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
-                            cut + "block at byte 1968 calls for 6 traces of 276 bytes, it holds 3.");
+  expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::myGetDatFileDetails",
+                cut + "block at byte 1968 calls for 6 traces of 276 bytes, it holds 3.");
   fs_testing::writeFile(path, whole.substr(0, 1968));
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
-                            cut + "index calls for 12 traces of 276 bytes, it holds 6.");
+  expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
+                cut + "index calls for 12 traces of 276 bytes, it holds 6.");
   EXPECT_FALSE(store.isOpen());
 }
 
@@ -99,17 +104,14 @@ TEST(NyxFaults, ShortReadsGiveTheSameValuesAndAFailedReadNamesItsInstance) {
     // trace 7 of the dat file (1992 to 2267) cannot be read.
     fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 2000);
     unsigned int const broken = name[2] == 'c' ? 8 : 7;
-    try {
-      cmpOf(store, broken);
-      ADD_FAILURE() << "no failure";
-    } catch (UtlExcept const& e) {
-      // The record service names a failed read; a block file's reads only
-      // see how many bytes came.
-      std::string const expected =
-          name[2] == 'c' ? "Failed to read the instance 8 from the file '" + path + "' for instance 8 ... status "
-                         : "Failed to read 276 bytes from the file '" + path + "' for instance 7, got ";
-      EXPECT_EQ(expected, std::string(e.getReason().c_str()).substr(0, expected.size())) << e.getReason().c_str();
-    }
+    // The record service names a failed read; a block file's reads only
+    // see how many bytes came.
+    std::string const expected =
+        "NyxDiskStore::read: " +
+        (name[2] == 'c' ? "Failed to read the instance 8 from the file '" + path + "' for instance 8 ... status "
+                        : "Failed to read 276 bytes from the file '" + path + "' for instance 7, got ");
+    std::string const text = fatalText([&] { cmpOf(store, broken); });
+    EXPECT_EQ(expected, text.substr(0, expected.size())) << text;
     EXPECT_EQ(cmp(5), cmpOf(store, 5));
   }
 }
@@ -119,8 +121,7 @@ TEST(NyxIndex, SettingsOfTheSite) {
   fs_testing::TempDir dir;
   std::string const path = dir / "auto.dat";
   writeFixture("dat", path, "<", 5);
-  ::setenv("SP_NYX_AUTOGENERATEINDEX", "true", 1);
-  ::setenv("SP_NYX_BLOCKINGFACTOR", "4", 1);
+  fs_testing::Env autoIndex("SP_NYX_AUTOGENERATEINDEX", "true"), blocking("SP_NYX_BLOCKINGFACTOR", "4");
   NyxDiskStore store;
   store.open(vFilename(path.c_str()));
   EXPECT_TRUE(store.isUsingIndex());
@@ -128,9 +129,33 @@ TEST(NyxIndex, SettingsOfTheSite) {
   EXPECT_EQ(4 * 276, store.getRecord().physicalRecLenB);
   store.close();
   ::setenv("SP_NYX_BLOCKINGFACTOR", "0", 1);
-  fs_testing::expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
-                            "Failed to set the blocking factor to 0 for '" + path + "' ... status 0!");
+  expectFailure([&] { store.open(vFilename(path.c_str())); }, "NyxDiskStore::open",
+                "Failed to set the blocking factor to 0 for '" + path + "' ... status 0!");
   EXPECT_FALSE(store.isOpen());
-  ::unsetenv("SP_NYX_AUTOGENERATEINDEX");
-  ::unsetenv("SP_NYX_BLOCKINGFACTOR");
+}
+
+TEST(NyxFS, RoundTripAndFailures) {
+  fs_testing::TempDir dir;
+  std::string const path = dir / "f.bin";
+  int const fd = NYXFSopen3(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
+  ASSERT_GE(fd, 0) << NYXFSerror();
+  EXPECT_EQ(10, NYXFSwrite(fd, "0123456789", 10));
+  EXPECT_EQ(4, NYXFSlseek(fd, 4, SEEK_SET));
+  EXPECT_EQ(6, NYXFSlseek(fd, 2, SEEK_CUR));
+  EXPECT_EQ(8, NYXFSlseek(fd, -2, SEEK_END));
+  char buffer[8] = {};
+  EXPECT_EQ(2, NYXFSread(fd, buffer, sizeof buffer));
+  EXPECT_EQ("89", std::string(buffer));
+  struct stat s;
+  ASSERT_EQ(0, NYXFSfstat(fd, &s));
+  EXPECT_EQ(10, s.st_size);
+  EXPECT_EQ(-1, NYXFSlseek(fd, -20, SEEK_CUR));
+  EXPECT_EQ(0, NYXFSclose(fd));
+  EXPECT_EQ("0123456789", fs_testing::readFile(path));
+
+  EXPECT_EQ(-1, NYXFSopen2((dir / "none.bin").c_str(), O_RDONLY));
+  EXPECT_NE(1, NYXFSerrno());
+  EXPECT_NE(std::string(), NYXFSerror());
+  EXPECT_EQ(-1, NYXFSread(99999, buffer, 1));
+  EXPECT_EQ(-1, NYXFSclose(99999));
 }

@@ -5,29 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
-#include <sstream>
 #include <string>
 #include <vector>
 
-namespace {
+#include "filestore/offload/OffloadTesting.h"
 
-// The Python packer's record (hex) and unpacked samples.
-bool pythonPack(int n, int window, int swap, std::string& hex, std::vector<float>& values) {
-  std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_pack.py " +
-                          std::to_string(n) + " " + std::to_string(window) + " " + std::to_string(swap);
-  FILE* pipe = ::popen(cmd.c_str(), "r");
-  if (!pipe) return false;
-  std::string text;
-  char chunk[4096];
-  while (std::size_t got = std::fread(chunk, 1, sizeof chunk, pipe)) text.append(chunk, got);
-  if (::pclose(pipe) != 0) return false;
-  std::istringstream in(text);
-  std::getline(in, hex);
-  float v;
-  while (in >> v) values.push_back(v);
-  return true;
-}
+namespace {
 
 std::string toHex(std::vector<uint32_t> const& record) {
   static char const digits[] = "0123456789abcdef";
@@ -51,21 +34,23 @@ TEST(OffloadCompression, PackedRecordsAndValuesMatchThePythonPacker) {
   for (Case const c : {Case{7, 0, 0}, Case{8, 0, 1}, Case{1, 0, 1}, Case{11, 4, 0}, Case{13, 3, 1}, Case{9, 20, 0}}) {
     SCOPED_TRACE("n " + std::to_string(c.n) + " window " + std::to_string(c.window) + " swap " +
                  std::to_string(c.swap));
-    std::string hex;
-    std::vector<float> expected;
-    ASSERT_TRUE(pythonPack(c.n, c.window, c.swap, hex, expected)) << "python3 with numpy is needed";
+    // The Python packer's record (hex), then its unpacked samples.
+    std::vector<std::string> const packed = offload_testing::python(
+        "offload_pack.py " + std::to_string(c.n) + " " + std::to_string(c.window) + " " + std::to_string(c.swap));
+    ASSERT_EQ(2u, packed.size()) << "python3 with numpy is needed";
+    std::vector<double> const expected = offload_testing::numbers(packed[1]);
     std::vector<float> samples(static_cast<std::size_t>(c.n));
     for (int i = 0; i < c.n; ++i)
       samples[static_cast<std::size_t>(i)] = i < 5 ? 0.0f : static_cast<float>(std::sin(0.7 * i) * 100 * (i % 5 + 1));
     int const words = compression_moffld_int16Tlen(c.n, c.window);
     std::vector<uint32_t> record(static_cast<std::size_t>(words), 0xdeadbeef);
     compression_moffld_int16(c.n, samples.data(), c.swap != 0, record.data(), c.window, 1);
-    EXPECT_EQ(hex, toHex(record));
+    EXPECT_EQ(packed[0], toHex(record));
     std::vector<float> back(static_cast<std::size_t>(c.n), -1.0f);
     compression_moffld_int16(c.n, back.data(), c.swap != 0, record.data(), c.window, 0);
     ASSERT_EQ(expected.size(), back.size());
     for (std::size_t i = 0; i < back.size(); ++i) {
-      EXPECT_FLOAT_EQ(expected[i], back[i]) << i;
+      EXPECT_FLOAT_EQ(static_cast<float>(expected[i]), back[i]) << i;
       // Within one step of the window's scale of the original.
       EXPECT_NEAR(samples[i], back[i], 600.0 / 32766.0 + 1e-6) << i;
     }

@@ -3,44 +3,36 @@
 // tests update copies of it.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
-#include <vector>
 
 #include "filestore/offload/OffloadDiskStore.h"
+#include "filestore/offload/OffloadTesting.h"
+#include "syslayer/FSTesting.h"
 #include "testing/StoreConformance.h"
 
 namespace {
 
-// Written once per run and opened for each case; removed at exit.
-std::string const& referenceFile() {
-  static std::string const file = [] {
-    std::string const base = ::testing::TempDir() + "offload_conformance_" + std::to_string(::getpid());
-    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
-                            "/filestore/offload/testdata/offload_fixture.py " +
-                            base + ".offload " + base + ".txt '>' 2 995 0 reference";
-    if (std::system(cmd.c_str()) != 0) ADD_FAILURE() << "python3 with numpy is needed: " << cmd;
-    std::remove((base + ".txt").c_str());
-    return base + ".offload";
-  }();
-  static struct Remover {
-    ~Remover() { std::remove(file.c_str()); }
-  } remover;
-  return file;
+// The reference file, written once per run and opened for each case, and
+// the copies of the write tests, in a directory removed at exit; its name in
+// lower case, as the store's update with options takes it.
+std::string const& dir() {
+  static struct Dir {
+    Dir() { ::mkdir(path.c_str(), 0755); }
+    ~Dir() { fs_testing::TempDir::removeTree(path); }
+    std::string const path = ::testing::TempDir() + "offload_conformance_" + std::to_string(::getpid());
+  } const d;
+  return d.path;
 }
 
-// Copies for the write tests, removed at exit.
-std::vector<std::string>& copies() {
-  static std::vector<std::string> files;
-  static struct Remover {
-    ~Remover() {
-      for (std::string const& f : files) std::remove(f.c_str());
-    }
-  } remover;
-  return files;
+std::string const& referenceFile() {
+  static std::string const file = [] {
+    offload_testing::writeFixture(dir() + "/reference.offload", dir() + "/reference.txt", ">", 2, 995, 0, "reference");
+    return dir() + "/reference.offload";
+  }();
+  return file;
 }
 
 StoreConformanceCase offloadCase() {
@@ -52,13 +44,9 @@ StoreConformanceCase offloadCase() {
     return handle;
   };
   c.openForUpdate = [] {
-    std::string const copy = referenceFile() + "." + std::to_string(copies().size() + 1) + ".offload";
-    {
-      std::ifstream in(referenceFile(), std::ios::binary);
-      std::ofstream out(copy, std::ios::binary);
-      out << in.rdbuf();
-    }
-    copies().push_back(copy);
+    static int serial = 0;
+    std::string const copy = dir() + "/copy" + std::to_string(++serial) + ".offload";
+    fs_testing::writeFile(copy, fs_testing::readFile(referenceFile()));
     OffloadDiskStore* store = new OffloadDiskStore;
     vHandle<AttributeSet> handle(store);
     store->update(copy.c_str(), 0, "", "", nullptr);

@@ -6,29 +6,16 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <string>
 
 #include "filestore/offload/OffloadDiskStore.h"
-#include "foundation/UtlExcept.h"
+#include "filestore/offload/OffloadTesting.h"
+#include "syslayer/FSTesting.h"
 
 namespace {
-
-std::string reason(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return e.getReason().c_str();
-  }
-  return "no failure";
-}
-
-std::string tempName(char const* what) {
-  return ::testing::TempDir() + "offload_header_" + std::to_string(::getpid()) + "_" + what;
-}
 
 std::string cwd() {
   char buffer[4096];
@@ -39,8 +26,8 @@ std::string cwd() {
 
 TEST(OffloadHeaderFile, TextsReadAsWritten) {
   OffloadHeaderFile h;
-  EXPECT_EQ("Version is not known at this point. Application should open or create OffloadHeader file first.",
-            reason([&] { h.getVersion(); }));
+  expectFailure([&] { h.getVersion(); }, "OffloadHeaderFile::getVersion",
+                "Version is not known at this point. Application should open or create OffloadHeader file first.");
   std::string const v1 = "Sun Mar  3 10:00:00 1996\nmoffld_job7 extra\n100 50 3\n  1500 /d/a.offload\tb\n0 2500.5\n";
   h.parse(vFilename("h1"), v1.data(), v1.size());
   EXPECT_EQ(1, h.getVersion().getVersion());
@@ -57,8 +44,7 @@ TEST(OffloadHeaderFile, TextsReadAsWritten) {
   std::string v2 = "Tue Mar  5 10:00:00 1996\njob\n12.5 25 4\nx\n";
   while (v2.size() % 4) v2 += ' ';
   std::string swapped = v2;
-  for (std::size_t k = 0; k < swapped.size(); k += 4)
-    std::swap(swapped[k], swapped[k + 3]), std::swap(swapped[k + 1], swapped[k + 2]);
+  for (std::size_t k = 0; k < swapped.size(); k += 4) std::reverse(swapped.begin() + k, swapped.begin() + k + 4);
   ASSERT_EQ(" euT", swapped.substr(0, 4));
   for (std::string const& text : {v2, swapped}) {
     OffloadHeaderFile w;
@@ -72,13 +58,14 @@ TEST(OffloadHeaderFile, TextsReadAsWritten) {
   // The first words of a data file, in either order.
   for (std::string const& data :
        {std::string("\x64\0\0\0\xa7\x2e\x01\0", 8), std::string("\0\0\0\x64\0\x01\x2e\xa7", 8)})
-    EXPECT_EQ("File 'd' does not appear to be a header file",
-              reason([&] { h.parse(vFilename("d"), data.data(), data.size()); }));
+    expectFailure([&] { h.parse(vFilename("d"), data.data(), data.size()); }, "OffloadHeaderFile::open",
+                  "File 'd' does not appear to be a header file");
 }
 
 TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
+  fs_testing::TempDir dir;
   for (int version : {1, 2}) {
-    std::string const name = tempName("saved") + std::to_string(version) + ".hdr";
+    std::string const name = dir / ("saved" + std::to_string(version) + ".hdr");
     OffloadHeaderFile h;
     h.create(vFilename(name.c_str()), version, 100.25, 50, 3);
     h.setDataFilenames({vFilename("/data/o1.offload"), vFilename("/data/o2.offload")});
@@ -93,19 +80,16 @@ TEST(OffloadHeaderFile, SavedAndOpenedAgain) {
     std::string line;
     for (int k = 0; k < 3; ++k) std::getline(in, line);
     EXPECT_EQ(version == 2 ? "100.25 50.00 3" : "100 50 3", line);
-    std::remove(name.c_str());
   }
 }
 
 TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
-  std::string const base = tempName("set");
+  fs_testing::TempDir dir;
+  std::string const base = dir / "set";
   std::string files;
   for (char const* order : {"<", ">"}) {
     std::string const data = base + (order[0] == '<' ? "_le" : "_be") + ".offload";
-    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR
-                            "/filestore/offload/testdata/offload_fixture.py " +
-                            data + " " + base + ".txt '" + order + "' 1 991 0";
-    ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+    offload_testing::writeFixture(data, base + ".txt", order, 1, 991, 0);
     files += data + "\n";
   }
   auto header = [&](char const* offsets) {
@@ -121,15 +105,10 @@ TEST(OffloadHeaderFile, AHeaderSetOpensAsAStoreOfOneSetPerFile) {
   Attribute cdp("CDP", "", vINT32);
   store.read(cdp, 2, 2);
   EXPECT_EQ(14, cdp.getInt32(1));
-  EXPECT_EQ(std::string(store.getCurrentFilename().c_str()),
-            files.substr(files.find('\n') + 1, files.size() - files.find('\n') - 2));
+  EXPECT_EQ(base + "_be.offload", store.getCurrentFilename().c_str());
   store.close();
   header("100 50 4");
-  std::string const first = files.substr(0, files.find('\n'));
-  EXPECT_EQ("Data file '" + first + "' does not belong to the offsets of header file '" + base + ".hdr'.", reason([&] {
-              OffloadDiskStore s;
-              s.open(vFilename((base + ".hdr").c_str()));
-            }));
-  std::remove((base + ".hdr").c_str());
-  std::remove((base + ".txt").c_str());
+  expectFailure([&] { OffloadDiskStore().open(vFilename((base + ".hdr").c_str())); }, "OffloadDiskStore::open",
+                "Data file '" + base + "_le.offload' does not belong to the offsets of header file '" + base +
+                    ".hdr'.");
 }

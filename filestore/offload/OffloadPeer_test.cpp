@@ -1,69 +1,84 @@
 // Offload files written by an independent Python writer (testdata/), read
-// through the store: every value equals what the writer says it wrote.
+// through the store: every value equals what the writer says it wrote. And
+// the store on broken disks, through the file service's test faults: reads
+// that fail part way, files cut short.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "filestore/offload/OffloadDiskStore.h"
-#include "foundation/UtlExcept.h"
+#include "filestore/offload/OffloadTesting.h"
+#include "syslayer/FSTesting.h"
+
+using fs_testing::readFile;
+using fs_testing::writeFile;
 
 namespace {
 
+// A file of the Python writer and what it wrote; names in lower case, as
+// the store's open with options takes them.
 struct Fixture {
-  std::string file, expect;
+  Fixture(char const* order, int version, int shape, int compressed) {
+    offload_testing::writeFixture(file, expect, order, version, shape, compressed);
+  }
   ~Fixture() { std::remove(file.c_str()), std::remove(expect.c_str()); }
-};
-
-std::string slurp(std::string const& file) {
-  std::ifstream in(file, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-Fixture writeFixture(char const* order, int version, int shape, int compressed) {
-  static int serial = 0;
+  static inline int serial = 0;
   std::string const base =
       ::testing::TempDir() + "offload_peer_" + std::to_string(::getpid()) + "_" + std::to_string(++serial);
-  std::string const cmd =
-      std::string("/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py ") +
-      base + ".offload " + base + ".txt '" + order + "' " + std::to_string(version) + " " + std::to_string(shape) + " " +
-      std::to_string(compressed);
-  EXPECT_EQ(0, std::system(cmd.c_str())) << "the Python fixture (python3 with numpy) failed: " << cmd;
-  return Fixture{base + ".offload", base + ".txt"};
-}
+  std::string const file = base + ".offload", expect = base + ".txt";
+};
 
-std::vector<std::vector<double>> expected(std::string const& file) {
-  std::vector<std::vector<double>> rows;
-  std::ifstream in(file);
-  std::string line;
-  while (std::getline(in, line)) {
-    std::istringstream words(line);
-    std::vector<double> row;
-    double v;
-    while (words >> v) row.push_back(v);
-    rows.push_back(row);
+// A rectangular little-endian file of 40-byte records from the Python
+// writer, written once for the suite (no test leaves it changed): the trace
+// of bin b is record 46 + b, 1800 + 40 b bytes in.
+class OffloadFaultTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    dir = new fs_testing::TempDir;
+    path = *dir / "faulty.offload";
+    offload_testing::writeFixture(path, *dir / "faulty.txt", "<", 1, 991, 0);
   }
-  return rows;
-}
+  static void TearDownTestSuite() { delete dir; }
 
-std::string reason(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return e.getReason().c_str();
+  static int cdpOf(OffloadDiskStore const& store, unsigned int bin) {
+    Attribute cdp("CDP", "", vINT32);
+    store.read(cdp, bin, bin);
+    return cdp.getInt32(1);
   }
-  return "no failure";
+
+  static inline fs_testing::TempDir* dir;
+  static inline std::string path;
+};
+
+// Every value of every bin of the writer's file of this version, as the
+// writer says it wrote them (rows).
+void expectValues(OffloadDiskStore const& store, std::vector<std::vector<double>> const& rows, int version) {
+  ASSERT_EQ(12u, rows.size());
+  ASSERT_EQ(12u, store.getNInstances());
+  Attribute fold("CMP.FOLD", "", vINT32), sub("SUBLINE", "", vINT32), cdp("CDP", "", vINT32),
+      elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32), il("INLINE", "", vINT32),
+      xl("CROSSLINE", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64);
+  for (Attribute* a : {&fold, &sub, &cdp, &elev, &trace, &il, &xl, &bin}) store.read(*a, 1, 12);
+  ASSERT_EQ(7, trace.getLength());
+  EXPECT_DOUBLE_EQ(8.0, store.getAttribute("TRACE").getFirstTime());
+  for (unsigned int i = 1; i <= 12; ++i) {
+    std::vector<double> const& row = rows[i - 1];
+    EXPECT_EQ(row[0], fold.getInt32(i)) << i;
+    EXPECT_EQ(row[1], sub.getInt32(i)) << i;
+    EXPECT_EQ(row[2], cdp.getInt32(i)) << i;
+    EXPECT_FLOAT_EQ(static_cast<float>(row[3]), elev.getFloat32(i)) << i;
+    for (int s = 0; s < 7; ++s) EXPECT_FLOAT_EQ(static_cast<float>(row[4 + s]), trace.getFloat32Pointer(i)[s]);
+    EXPECT_EQ(10 + 2 * static_cast<int>((i - 1) / 4), il.getInt32(i));
+    EXPECT_EQ(100 + static_cast<int>((i - 1) % 4), xl.getInt32(i));
+    EXPECT_DOUBLE_EQ(version == 2 ? 150.75 : 150.0, bin.getFloat64(i));
+  }
 }
 
 }  // namespace
@@ -77,29 +92,12 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
   for (Variant const v : {Variant{"<", 1, 991, 0}, Variant{"<", 2, 995, 1}, Variant{">", 1, 995, 0},
                           Variant{">", 2, 991, 1}}) {
     SCOPED_TRACE(std::string(v.order) + " v" + std::to_string(v.version) + " shape " + std::to_string(v.shape));
-    Fixture const f = writeFixture(v.order, v.version, v.shape, v.compressed);
-    std::vector<std::vector<double>> const rows = expected(f.expect);
+    Fixture const f(v.order, v.version, v.shape, v.compressed);
+    std::vector<std::vector<double>> const rows = offload_testing::rows(f.expect);
     ASSERT_EQ(12u, rows.size());
     OffloadDiskStore store;
     store.open(vFilename(f.file.c_str()));
-    ASSERT_EQ(12u, store.getNInstances());
-    Attribute fold("CMP.FOLD", "", vINT32), sub("SUBLINE", "", vINT32), cdp("CDP", "", vINT32),
-        elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32), il("INLINE", "", vINT32),
-        xl("CROSSLINE", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64);
-    for (Attribute* a : {&fold, &sub, &cdp, &elev, &trace, &il, &xl, &bin}) store.read(*a, 1, 12);
-    ASSERT_EQ(7, trace.getLength());
-    EXPECT_DOUBLE_EQ(8.0, store.getAttribute("TRACE").getFirstTime());
-    for (unsigned int i = 1; i <= 12; ++i) {
-      std::vector<double> const& row = rows[i - 1];
-      EXPECT_EQ(row[0], fold.getInt32(i)) << i;
-      EXPECT_EQ(row[1], sub.getInt32(i)) << i;
-      EXPECT_EQ(row[2], cdp.getInt32(i)) << i;
-      EXPECT_FLOAT_EQ(static_cast<float>(row[3]), elev.getFloat32(i)) << i;
-      for (int s = 0; s < 7; ++s) EXPECT_FLOAT_EQ(static_cast<float>(row[4 + s]), trace.getFloat32Pointer(i)[s]);
-      EXPECT_EQ(10 + 2 * static_cast<int>((i - 1) / 4), il.getInt32(i));
-      EXPECT_EQ(100 + static_cast<int>((i - 1) % 4), xl.getInt32(i));
-      EXPECT_DOUBLE_EQ(v.version == 2 ? 150.75 : 150.0, bin.getFloat64(i));
-    }
+    expectValues(store, rows, v.version);
     // A single live bin between dead ones, and a range of dead bins alone.
     Attribute one("CDP", "", vINT32);
     store.read(one, 6, 6);
@@ -108,11 +106,11 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
     EXPECT_EQ(49, one.getInt32(1));
     EXPECT_EQ(14, one.getInt32(2));
     PropertyList const& p = store.getFile().getProperties();
-    EXPECT_EQ(vString(v.order[0] == '<' ? "little" : "big"), p.findProperty(vUCString("ENDIAN"))->getString());
-    EXPECT_EQ(vString(v.shape == 995 ? "polygonal" : "rectangular"),
-              p.findProperty(vUCString("MOFFLD_SHAPE"))->getString());
-    EXPECT_EQ(vString("14"), p.findProperty(vUCString("LAST_INLINE"))->getString());
-    EXPECT_EQ(vString("ALONG_INLINES"), p.findProperty(vUCString("CMP_ORDERING"))->getString());
+    auto text = [&p](char const* n) { return std::string(p.findProperty(vUCString(n))->getString().c_str()); };
+    EXPECT_EQ((std::vector<std::string>{v.order[0] == '<' ? "little" : "big",
+                                        v.shape == 995 ? "polygonal" : "rectangular", "14", "ALONG_INLINES"}),
+              (std::vector<std::string>{text("ENDIAN"), text("MOFFLD_SHAPE"), text("LAST_INLINE"),
+                                        text("CMP_ORDERING")}));
     EXPECT_EQ(v.compressed != 0, p.hasProperty(vUCString("COMPRESSED")));
     if (v.compressed) {
       // The packed samples themselves, and their scaler.
@@ -142,18 +140,18 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
           k = order == vUtlSort::SortOrder::ASCENDING ? k + 1 : k - 1;
         }
       }
-    // Bins 2 and 3 scattered to positions 5 and 1 of a new attribute.
     Attribute scattered("CDP", "", vINT32);
     store.getFile().readRangeScattered(scattered, 2, 3, {5, 1});
     ASSERT_EQ(5u, scattered.getNInstances());
     EXPECT_EQ(14, scattered.getInt32(5));
     EXPECT_EQ(21, scattered.getInt32(1));
-    EXPECT_EQ("Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!",
-              reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {6, 1}); }));
-    EXPECT_EQ("Scattered write to position 0 is outsize of the range 1:5!",
-              reason([&] { store.getFile().readRangeScattered(scattered, 2, 3, {0, 1}); }));
-    EXPECT_EQ("Scattered write to instance 13 is outsize of the range 1:12!",
-              reason([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }));
+    char const* const label = "OffloadAttributeFile::readRangeScattered";
+    expectFailure([&] { store.getFile().readRangeScattered(scattered, 2, 3, {6, 1}); }, label,
+                  "Attribute too small, contains 5 instances but we need 6 and it's not safe to resize!");
+    expectFailure([&] { store.getFile().readRangeScattered(scattered, 2, 3, {0, 1}); }, label,
+                  "Scattered write to position 0 is outsize of the range 1:5!");
+    expectFailure([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }, label,
+                  "Scattered write to instance 13 is outsize of the range 1:12!");
     // The mute restored: two zeros in front, the whole trace from 0.
     StoreOpenOptions restore;
     restore.setRestoreMute(true);
@@ -174,55 +172,42 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
 TEST(OffloadPeer, WordSwappedCopiesReadAsTheOriginal) {
   for (auto const& [shape, compressed] : {std::pair{991, 0}, std::pair{995, 1}}) {
     SCOPED_TRACE("shape " + std::to_string(shape));
-    Fixture const f = writeFixture(">", 2, shape, compressed);
-    std::string bytes = slurp(f.file);
+    Fixture const f(">", 2, shape, compressed);
+    std::string bytes = readFile(f.file);
     for (std::size_t k = 0; k + 4 <= bytes.size(); k += 4) std::reverse(bytes.begin() + k, bytes.begin() + k + 4);
-    std::ofstream(f.file, std::ios::binary) << bytes;
-    std::vector<std::vector<double>> const rows = expected(f.expect);
+    writeFile(f.file, bytes);
     OffloadDiskStore store;
     store.open(vFilename(f.file.c_str()));
     EXPECT_EQ(vString("yes"), store.getFile().getProperties().findProperty(vUCString("HAS_BEEN_FSCP"))->getString());
     EXPECT_FALSE(store.getFile().isSwapped());
-    Attribute elev("ELEV", "", vFLOAT32), trace("TRACE", "", vFLOAT32);
-    store.read(elev, 1, 12);
-    store.read(trace, 1, 12);
-    for (unsigned int i = 1; i <= 12; ++i) {
-      EXPECT_FLOAT_EQ(static_cast<float>(rows[i - 1][3]), elev.getFloat32(i)) << i;
-      for (int s = 0; s < 7; ++s)
-        EXPECT_FLOAT_EQ(static_cast<float>(rows[i - 1][4 + s]), trace.getFloat32Pointer(i)[s]) << i << " " << s;
-    }
+    expectValues(store, offload_testing::rows(f.expect), 2);
   }
 }
 
 TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
-  Fixture const f = writeFixture("<", 1, 991, 0);
-  std::string const bytes = slurp(f.file);
-  auto patched = [&](std::size_t at, int value, std::size_t keep) {
-    std::string copy = bytes.substr(0, keep);
-    if (at + 4 <= copy.size()) std::memcpy(&copy[at], &value, 4);
-    std::ofstream(f.file, std::ios::binary) << copy;
-    return reason([&] {
-      OffloadDiskStore store;
-      store.open(vFilename(f.file.c_str()));
-      Attribute t("TRACE", "", vFLOAT32);
-      store.read(t, 1, 12);
-    });
+  Fixture const f("<", 1, 991, 0);
+  std::string const bytes = readFile(f.file), name = f.file;
+  auto refused = [&](std::size_t at, int value, std::size_t cut, char const* in, std::string const& reason) {
+    std::string copy = bytes.substr(0, bytes.size() - cut);
+    std::memcpy(&copy[at], &value, 4);
+    writeFile(name, copy);
+    expectFailure([&] { OffloadDiskStore().open(vFilename(name.c_str())); }, in, reason);
   };
-  std::string const name = f.file;
-  EXPECT_EQ("Expected header length of '" + name + "' to be >0 and <=1000, it was 65536000.",
-            patched(0, 65536000, bytes.size()));
-  EXPECT_EQ("File " + name + " does not appear to be a offload file. Expected 77479 found 5.",
-            patched(4, 5, bytes.size()));
-  EXPECT_EQ("Can only handle versions upto 2. This file '" + name + "' is version 3.", patched(236, 3, bytes.size()));
+  refused(0, 65536000, 0, "OffloadAttributeFile::myCheckForByteSwap",
+          "Expected header length of '" + name + "' to be >0 and <=1000, it was 65536000.");
+  refused(4, 5, 0, "OffloadAttributeFile::myCheckHeader",
+          "File " + name + " does not appear to be a offload file. Expected 77479 found 5.");
+  refused(236, 3, 0, "OffloadAttributeFile::mySetVersionBits",
+          "Can only handle versions upto 2. This file '" + name + "' is version 3.");
   int subline;
   std::memcpy(&subline, "XUBL", 4);
   // The table of this file starts at record 38 of 10 words; the first name at its word 3.
-  EXPECT_EQ("Could not find Attribute SUBLINE to check for byteswapping.",
-            patched(37 * 40 + 12, subline, bytes.size()));
+  refused(37 * 40 + 12, subline, 0, "OffloadAttributeFile::myCheckForFSCP",
+          "Could not find Attribute SUBLINE to check for byteswapping.");
   // Cut into the record of bin 11: every bin has its record, so the file is
   // refused at open: 58 records of 40 bytes wanted, 56 there.
-  EXPECT_EQ("The offload file " + name + " is cut short: its header calls for 58 records of 40 bytes, it holds 56.",
-            patched(0, 100, bytes.size() - 46));
+  refused(0, 100, 46, "OffloadAttributeFile::myOpenFile",
+          "The offload file " + name + " is cut short: its header calls for 58 records of 40 bytes, it holds 56.");
 }
 
 // Every word of the file (header, table, maps, records) set to values a
@@ -230,14 +215,14 @@ TEST(OffloadPeer, BrokenFilesFailWithTheirOwnWords) {
 // system's own error.
 TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
   for (int compressed : {0, 1}) {
-    Fixture const f = writeFixture(">", 2, 995, compressed);
-    std::string const bytes = slurp(f.file);
+    Fixture const f(">", 2, 995, compressed);
+    std::string const bytes = readFile(f.file);
     int failures = 0;
     for (std::size_t word = 0; word < bytes.size() / 4; ++word)
       for (uint32_t value : {0u, 0xffffffffu, 0x40000000u, 0x07000000u, 0x02000000u}) {
         std::string copy = bytes;
         std::memcpy(&copy[4 * word], &value, 4);
-        std::ofstream(f.file, std::ios::binary | std::ios::trunc) << copy;
+        writeFile(f.file, copy);
         try {
           OffloadDiskStore store;
           store.open(vFilename(f.file.c_str()));
@@ -256,7 +241,7 @@ TEST(OffloadPeer, DamagedHeaderWordsEndInTheSystemsError) {
 // Groups of a grid key and of a table attribute, against the values the
 // writer put in; and the buffer's range follows the reads.
 TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
-  Fixture const f = writeFixture(">", 1, 995, 1);
+  Fixture const f(">", 1, 995, 1);
   OffloadDiskStore store;
   store.open(vFilename(f.file.c_str()));
   OffloadAttributeFile& file = store.getFile();
@@ -279,22 +264,20 @@ TEST(OffloadPeer, GroupsListTheirInstancesAndTheBufferTellsItsRange) {
   // Reads trim to live bins (1 and 12 are dead) and read ahead to the last live one.
   Attribute cdp("CDP", "", vINT32);
   file.readRange(cdp, 1, 3);
-  ASSERT_TRUE(file.getBufferRange(first, last));
-  EXPECT_EQ(2u, first);
-  EXPECT_EQ(11u, last);
+  EXPECT_TRUE(file.getBufferRange(first, last));
+  EXPECT_EQ(std::make_pair(2u, 11u), std::make_pair(first, last));
 }
 
 // A dummy grid numbers inlines and crosslines from 1 whatever the header
 // says; the header's own numbers stay in the properties.
 TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
-  Fixture const f = writeFixture("<", 2, 991, 0);
-  ::setenv("SP_OFFLOAD_USEDUMMYGRID", "true", 1);
+  Fixture const f("<", 2, 991, 0);
+  fs_testing::Env dummy("SP_OFFLOAD_USEDUMMYGRID", "true");
   OffloadDiskStore store;
   store.open(vFilename(f.file.c_str()));
   Attribute il("INLINE", "", vINT32), xl("CROSSLINE", "", vINT32), cmp("CMP", "", vINT32), unique("INLINE", "", vINT32);
   store.read(il, 1, 12), store.read(xl, 1, 12), store.read(cmp, 1, 12);
   store.getUnique(unique, vUtlSort::SortOrder::DESCENDING);
-  ::unsetenv("SP_OFFLOAD_USEDUMMYGRID");
   for (unsigned int i = 1; i <= 12; ++i) {
     EXPECT_EQ(1 + static_cast<int>((i - 1) / 4), il.getInt32(i)) << i;
     EXPECT_EQ(1 + static_cast<int>((i - 1) % 4), xl.getInt32(i)) << i;
@@ -310,7 +293,7 @@ TEST(OffloadPeer, DummyGridNumbersBinsFromOne) {
 // with the report; a sound header gives the grid's CMPs without one.
 TEST(OffloadPeer, CmpCountedFromOneWhenTheGridCannotYieldIt) {
   for (bool damaged : {false, true}) {
-    Fixture const f = writeFixture("<", 1, 991, 0);
+    Fixture const f("<", 1, 991, 0);
     if (damaged) {
       std::fstream io(f.file, std::ios::binary | std::ios::in | std::ios::out);
       int const lastInline = 15;
@@ -330,4 +313,54 @@ TEST(OffloadPeer, CmpCountedFromOneWhenTheGridCannotYieldIt) {
     EXPECT_EQ(damaged, out.find("Will assume the first CMP is 1 with an increment of 1.") != std::string::npos);
     EXPECT_EQ(out.find(reported), out.rfind(reported)) << "reported once";
   }
+}
+
+// A failed read leaves the store usable; a cached range needs no file.
+TEST_F(OffloadFaultTest, AFailedReadNamesItsRecordsAndACachedRangeNeedsNoFile) {
+  OffloadDiskStore store;
+  store.open(vFilename(path.c_str()));
+  {
+    // Bin 4 cannot be read; a read of bin 2 reads on through the window to
+    // the last live bin, 11.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 4 + 8);
+    std::string const text = fatalText([&] { cdpOf(store, 2); });
+    EXPECT_EQ(0u, text.find("OffloadAttributeFile::myReadRecords: Failed to do a partial read against the datafile "
+                            "(fileOffset=1880, nbytes=400, frecord=48, lrecord=57, status="))
+        << text;
+  }
+  EXPECT_EQ(14, cdpOf(store, 2));
+  EXPECT_EQ(28, cdpOf(store, 4));
+  store.getFile().cacheRange(2, 5);
+  fs_testing::Fault everything(path, FS_FAULT_FAILREAD, 0);
+  Attribute cdp("CDP", "", vINT32);
+  store.getFile().extractRange(cdp, 3, 5);
+  EXPECT_EQ(35, cdp.getInt32(3));
+  Attribute trace("TRACE", "", vFLOAT32);  // of length 1: made the file's length
+  store.getFile().extractRange(trace, 2, 2);
+  EXPECT_EQ(7, trace.getLength());
+  EXPECT_THROW(store.getFile().extractRange(cdp, 5, 6), UtlExcept);
+}
+
+TEST_F(OffloadFaultTest, ACutHeaderOrMapFails) {
+  for (int64_t const size : {int64_t(2), int64_t(200), int64_t(1790)}) {
+    fs_testing::Fault truncated(path, FS_FAULT_TRUNCATE, size);
+    OffloadDiskStore store;
+    EXPECT_THROW(store.open(vFilename(path.c_str())), UtlExcept) << size;
+  }
+}
+
+TEST_F(OffloadFaultTest, AFailedRelayoutLeavesTheFileAsItWas) {
+  std::string const before = fs_testing::readFile(path);
+  OffloadDiskStore store;
+  store.update(vFilename(path.c_str()));
+  {
+    // The copy of the traces fails at bin 5.
+    fs_testing::Fault failing(path, FS_FAULT_FAILREAD, 1800 + 40 * 5 + 8);
+    EXPECT_THROW(store.addAttribute(Attribute("EXTRA", "", vINT32)), UtlExcept);
+  }
+  EXPECT_FALSE(store.hasAttribute("EXTRA"));
+  EXPECT_EQ(77, cdpOf(store, 11));
+  store.close();
+  EXPECT_EQ(before, fs_testing::readFile(path));
+  EXPECT_FALSE(FS::exists(vFilename((path + ".relayout").c_str())));
 }

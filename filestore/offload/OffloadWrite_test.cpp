@@ -2,19 +2,18 @@
 // and by the store.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <functional>
-#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
-#include "foundation/UtlExcept.h"
+#include "filestore/offload/OffloadTesting.h"
+#include "syslayer/FSTesting.h"
+
+using namespace offload_testing;
 
 namespace {
 
@@ -24,35 +23,6 @@ struct ReleaseTree {
   ReleaseTree() { ::setenv("VREL", RONDO_TEST_SOURCE_DIR "/release/", 0); }
 } const releaseTree;
 
-std::string reason(std::function<void()> const& f) {
-  try {
-    f();
-  } catch (UtlExcept const& e) {
-    return e.getReason().c_str();
-  }
-  return "no failure";
-}
-
-std::vector<std::string> pythonRead(std::string const& file) {
-  std::string const cmd =
-      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_reader.py " + file;
-  FILE* pipe = ::popen(cmd.c_str(), "r");
-  std::vector<std::string> lines;
-  if (!pipe) return lines;
-  char line[8192];
-  while (std::fgets(line, sizeof line, pipe)) lines.emplace_back(line, std::strlen(line) - 1);
-  if (::pclose(pipe) != 0) lines.clear();
-  return lines;
-}
-
-std::vector<double> numbers(std::string const& line) {
-  std::istringstream in(line);
-  std::vector<double> values;
-  double v;
-  while (in >> v) values.push_back(v);
-  return values;
-}
-
 float traceSample(unsigned int bin, int s) { return static_cast<float>(bin) * 10.0f - static_cast<float>(s) * 1.5f; }
 
 }  // namespace
@@ -60,19 +30,24 @@ float traceSample(unsigned int bin, int s) { return static_cast<float>(bin) * 10
 TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
   for (auto const& [packed, first] : {std::pair{0, 100.0}, std::pair{1, 100.5}}) {
     SCOPED_TRACE("packed " + std::to_string(packed));
-    std::string const name = ::testing::TempDir() + "offload_write_" + std::to_string(::getpid()) + ".offload";
+    fs_testing::TempDir dir;
+    std::string const name = dir / "new.offload";
     {
       OffloadAttributeFile file;
       file.create(vFilename(name.c_str()));
-      EXPECT_EQ("Cannot add things to an existing file." + name, reason([&] { file.create(vFilename(name.c_str())); }));
+      expectFailure([&] { file.create(vFilename(name.c_str())); }, "OffloadAttributeFile::create",
+                    "Cannot add things to an existing file." + name);
       for (Attribute const& a : {Attribute("INLINE", "", vINT32), Attribute("CROSSLINE", "", vINT32),
                                  Attribute("TRACE", "", vFLOAT32, 5, 4.0, 8.0), Attribute("CDP", "", vINT32),
                                  Attribute("ELEV", "", vFLOAT32)})
         file.addAttribute(a);
       file.setGrid(CMPBasicGrid(1, 1, 10, 2, 3, 100, 1, 4, vCoordinate(), 25.0f, 12.5f, 0.0));
       if (packed) file.setCompression(OffloadAttributeFile::INT16);
-      EXPECT_EQ("Number of offsets must be >=1, got 0.", reason([&] { file.setOffset(first, 50, 0, 1); }));
-      EXPECT_EQ("Offset sequence 4 must be >0 and <=3.", reason([&] { file.setOffset(first, 50, 3, 4); }));
+      expectFailure([&] { file.setCompression(static_cast<OffloadAttributeFile::CompressionType>(7)); },
+                    "OffloadAttributeFile::setCompression", "Unexpected CompressionType 7.");
+      char const* const setOffset = "OffloadAttributeFile::setOffset";
+      expectFailure([&] { file.setOffset(first, 50, 0, 1); }, setOffset, "Number of offsets must be >=1, got 0.");
+      expectFailure([&] { file.setOffset(first, 50, 3, 4); }, setOffset, "Offset sequence 4 must be >0 and <=3.");
       file.setOffset(first, 50, 3, 2);
       Attribute trace("TRACE", "", vFLOAT32, 5, 4.0, 8.0), cdp("CDP", "", vINT32), elev("ELEV", "", vFLOAT64);
       trace.resize(10), cdp.resize(10), elev.resize(10);
@@ -81,16 +56,13 @@ TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
         cdp.setInt32(b - 1, static_cast<int>(7 * b));
         elev.setFloat64(b - 1, 0.25 * b);
       }
-      file.writeRange(trace, 2, 11);
-      file.writeRange(cdp, 2, 11);
-      // One of them again, as a list.
+      for (Attribute* a : {&trace, &cdp, &elev}) file.writeRange(*a, 2, 11);
       Attribute two("ELEV", "", vFLOAT64);
       two.resize(2);
       two.setFloat64(1, 0.25 * 11), two.setFloat64(2, 0.25 * 2);
-      file.writeRange(elev, 2, 11);
       file.writeList(two, {11, 2});
-      EXPECT_EQ("File " + name + " cannot be extended once data has been written to it.",
-                reason([&] { file.addAttribute(Attribute("X", "", vINT32)); }));
+      expectFailure([&] { file.addAttribute(Attribute("X", "", vINT32)); }, "OffloadAttributeFile::addAttribute",
+                    "File " + name + " cannot be extended once data has been written to it.");
       file.flush();
     }
     std::vector<std::string> const lines = pythonRead(name);
@@ -113,46 +85,40 @@ TEST(OffloadWrite, NewFilesReadByThePythonReaderAndTheStore) {
     }
     // Without generated attributes the keys come from the records, where
     // nothing was written to them.
-    ::setenv("SP_OFFLOAD_USEGENERATEDATTRS", "false", 1);
+    fs_testing::Env recorded("SP_OFFLOAD_USEGENERATEDATTRS", "false");
     OffloadDiskStore plain;
     plain.open(vFilename(name.c_str()));
     Attribute il("INLINE", "", vINT32);
     plain.read(il, 11, 11);
-    ::unsetenv("SP_OFFLOAD_USEGENERATEDATTRS");
     EXPECT_EQ(0, il.getInt32(1));
-    std::remove(name.c_str());
   }
 }
 
-TEST(OffloadWrite, AnUnknownCompressionIsRefused) {
-  OffloadAttributeFile file;
-  EXPECT_EQ("Unexpected CompressionType 7.",
-            reason([&] { file.setCompression(static_cast<OffloadAttributeFile::CompressionType>(7)); }));
-}
-
 TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
-  std::string const base = ::testing::TempDir() + "offload_store_" + std::to_string(::getpid());
+  fs_testing::TempDir dir;
+  std::string const base = dir / "store";
   StoreCreationOptions options;
   std::string const prefix = "Creation of a seismic/offloadheader Store requires that ";
-  auto refused = [&](char const* className, char const* subClass, StoreCreationOptions const* o) {
-    return reason([&] { OffloadDiskStore().create("s", className, subClass, KeyList(), o); });
+  auto refused = [&](char const* subClass, std::string const& what) {
+    expectFailure([&] { OffloadDiskStore().create("s", "seismic", subClass, KeyList(), &options); },
+                  "OffloadDiskStore::create", prefix + what);
   };
-  EXPECT_EQ(prefix + "subClass is offloadhesder.", refused("seismic", "segy", &options));
+  refused("segy", "subClass is offloadhesder.");
   options.setGrid(10, 2, 3, 100, 1, 4, 25.0f, 12.5f);
   options.setOffsets(100, 200, 3);
   options.setFilename(vFilename((base + ".hdr").c_str()));
   std::list<Attribute> attributes{Attribute("CDP", "", vINT32), Attribute("INLINE", "", vFLOAT32),
                                   Attribute("CROSSLINE", "", vFLOAT32)};
   options.setAttributeList(attributes);
-  EXPECT_EQ(prefix + "StoreCreationOptions AttributeList has a TRACE Attribute.",
-            refused("seismic", "offloadheader", &options));
+  refused("offloadheader", "StoreCreationOptions AttributeList has a TRACE Attribute.");
   attributes.push_back(Attribute("TRACE", "", vFLOAT32, 4, 2.0));
   options.setAttributeList(attributes);
   options.setCompressed();
   {
     OffloadDiskStore store;
     store.create("s", "seismic", "offloadheader", KeyList(), &options);
-    EXPECT_EQ("Cannot add attribute to created store", reason([&] { store.addAttribute(Attribute("X", "", vINT32)); }));
+    expectFailure([&] { store.addAttribute(Attribute("X", "", vINT32)); }, "OffloadDiskStore::addAttribute",
+                  "Cannot add attribute to created store");
     Store::AttributeSetList sets;
     store.getAttributeSetList(sets);
     ASSERT_EQ(3u, sets.size());
@@ -168,33 +134,22 @@ TEST(OffloadWrite, AStoreCreatesAHeaderAndOneFilePerOffset) {
   store.openAttributeSet(vLCString((base.substr(base.rfind('/') + 1) + "_3").c_str()));
   Attribute cdp("CDP", "", vINT32), bin("OFFSET.BIN", "", vFLOAT64), fold("CMP.FOLD", "", vINT32);
   store.read(cdp, 12, 12), store.read(bin, 1, 1), store.read(fold, 1, 1);
-  EXPECT_EQ(36, cdp.getInt32(1));
-  EXPECT_EQ(200.0, bin.getFloat64(1));
-  EXPECT_EQ(1, fold.getInt32(1));
+  EXPECT_EQ((std::vector<double>{36, 200, 1}),
+            (std::vector<double>{cdp.getValue(1), bin.getValue(1), fold.getValue(1)}));
   EXPECT_EQ(vString("yes"), store.getFile().getProperties().findProperty(vUCString("COMPRESSED"))->getString());
-  EXPECT_EQ("OffloadDiskStore is already open as '" + base + ".hdr'.",
-            reason([&] { store.open(vFilename((base + ".hdr").c_str())); }));
+  expectFailure([&] { store.open(vFilename((base + ".hdr").c_str())); }, "OffloadDiskStore::open",
+                "OffloadDiskStore is already open as '" + base + ".hdr'.");
   store.close();
-  for (char const* end : {".hdr", "_1.offload", "_2.offload", "_3.offload"}) std::remove((base + end).c_str());
 }
 
 // Files of the Python writer (3 inlines of 4 crosslines, bins 1, 6 and 12
 // dead, 7 stored samples), updated in place and read back by its reader.
 TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
-  struct Case {
-    char const* order;
-    char const* version;
-    char const* shape;
-    int packed;
-  } const cases[] = {{"'<'", "1", "991", 0}, {"'>'", "2", "995", 1}};
-  for (Case const& c : cases) {
-    SCOPED_TRACE(std::string(c.order) + c.shape);
-    std::string const base = ::testing::TempDir() + "offload_update_" + std::to_string(::getpid());
-    std::string const name = base + ".offload";
-    std::string const cmd = "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/offload/testdata/offload_fixture.py " +
-                            name + " " + base + ".txt " + c.order + " " + c.version + " " + c.shape + " " +
-                            std::to_string(c.packed);
-    ASSERT_EQ(0, std::system(cmd.c_str())) << "python3 with numpy is needed";
+  for (auto const& [order, version, shape, packed] : {std::tuple{"<", 1, 991, 0}, std::tuple{">", 2, 995, 1}}) {
+    SCOPED_TRACE(std::string(order) + std::to_string(shape));
+    fs_testing::TempDir dir;
+    std::string const name = dir / "update.offload";
+    writeFixture(name, dir / "update.txt", order, version, shape, packed);
     std::vector<std::string> const before = pythonRead(name);
     ASSERT_EQ(13u, before.size());
     {
@@ -207,8 +162,8 @@ TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
       trace.resize(1);
       for (int s = 0; s < 7; ++s) trace.getFloat32Pointer(1)[s] = traceSample(6, s);
       store.write(trace, 6, 6);  // a dead bin
-      EXPECT_EQ("Instances are added by whole inlines of 4 crosslines to '" + name + "', not 3.",
-                reason([&] { store.addInstances(3); }));
+      expectFailure([&] { store.addInstances(3); }, "OffloadAttributeFile::addInstances",
+                    "Instances are added by whole inlines of 4 crosslines to '" + name + "', not 3.");
       store.addInstances(4);
       store.addAttribute(extra);
       EXPECT_EQ(16u, store.getNInstances());
@@ -235,11 +190,10 @@ TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
       EXPECT_EQ(b == 2 ? 2.5 : b == 15 ? -7.25 : 0.0, row[4]) << b;
       for (int s = 0; s < 7; ++s) {
         double const want = b == 6 ? traceSample(6, s) : old[0] != 0 ? old[4 + s] : 0.0;
-        EXPECT_NEAR(want, row[5 + s], c.packed && b == 6 ? 0.01 : 0.0) << b << " " << s;
+        EXPECT_NEAR(want, row[5 + s], packed && b == 6 ? 0.01 : 0.0) << b << " " << s;
       }
       EXPECT_EQ(old[0] != 0 ? old[1] : 0.0, row[1]) << "SUBLINE of bin " << b;
     }
-    std::remove(name.c_str()), std::remove((base + ".txt").c_str());
   }
 }
 
@@ -247,7 +201,8 @@ TEST(OffloadWrite, ExistingFilesUpdatedInPlaceAndReadByThePythonReader) {
 // gets the translated one, a "RONDO." name loses the prefix. The file that
 // made them answers under the caller's names until closed.
 TEST(OffloadWrite, TableNamesTranslatedToTheOlderSystems) {
-  std::string const name = ::testing::TempDir() + "offload_names_" + std::to_string(::getpid()) + ".offload";
+  fs_testing::TempDir dir;
+  std::string const name = dir / "names.offload";
   {
     OffloadAttributeFile file;
     file.create(vFilename(name.c_str()));
@@ -287,5 +242,4 @@ TEST(OffloadWrite, TableNamesTranslatedToTheOlderSystems) {
   store.read(ffid, 1, 1);
   EXPECT_EQ(7, ffid.getInt32(1));
   store.close();
-  std::remove(name.c_str());
 }

@@ -1,8 +1,8 @@
 #ifndef FILESTORE_SHAPEFILE_SHAPEFILETESTING_H
 #define FILESTORE_SHAPEFILE_SHAPEFILETESTING_H
 
-// Test helpers (tests only): a scratch directory of the process, and GDAL's
-// command line tools run as peers.
+// Test helpers (tests only): a scratch directory of the process, GDAL's
+// command line tools run as peers, and variable length attributes.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -10,6 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
+
+#include "attribute/Attribute.h"
 
 namespace shapefile_testing {
 
@@ -51,6 +54,22 @@ inline void ogrShapefile(std::string const& base, std::string const& geojson, st
                                   options + " " + base + ".shp " + base + ".geojson",
                               &status);
   ASSERT_EQ(0, status) << out;
+}
+
+// A variable length attribute of vFLOAT64 or vINT32 with one array a shape.
+inline Attribute variableAttribute(char const* name, DataType type, std::vector<std::vector<double>> const& shapes) {
+  Attribute a(name, "", type, Attribute::VARIABLE_LENGTH);
+  int* lengths = new int[shapes.size()];
+  for (std::size_t s = 0; s < shapes.size(); ++s) lengths[s] = static_cast<int>(shapes[s].size());
+  a.resize(static_cast<unsigned int>(shapes.size()), nullptr, lengths);
+  for (unsigned int s = 1; s <= shapes.size(); ++s)
+    for (std::size_t k = 0; k < shapes[s - 1].size(); ++k) {
+      if (type == vINT32)
+        a.getInt32Pointer(s)[k] = static_cast<int>(shapes[s - 1][k]);
+      else
+        a.getFloat64Pointer(s)[k] = shapes[s - 1][k];
+    }
+  return a;
 }
 
 }  // namespace shapefile_testing

@@ -1,13 +1,14 @@
-// Shapefiles written by GDAL's ogr2ogr from GeoJSON read value by value, and
-// shapefiles the store writes read back by ogrinfo.
+// Shapefiles written by GDAL's ogr2ogr from GeoJSON read value by value,
+// shapefiles the store writes read back by ogrinfo; bad shapefiles and
+// refused writes end in the store's own errors.
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "filestore/shapefile/ShapefileDiskStore.h"
+#include "filestore/shapefile/ShapefileReader.h"
 #include "filestore/shapefile/ShapefileTesting.h"
 #include "syslayer/FSTesting.h"
 
@@ -17,13 +18,32 @@ using shapefile_testing::ogrShapefile;
 using shapefile_testing::requireGdal;
 using shapefile_testing::run;
 using shapefile_testing::scratch;
+using shapefile_testing::variableAttribute;
 
-std::vector<double> values(ShapefileDiskStore const& store, char const* name, unsigned int instance) {
+// The values of shapes first to last (first alone by default), one after another.
+std::vector<double> values(ShapefileDiskStore const& store, char const* name, unsigned int first,
+                           unsigned int last = 0) {
   Attribute a = store.getAttribute(name);
-  store.read(a, instance, instance);
+  store.read(a, first, last ? last : first);
   std::vector<double> v;
-  for (int k = 1; k <= a.getLength(1); ++k) v.push_back(a.getValue(1, k));
+  a.getValues(v);
   return v;
+}
+
+// Map data: points of x, y and a value each, as PointZ or, "measured", PointM.
+void writeMapData(std::string const& shp, char const* subClass, std::vector<float> const& x,
+                  std::vector<float> const& y, std::vector<float> const& v) {
+  ShapefileDiskStore store;
+  StoreDescription description(vFilename(shp.c_str()));
+  description.setStoreClass("mapdata");
+  store.create(description, subClass);
+  unsigned int const n = static_cast<unsigned int>(x.size());
+  store.addInstances(n);
+  Attribute xs("XVAL", "", vFLOAT32), ys("YVAL", "", vFLOAT32), vs("ATVAL", "", vFLOAT32);
+  xs.copyData(n, x.data());
+  ys.copyData(n, y.data());
+  vs.copyData(n, v.data());
+  for (Attribute* a : {&xs, &ys, &vs}) store.write(*a, 1, n);
 }
 
 // Turns the one-digit numeric field at byte offset `at` of each record into
@@ -68,28 +88,22 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
     EXPECT_EQ(1, store.getAttribute(f.name).getLength()) << f.name;
   }
   EXPECT_EQ(static_cast<unsigned int>(sizeof fields / sizeof fields[0]), store.getNAttributes());
-  Attribute x = store.getAttribute("X"), y = store.getAttribute("Y"), z = store.getAttribute("Z");
-  Attribute name = store.getAttribute("NAME"), count = store.getAttribute("COUNT"), big = store.getAttribute("BIG");
-  Attribute ratio = store.getAttribute("RATIO"), day = store.getAttribute("DAY"), flag = store.getAttribute("FLAG");
-  for (Attribute* a : {&x, &y, &z, &name, &count, &big, &ratio, &day, &flag}) store.read(*a, 1, 3);
-  double const xs[] = {500000.5, 1.5, -0.75}, ys[] = {6100000.25, -2.5, 0};
-  char const* const names[] = {"alpha", "beta", ""};
-  int const counts[] = {7, -3, 0}, days[] = {20240315, 19991231, 0}, flags[] = {1, 0, 1};
-  long long const bigs[] = {9007199254740993LL, -4, 5};
-  double const ratios[] = {2.5, -0.125, 1e6};
-  for (unsigned int i = 1; i <= 3; ++i) {
-    SCOPED_TRACE(i);
-    EXPECT_EQ(xs[i - 1], x.getFloat64(i));
-    EXPECT_EQ(ys[i - 1], y.getFloat64(i));
-    EXPECT_EQ(0.0, z.getFloat64(i));
-    EXPECT_EQ(names[i - 1], std::string(name.getString(i).c_str()));
-    EXPECT_EQ(counts[i - 1], count.getInt32(i));
-    EXPECT_EQ(bigs[i - 1], big.getInt64(i));
-    EXPECT_EQ(ratios[i - 1], ratio.getFloat64(i));
-    EXPECT_EQ(days[i - 1], day.getInt32(i));
-    EXPECT_EQ(flags[i - 1], flag.getInt32(i));
-  }
-  // The .prj that ogr2ogr wrote.
+  EXPECT_EQ((std::vector<double>{500000.5, 1.5, -0.75}), values(store, "X", 1, 3));
+  EXPECT_EQ((std::vector<double>{6100000.25, -2.5, 0}), values(store, "Y", 1, 3));
+  EXPECT_EQ((std::vector<double>{0, 0, 0}), values(store, "Z", 1, 3));
+  EXPECT_EQ((std::vector<double>{7, -3, 0}), values(store, "COUNT", 1, 3));
+  EXPECT_EQ((std::vector<double>{2.5, -0.125, 1e6}), values(store, "RATIO", 1, 3));
+  EXPECT_EQ((std::vector<double>{20240315, 19991231, 0}), values(store, "DAY", 1, 3));
+  EXPECT_EQ((std::vector<double>{1, 0, 1}), values(store, "FLAG", 1, 3));
+  // Past 2^53: a double would lose the last digit.
+  Attribute name = store.getAttribute("NAME"), big = store.getAttribute("BIG");
+  store.read(name, 1, 3);
+  store.read(big, 1, 3);
+  EXPECT_EQ((std::vector<long long>{9007199254740993LL, -4, 5}),
+            (std::vector<long long>{big.getInt64(1), big.getInt64(2), big.getInt64(3)}));
+  EXPECT_EQ((std::vector<std::string>{"alpha", "beta", ""}),
+            (std::vector<std::string>{name.getString(1).c_str(), name.getString(2).c_str(),
+                                      name.getString(3).c_str()}));
   EXPECT_EQ("geographic", std::string(store.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
   EXPECT_EQ(0u, std::string(store.findProperty(vUCString("COORDINATE_SYSTEM"))->getString().c_str()).find("GEOGCS"));
 
@@ -143,28 +157,12 @@ TEST(ShapefilePeer, PointZLinesAndPolygonsWithHolesFromOgr) {
   EXPECT_EQ((std::vector<double>{96}), values(polygons, "AREA", 1));
 }
 
-// What ogrinfo says of a file, from the first feature on.
-std::string ogrFeatures(std::string const& shp) {
+// What ogrinfo says of a file holds each text given.
+void expectOgrinfo(std::string const& shp, std::vector<std::string> const& texts) {
   int status = 0;
   std::string const out = run("ogrinfo -al " + shp, &status);
   EXPECT_EQ(0, status) << out;
-  return out;
-}
-
-// A variable length attribute of vFLOAT64 or vINT32 with one array a shape.
-Attribute variableAttribute(char const* name, DataType type, std::vector<std::vector<double>> const& shapes) {
-  Attribute a(name, "", type, Attribute::VARIABLE_LENGTH);
-  int* lengths = new int[shapes.size()];
-  for (std::size_t s = 0; s < shapes.size(); ++s) lengths[s] = static_cast<int>(shapes[s].size());
-  a.resize(static_cast<unsigned int>(shapes.size()), nullptr, lengths);
-  for (unsigned int s = 1; s <= shapes.size(); ++s)
-    for (std::size_t k = 0; k < shapes[s - 1].size(); ++k) {
-      if (type == vINT32)
-        a.getInt32Pointer(s)[k] = static_cast<int>(shapes[s - 1][k]);
-      else
-        a.getFloat64Pointer(s)[k] = shapes[s - 1][k];
-    }
-  return a;
+  for (std::string const& text : texts) EXPECT_NE(std::string::npos, out.find(text)) << text << "\n---\n" << out;
 }
 
 TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
@@ -174,21 +172,17 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     ShapefileDiskStore store;
     StoreDescription description(vFilename((base + "_poly.shp").c_str()));
     store.create(description, "polygons");
-    store.addAttribute(Attribute("NAME", "", vSTRING));
-    store.addAttribute(Attribute("CDP", "", vINT32));
-    store.addAttribute(Attribute("BIG", "", vINT64));
-    store.addAttribute(Attribute("ELEV", "", vFLOAT64));
+    Attribute name("NAME", "", vSTRING), cdp("CDP", "", vINT32), big("BIG", "", vINT64), elev("ELEV", "", vFLOAT64);
+    for (Attribute* a : {&name, &cdp, &big, &elev}) store.addAttribute(*a);
     store.addInstances(2);
     store.addProperty(Property("COORDINATE_SYSTEM",
                                "GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
                                "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]"));
-    auto const variable = variableAttribute;
     // The first polygon with a hole, given counter-clockwise: the writer
     // turns it round.
-    store.write(variable("X", vFLOAT64, {{0, 10, 10, 0, 0, 2, 2, 4, 4, 2}, {20, 20, 21, 20}}), 1, 2);
-    store.write(variable("Y", vFLOAT64, {{0, 0, 10, 10, 0, 2, 4, 4, 2, 2}, {0, 1, 0, 0}}), 1, 2);
-    store.write(variable("PART_LENGTHS", vINT32, {{5, 5}, {4}}), 1, 2);
-    Attribute name("NAME", "", vSTRING), cdp("CDP", "", vINT32), big("BIG", "", vINT64), elev("ELEV", "", vFLOAT64);
+    store.write(variableAttribute("X", vFLOAT64, {{0, 10, 10, 0, 0, 2, 2, 4, 4, 2}, {20, 20, 21, 20}}), 1, 2);
+    store.write(variableAttribute("Y", vFLOAT64, {{0, 0, 10, 10, 0, 2, 4, 4, 2, 2}, {0, 1, 0, 0}}), 1, 2);
+    store.write(variableAttribute("PART_LENGTHS", vINT32, {{5, 5}, {4}}), 1, 2);
     for (Attribute* a : {&name, &cdp, &big, &elev}) a->resize(2);
     name.setString(1, "first one");
     name.setString(2, "second");
@@ -201,34 +195,16 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     for (Attribute* a : {&name, &cdp, &big, &elev}) store.write(*a, 1, 2);
     store.close();
   }
-  std::string const out = ogrFeatures(base + "_poly.shp");
-  EXPECT_NE(std::string::npos, out.find("WGS 84")) << out;
-  for (char const* expected :
-       {"  NAME (String) = first one\n  CDP (Integer64) = -17\n  BIG (Real) = 9007199254740992\n"
-        "  ELEV (Real) = 1000.500000000000000\n  POLYGON ((0 0,0 10,10 10,10 0,0 0),(2 2,4 2,4 4,2 4,2 2))",
-        "  NAME (String) = second\n  CDP (Integer64) = 2000000000\n  BIG (Real) = -1\n"
-        "  ELEV (Real) = -0.001953125000000\n  POLYGON ((20 0,20 1,21 0,20 0))"})
-    EXPECT_NE(std::string::npos, out.find(expected)) << expected << "\n---\n" << out;
+  expectOgrinfo(base + "_poly.shp",
+                {"WGS 84",
+                 "  NAME (String) = first one\n  CDP (Integer64) = -17\n  BIG (Real) = 9007199254740992\n"
+                 "  ELEV (Real) = 1000.500000000000000\n  POLYGON ((0 0,0 10,10 10,10 0,0 0),(2 2,4 2,4 4,2 4,2 2))",
+                 "  NAME (String) = second\n  CDP (Integer64) = 2000000000\n  BIG (Real) = -1\n"
+                 "  ELEV (Real) = -0.001953125000000\n  POLYGON ((20 0,20 1,21 0,20 0))"});
 
-  // Map data: PointZ with the values as Z.
-  {
-    ShapefileDiskStore store;
-    StoreDescription description(vFilename((base + "_map.shp").c_str()));
-    description.setStoreClass("mapdata");
-    store.create(description, "");
-    store.addInstances(2);
-    Attribute x("XVAL", "", vFLOAT32), y("YVAL", "", vFLOAT32), v("ATVAL", "", vFLOAT32);
-    float const xs[] = {1.5f, 2.5f}, ys[] = {-1.0f, 4.0f}, vs[] = {0.25f, 99.0f};
-    x.copyData(2, xs);
-    y.copyData(2, ys);
-    v.copyData(2, vs);
-    for (Attribute* a : {&x, &y, &v}) store.write(*a, 1, 2);
-  }
-  std::string const map = ogrFeatures(base + "_map.shp");
-  EXPECT_NE(std::string::npos, map.find("POINT Z (1.5 -1 0.25)")) << map;
-  EXPECT_NE(std::string::npos, map.find("POINT Z (2.5 4.0 99)")) << map;
+  writeMapData(base + "_map.shp", "", {1.5f, 2.5f}, {-1.0f, 4.0f}, {0.25f, 99.0f});
+  expectOgrinfo(base + "_map.shp", {"POINT Z (1.5 -1 0.25)", "POINT Z (2.5 4.0 99)"});
 
-  // Lines of one and two parts, and plain points.
   {
     ShapefileDiskStore lines;
     lines.create(StoreDescription(vFilename((base + "_lines.shp").c_str())), "polylines");
@@ -246,13 +222,9 @@ TEST(ShapefilePeer, FilesTheStoreWritesReadByOgrinfo) {
     points.write(x, 1, 2);
     points.write(y, 1, 2);
   }
-  std::string const lines = ogrFeatures(base + "_lines.shp");
-  EXPECT_NE(std::string::npos, lines.find("Geometry: Line String")) << lines;
-  EXPECT_NE(std::string::npos, lines.find("LINESTRING (0 0,1.5 2.0,3 -5)")) << lines;
-  EXPECT_NE(std::string::npos, lines.find("MULTILINESTRING ((9 9,8 8),(7 7,6 6))")) << lines;
-  std::string const points = ogrFeatures(base + "_points.shp");
-  EXPECT_NE(std::string::npos, points.find("POINT (431000.25 6520000.5)")) << points;
-  EXPECT_NE(std::string::npos, points.find("POINT (-1 2)")) << points;
+  expectOgrinfo(base + "_lines.shp", {"Geometry: Line String", "LINESTRING (0 0,1.5 2.0,3 -5)",
+                                      "MULTILINESTRING ((9 9,8 8),(7 7,6 6))"});
+  expectOgrinfo(base + "_points.shp", {"POINT (431000.25 6520000.5)", "POINT (-1 2)"});
 }
 
 TEST(ShapefilePeer, MeasuredPointsBothWays) {
@@ -270,22 +242,104 @@ TEST(ShapefilePeer, MeasuredPointsBothWays) {
   EXPECT_EQ((std::vector<double>{3}), values(read, "XVAL", 2));
   EXPECT_EQ((std::vector<double>{-7.25}), values(read, "ATVAL", 1));
 
-  {
+  writeMapData(base + "_out.shp", "measured", {-2.5f}, {8.0f}, {0.125f});
+  expectOgrinfo(base + "_out.shp", {"Geometry: Measured Point", "POINT M (-2.5 8.0 0.125)"});
+}
+
+char const* const kPoints = R"({"type":"FeatureCollection","features":[
+{"type":"Feature","properties":{"v":1},"geometry":{"type":"Point","coordinates":[1,2]}},
+{"type":"Feature","properties":{"v":2},"geometry":{"type":"Point","coordinates":[3,4]}},
+{"type":"Feature","properties":{"v":3},"geometry":{"type":"Point","coordinates":[5,6]}}]})";
+
+std::string const kCannotOpen =
+    "Could not open shapefile %s.\nCheck the spelling, the permissions, and that both data (.shp) and index (.shx) "
+    "files are present.\n";
+
+std::string cannotOpen(std::string const& shp, std::string const& why) {
+  std::string text = kCannotOpen;
+  text.replace(text.find("%s"), 2, shp);
+  return text + why;
+}
+
+void put32be(std::string& bytes, std::size_t at, unsigned int value) {
+  for (int k = 0; k < 4; ++k) bytes[at + k] = static_cast<char>(value >> (24 - 8 * k));
+}
+
+TEST(ShapefileFaults, FilesThatDoNotHoldTogether) {
+  requireGdal();
+  std::string const base = scratch("bad");
+  std::string const shp = base + ".shp";
+  auto open = [&] {
     ShapefileDiskStore store;
-    StoreDescription description(vFilename((base + "_out.shp").c_str()));
-    description.setStoreClass("mapdata");
-    store.create(description, "measured");
-    store.addInstances(1);
-    Attribute x("XVAL", "", vFLOAT32), y("YVAL", "", vFLOAT32), v("ATVAL", "", vFLOAT32);
-    float const xs[] = {-2.5f}, ys[] = {8.0f}, vs[] = {0.125f};
-    x.copyData(1, xs);
-    y.copyData(1, ys);
-    v.copyData(1, vs);
-    for (Attribute* a : {&x, &y, &v}) store.write(*a, 1, 1);
+    store.open(vFilename(shp.c_str()));
+  };
+  struct Case {
+    char const* what;
+    void (*spoil)(std::string const& base);
+    char const* why;
+  } const cases[] = {
+      {"index pointing into the middle of a record",
+       [](std::string const& b) {
+         std::string shx = fs_testing::readFile(b + ".shx");
+         // Record 2 moved 4 words on: its header is read from the data of
+         // another.
+         put32be(shx, 100 + 8, (100 + 28 + 4) / 2);
+         fs_testing::writeFile(b + ".shx", shx);
+       },
+       "The index (.shx) and the data (.shp) disagree at shape 2."},
+      {"no index", [](std::string const& b) { std::remove((b + ".shx").c_str()); },
+       "The data (.shp) or index (.shx) file does not open."},
+      {"a table of fewer records",
+       [](std::string const& b) {
+         std::string dbf = fs_testing::readFile(b + ".dbf");
+         dbf[4] = 2;
+         fs_testing::writeFile(b + ".dbf", dbf);
+       },
+       "The table (.dbf) has 2 records for 3 shapes."},
+  };
+  for (Case const& c : cases) {
+    SCOPED_TRACE(c.what);
+    ogrShapefile(base, kPoints);
+    open();
+    c.spoil(base);
+    expectFailure(open, "ShapefileDiskStore::open", cannotOpen(shp, c.why));
   }
-  std::string const out = ogrFeatures(base + "_out.shp");
-  EXPECT_NE(std::string::npos, out.find("Geometry: Measured Point")) << out;
-  EXPECT_NE(std::string::npos, out.find("POINT M (-2.5 8.0 0.125)")) << out;
+  ogrShapefile(base, R"({"type":"FeatureCollection","features":[
+{"type":"Feature","properties":{},"geometry":{"type":"MultiPoint","coordinates":[[1,2],[3,4]]}}]})");
+  expectFailure(open, "Shapefile", "Shape Type 8 is not yet supported");
+}
+
+TEST(ShapefileFaults, WritesRefusedAndReadsOutOfTheStore) {
+  std::string const file = scratch("refused.shp");
+  ShapefileDiskStore store;
+  store.create(StoreDescription(vFilename(file.c_str())), "polygons");
+  store.addInstances(2);
+  Attribute const x = variableAttribute("X", vFLOAT64, {{0, 0, 0}, {0, 0, 0, 0}});
+  expectFailure([&] { store.write(Attribute("NOPE", "", vINT32), 1, 2); }, "ShapefileDiskStore::write",
+                "Attribute NOPE is not in the store.");
+  // Part of an attribute: a message, nothing kept.
+  EXPECT_EQ(1, fs_testing::quietErrors([&] { store.write(x, 1, 1); }));
+  store.write(x, 1, 2);
+  store.write(variableAttribute("PART_LENGTHS", vINT32, {{3}, {1, 2}}), 1, 2);
+  expectFailure([&] { store.close(); }, "ShapefileDiskStore::myWritePolygons",
+                "***ERROR*** Accumulated lengths do not match data size.");
+  EXPECT_FALSE(store.isOpen());
+
+  ShapefileReader reader(vFilename(scratch("nothing.shp").c_str()));
+  EXPECT_FALSE(reader.isOpen());
+  expectFailure([&] { reader.addShape(1, 2, 3); }, "ShapefileReader::addShape",
+                "Cannot add shapes to a file opened for read-only.");
+
+  ShapefileDiskStore points;
+  points.create(vFilename(file.c_str()));
+  points.addInstances(1);
+  points.close();
+  points.open(vFilename(file.c_str()));
+  expectFailure([&] { points.openAttributeSet("other"); }, "ShapefileDiskStore::openAttributeSet",
+                "File '" + file + "' does not have AttributeSet names 'other'.");
+  Attribute name("X", "", vSTRING);
+  expectFailure([&] { points.read(name, 1, 1); }, "ShapefileDiskStore::read",
+                "Cannot convert from a number to String for Attribute X.");
 }
 
 }  // namespace
