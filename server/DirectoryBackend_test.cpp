@@ -105,38 +105,30 @@ TEST_F(DirectoryBackend, ShapefilesAreServed) {
   EXPECT_EQ("W2", std::string(name.getString(1).c_str()));
 }
 
-// SEG-D records by their extensions.
-TEST_F(DirectoryBackend, SegdFilesAreServed) {
+// SEG-D records and FDM velocity volumes, by their extensions.
+TEST_F(DirectoryBackend, SegdFilesAndFdmVolumesAreServed) {
   std::string const dir = m_root + "/field";
   ::mkdir(dir.c_str(), 0700);
   ASSERT_TRUE(segd_testing::writeSegd(dir + "/shot.segd", "--format 8015 --traces 5 --ffid 77"));
   ASSERT_TRUE(segd_testing::writeSegd(dir + "/gap.dsegd", "--traces 2"));
+  std::string const cmd =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + dir + "/rms.fdm '>'";
+  ASSERT_EQ(0, std::system(cmd.c_str()));
   vHandle<Project> project = openProject(newCatalog(), "field");
   EXPECT_EQ((std::vector<std::string>{"gap.1", "shot.1"}), names(*project->getStoreList("seismic", "")));
+  EXPECT_EQ((std::vector<std::string>{"rms.1"}), names(*project->getStoreList("velocity", "")));
   ClientAttributeSet shot(project);
   shot.open("shot", 1, "", "", nullptr);
   Attribute trace = shot.getAttribute("TRACE");
   shot.read(trace, std::vector<unsigned int>{4, 2});
   EXPECT_EQ(-500.125f, trace.getFloat32Pointer(1)[0]);  // -(4000 + 1) / 8
   EXPECT_EQ(segd_testing::writtenSample(2, 256), trace.getFloat32Pointer(2)[255]);
-}
-
-// FDM volumes are velocity stores of a directory project, known by their
-// extension.
-TEST_F(DirectoryBackend, FdmVolumesAreServed) {
-  std::string const dir = m_root + "/velocities";
-  ::mkdir(dir.c_str(), 0700);
-  std::string const cmd =
-      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + dir + "/rms.fdm '>'";
-  ASSERT_EQ(0, std::system(cmd.c_str()));
-  vHandle<Project> project = openProject(newCatalog(), "velocities");
-  EXPECT_EQ((std::vector<std::string>{"rms.1"}), names(*project->getStoreList("velocity", "")));
   ClientAttributeSet rms(project);
   rms.open("rms", 1, "", "", nullptr);
-  Attribute trace = rms.getAttribute("VELTRACE.DEFAULT");
-  rms.read(trace, 6, 7);
+  Attribute velocity = rms.getAttribute("VELTRACE.DEFAULT");
+  rms.read(velocity, 6, 7);
   // Crossline index 1 and 2 of inline index 1, sample 3.
-  EXPECT_EQ(1123.0f, trace.getFloat32Pointer(2)[3]);
+  EXPECT_EQ(1123.0f, velocity.getFloat32Pointer(2)[3]);
 }
 
 TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
