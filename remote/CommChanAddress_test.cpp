@@ -31,6 +31,14 @@ TEST_F(CommChanAddressTest, RemoteFormsGiveTheirPartsAndPrintBack) {
   // Blanks do not survive the printed form.
   CommChanAddress blank(vString("Address:7004:10.1.2.3:node A"));
   EXPECT_EQ("Address:7004:10.1.2.3:nodeA", str(blank.getAddress()));
+
+  // By port alone, or with a blank host: this host.
+  CommChanAddress here(5000, nullptr);
+  EXPECT_EQ(str(vUtl::gethostname()), str(here.getHost()));
+  vString const blankHost("  ");
+  EXPECT_EQ(str(here.getHost()), str(CommChanAddress(5000, &blankHost).getHost()));
+  vString const local("localhost");
+  EXPECT_EQ("Address:5001:127.0.0.1:localhost", str(CommChanAddress(5001, &local).getAddress()));
 }
 
 TEST_F(CommChanAddressTest, LocalFormsAndTheOperationsThatDoNotFitThem) {
@@ -46,16 +54,6 @@ TEST_F(CommChanAddressTest, LocalFormsAndTheOperationsThatDoNotFitThem) {
             fatalText([] { CommChanAddress(vString("Address:7000:")); }));
   EXPECT_EQ("CommChanAddress::CommChanAddress: Invalid local filename:Address:.",
             fatalText([] { CommChanAddress(vString("Address:")); }));
-}
-
-TEST_F(CommChanAddressTest, ThisHostByPortAndCopies) {
-  CommChanAddress here(5000, nullptr);
-  EXPECT_EQ(str(vUtl::gethostname()), str(here.getHost()));
-  vString const blank("  ");
-  EXPECT_EQ(str(here.getHost()), str(CommChanAddress(5000, &blank).getHost()));
-  vString const local("localhost");
-  CommChanAddress named(5001, &local);
-  EXPECT_EQ("Address:5001:127.0.0.1:localhost", str(named.getAddress()));
 }
 
 }  // namespace

@@ -29,11 +29,6 @@ namespace {
 
 class SocketTest : public RemoteTest {};
 
-bool exists(std::string const& path) {
-  struct stat s;
-  return ::lstat(path.c_str(), &s) == 0;
-}
-
 // The permission bits of a path, or -1.
 int modeOf(std::string const& path) {
   struct stat s;
@@ -65,11 +60,10 @@ TEST_F(SocketTest, TcpConnectionStartsWithTheMagicBothWays) {
     seen.insert(seen.end(), more.begin(), more.end());
     ::close(fd);
   });
-  int values[2] = {0, 0};
-  EXPECT_EQ(CommChan::OK, server->receiveInt32(values, 2));
+  std::vector<int> values(2);
+  EXPECT_EQ(CommChan::OK, server->receiveInt32(values.data(), 2));
   EXPECT_FALSE(server->getSwap());
-  EXPECT_EQ(0x01020304, values[0]);
-  EXPECT_EQ(-7, values[1]);
+  EXPECT_EQ((std::vector<int>{0x01020304, -7}), values);
   short const back[4] = {1, 2, -1, 0x0102};
   EXPECT_EQ(CommChan::OK, server->sendInt16(back, 4));
   // Bools go as 0 or 1, whatever byte a bool holds.
@@ -198,7 +192,7 @@ TEST_F(SocketTest, LocalListenerIsReachableOnlyByItsOwnerEvenWithUmaskZero) {
   EXPECT_EQ(0600, modeOf(dir.file("given")));
   // The generated path goes with the channel.
   generated->close();
-  EXPECT_FALSE(exists(path));
+  EXPECT_EQ(-1, modeOf(path));
 }
 
 // Names that someone else may have put in the way are never taken for the
@@ -223,7 +217,7 @@ TEST_F(SocketTest, NamesPutInTheWayAreNeverTakenForTheChannelsOwn) {
   EXPECT_EQ(CommChan::INUSE, listener.createLocal(planted.c_str()));
   EXPECT_EQ(CommChan::CLOSED, listener.accept());
   listener.close();
-  EXPECT_TRUE(exists(planted));
+  EXPECT_NE(-1, modeOf(planted));
 
   Socket client;
   EXPECT_EQ("Socket::connectLocal: " + planted + " is not a channel of this user: it is not connected to.",
@@ -331,10 +325,8 @@ TEST_F(SocketTest, PortRangeProperty) {
       {
         ::setenv("SP_COMMCHAN_USE_PORT_RANGE", "6000 5000", 1);
         int port = 0;
-        std::exit(fatalText([&] { CommChanMaker::remote(port); }) ==
-                          "Socket::myBind: Invalid port range specified (6000:5000)!"
-                      ? 0
-                      : 1);
+        std::string const text = fatalText([&] { CommChanMaker::remote(port); });
+        std::exit(text == "Socket::myBind: Invalid port range specified (6000:5000)!" ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
 }

@@ -105,8 +105,7 @@ TEST_F(VerboseCommChanTest, MakerWrapsWhenThePropertyAsksForIt) {
   tree.setEnv("SP_COMMCHAN_VERBOSE", "verbose = yes  \"FileName =" + file + " \"");
   {
     vHandle<CommChan> traced = CommChanMaker::local(nullptr);
-    VerboseCommChan* v = dynamic_cast<VerboseCommChan*>(traced.get());
-    ASSERT_NE(nullptr, v);
+    ASSERT_NE(nullptr, dynamic_cast<VerboseCommChan*>(traced.get()));
     traced->getSize();
   }
   std::ifstream in(file);
