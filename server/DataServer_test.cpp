@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -28,34 +29,31 @@ class BareCOB : public COB {
   BareCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
   void doCommsReinitialize() override {}
 
-  // A request of the code and a string; the reply's code.
-  int call(int code, char const* text = nullptr) {
-    Packer p(100);
+  // A request of the code and what pack adds; the reply's code.
+  int call(int code, std::function<void(Packer&)> const& pack = nullptr) {
+    Packer p(200);
     p.pack(static_cast<int32_t>(code));
-    if (text != nullptr) p.pack(vString(text));
-    return reply(p);
+    if (pack) pack(p);
+    if (sendAndReceive(p) != CommChan::OK) return -1;
+    int32_t reply = 0;
+    p.unpack(reply);
+    p.discard();
+    return reply;
+  }
+  int call(int code, char const* text) {
+    return call(code, [text](Packer& p) { p.pack(vString(text)); });
   }
   // The session start of a catalog, for a host.
   int start(char const* host) {
-    Packer p(200);
-    p.pack(static_cast<int32_t>(ClientCode::SessionStart));
-    p.pack(vString(host));
-    p.pack(0LL);
-    p.pack(vString(""));
-    p.pack(0LL);
-    p.pack(0LL);
-    p.packBool(false);
-    p.packBool(false);
-    return reply(p);
-  }
-
- private:
-  int reply(Packer& p) {
-    if (sendAndReceive(p) != CommChan::OK) return -1;
-    int32_t code = 0;
-    p.unpack(code);
-    p.discard();
-    return code;
+    return call(ClientCode::SessionStart, [host](Packer& p) {
+      p.pack(vString(host));
+      p.pack(0LL);
+      p.pack(vString(""));
+      p.pack(0LL);
+      p.pack(0LL);
+      p.packBool(false);
+      p.packBool(false);
+    });
   }
 };
 
@@ -117,37 +115,31 @@ TEST_F(DataServerTest, RequestsAndValuesItCannotServeAreReportedAndTheSessionGoe
   EXPECT_EQ(said("PortalID 4 is a Widget, which this server does not serve."), fatalText([&] { widget.call(1); }));
   // A set under a catalog has no project above it.
   BareCOB stray("AttributeSet", &catalog);
-  Packer open(100);
-  open.pack(static_cast<int32_t>(ClientCode::Open));
-  open.pack(vString("line12"));
-  open.pack(static_cast<int32_t>(3));
-  open.pack(vString(""));
-  open.pack(vString(""));
-  open.packBool(false);
-  EXPECT_EQ(said("The AttributeSet with PortalID 5 has no Project above it."),
-            fatalText([&] { stray.sendAndReceive(open); }));
+  EXPECT_EQ(said("The AttributeSet with PortalID 5 has no Project above it."), fatalText([&] {
+              stray.call(ClientCode::Open, [](Packer& p) {
+                p.pack(vString("line12"));
+                p.pack(static_cast<int32_t>(3));
+                p.pack(vString(""));
+                p.pack(vString(""));
+                p.packBool(false);
+              });
+            }));
 
   // Enumerations come only with their values.
   BareCOB made("AttributeSet", &project);
-  Packer create(200);
-  create.pack(static_cast<int32_t>(ClientCode::Create));
-  for (char const* text : {"made", "seismic", "shot"}) create.pack(vString(text));
-  create.pack(KeyList());
-  create.packBool(false);
-  ASSERT_EQ(CommChan::OK, made.sendAndReceive(create));
-  create.discard();
-  Packer add(200);
-  add.pack(static_cast<int32_t>(ClientCode::AddAttribute));
-  add.pack(Attribute("AMP", "Data", vINT32));
-  ASSERT_EQ(CommChan::OK, made.sendAndReceive(add));
-  add.discard();
+  ASSERT_EQ(ClientCode::Create, made.call(ClientCode::Create, [](Packer& p) {
+    for (char const* text : {"made", "seismic", "shot"}) p.pack(vString(text));
+    p.pack(KeyList());
+    p.packBool(false);
+  }));
+  ASSERT_EQ(ClientCode::AddAttribute,
+            made.call(ClientCode::AddAttribute, [](Packer& p) { p.pack(Attribute("AMP", "Data", vINT32)); }));
   // A text and an int that is no value of the enumeration the request takes.
   auto ask = [&made](int code, char const* text, int32_t value) {
-    Packer p(100);
-    p.pack(static_cast<int32_t>(code));
-    p.pack(vString(text));
-    p.pack(value);
-    made.sendAndReceive(p);
+    made.call(code, [&](Packer& p) {
+      p.pack(vString(text));
+      p.pack(value);
+    });
   };
   EXPECT_EQ(said("Unknown sort order 0."), fatalText([&] { ask(ClientCode::GetUnique, "AMP", 0); }));
   EXPECT_EQ(said("Unknown attribute match type 7."),
