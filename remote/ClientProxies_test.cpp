@@ -212,7 +212,7 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtCloseAndOpenSetsCompare)
   a.close();
 }
 
-TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
+TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstancesUntilNoneAnswers) {
   ScopedEnv stores("RONDO_UNITTEST_STORES", "shots.1:seismic");
   vHandle<ProjectCatalog> catalog = newCatalog();
   vHandle<Project> project = openProject(catalog, "survey");
@@ -245,14 +245,10 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
   reopened.open("shots", 0, "", "", nullptr);
   EXPECT_EQ(7u, reopened.getNInstances());
   reopened.close();
-}
 
-TEST_F(ClientProxies, NoServerToTalkToEndsInTheTwoWordings) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  set.create("shots", "seismic", "2d", KeyList(), nullptr);
-  // From now on every server leaves at its first message.
+  // From now on every server leaves at its first message: no server to
+  // talk to ends in the two wordings.
+  set.update("shots", 0, "", "", nullptr);
   ClientProjectCatalog* client = dynamic_cast<ClientProjectCatalog*>(catalog.get());
   ASSERT_NE(nullptr, client);
   client->getPortal()->setDataserverCommandLine(

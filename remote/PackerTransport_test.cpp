@@ -95,14 +95,11 @@ TEST_F(PackerTransportTest, OtherByteOrderIsTurnedAroundButUInt64IsLeft) {
   EXPECT_TRUE(server->getSwap());
   EXPECT_EQ(6, p.getMessageTag());
   int i = 0;
-  short s[2] = {0, 0};
+  short s[2] = {0, 0}, magic = 0, version = 0;
   double d = 0;
-  unsigned long long u = 0;
-  unsigned long long ua[1] = {0};
+  unsigned long long u = 0, ua[1] = {0};
   long long ll = 0;
   vString text;
-  short magic = 0;
-  short version = 0;
   p.unpack(i);
   p.unpack(s);
   p.unpack(d);

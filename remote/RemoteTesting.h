@@ -110,13 +110,13 @@ inline int rawConnectTcp(int port) {
 }
 
 // A listening TCP socket on a free loopback port.
-inline int rawListenTcp(int& port) {
+inline int rawListenTcp(int& port, int backlog = 5) {
   int const fd = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in a{};
   a.sin_family = AF_INET;
   a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   socklen_t n = sizeof a;
-  if (::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 || ::listen(fd, 5) != 0 ||
+  if (::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 || ::listen(fd, backlog) != 0 ||
       ::getsockname(fd, reinterpret_cast<sockaddr*>(&a), &n) != 0) {
     ::close(fd);
     return -1;

@@ -154,14 +154,13 @@ TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
 // A listener whose queue is full lets a connection attempt hang: the
 // attempt with a time-out gives up.
 TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
-  int const listener = ::socket(AF_INET, SOCK_STREAM, 0);
+  int port = 0;
+  int const listener = rawListenTcp(port, 0);
+  ASSERT_GE(listener, 0);
   sockaddr_in a{};
   a.sin_family = AF_INET;
+  a.sin_port = htons(static_cast<uint16_t>(port));
   a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t n = sizeof a;
-  ASSERT_EQ(0, ::bind(listener, reinterpret_cast<sockaddr*>(&a), sizeof a));
-  ASSERT_EQ(0, ::listen(listener, 0));
-  ASSERT_EQ(0, ::getsockname(listener, reinterpret_cast<sockaddr*>(&a), &n));
   std::vector<int> queued;
   for (int i = 0; i < 4; ++i) {
     int const fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
@@ -170,15 +169,17 @@ TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
   }
   ::usleep(200 * 1000);
   Socket client;
-  EXPECT_EQ(CommChan::TIMEOUT, client.connectRemote("127.0.0.1", ntohs(a.sin_port), 0.5f));
+  EXPECT_EQ(CommChan::TIMEOUT, client.connectRemote("127.0.0.1", port, 0.5f));
   for (int fd : queued) ::close(fd);
   ::close(listener);
 }
 
 // A local stranger is kept out by the modes of the path: the private
 // directory is made with 0700 and the socket gets 0600 before it listens,
-// whatever the umask.
-TEST_F(SocketTest, LocalListenerIsReachableOnlyByItsOwnerEvenWithUmaskZero) {
+// whatever the umask. Names that someone else may have put in the way are
+// never taken for the channel's own: a link in place of the private
+// directory, a file at a listener's or a connector's path.
+TEST_F(SocketTest, LocalChannelsAreOnlyTheirOwners) {
   TempDir dir;
   ScopedEnv tmp("TMPDIR", dir.path().c_str());
   mode_t const umask = ::umask(0);
@@ -193,15 +194,9 @@ TEST_F(SocketTest, LocalListenerIsReachableOnlyByItsOwnerEvenWithUmaskZero) {
   // The generated path goes with the channel.
   generated->close();
   EXPECT_EQ(-1, modeOf(path));
-}
 
-// Names that someone else may have put in the way are never taken for the
-// channel's own: a link in place of the private directory, a file at a
-// listener's or a connector's path.
-TEST_F(SocketTest, NamesPutInTheWayAreNeverTakenForTheChannelsOwn) {
-  TempDir dir;
-  ScopedEnv tmp("TMPDIR", dir.path().c_str());
   std::string const priv = privateDir(dir.path());
+  ASSERT_EQ(0, ::rmdir(priv.c_str()));
   std::string const notPrivate =
       "Socket::createLocal: " + priv + " is not a private directory of this user: no channel is made in it.";
   ASSERT_EQ(0, ::mkdir(dir.file("elsewhere").c_str(), 0700));
