@@ -28,6 +28,21 @@
 
 namespace remote_testing {
 
+// A failure of the server as the client raises it.
+inline std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
+
+// The names in a list of stores or projects.
+inline std::vector<std::string> names(Project::StoreList const& list) {
+  std::vector<std::string> out;
+  for (vLCString const& n : list) out.push_back(n.c_str());
+  return out;
+}
+inline std::vector<std::string> names(ProjectList const& list) {
+  std::vector<std::string> out;
+  for (ProjectListEntry const& e : list) out.push_back(e.getName().c_str());
+  return out;
+}
+
 inline std::string dataServerPath() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer"; }
 
 class ClientTest : public RemoteTest {

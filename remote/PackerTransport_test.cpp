@@ -28,16 +28,11 @@ namespace {
 
 class PackerTransportTest : public RemoteTest {};
 
-std::string pathOf(vHandle<CommChan> const& chan) {
-  std::unique_ptr<CommChanAddress> a(chan->getAddress());
-  return a->getFilename().c_str();
-}
-
 // Caller arrays leave as ordinary arrays, straight from the caller's
 // memory. (Requests of the protocol byte for byte: ClientFrames.)
 TEST_F(PackerTransportTest, AddressOfArraysGoAsOrdinaryArrays) {
   vHandle<CommChan> server = CommChanMaker::local(nullptr);
-  std::string const path = pathOf(server);
+  std::string const path = localPath(server);
   Bytes seen;
   std::thread peer([&] {
     int const fd = rawConnectLocal(path);
@@ -124,7 +119,7 @@ TEST_F(PackerTransportTest, OtherByteOrderIsTurnedAroundButUInt64IsLeft) {
 // going is a status.
 TEST_F(PackerTransportTest, BadHeadersAndForgedLengths) {
   vHandle<CommChan> server = CommChanMaker::local(nullptr);
-  std::string const path = pathOf(server);
+  std::string const path = localPath(server);
   std::thread peer([&] {
     int const fd = rawConnectLocal(path);
     writeAll(fd, Bytes(16, 0x5A));
@@ -148,7 +143,7 @@ TEST_F(PackerTransportTest, BadHeadersAndForgedLengths) {
 // message stays on the channel for the next reader.
 TEST_F(PackerTransportTest, PackerInTheWrongStateLeavesTheMessage) {
   vHandle<CommChan> server = CommChanMaker::local(nullptr);
-  vHandle<CommChan> client = CommChanMaker::connect(pathOf(server).c_str());
+  vHandle<CommChan> client = CommChanMaker::connect(localPath(server).c_str());
   Packer out(10);
   out.pack(99);
   ASSERT_EQ(CommChan::OK, out.send(client.get(), 2));
@@ -172,7 +167,7 @@ TEST_F(PackerTransportTest, BodyThatCannotBeHeldIsDrainedAndReported) {
       {
         testMapLargeBlocksExactly();
         vHandle<CommChan> server = CommChanMaker::local(nullptr);
-        std::string const path = pathOf(server);
+        std::string const path = localPath(server);
         int const body = 256 << 20;
         std::vector<unsigned char> big(static_cast<size_t>(body), 0x01);
         std::thread peer([&] {

@@ -38,11 +38,6 @@ int modeOf(std::string const& path) {
 // Where this user's generated local channels go under a base directory.
 std::string privateDir(std::string const& base) { return base + "/rondo-" + std::to_string(::geteuid()); }
 
-std::string localPath(vHandle<CommChan> const& channel) {
-  std::unique_ptr<CommChanAddress> address(channel->getAddress());
-  return address->getFilename().c_str();
-}
-
 // Both ends of a TCP connection write the magic first; typed data follow
 // in the writer's order, and the accepting end has read the peer's magic.
 TEST_F(SocketTest, TcpConnectionStartsWithTheMagicBothWays) {

@@ -33,11 +33,6 @@ class VerboseCommChanTest : public RemoteTest {};
 
 std::string const kTime = "[-+0-9.e]+";
 
-std::string pathOf(vHandle<CommChan> const& chan) {
-  std::unique_ptr<CommChanAddress> a(chan->getAddress());
-  return a->getFilename().c_str();
-}
-
 // Matches text line by line against patterns in which "<t>" is a time.
 void expectLines(std::string const& text, std::vector<std::string> const& patterns) {
   std::istringstream in(text);
@@ -55,7 +50,7 @@ void expectLines(std::string const& text, std::vector<std::string> const& patter
 
 TEST_F(VerboseCommChanTest, EachOperationIsOneLineAndArraysShowTheirFirstElement) {
   vHandle<CommChan> server = CommChanMaker::local(nullptr);
-  vHandle<CommChan> client = CommChanMaker::connect(pathOf(server).c_str());
+  vHandle<CommChan> client = CommChanMaker::connect(localPath(server).c_str());
   std::ostringstream trace;
   {
     vHandle<CommChan> traced(new VerboseCommChan(client, trace));

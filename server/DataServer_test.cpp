@@ -88,8 +88,6 @@ class DataServerTest : public RemoteTest {
   ScopedEnv m_stores;
 };
 
-std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
-
 TEST_F(DataServerTest, RequestsAndValuesItCannotServeAreReportedAndTheSessionGoesOn) {
   vHandle<COBPortal> portal = start(rondo() + " -v " + m_dir.file("rel"));
   BareCOB catalog("ProjectCatalog", nullptr);

@@ -28,8 +28,6 @@ namespace {
 
 std::string const kNothing = "(nothing raised)";
 
-std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
-
 void write(std::string const& path, std::string const& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 // A message's bytes as they go out with the tag.
@@ -78,12 +76,6 @@ class DirectoryBackend : public ClientTest {
   ScopedEnv m_rootSetting;
   ScopedEnv m_release;
 };
-
-std::vector<std::string> names(std::list<vLCString> const& list) {
-  std::vector<std::string> out;
-  for (vLCString const& n : list) out.push_back(n.c_str());
-  return out;
-}
 
 // A shapefile is one store of a directory project, by its .shp: the .shx,
 // .dbf and .prj beside it are parts of it (written by GDAL's ogr2ogr).
@@ -164,10 +156,7 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
               fatalText([&] { newCatalog(); }));
   }
   vHandle<ProjectCatalog> catalog = newCatalog();
-  std::vector<std::string> projects;
-  vHandle<ProjectList> const list = catalog->getProjectList();
-  for (ProjectListEntry const& e : *list) projects.push_back(e.getName().c_str());
-  EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
+  EXPECT_EQ((std::vector<std::string>{"other", "survey"}), names(*catalog->getProjectList()));
 
   vHandle<Project> project = openProject(catalog, "survey");
   std::vector<std::string> const all = {"cut.1", "empty.1", "escaped.1", "keyed.1", "line1.1"};

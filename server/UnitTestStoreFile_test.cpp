@@ -18,8 +18,6 @@ using namespace remote_testing;
 
 namespace {
 
-std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
-
 // Picks keyed by POINT, with a float64 DEPTH and a property.
 void writePicks(std::string const& file, unsigned int count = 3) {
   InMemoryStore store{vHandle<Project>()};
@@ -54,7 +52,7 @@ TEST_F(UnitTestStoreFile, StoresWithFilesAreServedWithTheirData) {
   vHandle<Project> project = openProject(newCatalog(), "survey");
 
   // The project lists the scripted class; the data set has the file's.
-  EXPECT_STREQ("picks.1", project->getStoreList("horizon", "")->front().c_str());
+  EXPECT_EQ((std::vector<std::string>{"picks.1", "picks.2"}), names(*project->getStoreList("horizon", "")));
   ClientAttributeSet set(project);
   set.open("picks", 2, "", "", nullptr);
   EXPECT_STREQ("mapdata", set.getClass().c_str());

@@ -31,16 +31,10 @@ TEST_F(ZonBackend, DatabaseProjectsAreListedAndRead) {
   ASSERT_TRUE(db.writeShots("empty", "TAB", "L", "1", 1));
 
   vHandle<ProjectCatalog> catalog = newCatalog();
-  std::vector<std::string> projects;
-  vHandle<ProjectList> const list = catalog->getProjectList();
-  for (ProjectListEntry const& e : *list) projects.push_back(e.getName().c_str());
-  EXPECT_EQ((std::vector<std::string>{"survey7", "empty"}), projects);
+  EXPECT_EQ((std::vector<std::string>{"survey7", "empty"}), names(*catalog->getProjectList()));
 
   vHandle<Project> project = openProject(catalog, "survey7");
-  std::vector<std::string> stores;
-  vHandle<Project::StoreList> const names = project->getStoreList("", "");
-  for (vLCString const& n : *names) stores.push_back(n.c_str());
-  EXPECT_EQ((std::vector<std::string>{"line1,tab.1", "line2,tab.1"}), stores);
+  EXPECT_EQ((std::vector<std::string>{"line1,tab.1", "line2,tab.1"}), names(*project->getStoreList("", "")));
   EXPECT_TRUE(project->getStoreList("seismic", "")->empty());
 
   ClientAttributeSet line1(project);
