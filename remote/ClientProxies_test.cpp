@@ -98,7 +98,9 @@ TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {
             }));
 }
 
-TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
+// An open set answers from its caches until a class changes; properties
+// change locally and travel at the close; open sets compare.
+TEST_F(ClientProxies, OpenSetsCachePropertiesAndCompare) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   vHandle<Project> project = openProject(catalog, "survey");
   ClientAttributeSet set(project);
@@ -111,83 +113,74 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   uint32_t const opened = ClientAttributeSet::NameBit | ClientAttributeSet::ClassBit |
                           ClientAttributeSet::SubClassBit | ClientAttributeSet::VersionBit;
   EXPECT_EQ(opened, set.getCacheBits());
-  std::vector<int> const atOpen = {ClientCode::Update, ClientCode::GetProperties, ClientCode::GetNInstances,
-                                   ClientCode::GetVersion, ClientCode::GetClass, ClientCode::GetSubClass};
+  // The requests the set has sent, after those of the codes given.
   std::vector<int> expected = {202, 228, 211, 229, 209};
-  expected.insert(expected.end(), atOpen.begin(), atOpen.end());
-  EXPECT_EQ(expected, requestsTo(3));
+  auto sent = [&](std::initializer_list<int> codes) {
+    expected.insert(expected.end(), codes);
+    EXPECT_EQ(expected, requestsTo(3));
+  };
+  sent({ClientCode::Update, ClientCode::GetProperties, ClientCode::GetNInstances, ClientCode::GetVersion,
+        ClientCode::GetClass, ClientCode::GetSubClass});
 
   // Known: no message.
   set.getClass();
   EXPECT_EQ(0, set.getVersion());
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({});
   // Not known: asked for once.
   EXPECT_TRUE(set.hasAttribute("CDP"));
-  expected.push_back(ClientCode::HasAttribute);
   set.getKeyList();
   set.getKeyList();
-  expected.push_back(ClientCode::GetKeyList);
   EXPECT_EQ("CDP ", attributeNames(set.getAttributeList()));
-  expected.push_back(ClientCode::GetAttributeList);
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::HasAttribute, ClientCode::GetKeyList, ClientCode::GetAttributeList});
   EXPECT_FALSE(set.hasAttribute("OFFSET"));
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({});
 
   // A new attribute joins the list kept.
   set.addAttribute(Attribute("AMP", "", vFLOAT32));
-  expected.push_back(ClientCode::AddAttribute);
   EXPECT_TRUE(set.hasAttribute("AMP"));
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::AddAttribute});
 
   // A changed class drops the list: the next question goes to the server.
   set.setAttributeClass("CDP", "CMP");
-  expected.push_back(ClientCode::SetAttributeClass);
   EXPECT_TRUE(set.hasAttribute("CDP"));
-  expected.push_back(ClientCode::HasAttribute);
   EXPECT_EQ("CMP", str(set.getAttribute("CDP").getClass()));
-  expected.push_back(ClientCode::GetAttribute);
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::SetAttributeClass, ClientCode::HasAttribute, ClientCode::GetAttribute});
 
   // A name missing from a cached list is asked for, and the list goes.
   set.getAttributeList();
-  expected.push_back(ClientCode::GetAttributeList);
   fatalText([&] { set.getAttribute("NOPE"); });
   EXPECT_EQ(0u, set.getCacheBits() & ClientAttributeSet::AttributeListBit);
-  expected.push_back(ClientCode::GetAttribute);
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::GetAttributeList, ClientCode::GetAttribute});
   set.close();
-}
 
-TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtCloseAndOpenSetsCompare) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  set.create("shots", "seismic", "2d", KeyList(), nullptr);
-  set.addProperty(Property("SURVEY", vString("north")));
-  set.addProperty(Property("SURVEY", vString("south")));
-  set.addProperty(Property("LINE", 12.0));
-  set.close();
-  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), requestsTo(3));
+  // Properties change locally and travel at the close.
+  ClientAttributeSet props(project);
+  props.create("props", "seismic", "2d", KeyList(), nullptr);
+  props.addProperty(Property("SURVEY", vString("north")));
+  props.addProperty(Property("SURVEY", vString("south")));
+  props.addProperty(Property("LINE", 12.0));
+  props.close();
+  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), requestsTo(4));
 
-  set.open("shots", 0, "", "", nullptr);
-  EXPECT_EQ(2u, set.getNProperties());
-  EXPECT_EQ("south", str(set.findProperty(vUCString("SURVEY"))->getString()));
-  char const* const text = "AttributeSet shots is not open for writing.";
+  props.open("props", 0, "", "", nullptr);
+  EXPECT_EQ(2u, props.getNProperties());
+  EXPECT_EQ("south", str(props.findProperty(vUCString("SURVEY"))->getString()));
+  char const* const text = "AttributeSet props is not open for writing.";
   EXPECT_EQ(std::string("ClientAttributeSet::addProperty(): ") + text,
-            fatalText([&] { set.addProperty(Property("X", 1.0)); }));
-  EXPECT_EQ("setproplist: Needcode", fatalText([&] { set.setPropertyList(set); }));
-  set.close();
+            fatalText([&] { props.addProperty(Property("X", 1.0)); }));
+  EXPECT_EQ("setproplist: Needcode", fatalText([&] { props.setPropertyList(props); }));
+  props.close();
   // Read-only: nothing sent at close.
-  std::vector<int> const all = requestsTo(3);
+  std::vector<int> const all = requestsTo(4);
   EXPECT_EQ(ClientCode::Close, all.back());
   EXPECT_NE(ClientCode::SendProperties, all[all.size() - 2]);
 
-  set.update("shots", 0, "", "", nullptr);
-  set.removeProperty(vUCString("SURVEY"));
-  set.close();
-  set.open("shots", 0, "", "", nullptr);
-  EXPECT_TRUE(set.hasProperty(vUCString("LINE")) && set.getNProperties() == 1u);
-  set.close();
+  props.update("props", 0, "", "", nullptr);
+  props.removeProperty(vUCString("SURVEY"));
+  props.close();
+  props.open("props", 0, "", "", nullptr);
+  EXPECT_TRUE(props.hasProperty(vUCString("LINE")) && props.getNProperties() == 1u);
+  props.close();
 
   // Open sets compare by state, instances, version and attributes.
   ClientAttributeSet a(project);

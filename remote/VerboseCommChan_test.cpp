@@ -110,9 +110,9 @@ TEST_F(VerboseCommChanTest, MakerWrapsWhenThePropertyAsksForIt) {
   EXPECT_NE(std::string::npos, text.str().find("CommChan::getSize(")) << text.str();
 }
 
+// The remote shell's probe itself is run by the portal's test of another host.
 TEST_F(VerboseCommChanTest, ServiceAndPortProbes) {
-  // The port comes from the services database, in host order; a machine
-  // without that database (a bare build root) knows no service at all.
+  // In host order; a bare build root without a services database knows none.
   servent const* shell = ::getservbyname("shell", "tcp");
   EXPECT_EQ(shell ? 514 : 0, CommChanUtl::getServicePort("shell", "tcp"));
   EXPECT_EQ("CommChanUtl::getServicePort: The service name cannot be blank!",
@@ -123,7 +123,6 @@ TEST_F(VerboseCommChanTest, ServiceAndPortProbes) {
   EXPECT_TRUE(CommChanUtl::isPortConnectable("localhost", port, 2.0f));
   ::close(listener);
   EXPECT_FALSE(CommChanUtl::isPortConnectable("localhost", port, 2.0f));
-  EXPECT_EQ(CommChanUtl::isPortConnectable("localhost", 514, 2.0f), CommChanUtl::rshAvailable("localhost", 2.0f));
 }
 
 }  // namespace
