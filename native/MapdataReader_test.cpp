@@ -61,7 +61,7 @@ std::string names(MapdataReader const& reader) {
   return std::string(x.c_str()) + " " + y.c_str() + " " + v.c_str() + " " + l.c_str();
 }
 
-TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
+TEST(MapdataReader, PropertiesBeatEveryNameAndUnusableChoicesAreInvalid) {
   vHandle<Store> store = makeStore(
       "seismic", "2d", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}, {"E", vINT32}, {"N", vINT32},
                         {"AMP", vFLOAT32}, {"WELL", vINT32}});
@@ -70,18 +70,16 @@ TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
   vString const locator[1] = {"WELL"};
   store->addProperty(Property("LOCATOR_ATTRIBUTE", 1u, locator));
   EXPECT_EQ("E N AMP WELL", names(MapdataReader(store)));
-}
 
-TEST(MapdataReader, UnusableChoicesMakeTheReaderInvalid) {
   // Another class without the property; a text value; a 16-bit value; a
   // property naming what is not there; no value at all.
   MapdataReader other(makeStore("horizon", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}));
   EXPECT_TRUE(other.getNames().empty());
   MapdataReader text(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vSTRING}}));
   MapdataReader narrow(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vINT16}}));
-  vHandle<Store> store = makeStore("mapdata", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}});
-  setPlotProperty(store, "XVAL", "YVAL", "GONE");
-  MapdataReader missing(store);
+  vHandle<Store> gone = makeStore("mapdata", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}});
+  setPlotProperty(gone, "XVAL", "YVAL", "GONE");
+  MapdataReader missing(gone);
   MapdataReader noValue(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}}));
   for (MapdataReader const* reader : {&other, &text, &narrow, &missing, &noValue}) {
     EXPECT_FALSE(reader->isValid());
@@ -170,8 +168,9 @@ class Timeslice : public ::testing::Test {
   TestReleaseTree m_tree;
 };
 
-TEST_F(Timeslice, AGridPointPerInlineAndCrossline) {
-  TimesliceToMapdataDecorator grid(makeSlices({100.0f, 104.0f}, {20, 21}, 3, 200.0, 2.0));
+TEST_F(Timeslice, AGridPointPerInlineAndCrosslineAsTheMapReaderSeesIt) {
+  vHandle<Store> slices = makeSlices({100.0f, 104.0f}, {20, 21}, 3, 200.0, 2.0);
+  TimesliceToMapdataDecorator grid(slices);
   EXPECT_EQ(6u, grid.getNInstances());
   EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000104 ", listed(grid));
   EXPECT_FALSE(grid.hasAttribute("TRACE"));
@@ -186,6 +185,17 @@ TEST_F(Timeslice, AGridPointPerInlineAndCrossline) {
   // Slice names have six digits.
   EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000008 AMPLITUDE.000099 AMPLITUDE.001001 AMPLITUDE.123456 ",
             listed(TimesliceToMapdataDecorator(makeSlices({8.0f, 99.4f, 1000.5f, 123456.0f}, {1}, 1, 0.0, 1.0))));
+
+  MapdataReader reader(slices);
+  ASSERT_TRUE(reader.isValid());
+  EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000100", names(reader));
+  EXPECT_STREQ("gridded", reader.getStore()->getSubClass().c_str());
+  std::vector<double> x, y;
+  std::vector<float> value;
+  reader.getData(x, y, value);
+  EXPECT_EQ((std::vector<double>{20, 21, 20, 21, 20, 21}), x);
+  EXPECT_EQ((std::vector<double>{200, 200, 202, 202, 204, 204}), y);
+  EXPECT_EQ((std::vector<float>{0, 10, 1, 11, 2, 12}), value);
 }
 
 TEST_F(Timeslice, WithoutCrosslinesTheInlinesStandAcross) {
@@ -200,13 +210,12 @@ TEST_F(Timeslice, WithoutCrosslinesTheInlinesStandAcross) {
   Attribute other("AMPLITUDE.999999", "", vFLOAT32);
   grid.read(other, 1, 2);
   EXPECT_EQ((std::vector<double>{0, 10}), (std::vector<double>{other.getValue(1), other.getValue(2)}));
-}
 
-TEST_F(Timeslice, ANegativeStepReversesTheInlineAxis) {
-  TimesliceToMapdataDecorator grid(makeSlices({100.0f}, {7}, 3, 300.0, -5.0));
-  // Last inline 290; numbers from the last, samples from the end.
-  EXPECT_EQ((std::vector<double>{290, 295, 300}), column(grid, "INLINE", 1, 3));
-  EXPECT_EQ((std::vector<double>{2, 1, 0}), column(grid, "AMPLITUDE.000100", 1, 3));
+  // A negative step reverses the inline axis: last inline 290; numbers
+  // from the last, samples from the end.
+  TimesliceToMapdataDecorator reversed(makeSlices({100.0f}, {7}, 3, 300.0, -5.0));
+  EXPECT_EQ((std::vector<double>{290, 295, 300}), column(reversed, "INLINE", 1, 3));
+  EXPECT_EQ((std::vector<double>{2, 1, 0}), column(reversed, "AMPLITUDE.000100", 1, 3));
 }
 
 TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
@@ -229,19 +238,6 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
   Attribute unknown("ZED", "", vFLOAT32);
   grid.read(unknown, 1, 2);
   EXPECT_EQ(0u, unknown.getNInstances());
-}
-
-TEST_F(Timeslice, TheMapReaderSeesTheGrid) {
-  MapdataReader reader(makeSlices({100.0f, 104.0f}, {20, 21}, 2, 200.0, 2.0));
-  ASSERT_TRUE(reader.isValid());
-  EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000100", names(reader));
-  EXPECT_STREQ("gridded", reader.getStore()->getSubClass().c_str());
-  std::vector<double> x, y;
-  std::vector<float> value;
-  reader.getData(x, y, value);
-  EXPECT_EQ((std::vector<double>{20, 21, 20, 21}), x);
-  EXPECT_EQ((std::vector<double>{200, 200, 202, 202}), y);
-  EXPECT_EQ((std::vector<float>{0, 10, 1, 11}), value);
 }
 
 }  // namespace

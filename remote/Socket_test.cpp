@@ -72,12 +72,17 @@ TEST_F(SocketTest, TcpConnectionStartsWithTheMagicBothWays) {
   EXPECT_EQ((Bytes{0xCE, 0xFA, 0xAD, 0xDE, 1, 0, 2, 0, 0xFF, 0xFF, 2, 1, 1, 0, 1}), seen);
 }
 
-// A peer of the other byte order: every typed receive is turned around,
-// raw bytes are not, and bools read true only from the byte 1.
-TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
+// A wrong magic is raised by the accept. A peer of the other byte order:
+// every typed receive is turned around, raw bytes are not, and bools read
+// true only from the byte 1.
+TEST_F(SocketTest, WrongMagicIsRaisedAndPeerOfTheOtherOrderIsSwapped) {
   int port = 0;
   vHandle<CommChan> server = CommChanMaker::remote(port);
   std::thread peer([&] {
+    int const wrong = rawConnectTcp(port);
+    readBytes(wrong, 4);
+    writeAll(wrong, Bytes{0x78, 0x56, 0x34, 0x12});
+    ::close(wrong);
     int const fd = rawConnectTcp(port);
     readBytes(fd, 4);
     writeAll(fd, foreignMagic());
@@ -95,6 +100,10 @@ TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
   unsigned short u16 = 0;
   char raw[4];
   bool flags[4];
+  EXPECT_EQ("Socket::myReadMagic: Did not receive internal MAGIC number. Got 305419896 (0x12345678) instead. "
+            "Read 4 bytes.\n",
+            fatalText([&] { server->accept(); }));
+  ASSERT_EQ(CommChan::OK, server->accept());
   ASSERT_EQ(CommChan::OK, server->receiveInt32(&i32, 1));
   EXPECT_TRUE(server->getSwap());
   ASSERT_EQ(CommChan::OK, server->receiveInt64(&i64, 1));
@@ -112,24 +121,7 @@ TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
   peer.join();
 }
 
-TEST_F(SocketTest, WrongMagicIsRaisedByAccept) {
-  int port = 0;
-  vHandle<CommChan> server = CommChanMaker::remote(port);
-  std::thread peer([&] {
-    int const fd = rawConnectTcp(port);
-    readBytes(fd, 4);
-    writeAll(fd, Bytes{0x78, 0x56, 0x34, 0x12});
-    readBytes(fd, 1);
-    ::close(fd);
-  });
-  EXPECT_EQ("Socket::myReadMagic: Did not receive internal MAGIC number. Got 305419896 (0x12345678) instead. "
-            "Read 4 bytes.\n",
-            fatalText([&] { server->accept(); }));
-  server->close();
-  peer.join();
-}
-
-TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
+TEST_F(SocketTest, ConnectsThatFail) {
   int const port = closedPort();
   for (float wait : {0.0f, CommChan::FOREVER}) {
     Socket client;
@@ -144,17 +136,15 @@ TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
             fatalText([&] { local.connectLocal(""); }));
   EXPECT_EQ(0u, fatalText([&] { local.connectRemote("no-such-host.invalid", 80, 0.0f); })
                     .find("Socket::connectRemote: gethostbyname error: "));
-}
 
-// A listener whose queue is full lets a connection attempt hang: the
-// attempt with a time-out gives up.
-TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
-  int port = 0;
-  int const listener = rawListenTcp(port, 0);
+  // A listener whose queue is full lets a connection attempt hang: the
+  // attempt with a time-out gives up.
+  int full = 0;
+  int const listener = rawListenTcp(full, 0);
   ASSERT_GE(listener, 0);
   sockaddr_in a{};
   a.sin_family = AF_INET;
-  a.sin_port = htons(static_cast<uint16_t>(port));
+  a.sin_port = htons(static_cast<uint16_t>(full));
   a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   std::vector<int> queued;
   for (int i = 0; i < 4; ++i) {
@@ -164,7 +154,7 @@ TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
   }
   ::usleep(200 * 1000);
   Socket client;
-  EXPECT_EQ(CommChan::TIMEOUT, client.connectRemote("127.0.0.1", port, 0.5f));
+  EXPECT_EQ(CommChan::TIMEOUT, local.connectRemote("127.0.0.1", full, 0.5f));
   for (int fd : queued) ::close(fd);
   ::close(listener);
 }
