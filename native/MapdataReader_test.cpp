@@ -6,7 +6,6 @@
 #include <sstream>
 #include <list>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "attribute/KeyList.h"
@@ -71,8 +70,7 @@ TEST(MapdataReader, PropertiesBeatEveryNameAndUnusableChoicesAreInvalid) {
   store->addProperty(Property("LOCATOR_ATTRIBUTE", 1u, locator));
   EXPECT_EQ("E N AMP WELL", names(MapdataReader(store)));
 
-  // Another class without the property; a text value; a 16-bit value; a
-  // property naming what is not there; no value at all.
+  // Another class without the property, text, 16 bits, a name not there, none.
   MapdataReader other(makeStore("horizon", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}));
   EXPECT_TRUE(other.getNames().empty());
   MapdataReader text(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vSTRING}}));
@@ -201,8 +199,7 @@ TEST_F(Timeslice, AGridPointPerInlineAndCrosslineAsTheMapReaderSeesIt) {
 TEST_F(Timeslice, WithoutCrosslinesTheInlinesStandAcross) {
   TimesliceToMapdataDecorator grid(makeSlices({100.0f}, {5, 6}, 2, 40.0, 10.0, false));
   EXPECT_EQ("INLINE CROSSLINE AMPLITUDE.000100 ", listed(grid));
-  // The store's inline numbers answer for INLINE, the trace axis for
-  // CROSSLINE.
+  // The store's inline numbers answer for INLINE, the trace axis for CROSSLINE.
   EXPECT_EQ((std::vector<double>{5, 6, 5, 6}), column(grid, "INLINE", 1, 4));
   EXPECT_EQ((std::vector<double>{40, 40, 50, 50}), column(grid, "CROSSLINE", 1, 4));
   // One slice: the step is the no-value, and every time reads slice 0.
@@ -211,8 +208,7 @@ TEST_F(Timeslice, WithoutCrosslinesTheInlinesStandAcross) {
   grid.read(other, 1, 2);
   EXPECT_EQ((std::vector<double>{0, 10}), (std::vector<double>{other.getValue(1), other.getValue(2)}));
 
-  // A negative step reverses the inline axis: last inline 290; numbers
-  // from the last, samples from the end.
+  // A negative step: inlines from the last (290), samples from the end.
   TimesliceToMapdataDecorator reversed(makeSlices({100.0f}, {7}, 3, 300.0, -5.0));
   EXPECT_EQ((std::vector<double>{290, 295, 300}), column(reversed, "INLINE", 1, 3));
   EXPECT_EQ((std::vector<double>{2, 1, 0}), column(reversed, "AMPLITUDE.000100", 1, 3));

@@ -64,8 +64,7 @@ class RondoNative : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_NE(nullptr, jvm()) << "no virtual machine";
-    // The entry points register the real classes once: that is done first,
-    // so that the stand-ins below stay for the test.
+    // The real classes are registered once, first, so the stand-ins stay.
     rondoEnsureClassesRegistered();
     m_catalog = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeCatalog);
     m_project = ProjectFactory::registerMaker("ClientProject", &makeLateProject);
@@ -110,8 +109,7 @@ TEST_F(RondoNative, ConnectionsFindTheirMapEntryWithoutTheFactoryOrKeepNothing) 
   EXPECT_EQ(made + 1, nCatalogs);
   EXPECT_EQ(map_projectCatalog["SrvB|RONDO"].get(), map_projectCatalog["SRVB|RONDO"].get());
 
-  // A failed connection answers false and keeps nothing (its report: the
-  // Java host); no sink is false, and nothing is looked up in the maps.
+  // Failures keep nothing (the report of a failed connection: the Java host).
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
   entries = map_projectCatalog.size();
   ::testing::internal::CaptureStdout();

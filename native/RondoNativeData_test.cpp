@@ -240,8 +240,7 @@ TEST_F(RondoData, LoadsConvertByTypeAndRefuseArraysTooSmall) {
 
 TEST_F(RondoData, TheFirstOpenerChoosesTheVersion) {
   open("versions");
-  // Opened by the info at version 0, the store of version 3 loads traces,
-  // where a load alone would ask for version 1.
+  // Opened by the info (version 0), version 3 loads; a load alone asks for 1.
   ASSERT_TRUE(info("versions", "late"));
   jfloatArray values = newFloats(4);
   EXPECT_TRUE(loadF("versions", "late", "TRACE", values, 0, 1));
@@ -255,8 +254,7 @@ TEST_F(RondoData, TheFirstOpenerChoosesTheVersion) {
   EXPECT_EQ(map_store["|RONDO|versions|line"].get(), closed.get());
   EXPECT_FALSE(closed->isOpen());
   EXPECT_FALSE(closeStoreOnData(jvm(), nullptr, closed));
-  // A store open for reading closes without writing its properties back
-  // (the server would refuse them), and opens again by the info.
+  // Open for reading, it closes without sending its properties, and reopens.
   ASSERT_TRUE(store->isOpen());
   EXPECT_TRUE(closeStoreOnData(jvm(), descriptor(kServer, "versions", "late"), closed));
   EXPECT_EQ(store.get(), closed.get());

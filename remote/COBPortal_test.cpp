@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -252,8 +251,7 @@ TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   EXPECT_EQ(3, static_cast<int>(std::count(infos().begin(), infos().end(),
                                            "COBPortal::sendAndReceive:  myReceive returned error CommChan::CLOSED")));
 
-  // A forged length from the server is a lost connection too, at no cost in
-  // memory.
+  // A forged length from the server is a lost connection too.
   EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::ForgedLength));
   EXPECT_TRUE(logHas("forged"));
 }
@@ -284,8 +282,7 @@ TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
   std::string const said = testing::internal::GetCapturedStdout();
   EXPECT_EQ(2u, occurrences(said, "Executing \"sleep 5 # Address:")) << said;
 
-  // One that ends well into the wait, not only as it starts, is told when
-  // it ends, within the portal's full time.
+  // One that ends well into the wait is told when it ends.
   EXPECT_EQ("COBPortal::connect: The data server ended before it connected back: \"sleep 3 # Address:",
             startedBy("sleep 3 # "));
 }

@@ -211,8 +211,7 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstancesUntilNon
   int const first = serverProcesses().back();
   killServer();
 
-  // The next request finds the server gone: a new one gets every object
-  // again, the set updated and made up to its five instances.
+  // A new server gets every object again, the set made up to its instances.
   set.addInstances(2);
   EXPECT_EQ(7u, set.getNInstances());
   std::vector<int> const pids = serverProcesses();
@@ -222,8 +221,7 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstancesUntilNon
                                      "COBPortal::sendAndReceive: The connection to the dataserver on  was lost.\n"
                                      "Will attempt to re-connect."));
   std::vector<int> const again = requestsTo(3);
-  // In the new server: update, properties, count, version, class,
-  // subclass, the five instances made up, then the request itself.
+  // Update, properties, count, version, class, subclass, five, the request.
   std::vector<int> const tail(again.end() - 8, again.end());
   EXPECT_EQ((std::vector<int>{213, 228, 201, 205, 206, 207, 214, 214}), tail);
   set.close();
@@ -233,8 +231,7 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstancesUntilNon
   EXPECT_EQ(7u, reopened.getNInstances());
   reopened.close();
 
-  // From now on every server leaves at its first message: no server to
-  // talk to ends in the two wordings.
+  // Every server from now on leaves at its first message: the two wordings.
   set.update("shots", 0, "", "", nullptr);
   ClientProjectCatalog* client = dynamic_cast<ClientProjectCatalog*>(catalog.get());
   ASSERT_NE(nullptr, client);

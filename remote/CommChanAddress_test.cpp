@@ -23,8 +23,7 @@ TEST_F(CommChanAddressTest, FormsGiveTheirPartsAndPrintBack) {
 
   // Without a host name the IP address stands in for it.
   EXPECT_EQ("10.9.8.7", str(CommChanAddress(vString("Address:7003:10.9.8.7")).getHost()));
-  // Printed back: a host after an empty field is looked up, blanks go, a
-  // local path gets its tag.
+  // Printed: a host after an empty field looked up, blanks gone, a path tagged.
   std::pair<char const*, char const*> const printed[] = {
       {"Address:7002::localhost", "Address:7002:127.0.0.1:localhost"},
       {"Address:7004:10.1.2.3:node A", "Address:7004:10.1.2.3:nodeA"},

@@ -1,12 +1,8 @@
 // A Packer over real channels: the bytes on the wire, messages that carry
 // caller arrays, the other byte order, and senders that lie or go away.
 
-#include <sys/resource.h>
 #include <unistd.h>
 
-#include <cstring>
-#include <memory>
-#include <numeric>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,7 +12,6 @@
 #include "foundation/Packer.h"
 #include "foundation/TestAddressSpaceCap.h"
 #include "foundation/vString.h"
-#include "remote/CommChanAddress.h"
 #include "remote/CommChanMaker.h"
 #include "remote/RemoteTesting.h"
 

@@ -10,14 +10,12 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "remote/CommChanAddress.h"
 #include "remote/CommChanMaker.h"
 #include "remote/RemoteTesting.h"
 
@@ -137,8 +135,7 @@ TEST_F(SocketTest, ConnectsThatFail) {
   EXPECT_EQ(0u, fatalText([&] { local.connectRemote("no-such-host.invalid", 80, 0.0f); })
                     .find("Socket::connectRemote: gethostbyname error: "));
 
-  // A listener whose queue is full lets a connection attempt hang: the
-  // attempt with a time-out gives up.
+  // A full listener's queue lets an attempt hang: one with a time-out gives up.
   int full = 0;
   int const listener = rawListenTcp(full, 0);
   ASSERT_GE(listener, 0);

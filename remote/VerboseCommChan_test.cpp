@@ -8,18 +8,15 @@
 #include "remote/VerboseCommChan.h"
 
 #include <fstream>
-#include <memory>
 #include <regex>
 #include <sstream>
 #include <string>
-#include <thread>
 
 #include <netdb.h>
 
 #include <gtest/gtest.h>
 
 #include "foundation/TestReleaseTree.h"
-#include "remote/CommChanAddress.h"
 #include "remote/CommChanMaker.h"
 #include "remote/CommChanUtl.h"
 #include "remote/RemoteTesting.h"

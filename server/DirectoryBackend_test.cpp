@@ -223,8 +223,7 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
       StoreFactory::openStore(StoreDescription(vFilename((m_root + "/survey/line1.SGY").c_str())), "", nullptr);
   Store& s = *local;
 
-  // Reads of many instances go below in pieces; the other messages are the
-  // same for every back end and run in the client's shared suite.
+  // Large reads go in pieces; other messages: the client's shared suite.
   struct Read {
     char const* name;
     uint32_t first, last;
@@ -247,7 +246,6 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
               }))
         << r.first;
   }
-  // And the write.
   std::string const refused = fatalText([&] { s.addInstances(2); });
   EXPECT_EQ(said(refused.substr(refused.find(": ") + 2)),
             set.call(ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); }));

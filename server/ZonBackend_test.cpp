@@ -44,8 +44,7 @@ TEST_F(ZonBackend, DatabaseProjectsAreListedAndRead) {
   line1.read(shot, 2, 4);
   EXPECT_EQ(104, shot.getInt32(3));
 
-  // The daemon killed between two reads: the data already read stay, a
-  // read that needs the database is refused with the library's reason.
+  // The daemon killed: the data already read stay, the database's are refused.
   db.stop(SIGKILL);
   line1.read(shot, 1, 1);
   EXPECT_EQ(101, shot.getInt32(1));
