@@ -164,8 +164,7 @@ TEST_F(COBPortalTest, ServerMessagesThatEndTheCall) {
   };
   for (auto const& c : cases) {
     vHandle<COBPortal> portal = startPortal();
-    TestCOB catalog("ProjectCatalog", nullptr);
-    catalog.setPortal(portal);
+    TestCOB catalog("ProjectCatalog", portal);
     EXPECT_EQ(c.second, fatalText([&] { catalog.call(c.first); })) << c.first;
   }
 }
@@ -175,8 +174,7 @@ TEST_F(COBPortalTest, ServerMessagesThatEndTheCall) {
 // its state, and the request goes again.
 TEST_F(COBPortalTest, LostServerIsStartedAgainAndTheObjectsRebuilt) {
   vHandle<COBPortal> portal = startPortal();
-  TestCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
+  TestCOB catalog("ProjectCatalog", portal);
   TestCOB project("Project", &catalog);
   TestCOB set("AttributeSet", &project);
   ASSERT_EQ(CommChan::OK, project.setState(7));
@@ -216,8 +214,7 @@ TEST_F(COBPortalTest, LostServerIsStartedAgainAndTheObjectsRebuilt) {
 // two calls is noticed at the next send.
 TEST_F(COBPortalTest, ServerReportsAndAServerGoneBetweenCalls) {
   vHandle<COBPortal> portal = startPortal();
-  TestCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
+  TestCOB catalog("ProjectCatalog", portal);
   EXPECT_EQ(CommChan::OK, catalog.call(TestServer::InfoFirst));
   EXPECT_EQ(CommChan::OK, catalog.call(TestServer::ErrorFirst));
   portal->dropID(99);  // unknown: reported and ignored
@@ -242,8 +239,7 @@ TEST_F(COBPortalTest, ServerReportsAndAServerGoneBetweenCalls) {
 // Three failed attempts return the status rather than raise.
 TEST_F(COBPortalTest, ServerThatKeepsDyingEndsInTheStatus) {
   vHandle<COBPortal> portal = startPortal();
-  TestCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
+  TestCOB catalog("ProjectCatalog", portal);
   EXPECT_EQ(CommChan::CLOSED, catalog.call(TestServer::CrashAlways));
   std::set<int> pids;
   for (auto const& entry : serverLog(m_dir)) pids.insert(entry.first);
@@ -273,8 +269,7 @@ TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
 
   vString const leaves = vString("sleep 5 # ") + COBPortal::addressToken;
   vHandle<COBPortal> portal = startPortal();
-  TestCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
+  TestCOB catalog("ProjectCatalog", portal);
   portal->setAcceptTimeout(0.2f);
   portal->setDataserverCommandLine(leaves);
   testing::internal::CaptureStdout();
@@ -317,8 +312,7 @@ TEST_F(COBPortalTest, ExplicitAcceptAndTheEndOfAnUnusedSession) {
     ASSERT_EQ(CommChan::OK, portal->accept());
     EXPECT_TRUE(portal->isInUse());
     {
-      TestCOB catalog("ProjectCatalog", nullptr);
-      catalog.setPortal(portal);
+      TestCOB catalog("ProjectCatalog", portal);
       catalog.describe();
     }
     // Listening afresh starts a session that has not been used yet.

@@ -135,23 +135,20 @@ Bytes framed(Packer& p, int tag) {
   return Bytes(bytes, bytes + size);
 }
 
-class ClientFrames : public RemoteTest {
+class ClientFrames : public ClientTest {
  protected:
   ClientFrames()
       : m_server(m_dir),
         m_command("VSERVER", m_server.command().c_str()),
-        m_property("SP_CAPI_DATASERVER", nullptr),
         m_deck("DORNJOBDECKID", "77"),
         m_deckName("DORNJOBDECKNAME", "deck"),
         m_job("DORNJOBID", "5"),
         m_number("DORNJOBNUMBER", "9000000000") {}
 
-  TempDir m_dir;
   RawServer m_server;
 
  private:
   ScopedEnv m_command;
-  ScopedEnv m_property;
   ScopedEnv m_deck;
   ScopedEnv m_deckName;
   ScopedEnv m_job;

@@ -27,6 +27,7 @@ namespace {
 class BareCOB : public COB {
  public:
   BareCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
+  BareCOB(char const* type, vHandle<COBPortal>& portal) : COB(vString(type), nullptr) { setPortal(portal); }
   void doCommsReinitialize() override {}
 
   // A request of the code and what pack adds; the reply's code.
@@ -57,13 +58,8 @@ class BareCOB : public COB {
   }
 };
 
-class DataServerTest : public RemoteTest {
+class DataServerTest : public ClientTest {
  protected:
-  DataServerTest()
-      : m_home("HOME", m_dir.file("").c_str()),
-        m_backend("SP_DATASERVER_BACKEND", "UnitTest"),
-        m_stores("RONDO_UNITTEST_STORES", "line12.3:seismic:2d") {}
-
   // A portal that starts the server with the arguments after the program.
   vHandle<COBPortal> start(std::string const& arguments) {
     vString const command((dataServerPath() + " " + arguments).c_str());
@@ -79,19 +75,11 @@ class DataServerTest : public RemoteTest {
     for (std::string line; std::getline(in, line);) n += line.find(part) != std::string::npos;
     return n;
   }
-
-  TempDir m_dir;
-
- private:
-  ScopedEnv m_home;
-  ScopedEnv m_backend;
-  ScopedEnv m_stores;
 };
 
 TEST_F(DataServerTest, RequestsAndValuesItCannotServeAreReportedAndTheSessionGoesOn) {
   vHandle<COBPortal> portal = start(rondo() + " -v " + m_dir.file("rel"));
-  BareCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
+  BareCOB catalog("ProjectCatalog", portal);
   EXPECT_EQ(said("The session has not been started."), fatalText([&] { catalog.call(ClientCode::GetProjectList); }));
   EXPECT_EQ(ClientCode::SessionStart, catalog.start("somehost"));
   EXPECT_EQ(said("Unknown message code 77 for a ProjectCatalog."), fatalText([&] { catalog.call(77); }));
@@ -152,8 +140,7 @@ TEST_F(DataServerTest, RequestsAndValuesItCannotServeAreReportedAndTheSessionGoe
 TEST_F(DataServerTest, AMalformedStoreFailsTheOpenAndAFrameThatDoesNotReadEndsTheSession) {
   ScopedEnv stores("RONDO_UNITTEST_STORES", "ok.1 noversion");
   vHandle<COBPortal> portal = start(rondo());
-  BareCOB catalog("ProjectCatalog", nullptr);
-  catalog.setPortal(portal);
+  BareCOB catalog("ProjectCatalog", portal);
   ASSERT_EQ(ClientCode::SessionStart, catalog.start("h"));
   BareCOB project("Project", &catalog);
   EXPECT_EQ(said("RONDO_UNITTEST_STORES entry 'noversion' is not name.version[:class[:subclass]]."),
@@ -193,8 +180,7 @@ TEST_F(DataServerTest, ArgumentsAndBackEndsItCannotTake) {
     std::remove(m_dir.file(c.log).c_str());
     ScopedEnv backend("SP_DATASERVER_BACKEND", c.backend);
     vHandle<COBPortal> portal = start(c.arguments);
-    BareCOB catalog("ProjectCatalog", nullptr);
-    catalog.setPortal(portal);
+    BareCOB catalog("ProjectCatalog", portal);
     if (c.reason.empty()) {
       EXPECT_EQ(ClientCode::SessionStart, catalog.start("h"));
       continue;
