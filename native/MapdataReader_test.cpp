@@ -144,9 +144,8 @@ class Timeslice : public ::testing::Test {
  protected:
   void SetUp() override {
     // The grid's position attributes are defined by the vocabulary.
-    std::ifstream in(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/AttributeDefTable4.txt");
     std::stringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/AttributeDefTable4.txt").rdbuf();
     m_tree.writeSystemFile("AttributeDefTable4.txt", text.str());
   }
 

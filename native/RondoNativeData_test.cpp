@@ -43,8 +43,6 @@ jobject descriptor(char const* server, char const* project, char const* data) {
   return env->NewObject(cls, make, jstr(server), jstr(project), jstr(data), jstr("RONDO"));
 }
 
-jobject infoSink() { return newObject(std::string(kPackage) + "RondoInfoSink"); }
-
 jintArray newInts(std::vector<jint> const& values) {
   jintArray a = jvm()->NewIntArray(static_cast<jsize>(values.size()));
   jvm()->SetIntArrayRegion(a, 0, static_cast<jsize>(values.size()), values.data());
@@ -150,7 +148,8 @@ class RondoData : public ::testing::Test {
   // GetDataInfo's answer; what it prints, with the sink's echo, captured.
   bool info(char const* project, char const* data) {
     ::testing::internal::CaptureStdout();
-    bool const r = RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, project, data), infoSink());
+    jobject sink = newObject(std::string(kPackage) + "RondoInfoSink");
+    bool const r = RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, project, data), sink);
     m_printed = ::testing::internal::GetCapturedStdout();
     return r;
   }

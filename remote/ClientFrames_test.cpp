@@ -94,8 +94,7 @@ class RawServer {
       cdp.copyData(5, v);
       out.pack(cdp);
     } else if (code == ClientCode::GetProperties) {
-      PropertyI none;
-      none.packProperties(out);
+      PropertyI().packProperties(out);
     } else if (code == ClientCode::GetNInstances) {
       out.pack(3u);
     } else if (code == ClientCode::GetVersion) {

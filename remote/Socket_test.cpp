@@ -60,11 +60,8 @@ TEST_F(SocketTest, TcpConnectionStartsWithTheMagicBothWays) {
   short const back[4] = {1, 2, -1, 0x0102};
   EXPECT_EQ(CommChan::OK, server->sendInt16(back, 4));
   // Bools go as 0 or 1, whatever byte a bool holds.
-  bool flags[3];
-  unsigned char const odd = 0x02;
-  std::memcpy(&flags[0], &odd, 1);
-  flags[1] = false;
-  flags[2] = true;
+  bool flags[3] = {false, false, true};
+  std::memcpy(&flags[0], "\x02", 1);
   EXPECT_EQ(CommChan::OK, server->sendBool(flags, 3));
   peer.join();
   EXPECT_EQ((Bytes{0xCE, 0xFA, 0xAD, 0xDE, 1, 0, 2, 0, 0xFF, 0xFF, 2, 1, 1, 0, 1}), seen);

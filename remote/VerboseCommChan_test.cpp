@@ -100,9 +100,8 @@ TEST_F(VerboseCommChanTest, MakerWrapsWhenThePropertyAsksForIt) {
     ASSERT_NE(nullptr, dynamic_cast<VerboseCommChan*>(traced.get()));
     traced->getSize();
   }
-  std::ifstream in(file);
   std::stringstream text;
-  text << in.rdbuf();
+  text << std::ifstream(file).rdbuf();
   EXPECT_EQ(0u, text.str().find("\nVerboseCommChan: wrapping Socket ")) << text.str();
   EXPECT_NE(std::string::npos, text.str().find("CommChan::getSize(")) << text.str();
 }

@@ -200,9 +200,8 @@ TEST_F(DataServerTest, AnAddressNobodyListensOnIsToldOnStandardError) {
   int const raw = std::system(command.c_str());
   ASSERT_TRUE(WIFEXITED(raw));
   EXPECT_EQ(3, WEXITSTATUS(raw));
-  std::ifstream in(err);
   std::string line;
-  std::getline(in, line);
+  std::getline(std::ifstream(err), line);
   EXPECT_EQ(dataServerPath() + ": cannot connect to Address:" + m_dir.file("nobody") +
                 ": Error 2 from connect (logged in " + m_dir.file("") + "/DataServer.Rondo)",
             line);

@@ -171,18 +171,13 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
     ClientAttributeSet set(project);
     set.open(store, 0, "", "", nullptr);
   };
-  struct Case {
-    std::function<void()> act;
-    std::string expected;
-  } const cases[] = {
-      {[&] { openProject(catalog, "survey/x"); }, said("'survey/x' is not a project name: a name holds no '/' and no '..'.")},
-      {[&] { openProject(catalog, "escape"); },
-       said("There is no project escape: the data server's directory " + m_root + " has no such subdirectory.")},
-      {[&] { openSet("link"); }, said("Store link version 0 is not in project survey.")},
-      {[&] { openSet("escaped"); },
-       said("The format file escaped.syf of store escaped is not a file within the data server's directory.")},
-  };
-  for (Case const& c : cases) EXPECT_EQ(c.expected, fatalText(c.act));
+  EXPECT_EQ(said("'survey/x' is not a project name: a name holds no '/' and no '..'."),
+            fatalText([&] { openProject(catalog, "survey/x"); }));
+  EXPECT_EQ(said("There is no project escape: the data server's directory " + m_root + " has no such subdirectory."),
+            fatalText([&] { openProject(catalog, "escape"); }));
+  EXPECT_EQ(said("Store link version 0 is not in project survey."), fatalText([&] { openSet("link"); }));
+  EXPECT_EQ(said("The format file escaped.syf of store escaped is not a file within the data server's directory."),
+            fatalText([&] { openSet("escaped"); }));
 
   ClientAttributeSet line(project);
   line.open("line1", 0, "", "", nullptr);
