@@ -193,24 +193,6 @@ TEST_F(ClientFrames, RequestsGoOutByteForByte) {
   EXPECT_EQ(end, m[9].bytes);
 }
 
-TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatal) {
-  m_server.replaced = {{ClientCode::GetProjectList, 7}, {ClientCode::HasAttribute, 221}, {ClientCode::HasStore, 101}};
-  m_server.start();
-  {
-    vHandle<ProjectCatalog> catalog(new ClientProjectCatalog("", ProjectType::RONDO, ""));
-    EXPECT_EQ("ClientProjectCatalog::getProjectList: Unexpected code 7, expected 1.",
-              fatalText([&] { catalog->getProjectList(); }));
-    vHandle<Project> project(new ClientProject(catalog));
-    EXPECT_EQ("ClientProject::hasStore: Did not get expected message 107 from data server, got 101 instead.",
-              fatalText([&] { project->hasStore("x", 1); }));
-    ClientAttributeSet set(project);
-    EXPECT_EQ("ClientAttributeSet::hasAttribute: Did not get expected message 222 from data server, got 221 "
-              "instead.",
-              fatalText([&] { set.hasAttribute("CDP"); }));
-  }
-  m_server.join();
-}
-
 // The message of a code among those the peer got.
 Bytes messageOf(std::vector<Message> const& messages, int code) {
   for (Message const& m : messages) {
@@ -225,17 +207,26 @@ Bytes messageOf(std::vector<Message> const& messages, int code) {
   return Bytes();
 }
 
-TEST_F(ClientFrames, OptionsTravelWithOpenAndCreate) {
+// Replies with another code are fatal; options travel with open and create.
+TEST_F(ClientFrames, RepliesWithAnotherCodeAreFatalAndOptionsTravel) {
   StoreOpenOptions open;
   open.setSparseReadOfAttributes();
   open.setAutoDecompress(false);
   StoreCreationOptions create;
   create.setCompressed();
+  m_server.replaced = {{ClientCode::GetProjectList, 7}, {ClientCode::HasAttribute, 221}, {ClientCode::HasStore, 101}};
   m_server.start();
   {
     vHandle<ProjectCatalog> catalog(new ClientProjectCatalog("", ProjectType::RONDO, ""));
+    EXPECT_EQ("ClientProjectCatalog::getProjectList: Unexpected code 7, expected 1.",
+              fatalText([&] { catalog->getProjectList(); }));
     vHandle<Project> project(new ClientProject(catalog));
+    EXPECT_EQ("ClientProject::hasStore: Did not get expected message 107 from data server, got 101 instead.",
+              fatalText([&] { project->hasStore("x", 1); }));
     ClientAttributeSet set(project);
+    EXPECT_EQ("ClientAttributeSet::hasAttribute: Did not get expected message 222 from data server, got 221 "
+              "instead.",
+              fatalText([&] { set.hasAttribute("CDP"); }));
     set.open("line12", 7, "seismic", "", &open);
     // Asked for at the open: count, version, class and subclass.
     EXPECT_EQ("2d", std::string(set.getSubClass().c_str()));
