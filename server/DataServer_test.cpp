@@ -23,40 +23,18 @@ using namespace remote_testing;
 
 namespace {
 
-// A remote object that sends what a test gives it.
-class BareCOB : public COB {
- public:
-  BareCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
-  BareCOB(char const* type, vHandle<COBPortal>& portal) : COB(vString(type), nullptr) { setPortal(portal); }
-  void doCommsReinitialize() override {}
-
-  // A request of the code and what pack adds; the reply's code.
-  int call(int code, std::function<void(Packer&)> const& pack = nullptr) {
-    Packer p(200);
-    p.pack(static_cast<int32_t>(code));
-    if (pack) pack(p);
-    if (sendAndReceive(p) != CommChan::OK) return -1;
-    int32_t reply = 0;
-    p.unpack(reply);
-    p.discard();
-    return reply;
-  }
-  int call(int code, char const* text) {
-    return call(code, [text](Packer& p) { p.pack(vString(text)); });
-  }
-  // The session start of a catalog, for a host.
-  int start(char const* host) {
-    return call(ClientCode::SessionStart, [host](Packer& p) {
-      p.pack(vString(host));
-      p.pack(0LL);
-      p.pack(vString(""));
-      p.pack(0LL);
-      p.pack(0LL);
-      p.packBool(false);
-      p.packBool(false);
-    });
-  }
-};
+// The session start of a catalog, for a host; the reply's code.
+int startSession(BareCOB& catalog, char const* host) {
+  return catalog.call(ClientCode::SessionStart, [host](Packer& p) {
+    p.pack(vString(host));
+    p.pack(0LL);
+    p.pack(vString(""));
+    p.pack(0LL);
+    p.pack(0LL);
+    p.packBool(false);
+    p.packBool(false);
+  });
+}
 
 class DataServerTest : public ClientTest {
  protected:
@@ -81,7 +59,7 @@ TEST_F(DataServerTest, RequestsAndValuesItCannotServeAreReportedAndTheSessionGoe
   vHandle<COBPortal> portal = start(rondo() + " -v " + m_dir.file("rel"));
   BareCOB catalog("ProjectCatalog", portal);
   EXPECT_EQ(said("The session has not been started."), fatalText([&] { catalog.call(ClientCode::GetProjectList); }));
-  EXPECT_EQ(ClientCode::SessionStart, catalog.start("somehost"));
+  EXPECT_EQ(ClientCode::SessionStart, startSession(catalog, "somehost"));
   EXPECT_EQ(said("Unknown message code 77 for a ProjectCatalog."), fatalText([&] { catalog.call(77); }));
   EXPECT_EQ(ClientCode::GetProjectList, catalog.call(ClientCode::GetProjectList));
 
@@ -141,7 +119,7 @@ TEST_F(DataServerTest, AMalformedStoreFailsTheOpenAndAFrameThatDoesNotReadEndsTh
   ScopedEnv stores("RONDO_UNITTEST_STORES", "ok.1 noversion");
   vHandle<COBPortal> portal = start(rondo());
   BareCOB catalog("ProjectCatalog", portal);
-  ASSERT_EQ(ClientCode::SessionStart, catalog.start("h"));
+  ASSERT_EQ(ClientCode::SessionStart, startSession(catalog, "h"));
   BareCOB project("Project", &catalog);
   EXPECT_EQ(said("RONDO_UNITTEST_STORES entry 'noversion' is not name.version[:class[:subclass]]."),
             fatalText([&] { project.call(ClientCode::ProjectOpen, "survey"); }));
@@ -182,10 +160,10 @@ TEST_F(DataServerTest, ArgumentsAndBackEndsItCannotTake) {
     vHandle<COBPortal> portal = start(c.arguments);
     BareCOB catalog("ProjectCatalog", portal);
     if (c.reason.empty()) {
-      EXPECT_EQ(ClientCode::SessionStart, catalog.start("h"));
+      EXPECT_EQ(ClientCode::SessionStart, startSession(catalog, "h"));
       continue;
     }
-    EXPECT_EQ(said(c.reason), fatalText([&] { catalog.start("h"); }));
+    EXPECT_EQ(said(c.reason), fatalText([&] { startSession(catalog, "h"); }));
     EXPECT_EQ(1, logLines(c.log, " cannot serve: " + c.reason));
     for (char const* type : {"Kelp", "InMemory"})
       EXPECT_FALSE(std::ifstream(m_dir.file(std::string("DataServer.") + type)).good()) << type;

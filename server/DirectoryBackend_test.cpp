@@ -30,14 +30,6 @@ std::string const kNothing = "(nothing raised)";
 
 void write(std::string const& path, std::string const& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
-// A message's bytes as they go out with the tag.
-std::string bytesOf(Packer& p, int tag) {
-  unsigned char const* bytes = nullptr;
-  int size = 0;
-  p.getBuffer(&bytes, size, tag);
-  return std::string(reinterpret_cast<char const*>(bytes), static_cast<size_t>(size));
-}
-
 class DirectoryBackend : public ClientTest {
  protected:
   DirectoryBackend()
@@ -131,21 +123,6 @@ TEST_F(DirectoryBackend, ShapefilesSegdAndFdmAreServed) {
   EXPECT_EQ(1123.0f, velocity.getFloat32Pointer(2)[3]);
 }
 
-// A remote object that sends what it is given and keeps the reply.
-class RawCOB : public COB {
- public:
-  RawCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
-  void doCommsReinitialize() override {}
-  // The reply's bytes, or the server's reason.
-  std::string call(int code, std::function<void(Packer&)> const& arguments) {
-    Packer p(100);
-    p.pack(static_cast<int32_t>(code));
-    if (arguments) arguments(p);
-    std::string const failure = fatalText([&] { ASSERT_EQ(CommChan::OK, sendAndReceive(p)); });
-    return failure != kNothing ? failure : bytesOf(p, getID());
-  }
-};
-
 // Projects, stores, the refusals of bad input, and answers that are the
 // store's own bytes, on one server (after one that has no root).
 TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
@@ -205,8 +182,8 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
   EXPECT_EQ(segy_testing::goldenHeader(1, 20), cmp.getInt32(1));
 
   // The answers to reads are the bytes of the store's own reads.
-  RawCOB set("AttributeSet", dynamic_cast<COB*>(project.get()));
-  std::string const opened = set.call(ClientCode::Open, [](Packer& p) {
+  BareCOB set("AttributeSet", dynamic_cast<COB*>(project.get()));
+  std::string const opened = set.reply(ClientCode::Open, [](Packer& p) {
     p.pack(vString("line1"));
     p.pack(static_cast<int32_t>(1));
     p.pack(vString(""));
@@ -234,7 +211,7 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
     // The store refuses the read past its end.
     EXPECT_EQ(r.last > 2500, failure != kNothing) << failure;
     EXPECT_EQ(failure != kNothing ? said(failure.substr(failure.find(": ") + 2)) : bytesOf(expected, set.getID()),
-              set.call(ClientCode::ReadRange, [&r](Packer& p) {
+              set.reply(ClientCode::ReadRange, [&r](Packer& p) {
                 p.pack(vString(r.name));
                 p.pack(r.first);
                 p.pack(r.last);
@@ -243,7 +220,7 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
   }
   std::string const refused = fatalText([&] { s.addInstances(2); });
   EXPECT_EQ(said(refused.substr(refused.find(": ") + 2)),
-            set.call(ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); }));
+            set.reply(ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); }));
 }
 
 }  // namespace
