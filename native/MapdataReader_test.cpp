@@ -37,13 +37,10 @@ vHandle<Store> makeStore(char const* className, char const* subClass, std::vecto
   store->addInstances(n);
   double column = 0;
   for (Column const& c : columns) {
+    double const fraction = c.type == vFLOAT32 || c.type == vFLOAT64 ? 0.25 : 0.0;
     ++column;
-    if (c.type == vSTRING) continue;
-    Attribute& a = store->updateAttributeAndData(c.name);
-    for (unsigned int i = 1; i <= n; ++i) {
-      double const fraction = c.type == vFLOAT32 || c.type == vFLOAT64 ? 0.25 : 0.0;
-      a.setValue(i, column * 100 + i + fraction);
-    }
+    for (unsigned int i = 1; c.type != vSTRING && i <= n; ++i)
+      store->updateAttributeAndData(c.name).setValue(i, column * 100 + i + fraction);
   }
   return handle;
 }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,12 +35,6 @@ class COBPortalTest : public RemoteTest {
 
   TempDir m_dir;
 };
-
-size_t occurrences(std::string const& text, std::string const& part) {
-  size_t n = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
-  return n;
-}
 
 // Pipes a started server holds above the standard three that this process
 // does not: none, since the portal's watch on it is no descriptor of its own.
@@ -268,7 +263,10 @@ TEST_F(COBPortalTest, ServerThatNeverConnectsBackIsATimeoutNotAHang) {
   testing::internal::CaptureStdout();
   EXPECT_EQ(CommChan::TIMEOUT, catalog.call(TestServer::CrashAlways));
   std::string const said = testing::internal::GetCapturedStdout();
-  EXPECT_EQ(2u, occurrences(said, "Executing \"sleep 5 # Address:")) << said;
+  std::istringstream lines(said);
+  int started = 0;
+  for (std::string line; std::getline(lines, line);) started += line.rfind("Executing \"sleep 5 # Address:", 0) == 0;
+  EXPECT_EQ(2, started) << said;
 
   // One that ends well into the wait is told when it ends.
   EXPECT_EQ("COBPortal::connect: The data server ended before it connected back: \"sleep 3 # Address:",
