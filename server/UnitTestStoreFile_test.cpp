@@ -77,12 +77,11 @@ TEST_F(UnitTestStoreFile, StoresWithFilesAreServedWithTheirData) {
   plain.open("plain", 1, "", "", nullptr);
   EXPECT_EQ(0u, plain.getNInstances());
 
-  ClientAttributeSet gone(project);
+  ClientAttributeSet unread(project);
   EXPECT_EQ(said("Store file '" + missing + "' of store gone cannot be read."),
-            fatalText([&] { gone.open("gone", 1, "", "", nullptr); }));
-  ClientAttributeSet hollow(project);
+            fatalText([&] { unread.open("gone", 1, "", "", nullptr); }));
   EXPECT_EQ(said("Store file '" + empty + "' of store hollow is empty."),
-            fatalText([&] { hollow.open("hollow", 1, "", "", nullptr); }));
+            fatalText([&] { unread.open("hollow", 1, "", "", nullptr); }));
   // Nor can a file that cannot be written be had.
   InMemoryStore store{vHandle<Project>()};
   store.create("x", "seismic", "2d", KeyList(), nullptr);
