@@ -132,12 +132,36 @@ this_host=${this_host%%.*}
 started() {  # server name: the line printed when the server is started
   printf 'Executing "%s Rondo Address:- -build -" on %s\n' "$VSERVER" "$1"
 }
+# The server is a name of its own, on the cluster of this machine.
+export FS_CLUSTERS="seisserver=$this_host"
+
+# Compares $work/got, the lines of the output a scenario keeps, with
+# $work/expected, and the exit code with $1; $2 says what differs.
+expect_got() {
+  if ! cmp -s "$work/expected" "$work/got"; then
+    diff -u "$work/expected" "$work/got" | cut -c1-200 >&2 || true
+    cat "$work/err" >&2
+    fail "$2"
+  fi
+  [ "$status" = "$1" ] || fail "exit code $status, expected $1"
+}
+
+# The sample project that python3-segyio writes, served by the directory
+# back end; the format files name their keys in the Kelp vocabulary, which
+# the server reads from the release's system files.
+segy_project() {
+  py=/usr/bin/python3
+  "$py" -c 'import segyio' 2>/dev/null || fail "python3-segyio is missing: scripts/install-deps installs it"
+  root=$work/root
+  "$here/../scripts/segy-sample-project" "$root" survey || fail "the sample project could not be written"
+  VREL=$(cd "$here/../release" && pwd)
+  export SP_DATASERVER_BACKEND=directory SP_DATASERVER_ROOT=$root VREL
+  host_class=RondoDataHost
+}
 
 case "$scenario" in
   server)
     export RONDO_UNITTEST_STORES="line12.3:seismic wells.1:well:log grid_a.2:seismic line12.4:seismic"
-    # The server is a name of its own, on the cluster of this machine.
-    export FS_CLUSTERS="seisserver=$this_host"
     export SP_DATASERVER_TRACE=1
     run_host connect SeisServer connect SeisServer connect SEISSERVER project SeisServer survey \
       contents SeisServer survey - contents SeisServer survey Seismic contents SeisServer survey horizon \
@@ -169,7 +193,6 @@ RondoGetContents(\"SeisServer\", \"survey\", \"\") = false
     s=$work/stores
     export RONDO_UNITTEST_STORES="line12.1:seismic:2d:$s/line12.store tops.1:horizon::$s/tops.store \
 slices.1:seismic:timeslice:$s/slices.store"
-    export FS_CLUSTERS="seisserver=$this_host"
     # The grid of a time slice takes its position attributes from the
     # vocabulary, found in the working directory when no release is set.
     mkdir -p "$work/SystemFiles"
@@ -248,7 +271,6 @@ RondoLoadAttributeI(line12, CDP) n=5 sum=0 crc=0fd59b8d = false
     ;;
   nostore)
     export RONDO_UNITTEST_STORES="line12.3:seismic:2d"
-    export FS_CLUSTERS="seisserver=$this_host"
     host_class=RondoDataHost
     run_host connect SeisServer project SeisServer survey datainfo SeisServer survey line13
     expect_output 255 "$(started "$this_host")
@@ -259,7 +281,6 @@ Reason: 'Server said:-o Store line13 version 0 is not in project survey. in meth
 "
     ;;
   refused)
-    export FS_CLUSTERS="seisserver=$this_host"
     export SP_DATASERVER_BACKEND=Nonsense
     run_host connect SeisServer project SeisServer survey
     expect_output 2 "$(started "$this_host")
@@ -297,17 +318,7 @@ $(report 'Trying to get a NULL pointer' 'vHandle::get()')
 "
     ;;
   segyio)
-    py=/usr/bin/python3
-    "$py" -c 'import segyio' 2>/dev/null || fail "python3-segyio is missing: scripts/install-deps installs it"
-    root=$work/root
-    "$here/../scripts/segy-sample-project" "$root" survey || fail "the sample project could not be written"
-    export SP_DATASERVER_BACKEND=directory SP_DATASERVER_ROOT=$root
-    export FS_CLUSTERS="seisserver=$this_host"
-    # The format files name their keys in the Kelp vocabulary, which the
-    # server reads from the release's system files.
-    VREL=$(cd "$here/../release" && pwd)
-    export VREL
-    host_class=RondoDataHost
+    segy_project
     log=$work/DataServer.Rondo
     # The first server's process id is the first word of its log.
     kill_server='pid=$(awk "NR==1 {print \$1}" "$HOME/DataServer.Rondo"); kill -9 $pid;
@@ -358,23 +369,17 @@ PY
     run_host connect SeisServer project $s contents $s - contents $s seismic contents $s horizon \
       $(with_server $infos $loads) run "$kill_server" $(with_server $after_kill) \
       run "truncate -s 10000 $root/survey/line2.sgy" bitsf $s line2 TRACE 30 10 230
-    mapfile -t want < <(echo "$expected")
     {
       echo "RondoOpenConnection(SeisServer) = true"
       echo "RondoOpenProject(SeisServer, survey) = true"
       echo "RondoGetContents(survey, -) [gathers2d, horizon, line1, line2, near, shot, velocity, wells] = true"
       echo "RondoGetContents(survey, seismic) [gathers2d, line1, line2, near, shot] = true"
       echo "RondoGetContents(survey, horizon) [horizon] = true"
-      printf '%s\n' "${want[@]}"
+      echo "$expected"
     } >"$work/expected"
     # A failed load ends the host, as the data natives do.
     grep -E '^(Rondo|setNbElements|add|setProperty|\+\+|=+ Length)' "$work/out" >"$work/got"
-    if ! cmp -s "$work/expected" "$work/got"; then
-      diff -u "$work/expected" "$work/got" | cut -c1-200 >&2 || true
-      cat "$work/err" >&2
-      fail "the host's values differ from segyio's"
-    fi
-    [ "$status" = 255 ] || fail "exit code $status, expected 255"
+    expect_got 255 "the host's values differ from segyio's"
     # A new server after the kill; the cut file gives the store's own error
     # and the server answers the next message after it.
     [ "$(grep -c ' serving Rondo at ' "$log")" = 2 ] || fail "the server was not started again after the kill"
@@ -397,21 +402,13 @@ $(report 'Data set plain has 1 key attributes; a primary and a secondary are nee
 "
     ;;
   mapping)
-    py=/usr/bin/python3
-    "$py" -c 'import segyio' 2>/dev/null || fail "python3-segyio is missing: scripts/install-deps installs it"
-    root=$work/root
-    "$here/../scripts/segy-sample-project" "$root" survey || fail "the sample project could not be written"
+    segy_project
     cat >"$root/survey/line1.cstf" <<'MAP'
 # The sample line through a mapping: a mid point, and bits of the CDP.
 MID:d = CDP / 2 + TRACE_NUMBER * 0.25 - 1
 SHIFT:i = (CDP << 2) | (TRACE_NUMBER & 3)
 !ADD CDP TRACE_NUMBER TRACE
 MAP
-    export SP_DATASERVER_BACKEND=directory SP_DATASERVER_ROOT=$root
-    export FS_CLUSTERS="seisserver=$this_host"
-    VREL=$(cd "$here/../release" && pwd)
-    export VREL
-    host_class=RondoDataHost
     s="SeisServer survey"
     run_host connect SeisServer project $s bitsf $s line1 MID -1 -1 40 bitsi $s line1 SHIFT 40 \
       bitsi $s line1 CDP 40 bitsf $s line1 TRACE 3 2 46
@@ -432,12 +429,7 @@ PY
     grep '^Rondo' "$work/out" >"$work/got"
     printf 'RondoOpenConnection(SeisServer) = true\nRondoOpenProject(SeisServer, survey) = true\n%s\n' \
       "$expected" >"$work/expected"
-    if ! cmp -s "$work/expected" "$work/got"; then
-      diff -u "$work/expected" "$work/got" | cut -c1-200 >&2 || true
-      cat "$work/err" >&2
-      fail "the host's values differ from those worked out from segyio's"
-    fi
-    [ "$status" = 0 ] || fail "exit code $status, expected 0"
+    expect_got 0 "the host's values differ from those worked out from segyio's"
     ;;
   zon)
     [ -x "${KVSD:-}" ] || fail "KVSD must name the kvsd program"
@@ -464,7 +456,7 @@ PY
     "$ZONLOAD" dictionary "$rel/SupportFiles/CapiZon/zonsite" 127.0.0.1 || fail "zonload dictionary"
     "$ZONLOAD" table zonsite Survey7 LINE1 40 >"$work/zonload.out" 2>&1 || fail "zonload table LINE1"
     "$ZONLOAD" table zonsite Survey7 LINE2 8 >>"$work/zonload.out" 2>&1 || fail "zonload table LINE2"
-    export SP_DATASERVER_BACKEND=Zonmesh FS_CLUSTERS="seisserver=$this_host"
+    export SP_DATASERVER_BACKEND=Zonmesh
     host_class=RondoDataHost
     s="SeisServer survey7"
     # CDP is 1000 + row and OFFSET 100 * (row % 4): CDP of 40 rows sums to
@@ -498,12 +490,7 @@ PY
       echo "RondoLoadAttributeI(line1,tab, OFFSET) n=40$offsets = true"
       echo "Reason: 'Server said:-o Error opening store line2,tab:%E Could not receive data from server on 127.0.0.1 in method 'COBPortal::myMessage'"
     } >"$work/expected"
-    if ! cmp -s "$work/expected" "$work/got"; then
-      diff -u "$work/expected" "$work/got" >&2 || true
-      cat "$work/err" >&2
-      fail "the host's view of the database differs"
-    fi
-    [ "$status" = 255 ] || fail "exit code $status, expected 255"
+    expect_got 255 "the host's view of the database differs"
     # The daemon gone when the project is opened: the server's report, and
     # the open answers false.
     run_host connect SeisServer project $s

@@ -6,7 +6,6 @@
 #include <sstream>
 #include <list>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "attribute/KeyList.h"
@@ -38,13 +37,10 @@ vHandle<Store> makeStore(char const* className, char const* subClass, std::vecto
   store->addInstances(n);
   double column = 0;
   for (Column const& c : columns) {
+    double const fraction = c.type == vFLOAT32 || c.type == vFLOAT64 ? 0.25 : 0.0;
     ++column;
-    if (c.type == vSTRING) continue;
-    Attribute& a = store->updateAttributeAndData(c.name);
-    for (unsigned int i = 1; i <= n; ++i) {
-      double const fraction = c.type == vFLOAT32 || c.type == vFLOAT64 ? 0.25 : 0.0;
-      a.setValue(i, column * 100 + i + fraction);
-    }
+    for (unsigned int i = 1; c.type != vSTRING && i <= n; ++i)
+      store->updateAttributeAndData(c.name).setValue(i, column * 100 + i + fraction);
   }
   return handle;
 }
@@ -61,7 +57,7 @@ std::string names(MapdataReader const& reader) {
   return std::string(x.c_str()) + " " + y.c_str() + " " + v.c_str() + " " + l.c_str();
 }
 
-TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
+TEST(MapdataReader, PropertiesBeatEveryNameAndUnusableChoicesAreInvalid) {
   vHandle<Store> store = makeStore(
       "seismic", "2d", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}, {"E", vINT32}, {"N", vINT32},
                         {"AMP", vFLOAT32}, {"WELL", vINT32}});
@@ -70,25 +66,17 @@ TEST(MapdataReader, TheStoresPropertiesBeatEveryName) {
   vString const locator[1] = {"WELL"};
   store->addProperty(Property("LOCATOR_ATTRIBUTE", 1u, locator));
   EXPECT_EQ("E N AMP WELL", names(MapdataReader(store)));
-}
 
-TEST(MapdataReader, OtherClassesNeedTheProperty) {
-  MapdataReader without(makeStore("horizon", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}));
-  EXPECT_FALSE(without.isValid());
-  EXPECT_EQ("   ", names(without));
-  EXPECT_TRUE(without.getNames().empty());
-}
-
-TEST(MapdataReader, UnusableChoicesMakeTheReaderInvalid) {
-  // A text value; a 16-bit value; a property naming what is not there;
-  // no value at all.
+  // Another class without the property, text, 16 bits, a name not there, none.
+  MapdataReader other(makeStore("horizon", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vFLOAT32}}));
+  EXPECT_TRUE(other.getNames().empty());
   MapdataReader text(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vSTRING}}));
   MapdataReader narrow(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}, {"ATVAL", vINT16}}));
-  vHandle<Store> store = makeStore("mapdata", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}});
-  setPlotProperty(store, "XVAL", "YVAL", "GONE");
-  MapdataReader missing(store);
+  vHandle<Store> gone = makeStore("mapdata", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}});
+  setPlotProperty(gone, "XVAL", "YVAL", "GONE");
+  MapdataReader missing(gone);
   MapdataReader noValue(makeStore("seismic", "none", {{"XVAL", vFLOAT64}, {"YVAL", vFLOAT64}}));
-  for (MapdataReader const* reader : {&text, &narrow, &missing, &noValue}) {
+  for (MapdataReader const* reader : {&other, &text, &narrow, &missing, &noValue}) {
     EXPECT_FALSE(reader->isValid());
     EXPECT_EQ("   ", names(*reader));
   }
@@ -153,9 +141,8 @@ class Timeslice : public ::testing::Test {
  protected:
   void SetUp() override {
     // The grid's position attributes are defined by the vocabulary.
-    std::ifstream in(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/AttributeDefTable4.txt");
     std::stringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(std::string(RONDO_TEST_SOURCE_DIR) + "/release/SystemFiles/AttributeDefTable4.txt").rdbuf();
     m_tree.writeSystemFile("AttributeDefTable4.txt", text.str());
   }
 
@@ -175,7 +162,7 @@ class Timeslice : public ::testing::Test {
   TestReleaseTree m_tree;
 };
 
-TEST_F(Timeslice, AGridPointPerInlineAndCrossline) {
+TEST_F(Timeslice, AGridPointPerInlineAndCrosslineAsTheMapReaderSeesIt) {
   vHandle<Store> slices = makeSlices({100.0f, 104.0f}, {20, 21}, 3, 200.0, 2.0);
   TimesliceToMapdataDecorator grid(slices);
   EXPECT_EQ(6u, grid.getNInstances());
@@ -189,36 +176,38 @@ TEST_F(Timeslice, AGridPointPerInlineAndCrossline) {
   EXPECT_EQ((std::vector<double>{0, 10, 1, 11, 2, 12}), column(grid, "AMPLITUDE.000100", 1, 6));
   EXPECT_EQ((std::vector<double>{1000, 1010, 1001, 1011, 1002, 1012}), column(grid, "AMPLITUDE.000104", 1, 6));
   EXPECT_EQ((std::vector<double>{1011, 1002}), column(grid, "AMPLITUDE.000104", 4, 5));
-}
-
-TEST_F(Timeslice, SliceNamesHaveSixDigits) {
-  vHandle<Store> slices = makeSlices({8.0f, 99.4f, 1000.5f, 123456.0f}, {1}, 1, 0.0, 1.0);
+  // Slice names have six digits.
   EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000008 AMPLITUDE.000099 AMPLITUDE.001001 AMPLITUDE.123456 ",
-            listed(TimesliceToMapdataDecorator(slices)));
+            listed(TimesliceToMapdataDecorator(makeSlices({8.0f, 99.4f, 1000.5f, 123456.0f}, {1}, 1, 0.0, 1.0))));
+
+  MapdataReader reader(slices);
+  ASSERT_TRUE(reader.isValid());
+  EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000100", names(reader));
+  EXPECT_STREQ("gridded", reader.getStore()->getSubClass().c_str());
+  std::vector<double> x, y;
+  std::vector<float> value;
+  reader.getData(x, y, value);
+  EXPECT_EQ((std::vector<double>{20, 21, 20, 21, 20, 21}), x);
+  EXPECT_EQ((std::vector<double>{200, 200, 202, 202, 204, 204}), y);
+  EXPECT_EQ((std::vector<float>{0, 10, 1, 11, 2, 12}), value);
 }
 
 TEST_F(Timeslice, WithoutCrosslinesTheInlinesStandAcross) {
-  vHandle<Store> slices = makeSlices({100.0f}, {5, 6}, 2, 40.0, 10.0, false);
-  TimesliceToMapdataDecorator grid(slices);
+  TimesliceToMapdataDecorator grid(makeSlices({100.0f}, {5, 6}, 2, 40.0, 10.0, false));
   EXPECT_EQ("INLINE CROSSLINE AMPLITUDE.000100 ", listed(grid));
-  // The store's inline numbers answer for INLINE, the trace axis for
-  // CROSSLINE.
+  // The store's inline numbers answer for INLINE, the trace axis for CROSSLINE.
   EXPECT_EQ((std::vector<double>{5, 6, 5, 6}), column(grid, "INLINE", 1, 4));
   EXPECT_EQ((std::vector<double>{40, 40, 50, 50}), column(grid, "CROSSLINE", 1, 4));
   // One slice: the step is the no-value, and every time reads slice 0.
   EXPECT_EQ((std::vector<double>{0, 10, 1, 11}), column(grid, "AMPLITUDE.000100", 1, 4));
   Attribute other("AMPLITUDE.999999", "", vFLOAT32);
   grid.read(other, 1, 2);
-  EXPECT_EQ(0.0, other.getValue(1));
-  EXPECT_EQ(10.0, other.getValue(2));
-}
+  EXPECT_EQ((std::vector<double>{0, 10}), (std::vector<double>{other.getValue(1), other.getValue(2)}));
 
-TEST_F(Timeslice, ANegativeStepReversesTheInlineAxis) {
-  vHandle<Store> slices = makeSlices({100.0f}, {7}, 3, 300.0, -5.0);
-  TimesliceToMapdataDecorator grid(slices);
-  // Last inline 290; numbers from the last, samples from the end.
-  EXPECT_EQ((std::vector<double>{290, 295, 300}), column(grid, "INLINE", 1, 3));
-  EXPECT_EQ((std::vector<double>{2, 1, 0}), column(grid, "AMPLITUDE.000100", 1, 3));
+  // A negative step: inlines from the last (290), samples from the end.
+  TimesliceToMapdataDecorator reversed(makeSlices({100.0f}, {7}, 3, 300.0, -5.0));
+  EXPECT_EQ((std::vector<double>{290, 295, 300}), column(reversed, "INLINE", 1, 3));
+  EXPECT_EQ((std::vector<double>{2, 1, 0}), column(reversed, "AMPLITUDE.000100", 1, 3));
 }
 
 TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
@@ -241,19 +230,6 @@ TEST_F(Timeslice, OtherReadsAndAssignmentAreRefused) {
   Attribute unknown("ZED", "", vFLOAT32);
   grid.read(unknown, 1, 2);
   EXPECT_EQ(0u, unknown.getNInstances());
-}
-
-TEST_F(Timeslice, TheMapReaderSeesTheGrid) {
-  MapdataReader reader(makeSlices({100.0f, 104.0f}, {20, 21}, 2, 200.0, 2.0));
-  ASSERT_TRUE(reader.isValid());
-  EXPECT_EQ("CROSSLINE INLINE AMPLITUDE.000100 AMPLITUDE.000100", names(reader));
-  EXPECT_STREQ("gridded", reader.getStore()->getSubClass().c_str());
-  std::vector<double> x, y;
-  std::vector<float> value;
-  reader.getData(x, y, value);
-  EXPECT_EQ((std::vector<double>{20, 21, 20, 21}), x);
-  EXPECT_EQ((std::vector<double>{200, 200, 202, 202}), y);
-  EXPECT_EQ((std::vector<float>{0, 10, 1, 11}), value);
 }
 
 }  // namespace

@@ -64,8 +64,7 @@ class RondoNative : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_NE(nullptr, jvm()) << "no virtual machine";
-    // The entry points register the real classes once: that is done first,
-    // so that the stand-ins below stay for the test.
+    // The real classes are registered once, first, so the stand-ins stay.
     rondoEnsureClassesRegistered();
     m_catalog = ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeCatalog);
     m_project = ProjectFactory::registerMaker("ClientProject", &makeLateProject);
@@ -82,7 +81,7 @@ class RondoNative : public ::testing::Test {
   ProjectFactory::Maker m_project = nullptr;
 };
 
-TEST_F(RondoNative, SecondConnectionFindsTheMapEntryWithoutTheFactory) {
+TEST_F(RondoNative, ConnectionsFindTheirMapEntryWithoutTheFactoryOrKeepNothing) {
   m_tree.setEnv("FS_CLUSTERS", "srva=127.0.1.1");
   int made = nCatalogs;
   size_t entries = map_projectCatalog.size();
@@ -109,29 +108,15 @@ TEST_F(RondoNative, SecondConnectionFindsTheMapEntryWithoutTheFactory) {
   EXPECT_EQ(entries + 2, map_projectCatalog.size());
   EXPECT_EQ(made + 1, nCatalogs);
   EXPECT_EQ(map_projectCatalog["SrvB|RONDO"].get(), map_projectCatalog["SRVB|RONDO"].get());
-}
 
-// The report of the exception, then the line of the entry point.
-void expectReport(std::string const& out, char const* reason, char const* method, char const* line) {
-  EXPECT_NE(std::string::npos, out.find(std::string("\n") + reason + "\n")) << out;
-  EXPECT_NE(std::string::npos, out.find(std::string("(Method=") + method + ")\n")) << out;
-  std::string tail = std::string(line) + "\n";
-  ASSERT_GE(out.size(), tail.size()) << out;
-  EXPECT_EQ(tail, out.substr(out.size() - tail.size()));
-  EXPECT_EQ(out.find(tail), out.size() - tail.size()) << "the line comes after the report";
-}
-
-// The report of a failed connection is checked by the Java host.
-TEST_F(RondoNative, FailuresAnswerFalseAndKeepNothing) {
-  JNIEnv* env = jvm();
+  // Failures keep nothing (the report of a failed connection: the Java host).
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", nullptr);
-  size_t entries = map_projectCatalog.size();
+  entries = map_projectCatalog.size();
   ::testing::internal::CaptureStdout();
-  EXPECT_FALSE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.6")));
+  EXPECT_FALSE(RONDO_JNI(RondoOpenConnection)(jvm(), nullptr, jstr("127.0.1.6")));
   ::testing::internal::GetCapturedStdout();
   EXPECT_EQ(entries, map_projectCatalog.size());
-  // No sink: false, and nothing is looked up in the maps.
-  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(env, nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), nullptr));
+  EXPECT_FALSE(RONDO_JNI(RondoGetContents)(jvm(), nullptr, jstr("127.0.1.5"), jstr("p"), jstr(""), nullptr));
   EXPECT_EQ(0u, map_project.count("127.0.1.5|RONDO|p"));
 }
 
@@ -140,8 +125,10 @@ TEST_F(RondoNative, AProjectThatFailedToOpenStaysInTheMapAndOpensLater) {
   ASSERT_TRUE(RONDO_JNI(RondoOpenConnection)(env, nullptr, jstr("127.0.1.10")));
   ::testing::internal::CaptureStdout();
   EXPECT_FALSE(RONDO_JNI(RondoOpenProject)(env, nullptr, jstr("127.0.1.10"), jstr("Late")));
-  expectReport(::testing::internal::GetCapturedStdout(), "Project late is not there yet.", "LateProject::open",
-               "Unable to Open Project!!!!!!!!!!!");
+  // The report of the exception, then the line of the entry point.
+  EXPECT_EQ("\n\n====================== EXCEPTION TRACEBACK =======================\nProject late is not there yet.\n"
+            "   (Method=LateProject::open)\n" + std::string(66, '=') + "\nUnable to Open Project!!!!!!!!!!!\n",
+            ::testing::internal::GetCapturedStdout());
   vHandle<Project> project = map_project["127.0.1.10|RONDO|Late"];
   ASSERT_FALSE(project.isEmpty());
   EXPECT_FALSE(project->isOpen());

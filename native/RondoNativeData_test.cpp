@@ -43,8 +43,6 @@ jobject descriptor(char const* server, char const* project, char const* data) {
   return env->NewObject(cls, make, jstr(server), jstr(project), jstr(data), jstr("RONDO"));
 }
 
-jobject infoSink() { return newObject(std::string(kPackage) + "RondoInfoSink"); }
-
 jintArray newInts(std::vector<jint> const& values) {
   jintArray a = jvm()->NewIntArray(static_cast<jsize>(values.size()));
   jvm()->SetIntArrayRegion(a, 0, static_cast<jsize>(values.size()), values.data());
@@ -147,12 +145,13 @@ class RondoData : public ::testing::Test {
     ASSERT_TRUE(opened) << printed;
   }
 
-  // What GetDataInfo prints, with the sink's echo of its calls.
-  static std::string info(char const* project, char const* data, bool* result) {
-    jobject sink = infoSink();
+  // GetDataInfo's answer; what it prints, with the sink's echo, captured.
+  bool info(char const* project, char const* data) {
     ::testing::internal::CaptureStdout();
-    *result = RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, project, data), sink);
-    return ::testing::internal::GetCapturedStdout();
+    jobject sink = newObject(std::string(kPackage) + "RondoInfoSink");
+    bool const r = RONDO_JNI(RondoGetDataInfo)(jvm(), nullptr, descriptor(kServer, project, data), sink);
+    m_printed = ::testing::internal::GetCapturedStdout();
+    return r;
   }
 
   // Loads, printing captured; the answer.
@@ -180,65 +179,58 @@ class RondoData : public ::testing::Test {
 
 std::string RondoData::s_dir;
 
-TEST_F(RondoData, LoadIConvertsByTypeFromTheStartOfTheData) {
-  open("loadi");
+// LoadI and LoadF convert by type, LoadF takes whole attributes, ranges or
+// lists of traces, and arrays too small are refused.
+TEST_F(RondoData, LoadsConvertByTypeAndRefuseArraysTooSmall) {
+  open("loads");
   // 32-bit types as the Java host loads them; the low bits of 64-bit ones.
-  jintArray values = newInts({-7, -7, -7, -7, -7, -7});
-  EXPECT_TRUE(loadI("loadi", "line", "BIG", values));
-  EXPECT_EQ((std::vector<jint>{5, -1, INT32_MIN, -2, 5, -7}), ints(values));
-  EXPECT_TRUE(loadI("loadi", "line", "DBL", values));
-  EXPECT_EQ((std::vector<jint>{2, -2, 1000000000, 0, 0, -7}), ints(values));
+  jintArray numbers = newInts({-7, -7, -7, -7, -7, -7});
+  EXPECT_TRUE(loadI("loads", "line", "BIG", numbers));
+  EXPECT_EQ((std::vector<jint>{5, -1, INT32_MIN, -2, 5, -7}), ints(numbers));
+  EXPECT_TRUE(loadI("loads", "line", "DBL", numbers));
+  EXPECT_EQ((std::vector<jint>{2, -2, 1000000000, 0, 0, -7}), ints(numbers));
   // Vectors are taken flat: five values from trace 1 on.
-  EXPECT_TRUE(loadI("loadi", "line", "TRACE", values));
-  EXPECT_EQ((std::vector<jint>{100, 101, 102, 103, 200, -7}), ints(values));
+  EXPECT_TRUE(loadI("loads", "line", "TRACE", numbers));
+  EXPECT_EQ((std::vector<jint>{100, 101, 102, 103, 200, -7}), ints(numbers));
   // A type it does not convert leaves the array as it was.
   jintArray untouched = newInts({9, 9, 9, 9, 9});
-  EXPECT_TRUE(loadI("loadi", "line", "SHORT", untouched));
+  EXPECT_TRUE(loadI("loads", "line", "SHORT", untouched));
   EXPECT_EQ((std::vector<jint>{9, 9, 9, 9, 9}), ints(untouched));
   EXPECT_EQ("", m_printed);
-}
 
-TEST_F(RondoData, LoadFTakesWholeAttributesRangesOrListsOfTraces) {
-  open("loadf");
   jfloatArray values = newFloats(9);
   // first or count -1: the whole attribute, n values from instance 1.
-  EXPECT_TRUE(loadF("loadf", "line", "BIG", values, 2, -1));
+  EXPECT_TRUE(loadF("loads", "line", "BIG", values, 2, -1));
   EXPECT_EQ((std::vector<float>{4294967301.0f, -1, 2147483648.0f, -4294967298.0f, 5, -1, -1, -1, -1}),
             floats(values));
-  EXPECT_TRUE(loadF("loadf", "line", "DBL", values, -1, 3));
+  EXPECT_TRUE(loadF("loads", "line", "DBL", values, -1, 3));
   EXPECT_EQ((std::vector<float>{2.75f, -2.75f, 1e9f, 0.999f, -0.999f, -1, -1, -1, -1}), floats(values));
   // No traces: nothing written, and true.
   jfloatArray kept = newFloats(4, 5.0f);
-  EXPECT_TRUE(loadF("loadf", "line", "TRACE", kept, 4, 0));
+  EXPECT_TRUE(loadF("loads", "line", "TRACE", kept, 4, 0));
   EXPECT_EQ((std::vector<float>{5, 5, 5, 5}), floats(kept));
   EXPECT_EQ("", m_printed);
 
-  // Ranges and lists are for traces only, by that name exactly.
-  EXPECT_FALSE(loadF("loadf", "line", "trace", values, 0, 2));
-  EXPECT_EQ("RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! \n",
-            m_printed);
-  EXPECT_FALSE(loadTab("loadf", "line", "STATIC", newInts({0}), 1, values));
+  // Lists are for traces only, by that name exactly (ranges: the Java host).
+  EXPECT_FALSE(loadTab("loads", "line", "trace", newInts({0}), 1, values));
   EXPECT_EQ("RondoLoadAttributeF---------- Trace index != TRACE not yet implemented!!!!!!!!!!!!!!!!!!!!!!! \n",
             m_printed);
 
   // Only as many listed traces as told; none is false.
   jfloatArray listed = newFloats(9);
-  EXPECT_TRUE(loadTab("loadf", "line", "TRACE", newInts({2, 3}), 1, listed));
+  EXPECT_TRUE(loadTab("loads", "line", "TRACE", newInts({2, 3}), 1, listed));
   EXPECT_EQ((std::vector<float>{300, 301, 302, 303, -1, -1, -1, -1, -1}), floats(listed));
-  EXPECT_FALSE(loadTab("loadf", "line", "TRACE", newInts({0}), 0, listed));
+  EXPECT_FALSE(loadTab("loads", "line", "TRACE", newInts({0}), 0, listed));
   EXPECT_EQ("", m_printed);
-}
 
-TEST_F(RondoData, ArraysTooSmallAreRefused) {
-  open("sizes");
-  EXPECT_FALSE(loadI("sizes", "line", "CDP", nullptr));
+  EXPECT_FALSE(loadI("loads", "line", "CDP", nullptr));
   EXPECT_EQ("RondoLoadAttributeI---------- No array given!!!!!!!!!!!\n", m_printed);
   jfloatArray four = newFloats(4);
-  EXPECT_FALSE(loadF("sizes", "line", "STATIC", four, -1, -1));
+  EXPECT_FALSE(loadF("loads", "line", "STATIC", four, -1, -1));
   EXPECT_EQ("RondoLoadAttributeF---------- The array holds 4 values, 5 are needed!!!!!!!!!!!\n", m_printed);
-  EXPECT_FALSE(loadF("sizes", "line", "TRACE", newFloats(8), -3, 1));
+  EXPECT_FALSE(loadF("loads", "line", "TRACE", newFloats(8), -3, 1));
   EXPECT_EQ("RondoLoadAttributeF---------- First trace -3 is before the first!!!!!!!!!!!\n", m_printed);
-  EXPECT_FALSE(loadTab("sizes", "line", "TRACE", newInts({0}), 2, newFloats(8)));
+  EXPECT_FALSE(loadTab("loads", "line", "TRACE", newInts({0}), 2, newFloats(8)));
   EXPECT_EQ("RondoLoadAttributeFromTabindexF---------- The array holds 1 values, 2 are needed!!!!!!!!!!!\n",
             m_printed);
   // Nothing was written where it fitted either.
@@ -247,11 +239,8 @@ TEST_F(RondoData, ArraysTooSmallAreRefused) {
 
 TEST_F(RondoData, TheFirstOpenerChoosesTheVersion) {
   open("versions");
-  // Opened by the info at version 0, the store of version 3 loads traces,
-  // where a load alone would ask for version 1.
-  bool result = false;
-  info("versions", "late", &result);
-  ASSERT_TRUE(result);
+  // Opened by the info (version 0), version 3 loads; a load alone asks for 1.
+  ASSERT_TRUE(info("versions", "late"));
   jfloatArray values = newFloats(4);
   EXPECT_TRUE(loadF("versions", "late", "TRACE", values, 0, 1));
   EXPECT_EQ((std::vector<float>{100, 101, 102, 103}), floats(values));
@@ -264,14 +253,12 @@ TEST_F(RondoData, TheFirstOpenerChoosesTheVersion) {
   EXPECT_EQ(map_store["|RONDO|versions|line"].get(), closed.get());
   EXPECT_FALSE(closed->isOpen());
   EXPECT_FALSE(closeStoreOnData(jvm(), nullptr, closed));
-  // A store open for reading closes without writing its properties back
-  // (the server would refuse them), and opens again by the info.
+  // Open for reading, it closes without sending its properties, and reopens.
   ASSERT_TRUE(store->isOpen());
   EXPECT_TRUE(closeStoreOnData(jvm(), descriptor(kServer, "versions", "late"), closed));
   EXPECT_EQ(store.get(), closed.get());
   EXPECT_FALSE(store->isOpen());
-  info("versions", "late", &result);
-  ASSERT_TRUE(result);
+  ASSERT_TRUE(info("versions", "late"));
   EXPECT_TRUE(loadF("versions", "late", "TRACE", values, 0, 1));
   EXPECT_EQ((std::vector<float>{100, 101, 102, 103}), floats(values));
 }

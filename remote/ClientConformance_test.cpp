@@ -61,18 +61,12 @@ StoreConformanceCase clientCase() {
     return set;
   };
   StoreConformanceTexts& t = c.texts;
-  t.firstIsZero = said(t.firstIsZero);
-  t.firstAfterLast = said(t.firstAfterLast);
-  t.lastPastEnd = said(t.lastPastEnd);
-  t.listHasZero = said(t.listHasZero);
-  t.listPastEnd = said(t.listPastEnd);
-  t.unknownAttribute = said(t.unknownAttribute);
-  t.keysMissing = said(t.keysMissing);
   // The server's sets are bare sets, not stores: they say so in their words.
-  t.notWritable = said("AttributeSet '%s' is not open for modification.");
-  t.writeCount = said(t.writeCount);
-  t.groupWriteCount = said(t.groupWriteCount);
-  t.keyWriteCount = said(t.keyWriteCount);
+  t.notWritable = "AttributeSet '%s' is not open for modification.";
+  for (std::string* text : {&t.firstIsZero, &t.firstAfterLast, &t.lastPastEnd, &t.listHasZero, &t.listPastEnd,
+                            &t.unknownAttribute, &t.keysMissing, &t.notWritable, &t.writeCount, &t.groupWriteCount,
+                            &t.keyWriteCount})
+    *text = said(*text);
   return c;
 }
 

@@ -1,6 +1,7 @@
 // The client proxies against the real data server process on the UnitTest
 // back end.
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -19,36 +20,19 @@ namespace {
 
 std::string str(vString const& s) { return std::string(s.c_str(), s.length()); }
 
-std::string names(Project::StoreList const& list) {
-  std::string all;
-  for (vLCString const& n : list) all += str(n) + " ";
-  return all;
-}
-
-std::string names(std::list<Attribute> const& list) {
+std::string attributeNames(std::list<Attribute> const& list) {
   std::string all;
   for (Attribute const& a : list) all += str(a.getName()) + " ";
   return all;
 }
 
-bool has(std::vector<std::string> const& lines, std::string const& line) {
-  for (std::string const& l : lines)
-    if (l == line) return true;
-  return false;
-}
-
 // The text is head, a channel status ("CommChan::" and a word in
 // capitals), and tail.
-bool framed(std::string const& text, std::string const& head, std::string const& tail) {
-  std::string const prefix = "CommChan::";
-  if (text.size() <= head.size() + prefix.size() + tail.size()) return false;
-  if (text.compare(0, head.size(), head) != 0 || text.compare(text.size() - tail.size(), tail.size(), tail) != 0)
-    return false;
-  std::string const status = text.substr(head.size(), text.size() - head.size() - tail.size());
-  if (status.compare(0, prefix.size(), prefix) != 0) return false;
-  for (size_t i = prefix.size(); i < status.size(); ++i)
-    if (status[i] < 'A' || status[i] > 'Z') return false;
-  return true;
+void expectStatusIn(std::string const& text, std::string const& head, std::string const& tail) {
+  size_t const n = text.size() > head.size() + tail.size() + 10 ? text.size() - head.size() - tail.size() - 10 : 1;
+  std::string const status = text.substr(std::min(head.size(), text.size()), n + 10);
+  EXPECT_EQ(head + status + tail, text);
+  EXPECT_TRUE(fitsShape(status, "CommChan::" + std::string(n, 'A'))) << text;
 }
 
 using ClientProxies = ClientTest;
@@ -62,15 +46,15 @@ TEST_F(ClientProxies, CatalogStartsItsServerAndAProjectListsItsStores) {
   project->open("Survey");
   EXPECT_EQ("survey", str(project->getName()));
 
-  EXPECT_EQ("line12.3 wells.1 cube.2 ", names(*project->getStoreList("", "")));
-  EXPECT_EQ("cube.2 ", names(*project->getStoreList("seismic", "3d")));
+  EXPECT_EQ((std::vector<std::string>{"line12.3", "wells.1", "cube.2"}), names(*project->getStoreList("", "")));
+  EXPECT_EQ((std::vector<std::string>{"cube.2"}), names(*project->getStoreList("seismic", "3d")));
   EXPECT_EQ("wells", str(project->getStoreDetailsList("well", "")->front().getName()));
   EXPECT_TRUE(project->hasStore("line12", 0));
   EXPECT_FALSE(project->hasStore("line13", 0));
   EXPECT_EQ("3d", str(project->getStoreDetails("cube", 2).getSubClass()));
   EXPECT_FALSE(project->purgeStore(1, "line12", "", ""));
   EXPECT_TRUE(project->deleteStore("wells", 1, "", ""));
-  EXPECT_EQ("line12.3 cube.2 ", names(*project->getStoreList("", "")));
+  EXPECT_EQ((std::vector<std::string>{"line12.3", "cube.2"}), names(*project->getStoreList("", "")));
   // The UnitTest back end keeps no set details.
   EXPECT_TRUE(project->getAttributeSetDetails("line12", 3).empty());
 
@@ -108,16 +92,15 @@ TEST_F(ClientProxies, KelpCatalogNamesItsServerFirst) {
   vHandle<Project> project = openProject(kelp, "p");
   EXPECT_EQ("datahost", str(project->getProjectHost()));
   // The server's back end got the data host from the session start.
-  bool seen = false;
-  std::string all;
-  for (std::string const& line : serverLines("Kelp")) {
-    seen = seen || line.find("session for host datahost") == 0;
-    all += line + "\n";
-  }
-  EXPECT_TRUE(seen) << all;
+  std::vector<std::string> const lines = serverLines("Kelp");
+  EXPECT_NE(lines.end(), std::find_if(lines.begin(), lines.end(), [](std::string const& line) {
+              return line.find("session for host datahost") == 0;
+            }));
 }
 
-TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
+// An open set answers from its caches until a class changes; properties
+// change locally and travel at the close; open sets compare.
+TEST_F(ClientProxies, OpenSetsCachePropertiesAndCompare) {
   vHandle<ProjectCatalog> catalog = newCatalog();
   vHandle<Project> project = openProject(catalog, "survey");
   ClientAttributeSet set(project);
@@ -130,83 +113,74 @@ TEST_F(ClientProxies, OpenSetAnswersFromItsCachesUntilAClassChanges) {
   uint32_t const opened = ClientAttributeSet::NameBit | ClientAttributeSet::ClassBit |
                           ClientAttributeSet::SubClassBit | ClientAttributeSet::VersionBit;
   EXPECT_EQ(opened, set.getCacheBits());
-  std::vector<int> const atOpen = {ClientCode::Update, ClientCode::GetProperties, ClientCode::GetNInstances,
-                                   ClientCode::GetVersion, ClientCode::GetClass, ClientCode::GetSubClass};
+  // The requests the set has sent, after those of the codes given.
   std::vector<int> expected = {202, 228, 211, 229, 209};
-  expected.insert(expected.end(), atOpen.begin(), atOpen.end());
-  EXPECT_EQ(expected, requestsTo(3));
+  auto sent = [&](std::initializer_list<int> codes) {
+    expected.insert(expected.end(), codes);
+    EXPECT_EQ(expected, requestsTo(3));
+  };
+  sent({ClientCode::Update, ClientCode::GetProperties, ClientCode::GetNInstances, ClientCode::GetVersion,
+        ClientCode::GetClass, ClientCode::GetSubClass});
 
   // Known: no message.
   set.getClass();
   EXPECT_EQ(0, set.getVersion());
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({});
   // Not known: asked for once.
   EXPECT_TRUE(set.hasAttribute("CDP"));
-  expected.push_back(ClientCode::HasAttribute);
   set.getKeyList();
   set.getKeyList();
-  expected.push_back(ClientCode::GetKeyList);
-  EXPECT_EQ("CDP ", names(set.getAttributeList()));
-  expected.push_back(ClientCode::GetAttributeList);
-  EXPECT_EQ(expected, requestsTo(3));
+  EXPECT_EQ("CDP ", attributeNames(set.getAttributeList()));
+  sent({ClientCode::HasAttribute, ClientCode::GetKeyList, ClientCode::GetAttributeList});
   EXPECT_FALSE(set.hasAttribute("OFFSET"));
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({});
 
   // A new attribute joins the list kept.
   set.addAttribute(Attribute("AMP", "", vFLOAT32));
-  expected.push_back(ClientCode::AddAttribute);
   EXPECT_TRUE(set.hasAttribute("AMP"));
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::AddAttribute});
 
   // A changed class drops the list: the next question goes to the server.
   set.setAttributeClass("CDP", "CMP");
-  expected.push_back(ClientCode::SetAttributeClass);
   EXPECT_TRUE(set.hasAttribute("CDP"));
-  expected.push_back(ClientCode::HasAttribute);
   EXPECT_EQ("CMP", str(set.getAttribute("CDP").getClass()));
-  expected.push_back(ClientCode::GetAttribute);
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::SetAttributeClass, ClientCode::HasAttribute, ClientCode::GetAttribute});
 
   // A name missing from a cached list is asked for, and the list goes.
   set.getAttributeList();
-  expected.push_back(ClientCode::GetAttributeList);
   fatalText([&] { set.getAttribute("NOPE"); });
   EXPECT_EQ(0u, set.getCacheBits() & ClientAttributeSet::AttributeListBit);
-  expected.push_back(ClientCode::GetAttribute);
-  EXPECT_EQ(expected, requestsTo(3));
+  sent({ClientCode::GetAttributeList, ClientCode::GetAttribute});
   set.close();
-}
 
-TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtCloseAndOpenSetsCompare) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  set.create("shots", "seismic", "2d", KeyList(), nullptr);
-  set.addProperty(Property("SURVEY", vString("north")));
-  set.addProperty(Property("SURVEY", vString("south")));
-  set.addProperty(Property("LINE", 12.0));
-  set.close();
-  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), requestsTo(3));
+  // Properties change locally and travel at the close.
+  ClientAttributeSet props(project);
+  props.create("props", "seismic", "2d", KeyList(), nullptr);
+  props.addProperty(Property("SURVEY", vString("north")));
+  props.addProperty(Property("SURVEY", vString("south")));
+  props.addProperty(Property("LINE", 12.0));
+  props.close();
+  EXPECT_EQ((std::vector<int>{202, 228, 229, 209}), requestsTo(4));
 
-  set.open("shots", 0, "", "", nullptr);
-  EXPECT_EQ(2u, set.getNProperties());
-  EXPECT_EQ("south", str(set.findProperty(vUCString("SURVEY"))->getString()));
-  char const* const text = "AttributeSet shots is not open for writing.";
+  props.open("props", 0, "", "", nullptr);
+  EXPECT_EQ(2u, props.getNProperties());
+  EXPECT_EQ("south", str(props.findProperty(vUCString("SURVEY"))->getString()));
+  char const* const text = "AttributeSet props is not open for writing.";
   EXPECT_EQ(std::string("ClientAttributeSet::addProperty(): ") + text,
-            fatalText([&] { set.addProperty(Property("X", 1.0)); }));
-  EXPECT_EQ("setproplist: Needcode", fatalText([&] { set.setPropertyList(set); }));
-  set.close();
+            fatalText([&] { props.addProperty(Property("X", 1.0)); }));
+  EXPECT_EQ("setproplist: Needcode", fatalText([&] { props.setPropertyList(props); }));
+  props.close();
   // Read-only: nothing sent at close.
-  std::vector<int> const all = requestsTo(3);
+  std::vector<int> const all = requestsTo(4);
   EXPECT_EQ(ClientCode::Close, all.back());
   EXPECT_NE(ClientCode::SendProperties, all[all.size() - 2]);
 
-  set.update("shots", 0, "", "", nullptr);
-  set.removeProperty(vUCString("SURVEY"));
-  set.close();
-  set.open("shots", 0, "", "", nullptr);
-  EXPECT_TRUE(set.hasProperty(vUCString("LINE")) && set.getNProperties() == 1u);
-  set.close();
+  props.update("props", 0, "", "", nullptr);
+  props.removeProperty(vUCString("SURVEY"));
+  props.close();
+  props.open("props", 0, "", "", nullptr);
+  EXPECT_TRUE(props.hasProperty(vUCString("LINE")) && props.getNProperties() == 1u);
+  props.close();
 
   // Open sets compare by state, instances, version and attributes.
   ClientAttributeSet a(project);
@@ -225,7 +199,7 @@ TEST_F(ClientProxies, PropertiesChangeLocallyAndTravelAtCloseAndOpenSetsCompare)
   a.close();
 }
 
-TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
+TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstancesUntilNoneAnswers) {
   ScopedEnv stores("RONDO_UNITTEST_STORES", "shots.1:seismic");
   vHandle<ProjectCatalog> catalog = newCatalog();
   vHandle<Project> project = openProject(catalog, "survey");
@@ -234,21 +208,14 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
   EXPECT_EQ(0u, set.getNInstances());
   set.addAttribute(Attribute("CDP", "", vINT32));
   set.addInstances(5);
-  int const first = serverProcesses().back();
   killServer();
 
-  // The next request finds the server gone: a new one gets every object
-  // again, the set updated and made up to its five instances.
+  // A new server gets every object again, the set made up to its instances.
   set.addInstances(2);
   EXPECT_EQ(7u, set.getNInstances());
-  std::vector<int> const pids = serverProcesses();
-  ASSERT_EQ(2u, pids.size());
-  EXPECT_NE(first, pids[1]);
-  EXPECT_TRUE(has(infos(), "COBPortal::sendAndReceive: The connection to the dataserver on  was lost.\n"
-                          "Will attempt to re-connect."));
+  EXPECT_EQ(2u, serverProcesses().size());
   std::vector<int> const again = requestsTo(3);
-  // In the new server: update, properties, count, version, class,
-  // subclass, the five instances made up, then the request itself.
+  // Update, properties, count, version, class, subclass, five, the request.
   std::vector<int> const tail(again.end() - 8, again.end());
   EXPECT_EQ((std::vector<int>{213, 228, 201, 205, 206, 207, 214, 214}), tail);
   set.close();
@@ -257,29 +224,18 @@ TEST_F(ClientProxies, LostServerIsStartedAgainAndTheSetKeepsItsInstances) {
   reopened.open("shots", 0, "", "", nullptr);
   EXPECT_EQ(7u, reopened.getNInstances());
   reopened.close();
-}
 
-TEST_F(ClientProxies, NoServerToTalkToEndsInTheTwoWordings) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  ClientAttributeSet set(project);
-  set.create("shots", "seismic", "2d", KeyList(), nullptr);
-  // From now on every server leaves at its first message.
-  ClientProjectCatalog* client = dynamic_cast<ClientProjectCatalog*>(catalog.get());
-  ASSERT_NE(nullptr, client);
-  client->getPortal()->setDataserverCommandLine(
+  // Every server from now on leaves at its first message: the two wordings.
+  set.update("shots", 0, "", "", nullptr);
+  static_cast<ClientProjectCatalog*>(catalog.get())->getPortal()->setDataserverCommandLine(
       vString((std::string(RONDO_TEST_BINARY_DIR) + "/bin/closingPeer Rondo ").c_str()) + COBPortal::addressToken);
   killServer();
-  std::string const text = fatalText([&] { set.addInstances(1); });
-  EXPECT_TRUE(framed(text,
-                     "ClientAttributeSet::addInstances: Could not communicate with the data server. Status was ",
-                     ".Please include contents of ~/DataServer.Rondo on  in a error report."))
-      << text;
-  std::string const projectText = fatalText([&] { project->hasStore("line12", 0); });
-  EXPECT_TRUE(framed(projectText,
-                     "ClientProject::hasStore: Could not communicate with the data server. Status was ",
-                     ". Please include contents of ~/DataServer.Rondo on  in an error report."))
-      << projectText;
+  expectStatusIn(fatalText([&] { set.addInstances(1); }),
+                 "ClientAttributeSet::addInstances: Could not communicate with the data server. Status was ",
+                 ".Please include contents of ~/DataServer.Rondo on  in a error report.");
+  expectStatusIn(fatalText([&] { project->hasStore("line12", 0); }),
+                 "ClientProject::hasStore: Could not communicate with the data server. Status was ",
+                 ". Please include contents of ~/DataServer.Rondo on  in an error report.");
 }
 
 }  // namespace

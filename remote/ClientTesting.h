@@ -3,30 +3,92 @@
 
 // Test helpers of the client proxies (tests only): a fixture whose client
 // catalogs start the real data server (build/bin/DataServer) with its home,
-// and so its log, in a directory of the test's own, and the server's log
-// read back.
+// and so its log, in a directory of the test's own, the server's log read
+// back, and a remote object that sends the server whatever a test gives it.
 
 #include <signal.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "foundation/Packer.h"
 #include "foundation/vHandle.h"
 #include "project/Project.h"
 #include "project/ProjectCatalog.h"
 #include "remote/ClientAttributeSet.h"
 #include "remote/ClientProject.h"
 #include "remote/ClientProjectCatalog.h"
+#include "remote/COB.h"
+#include "remote/COBPortal.h"
 #include "remote/RemoteTesting.h"
 
 namespace remote_testing {
+
+// A failure of the server as the client raises it.
+inline std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
+
+// The names in a list of stores or projects.
+inline std::vector<std::string> names(Project::StoreList const& list) {
+  std::vector<std::string> out;
+  for (vLCString const& n : list) out.push_back(n.c_str());
+  return out;
+}
+inline std::vector<std::string> names(ProjectList const& list) {
+  std::vector<std::string> out;
+  for (ProjectListEntry const& e : list) out.push_back(e.getName().c_str());
+  return out;
+}
+
+// A message's bytes as they go out with the tag.
+inline std::string bytesOf(Packer& p, int tag) {
+  unsigned char const* bytes = nullptr;
+  int size = 0;
+  p.getBuffer(&bytes, size, tag);
+  return std::string(reinterpret_cast<char const*>(bytes), static_cast<size_t>(size));
+}
+
+// A remote object that sends what a test gives it.
+class BareCOB : public COB {
+ public:
+  BareCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
+  BareCOB(char const* type, vHandle<COBPortal>& portal) : COB(vString(type), nullptr) { setPortal(portal); }
+  void doCommsReinitialize() override {}
+
+  // A request of the code and what pack adds; the reply's code, or -1.
+  int call(int code, std::function<void(Packer&)> const& pack = nullptr) {
+    Packer p(200);
+    if (request(p, code, pack) != CommChan::OK) return -1;
+    int32_t reply = 0;
+    p.unpack(reply);
+    p.discard();
+    return reply;
+  }
+  int call(int code, char const* text) {
+    return call(code, [text](Packer& p) { p.pack(vString(text)); });
+  }
+  // The reply's bytes, or the failure it raised.
+  std::string reply(int code, std::function<void(Packer&)> const& pack) {
+    Packer p(200);
+    std::string const failure = fatalText([&] { ASSERT_EQ(CommChan::OK, request(p, code, pack)); });
+    return failure != "(nothing raised)" ? failure : bytesOf(p, getID());
+  }
+
+ private:
+  CommChan::StatusType request(Packer& p, int code, std::function<void(Packer&)> const& pack) {
+    p.pack(static_cast<int32_t>(code));
+    if (pack) pack(p);
+    return sendAndReceive(p);
+  }
+};
 
 inline std::string dataServerPath() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/DataServer"; }
 

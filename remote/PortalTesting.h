@@ -32,6 +32,8 @@ namespace remote_testing {
 class TestCOB : public COB {
  public:
   TestCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
+  // A top object on the portal.
+  TestCOB(char const* type, vHandle<COBPortal>& portal) : COB(vString(type), nullptr) { setPortal(portal); }
 
   int state = 0;
   int reinitialized = 0;

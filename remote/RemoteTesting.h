@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,9 @@
 #include "foundation/RaiseError.h"
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
+#include "foundation/vHandle.h"
+#include "remote/CommChan.h"
+#include "remote/CommChanAddress.h"
 
 namespace remote_testing {
 
@@ -110,13 +114,13 @@ inline int rawConnectTcp(int port) {
 }
 
 // A listening TCP socket on a free loopback port.
-inline int rawListenTcp(int& port) {
+inline int rawListenTcp(int& port, int backlog = 5) {
   int const fd = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in a{};
   a.sin_family = AF_INET;
   a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   socklen_t n = sizeof a;
-  if (::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 || ::listen(fd, 5) != 0 ||
+  if (::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 || ::listen(fd, backlog) != 0 ||
       ::getsockname(fd, reinterpret_cast<sockaddr*>(&a), &n) != 0) {
     ::close(fd);
     return -1;
@@ -148,6 +152,12 @@ inline int rawConnectLocal(std::string const& path) {
 // The channel magic as this host writes it, and as the other order does.
 inline Bytes nativeMagic() { return Bytes{0xCE, 0xFA, 0xAD, 0xDE}; }
 inline Bytes foreignMagic() { return Bytes{0xDE, 0xAD, 0xFA, 0xCE}; }
+
+// The path of a local channel.
+inline std::string localPath(vHandle<CommChan> const& channel) {
+  std::unique_ptr<CommChanAddress> address(channel->getAddress());
+  return address->getFilename().c_str();
+}
 
 inline std::string testServerPath() { return std::string(RONDO_TEST_BINARY_DIR) + "/bin/testPortalServer"; }
 

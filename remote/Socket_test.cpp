@@ -10,14 +10,12 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "remote/CommChanAddress.h"
 #include "remote/CommChanMaker.h"
 #include "remote/RemoteTesting.h"
 
@@ -29,11 +27,6 @@ namespace {
 
 class SocketTest : public RemoteTest {};
 
-bool exists(std::string const& path) {
-  struct stat s;
-  return ::lstat(path.c_str(), &s) == 0;
-}
-
 // The permission bits of a path, or -1.
 int modeOf(std::string const& path) {
   struct stat s;
@@ -42,11 +35,6 @@ int modeOf(std::string const& path) {
 
 // Where this user's generated local channels go under a base directory.
 std::string privateDir(std::string const& base) { return base + "/rondo-" + std::to_string(::geteuid()); }
-
-std::string localPath(vHandle<CommChan> const& channel) {
-  std::unique_ptr<CommChanAddress> address(channel->getAddress());
-  return address->getFilename().c_str();
-}
 
 // Both ends of a TCP connection write the magic first; typed data follow
 // in the writer's order, and the accepting end has read the peer's magic.
@@ -65,30 +53,31 @@ TEST_F(SocketTest, TcpConnectionStartsWithTheMagicBothWays) {
     seen.insert(seen.end(), more.begin(), more.end());
     ::close(fd);
   });
-  int values[2] = {0, 0};
-  EXPECT_EQ(CommChan::OK, server->receiveInt32(values, 2));
+  std::vector<int> values(2);
+  EXPECT_EQ(CommChan::OK, server->receiveInt32(values.data(), 2));
   EXPECT_FALSE(server->getSwap());
-  EXPECT_EQ(0x01020304, values[0]);
-  EXPECT_EQ(-7, values[1]);
+  EXPECT_EQ((std::vector<int>{0x01020304, -7}), values);
   short const back[4] = {1, 2, -1, 0x0102};
   EXPECT_EQ(CommChan::OK, server->sendInt16(back, 4));
   // Bools go as 0 or 1, whatever byte a bool holds.
-  bool flags[3];
-  unsigned char const odd = 0x02;
-  std::memcpy(&flags[0], &odd, 1);
-  flags[1] = false;
-  flags[2] = true;
+  bool flags[3] = {false, false, true};
+  std::memcpy(&flags[0], "\x02", 1);
   EXPECT_EQ(CommChan::OK, server->sendBool(flags, 3));
   peer.join();
   EXPECT_EQ((Bytes{0xCE, 0xFA, 0xAD, 0xDE, 1, 0, 2, 0, 0xFF, 0xFF, 2, 1, 1, 0, 1}), seen);
 }
 
-// A peer of the other byte order: every typed receive is turned around,
-// raw bytes are not, and bools read true only from the byte 1.
-TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
+// A wrong magic is raised by the accept. A peer of the other byte order:
+// every typed receive is turned around, raw bytes are not, and bools read
+// true only from the byte 1.
+TEST_F(SocketTest, WrongMagicIsRaisedAndPeerOfTheOtherOrderIsSwapped) {
   int port = 0;
   vHandle<CommChan> server = CommChanMaker::remote(port);
   std::thread peer([&] {
+    int const wrong = rawConnectTcp(port);
+    readBytes(wrong, 4);
+    writeAll(wrong, Bytes{0x78, 0x56, 0x34, 0x12});
+    ::close(wrong);
     int const fd = rawConnectTcp(port);
     readBytes(fd, 4);
     writeAll(fd, foreignMagic());
@@ -106,6 +95,10 @@ TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
   unsigned short u16 = 0;
   char raw[4];
   bool flags[4];
+  EXPECT_EQ("Socket::myReadMagic: Did not receive internal MAGIC number. Got 305419896 (0x12345678) instead. "
+            "Read 4 bytes.\n",
+            fatalText([&] { server->accept(); }));
+  ASSERT_EQ(CommChan::OK, server->accept());
   ASSERT_EQ(CommChan::OK, server->receiveInt32(&i32, 1));
   EXPECT_TRUE(server->getSwap());
   ASSERT_EQ(CommChan::OK, server->receiveInt64(&i64, 1));
@@ -123,24 +116,7 @@ TEST_F(SocketTest, PeerOfTheOtherOrderIsSwappedOnReceive) {
   peer.join();
 }
 
-TEST_F(SocketTest, WrongMagicIsRaisedByAccept) {
-  int port = 0;
-  vHandle<CommChan> server = CommChanMaker::remote(port);
-  std::thread peer([&] {
-    int const fd = rawConnectTcp(port);
-    readBytes(fd, 4);
-    writeAll(fd, Bytes{0x78, 0x56, 0x34, 0x12});
-    readBytes(fd, 1);
-    ::close(fd);
-  });
-  EXPECT_EQ("Socket::myReadMagic: Did not receive internal MAGIC number. Got 305419896 (0x12345678) instead. "
-            "Read 4 bytes.\n",
-            fatalText([&] { server->accept(); }));
-  server->close();
-  peer.join();
-}
-
-TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
+TEST_F(SocketTest, ConnectsThatFail) {
   int const port = closedPort();
   for (float wait : {0.0f, CommChan::FOREVER}) {
     Socket client;
@@ -155,19 +131,15 @@ TEST_F(SocketTest, NobodyListeningIsNotFoundButAMissingPathIsRaised) {
             fatalText([&] { local.connectLocal(""); }));
   EXPECT_EQ(0u, fatalText([&] { local.connectRemote("no-such-host.invalid", 80, 0.0f); })
                     .find("Socket::connectRemote: gethostbyname error: "));
-}
 
-// A listener whose queue is full lets a connection attempt hang: the
-// attempt with a time-out gives up.
-TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
-  int const listener = ::socket(AF_INET, SOCK_STREAM, 0);
+  // A full listener's queue lets an attempt hang: one with a time-out gives up.
+  int full = 0;
+  int const listener = rawListenTcp(full, 0);
+  ASSERT_GE(listener, 0);
   sockaddr_in a{};
   a.sin_family = AF_INET;
+  a.sin_port = htons(static_cast<uint16_t>(full));
   a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t n = sizeof a;
-  ASSERT_EQ(0, ::bind(listener, reinterpret_cast<sockaddr*>(&a), sizeof a));
-  ASSERT_EQ(0, ::listen(listener, 0));
-  ASSERT_EQ(0, ::getsockname(listener, reinterpret_cast<sockaddr*>(&a), &n));
   std::vector<int> queued;
   for (int i = 0; i < 4; ++i) {
     int const fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
@@ -176,15 +148,17 @@ TEST_F(SocketTest, ConnectWithATimeoutToAFullListenerTimesOut) {
   }
   ::usleep(200 * 1000);
   Socket client;
-  EXPECT_EQ(CommChan::TIMEOUT, client.connectRemote("127.0.0.1", ntohs(a.sin_port), 0.5f));
+  EXPECT_EQ(CommChan::TIMEOUT, local.connectRemote("127.0.0.1", full, 0.5f));
   for (int fd : queued) ::close(fd);
   ::close(listener);
 }
 
 // A local stranger is kept out by the modes of the path: the private
 // directory is made with 0700 and the socket gets 0600 before it listens,
-// whatever the umask.
-TEST_F(SocketTest, LocalListenerIsReachableOnlyByItsOwnerEvenWithUmaskZero) {
+// whatever the umask. Names that someone else may have put in the way are
+// never taken for the channel's own: a link in place of the private
+// directory, a file at a listener's or a connector's path.
+TEST_F(SocketTest, LocalChannelsAreOnlyTheirOwners) {
   TempDir dir;
   ScopedEnv tmp("TMPDIR", dir.path().c_str());
   mode_t const umask = ::umask(0);
@@ -198,16 +172,10 @@ TEST_F(SocketTest, LocalListenerIsReachableOnlyByItsOwnerEvenWithUmaskZero) {
   EXPECT_EQ(0600, modeOf(dir.file("given")));
   // The generated path goes with the channel.
   generated->close();
-  EXPECT_FALSE(exists(path));
-}
+  EXPECT_EQ(-1, modeOf(path));
 
-// Names that someone else may have put in the way are never taken for the
-// channel's own: a link in place of the private directory, a file at a
-// listener's or a connector's path.
-TEST_F(SocketTest, NamesPutInTheWayAreNeverTakenForTheChannelsOwn) {
-  TempDir dir;
-  ScopedEnv tmp("TMPDIR", dir.path().c_str());
   std::string const priv = privateDir(dir.path());
+  ASSERT_EQ(0, ::rmdir(priv.c_str()));
   std::string const notPrivate =
       "Socket::createLocal: " + priv + " is not a private directory of this user: no channel is made in it.";
   ASSERT_EQ(0, ::mkdir(dir.file("elsewhere").c_str(), 0700));
@@ -223,7 +191,7 @@ TEST_F(SocketTest, NamesPutInTheWayAreNeverTakenForTheChannelsOwn) {
   EXPECT_EQ(CommChan::INUSE, listener.createLocal(planted.c_str()));
   EXPECT_EQ(CommChan::CLOSED, listener.accept());
   listener.close();
-  EXPECT_TRUE(exists(planted));
+  EXPECT_NE(-1, modeOf(planted));
 
   Socket client;
   EXPECT_EQ("Socket::connectLocal: " + planted + " is not a channel of this user: it is not connected to.",
@@ -331,10 +299,8 @@ TEST_F(SocketTest, PortRangeProperty) {
       {
         ::setenv("SP_COMMCHAN_USE_PORT_RANGE", "6000 5000", 1);
         int port = 0;
-        std::exit(fatalText([&] { CommChanMaker::remote(port); }) ==
-                          "Socket::myBind: Invalid port range specified (6000:5000)!"
-                      ? 0
-                      : 1);
+        std::string const text = fatalText([&] { CommChanMaker::remote(port); });
+        std::exit(text == "Socket::myBind: Invalid port range specified (6000:5000)!" ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
 }

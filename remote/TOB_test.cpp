@@ -19,7 +19,7 @@ std::vector<std::string> typesOf(TOB const& t) {
   return out;
 }
 
-TEST_F(TOBTest, ChildrenJoinLeaveAndKeepTheirOrder) {
+TEST_F(TOBTest, ChildrenJoinLeaveKeepTheirOrderAndOutliveTheirParent) {
   TOB root("root");
   TOB a("a", &root);
   TOB b("b", &root);
@@ -43,13 +43,12 @@ TEST_F(TOBTest, ChildrenJoinLeaveAndKeepTheirOrder) {
   a.removeChild(&stranger);
   root.removeChild(&d);
   EXPECT_TRUE(infos().empty());
-}
 
-TEST_F(TOBTest, ParentGoingFirstReportsAndFreesItsChildren) {
-  TOB* root = new TOB("root");
-  TOB child("child", root);
+  // A parent going first reports and frees its children.
+  TOB* parent = new TOB("root");
+  TOB child("child", parent);
   TOB grandchild("grandchild", &child);
-  delete root;
+  delete parent;
   EXPECT_EQ(nullptr, child.getTOBParent());
   EXPECT_EQ(&child, grandchild.getTOBParent());
   ASSERT_EQ(1u, infos().size());

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
@@ -26,8 +27,6 @@ using namespace remote_testing;
 namespace {
 
 std::string const kNothing = "(nothing raised)";
-
-std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
 
 void write(std::string const& path, std::string const& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
@@ -70,15 +69,10 @@ class DirectoryBackend : public ClientTest {
   ScopedEnv m_release;
 };
 
-std::vector<std::string> names(std::list<vLCString> const& list) {
-  std::vector<std::string> out;
-  for (vLCString const& n : list) out.push_back(n.c_str());
-  return out;
-}
-
 // A shapefile is one store of a directory project, by its .shp: the .shx,
-// .dbf and .prj beside it are parts of it. Written by GDAL's ogr2ogr.
-TEST_F(DirectoryBackend, ShapefilesAreServed) {
+// .dbf and .prj beside it are parts of it (written by GDAL's ogr2ogr).
+// SEG-D records and FDM velocity volumes go by their extensions.
+TEST_F(DirectoryBackend, ShapefilesSegdAndFdmAreServed) {
   std::string const dir = m_root + "/maps";
   ::mkdir(dir.c_str(), 0700);
   write(dir + "/wells.geojson", R"({"type":"FeatureCollection","features":[
@@ -89,7 +83,8 @@ TEST_F(DirectoryBackend, ShapefilesAreServed) {
                           "/wells.geojson && rm " + dir + "/wells.geojson && cd " + dir +
                           " && for e in shp shx dbf prj; do cp wells.$e UP.$(echo $e | tr a-z A-Z); done";
   ASSERT_EQ(0, std::system(cmd.c_str())) << "GDAL's ogr2ogr is needed: run scripts/install-deps";
-  vHandle<Project> project = openProject(newCatalog(), "maps");
+  vHandle<ProjectCatalog> catalog = newCatalog();
+  vHandle<Project> project = openProject(catalog, "maps");
   EXPECT_EQ((std::vector<std::string>{"up.1", "wells.1"}), names(*project->getStoreList("", "")));
   EXPECT_EQ((std::vector<std::string>{"up.1", "wells.1"}), names(*project->getStoreList("shapes", "")));
   ClientAttributeSet up(project);
@@ -103,75 +98,63 @@ TEST_F(DirectoryBackend, ShapefilesAreServed) {
   wells.read(name, 2, 2);
   EXPECT_EQ((std::vector<double>{1250.5, 980.25}), (std::vector<double>{depth.getFloat64(1), depth.getFloat64(2)}));
   EXPECT_EQ("W2", std::string(name.getString(1).c_str()));
-}
 
-// SEG-D records by their extensions.
-TEST_F(DirectoryBackend, SegdFilesAreServed) {
-  std::string const dir = m_root + "/field";
-  ::mkdir(dir.c_str(), 0700);
-  ASSERT_TRUE(segd_testing::writeSegd(dir + "/shot.segd", "--format 8015 --traces 5 --ffid 77"));
-  ASSERT_TRUE(segd_testing::writeSegd(dir + "/gap.dsegd", "--traces 2"));
-  vHandle<Project> project = openProject(newCatalog(), "field");
+  std::string const field = m_root + "/field";
+  ::mkdir(field.c_str(), 0700);
+  ASSERT_TRUE(segd_testing::writeSegd(field + "/shot.segd", "--format 8015 --traces 5 --ffid 77"));
+  ASSERT_TRUE(segd_testing::writeSegd(field + "/gap.dsegd", "--traces 2"));
+  std::string const fdm =
+      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + field + "/rms.fdm '>'";
+  ASSERT_EQ(0, std::system(fdm.c_str()));
+  project = openProject(catalog, "field");
   EXPECT_EQ((std::vector<std::string>{"gap.1", "shot.1"}), names(*project->getStoreList("seismic", "")));
+  EXPECT_EQ((std::vector<std::string>{"rms.1"}), names(*project->getStoreList("velocity", "")));
   ClientAttributeSet shot(project);
   shot.open("shot", 1, "", "", nullptr);
   Attribute trace = shot.getAttribute("TRACE");
   shot.read(trace, std::vector<unsigned int>{4, 2});
   EXPECT_EQ(-500.125f, trace.getFloat32Pointer(1)[0]);  // -(4000 + 1) / 8
   EXPECT_EQ(segd_testing::writtenSample(2, 256), trace.getFloat32Pointer(2)[255]);
-}
-
-// FDM volumes are velocity stores of a directory project, known by their
-// extension.
-TEST_F(DirectoryBackend, FdmVolumesAreServed) {
-  std::string const dir = m_root + "/velocities";
-  ::mkdir(dir.c_str(), 0700);
-  std::string const cmd =
-      "/usr/bin/python3 " RONDO_TEST_SOURCE_DIR "/filestore/fdm/testdata/fdm_fixture.py " + dir + "/rms.fdm '>'";
-  ASSERT_EQ(0, std::system(cmd.c_str()));
-  vHandle<Project> project = openProject(newCatalog(), "velocities");
-  EXPECT_EQ((std::vector<std::string>{"rms.1"}), names(*project->getStoreList("velocity", "")));
   ClientAttributeSet rms(project);
   rms.open("rms", 1, "", "", nullptr);
-  Attribute trace = rms.getAttribute("VELTRACE.DEFAULT");
-  rms.read(trace, 6, 7);
+  Attribute velocity = rms.getAttribute("VELTRACE.DEFAULT");
+  rms.read(velocity, 6, 7);
   // Crossline index 1 and 2 of inline index 1, sample 3.
-  EXPECT_EQ(1123.0f, trace.getFloat32Pointer(2)[3]);
+  EXPECT_EQ(1123.0f, velocity.getFloat32Pointer(2)[3]);
 }
 
-TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
+// Projects, stores, the refusals of bad input, and answers that are the
+// store's own bytes, on one server (after one that has no root).
+TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
+  {
+    ScopedEnv unset("SP_DATASERVER_ROOT", nullptr);
+    EXPECT_EQ(said("The data server has no project directory: set the system property ROOT of section DATASERVER "
+                   "(SP_DATASERVER_ROOT)."),
+              fatalText([&] { newCatalog(); }));
+  }
   vHandle<ProjectCatalog> catalog = newCatalog();
-  std::vector<std::string> projects;
-  vHandle<ProjectList> const list = catalog->getProjectList();
-  for (ProjectListEntry const& e : *list) projects.push_back(e.getName().c_str());
-  EXPECT_EQ((std::vector<std::string>{"other", "survey"}), projects);
+  EXPECT_EQ((std::vector<std::string>{"other", "survey"}), names(*catalog->getProjectList()));
 
   vHandle<Project> project = openProject(catalog, "survey");
   std::vector<std::string> const all = {"cut.1", "empty.1", "escaped.1", "keyed.1", "line1.1"};
   EXPECT_EQ(all, names(*project->getStoreList("", "")));
   EXPECT_EQ(all, names(*project->getStoreList("SEISMIC", "")));
-  int skipped = 0;
-  for (std::string const& line : serverLines())
-    skipped += line == "project survey: file line1.sgy skipped, store line1 is file line1.SGY";
-  EXPECT_EQ(1, skipped);
+  std::vector<std::string> const log = serverLines();
+  EXPECT_EQ(1, std::count(log.begin(), log.end(),
+                          "project survey: file line1.sgy skipped, store line1 is file line1.SGY"));
 
   // Each refusal is the server's answer; the session goes on.
   auto openSet = [&](char const* store) {
     ClientAttributeSet set(project);
     set.open(store, 0, "", "", nullptr);
   };
-  struct Case {
-    std::function<void()> act;
-    std::string expected;
-  } const cases[] = {
-      {[&] { openProject(catalog, "survey/x"); }, said("'survey/x' is not a project name: a name holds no '/' and no '..'.")},
-      {[&] { openProject(catalog, "escape"); },
-       said("There is no project escape: the data server's directory " + m_root + " has no such subdirectory.")},
-      {[&] { openSet("link"); }, said("Store link version 0 is not in project survey.")},
-      {[&] { openSet("escaped"); },
-       said("The format file escaped.syf of store escaped is not a file within the data server's directory.")},
-  };
-  for (Case const& c : cases) EXPECT_EQ(c.expected, fatalText(c.act));
+  EXPECT_EQ(said("'survey/x' is not a project name: a name holds no '/' and no '..'."),
+            fatalText([&] { openProject(catalog, "survey/x"); }));
+  EXPECT_EQ(said("There is no project escape: the data server's directory " + m_root + " has no such subdirectory."),
+            fatalText([&] { openProject(catalog, "escape"); }));
+  EXPECT_EQ(said("Store link version 0 is not in project survey."), fatalText([&] { openSet("link"); }));
+  EXPECT_EQ(said("The format file escaped.syf of store escaped is not a file within the data server's directory."),
+            fatalText([&] { openSet("escaped"); }));
 
   ClientAttributeSet line(project);
   line.open("line1", 0, "", "", nullptr);
@@ -197,39 +180,10 @@ TEST_F(DirectoryBackend, ProjectsStoresAndBadInput) {
   EXPECT_EQ(said("Failed to read instance 3"), fatalText([&] { cut.read(trace, 3, 4); }));
   line.read(cmp, 1, 1);
   EXPECT_EQ(segy_testing::goldenHeader(1, 20), cmp.getInt32(1));
-}
 
-TEST_F(DirectoryBackend, NoRootIsTheServersAnswer) {
-  ScopedEnv unset("SP_DATASERVER_ROOT", nullptr);
-  EXPECT_EQ(said("The data server has no project directory: set the system property ROOT of section DATASERVER "
-                 "(SP_DATASERVER_ROOT)."),
-            fatalText([&] { newCatalog(); }));
-}
-
-// A remote object that sends what it is given and keeps the reply.
-class RawCOB : public COB {
- public:
-  RawCOB(char const* type, COB* parent) : COB(vString(type), parent) {}
-  void doCommsReinitialize() override {}
-  // The reply's bytes, or the server's reason.
-  std::string call(int code, std::function<void(Packer&)> const& arguments) {
-    Packer p(100);
-    p.pack(static_cast<int32_t>(code));
-    if (arguments) arguments(p);
-    std::string const failure = fatalText([&] { ASSERT_EQ(CommChan::OK, sendAndReceive(p)); });
-    if (failure != kNothing) return failure;
-    unsigned char const* bytes = nullptr;
-    int size = 0;
-    p.getBuffer(&bytes, size, getID());
-    return std::string(reinterpret_cast<char const*>(bytes), static_cast<size_t>(size));
-  }
-};
-
-TEST_F(DirectoryBackend, AnswersAreTheStoresOwnBytes) {
-  vHandle<ProjectCatalog> catalog = newCatalog();
-  vHandle<Project> project = openProject(catalog, "survey");
-  RawCOB set("AttributeSet", dynamic_cast<COB*>(project.get()));
-  std::string const opened = set.call(ClientCode::Open, [](Packer& p) {
+  // The answers to reads are the bytes of the store's own reads.
+  BareCOB set("AttributeSet", dynamic_cast<COB*>(project.get()));
+  std::string const opened = set.reply(ClientCode::Open, [](Packer& p) {
     p.pack(vString("line1"));
     p.pack(static_cast<int32_t>(1));
     p.pack(vString(""));
@@ -241,52 +195,32 @@ TEST_F(DirectoryBackend, AnswersAreTheStoresOwnBytes) {
       StoreFactory::openStore(StoreDescription(vFilename((m_root + "/survey/line1.SGY").c_str())), "", nullptr);
   Store& s = *local;
 
-  auto range = [](char const* t, unsigned a, unsigned b) {
-    return [=](Packer& p) {
-      p.pack(vString(t));
-      p.pack(static_cast<uint32_t>(a));
-      p.pack(static_cast<uint32_t>(b));
-    };
-  };
-  auto read = [&](char const* t, unsigned a, unsigned b) {
-    return [&s, t, a, b](Packer& out) {
-      Attribute x = s.getAttribute(t);
-      s.read(x, a, b);
-      out.pack(x);
-    };
-  };
-  // Reads of many instances go below in pieces; the other messages are the
-  // same for every back end and run in the client's shared suite.
-  struct Case {
-    int code;
-    std::function<void(Packer&)> request;
-    std::function<void(Packer&)> answer;
-  } const cases[] = {
-      {ClientCode::ReadRange, range("CMP", 2499, 2509), read("CMP", 2499, 2509)},
-      {ClientCode::ReadRange, range("CMP", 2, 2500), read("CMP", 2, 2500)},
-      {ClientCode::ReadRange, range("TRACE", 1, 1001), read("TRACE", 1, 1001)},
-      {ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); },
-       [&](Packer&) { s.addInstances(2); }},
-  };
-  int bytesCompared = 0;
-  for (Case const& c : cases) {
+  // Large reads go in pieces; other messages: the client's shared suite.
+  struct Read {
+    char const* name;
+    uint32_t first, last;
+  } const reads[] = {{"CMP", 2499, 2509}, {"CMP", 2, 2500}, {"TRACE", 1, 1001}};
+  for (Read const& r : reads) {
     Packer expected(100);
-    expected.pack(static_cast<int32_t>(c.code));
-    std::string const failure = fatalText([&] { c.answer(expected); });
-    std::string want;
-    if (failure != kNothing) {
-      want = said(failure.substr(failure.find(": ") + 2));
-    } else {
-      unsigned char const* bytes = nullptr;
-      int size = 0;
-      expected.getBuffer(&bytes, size, set.getID());
-      ++bytesCompared;
-      want = std::string(reinterpret_cast<char const*>(bytes), static_cast<size_t>(size));
-    }
-    EXPECT_EQ(want, set.call(c.code, c.request)) << c.code;
+    expected.pack(static_cast<int32_t>(ClientCode::ReadRange));
+    std::string const failure = fatalText([&] {
+      Attribute x = s.getAttribute(r.name);
+      s.read(x, r.first, r.last);
+      expected.pack(x);
+    });
+    // The store refuses the read past its end.
+    EXPECT_EQ(r.last > 2500, failure != kNothing) << failure;
+    EXPECT_EQ(failure != kNothing ? said(failure.substr(failure.find(": ") + 2)) : bytesOf(expected, set.getID()),
+              set.reply(ClientCode::ReadRange, [&r](Packer& p) {
+                p.pack(vString(r.name));
+                p.pack(r.first);
+                p.pack(r.last);
+              }))
+        << r.first;
   }
-  // The store refuses the write and the read past its end.
-  EXPECT_EQ(2, bytesCompared);
+  std::string const refused = fatalText([&] { s.addInstances(2); });
+  EXPECT_EQ(said(refused.substr(refused.find(": ") + 2)),
+            set.reply(ClientCode::AddInstances, [](Packer& p) { p.pack(static_cast<uint32_t>(2)); }));
 }
 
 }  // namespace

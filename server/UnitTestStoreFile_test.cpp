@@ -18,8 +18,6 @@ using namespace remote_testing;
 
 namespace {
 
-std::string said(std::string const& text) { return "COBPortal::myMessage: Server said:-o " + text; }
-
 // Picks keyed by POINT, with a float64 DEPTH and a property.
 void writePicks(std::string const& file, unsigned int count = 3) {
   InMemoryStore store{vHandle<Project>()};
@@ -38,66 +36,52 @@ void writePicks(std::string const& file, unsigned int count = 3) {
 
 class UnitTestStoreFile : public ClientTest {};
 
-TEST_F(UnitTestStoreFile, AStoreWithAFileIsServedWithItsData) {
+// One server holds stores with files and without, versions of one store,
+// and files that cannot be had.
+TEST_F(UnitTestStoreFile, StoresWithFilesAreServedWithTheirData) {
   // A file name may hold ':' itself: everything after the third one is it.
-  std::string const file = m_dir.file("picks:v1.store");
-  writePicks(file);
-  ScopedEnv stores("RONDO_UNITTEST_STORES", ("picks.2:horizon::" + file + " plain.1:seismic:2d").c_str());
+  std::string const file = m_dir.file("picks:v2.store");
+  writePicks(m_dir.file("v1.store"), 3);
+  writePicks(file, 5);
+  std::string const missing = m_dir.file("nowhere/gone.store");
+  std::string const empty = m_dir.file("empty.store");
+  std::ofstream(empty).close();
+  ScopedEnv stores("RONDO_UNITTEST_STORES", ("picks.1:horizon::" + m_dir.file("v1.store") + " picks.2:horizon::" +
+                                             file + " plain.1:seismic:2d gone.1:seismic:2d:" + missing +
+                                             " hollow.1:seismic:2d:" + empty).c_str());
   vHandle<Project> project = openProject(newCatalog(), "survey");
 
   // The project lists the scripted class; the data set has the file's.
-  EXPECT_STREQ("picks.2", project->getStoreList("horizon", "")->front().c_str());
-
+  EXPECT_EQ((std::vector<std::string>{"picks.1", "picks.2"}), names(*project->getStoreList("horizon", "")));
   ClientAttributeSet set(project);
   set.open("picks", 2, "", "", nullptr);
   EXPECT_STREQ("mapdata", set.getClass().c_str());
   EXPECT_STREQ("POINT", set.getKeyList().begin()->getName().c_str());
   ASSERT_TRUE(set.hasProperty(vUCString("SURVEY")));
   EXPECT_STREQ("north", set.findProperty(vUCString("SURVEY"))->getString().c_str());
-
   Attribute depth = set.getAttribute("DEPTH");
   set.read(depth, 1, 3);
   for (unsigned int i = 1; i <= 3; ++i) EXPECT_EQ(1000.0 + 0.125 * i, depth.getFloat64(i)) << i;
-  set.close();
+
+  // Version 0 is the newest; each opens while another is open too.
+  std::vector<std::pair<int, unsigned int>> const versions = {{1, 3}, {0, 5}, {1, 3}};
+  std::vector<vHandle<ClientAttributeSet>> open;
+  for (auto const& v : versions) {
+    open.emplace_back(new ClientAttributeSet(project));
+    open.back()->open("picks", v.first, "", "", nullptr);
+    EXPECT_EQ(v.second, open.back()->getNInstances()) << v.first;
+  }
 
   // A store without a file is still made empty.
   ClientAttributeSet plain(project);
   plain.open("plain", 1, "", "", nullptr);
   EXPECT_EQ(0u, plain.getNInstances());
-}
 
-TEST_F(UnitTestStoreFile, VersionsOfOneStoreKeepTheirOwnData) {
-  writePicks(m_dir.file("v1.store"), 3);
-  writePicks(m_dir.file("v2.store"), 5);
-  ScopedEnv stores("RONDO_UNITTEST_STORES",
-                   ("picks.1:horizon::" + m_dir.file("v1.store") + " picks.2:horizon::" + m_dir.file("v2.store")).c_str());
-  vHandle<Project> project = openProject(newCatalog(), "survey");
-  // Version 0 is the newest; each open while another is open too.
-  struct Case {
-    int version;
-    unsigned int instances;
-  } const cases[] = {{1, 3}, {0, 5}, {1, 3}};
-  std::vector<vHandle<ClientAttributeSet> > open;
-  for (Case const& c : cases) {
-    open.emplace_back(new ClientAttributeSet(project));
-    open.back()->open("picks", c.version, "", "", nullptr);
-    EXPECT_EQ(c.instances, open.back()->getNInstances()) << c.version;
-  }
-}
-
-TEST_F(UnitTestStoreFile, AFileThatCannotBeHadOrWrittenFails) {
-  std::string const missing = m_dir.file("nowhere/gone.store");
-  std::string const empty = m_dir.file("empty.store");
-  std::ofstream(empty).close();
-  ScopedEnv stores("RONDO_UNITTEST_STORES",
-                   ("gone.1:seismic:2d:" + missing + " hollow.1:seismic:2d:" + empty).c_str());
-  vHandle<Project> project = openProject(newCatalog(), "survey");
-  ClientAttributeSet gone(project);
+  ClientAttributeSet unread(project);
   EXPECT_EQ(said("Store file '" + missing + "' of store gone cannot be read."),
-            fatalText([&] { gone.open("gone", 1, "", "", nullptr); }));
-  ClientAttributeSet hollow(project);
+            fatalText([&] { unread.open("gone", 1, "", "", nullptr); }));
   EXPECT_EQ(said("Store file '" + empty + "' of store hollow is empty."),
-            fatalText([&] { hollow.open("hollow", 1, "", "", nullptr); }));
+            fatalText([&] { unread.open("hollow", 1, "", "", nullptr); }));
   // Nor can a file that cannot be written be had.
   InMemoryStore store{vHandle<Project>()};
   store.create("x", "seismic", "2d", KeyList(), nullptr);
