@@ -69,8 +69,9 @@ void ZonStoreKVS::myMustBeWriteable(char const* label) const {
   if (!myWriteable) Message::fatal(label, 0, "The store '%s' has not been opened for modification!", myName.c_str());
 }
 
-// A database column holds one value per instance; a vector is refused
-// before the memory copy takes it, so nothing is lost at close.
+// A database column holds one plain value per instance; a vector is refused
+// before the memory copy takes it, so nothing is lost at close. A one-value
+// vector is refused too: its sample rate and first time have no column.
 void ZonStoreKVS::myMustBeScalar(char const* label, Attribute const& attribute, vLCString const& store) {
   if (attribute.isVariableLength())
     Message::fatal(label, 0,
@@ -82,6 +83,11 @@ void ZonStoreKVS::myMustBeScalar(char const* label, Attribute const& attribute, 
                    "Attribute %s has %d values per instance; store %s keeps one value per instance in each "
                    "database column.",
                    attribute.getName().c_str(), attribute.getLength(), store.c_str());
+  if (attribute.isVector())
+    Message::fatal(label, 0,
+                   "Attribute %s has a sample rate of %g; store %s keeps one plain value per instance in each "
+                   "database column, without a sample rate.",
+                   attribute.getName().c_str(), attribute.getSampleRate(), store.c_str());
 }
 
 void ZonStoreKVS::myReset() {

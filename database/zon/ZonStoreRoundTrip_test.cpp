@@ -204,7 +204,7 @@ TEST_F(ZonStoreRoundTrip, SeismicAndGeometryTablesKeepTheirParameters) {
   EXPECT_EQ(3, openStore(project, "line1,seis")->findProperty(vUCString("STATUS"))->getInt32());
   // A seismic-geometry table made through a store keeps its properties in
   // the geometry group; a vector, which no column can hold, is refused as
-  // it is added.
+  // it is added, and so is a one-value vector, whose sample rate would go.
   Dataset const sgd{"sgd,1,line5", "geometry", "", {{"CDP", vINT32}, {"XVAL", vFLOAT64}}, 1, 4, "NOTE"};
   writeDataset(project, sgd);
   EXPECT_STREQ("geometry", project->getStoreDetails(sgd.name, 0).getClass().c_str());
@@ -215,6 +215,9 @@ TEST_F(ZonStoreRoundTrip, SeismicAndGeometryTablesKeepTheirParameters) {
   expectFatal([&] { geometry->addAttribute(Attribute("ELEV", "", vFLOAT64, 4)); }, "ZonStoreKVS::addAttribute",
               "Attribute ELEV has 4 values per instance; store sgd,1,line5 keeps one value per instance in each "
               "database column.");
+  expectFatal([&] { geometry->addAttribute(Attribute("PICK", "", vFLOAT32, 1, 4.0)); }, "ZonStoreKVS::addAttribute",
+              "Attribute PICK has a sample rate of 4; store sgd,1,line5 keeps one plain value per instance in each "
+              "database column, without a sample rate.");
   geometry->close();
   project->setSession();
   ds = KvsOpen(project->getSession(), KvsNmode, 1L, KvsNtype, "SGD", KvsNident, "LINE5", KvsNversion,
