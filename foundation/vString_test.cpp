@@ -231,7 +231,7 @@ TEST(vStringChange, EditsInPlace) {
 }
 
 #ifdef RONDO_TEST_ADDRESS_SPACE_CAP
-// Out of memory a string throws the specified exception, and one that cannot grow keeps its text.
+// Out of memory a string throws its own exception, and one that cannot grow keeps its text.
 TEST(vStringDeathTest, AllocationFailures) {
   EXPECT_EXIT(
       {

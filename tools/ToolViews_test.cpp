@@ -54,7 +54,7 @@ TEST(RondoViews, MappingBinSelectSortAndBadSpecsOverSegyio) {
   EXPECT_NE(std::string::npos, info.out.find("MID")) << info.out;
   EXPECT_EQ(std::string::npos, info.out.find("TRACE")) << info.out;
 
-  // A bad spec is one line and status 2.
+  // A view that cannot be read is one line and status 2.
   fs_testing::writeFile(dir / "esc.cstf", "A:int = \x1b[2J CMP\n");
   struct Case {
     char const* spec;

@@ -177,7 +177,7 @@ TEST_F(SegyStoreTest, RefusesFilesItCannotRead) {
   expectFailure([&] { store.open(described); }, "SegyDiskStore::open(StoreDescription)",
                 "Store format spec file '" + (dir / "nothere.syf") + "' doesn't exist.");
   // After all that, a file of headers alone opens, holding no traces; with
-  // no spec and nothing beside it, in the shot format.
+  // no format file given and none beside it, in the shot format.
   segy_testing::Recording recording;
   store.open(StoreDescription(vFilename(empty.c_str())));
   EXPECT_EQ(0u, store.getNInstances());
