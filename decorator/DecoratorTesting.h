@@ -206,6 +206,14 @@ vHandle<SelectOperatorBase> asBase(vHandle<T> const& op) {
   return vHandle_cast<SelectOperatorBase>(op);
 }
 
+typedef std::vector<unsigned int> List;
+
+// CDP 2 and 3 of the reference content are instances 4 to 9.
+inline vHandle<RangeOperator> cdp23() { return vHandle<RangeOperator>(new RangeOperator("cdp23", "CDP", 2, 3)); }
+inline vHandle<SelectOperatorBase> logic(char const* name, int type) {
+  return vHandle<SelectOperatorBase>(new LogicOperator(name, type));
+}
+
 // --- observing ----------------------------------------------------------------------------
 
 // Records every message and passes fatal ones on to an exception.

@@ -4,8 +4,8 @@
 // Test helpers of the system layer and the file stores above it: a scratch
 // directory removed with all it holds, small file writers, a scoped test
 // fault of the file service, a scoped environment variable, the service's
-// last failure, and checkers of failures by method and text and of errors
-// reported.
+// last failure, checkers of failures by method and text and of errors
+// reported, and the root, liveness and key-and-name structures of the ss heap.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -23,6 +23,7 @@
 #include "foundation/TestFailure.h"
 #include "foundation/UtlExcept.h"
 #include "syslayer/FSService.h"
+#include "syslayer/SSHeap.h"
 
 namespace fs_testing {
 
@@ -127,6 +128,30 @@ int quietErrors(F f) {
     f();
   }
   return Message::getNErrors() - before;
+}
+
+// --- the ss heap --------------------------------------------------------------------------
+
+inline int32_t root() {
+  int32_t r;
+  ss_init_(r);
+  return r;
+}
+
+inline bool alive(int32_t id) {
+  int32_t ok = 0;
+  ss_verify_(id, ok);
+  return ok == 1;
+}
+
+// A structure of a key and a name.
+inline int32_t leaf(int32_t parent, int32_t key, char const* name) {
+  int32_t const types[] = {SS_INT, SS_TEXT};
+  int32_t s;
+  ss_define_(s, parent, 2, types);
+  ss_putnth_(s, 1, key);
+  ss_puttext_(s, 2, name, static_cast<int32_t>(std::string(name).size()));
+  return s;
 }
 
 using ::expectFailure;

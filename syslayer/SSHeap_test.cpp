@@ -1,46 +1,24 @@
-#include <cmath>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "syslayer/FSTesting.h"
-#include "syslayer/IRRecord.h"
 #include "syslayer/SSHeap.h"
 
 namespace {
 
+using fs_testing::alive;
 using fs_testing::expectFailure;
+using fs_testing::leaf;
 using fs_testing::quietErrors;
-
-int32_t root() {
-  int32_t r;
-  ss_init_(r);
-  return r;
-}
+using fs_testing::root;
 
 // Id checking on for one test.
 struct Checking {
   Checking() { ss_[1] |= 1; }
   ~Checking() { ss_[1] &= ~1; }
 };
-
-bool alive(int32_t id) {
-  int32_t ok = 0;
-  ss_verify_(id, ok);
-  return ok == 1;
-}
-
-// A structure of a key and a name.
-int32_t leaf(int32_t parent, int32_t key, char const* name) {
-  int32_t const types[] = {SS_INT, SS_TEXT};
-  int32_t s;
-  ss_define_(s, parent, 2, types);
-  ss_putnth_(s, 1, key);
-  ss_puttext_(s, 2, name, static_cast<int32_t>(std::string(name).size()));
-  return s;
-}
 
 std::string text(int32_t id, int32_t ordinal, int32_t length) {
   std::string out(static_cast<size_t>(length), '?');
@@ -159,109 +137,6 @@ TEST(SSHeap, GrowingHeapKeepsValues) {
     ASSERT_EQ(text(ids[static_cast<size_t>(i)], 2, static_cast<int32_t>(t.size())), t);
   }
   for (int32_t s : ids) ss_delete_(s);
-}
-
-TEST(SSTree, AdoptMovesAStructureAndItsSubtree) {
-  int32_t const r = root();
-  int32_t const types[] = {SS_STRUCT, SS_ASTRUCT};
-  int32_t a, b;
-  ss_define_(a, r, 2, types);
-  ss_define_(b, r, 2, types);
-  int32_t const x = leaf(a, 1, "x");
-  ss_putnth_(a, 1, x);
-  int32_t below;
-  ss_defnth_(below, x, 2, 1, nullptr);  // x's text slot now holds a structure
-  ss_adopt_(x, b, 1);
-  int32_t v;
-  ss_getnth_(a, 1, v);
-  EXPECT_EQ(v, 0);
-  EXPECT_EQ(ss_[x + 1], b);
-  // Into an array element; what the element held goes.
-  ss_alloc_(a, 2, 2);
-  int32_t const old = leaf(a, 2, "old");
-  ss_putaword_(a, 2, 1, old);
-  ss_adoptarray_(x, a, 2, 1);
-  EXPECT_FALSE(alive(old));
-  ss_getaword_(a, 2, 1, v);
-  EXPECT_EQ(v, x);
-  // Not below itself, and never the root.
-  expectFailure([&] { ss_adopt_(a, below, 1); }, "SS_adopt", "Illegal adopt");
-  expectFailure([&] { ss_adoptarray_(x, a, 2, 3); }, "SS_adoptarray", "Illegal array ordinal");
-  ss_delete_(a);
-  ss_delete_(b);
-  EXPECT_FALSE(alive(x));
-  EXPECT_FALSE(alive(below));
-}
-
-TEST(SSTree, RemoveDetachesAndRemoverDeletesBelow) {
-  int32_t const r = root();
-  int32_t const types[] = {SS_STRUCT, SS_ASTRUCT, SS_INT};
-  int32_t t;
-  ss_define_(t, r, 3, types);
-  int32_t const c = leaf(t, 1, "c");
-  ss_putnth_(t, 1, c);
-  ss_alloc_(t, 2, 2);
-  int32_t const e1 = leaf(t, 2, "e1"), e2 = leaf(t, 3, "e2");
-  ss_putaword_(t, 2, 1, e1);
-  ss_putaword_(t, 2, 2, e2);
-  ss_remove_(c);
-  EXPECT_EQ(ss_[c + 1], 0);
-  ss_subremove_(t, 2);
-  EXPECT_FALSE(alive(e2));
-  int32_t n;
-  ss_asize_(t, 2, n);
-  EXPECT_EQ(n, 2);  // the array stays
-  ss_adopt_(c, t, 1);
-  ss_remover_(t);
-  EXPECT_FALSE(alive(c));
-  EXPECT_TRUE(alive(t));
-  expectFailure([&] { ss_remove_(r); }, "SS_remove", "Illegal remove of the root");
-  ss_delete_(t);
-}
-
-TEST(SSTree, TextsWithLengthsCodesAndTextKeys) {
-  int32_t const r = root();
-  int32_t const types[] = {SS_TEXT, SS_ATEXT, SS_CODE, SS_ASTRUCT};
-  int32_t s;
-  ss_define_(s, r, 4, types);
-  ss_puttext_(s, 1, "abcdef", 6);
-  char buf[4];
-  int32_t n;
-  ss_gettextn_(s, 1, buf, 4, n);
-  EXPECT_EQ(std::string(buf, 4), "abcd");
-  EXPECT_EQ(n, 6);
-  ss_alloc_(s, 2, 2);
-  ss_putatext_(s, 2, 2, "xy", 2);
-  ss_getatextn_(s, 2, 2, buf, 4, n);
-  EXPECT_EQ(std::string(buf, 4) + std::to_string(n), "xy  2");
-  ss_putnth_(s, 3, 77);
-  int32_t code;
-  ss_getcode_(s, 3, code);
-  EXPECT_EQ(code, 77);
-  EXPECT_EQ(quietErrors([&] { ss_getcode_(s, 1, code); }), 1);
-  EXPECT_EQ(code, 0);
-
-  ss_alloc_(s, 4, 3);
-  int32_t const keys[] = {leaf(s, 1, "alpha"), leaf(s, 2, "beta"), leaf(s, 3, "alphabet")};
-  for (int32_t e = 1; e <= 3; ++e) ss_putaword_(s, 4, e, keys[e - 1]);
-  int32_t found;
-  ss_locates_(s, 2, "alphabet", 8, found);
-  EXPECT_EQ(found, keys[2]);
-  ss_delete_(s);
-}
-
-TEST(SSTree, RawBlocks) {
-  root();
-  int32_t a, b;
-  ss_calloc_(10, a);
-  for (int i = 0; i < 10; ++i) ss_[a + i] = i + 1;
-  ss_untalloc_(a);
-  ss_balloc_(10, b);
-  EXPECT_EQ(b, a);  // the freed block comes back, zeroed
-  EXPECT_EQ(ss_[b + 3], 0);
-  ss_untalloc_(b);
-  expectFailure([&] { ss_untalloc_(b); }, "SS_untalloc", "Not an allocated block");
-  expectFailure([&] { ss_balloc_(0, b); }, "SS_balloc", "Illegal size");
 }
 
 int32_t const kLeaf[] = {SS_INT, SS_UNSET, SS_UNSET};
@@ -384,118 +259,6 @@ TEST(SSSearch, LengthBaseAndReservations) {
   ss_untalloc_(r);
   expectFailure([&] { ss_attach_(t, t, 3, w); }, "SS_attach", "Illegal adopt");
   ss_delete_(t);
-}
-
-int32_t fresh() {
-  int32_t id;
-  ir_new_(id);
-  return id;
-}
-
-std::string gett(int32_t id, int32_t index, int32_t length, int32_t& status) {
-  std::string out(static_cast<size_t>(length), '?');
-  ir_gett_(id, index, &out[0], length, status);
-  return out;
-}
-
-TEST(IRRecord, RecordsHangUnderTheRootAndScalarsConvertOnRead) {
-  int32_t root1, kind, i, status;
-  ir_init_(root1);
-  int32_t const a = fresh();
-  EXPECT_EQ(ss_[a + 1], root1);  // parent
-  // Every store sets the changed flag in word five.
-  EXPECT_EQ(ss_[a + 5], 0);
-  ir_puti_(a, 0, 1);
-  EXPECT_EQ(ss_[a + 5], 1);
-  ss_[a + 5] = 0;
-  ir_putnt_(a, 0, "abcdef", 3);
-  EXPECT_EQ(gett(a, 1, 4, status), "abc ");
-
-  int32_t const id = fresh();
-  ir_puti_(id, 0, 42);
-  double d;
-  EXPECT_EQ(gett(id, 0, 5, status), "42   ");
-
-  ir_putf_(id, 0, -2.75f);
-  ir_geti_(id, 0, i, status);
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(i, -2);  // truncated
-  EXPECT_EQ(gett(id, 0, 6, status), "-2.75 ");
-
-  ir_putd_(id, 0, 1.0 / 3.0);
-  ir_kind_(id, kind);
-  EXPECT_EQ(kind, IR_DOUBLE);
-  ir_getd_(id, 0, d, status);
-  EXPECT_EQ(d, 1.0 / 3.0);
-  EXPECT_EQ(gett(id, 0, 17, status), "0.333333333333333");
-
-  ir_putd_(id, 0, 3e10);
-  ir_geti_(id, 0, i, status);
-  EXPECT_EQ(status, 0);  // out of the integer range
-  ir_putl_(id, 0, 7);
-  ir_geti_(id, 0, i, status);
-  EXPECT_EQ(i, 1);
-  // Nothing at index 2 of a scalar.
-  ir_geti_(id, 2, i, status);
-  EXPECT_EQ(status, 0);
-}
-
-TEST(IRRecord, ArraysGrowSizeAndConvert) {
-  int32_t const id = fresh();
-  ir_puti_(id, 3, 30);
-  int32_t kind, n, status;
-  ir_kind_(id, kind);
-  ir_n_(id, n);
-  EXPECT_EQ(kind, IR_ARRAY + IR_INT);
-  EXPECT_EQ(n, 3);
-  ir_puti_(id, 1, 10);
-  ir_putf_(id, 2, 20.9f);  // converted to the array's kind
-  int32_t values[4] = {-1, -1, -1, -1};
-  ir_getisr_(id, 1, 3, values, status);
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(values[0] * 10000 + values[1] * 100 + values[2], 102030);
-  ir_getisr_(id, 2, 3, values, status);
-  EXPECT_EQ(status, 0);  // the third is past the end
-  int32_t logical[3];
-  ir_puti_(id, 2, 0);
-  ir_getlsr_(id, 1, 3, logical, status);
-  EXPECT_EQ(logical[1] * 10 + logical[2], 1);
-
-  int32_t const t = fresh();
-  ir_putt_(t, 2, "second");
-  ir_putd_(t, 1, 2.5);
-  char texts[3 * 7];
-  ir_gettsr_(t, 1, 3, texts, 7, status);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(std::string(texts, 14), "2.5    second ");
-  EXPECT_EQ(std::string(texts + 14, 7), "       ");
-
-  // A scalar sized becomes an array holding it first.
-  int32_t const s = fresh();
-  ir_putd_(s, 0, 6.5);
-  ir_setn_(s, 3);
-  ir_kind_(s, kind);
-  EXPECT_EQ(kind, IR_ARRAY + IR_DOUBLE);
-  double d;
-  ir_getd_(s, 1, d, status);
-  EXPECT_EQ(d, 6.5);
-}
-
-TEST(IRRecord, Conversions) {
-  int32_t to, status;
-  ir_convert_(IR_INT, 7, IR_FLOAT, to, status);
-  float f;
-  std::memcpy(&f, &to, sizeof f);
-  EXPECT_EQ(status, 1);
-  EXPECT_EQ(f, 7.0f);
-  double d;
-  ir_convert8_(IR_DOUBLE, -9.99, IR_INT, d, status);
-  EXPECT_EQ(d, -9.0);
-  ir_convert8_(IR_DOUBLE, 1e300, IR_FLOAT, d, status);
-  EXPECT_TRUE(std::isinf(d));
-  char text[8];
-  ir_format_(IR_FLOAT, 0.5, text, 8);
-  EXPECT_EQ(std::string(text, 8), "0.5     ");
 }
 
 }  // namespace
