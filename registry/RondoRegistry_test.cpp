@@ -27,6 +27,7 @@
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
 #include "project/AttributeSetFactory.h"
+#include "project/CapiProject.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
@@ -173,7 +174,8 @@ TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
 
 }  // namespace
 
-// Zonmesh projects are the linked database back end: the prompt lists its servers, the factories read a real kvsd.
+// Zonmesh projects are the linked database back end: Capi and the prompt give its servers, the factories read a
+// real kvsd.
 TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   registerRondoClasses();
   ZonTestDatabase db;
@@ -187,6 +189,7 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   std::string shown = testing::internal::GetCapturedStdout();
   std::cin.rdbuf(oldIn);
   EXPECT_NE(std::string::npos, shown.find("         second        zonsite\n")) << shown;
+  EXPECT_STREQ("zonsite", Capi::getDefaultCapiZonServer().c_str());
   EXPECT_NE(nullptr, dynamic_cast<ZonProjectCatalog*>(catalog.get()));
 
   vHandle<Project> project = ProjectFactory::openProject(ProjectType::ZONMESH, "zonsite", "datahost", "SURVEY7");
