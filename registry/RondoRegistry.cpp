@@ -222,8 +222,7 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("ShapefileDiskStore", {nullptr, &openShapefile, &createShapefile, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
-  ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
-  if (!files.isRegistered("offload")) files.registerExample("offload", new OffloadAttributeFile);
+  OffloadAttributeFile::registerFile(ExistingAttributeFile::getInstance());
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", &makeTranslatingDecorator);

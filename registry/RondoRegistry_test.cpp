@@ -20,6 +20,7 @@
 #include "filestore/nyx/NyxDiskStore.h"
 #include "filestore/nyx/NyxFormat.h"
 #include "filestore/nyx/NyxTesting.h"
+#include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segd/SegdTesting.h"
@@ -107,6 +108,8 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
   EXPECT_EQ(21, readInt(*store, "CDP", 3));
   Attribute cdp = store->getAttribute("CDP");
+  // Registered once; a second registration leaves the example in place.
+  OffloadAttributeFile::registerFile(ExistingAttributeFile::getInstance());
   EXPECT_EQ(12u, ExistingAttributeFile::getInstance().open(vFilename(offload.c_str()), cdp, {})->getNInstances());
 
   // FDM volumes, told how their traces are laid out.
