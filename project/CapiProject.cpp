@@ -19,6 +19,29 @@ bool Capi::disableRondoDataServer() {
 
 bool Capi::haveCapiZon() { return true; }
 
+namespace {
+
+Capi::CapiZonServers& zonServers() {
+  static Capi::CapiZonServers servers = {nullptr, nullptr};
+  return servers;
+}
+
+}  // namespace
+
+Capi::CapiZonServers Capi::registerCapiZonServers(CapiZonServers servers) {
+  CapiZonServers previous = zonServers();
+  zonServers() = servers;
+  return previous;
+}
+
+vString Capi::getDefaultCapiZonServer() {
+  return zonServers().defaultServer != nullptr ? zonServers().defaultServer() : vString();
+}
+
+void Capi::getCapiZonAvailableServers(std::list<vString>& servers) {
+  if (zonServers().availableServers != nullptr) zonServers().availableServers(servers);
+}
+
 vString Capi::getDefaultProjectString() {
   vString home = vUtl::homeDirectory();
   std::string path(home.c_str());

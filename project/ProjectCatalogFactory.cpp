@@ -20,18 +20,7 @@ std::map<vString, ProjectCatalogFactory::Maker>& makers() {
   return table;
 }
 
-ProjectCatalogFactory::ServerLister& zonServerLister() {
-  static ProjectCatalogFactory::ServerLister lister = nullptr;
-  return lister;
-}
-
 }  // namespace
-
-ProjectCatalogFactory::ServerLister ProjectCatalogFactory::registerZonServerLister(ServerLister lister) {
-  ServerLister previous = zonServerLister();
-  zonServerLister() = lister;
-  return previous;
-}
 
 std::list<vHandle<ProjectCatalog> >& ProjectCatalogFactory::myGetCache() {
   static std::list<vHandle<ProjectCatalog> > projectCache;
@@ -131,7 +120,7 @@ vHandle<ProjectCatalog> ProjectCatalogFactory::enter(ProjectType::PROJECT_TYPE t
       theServer = vUtl::enterc("KVS centre name [-l for list]", theServer);
       if (theServer != "-l") break;
       std::list<vString> servers;
-      if (zonServerLister() != nullptr) zonServerLister()(servers);
+      Capi::getCapiZonAvailableServers(servers);
       int column = 0;
       for (vString const& s : servers) {
         std::cout << std::setw(15) << s.c_str();

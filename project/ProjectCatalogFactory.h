@@ -31,7 +31,8 @@ class ProjectCatalogFactory {
   // The cached catalog of that kind on the host's cluster, or a new one.
   static vHandle<ProjectCatalog> open(ProjectType::PROJECT_TYPE type, vString const& server, vString const& host);
   // Asks on the terminal for type, server and host, starting from the
-  // default project, then create().
+  // default project, then create(). For a database project "-l" lists
+  // Capi::getCapiZonAvailableServers.
   static vHandle<ProjectCatalog> enter(ProjectType::PROJECT_TYPE type, vString const& server, vString const& host);
 
   // Sets the maker of a class and returns the one it replaces; a null maker
@@ -42,12 +43,6 @@ class ProjectCatalogFactory {
   // the caller's label.
   static ProjectCatalog* make(char const* label, vString const& className, vString const& host,
                               ProjectType::PROJECT_TYPE type, vString const& server);
-
-  // The database servers that the prompt of enter() lists on "-l": the
-  // database back end registers its own. Returns the one it replaces; with
-  // none, the list is empty.
-  typedef void (*ServerLister)(std::list<vString>& servers);
-  static ServerLister registerZonServerLister(ServerLister lister);
 
   // The number of cached catalogs.
   static unsigned int getCacheSize();

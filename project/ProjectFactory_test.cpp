@@ -207,11 +207,18 @@ std::string enterSession(std::string const& input, vHandle<ProjectCatalog>& cata
 TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
   DefaultProject guard;
   Recorder recorder;
-  // The list offered is the registered lister's (the database back end's servers).
-  ProjectCatalogFactory::ServerLister previous =
-      ProjectCatalogFactory::registerZonServerLister([](std::list<vString>& servers) {
-        for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"}) servers.push_back(centre);
-      });
+  // The list offered is the database back end's servers, as registered with
+  // Capi; with nothing registered there is no default server and no list.
+  Capi::CapiZonServers previous = Capi::registerCapiZonServers({nullptr, nullptr});
+  std::list<vString> none;
+  Capi::getCapiZonAvailableServers(none);
+  EXPECT_TRUE(none.empty());
+  EXPECT_EQ("", str(Capi::getDefaultCapiZonServer()));
+  Capi::registerCapiZonServers({[] { return vString("c3"); }, [](std::list<vString>& servers) {
+                                  for (char const* centre : {"c1", "c2", "c3", "c4", "c5", "c6", "c7"})
+                                    servers.push_back(centre);
+                                }});
+  EXPECT_EQ("c3", str(Capi::getDefaultCapiZonServer()));
   vHandle<ProjectCatalog> catalog;
   std::string output = enterSession("zon\n-l\ncentre2\nuthostZ\n", catalog, ProjectType::RONDO, "uthostY");
   EXPECT_EQ(ProjectType::ZONMESH, catalog->getProjectType());
@@ -224,7 +231,7 @@ TEST(ProjectCatalogFactory, EnterAsksForTypeServerAndHost) {
       "KVS centre name [-l for list] []: "
       "data host name [uthostY]: ",
       output);
-  ProjectCatalogFactory::registerZonServerLister(previous);
+  Capi::registerCapiZonServers(previous);
 
   // Without a type or host given, the default project's are offered.
   ProjectFactory::setDefaultProject(ProjectFactory::openProject(ProjectType::UNITTEST, "", "uthostX", "survey"));

@@ -29,6 +29,7 @@
 #include "foundation/Message.h"
 #include "project/AttributeSetFactory.h"
 #include "project/CapiMaker.h"
+#include "project/CapiProject.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
@@ -221,8 +222,7 @@ void registerRondoClasses() {
   StoreFactory::registerMakers("ShapefileDiskStore", {nullptr, &openShapefile, &createShapefile, nullptr});
   // Offload data files by their extension, for the stores that open
   // attribute files by kind.
-  ExistingAttributeFile& files = ExistingAttributeFile::getInstance();
-  if (!files.isRegistered("offload")) files.registerExample("offload", new OffloadAttributeFile);
+  OffloadAttributeFile::registerFile(ExistingAttributeFile::getInstance());
   AttributeSetFactory::registerSetMaker("InMemoryAttributeSet", &makeInMemoryAttributeSet);
   AttributeSetFactory::registerDecoratorMaker("ProfilingAttributeSetDecorator", &makeProfilingDecorator);
   AttributeSetFactory::registerDecoratorMaker("TranslatingAttributeSetDecorator", &makeTranslatingDecorator);
@@ -235,10 +235,10 @@ void registerRondoClasses() {
   ProjectCatalogFactory::registerMaker("ClientProjectCatalog", &makeClientCatalog);
   ProjectFactory::registerMaker("ClientProject", &makeClientProject);
   // Projects of type Zonmesh live in a database that this process reaches
-  // itself, through the Kvs library; the prompt lists its servers.
+  // itself, through the Kvs library; Capi answers with its servers.
   ProjectCatalogFactory::registerMaker("ZonProjectCatalog", &makeZonCatalog);
   ProjectFactory::registerMaker("ZonProject", &makeZonProject);
-  ProjectCatalogFactory::registerZonServerLister(&CapiZonFactory::getAvailableServers);
+  Capi::registerCapiZonServers({&CapiZonFactory::getDefaultServer, &CapiZonFactory::getAvailableServers});
   StoreFactory::registerMakers("ZonStore", {&makeZonStore, nullptr, nullptr, &createServedZonStore});
   CapiMaker::registerAttributeSetMaker(&makeZonSet);
   AttributeSetFactory::registerSetMaker("ClientAttributeSet", &makeClientAttributeSet);

@@ -20,6 +20,7 @@
 #include "filestore/nyx/NyxDiskStore.h"
 #include "filestore/nyx/NyxFormat.h"
 #include "filestore/nyx/NyxTesting.h"
+#include "filestore/offload/OffloadAttributeFile.h"
 #include "filestore/offload/OffloadDiskStore.h"
 #include "filestore/segd/SegdDiskStore.h"
 #include "filestore/segd/SegdTesting.h"
@@ -27,6 +28,7 @@
 #include "filestore/segy/SegyTesting.h"
 #include "foundation/TestReleaseTree.h"
 #include "project/AttributeSetFactory.h"
+#include "project/CapiProject.h"
 #include "project/ProjectCatalogFactory.h"
 #include "project/ProjectFactory.h"
 #include "project/StoreFactory.h"
@@ -106,6 +108,8 @@ TEST(RondoRegistryFiles, FilesOpenAsTheStoresOfTheirFormat) {
   ASSERT_NE(nullptr, dynamic_cast<OffloadDiskStore*>(store.get()));
   EXPECT_EQ(21, readInt(*store, "CDP", 3));
   Attribute cdp = store->getAttribute("CDP");
+  // Registered once; a second registration leaves the example in place.
+  OffloadAttributeFile::registerFile(ExistingAttributeFile::getInstance());
   EXPECT_EQ(12u, ExistingAttributeFile::getInstance().open(vFilename(offload.c_str()), cdp, {})->getNInstances());
 
   // FDM volumes, told how their traces are laid out.
@@ -173,7 +177,8 @@ TEST(RondoRegistryNyx, TheFinderPicksTheMappingThatGivesGroups) {
 
 }  // namespace
 
-// Zonmesh projects are the linked database back end: the prompt lists its servers, the factories read a real kvsd.
+// Zonmesh projects are the linked database back end: Capi and the prompt give its servers, the factories read a
+// real kvsd.
 TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   registerRondoClasses();
   ZonTestDatabase db;
@@ -187,6 +192,7 @@ TEST(RondoRegistryZon, ZonmeshProjectsAreTheLinkedDatabaseBackEnd) {
   std::string shown = testing::internal::GetCapturedStdout();
   std::cin.rdbuf(oldIn);
   EXPECT_NE(std::string::npos, shown.find("         second        zonsite\n")) << shown;
+  EXPECT_STREQ("zonsite", Capi::getDefaultCapiZonServer().c_str());
   EXPECT_NE(nullptr, dynamic_cast<ZonProjectCatalog*>(catalog.get()));
 
   vHandle<Project> project = ProjectFactory::openProject(ProjectType::ZONMESH, "zonsite", "datahost", "SURVEY7");

@@ -78,8 +78,18 @@ int KvsSelect(KvsObject dataset);
 int KvsTest(KvsObject dataset);
 int KvsProtect(KvsObject dataset);
 int KvsRelease(KvsObject dataset);
+// On success the session keeps the server's pid (KvsNspid), whether the
+// connection is to a remote site (KvsNremote) and the site it reached
+// first (KvsNdatasite).
 int KvsConnect(KvsObject session);
 int KvsDisconnect(KvsObject session);
+// The database listener, host and port, that a connection reported last;
+// blank and 0 while none has. Returns 0.
+int KvsGetOracleHost(std::string& host, long* port);
+// Replies may carry the server's two time figures: their sum over the
+// process, and the seconds from the request to the last such reply.
+extern double KvsDeltaT;
+extern double kvsExchangeTime;
 int KvsDefQuery(KvsObject dataset, const char* domain, const char* text);
 int KvsUndefQuery(KvsObject dataset);
 int KvsGetTree(KvsObject session, std::vector<std::string>& idents);

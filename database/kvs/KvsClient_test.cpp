@@ -82,8 +82,11 @@ struct KvsClient : KvsServed {
 
 TEST_F(KvsClient, TablesRoundTripSurviveRestartAndFailWhenCut) {
   const char* project = nullptr;
-  KvsGet(session, KvsNproject, &project, 0L);
-  EXPECT_STREQ(project, "proj");
+  const char* site = nullptr;
+  long remote = -1;
+  KvsGet(session, KvsNproject, &project, KvsNdatasite, &site, KvsNremote, &remote, 0L);
+  // The daemon serves the site asked for, as a local one.
+  EXPECT_EQ(std::string(project) + "|" + site + "|" + std::to_string(remote), "proj|siteA|0");
   KvsObject ds = writeShots("L1", 20000);  // columns of several pages and chunks
   ASSERT_EQ(KvsReplace(ds), 0) << KvsErrorString();
   EXPECT_TRUE(logged("%I SEIS L1 v1 for SHOTS successfully replaced"));

@@ -13,6 +13,7 @@
 
 #include "database/kvs/Kvs.h"
 #include "database/kvs/KvsMsg.h"
+#include "database/kvs/KvsRef.h"
 #include "database/kvs/KvsSocket.h"
 #include "database/kvs/KvsTestPeer.h"
 
@@ -180,4 +181,61 @@ TEST(KvsFault, LibraryRefusesBadRepliesAndSendsRecordsAsLaidOut) {
   EXPECT_EQ(field(array, 256, 10) + field(array, 288, 10), "        76        19");
   EXPECT_EQ(array.text(304, 8) + "|" + array.text(312, 8), "FLT|%g");
   EXPECT_EQ(array.text(352, 16) + "|" + array.text(368, 16), "-7.5|9.5");
+}
+
+// What a connection's reply tells the client, and the server's time
+// figures that any reply may carry; a connection that fails has still
+// noted the site it went to first.
+TEST(KvsFault, ConnectKeepsWhatTheReplyTellsAndRepliesCarryTimes) {
+  KvsScratch scratch;
+  KvsTestCapture();
+  setenv("KVSPROJ", "proj@siteA:srv9", 1);
+  std::string host = "x";
+  long port = -1;
+  KvsGetOracleHost(host, &port);
+  EXPECT_EQ(host + "|" + std::to_string(port), "|0");
+  KvsMsg connect;
+  double const before = KvsDeltaT;
+  std::vector<std::string> idents;
+  {
+    FakeServer peer([&](int fd) {
+      ASSERT_EQ(KvsSkRead(fd, connect.b, KvsMsgSize), 512);
+      KvsMsg m = connect;
+      m.setText(KvsMsgPid, 8, "4242");
+      m.setNum(KvsMsgHdr2, 1), m.setHdr1(4, "siteB"), m.setNum(KvsMsgHdr2 + 32, 1521), m.setHdr2(4, "orahost");
+      KvsSkWrite(fd, m.b, KvsMsgSize);
+      for (unsigned char flags : {0x81, 0x7F}) {  // two lists of idents, the first reply timed
+        ASSERT_EQ(KvsSkRead(fd, m.b, KvsMsgSize), 512);
+        m.b[KvsMsgObject] = 'E', m.b[KvsMsgFlags] = flags;
+        m.setNum(KvsMsgHdr1, 3), m.setHdr1(1, "0.25");
+        KvsSkWrite(fd, m.b, KvsMsgSize);
+      }
+    });
+    ASSERT_EQ(KvsInit(), 0);
+    kvsExchangeTime = -1;
+    ASSERT_EQ(KvsGetTree(KvsFirst(KvsRoot()), idents), 0);
+    EXPECT_EQ(KvsDeltaT - before, 3.25);
+    EXPECT_GE(kvsExchangeTime, 0);
+    kvsExchangeTime = -1;
+    ASSERT_EQ(KvsGetTree(KvsFirst(KvsRoot()), idents), 0);
+    EXPECT_EQ(KvsDeltaT - before, 3.25);
+    EXPECT_EQ(kvsExchangeTime, -1);
+  }
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(connect.b + 120), 2), "\1C");
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(connect.b + 192), 64),
+            std::string("siteA:srv9") + std::string(54, '\0'));
+  KvsObject session = KvsFirst(KvsRoot());
+  long pid = 0, remote = 0;
+  const char* first = nullptr;
+  KvsGet(session, KvsNspid, &pid, KvsNremote, &remote, KvsNdatasite, &first, 0L);
+  EXPECT_EQ(std::to_string(pid) + "|" + std::to_string(remote) + "|" + first, "4242|1|siteB");
+  char padded[10];
+  kvsStrLen[0] = sizeof padded;
+  EXPECT_EQ(kvsgetoraclehost_(padded, &port), 0);
+  EXPECT_EQ(std::string(padded, sizeof padded) + "|" + std::to_string(port), "orahost   |1521");
+  // The peer is gone.
+  KvsSet(session, KvsNsite, "siteC:srv2", 0L);
+  EXPECT_EQ(KvsConnect(session), 9);
+  KvsGet(session, KvsNdatasite, &first, 0L);
+  EXPECT_STREQ(first, "siteC");
 }

@@ -48,6 +48,8 @@ struct KvsSessionRec : KvsObjectRec {
   int port = 4100;
   std::string server, base, site, user, host;
   int serverPid = 0;
+  long remote = 0;        // non-zero: the connection reaches a remote site
+  std::string firstSite;  // the site the connection went to first
   bool redirected = false;
   std::vector<unsigned char> buf = std::vector<unsigned char>(64000);
   KvsMsg msg;

@@ -160,6 +160,12 @@ int kvsrelease_(KvsObject* o) { return KvsRelease(at(o)); }
 int kvscheck_(KvsObject* o) { return KvsCheck(at(o)); }
 int kvsconnect_(KvsObject* o) { return KvsConnect(at(o)); }
 int kvsdisconnect_(KvsObject* o) { return KvsDisconnect(at(o)); }
+int kvsgetoraclehost_(char* host, long* port) {
+  std::string h;
+  int rc = KvsGetOracleHost(h, port);
+  padTo(h.c_str(), host, kvsStrLen[0]);
+  return rc;
+}
 int kvsclean_(KvsObject* o) { return KvsClean(at(o)); }
 int kvsfill_(KvsObject* o) { return KvsFill(at(o)); }
 int kvsgroup_(KvsObject* o) { return KvsGroup(at(o)); }

@@ -45,6 +45,8 @@ int kvsrelease_(kvs::KvsObject* o);
 int kvscheck_(kvs::KvsObject* o);
 int kvsconnect_(kvs::KvsObject* o);
 int kvsdisconnect_(kvs::KvsObject* o);
+// The host blank-padded into a buffer of length kvsStrLen[0].
+int kvsgetoraclehost_(char* host, long* port);
 int kvsclean_(kvs::KvsObject* o);
 int kvsfill_(kvs::KvsObject* o);
 int kvsgroup_(kvs::KvsObject* o);

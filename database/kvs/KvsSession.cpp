@@ -2,6 +2,7 @@
 
 #include <fnmatch.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,7 +30,33 @@ void dump(const KvsMsg& m, const char* title, int level) {
   if (kvsSkDebug > level) std::fputs(KvsMsgDump(m, title).c_str(), stderr);
 }
 
+// The database listener that the last connection reported.
+std::string oracleHost;
+long oraclePort = 0;
+
+// When the last request record left, for the time of its exchange.
+std::chrono::steady_clock::time_point requestSent;
+
+void noteSent() { requestSent = std::chrono::steady_clock::now(); }
+
+// A reply whose flags have bit 7 set carries the server's two time figures.
+void noteReply(const KvsMsg& m) {
+  dump(m, "REPLY", 1);
+  if (!(m.b[KvsMsgFlags] & 0x80)) return;
+  KvsDeltaT += std::atof(m.hdr1(0).c_str()) + std::atof(m.hdr1(1).c_str());
+  kvsExchangeTime = std::chrono::duration<double>(std::chrono::steady_clock::now() - requestSent).count();
+}
+
 }  // namespace
+
+double KvsDeltaT = 0;
+double kvsExchangeTime = 0;
+
+int KvsGetOracleHost(std::string& host, long* port) {
+  host = oracleHost;
+  if (port) *port = oraclePort;
+  return 0;
+}
 
 void KvsMsgInit(KvsSessionRec* s, char command) {
   KvsMsg& m = s->msg;
@@ -71,7 +98,10 @@ int KvsConnect(KvsObject o) {
   auto* s = static_cast<KvsSessionRec*>(o);
   for (;;) {
     KvsMsgInit(s, 'C');
-    if (!s->site.empty()) s->msg.setText(192, 64, s->site, 63);
+    if (!s->site.empty()) {
+      s->msg.setText(192, 64, s->site, 63);
+      s->firstSite = s->site.substr(0, s->site.find(':'));
+    }
     KvsSessionDrop(s);
     s->fd = KvsSkConnect(s->server, s->port, 0);
     if (s->fd < 0) return KvsSessionLog(9, s);
@@ -80,14 +110,21 @@ int KvsConnect(KvsObject o) {
       KvsSessionDrop(s);
       return KvsSessionLog(5, s);
     }
+    noteSent();
     if (KvsSkRead(s->fd, s->msg.b, KvsMsgSize) != long(KvsMsgSize)) {
       KvsSessionDrop(s);
       return KvsSessionLog(4, s);
     }
-    dump(s->msg, "REPLY", 1);
+    noteReply(s->msg);
     int status = s->msg.status();
     if (status == 0) {
       s->serverPid = std::atoi(s->msg.text(KvsMsgPid, 8).c_str());
+      s->remote = s->msg.num(KvsMsgHdr2);
+      s->firstSite = s->msg.hdr1(4);
+      if (s->msg.num(KvsMsgHdr2 + 32) > 0) {
+        oraclePort = s->msg.num(KvsMsgHdr2 + 32);
+        oracleHost = s->msg.hdr2(4);
+      }
       return 0;
     }
     if (s->msg.command() == 'A' && !s->redirected) {
@@ -132,6 +169,7 @@ int KvsMsgsend(KvsSessionRec* s) {
     KvsSessionDrop(s);
     return KvsSessionLog(5, s);
   }
+  noteSent();
   return 0;
 }
 
@@ -143,7 +181,7 @@ int KvsMsgrecv(KvsSessionRec* s) {
     KvsSessionLog(4, s);
     return -1;
   }
-  dump(s->msg, "REPLY", 1);
+  noteReply(s->msg);
   return s->msg.status();
 }
 

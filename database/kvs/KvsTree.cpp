@@ -394,6 +394,8 @@ int KvsGet(KvsObject o, const std::vector<KvsArg>& ps) {
           auto* se = static_cast<KvsSessionRec*>(o);
           if (code == KvsNsocket) v = se->fd, isLong = true;
           if (code == KvsNspid) v = se->serverPid, isLong = true;
+          if (code == KvsNremote) v = se->remote, isLong = true;
+          if (code == KvsNdatasite) s = &se->firstSite;
           if (code == KvsNsite) s = &se->site;
           if (code == KvsNserver) s = &se->server;
         }

@@ -7,6 +7,7 @@
 
 #include "attribute/AttributeDefinition.h"
 #include "filestore/disk/AttributeSetIndexingTable.h"
+#include "filestore/disk/ExistingAttributeFile.h"
 #include "filestore/offload/OffloadCompression.h"
 #include "foundation/Message.h"
 #include "foundation/SystemPropertyManager.h"
@@ -60,6 +61,12 @@ OffloadAttributeFile::OffloadAttributeFile(vFilename const& name, OpenOptions op
   m_options = options;
   m_update = options.getUpdate();
   restoreMute = options.getRestoreMute();
+}
+
+void OffloadAttributeFile::registerFile(ExistingAttributeFile& files) {
+  std::unique_ptr<OffloadAttributeFile> example(new OffloadAttributeFile);
+  vString const name = example->getRegistrationName();
+  if (!files.isRegistered(name)) files.registerExample(name, example.release());
 }
 
 OffloadAttributeFile::~OffloadAttributeFile() {

@@ -48,6 +48,7 @@
 #include "syslayer/FS.h"
 
 class AttributeSetIndexingTable;
+class ExistingAttributeFile;
 
 class OffloadAttributeFile : public AttributeFile {
  public:
@@ -63,6 +64,10 @@ class OffloadAttributeFile : public AttributeFile {
   OffloadAttributeFile();
   explicit OffloadAttributeFile(vFilename const& name, OpenOptions options = OpenOptions());
   ~OffloadAttributeFile() override;
+  // Puts one example into the register under getRegistrationName(), so that
+  // offload files open there by their extension. The register refuses a
+  // second example, so a call when the name is already there leaves it.
+  static void registerFile(ExistingAttributeFile& files);
 
   vFilename getName() const override { return m_fileName; }
   // Byte offset in a record; -1 for a computed attribute.
