@@ -104,13 +104,21 @@ int writeTable(char const* server, char const* project, std::string const& ident
   return 0;
 }
 
+// A row count is a whole number 1..2^31-1: "10abc" is no 10, and a count
+// past an int is not some other count.
+int rowCount(char const* text) {
+  char* end = nullptr;
+  long long const value = std::strtoll(text, &end, 10);
+  return end != text && *end == '\0' && value > 0 && value <= 0x7fffffff ? static_cast<int>(value) : 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
     if (argc == 4 && std::strcmp(argv[1], "dictionary") == 0) return writeDictionary(argv[2], argv[3]);
-    if (argc == 6 && std::strcmp(argv[1], "table") == 0 && std::atoi(argv[5]) > 0)
-      return writeTable(argv[2], argv[3], argv[4], std::atoi(argv[5]));
+    if (argc == 6 && std::strcmp(argv[1], "table") == 0 && rowCount(argv[5]) > 0)
+      return writeTable(argv[2], argv[3], argv[4], rowCount(argv[5]));
     return usage();
   } catch (UtlExcept const&) {
     // The report is printed already.
