@@ -135,8 +135,8 @@ TEST(RondoDump, FailuresTruncationOddPathsAndHelp) {
 
   // A warning about something other than a cut (an index of another
   // version) loses no instance and says nothing of one.
-  ASSERT_EQ(0, shell(dir, std::string(kPython) + " " RONDO_TEST_SOURCE_DIR
-                          "/filestore/nyx/testdata/nyx_fixture.py dat g.dat '>' 5 && printf 'version2xxxxxxxxx' > g.idx")
+  ASSERT_EQ(0, shell(dir, std::string(kPython) + " " RONDO_TEST_SOURCE_DIR "/filestore/nyx/testdata/nyx_fixture.py "
+                          "dat g.dat '>' 5 && printf 'version2xxxxxxxxx' > g.idx")
                    .status);
   Outcome const indexed = tool(dir, "dump g.dat CMP");
   EXPECT_EQ(0, indexed.status);
