@@ -48,6 +48,10 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
   Outcome const bad = tool(dir, "plot line.sgy --out /no/such/dir/x.png");
   EXPECT_EQ(1, bad.status);
   EXPECT_EQ(0u, bad.err.find("rondo: line.sgy: Cannot write the picture '/no/such/dir/x.png': ")) << bad.err;
+  // A disk that fills up is a picture not written, not a success.
+  Outcome const full = tool(dir, "plot line.sgy --out /dev/full --last 2");
+  EXPECT_EQ(1, full.status);
+  EXPECT_EQ("rondo: line.sgy: Cannot write the picture '/dev/full': No space left on device\n", full.err);
   struct Usage {
     char const* arguments;
     char const* first;
