@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -35,4 +36,17 @@ TEST(ZonShippedDictionary, ZonloadTakesOnlyWholeRowCounts) {
     ASSERT_TRUE(WIFEXITED(status)) << count;
     EXPECT_EQ(2, WEXITSTATUS(status)) << count;
   }
+}
+
+// A client folder that cannot be written whole (its small configuration on
+// a full disk, which shows only at the close) is said so, not left short
+// with status 0.
+TEST(ZonShippedDictionary, ZonloadSaysADictionaryItCouldNotWrite) {
+  TestReleaseTree tree;
+  ASSERT_EQ(0, ::symlink("/dev/full", (tree.root() + "/config.kvs").c_str()));
+  std::string const command = "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/zonload' dictionary '" +
+                              tree.root() + "' 127.0.0.1 2>/dev/null";
+  int const status = std::system(command.c_str());
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(1, WEXITSTATUS(status));
 }

@@ -70,6 +70,9 @@ int writeDictionary(std::string const& folder, std::string const& host) {
   dict.write(reinterpret_cast<char const*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   std::ofstream config(folder + "/config.kvs");
   config << "Kvs.server: " << host << "\nKvs.base: rondo\n";
+  // A write that fails (a full disk) shows only when the buffer goes out.
+  dict.close();
+  config.close();
   if (!dict || !config) {
     std::fprintf(stderr, "zonload: cannot write into %s\n", folder.c_str());
     return 1;
