@@ -50,6 +50,14 @@ TEST(KvsdServer, AWrongCommandLineIsTheUsage) {
     EXPECT_EQ("usage: kvsd [-d data-directory] [-p port]", line) << arguments;
     EXPECT_FALSE(fs::exists(dir / "kvsd-data")) << arguments;
   }
+  // So is a KVSPORT that is no port (an empty one is unset).
+  int const port = std::system(("cd " + dir.string() + " && KVSPORT=41x timeout 20 " RONDO_TEST_BINARY_DIR
+                                "/bin/kvsd > out 2> err").c_str());
+  ASSERT_TRUE(WIFEXITED(port));
+  EXPECT_EQ(2, WEXITSTATUS(port));
+  std::string said;
+  std::getline(std::ifstream(dir / "err"), said);
+  EXPECT_EQ("kvsd: KVSPORT '41x' is not a port (0..65535)", said);
   // A data directory that cannot be one is said so, before any port is taken.
   std::ofstream(dir / "plain") << "not a directory";
   int const raw = std::system(("cd " + dir.string() + " && timeout 20 " RONDO_TEST_BINARY_DIR

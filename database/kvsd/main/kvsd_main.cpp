@@ -29,8 +29,10 @@ bool parsePort(char const* text, int& port) {
 int main(int argc, char** argv) {
   std::string dir = "kvsd-data";
   int port = 4100;
-  if (std::getenv("KVSPORT") && !parsePort(std::getenv("KVSPORT"), port)) {
-    std::fprintf(stderr, "kvsd: KVSPORT '%s' is not a port (0..65535)\n", std::getenv("KVSPORT"));
+  // An empty KVSPORT is unset, as the client library takes it.
+  char const* const fromEnvironment = std::getenv("KVSPORT");
+  if (fromEnvironment && *fromEnvironment && !parsePort(fromEnvironment, port)) {
+    std::fprintf(stderr, "kvsd: KVSPORT '%s' is not a port (0..65535)\n", fromEnvironment);
     return 2;
   }
   // Every option takes a value: a word left alone (--help) is a wrong
