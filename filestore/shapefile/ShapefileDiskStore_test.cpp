@@ -304,6 +304,17 @@ TEST(ShapefileFaults, FilesThatDoNotHoldTogether) {
     c.spoil(base);
     expectFailure(open, "ShapefileDiskStore::open", cannotOpen(shp, c.why));
   }
+  // A table cut inside its second record, whose first would read as blank.
+  ogrShapefile(base, kPoints);
+  std::string const dbf = fs_testing::readFile(base + ".dbf");
+  auto word = [&dbf](int at) {
+    return static_cast<unsigned char>(dbf[at]) | static_cast<unsigned char>(dbf[at + 1]) << 8;
+  };
+  int const header = word(8), record = word(10);
+  fs_testing::writeFile(base + ".dbf", dbf.substr(0, static_cast<std::size_t>(header + record + record / 2)));
+  expectFailure(open, "ShapefileDiskStore::open",
+                cannotOpen(shp, "The table (.dbf) is cut short: its header calls for 3 records of " +
+                                    std::to_string(record) + " bytes, it holds 1."));
   ogrShapefile(base, R"({"type":"FeatureCollection","features":[
 {"type":"Feature","properties":{},"geometry":{"type":"MultiPoint","coordinates":[[1,2],[3,4]]}}]})");
   expectFailure(open, "Shapefile", "Shape Type 8 is not yet supported");
