@@ -114,6 +114,11 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
   upper.open(StoreDescription(vFilename((base + "_up.SHP").c_str())));
   EXPECT_EQ(store.getNAttributes(), upper.getNAttributes());
   EXPECT_NE(upper.endProperty(), upper.findProperty(vUCString("COORDINATE_SYSTEM")));
+  // A .prj that names no system of either kind gives no domain.
+  upper.close();
+  fs_testing::writeFile(base + "_up.PRJ", "LOCAL_CS[\"site grid\"]\n");
+  upper.open(StoreDescription(vFilename((base + "_up.SHP").c_str())));
+  EXPECT_EQ("unknown", std::string(upper.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
 }
 
 TEST(ShapefilePeer, PointZLinesAndPolygonsWithHolesFromOgr) {
