@@ -26,15 +26,15 @@ TEST(ZonShippedDictionary, EqualsWhatZonloadWritesNow) {
   EXPECT_TRUE(made.str() == shipped.str()) << "the shipped KvsDict.bin is not zonload's; run scripts/make-kvsdict";
 }
 
-// A row count that is not a whole positive number is the usage (status 2),
-// before any server is asked.
-TEST(ZonShippedDictionary, ZonloadTakesOnlyWholeRowCounts) {
-  for (char const* count : {"10abc", "4294967297", "0", "-3"}) {
-    std::string const command = "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/zonload' table nosuchserver P L1 " +
-                                count + " 2>/dev/null";
+// A row count that is not a whole positive number, or an ident that no
+// store name would reach, is the usage (status 2), before any server is asked.
+TEST(ZonShippedDictionary, ZonloadTakesOnlyWholeRowCountsAndPlainIdents) {
+  for (char const* arguments : {"L1 10abc", "L1 4294967297", "L1 0", "L1 -3", "'' 3", "a,b 3"}) {
+    std::string const command = "'" + std::string(RONDO_TEST_BINARY_DIR) + "/bin/zonload' table nosuchserver P " +
+                                arguments + " 2>/dev/null";
     int const status = std::system(command.c_str());
-    ASSERT_TRUE(WIFEXITED(status)) << count;
-    EXPECT_EQ(2, WEXITSTATUS(status)) << count;
+    ASSERT_TRUE(WIFEXITED(status)) << arguments;
+    EXPECT_EQ(2, WEXITSTATUS(status)) << arguments;
   }
 }
 

@@ -7,8 +7,9 @@
 //       naming the kvsd HOST (the port comes from KVSPORT)
 //   zonload table SERVER PROJECT IDENT N
 //       writes the plain table store "IDENT,tab" (class table, subclass
-//       plain) of N rows into PROJECT on SERVER: keys CDP = 1000 + row and
-//       OFFSET = 100 * (row % 4), and ELEV = row / 2 (rows from 1)
+//       plain; IDENT not empty and without ',') of N rows into PROJECT on
+//       SERVER: keys CDP = 1000 + row and OFFSET = 100 * (row % 4), and
+//       ELEV = row / 2 (rows from 1)
 //
 // The server's folder is found under the release's support files (VREL);
 // the class translations under its system files.
@@ -120,7 +121,10 @@ int rowCount(char const* text) {
 int main(int argc, char** argv) {
   try {
     if (argc == 4 && std::strcmp(argv[1], "dictionary") == 0) return writeDictionary(argv[2], argv[3]);
-    if (argc == 6 && std::strcmp(argv[1], "table") == 0 && rowCount(argv[5]) > 0)
+    // An empty ident would make the store ",tab", which no store name
+    // reaches again; one with a ',' would be read as ident and type.
+    if (argc == 6 && std::strcmp(argv[1], "table") == 0 && rowCount(argv[5]) > 0 && *argv[4] &&
+        !std::strchr(argv[4], ','))
       return writeTable(argv[2], argv[3], argv[4], rowCount(argv[5]));
     return usage();
   } catch (UtlExcept const&) {
