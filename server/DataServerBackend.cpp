@@ -25,7 +25,7 @@ namespace {
 
 char const* const kScripted = "RONDO_UNITTEST_STORES";
 
-// One scripted store: "name.version[:class[:subclass]]".
+// One scripted store: "name.version[:class[:subclass]]", its file taken off.
 StoreDetails parseScriptedStore(vString const& entry, ProjectType::PROJECT_TYPE type) {
   char const* const label = "DataServerBackend::project";
   vTokenizer fields(entry, ":");
@@ -37,10 +37,10 @@ StoreDetails parseScriptedStore(vString const& entry, ProjectType::PROJECT_TYPE 
   fields.next(subClass);
   int dot = 0;
   if (nameAndVersion.searchForLast('.', dot) != 0 || dot == 0)
-    Message::fatal(label, 0, "%s entry '%s' is not name.version[:class[:subclass]].", kScripted, entry.c_str());
+    Message::fatal(label, 0, "%s entry '%s' is not name.version[:class[:subclass[:file]]].", kScripted, entry.c_str());
   vString const version = nameAndVersion.substr(static_cast<unsigned int>(dot) + 1);
   if (!version.isInteger())
-    Message::fatal(label, 0, "%s entry '%s' is not name.version[:class[:subclass]].", kScripted, entry.c_str());
+    Message::fatal(label, 0, "%s entry '%s' is not name.version[:class[:subclass[:file]]].", kScripted, entry.c_str());
   StoreDetails details(type, vString(), vLCString(nameAndVersion.substr(0, static_cast<unsigned int>(dot))),
                        version.readi());
   details.setClass(vLCString(storeClass));

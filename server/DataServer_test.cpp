@@ -121,7 +121,7 @@ TEST_F(DataServerTest, AMalformedStoreFailsTheOpenAndAFrameThatDoesNotReadEndsTh
   BareCOB catalog("ProjectCatalog", portal);
   ASSERT_EQ(ClientCode::SessionStart, startSession(catalog, "h"));
   BareCOB project("Project", &catalog);
-  EXPECT_EQ(said("RONDO_UNITTEST_STORES entry 'noversion' is not name.version[:class[:subclass]]."),
+  EXPECT_EQ(said("RONDO_UNITTEST_STORES entry 'noversion' is not name.version[:class[:subclass[:file]]]."),
             fatalText([&] { project.call(ClientCode::ProjectOpen, "survey"); }));
   char const garbage[] = "this is no frame header";
   ASSERT_EQ(CommChan::OK, portal->getChannel()->sendChar8(garbage, sizeof garbage));

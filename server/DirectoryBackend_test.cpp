@@ -148,8 +148,9 @@ TEST_F(DirectoryBackend, ProjectsStoresBadInputAndTheStoresOwnBytes) {
     ClientAttributeSet set(project);
     set.open(store, 0, "", "", nullptr);
   };
-  EXPECT_EQ(said("'survey/x' is not a project name: a name holds no '/' and no '..'."),
-            fatalText([&] { openProject(catalog, "survey/x"); }));
+  for (std::string const name : {"survey/x", ""})
+    EXPECT_EQ(said("'" + name + "' is not a project name: a name is not empty and holds no '/' and no '..'."),
+              fatalText([&] { openProject(catalog, name.c_str()); }));
   EXPECT_EQ(said("There is no project escape: the data server's directory " + m_root + " has no such subdirectory."),
             fatalText([&] { openProject(catalog, "escape"); }));
   EXPECT_EQ(said("Store link version 0 is not in project survey."), fatalText([&] { openSet("link"); }));

@@ -26,7 +26,8 @@ void DirectoryProject::open(vLCString const& name) {
   char const* const label = "DirectoryProject::open";
   std::string const text = name.c_str();
   if (text.empty() || text.find('/') != std::string::npos || text.find("..") != std::string::npos)
-    Message::fatal(label, 0, "'%s' is not a project name: a name holds no '/' and no '..'.", name.c_str());
+    Message::fatal(label, 0, "'%s' is not a project name: a name is not empty and holds no '/' and no '..'.",
+                   name.c_str());
   DirectoryProjectCatalog const* catalog = dynamic_cast<DirectoryProjectCatalog const*>(m_catalog.pointer());
   if (catalog == nullptr) Message::fatal(label, 0, "Project %s has no directory catalog.", name.c_str());
   vString const& root = catalog->getRoot();

@@ -61,7 +61,7 @@ int DumpCommand::run(ToolArguments& arguments) {
   std::vector<std::string> const names = splitNames(arguments.positional()[1]);
   if (names.empty()) throw ToolUsageError{"no attribute named"};
 
-  unsigned int const warnings = ToolMessages::getNWarnings();
+  unsigned int const cuts = ToolMessages::getNCutWarnings();
   vHandle<Store> store = ToolViews::apply(StoreArgument::open(arguments.subject()), views);
   std::vector<Attribute> attributes;
   long long bytesPerInstance = 0;
@@ -97,9 +97,10 @@ int DumpCommand::run(ToolArguments& arguments) {
     progress.update(to - first + 1ull);
   }
   out.flush();
-  // The store said what is wrong with its file; the user also wants to
-  // know what of it the dump still holds.
-  if (ToolMessages::getNWarnings() != warnings)
+  // The store said that its file is cut; the user also wants to know what
+  // of it the dump still holds. Other warnings (an index that does not fit)
+  // lose no instance.
+  if (ToolMessages::getNCutWarnings() != cuts)
     std::fputs(ToolMessages::line("only whole instances were read: " + std::to_string(n) +
                                   " of them; the part instance at the end of the file was left out")
                    .c_str(),

@@ -133,6 +133,18 @@ TEST(RondoDump, FailuresTruncationOddPathsAndHelp) {
                 "file was left out\n",
             cut.err);
 
+  // A warning about something other than a cut (an index of another
+  // version) loses no instance and says nothing of one.
+  ASSERT_EQ(0, shell(dir, std::string(kPython) + " " RONDO_TEST_SOURCE_DIR "/filestore/nyx/testdata/nyx_fixture.py "
+                          "dat g.dat '>' 5 && printf 'version2xxxxxxxxx' > g.idx")
+                   .status);
+  Outcome const indexed = tool(dir, "dump g.dat CMP");
+  EXPECT_EQ(0, indexed.status);
+  EXPECT_EQ(12, std::count(indexed.out.begin(), indexed.out.end(), '\n'));
+  EXPECT_EQ("rondo: g.dat: Index file 'g.idx' is not the correct version, we only support version 1, not "
+            "1936876918!\n",
+            indexed.err);
+
   // A plain path is a file even where it holds the separators of store names.
   Outcome const odd = tool(dir, "dump 'a:b#c.sgy' CMP,TRACE");
   EXPECT_EQ(0, odd.status) << odd.err;

@@ -116,21 +116,39 @@ struct MapFrame {
   int inner, width, height;
 };
 
-// A map's mark: black, or the value's colour when the map has values.
+// A map's mark: black, or the value's colour when the map has values. Each
+// scale passes through the white of the picture (red-white-blue in its
+// middle, grey at its low end), so a coloured mark is edged in black: a
+// point with a ring, a line with a shadow a pixel below and to the right.
 struct Pen {
-  void dot(PlotImage& image, int x, int y) const {
+  void dot(PlotImage& image, int x, int y, bool black = false) const {
     if (x < 0 || y < 0 || x >= image.width() || y >= image.height()) return;
-    if (coloured)
+    if (coloured && !black)
       image.set(x, y, value, scale);
     else
       image.setRGB(x, y, 0, 0, 0);
   }
+  // A point: three by three pixels.
+  void point(PlotImage& image, int x, int y) const {
+    for (int ring = coloured ? 2 : 1; ring >= 1; --ring)
+      for (int dx = -ring; dx <= ring; ++dx)
+        for (int dy = -ring; dy <= ring; ++dy) dot(image, x + dx, y + dy, ring == 2);
+  }
+  // The lines through the vertices of a part.
+  void path(PlotImage& image, std::vector<std::pair<int, int> > const& ring) const {
+    for (int shadow = coloured ? 1 : 0; shadow >= 0; --shadow)
+      for (std::size_t k = 0; k < ring.size(); ++k) {
+        std::pair<int, int> const& from = ring[k == 0 ? 0 : k - 1];
+        line(image, from.first + shadow, from.second + shadow, ring[k].first + shadow, ring[k].second + shadow,
+             shadow == 1);
+      }
+  }
   // Every pixel of the straight line between two, both included.
-  void line(PlotImage& image, int x0, int y0, int x1, int y1) const {
+  void line(PlotImage& image, int x0, int y0, int x1, int y1, bool black) const {
     int const dx = std::abs(x1 - x0), dy = -std::abs(y1 - y0);
     int const sx = x0 < x1 ? 1 : -1, sy = y0 < y1 ? 1 : -1;
     for (int error = dx + dy;;) {
-      dot(image, x0, y0);
+      dot(image, x0, y0, black);
       if (x0 == x1 && y0 == y1) return;
       int const twice = 2 * error;
       if (twice >= dy) error += dy, x0 += sx;
@@ -165,8 +183,7 @@ void plotMap(vHandle<Store> const& store, Request const& r, std::string const& o
     if (!std::isfinite(xs[i]) || !std::isfinite(ys[i])) continue;
     int const px = frame.px(xs[i]), py = frame.py(ys[i]);
     if (pen.coloured) pen.value = 2.0 * (columns[2][i] - v0) / (v1 - v0) - 1.0;
-    for (int dx = -1; dx <= 1; ++dx)
-      for (int dy = -1; dy <= 1; ++dy) pen.dot(image, px + dx, py + dy);
+    pen.point(image, px, py);
   }
   image.write(out);
 }
@@ -225,7 +242,10 @@ void plotOutlines(vHandle<Store> const& store, Request const& r, std::string con
       s.value = value.empty() ? 0.0 : value[0];
       range(s.x, x0, x1);
       range(s.y, y0, y1);
-      if (coloured && std::isfinite(s.value)) v0 = std::min(v0, s.value), v1 = std::max(v1, s.value);
+      // A shape without vertices (a null shape) is not drawn, and its value
+      // stretches no scale.
+      if (coloured && !s.x.empty() && std::isfinite(s.value))
+        v0 = std::min(v0, s.value), v1 = std::max(v1, s.value);
       shapes.push_back(std::move(s));
     }
     progress.update(to - r.first + 1ull);
@@ -247,10 +267,7 @@ void plotOutlines(vHandle<Store> const& store, Request const& r, std::string con
       for (std::size_t k = start; k < end; ++k)
         if (std::isfinite(s.x[k]) && std::isfinite(s.y[k])) ring.emplace_back(frame.px(s.x[k]), frame.py(s.y[k]));
       if (rings && ring.size() > 2) ring.push_back(ring.front());
-      for (std::size_t k = 0; k < ring.size(); ++k) {
-        std::pair<int, int> const& from = ring[k == 0 ? 0 : k - 1];
-        pen.line(image, from.first, from.second, ring[k].first, ring[k].second);
-      }
+      pen.path(image, ring);
       start = end;
     }
   }

@@ -48,6 +48,10 @@ TEST(RondoPlot, SectionsAndMapsAreReadByGdal) {
   Outcome const bad = tool(dir, "plot line.sgy --out /no/such/dir/x.png");
   EXPECT_EQ(1, bad.status);
   EXPECT_EQ(0u, bad.err.find("rondo: line.sgy: Cannot write the picture '/no/such/dir/x.png': ")) << bad.err;
+  // A disk that fills up is a picture not written, not a success.
+  Outcome const full = tool(dir, "plot line.sgy --out /dev/full --last 2");
+  EXPECT_EQ(1, full.status);
+  EXPECT_EQ("rondo: line.sgy: Cannot write the picture '/dev/full': No space left on device\n", full.err);
   struct Usage {
     char const* arguments;
     char const* first;
@@ -98,7 +102,10 @@ TEST(RondoShapefile, MapsAndOutlinesOfFilesFromOgr) {
       "printf '%s' '{\"type\":\"Polygon\",\"coordinates\":[[[0,0],[100,0],[100,100],[0,100],[0,0]],"
       "[[40,40],[40,60],[60,60],[60,40],[40,40]]]}' > square.geojson && printf '%s' '{\"type\":"
       "\"MultiLineString\",\"coordinates\":[[[0,100],[50,0],[100,100]],[[0,50],[20,50]]]}' > v.geojson && "
-      "ogr2ogr -f 'ESRI Shapefile' square.shp square.geojson && ogr2ogr -f 'ESRI Shapefile' v.shp v.geojson");
+      "ogr2ogr -f 'ESRI Shapefile' square.shp square.geojson && ogr2ogr -f 'ESRI Shapefile' v.shp v.geojson && "
+      "printf '%s' '{\"type\":\"FeatureCollection\",\"features\":[{\"type\":\"Feature\",\"properties\":{\"v\":-5},"
+      "\"geometry\":'\"$(cat square.geojson)\"'},{\"type\":\"Feature\",\"properties\":{\"v\":0},\"geometry\":null}]}' "
+      "> valued.geojson && ogr2ogr -f 'ESRI Shapefile' -nlt POLYGON valued.shp valued.geojson");
   ASSERT_EQ(0, made.status) << "GDAL's ogr2ogr is needed (scripts/install-deps): " << made.err;
 
   // 64 high with the 4-pixel margins; the points spread 1500 by 3000, so
@@ -110,6 +117,10 @@ TEST(RondoShapefile, MapsAndOutlinesOfFilesFromOgr) {
     ASSERT_EQ(0, r.status) << c.first << ": " << r.err;
     EXPECT_EQ("PNG 36 64 3 [1, 1, 1]\n", describePng(dir, c.second)) << c.first;
   }
+  // The lowest depth is white in grey, as the picture is: the point keeps a
+  // black ring around its white middle (W3 at column 17, row 3).
+  ASSERT_EQ(0, tool(dir, "plot wells.shp --out grey.png --attribute DEPTH --size 64 --colour grey").status);
+  EXPECT_EQ("PNG 36 64 3 [1, 1, 1] 01111\n", describePng(dir, "grey.png", "(17,3),(19,3),(15,3),(17,1),(17,5)"));
 
   // Polygons and polylines drawn as outlines on a frame of 100 by 100 at 64
   // pixels: x goes to column 4 + x * 0.56, y to row 59 - y * 0.56. A square
@@ -126,10 +137,14 @@ TEST(RondoShapefile, MapsAndOutlinesOfFilesFromOgr) {
       // The V's three vertices and the middle of its left leg, the stroke,
       // then where a closing side and the gap beside the stroke would be.
       {"v", "(4,3),(32,59),(60,3),(18,31),(10,31),(32,3),(25,31)", "1111100"},
+      // The square again, coloured by V: the shape without vertices has no
+      // value on the scale, so the one value left draws black, not red.
+      {"valued", "(4,59),(60,3),(32,59)", "111"},
   };
   for (Case const& c : cases) {
     std::string const shp = std::string(c.shp) + ".shp", png = std::string(c.shp) + ".png";
-    Outcome const r = tool(dir, "plot " + shp + " --out " + png + " --size 64");
+    std::string const value = shp == "valued.shp" ? " --attribute V" : "";
+    Outcome const r = tool(dir, "plot " + shp + " --out " + png + " --size 64" + value);
     ASSERT_EQ(0, r.status) << shp << ": " << r.err;
     // Drawn in colour like every picture, dark on light.
     EXPECT_EQ(std::string("PNG 64 64 3 [1, 1, 1] ") + c.dark + "\n", describePng(dir, png, c.pixels)) << shp;

@@ -1,10 +1,15 @@
 #include "tools/PlotImage.h"
 
 #include <cpl_error.h>
+#include <cpl_vsi.h>
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 
 #include "foundation/Message.h"
 
@@ -54,24 +59,37 @@ void PlotImage::write(std::string const& file) const {
   GDALAllRegister();
   CPLPushErrorHandler(quiet);
   CPLErrorReset();
-  GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");
+  // The PNG is made in GDAL's memory files and written out here: GDAL does
+  // not tell a write that fails at the close (a full disk), and a picture
+  // that is not all there must not end in success.
+  std::string const memory = "/vsimem/rondo_plot_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + ".png";
+  GDALDriver* mem = GetGDALDriverManager()->GetDriverByName("MEM");
   GDALDriver* png = GetGDALDriverManager()->GetDriverByName("PNG");
-  bool ok = memory != nullptr && png != nullptr;
+  bool ok = mem != nullptr && png != nullptr;
   if (ok) {
-    GDALDataset* image = memory->Create("", m_width, m_height, 3, GDT_Byte, nullptr);
+    GDALDataset* image = mem->Create("", m_width, m_height, 3, GDT_Byte, nullptr);
     ok = image != nullptr;
     if (ok) {
       int bands[3] = {1, 2, 3};
       ok = image->RasterIO(GF_Write, 0, 0, m_width, m_height, const_cast<unsigned char*>(m_bands.data()), m_width,
                            m_height, GDT_Byte, 3, bands, 0, 0, 0, nullptr) == CE_None;
-      GDALDataset* copy = ok ? png->CreateCopy(file.c_str(), image, FALSE, nullptr, nullptr, nullptr) : nullptr;
+      GDALDataset* copy = ok ? png->CreateCopy(memory.c_str(), image, FALSE, nullptr, nullptr, nullptr) : nullptr;
       ok = copy != nullptr;
       if (copy) GDALClose(copy);
       GDALClose(image);
     }
   }
-  std::string const reason = CPLGetLastErrorMsg();
+  std::string reason = CPLGetLastErrorMsg();
   CPLPopErrorHandler();
+  if (ok) {
+    vsi_l_offset size = 0;
+    GByte const* bytes = VSIGetMemFileBuffer(memory.c_str(), &size, FALSE);
+    std::FILE* out = bytes ? std::fopen(file.c_str(), "wb") : nullptr;
+    ok = out != nullptr && std::fwrite(bytes, 1, static_cast<std::size_t>(size), out) == size;
+    ok = (out == nullptr || std::fclose(out) == 0) && ok;
+    reason = bytes ? std::strerror(errno) : "GDAL made no PNG.";
+  }
+  VSIUnlink(memory.c_str());
   if (!ok)
     Message::fatal("PlotImage::write", 0, "Cannot write the picture '%s': %s", file.c_str(),
                    reason.empty() ? "GDAL has no PNG driver." : reason.c_str());

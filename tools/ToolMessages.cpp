@@ -1,11 +1,12 @@
 #include "tools/ToolMessages.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "foundation/ExceptionErrorHandler.h"
 
 namespace {
-unsigned int s_nWarnings = 0;
+unsigned int s_nCutWarnings = 0;
 
 std::string& subject() {
   static std::string s;
@@ -37,10 +38,12 @@ std::string ToolMessages::line(std::string const& text) {
 
 void ToolMessages::doFatal(char const*, int, char const*) {}
 
-unsigned int ToolMessages::getNWarnings() { return s_nWarnings; }
+unsigned int ToolMessages::getNCutWarnings() { return s_nCutWarnings; }
 
 void ToolMessages::doError(char const*, int, char const* text) {
-  ++s_nWarnings;
+  // The SEG-Y and SEG-D stores' word for a part trace at the end, also when
+  // a data server passes it on.
+  if (text && std::strstr(text, "is either incomplete or corrupt")) ++s_nCutWarnings;
   std::string const l = line(text ? text : "");
   std::fputs(l.c_str(), stderr);
 }

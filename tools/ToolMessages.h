@@ -20,8 +20,9 @@ class ToolMessages : public ErrorHandler {
   static void setSubject(std::string const& subject);
   // The line the tool prints for a message about the subject.
   static std::string line(std::string const& text);
-  // Errors reported so far by the process.
-  static unsigned int getNWarnings();
+  // Errors reported so far by the process that say a file is cut inside
+  // its last instance.
+  static unsigned int getNCutWarnings();
 
  protected:
   void doFatal(char const* label, int code, char const* text) override;

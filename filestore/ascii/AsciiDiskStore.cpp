@@ -211,7 +211,16 @@ void AsciiDiskStore::myReadHorizonHeader(std::string& horizonName) {
       if (!(std::fabs(r[k]) < 1e9)) return false;
     return r[2] != 0 && (r[1] - r[0]) / r[2] >= 0 && (r[1] - r[0]) / r[2] < 1e8;
   };
-  if (!haveX || !haveY || !fits(linex) || !fits(liney)) return;
+  if (!haveX || !haveY) return;
+  // Ranges that are there but give no grid leave the store without one too,
+  // and the user is told, not left to find the grid's properties missing.
+  if (!fits(linex) || !fits(liney)) {
+    Message::error("AsciiDiskStore::open", 0,
+                   "The horizon header of %s gives no grid: LINEX %g %g %g and LINEY %g %g %g must each be a "
+                   "first line, a last line and a nonzero increment that leads from the first to the last.",
+                   m_fileName.c_str(), linex[0], linex[1], linex[2], liney[0], liney[1], liney[2]);
+    return;
+  }
   auto count = [](double const* r) { return static_cast<int>(std::lround((r[1] - r[0]) / r[2])) + 1; };
   auto interval = [](double stepDistance, double increment) {
     return static_cast<float>(increment == 0 ? stepDistance : stepDistance / increment);

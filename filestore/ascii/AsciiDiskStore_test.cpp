@@ -197,6 +197,22 @@ TEST(AsciiDiskStore, HorizonWrittenWithItsHeaderAndReadBack) {
   made.openAttributeSet("top");
   EXPECT_EQ("Top", std::string(made.findProperty(vUCString("HORIZONNAME"))->getString().c_str()));
   EXPECT_EQ((std::vector<double>{2}), column(made, "Z"));
+
+  // Inlines counted down by a step up give no grid, and say so.
+  std::string const reversed =
+      scratch("reversed.dat", "PELAGOS HORIZON V1.0\nLINEX 200 240 4\nLINEY 9 7 1\nSTEPX 50\nSTEPY 12.5\nORIGIN 0 0\n"
+                              "DOMAIN depth\nNUMSURFACES 1\nSURFACE Base\nNUMATTR 1\nATTRIBUTE Z\n7 200 0 0 1\n");
+  AsciiDiskStore down;
+  ::testing::internal::CaptureStderr();
+  opened(down, reversed);
+  std::string const said = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos, said.find("The horizon header of " + reversed +
+                                         " gives no grid: LINEX 200 240 4 and LINEY 9 7 1 must each be a first "
+                                         "line, a last line and a nonzero increment that leads from the first to "
+                                         "the last."))
+      << said;
+  EXPECT_EQ(down.endProperty(), down.findProperty(vUCString("NUM_INLINES")));
+  EXPECT_EQ((std::vector<double>{1}), column(down, "Z"));
 }
 
 TEST(AsciiDiskStore, WrittenFilesAndBadInput) {

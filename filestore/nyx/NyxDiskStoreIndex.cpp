@@ -29,16 +29,19 @@ void putLittle(unsigned char* b, uint64_t v, int bytes) {
   for (int k = 0; k < bytes; ++k) b[k] = static_cast<unsigned char>(v >> (8 * k));
 }
 
-// Reads all of count bytes; false when it can't.
-bool readAll(int fd, void* buffer, long count) {
+// Reads up to count bytes; how many came.
+long readSome(int fd, void* buffer, long count) {
   long done = 0;
   while (done < count) {
     long const got = NYXFSread(fd, static_cast<char*>(buffer) + done, static_cast<unsigned long>(count - done));
-    if (got <= 0) return false;
+    if (got <= 0) break;
     done += got;
   }
-  return true;
+  return done;
 }
+
+// Reads all of count bytes; false when it can't.
+bool readAll(int fd, void* buffer, long count) { return readSome(fd, buffer, count) == count; }
 
 }  // namespace
 
@@ -78,10 +81,15 @@ void NyxDiskStore::myLoadIndex() {
                      "The Nyx file %s is cut short: its index calls for %d traces of %d bytes, it holds %d.",
                      m_fileName.c_str(), count, m_record.extRecordLengthB, m_record.nInstances);
     }
-    if (count != m_record.nInstances || !readAll(fd, records.data(), static_cast<long>(records.size()))) {
+    // An index cut short holds fewer records than its header counts: those
+    // it holds are what it has found.
+    long const held = count == m_record.nInstances
+                          ? readSome(fd, records.data(), static_cast<long>(records.size())) / 8
+                          : count;
+    if (held != m_record.nInstances) {
       Message::error(kIndexLabel, 0,
                      "Index file '%s' does not contain the right number of instances, expected %d found %d!",
-                     name.c_str(), m_record.nInstances, count);
+                     name.c_str(), m_record.nInstances, static_cast<int>(held));
     } else {
       for (int k = 0; k < count; ++k)
         index.push_back(static_cast<long long>(littleWord(&records[8 * k]) |

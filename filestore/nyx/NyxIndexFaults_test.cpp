@@ -56,7 +56,10 @@ TEST(NyxIndex, MadeTakenAWrongOneIgnoredAndACutFileRefused) {
       {word(1) + word(280) + made.substr(8),
        "Index file '" + index + "' does not contain the right record length, expected 276 found 280!"},
       {made.substr(0, 8) + word(11) + made.substr(12, 4 + 11 * 8),
-       "Index file '" + index + "' does not contain the right number of instances, expected 12 found 11!"}};
+       "Index file '" + index + "' does not contain the right number of instances, expected 12 found 11!"},
+      // Cut inside its fifth record, it holds four.
+      {made.substr(0, 16 + 4 * 8 + 3),
+       "Index file '" + index + "' does not contain the right number of instances, expected 12 found 4!"}};
   for (Case const& c : cases) {
     fs_testing::writeFile(index, c.bytes);
     ::testing::internal::CaptureStderr();

@@ -145,10 +145,12 @@ void ShapefileDiskStore::close() {
 void ShapefileDiskStore::myBuildPropertyList(vString const& coordinateSystem) {
   clearProperties();
   DiskStore::addProperty(Property("COORDINATE_SYSTEM", coordinateSystem));
+  // Only a system that says what it is has a domain: a local one, or a .prj
+  // that holds no system at all, is not geographic.
   char const* domain = "unknown";
   if (std::strncmp(coordinateSystem.c_str(), "PROJCS", 6) == 0)
     domain = "projected";
-  else if (!coordinateSystem.isBlank())
+  else if (std::strncmp(coordinateSystem.c_str(), "GEOGCS", 6) == 0)
     domain = "geographic";
   DiskStore::addProperty(Property("COORDINATE_DOMAIN", domain));
   // Map data name their own axes and value for a map picture.

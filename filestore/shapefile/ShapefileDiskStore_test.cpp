@@ -114,6 +114,11 @@ TEST(ShapefilePeer, PointsWithEveryFieldTypeFromOgr) {
   upper.open(StoreDescription(vFilename((base + "_up.SHP").c_str())));
   EXPECT_EQ(store.getNAttributes(), upper.getNAttributes());
   EXPECT_NE(upper.endProperty(), upper.findProperty(vUCString("COORDINATE_SYSTEM")));
+  // A .prj that names no system of either kind gives no domain.
+  upper.close();
+  fs_testing::writeFile(base + "_up.PRJ", "LOCAL_CS[\"site grid\"]\n");
+  upper.open(StoreDescription(vFilename((base + "_up.SHP").c_str())));
+  EXPECT_EQ("unknown", std::string(upper.findProperty(vUCString("COORDINATE_DOMAIN"))->getString().c_str()));
 }
 
 TEST(ShapefilePeer, PointZLinesAndPolygonsWithHolesFromOgr) {
@@ -304,6 +309,17 @@ TEST(ShapefileFaults, FilesThatDoNotHoldTogether) {
     c.spoil(base);
     expectFailure(open, "ShapefileDiskStore::open", cannotOpen(shp, c.why));
   }
+  // A table cut inside its second record, whose first would read as blank.
+  ogrShapefile(base, kPoints);
+  std::string const dbf = fs_testing::readFile(base + ".dbf");
+  auto word = [&dbf](int at) {
+    return static_cast<unsigned char>(dbf[at]) | static_cast<unsigned char>(dbf[at + 1]) << 8;
+  };
+  int const header = word(8), record = word(10);
+  fs_testing::writeFile(base + ".dbf", dbf.substr(0, static_cast<std::size_t>(header + record + record / 2)));
+  expectFailure(open, "ShapefileDiskStore::open",
+                cannotOpen(shp, "The table (.dbf) is cut short: its header calls for 3 records of " +
+                                    std::to_string(record) + " bytes, it holds 1."));
   ogrShapefile(base, R"({"type":"FeatureCollection","features":[
 {"type":"Feature","properties":{},"geometry":{"type":"MultiPoint","coordinates":[[1,2],[3,4]]}}]})");
   expectFailure(open, "Shapefile", "Shape Type 8 is not yet supported");

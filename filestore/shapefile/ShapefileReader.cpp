@@ -2,6 +2,7 @@
 
 #include <shapefil.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <fstream>
@@ -148,6 +149,18 @@ bool ShapefileReader::myReadTable() {
     return false;
   }
   int const records = DBFGetRecordCount(dbf);
+  // shapelib reads the records of a table cut short as empty values, the
+  // whole ones too: a table must hold every record its header counts.
+  std::ifstream table(dbfFile.c_str(), std::ios::binary | std::ios::ate);
+  long long const size = table ? static_cast<long long>(table.tellg()) : 0;
+  long long const held = dbf->nRecordLength > 0 ? (size - dbf->nHeaderLength) / dbf->nRecordLength : records;
+  if (held < records) {
+    m_failure = vString("The table (.dbf) is cut short: its header calls for ") + std::to_string(records).c_str() +
+                " records of " + std::to_string(dbf->nRecordLength).c_str() + " bytes, it holds " +
+                std::to_string(std::max(0LL, held)).c_str() + ".";
+    DBFClose(dbf);
+    return false;
+  }
   if (records != static_cast<int>(m_shapes.size())) {
     m_failure = vString("The table (.dbf) has ") + std::to_string(records).c_str() + " records for " +
                 std::to_string(m_shapes.size()).c_str() + " shapes.";

@@ -7,8 +7,9 @@
 //       naming the kvsd HOST (the port comes from KVSPORT)
 //   zonload table SERVER PROJECT IDENT N
 //       writes the plain table store "IDENT,tab" (class table, subclass
-//       plain) of N rows into PROJECT on SERVER: keys CDP = 1000 + row and
-//       OFFSET = 100 * (row % 4), and ELEV = row / 2 (rows from 1)
+//       plain; IDENT not empty and without ',') of N rows into PROJECT on
+//       SERVER: keys CDP = 1000 + row and OFFSET = 100 * (row % 4), and
+//       ELEV = row / 2 (rows from 1)
 //
 // The server's folder is found under the release's support files (VREL);
 // the class translations under its system files.
@@ -70,6 +71,9 @@ int writeDictionary(std::string const& folder, std::string const& host) {
   dict.write(reinterpret_cast<char const*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   std::ofstream config(folder + "/config.kvs");
   config << "Kvs.server: " << host << "\nKvs.base: rondo\n";
+  // A write that fails (a full disk) shows only when the buffer goes out.
+  dict.close();
+  config.close();
   if (!dict || !config) {
     std::fprintf(stderr, "zonload: cannot write into %s\n", folder.c_str());
     return 1;
@@ -104,13 +108,24 @@ int writeTable(char const* server, char const* project, std::string const& ident
   return 0;
 }
 
+// A row count is a whole number 1..2^31-1: "10abc" is no 10, and a count
+// past an int is not some other count.
+int rowCount(char const* text) {
+  char* end = nullptr;
+  long long const value = std::strtoll(text, &end, 10);
+  return end != text && *end == '\0' && value > 0 && value <= 0x7fffffff ? static_cast<int>(value) : 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
     if (argc == 4 && std::strcmp(argv[1], "dictionary") == 0) return writeDictionary(argv[2], argv[3]);
-    if (argc == 6 && std::strcmp(argv[1], "table") == 0 && std::atoi(argv[5]) > 0)
-      return writeTable(argv[2], argv[3], argv[4], std::atoi(argv[5]));
+    // An empty ident would make the store ",tab", which no store name
+    // reaches again; one with a ',' would be read as ident and type.
+    if (argc == 6 && std::strcmp(argv[1], "table") == 0 && rowCount(argv[5]) > 0 && *argv[4] &&
+        !std::strchr(argv[4], ','))
+      return writeTable(argv[2], argv[3], argv[4], rowCount(argv[5]));
     return usage();
   } catch (UtlExcept const&) {
     // The report is printed already.
