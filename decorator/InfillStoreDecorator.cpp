@@ -61,7 +61,15 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
     Message::fatal("InfillStoreDecorator::doTranslateInstList", 0, "Can't handle the attribute's data type %s ",
                    vUtl::dataTypeName(attribute.getDataType()).c_str());
   attribute.resize(static_cast<unsigned int>(instances.size()));
-  if (!instances.empty()) std::memset(attribute.getPointer(1), 0, static_cast<std::size_t>(attribute.getTotalNBytes()));
+  // Invented instances stay zero, or empty for texts, which are objects.
+  bool const texts = attribute.getDataType() == vSTRING;
+  int const length = attribute.getLength();
+  if (texts) {
+    for (std::size_t i = 1; i <= instances.size(); ++i)
+      for (int k = 0; k < length; ++k) attribute.getStringPointer(static_cast<unsigned int>(i))[k] = vString();
+  } else if (!instances.empty()) {
+    std::memset(attribute.getPointer(1), 0, static_cast<std::size_t>(attribute.getTotalNBytes()));
+  }
   unsigned int const below = m_decoratedStore->getNInstances();
   std::vector<unsigned int> real;
   std::vector<unsigned int> positions;
@@ -91,8 +99,13 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
                    "mapped instance list <%d>",
                    static_cast<int>(part.getNInstances()), static_cast<int>(positions.size()));
   std::size_t const bytes = static_cast<std::size_t>(part.getNBytes());
-  for (std::size_t i = 0; i < positions.size(); ++i)
-    std::memcpy(attribute.getPointer(positions[i]), part.getPointer(static_cast<unsigned int>(i + 1)), bytes);
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    unsigned int const from = static_cast<unsigned int>(i + 1);
+    if (texts)
+      for (int k = 0; k < length; ++k) attribute.getStringPointer(positions[i])[k] = part.getStringPointer(from)[k];
+    else
+      std::memcpy(attribute.getPointer(positions[i]), part.getPointer(from), bytes);
+  }
 }
 
 void InfillStoreDecorator::doReadRange(Attribute& attribute, unsigned int first, unsigned int last) const {

@@ -52,6 +52,15 @@ TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
   expectFailure([] { StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances(); }, build,
                 "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
                 "determined increment <4.000000>\n");
+  // Texts are read through, invented ones empty.
+  vHandle<Store> named = StoreDecoratorFactory::addInfill(simpleStore(
+      "named", {"GROUP", "X"},
+      {column("GROUP", vINT32, {1, 1, 2}), column("X", vINT32, {10, 20, 20}), column("NAME", vSTRING, {1, 2, 3})}));
+  Attribute names("NAME", "", vSTRING);
+  named->read(names, 1, 0);
+  std::string said;
+  for (unsigned int i = 1; i <= names.getNInstances(); ++i) said += std::string(names.getString(i).c_str()) + "|";
+  EXPECT_EQ("s1|s2||s3|", said);
   // Key values come from the grid as numbers only.
   vHandle<Store> keyed = StoreDecoratorFactory::addInfill(gridStore({1, 2}, {10, 20}));
   Attribute text("X", "", vSTRING);
