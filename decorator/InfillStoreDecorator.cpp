@@ -5,9 +5,15 @@
 
 #include "attribute/KeyList.h"
 #include "foundation/Message.h"
+#include "foundation/vUtl.h"
 
 namespace {
 [[noreturn]] void refuse(char const* label) { Message::fatal(label, 0, "Not implemented"); }
+
+// The types a key value taken from the grid can be given in.
+bool holdsKeyValues(DataType type) {
+  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
+}
 }  // namespace
 
 InfillStoreDecorator::InfillStoreDecorator(vHandle<Store> const& store, bool padWithinGroup)
@@ -49,10 +55,22 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
   InfillTemplate const& grid = myTemplate();
   unsigned int const n = grid.getNInstances();
   myCheckList("InfillStoreDecorator::read(list)", attribute, instances, n);
-  attribute.resize(static_cast<unsigned int>(instances.size()));
-  if (!instances.empty()) std::memset(attribute.getPointer(1), 0, static_cast<std::size_t>(attribute.getTotalNBytes()));
   bool const primary = attribute.getName() == m_infillTable->getPrimaryKey();
   bool const secondary = attribute.getName() == m_infillTable->getSecondaryKey();
+  if ((primary || secondary) && !holdsKeyValues(attribute.getDataType()))
+    Message::fatal("InfillStoreDecorator::doTranslateInstList", 0, "Can't handle the attribute's data type %s ",
+                   vUtl::dataTypeName(attribute.getDataType()).c_str());
+  attribute.resize(static_cast<unsigned int>(instances.size()));
+  // Invented instances stay zero, or empty for texts, which are objects.
+  bool const texts = attribute.getDataType() == vSTRING;
+  int const length = attribute.getLength();
+  if (texts) {
+    for (std::size_t i = 1; i <= instances.size(); ++i)
+      for (int k = 0; k < length; ++k) attribute.getStringPointer(static_cast<unsigned int>(i))[k] = vString();
+  } else if (!instances.empty()) {
+    std::memset(attribute.getPointer(1), 0, static_cast<std::size_t>(attribute.getTotalNBytes()));
+  }
+  unsigned int const below = m_decoratedStore->getNInstances();
   std::vector<unsigned int> real;
   std::vector<unsigned int> positions;
   for (std::size_t i = 0; i < instances.size(); ++i) {
@@ -63,6 +81,11 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
     else if (secondary)
       attribute.setValue(at, entry.value);
     else if (entry.instance != 0) {
+      if (entry.instance > below)
+        Message::fatal("InfillStoreDecorator::doTranslateInstList", 0,
+                       "Incorrect conversion from infilled instance                        number <%d> to relative "
+                       "instance number <%d>",
+                       static_cast<int>(instances[i]), static_cast<int>(entry.instance));
       real.push_back(entry.instance);
       positions.push_back(at);
     }
@@ -70,9 +93,19 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
   if (real.empty()) return;
   Attribute part(attribute);
   m_decoratedStore->read(part, real);
+  if (part.getNInstances() != positions.size())
+    Message::fatal("InfillStoreDecorator::doTranslateInstList", 0,
+                   "Inconsistent sizes of translated instance <%d> list and                                     "
+                   "mapped instance list <%d>",
+                   static_cast<int>(part.getNInstances()), static_cast<int>(positions.size()));
   std::size_t const bytes = static_cast<std::size_t>(part.getNBytes());
-  for (std::size_t i = 0; i < positions.size(); ++i)
-    std::memcpy(attribute.getPointer(positions[i]), part.getPointer(static_cast<unsigned int>(i + 1)), bytes);
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    unsigned int const from = static_cast<unsigned int>(i + 1);
+    if (texts)
+      for (int k = 0; k < length; ++k) attribute.getStringPointer(positions[i])[k] = part.getStringPointer(from)[k];
+    else
+      std::memcpy(attribute.getPointer(positions[i]), part.getPointer(from), bytes);
+  }
 }
 
 void InfillStoreDecorator::doReadRange(Attribute& attribute, unsigned int first, unsigned int last) const {
@@ -105,6 +138,9 @@ void InfillStoreDecorator::getGroupsAndSizes(Attribute& attribute, std::vector<u
     StoreDecoratorImp::getGroupsAndSizes(attribute, sizes, order);
     return;
   }
+  if (attribute.getDataType() != vNOTYPE && !holdsKeyValues(attribute.getDataType()))
+    Message::fatal("InfillStoreDecorator::getGroupsAndSizes", 0, "Can't handle this Attribute data type %s",
+                   vUtl::dataTypeName(attribute.getDataType()).c_str());
   std::vector<double> groups;
   grid.getGroupsAndSizes(groups, sizes);
   if (order == vUtlSort::SortOrder::DESCENDING) {

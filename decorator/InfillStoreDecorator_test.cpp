@@ -52,6 +52,24 @@ TEST(InfillStoreDecorator, IncrementsPadLimitsAndBounds) {
   expectFailure([] { StoreDecoratorFactory::addInfill(gridStore({1, 1, 2}, {0, 4, 7}))->getNInstances(); }, build,
                 "The minumum <0.000000> and maximum <7.000000> of the attribute's values are incompatable with the "
                 "determined increment <4.000000>\n");
+  // Texts are read through, invented ones empty.
+  vHandle<Store> named = StoreDecoratorFactory::addInfill(simpleStore(
+      "named", {"GROUP", "X"},
+      {column("GROUP", vINT32, {1, 1, 2}), column("X", vINT32, {10, 20, 20}), column("NAME", vSTRING, {1, 2, 3})}));
+  Attribute names("NAME", "", vSTRING);
+  named->read(names, 1, 0);
+  std::string said;
+  for (unsigned int i = 1; i <= names.getNInstances(); ++i) said += std::string(names.getString(i).c_str()) + "|";
+  EXPECT_EQ("s1|s2||s3|", said);
+  // Key values come from the grid as numbers only.
+  vHandle<Store> keyed = StoreDecoratorFactory::addInfill(gridStore({1, 2}, {10, 20}));
+  Attribute text("X", "", vSTRING);
+  expectFailure([&] { keyed->read(text, 1, 2); }, "InfillStoreDecorator::doTranslateInstList",
+                "Can't handle the attribute's data type vSTRING ");
+  Attribute groupsAsText("GROUP", "", vSTRING);
+  std::vector<unsigned int> sizes;
+  expectFailure([&] { keyed->getGroupsAndSizes(groupsAsText, sizes, vUtlSort::SortOrder::ASCENDING); },
+                "InfillStoreDecorator::getGroupsAndSizes", "Can't handle this Attribute data type vSTRING");
   InfillStoreDecorator infill(gridStore({1}, {1}), false);
   infill.addKeyAttributes("GROUP", "X");
   expectFailure([&] { infill.addKeyAttributes("GROUP", "VALUE"); },

@@ -109,7 +109,7 @@ void OGRProjector::myCreateCoordinateTransformations() {
                         projection.isNorthernHemisphere() ? "N" : "S");
   }
   if (made != OGRERR_NONE || !m_projected->IsProjected()) {
-    if (tracing) DornDebug::printf("%s: ERROR: %s", myTraceName(), NoProjected);
+    if (tracing) DornDebug::printf("%s: ERROR: The projected coordinate system has not been defined.", myTraceName());
     if (made == OGRERR_NONE || projection.getPCSCode() != 0) Message::error(label, 0, "%s", NoProjected);
     delete m_projected;
     m_projected = nullptr;
@@ -140,13 +140,15 @@ void OGRProjector::myCreateCoordinateTransformations() {
   geographic->SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
 
   m_toRW = OGRCreateCoordinateTransformation(geographic.get(), m_projected);
-  if (tracing)
-    DornDebug::printf("%s: Lat/Lon to RW X/Y transformation %s", myTraceName(),
-                      m_toRW ? "created successfully" : "creation failed");
+  if (tracing && m_toRW)
+    DornDebug::printf("%s: Lat/Lon to RW X/Y transformation created successfully", myTraceName());
+  else if (tracing)
+    DornDebug::printf("%s: Lat/Lon to RW X/Y transformation creation failed", myTraceName());
   m_toLatLong = OGRCreateCoordinateTransformation(m_projected, geographic.get());
-  if (tracing)
-    DornDebug::printf("%s: RW X/Y to Lat/Lon transformation %s", myTraceName(),
-                      m_toLatLong ? "created successfully" : "creation failed");
+  if (tracing && m_toLatLong)
+    DornDebug::printf("%s: RW X/Y to Lat/Lon transformation created successfully", myTraceName());
+  else if (tracing)
+    DornDebug::printf("%s: RW X/Y to Lat/Lon transformation creation failed", myTraceName());
 }
 
 bool OGRProjector::convertLatLongToRW(int n, double* x, double* y, int flags) {

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/DornDebug.h"
 #include "foundation/ErrorHandler.h"
 #include "foundation/RaiseError.h"
 #include "geometry/NoProjector.h"
@@ -132,8 +133,17 @@ TEST(OGRProjector, LongitudeIsXAndPointsFarFromTheMeridian) {
   EXPECT_NE(std::string::npos, std::string(projector.getDescription(CoordinateProjector::ProjectedSystem).c_str())
                                    .find("    Central Meridian = 3\n"));
 
+  // Made under tracing, the projector says how its transformations went.
+  std::string const trace = std::string(::testing::TempDir()) + "ogrprojector_" + std::to_string(::getpid()) + ".log";
+  DornDebug::initializeDirect(true, trace.c_str(), 1);
   OGRProjector coded;
   coded.getProjection().setPCSCode(32631);
+  DornDebug::terminate();
+  std::stringstream said;
+  said << std::ifstream(trace).rdbuf();
+  std::remove(trace.c_str());
+  EXPECT_NE(std::string::npos, said.str().find("Lat/Lon to RW X/Y transformation created successfully")) << said.str();
+  EXPECT_NE(std::string::npos, said.str().find("RW X/Y to Lat/Lon transformation created successfully"));
   double far[] = {25.0, -20.0}, farY[] = {50.0, 51.0};
   EXPECT_FALSE(coded.convertLatLongToRW(2, far, farY, 0));
   EXPECT_EQ(25.0, far[0]);

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -203,6 +205,20 @@ TEST_F(KvsClient, ErrorsCarryTheirTexts) {
 }
 
 TEST(KvsConfig, ResourcesAndInitFailures) {
+  // A process that cannot say who it is ends at once; before any other
+  // KvsInit, as what a process is gets gathered only once. Taking a user
+  // with no password entry needs root.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        unsetenv("USER");
+        unsetenv("HOME");
+        uid_t nobody = 60000;
+        while (getpwuid(nobody)) ++nobody;
+        if (setuid(nobody) != 0) std::exit(3);
+        KvsInit();
+      },
+      ::testing::ExitedWithCode(255), "^INITIALISATION ERROR -Aborting-\n$");
   KvsScratch scratch;
   KvsTestCapture();
   std::string file = scratch.root + "/res";

@@ -67,6 +67,8 @@ int KvsExtractSiteServer(const char* name, std::string& site, std::string& serve
 
 int KvsInit() {
   if (KvsRootObject()) return 0;
+  KvsSkInit();
+  // A later KvsInit in the same process takes KVSDBG afresh.
   std::string dbg = env("KVSDBG");
   kvsSkDebug = dbg.empty() ? 0 : (std::atoi(dbg.c_str()) ? std::atoi(dbg.c_str()) : 1);
   auto* r = new KvsRootRec;

@@ -14,18 +14,6 @@ namespace kvs {
 
 namespace {
 
-std::string hostName() {
-  const char* h = std::getenv("HOSTNAME");
-  char buf[256] = {};
-  std::string name = h && *h ? h : (gethostname(buf, sizeof buf - 1) == 0 ? buf : "local");
-  return name.substr(0, name.find('.'));
-}
-
-std::string userName() {
-  const char* u = std::getenv("USER");
-  return u ? u : "";
-}
-
 void dump(const KvsMsg& m, const char* title, int level) {
   if (kvsSkDebug > level) std::fputs(KvsMsgDump(m, title).c_str(), stderr);
 }
@@ -61,9 +49,9 @@ int KvsGetOracleHost(std::string& host, long* port) {
 void KvsMsgInit(KvsSessionRec* s, char command) {
   KvsMsg& m = s->msg;
   m.clear();
-  m.setText(KvsMsgUser, 16, userName());
+  m.setText(KvsMsgUser, 16, KvsSkInit().user);
   m.setText(KvsMsgAccount, 16, s->project);
-  m.setText(KvsMsgHost, 24, hostName(), 23);
+  m.setText(KvsMsgHost, 24, KvsSkInit().host, 23);
   char pid[16];
   std::snprintf(pid, sizeof pid, "%6d", static_cast<int>(getpid()));
   m.setText(KvsMsgClientPid, 8, pid, 8);

@@ -9,6 +9,7 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <pwd.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -17,6 +18,56 @@ namespace kvs {
 
 int RPID = 0;
 int kvsSkDebug = 0;
+
+namespace {
+
+std::string envText(const char* name) {
+  const char* v = std::getenv(name);
+  return v ? v : "";
+}
+
+bool gatherIdentity(KvsSkIdentity& id) {
+  id.pid = static_cast<int>(getpid());
+  id.host = envText("HOSTNAME");
+  if (id.host.empty()) {
+    char buf[256] = {};
+    if (gethostname(buf, sizeof buf - 1) != 0) return false;
+    id.host = buf;
+  }
+  id.host = id.host.substr(0, id.host.find('.'));
+  if (id.host.empty()) return false;
+  id.display = envText("DISPLAY");
+  if (id.display.empty()) id.display = "local:0.0";
+  if (id.display[0] == ':') id.display = id.host + id.display;
+  id.logger = envText("LOGGER");
+  if (id.logger.empty()) id.logger = id.host;
+  id.env = envText("ENV").substr(0, 400);
+  id.user = envText("USER");
+  id.home = envText("HOME");
+  if (id.user.empty() || id.home.empty()) {
+    const passwd* entry = getpwuid(getuid());
+    if (!entry) return false;
+    if (id.user.empty() && entry->pw_name) id.user = entry->pw_name;
+    if (id.home.empty() && entry->pw_dir) id.home = entry->pw_dir;
+  }
+  std::string dbg = envText("KVSDBG");
+  kvsSkDebug = dbg.empty() ? 0 : (std::atoi(dbg.c_str()) ? std::atoi(dbg.c_str()) : 1);
+  return !id.user.empty() && !id.home.empty();
+}
+
+}  // namespace
+
+const KvsSkIdentity& KvsSkInit() {
+  static const KvsSkIdentity identity = [] {
+    KvsSkIdentity id;
+    if (!gatherIdentity(id)) {
+      std::fputs("INITIALISATION ERROR -Aborting-\n", stderr);
+      std::exit(-1);
+    }
+    return id;
+  }();
+  return identity;
+}
 
 void KvsPutBE32(unsigned char* p, std::uint32_t v) {
   p[0] = static_cast<unsigned char>(v >> 24);

@@ -37,6 +37,20 @@ int KvsSkListen(int port, int* chosen);
 // The socket options every kvs socket gets.
 void KvsSkAlloc(int fd);
 
+// What this process tells a server about itself, gathered once.
+struct KvsSkIdentity {
+  int pid = 0;
+  std::string host;     // cut at the first "."
+  std::string display;  // host-relative
+  std::string logger;
+  std::string env;      // at most 400 characters
+  std::string user, home;
+};
+// Gathers the identity on the first call and sets the debug level from
+// KVSDBG. A process that cannot say who it is (no host name, no user or
+// home) says so on standard error and ends with -1.
+const KvsSkIdentity& KvsSkInit();
+
 // The connect failure text for an errno value.
 std::string KvsSkErrorText(int err);
 

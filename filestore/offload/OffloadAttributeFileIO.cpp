@@ -202,6 +202,12 @@ void OffloadAttributeFile::readRangeScattered(Attribute& attribute, unsigned int
 
 void OffloadAttributeFile::readRangeScattered(std::vector<Attribute*> const& attributes, unsigned int first,
                                               unsigned int last, std::vector<unsigned int> const& positions) {
+  // Every name is looked up before any is read, so a bad list leaves the
+  // caller's attributes as they were.
+  for (Attribute const* attribute : attributes)
+    if (!hasAttribute(attribute->getName()))
+      Message::fatal("OffloadAttributeFile::readRangeScattered", 0, "Attribute %s was not found in list.",
+                     attribute->getName().c_str());
   for (Attribute* attribute : attributes) readRangeScattered(*attribute, first, last, positions);
 }
 

@@ -152,6 +152,9 @@ TEST(OffloadPeer, EveryValueOfEveryVariantReadsAsWritten) {
                   "Scattered write to position 0 is outsize of the range 1:5!");
     expectFailure([&] { store.getFile().readRangeScattered(scattered, 12, 13, {1, 2}); }, label,
                   "Scattered write to instance 13 is outsize of the range 1:12!");
+    Attribute nowhere("NOWHERE", "", vINT32);
+    expectFailure([&] { store.getFile().readRangeScattered({&scattered, &nowhere}, 2, 3, {1, 2}); }, label,
+                  "Attribute NOWHERE was not found in list.");
     // The mute restored: two zeros in front, the whole trace from 0.
     StoreOpenOptions restore;
     restore.setRestoreMute(true);
