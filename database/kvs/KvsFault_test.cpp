@@ -119,6 +119,24 @@ TEST_F(KvsServed, DaemonKilledInMidTransferThenBadFrames) {
 TEST(KvsFault, LibraryRefusesBadRepliesAndSendsRecordsAsLaidOut) {
   KvsScratch scratch;
   KvsTestCapture();
+  // A port beyond 65535, or not a number, is refused rather than cut to
+  // another listener's.
+  {
+    FakeServer peer([](int fd) {
+      KvsMsg m;
+      if (KvsSkRead(fd, m.b, KvsMsgSize) != long(KvsMsgSize)) return;
+      m.b[KvsMsgStatus] = 0;
+      KvsSkWrite(fd, m.b, KvsMsgSize);
+    });
+    std::string const wrapped = std::to_string(peer.port + 65536);
+    setenv("KVSPORT", wrapped.c_str(), 1);
+    EXPECT_EQ(KvsInit(), 9);
+    EXPECT_EQ(KvsTestLog().back(), "%S Could not find kvsd server (PORT " + wrapped + ") on 127.0.0.1");
+    setenv("KVSPORT", (std::to_string(peer.port) + "x").c_str(), 1);
+    EXPECT_EQ(KvsInit(), 9);
+    EXPECT_EQ(KvsTestLog().back(), "%S Could not find kvsd server (PORT 0) on 127.0.0.1");
+    close(KvsSkConnect("127.0.0.1", peer.port, 0));  // lets the peer go
+  }
   // A frame longer than the largest allowed.
   {
     FakeServer peer([](int fd) {

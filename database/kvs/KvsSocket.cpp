@@ -215,6 +215,8 @@ static bool KvsSkCache(const std::string& host, in_addr& out) {
 }
 
 int KvsSkConnect(const std::string& host, int port, int retry) {
+  // htons would cut a larger number to another port.
+  if (port < 1 || port > 65535) return -1;
   sockaddr_in sa{};
   sa.sin_family = AF_INET;
   sa.sin_port = htons(static_cast<uint16_t>(port));
