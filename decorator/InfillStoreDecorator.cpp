@@ -9,11 +9,6 @@
 
 namespace {
 [[noreturn]] void refuse(char const* label) { Message::fatal(label, 0, "Not implemented"); }
-
-// The types a key value taken from the grid can be given in.
-bool holdsKeyValues(DataType type) {
-  return type == vINT16 || type == vINT32 || type == vINT64 || type == vFLOAT32 || type == vFLOAT64;
-}
 }  // namespace
 
 InfillStoreDecorator::InfillStoreDecorator(vHandle<Store> const& store, bool padWithinGroup)
@@ -57,7 +52,7 @@ void InfillStoreDecorator::doTranslateInstList(Attribute& attribute, std::vector
   myCheckList("InfillStoreDecorator::read(list)", attribute, instances, n);
   bool const primary = attribute.getName() == m_infillTable->getPrimaryKey();
   bool const secondary = attribute.getName() == m_infillTable->getSecondaryKey();
-  if ((primary || secondary) && !holdsKeyValues(attribute.getDataType()))
+  if ((primary || secondary) && !vUtl::dataTypeIsAttributeNumber(attribute.getDataType()))
     Message::fatal("InfillStoreDecorator::doTranslateInstList", 0, "Can't handle the attribute's data type %s ",
                    vUtl::dataTypeName(attribute.getDataType()).c_str());
   attribute.resize(static_cast<unsigned int>(instances.size()));
@@ -138,7 +133,7 @@ void InfillStoreDecorator::getGroupsAndSizes(Attribute& attribute, std::vector<u
     StoreDecoratorImp::getGroupsAndSizes(attribute, sizes, order);
     return;
   }
-  if (attribute.getDataType() != vNOTYPE && !holdsKeyValues(attribute.getDataType()))
+  if (attribute.getDataType() != vNOTYPE && !vUtl::dataTypeIsAttributeNumber(attribute.getDataType()))
     Message::fatal("InfillStoreDecorator::getGroupsAndSizes", 0, "Can't handle this Attribute data type %s",
                    vUtl::dataTypeName(attribute.getDataType()).c_str());
   std::vector<double> groups;

@@ -1,9 +1,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cctype>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 
@@ -71,8 +69,7 @@ int KvsInit() {
   if (KvsRootObject()) return 0;
   KvsSkInit();
   // A later KvsInit in the same process takes KVSDBG afresh.
-  std::string dbg = env("KVSDBG");
-  kvsSkDebug = dbg.empty() ? 0 : (std::atoi(dbg.c_str()) ? std::atoi(dbg.c_str()) : 1);
+  kvsSkDebug = KvsSkDebugLevel();
   auto* r = new KvsRootRec;
   char cwd[129] = {};
   if (!getcwd(cwd, sizeof cwd - 1)) std::strcpy(cwd, "/tmp");
@@ -173,29 +170,17 @@ int KvsAttWord(const char* attribute) {
   return 0;
 }
 
-namespace {
-
-// KVSPORT as written: digits alone, up to INT_MAX, else 0. The connection
-// refuses what is no port, so a typing slip names itself in the failure
-// instead of reaching another daemon.
-int portNumber(std::string const& text) {
-  long long value = 0;
-  for (char c : text) {
-    if (!std::isdigit(static_cast<unsigned char>(c))) return 0;
-    value = std::min(value * 10 + (c - '0'), static_cast<long long>(INT_MAX));
-  }
-  return static_cast<int>(value);
-}
-
-}  // namespace
-
 KvsSessionRec* KvsNewSession(KvsRootRec* r, const std::string& project) {
   auto* s = static_cast<KvsSessionRec*>(KvsCreate(r, KvsNproject, project.c_str(), 0L));
   s->server = r->server;
   s->base = r->base;
   s->site = r->site;
   std::string port = env("KVSPORT");
-  s->port = port.empty() ? 4100 : portNumber(port);
+  // What is no number becomes 0; the connection refuses what is no port,
+  // so a typing slip names itself in the failure instead of reaching
+  // another daemon.
+  long const number = port.empty() ? 4100 : KvsSkPortNumber(port.c_str());
+  s->port = number < 0 ? 0 : static_cast<int>(number);
   return s;
 }
 

@@ -1,7 +1,10 @@
 #include "database/kvs/KvsSocket.h"
 
 #include <arpa/inet.h>
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -50,12 +53,26 @@ bool gatherIdentity(KvsSkIdentity& id) {
     if (id.user.empty() && entry->pw_name) id.user = entry->pw_name;
     if (id.home.empty() && entry->pw_dir) id.home = entry->pw_dir;
   }
-  std::string dbg = envText("KVSDBG");
-  kvsSkDebug = dbg.empty() ? 0 : (std::atoi(dbg.c_str()) ? std::atoi(dbg.c_str()) : 1);
+  kvsSkDebug = KvsSkDebugLevel();
   return !id.user.empty() && !id.home.empty();
 }
 
 }  // namespace
+
+int KvsSkDebugLevel() {
+  std::string dbg = envText("KVSDBG");
+  return dbg.empty() ? 0 : (std::atoi(dbg.c_str()) ? std::atoi(dbg.c_str()) : 1);
+}
+
+long KvsSkPortNumber(const char* text) {
+  if (!*text) return -1;
+  long long value = 0;
+  for (const char* c = text; *c; ++c) {
+    if (!std::isdigit(static_cast<unsigned char>(*c))) return -1;
+    value = std::min(value * 10 + (*c - '0'), static_cast<long long>(INT_MAX));
+  }
+  return static_cast<long>(value);
+}
 
 const KvsSkIdentity& KvsSkInit() {
   static const KvsSkIdentity identity = [] {

@@ -37,6 +37,14 @@ int KvsSkListen(int port, int* chosen);
 // The socket options every kvs socket gets.
 void KvsSkAlloc(int fd);
 
+// The debug level KVSDBG asks for: its number, or 1 when it is set to
+// something else; 0 when unset.
+int KvsSkDebugLevel();
+
+// KVSPORT or a port argument as written: its number when it is digits
+// alone (up to INT_MAX), else -1. Callers decide what range is a port.
+long KvsSkPortNumber(const char* text);
+
 // What this process tells a server about itself, gathered once.
 struct KvsSkIdentity {
   int pid = 0;

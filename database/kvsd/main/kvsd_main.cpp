@@ -17,9 +17,8 @@ namespace {
 // A port is a whole number 0..65535: anything else would be cut to another
 // port, or read as 0 (a free one), without a word.
 bool parsePort(char const* text, int& port) {
-  char* end = nullptr;
-  long const value = std::strtol(text, &end, 10);
-  if (end == text || *end != '\0' || value < 0 || value > 65535) return false;
+  long const value = kvs::KvsSkPortNumber(text);
+  if (value < 0 || value > 65535) return false;
   port = static_cast<int>(value);
   return true;
 }
